@@ -1,0 +1,103 @@
+# SPDX-License-Identifier: MIT
+# Compiler settings shared by every target, and the functions that declare targets.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+find_program(GLYPHORA_CCACHE ccache)
+if(GLYPHORA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${GLYPHORA_CCACHE}")
+endif()
+
+add_library(glyphora_settings INTERFACE)
+target_compile_options(glyphora_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+find_package(Threads REQUIRED)
+target_link_libraries(glyphora_settings INTERFACE Threads::Threads)
+
+if(GLYPHORA_SANITIZE)
+    target_compile_options(glyphora_settings INTERFACE
+        -fsanitize=${GLYPHORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(glyphora_settings INTERFACE -fsanitize=${GLYPHORA_SANITIZE})
+endif()
+if(GLYPHORA_COVERAGE)
+    target_compile_options(glyphora_settings INTERFACE --coverage)
+    target_link_options(glyphora_settings INTERFACE --coverage)
+endif()
+
+# glyphora_library(NAME [SHARED] SOURCES ... [PUBLIC libs...] [PRIVATE libs...] [INCLUDE dirs...])
+function(glyphora_library name)
+    cmake_parse_arguments(ARG "SHARED" "" "SOURCES;PUBLIC;PRIVATE;INCLUDE" ${ARGN})
+    if(ARG_SHARED)
+        add_library(${name} SHARED ${ARG_SOURCES})
+    else()
+        add_library(${name} STATIC ${ARG_SOURCES})
+    endif()
+    target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
+    target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE glyphora_settings ${ARG_PRIVATE})
+endfunction()
+
+# glyphora_program(NAME SOURCES ... LIBRARIES ...)
+function(glyphora_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES})
+endfunction()
+
+# glyphora_test(NAME SOURCES ... LIBRARIES ... [ENVIRONMENT a=b ...] [TIMEOUT seconds] [LABELS ...])
+# Every test case becomes a CTest test of its own. TIMEOUT is a watchdog, not a measurement.
+function(glyphora_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;ENVIRONMENT;LABELS" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES}
+        GTest::gmock GTest::gtest GTest::gtest_main)
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${ARG_ENVIRONMENT}" LABELS "${ARG_LABELS}")
+endfunction()
+
+# glyphora_benchmark(NAME SOURCES ... LIBRARIES ...)
+function(glyphora_benchmark name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES} benchmark::benchmark)
+endfunction()
+
+# glyphora_fuzz(NAME SOURCES ... LIBRARIES ... CORPUS folder)
+# With GLYPHORA_FUZZ a libFuzzer program; otherwise a test that replays the seed corpus.
+function(glyphora_fuzz name)
+    cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;LIBRARIES" ${ARGN})
+    if(GLYPHORA_FUZZ)
+        add_executable(${name} ${ARG_SOURCES})
+        target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+        target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    else()
+        add_executable(${name} ${ARG_SOURCES} "${CMAKE_SOURCE_DIR}/fuzz/replay.cpp")
+        add_test(NAME ${name}.ReplaysItsCorpus
+            COMMAND ${name} "${CMAKE_CURRENT_SOURCE_DIR}/${ARG_CORPUS}")
+        set_tests_properties(${name}.ReplaysItsCorpus PROPERTIES TIMEOUT 300)
+    endif()
+    target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES})
+endfunction()
+
+# glyphora_add_folders(a b ...): adds each sub-folder that holds a CMakeLists.txt.
+function(glyphora_add_folders)
+    foreach(folder IN LISTS ARGN)
+        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+            add_subdirectory(${folder})
+        endif()
+    endforeach()
+endfunction()
