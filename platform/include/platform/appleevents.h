@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+// Apple events: typed messages between applications, addressed by signature or process id.
+//
+// One event is one method call on the user's session bus. The class, the ID and the parameters
+// travel as data; the receiver is known on the bus by its four-character signature (application.h).
+// Descriptors are owned by whoever created them and are released with AEDisposeDesc; all calls
+// copy the caller's data. Every call may be made from any thread; installed handlers run only in
+// the thread that calls PLDispatchPendingEvents (application.h), never on a thread of the bus.
+#pragma once
+
+#include "platform/types.h"
+
+using DescType = OSType;
+using AEKeyword = OSType;
+using AEEventClass = OSType;
+using AEEventID = OSType;
+using AEReturnID = std::int16_t;
+using AETransactionID = std::int32_t;
+using AESendMode = std::int32_t;
+using AESendPriority = std::int16_t;
+using AEInteractAllowed = std::int8_t;
+
+/// A typed piece of data, an address, or a whole event (AppleEvent, with attributes and
+/// parameters). Opaque: initialise with AEInitializeDesc or {} and fill with a creating call.
+struct AEDesc {
+    DescType descriptorType = FourCharCode("null");
+    void* dataHandle = nullptr;
+};
+using AEAddressDesc = AEDesc;
+using AppleEvent = AEDesc;
+
+/// Called for one incoming event. `reply` takes the answer's parameters (it is thrown away when the
+/// sender waits for none). A result other than noErr is put into the reply as keyErrorNumber.
+using AEEventHandlerProcPtr = OSErr (*)(const AppleEvent* event, AppleEvent* reply, void* refCon);
+/// A routine reference made of a handler; owned by the caller until DisposeAEEventHandlerUPP.
+using AEEventHandlerUPP = struct OpaqueAEEventHandler*;
+using AEIdleUPP = struct OpaqueAEIdle*;
+using AEFilterUPP = struct OpaqueAEFilter*;
+
+enum : DescType {
+    typeNull = FourCharCode("null"),
+    typeWildCard = FourCharCode("****"),
+    typeChar = FourCharCode("TEXT"),
+    typeType = FourCharCode("type"),
+    typeSInt32 = FourCharCode("long"),
+    typeAppleEvent = FourCharCode("aevt"),
+    typeApplSignature = FourCharCode("sign"),   ///< data: the four bytes of the signature, in order
+    typeKernelProcessID = FourCharCode("kpid"), ///< data: one std::int32_t in native byte order
+};
+
+enum : AEKeyword {
+    keyDirectObject = FourCharCode("----"),
+    keyErrorNumber = FourCharCode("errn"),
+    keyErrorString = FourCharCode("errs"),
+    keyEventClassAttr = FourCharCode("evcl"),
+    keyEventIDAttr = FourCharCode("evid"),
+    keyAddressAttr = FourCharCode("addr"),
+    keyReturnIDAttr = FourCharCode("rtid"),
+    keyTransactionIDAttr = FourCharCode("tran"),
+};
+
+enum : AESendMode {
+    kAENoReply = 0x1,
+    kAEWaitReply = 0x3,
+};
+enum : std::int32_t {
+    kAEDefaultTimeout = -1, ///< 15 seconds
+    kNoTimeOut = -2,
+};
+constexpr AEReturnID kAutoGenerateReturnID = -1;
+constexpr AETransactionID kAnyTransactionID = 0;
+constexpr AESendPriority kAENormalPriority = 0;
+
+enum : OSErr {
+    errAECoercionFail = -1700,
+    errAEDescNotFound = -1701,
+    errAECorruptData = -1702,
+    errAENotAEDesc = -1704,
+    errAEEventNotHandled = -1708,
+    errAEUnknownAddressType = -1716,
+    errAEHandlerNotFound = -1717,
+    errAETimeout = -1712,
+    errAEReplyNotValid = -1709,
+    errAEBufferTooSmall = -1741,
+};
+
+/// The greatest size of one event, parameters and attributes together. Larger ones are refused by
+/// the sender with memFullErr, and by a receiver with an error reply.
+constexpr Size kAEMaximumEventSize = 64L * 1024 * 1024;
+
+/// Makes an empty (null) descriptor of any storage. Never fails.
+void AEInitializeDesc(AEDesc* desc);
+
+/// Makes a descriptor of `size` copied bytes. paramErr: null result, negative size, or bytes
+/// missing; memFullErr: above kAEMaximumEventSize.
+OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result);
+
+/// Makes an event for `target` (typeApplSignature or typeKernelProcessID).
+/// errAENotAEDesc: `target` is not an address descriptor.
+OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target,
+                         AEReturnID returnID, AETransactionID transactionID, AppleEvent* result);
+
+/// Sets (or replaces) one parameter. errAENotAEDesc when `event` is no event or reply;
+/// memFullErr when the event would exceed kAEMaximumEventSize.
+OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
+                    Size size);
+/// Sets (or replaces) one attribute; errors as AEPutParamPtr.
+OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
+                        Size size);
+
+/// Reads one parameter. `keyword` typeWildCard ("****") takes the first parameter there is.
+/// Up to `maximumSize` bytes are copied into `data`; `actualSize` (may be null) gets the full size,
+/// `actualType` (may be null) the type. With `data` null and `maximumSize` 0 only the size is told.
+/// errAEDescNotFound: no such parameter; errAECoercionFail: of another type than `desiredType`
+/// (typeWildCard takes any); errAENotAEDesc: not an event.
+OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
+                    DescType* actualType, void* data, Size maximumSize, Size* actualSize);
+/// Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and tell the
+/// event's class and ID as one native OSType.
+OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
+                        DescType* actualType, void* data, Size maximumSize, Size* actualSize);
+
+/// Sends an event. `reply` is set to the answer with kAEWaitReply (dispose of it) and to a null
+/// descriptor otherwise. The time-out is in ticks of 1/60 s. While the call waits, no handler of
+/// the calling process runs. Results: noErr; procNotFound: nobody with that address;
+/// connectionInvalid: the peer vanished before it answered, or there is no bus; errAETimeout;
+/// memFullErr: too large; errAEEventNotHandled: the peer has no handler for it; otherwise what the
+/// peer's system reported. With kAENoReply the result tells only whether the event could be handed
+/// to a peer.
+OSStatus AESend(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
+                AESendPriority priority, std::int32_t timeOutInTicks, AEIdleUPP idle,
+                AEFilterUPP filter);
+
+/// Releases a descriptor's storage and makes it null. Safe on a null descriptor.
+OSErr AEDisposeDesc(AEDesc* desc);
+
+/// Makes a routine reference. Null on a null routine or without memory.
+AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr routine);
+void DisposeAEEventHandlerUPP(AEEventHandlerUPP upp);
+
+/// Installs a handler for a class and an ID (typeWildCard as class or ID: all of them; an exact
+/// entry wins over a wildcard), replacing one installed for the same pair. `isSystemHandler` must
+/// be false: there is only the application's own table (paramErr).
+OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
+                            void* refCon, bool isSystemHandler);
+/// Removes it. errAEHandlerNotFound when another routine or none is installed for the pair; a null
+/// `handler` removes whichever there is.
+OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
+                           bool isSystemHandler);

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Finding an application by its identifier: on this system, a desktop entry by its file name.
+#pragma once
+
+#include "platform/types.h"
+
+#include <climits>
+#include <cstddef>
+
+/// A text of the system (an immutable copy), held by reference; release with CFRelease.
+using CFStringRef = const struct PLString*;
+/// The location of a file, held by reference; release with CFRelease.
+using CFURLRef = const struct PLUrl*;
+using CFTypeRef = const void*;
+
+using CFStringEncoding = std::uint32_t;
+enum : CFStringEncoding {
+    kCFStringEncodingMacRoman = 0,
+    kCFStringEncodingUTF8 = 0x08000100,
+};
+
+/// A file by its absolute path; a plain value. Empty path: no file.
+struct FSRef {
+    char path[PATH_MAX] = {};
+};
+/// The same for the process calls.
+struct FSSpec {
+    char path[PATH_MAX] = {};
+};
+
+enum : OSType { kLSUnknownCreator = 0 };
+enum : OSErr { kLSApplicationNotFoundErr = -10814 };
+enum : std::uint32_t { kFSCatInfoNone = 0 };
+
+/// Makes a text of a zero-terminated one. Null when it is not valid in the encoding (MacRoman
+/// accepts every byte) or without memory.
+CFStringRef CFStringCreateWithCString(const void* allocator, const char* text,
+                                      CFStringEncoding encoding);
+/// Writes the text as UTF-8 into `buffer`, always terminated; false when it does not fit.
+bool CFStringGetCString(CFStringRef text, char* buffer, long size, CFStringEncoding encoding);
+/// Prints a text or a URL and a line end to standard error. Null is printed as "(null)".
+void CFShow(CFTypeRef object);
+/// Releases an object made by a creating call. Null is not allowed.
+void CFRelease(CFTypeRef object);
+
+/// Finds the application with the identifier `bundleID` ("org.example.App" finds the desktop entry
+/// org.example.App.desktop in the user's and the system's folders, as XDG_DATA_HOME and
+/// XDG_DATA_DIRS name them at the time of the call). `creator` and `name` must be kLSUnknownCreator
+/// and null. `ref` and `url` may be null; `*url` is owned by the caller.
+/// kLSApplicationNotFoundErr: none, or it cannot be read or started.
+OSStatus LSFindApplicationForInfo(OSType creator, CFStringRef bundleID, CFStringRef name,
+                                  FSRef* ref, CFURLRef* url);
+/// Writes the path, zero-terminated. paramErr: null or empty reference, or buffer too small.
+OSStatus FSRefMakePath(const FSRef* ref, unsigned char* path, std::uint32_t maximumSize);
+/// False when the URL is null.
+bool CFURLGetFSRef(CFURLRef url, FSRef* ref);
+/// Of all catalogue information only the file specification is given (`whichInfo` kFSCatInfoNone,
+/// the other results null). fnfErr: the file does not exist.
+OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t whichInfo, void* catalogInfo, void* name,
+                       FSSpec* specification, FSRef* parent);

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// The running applications of this user's session, and starting one more.
+#pragma once
+
+#include "platform/launchservices.h"
+#include "platform/types.h"
+
+/// Names one process in a walk. {0, kNoProcess} stands before the first.
+struct ProcessSerialNumber {
+    std::uint32_t highLongOfPSN = 0;
+    std::uint32_t lowLongOfPSN = 0;
+};
+enum : std::uint32_t { kNoProcess = 0 };
+
+/// What is told of a process. The caller sets processInfoLength to 0 or to sizeof(ProcessInfoRec),
+/// and processName to null or to a buffer of 256 bytes that receives a zero-terminated name.
+struct ProcessInfoRec {
+    std::uint32_t processInfoLength = 0;
+    char* processName = nullptr;
+    ProcessSerialNumber processNumber;
+    OSType processType = 0;
+    OSType processSignature = 0;
+    std::int32_t processID = 0; ///< the kernel's id
+};
+
+/// Advances `psn` to the next process known on the bus; after the last (or without a bus) sets it
+/// to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the bus anew.
+OSErr GetNextProcess(ProcessSerialNumber* psn);
+/// Fills `info`. procNotFound: `psn` names no process (kNoProcess included) or it has ended.
+OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
+
+enum : std::uint16_t {
+    extendedBlock = 0x4C43,
+    launchContinue = 0x4000,
+    launchNoFileFlags = 0x0800,
+    launchDontSwitch = 0x0200,
+};
+enum : std::uint32_t { extendedBlockLen = 32 };
+
+/// What to start, and how. `launchAppSpec` is not owned.
+struct LaunchParamBlockRec {
+    std::uint32_t reserved1 = 0;
+    std::uint16_t reserved2 = 0;
+    std::uint16_t launchBlockID = 0;
+    std::uint32_t launchEPBLength = 0;
+    std::uint16_t launchFileFlags = 0;
+    std::uint16_t launchControlFlags = 0;
+    const FSSpec* launchAppSpec = nullptr;
+    ProcessSerialNumber launchProcessSN;
+    void* launchAppParameters = nullptr;
+};
+
+/// Starts the application whose desktop entry `launchAppSpec` names, by its Exec line, and returns
+/// without waiting for it. paramErr: block not extendedBlock, or no specification; fnfErr: no such
+/// entry, or its program is missing; memFullErr: it could not be started.
+OSErr LaunchApplication(LaunchParamBlockRec* parameters);
