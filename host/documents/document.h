@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// The host's document model: layers, the art in them, and the text runs with their faces. Whatever
+// format a document came from, this is what the suites show to plug-ins.
+#pragma once
+
+#include "host/documents/documenterror.h"
+#include "host/documents/face.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+class Document;
+
+using ArtId = std::uint32_t;  ///< index into Document::arts()
+using RunId = std::uint32_t;  ///< index into Document::runs()
+using FaceId = std::uint32_t; ///< index into Document::faces()
+
+inline constexpr ArtId noArt = 0xFFFFFFFFU;
+
+enum class ArtKind : std::uint8_t { Group, TextFrame, Other };
+
+/// One node of a layer's art tree. The parent of a layer's top group is noArt.
+struct Art {
+    ArtKind kind = ArtKind::Other;
+    ArtId parent = noArt;
+    ArtId firstChild = noArt;
+    ArtId nextSibling = noArt;
+    RunId firstRun = 0;         ///< text frames: their runs are consecutive, in reading order
+    std::uint32_t runCount = 0; ///< 0 for anything but a text frame
+};
+
+/// A layer's first art, and the only one without a parent in it, is its top group.
+struct Layer {
+    std::string name;
+    ArtId topGroup = noArt;
+};
+
+/// A maximal stretch of a frame's text that has one face.
+struct TextRun {
+    std::uint32_t textStart = 0; ///< bytes, see Document::text
+    std::uint32_t textLength = 0;
+    FaceId face = 0;
+    bool visible = false;  ///< has a character that leaves a mark and is shown
+    bool replaced = false; ///< its face is not the one that was read
+};
+
+/// Writes a document back to where its format puts it. Holds what the model does not: the source.
+class DocumentWriter {
+public:
+    virtual ~DocumentWriter() = default;
+    /// Writes atomically. @throws DocumentError
+    virtual void save(const Document& document, const std::filesystem::path& file) const = 0;
+};
+
+/// The parts of a document, as a reader puts them together.
+struct DocumentParts {
+    std::string name; ///< the file's name, for messages and titles
+    std::vector<Layer> layers;
+    std::vector<Art> arts;
+    std::vector<TextRun> runs;
+    std::vector<Face> faces;
+    std::string text; ///< the text of all runs
+    std::shared_ptr<const DocumentWriter> writer;
+};
+
+/// Not synchronised: one thread at a time. Ids stay valid for the document's lifetime; replacing
+/// a face neither joins nor splits runs, so that iterators of a caller survive it.
+class Document {
+public:
+    explicit Document(DocumentParts parts);
+
+    const std::string& name() const noexcept { return parts_.name; }
+    std::span<const Layer> layers() const noexcept { return parts_.layers; }
+    std::span<const Art> arts() const noexcept { return parts_.arts; }
+    std::span<const TextRun> runs() const noexcept { return parts_.runs; }
+    std::span<const Face> faces() const noexcept { return parts_.faces; }
+
+    /// Ids are the caller's to keep right: @throws std::out_of_range for one that is not.
+    const Art& art(ArtId id) const { return parts_.arts.at(id); }
+    const TextRun& run(RunId id) const { return parts_.runs.at(id); }
+    const Face& face(FaceId id) const { return parts_.faces.at(id); }
+    const Face& faceOf(const TextRun& run) const { return face(run.face); }
+    /// UTF-8, valid as long as the document.
+    std::string_view text(const TextRun& run) const;
+
+    /// The runs of a text frame; none for other art.
+    std::span<const TextRun> runsOf(ArtId id) const;
+
+    /// Gives one run another face. Takes the family, style, weight, slant and stretch of `face`.
+    void replaceFace(RunId run, const Face& face);
+    bool modified() const noexcept { return modified_; }
+
+    /// Writes the document with its replaced runs and everything else unchanged. @throws
+    /// DocumentError; the file that stood there before is then still there.
+    void save(const std::filesystem::path& file) const;
+
+private:
+    FaceId intern(const Face& face);
+
+    DocumentParts parts_;
+    bool modified_ = false;
+};
+
+} // namespace host

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The one exception of the document model: a document cannot be read or written.
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+/// what() is one line: "FILE:LINE:COLUMN: reason", or "FILE: reason" when no place is known.
+class DocumentError : public std::runtime_error {
+public:
+    /// @param line, column 1-based; column counts bytes. Line 0 when the whole file is meant.
+    DocumentError(std::string_view file, std::string_view reason, std::size_t line = 0,
+                  std::size_t column = 0);
+
+    std::size_t line() const noexcept { return line_; }
+    std::size_t column() const noexcept { return column_; }
+
+private:
+    std::size_t line_;
+    std::size_t column_;
+};
+
+} // namespace host

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// A typeface as a document names it: the common coin of the document model and the font catalogue.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+enum class Slant : std::uint8_t { Upright, Italic, Oblique };
+
+/// Where the outlines of a face come from.
+enum class FaceOrigin : std::uint8_t {
+    Named,    ///< the desktop must have it
+    Generic,  ///< "serif" and the like: something always stands in for it
+    Embedded, ///< the document brings it along
+};
+
+/// All texts are UTF-8.
+struct Face {
+    std::string family;         ///< as the document writes it; the generic name of a generic face
+    std::string style;          ///< "Regular", "Bold Italic", "Condensed Light", ...
+    std::string postScriptName; ///< only when the document gives one, else empty
+    int weight = 400;           ///< 1 to 1000, 400 is regular
+    Slant slant = Slant::Upright;
+    double stretch = 100.0; ///< width in percent of the normal width
+    FaceOrigin origin = FaceOrigin::Named;
+
+    bool operator==(const Face&) const = default;
+};
+
+/// True for the generic families of style sheets and for the short forms that drawing programs
+/// write in their place ("Sans", "Mono"). Case is ignored.
+bool isGenericFamily(std::string_view family);
+
+/// The customary name of a style: width, weight and slant in words, "Regular" when all are normal.
+std::string styleText(int weight, Slant slant, double stretch);
+
+/// The conventional PostScript name: family without blanks, "-", style without blanks. "Regular" is
+/// written too and stands for an empty style.
+std::string conventionalPostScriptName(std::string_view family, std::string_view style);
+
+/// What the words of a style name say about a face.
+struct StyleWords {
+    int weight = 400;
+    Slant slant = Slant::Upright;
+    double stretch = 100.0;
+    bool complete = true; ///< every word was understood
+};
+
+/// Reads style words, joined or apart: "BoldItalic", "Condensed Bold Oblique", "SemiBold It".
+StyleWords readStyleWords(std::string_view style);
+
+} // namespace host

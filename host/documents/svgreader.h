@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Reads SVG drawings, plain or gzipped, into the document model.
+#pragma once
+
+#include "host/documents/document.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+struct SvgOptions {
+    /// Present groups as they stand. Otherwise every text of a layer is a direct child of the
+    /// layer's top group, in document order, and other art is left out.
+    bool keepGroups = false;
+    /// Largest drawing in bytes, after decompression.
+    std::size_t maximumSize = std::size_t{256} << 20;
+    /// Deepest nesting of elements.
+    unsigned maximumDepth = 256;
+};
+
+/// What is read, and what counts:
+/// - Layers are groups with groupmode="layer" (or layer="yes") in a drawing program's namespace,
+///   nested ones too; without any, the top-level groups. Text outside all layers goes into a last
+///   layer of its own, which has no name.
+/// - A text frame is a `text` or `flowRoot` element. Text in foreign objects, titles and metadata
+///   is none.
+/// - Text with display:none is not visible, nor is text in `defs`, `symbol`, `clipPath` and the
+///   like, unless it or the element that holds it is referenced by its id from anywhere.
+/// - Of a family list the first one is the face's family.
+/// No external entity, DTD, style sheet or link is ever opened.
+/// @throws DocumentError for anything that is not a well-formed SVG drawing within the limits
+Document readSvg(const std::filesystem::path& file, const SvgOptions& options = {});
+
+/// The same from memory. @param bytes a whole file, gzipped or not @param name for messages
+Document readSvg(std::string bytes, std::string_view name, const SvgOptions& options = {});
+
+} // namespace host

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// The fonts of the host: every face that the desktop offers, the faces that a document names and
+// the desktop lacks, and the way from the one to the other.
+#pragma once
+
+#include "host/documents/face.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace host {
+
+/// Opaque; 0 is no font. A key keeps its meaning for the catalogue's lifetime.
+using FontKey = std::uint32_t;
+inline constexpr FontKey noFont = 0;
+
+enum class FontTechnology : std::uint8_t { PostScript = 0, TrueType = 1 };
+
+/// One face of the desktop, as the font library reports it. Texts are UTF-8.
+struct InstalledFace {
+    std::string postScriptName;
+    std::string family;   ///< typographic family
+    std::string style;    ///< typographic style, the pair of `family`
+    std::string fullName; ///< what users read
+    std::string file;
+    int index = 0; ///< face in the file, named instance in the upper 16 bits
+    FontTechnology technology = FontTechnology::TrueType;
+    bool openType = false;
+    int weight = 400;
+    Slant slant = Slant::Upright;
+    double stretch = 100.0;
+
+    /// Further (family, style) pairs under which the face is known, legacy and translated ones.
+    struct Alias {
+        std::string family;
+        std::string style;
+        bool operator==(const Alias&) const = default;
+    };
+    std::vector<Alias> aliases;
+
+    /// A variable font as a whole stands for every weight and width between these.
+    bool variable = false;
+    int weightTo = 400; ///< with `weight` as the lower end
+    double stretchTo = 100.0;
+
+    bool operator==(const InstalledFace&) const = default;
+};
+
+/// An entry of the catalogue: a face of the desktop, or one that only a document names.
+struct FontEntry {
+    FontKey key = noFont;
+    bool present = false;
+    FaceOrigin origin = FaceOrigin::Named;
+    InstalledFace face; ///< of a face that only a document names: the document's names
+
+    /// The face to give to Document::replaceFace.
+    Face asFace() const;
+};
+
+/// Lists the faces of the desktop through fontconfig, noticing what changed since the last call.
+/// Bitmap fonts are left out. In no particular order.
+std::vector<InstalledFace> listInstalledFaces();
+
+/// Not synchronised: one thread at a time.
+class Catalogue {
+public:
+    using Lister = std::function<std::vector<InstalledFace>()>;
+
+    /// @param lister asked now and at every refresh
+    explicit Catalogue(Lister lister = listInstalledFaces);
+
+    /// All present faces of the desktop, sorted by family, style, file and index.
+    std::span<const FontKey> faces() const noexcept { return sorted_; }
+
+    /// The entry of a key, nullptr for one that was never handed out. Valid until the next refresh.
+    const FontEntry* entry(FontKey key) const noexcept;
+
+    /// The entry for a face that a document names. Generic and embedded faces are always present.
+    /// Others are sought by family and style, then by PostScript name, which some programs write
+    /// in the family's place. What is not found gets an entry with the document's names and the
+    /// conventional PostScript name, present = false; the same names always give the same key.
+    FontKey resolve(const Face& face);
+
+    /// The face of the desktop with this PostScript name, else with this full name. Exact.
+    FontKey findByName(std::string_view name) const;
+
+    /// Lists the desktop's faces again. Keys of faces that are still there stay theirs; those of
+    /// faces that went stay known, as not present. @return whether anything came, went or changed
+    bool refresh();
+
+private:
+    struct TextHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const noexcept {
+            return std::hash<std::string_view>{}(text);
+        }
+    };
+    template <typename Value>
+    using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
+    FontKey add(std::string identity, FontEntry entry);
+    FontKey noteUnlisted(const Face& face, bool present);
+    FontKey findByStyle(const Face& face) const;
+    void index();
+
+    Lister lister_;
+    std::deque<FontEntry> entries_; ///< by key - 1; references stay valid while it grows
+    TextMap<FontKey> keys_;         ///< identity to key
+    std::vector<FontKey> sorted_;
+    TextMap<std::vector<FontKey>> byFamily_; ///< folded family
+    TextMap<FontKey> byPostScriptName_;
+    TextMap<FontKey> byFullName_;
+};
+
+} // namespace host
