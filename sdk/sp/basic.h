@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// The basic suite: the one table that every message brings, through which all others are acquired.
+#pragma once
+
+#include "sp/types.h"
+
+#include <cstddef>
+
+struct SPBasicSuite {
+    /// [main-thread] Finds a suite by exact name and version and counts one acquisition. `*suite`
+    /// is owned by the host and stays valid until the matching ReleaseSuite. kSuiteNotFoundErr:
+    /// there is none, `*suite` is null; kBadParameterErr: null argument.
+    SPErr (*AcquireSuite)(const char* name, std::int32_t version, const void** suite);
+    /// [main-thread] Gives one acquisition back. kSuiteNotFoundErr: no such suite, or it is not
+    /// acquired.
+    SPErr (*ReleaseSuite)(const char* name, std::int32_t version);
+    /// [any-thread] Allocates `size` bytes, owned by the caller until FreeBlock.
+    /// kOutOfMemoryErr: `*block` is null.
+    SPErr (*AllocateBlock)(std::size_t size, void** block);
+    /// [any-thread] Frees a block; null is allowed.
+    SPErr (*FreeBlock)(void* block);
+};
