@@ -2,7 +2,7 @@
 // The calls behind ai::SPAlloc.
 #include "ai/spalloc.h"
 
-#include "suites.h"
+#include "suitepointers.h"
 
 namespace ai::detail {
 

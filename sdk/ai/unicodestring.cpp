@@ -2,7 +2,7 @@
 // The calls behind ai::UnicodeString.
 #include "ai/unicodestring.h"
 
-#include "suites.h"
+#include "suitepointers.h"
 
 #include <utility>
 

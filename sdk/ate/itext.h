@@ -3,7 +3,7 @@
 // ATE::Exception. Main thread only; the suites must be acquired while any object lives.
 #pragma once
 
-#include "suites.h"
+#include "suitepointers.h"
 
 #include <exception>
 #include <utility>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The suite pointers themselves.
-#include "suites.h"
+#include "suitepointers.h"
 
 const SPBasicSuite* sSPBasic = nullptr;
 
