@@ -4,8 +4,7 @@
 #pragma once
 
 #include "misc/threads/atomiccount.h"
-
-#include <pthread.h>
+#include "misc/threads/cancellation.h"
 
 #include <cstddef>
 #include <type_traits>
@@ -42,10 +41,8 @@ protected:
 
 private:
     void deleteThis() const noexcept {
-        int previous = 0;
-        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
+        const CancellationBlock block;
         delete this;
-        pthread_setcancelstate(previous, nullptr);
     }
 
     mutable AtomicCount count_;

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// A counting semaphore.
+#pragma once
+
+#include "platform/multiprocessing.h"
+
+#include <cstdint>
+
+namespace Orvil {
+
+/// Counts up to 32,767. Throws: Exception. Any thread.
+class Semaphore {
+public:
+    static constexpr std::uint32_t maximumValue = 32767;
+
+    explicit Semaphore(std::uint32_t initialValue);
+    Semaphore(const Semaphore&) = delete;
+    Semaphore& operator=(const Semaphore&) = delete;
+    /// Nobody may wait any more.
+    ~Semaphore();
+
+    /// Takes one, waiting for it as long as it takes. A cancellation point.
+    void dec();
+    /// Takes one if there is one, without waiting.
+    bool trydec();
+    /// Gives one. Throws at the maximum too.
+    void inc();
+
+private:
+    MPSemaphoreID semaphore_ = nullptr;
+};
+
+} // namespace Orvil

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// An XML document: read from text or file, or made node by node; and its holder.
+#pragma once
+
+#include "misc/threads/smartpointer.h"
+#include "misc/xml/ixmlnode.h"
+
+#include <string>
+
+namespace Orvil {
+
+/// A document, always held through SmartPointer or XmlDocumentHolder. Texts are UTF-8.
+///
+/// Letting go: a parser and its nodes hold each other, so dropping the last SmartPointer does not
+/// free a parser that holds a document. Call cleanup() first, or hold the parser in an
+/// XmlDocumentHolder, which does. A parse that has thrown leaves nothing to clean up.
+///
+/// Outside input is bounded: nothing is fetched over a network, no external DTD or entity is read,
+/// and the library's limits hold (256 levels of elements, tenfold growth by entities; entity
+/// references stay nodes of their own without children), besides a document size of
+/// `maximumDocumentSize`. What exceeds them fails to parse, with the reason in the message.
+///
+/// Throws: Exception from parse and parseString. Threads: one at a time per parser.
+class IXmlParser : public SmartPointable {
+public:
+    /// In bytes; far above the largest reply, which takes some 450 bytes per font.
+    static constexpr std::size_t maximumDocumentSize = std::size_t{256} << 20U;
+
+    /// A new parser for "LibXmlParser", null for every other name.
+    static SmartPointer<IXmlParser> getInstance(const std::string& name);
+
+    /// Lets the present document go and reads another one. Nodes of the old one become invalid.
+    virtual void parse(const std::string& fileName) = 0;
+    virtual void parseString(const std::string& text) = 0;
+    /// Null without a document. Owned by the parser.
+    virtual IXmlNode* getRootNode() const = 0;
+    /// Writes the document, indented, as UTF-8. A failure is not reported and leaves the old file.
+    virtual void write(const std::string& fileName) const = 0;
+    /// Leaves `text` as it is: serialising to memory is the caller's own business.
+    virtual void writeString(std::string& text) const = 0;
+    /// Lets the present document go and makes one with an empty root element, in the default
+    /// namespace `namespaceUri` unless that is empty. The node is owned by the parser.
+    virtual IXmlNode* createRootNode(const std::string& name, const std::string& namespaceUri) = 0;
+    /// Lets the document and all its nodes go.
+    virtual void cleanup() = 0;
+};
+
+/// Owns a parser together with its document and frees both when it goes out of scope. References
+/// that others took on the parser stay good, but find it empty then.
+class XmlDocumentHolder {
+public:
+    explicit XmlDocumentHolder(const std::string& parserName = "LibXmlParser")
+        : parser_(IXmlParser::getInstance(parserName)) {}
+    /// Takes over a parser from getInstance; null is allowed.
+    explicit XmlDocumentHolder(const SmartPointer<IXmlParser>& parser) : parser_(parser) {}
+    XmlDocumentHolder(const XmlDocumentHolder&) = delete;
+    XmlDocumentHolder& operator=(const XmlDocumentHolder&) = delete;
+    XmlDocumentHolder(XmlDocumentHolder&& other) noexcept = default;
+    XmlDocumentHolder& operator=(XmlDocumentHolder&& other) noexcept;
+    ~XmlDocumentHolder();
+
+    IXmlParser* get() const noexcept { return parser_.get(); }
+    IXmlParser* operator->() const noexcept { return parser_.get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(parser_); }
+
+private:
+    SmartPointer<IXmlParser> parser_;
+};
+
+} // namespace Orvil

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// Nodes over libxml2's tree.
+#include "misc/xml/libxmlparser.h"
+
+#include <libxml/entities.h>
+#include <libxml/tree.h>
+
+#include <memory>
+#include <utility>
+
+namespace Orvil {
+
+namespace {
+
+struct XmlTextDeleter {
+    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
+};
+using XmlText = std::unique_ptr<xmlChar, XmlTextDeleter>;
+
+std::string toText(const xmlChar* text) {
+    return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text));
+}
+
+const xmlChar* toXml(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+bool isCharacterData(const xmlNode& node) {
+    return node.type == XML_TEXT_NODE || node.type == XML_CDATA_SECTION_NODE;
+}
+
+/// The children as this layer shows them. libxml2 links an entity reference to the declaration in
+/// the DTD and that to its neighbours: a walk must not get there.
+xmlNode* firstChildOf(const xmlNode* node) {
+    if (node == nullptr || node->type == XML_ENTITY_REF_NODE) {
+        return nullptr;
+    }
+    return node->children;
+}
+
+} // namespace
+
+LibXmlNode::LibXmlNode(const std::string& name, LibXmlNode* parent,
+                       const SmartPointer<LibXmlParser>& parser)
+    : LibXmlNode(xmlNewChild(parent->node_, nullptr, toXml(name), BAD_CAST ""), parent, parser) {}
+
+LibXmlNode::LibXmlNode(xmlNode* node, LibXmlNode* parent, const SmartPointer<LibXmlParser>& parser)
+    : parser_(parser), parent_(parent), node_(node) {}
+
+// A recursive end would need a stack frame per sibling and per level. Instead all nodes that are to
+// go are kept in one list that begins at this one, and the children of each are moved to its end.
+LibXmlNode::~LibXmlNode() noexcept {
+    LibXmlNode* last = this;
+    const auto moveChildrenToEnd = [&last](LibXmlNode& node) {
+        while (last->next_ != nullptr) {
+            last = last->next_;
+        }
+        last->next_ = std::exchange(node.firstChild_, nullptr);
+    };
+    moveChildrenToEnd(*this);
+    while (next_ != nullptr) {
+        const std::unique_ptr<LibXmlNode> dropped(next_);
+        moveChildrenToEnd(*dropped);
+        if (last == dropped.get()) {
+            last = this;
+        }
+        next_ = std::exchange(dropped->next_, nullptr);
+    }
+}
+
+bool LibXmlNode::hasParent() const {
+    return parent_ != nullptr;
+}
+
+bool LibXmlNode::hasChildren() const {
+    return firstChildOf(node_) != nullptr;
+}
+
+bool LibXmlNode::hasNextNode() const {
+    return node_ != nullptr && node_->next != nullptr;
+}
+
+bool LibXmlNode::isText() const {
+    return node_ != nullptr && isCharacterData(*node_);
+}
+
+bool LibXmlNode::isComment() const {
+    return node_ != nullptr && node_->type == XML_COMMENT_NODE;
+}
+
+IXmlNode* LibXmlNode::getParent() const {
+    return parent_;
+}
+
+IXmlNode* LibXmlNode::getFirstChild() const {
+    if (firstChild_ == nullptr && hasChildren()) {
+        auto child = std::make_unique<LibXmlNode>(node_->children, nullptr, parser_);
+        child->setParent(const_cast<LibXmlNode*>(this));
+        firstChild_ = child.release();
+    }
+    return firstChild_;
+}
+
+IXmlNode* LibXmlNode::getNextNode() const {
+    if (next_ == nullptr && hasNextNode()) {
+        next_ = new LibXmlNode(node_->next, parent_, parser_);
+    }
+    return next_;
+}
+
+std::string LibXmlNode::getName() const {
+    return node_ == nullptr ? "" : toText(node_->name);
+}
+
+std::string LibXmlNode::getAttribute(const std::string& name,
+                                     const std::string& defaultValue) const {
+    const XmlText value(xmlGetProp(node_, toXml(name)));
+    return value ? toText(value.get()) : defaultValue;
+}
+
+std::string LibXmlNode::getContent() const {
+    if (node_ == nullptr) {
+        return {};
+    }
+    // The two usual shapes need no detour over a copy of libxml2's.
+    if (isCharacterData(*node_)) {
+        return toText(node_->content);
+    }
+    const xmlNode* child = node_->type == XML_ELEMENT_NODE ? node_->children : nullptr;
+    if (child != nullptr && child->next == nullptr && isCharacterData(*child)) {
+        return toText(child->content);
+    }
+    return toText(XmlText(xmlNodeGetContent(node_)).get());
+}
+
+void LibXmlNode::setAttribute(const std::string& name, const std::string& value) {
+    xmlNewProp(node_, toXml(name), toXml(value));
+}
+
+IXmlNode* LibXmlNode::addChild(const std::string& name) {
+    return new LibXmlNode(name, this, parser_);
+}
+
+void LibXmlNode::setContent(const std::string& text) {
+    xmlNodeAddContent(node_, toXml(text));
+}
+
+void LibXmlNode::setContentCDATA(const std::string& text) {
+    const XmlText encoded(xmlEncodeSpecialChars(nullptr, toXml(text)));
+    if (encoded) {
+        xmlNodeSetContent(node_, encoded.get());
+    }
+}
+
+void LibXmlNode::setParent(LibXmlNode* parent) {
+    parent_ = parent;
+}
+
+} // namespace Orvil

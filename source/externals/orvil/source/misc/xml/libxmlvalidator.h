@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// XML Schema validation over libxml2.
+#pragma once
+
+#include "misc/xml/ixmlvalidator.h"
+
+#include <memory>
+#include <string>
+
+struct _xmlSchema;
+
+namespace Orvil {
+
+/// See IXmlValidator. Validates nodes of a LibXmlParser.
+class LibXmlSchemaValidator : public IXmlValidator {
+public:
+    LibXmlSchemaValidator();
+    LibXmlSchemaValidator(const LibXmlSchemaValidator&) = delete;
+    LibXmlSchemaValidator& operator=(const LibXmlSchemaValidator&) = delete;
+    ~LibXmlSchemaValidator() override;
+
+    void parseSpecification(const std::string& fileName) override;
+    void parseSpecificationString(const std::string& text) override;
+    bool doValidate(IXmlNode* node) override;
+
+    /// libxml2's callbacks: `validator` is the validator that the formatted text is added to, cut
+    /// to 499 bytes. They throw when it is null.
+    static void onError(void* validator, const char* format, ...)
+        __attribute__((format(printf, 2, 3)));
+    static void onWarning(void* validator, const char* format, ...)
+        __attribute__((format(printf, 2, 3)));
+
+private:
+    struct SchemaDeleter {
+        void operator()(_xmlSchema* schema) const noexcept;
+    };
+    std::unique_ptr<_xmlSchema, SchemaDeleter> schema_;
+};
+
+} // namespace Orvil
