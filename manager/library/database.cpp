@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+// SQLite calls with their errors turned into exceptions.
+#include "manager/library/database.h"
+
+namespace manager {
+
+Statement::Statement(Database& database, const char* sql) : database_(&database) {
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v3(database.handle(), sql, -1, SQLITE_PREPARE_PERSISTENT,
+                                        &statement, nullptr);
+    statement_.reset(statement);
+    if (code != SQLITE_OK) {
+        database.fail(code);
+    }
+}
+
+Statement& Statement::bind(int parameter, std::string_view text) {
+    // A null pointer would bind NULL; the empty text is one.
+    const char* data = text.data() == nullptr ? "" : text.data();
+    const int code = sqlite3_bind_text64(statement_.get(), parameter, data, text.size(),
+                                         SQLITE_STATIC, SQLITE_UTF8);
+    if (code != SQLITE_OK) {
+        database_->fail(code);
+    }
+    return *this;
+}
+
+Statement& Statement::bind(int parameter, std::int64_t number) {
+    const int code = sqlite3_bind_int64(statement_.get(), parameter, number);
+    if (code != SQLITE_OK) {
+        database_->fail(code);
+    }
+    return *this;
+}
+
+Statement& Statement::bindNull(int parameter) {
+    const int code = sqlite3_bind_null(statement_.get(), parameter);
+    if (code != SQLITE_OK) {
+        database_->fail(code);
+    }
+    return *this;
+}
+
+bool Statement::step() {
+    const int code = sqlite3_step(statement_.get());
+    if (code != SQLITE_ROW && code != SQLITE_DONE) {
+        sqlite3_reset(statement_.get());
+        database_->fail(code);
+    }
+    return code == SQLITE_ROW;
+}
+
+void Statement::run() {
+    step();
+    reset();
+}
+
+void Statement::reset() {
+    sqlite3_reset(statement_.get());
+}
+
+std::int64_t Statement::number(int column) const {
+    return sqlite3_column_int64(statement_.get(), column);
+}
+
+std::string Statement::text(int column) const {
+    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+    const int size = sqlite3_column_bytes(statement_.get(), column);
+    return data == nullptr ? std::string() : std::string(data, static_cast<std::size_t>(size));
+}
+
+bool Statement::isNull(int column) const {
+    return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+Database::Database(const std::string& path) : path_(path) {
+    sqlite3* handle = nullptr;
+    const int code = sqlite3_open_v2(path.c_str(), &handle,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE |
+                                         SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+                                     nullptr);
+    handle_.reset(handle);
+    if (code != SQLITE_OK) {
+        fail(code);
+    }
+    sqlite3_busy_timeout(handle, 10'000);
+    // A log beside the file lets the server read while a scan writes.
+    run("PRAGMA journal_mode=WAL");
+    run("PRAGMA synchronous=NORMAL");
+    run("PRAGMA foreign_keys=ON");
+}
+
+void Database::run(const char* sql) {
+    const int code = sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) {
+        fail(code);
+    }
+}
+
+void Database::fail(int code) const {
+    const std::string text =
+        path_ + ": " + (handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code));
+    const int kind = code & 0xFF;
+    if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
+        throw DamagedDatabase(text);
+    }
+    throw Error(text);
+}
+
+Transaction::~Transaction() {
+    if (open_) {
+        // A rollback that fails has happened already: SQLite did it when it met the error.
+        sqlite3_exec(database_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    }
+}
+
+void Transaction::commit() {
+    database_.run("COMMIT");
+    open_ = false;
+}
+
+} // namespace manager

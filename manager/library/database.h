@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+// A thin, owning layer over SQLite: connection, statement, transaction.
+#pragma once
+
+#include "manager/library/error.h"
+
+#include <cstdint>
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+#include <string_view>
+
+namespace manager {
+
+/// The file is no database any more; it can be moved aside and made again.
+class DamagedDatabase : public Error {
+public:
+    using Error::Error;
+};
+
+class Database;
+
+/// A prepared statement, for repeated use: bind, step, read, reset. Not to outlive its database.
+class Statement {
+public:
+    Statement(Database& database, const char* sql);
+
+    /// Parameters count from 1. Texts are referred to, not copied, until the next reset.
+    Statement& bind(int parameter, std::string_view text);
+    Statement& bind(int parameter, std::int64_t number);
+    Statement& bindNull(int parameter);
+    /// Advances to the next row; false at the end. Throws Error.
+    bool step();
+    /// Runs a statement without rows, and readies it for the next use.
+    void run();
+    void reset();
+
+    [[nodiscard]] std::int64_t number(int column) const;
+    [[nodiscard]] std::string text(int column) const;
+    [[nodiscard]] bool isNull(int column) const;
+
+private:
+    struct Finalizer {
+        void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+    };
+    Database* database_;
+    std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+};
+
+/// Readies a statement again when the scope that reads its rows is left.
+class StatementUse {
+public:
+    explicit StatementUse(Statement& statement) : statement_(statement) { statement_.reset(); }
+    StatementUse(const StatementUse&) = delete;
+    StatementUse& operator=(const StatementUse&) = delete;
+    ~StatementUse() { statement_.reset(); }
+
+private:
+    Statement& statement_;
+};
+
+/// One connection; used from one thread. Waits up to ten seconds for another writer.
+class Database {
+public:
+    /// Throws Error; DamagedDatabase when the file is none. The file is made when missing.
+    explicit Database(const std::string& path);
+
+    void run(const char* sql);
+    [[nodiscard]] std::int64_t lastRow() const { return sqlite3_last_insert_rowid(handle_.get()); }
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] sqlite3* handle() const { return handle_.get(); }
+    /// Throws the error of a call that did not succeed.
+    [[noreturn]] void fail(int code) const;
+
+private:
+    struct Closer {
+        void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+    };
+    std::string path_;
+    std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+/// Rolled back unless committed.
+class Transaction {
+public:
+    explicit Transaction(Database& database) : database_(database) {
+        database_.run("BEGIN IMMEDIATE");
+    }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    ~Transaction();
+    void commit();
+
+private:
+    Database& database_;
+    bool open_ = true;
+};
+
+} // namespace manager

@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: MIT
+// One process per reader and a socket to each: a path goes there, the faces come back as field
+// lines, closed by an empty line.
+#include "manager/library/fontreader.h"
+
+#include "manager/library/error.h"
+#include "manager/library/fields.h"
+#include "manager/library/places.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <optional>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace manager {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+bool sendAll(int socket, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t sent = send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR) {
+            continue;
+        }
+        if (sent <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(sent));
+    }
+    return true;
+}
+
+std::string encode(const FontFileContents& contents) {
+    std::string text = joinFields({"file", contents.collection ? "1" : "0"});
+    for (const FaceRecord& face : contents.faces) {
+        text += joinFields({"face", std::to_string(face.index),
+                            std::to_string(static_cast<int>(face.type)), face.postScriptName});
+        for (const FaceName& name : face.names) {
+            text += joinFields({"name", name.family, name.style});
+        }
+    }
+    return text + "\n";
+}
+
+// The text comes from a process of this program, but one that may have been taken over by the file
+// it read: nothing in it is trusted.
+std::optional<FontFileOutcome> decode(std::string_view text) {
+    FontFileContents contents;
+    for (const std::string_view line : splitLines(text)) {
+        auto fields = splitFields(line);
+        if (!fields) {
+            return std::nullopt;
+        }
+        const std::string& kind = fields->front();
+        if (kind == "problem" && fields->size() == 2) {
+            return std::move((*fields)[1]);
+        }
+        if (kind == "file" && fields->size() == 2) {
+            contents.collection = (*fields)[1] == "1";
+        } else if (kind == "face" && fields->size() == 4) {
+            const auto index = toNumber<std::uint32_t>((*fields)[1]);
+            const auto type = toNumber<std::uint8_t>((*fields)[2]);
+            if (!index || !type || *type > static_cast<std::uint8_t>(FontType::openTypeTrueType)) {
+                return std::nullopt;
+            }
+            contents.faces.push_back(
+                {*index, static_cast<FontType>(*type), std::move((*fields)[3]), {}});
+        } else if (kind == "name" && fields->size() == 3 && !contents.faces.empty()) {
+            contents.faces.back().names.push_back(
+                {std::move((*fields)[1]), std::move((*fields)[2])});
+        } else {
+            return std::nullopt;
+        }
+    }
+    const bool named = std::all_of(contents.faces.begin(), contents.faces.end(),
+                                   [](const FaceRecord& face) { return !face.names.empty(); });
+    if (contents.faces.empty() || !named) {
+        return std::nullopt;
+    }
+    return contents;
+}
+
+void limitMemory(std::size_t bytes) {
+// The sanitizers reserve terabytes of address space.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    const rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_AS, &limit);
+#else
+    static_cast<void>(bytes);
+#endif
+}
+
+[[noreturn]] void runReader(int socket, std::size_t memory, const FontFileFunction& read) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    limitMemory(memory);
+    std::string path;
+    char c = 0;
+    for (;;) {
+        const ssize_t count = recv(socket, &c, 1, 0);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            _exit(0);
+        }
+        if (c != '\0') {
+            path += c;
+            continue;
+        }
+        std::string answer;
+        try {
+            answer = encode(read(path));
+        } catch (const std::bad_alloc&) {
+            answer = joinFields({"problem", path + ": reading it takes too much memory"}) + "\n";
+        } catch (const std::exception& problem) {
+            answer = joinFields({"problem", problem.what()}) + "\n";
+        }
+        if (!sendAll(socket, answer)) {
+            _exit(1);
+        }
+        path.clear();
+    }
+}
+
+/// One reading process; killed with its owner.
+class Reader {
+public:
+    Reader(std::size_t memory, const FontFileFunction& read) {
+        int ends[2] = {-1, -1};
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+            throw systemError("font reader", "no socket", errno);
+        }
+        socket_ = Descriptor(ends[0]);
+        const Descriptor theirs(ends[1]);
+        process_ = fork();
+        if (process_ < 0) {
+            throw systemError("font reader", "no process", errno);
+        }
+        if (process_ == 0) {
+            runReader(theirs.get(), memory, read);
+        }
+    }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+    ~Reader() { end(); }
+
+    /// False: the reader is gone.
+    bool begin(std::size_t position, const std::string& path, Clock::time_point deadline) {
+        position_ = position;
+        deadline_ = deadline;
+        return sendAll(socket_.get(), std::string_view(path.c_str(), path.size() + 1));
+    }
+
+    /// Takes what has come. An outcome once it is complete; `gone` is set when the reader died.
+    std::optional<FontFileOutcome> receive(bool& gone) {
+        char block[16384];
+        const ssize_t count = recv(socket_.get(), block, sizeof block, 0);
+        if (count < 0 && errno == EINTR) {
+            return std::nullopt;
+        }
+        gone = count <= 0 || answer_.size() > maximumAnswer;
+        if (gone) {
+            return std::nullopt;
+        }
+        answer_.append(block, static_cast<std::size_t>(count));
+        if (!answer_.ends_with("\n\n")) {
+            return std::nullopt;
+        }
+        answer_.pop_back();
+        auto outcome = decode(answer_);
+        answer_.clear();
+        gone = !outcome;
+        return outcome;
+    }
+
+    /// Kills the process and tells how it ended ("" when it lived on).
+    std::string end() {
+        if (process_ <= 0) {
+            return {};
+        }
+        kill(process_, SIGKILL);
+        int status = 0;
+        while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+        }
+        process_ = -1;
+        if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL) {
+            return std::string(" (") + strsignal(WTERMSIG(status)) + ")";
+        }
+        return {};
+    }
+
+    [[nodiscard]] int socket() const { return socket_.get(); }
+    [[nodiscard]] std::size_t position() const { return position_; }
+    [[nodiscard]] Clock::time_point deadline() const { return deadline_; }
+
+private:
+    static constexpr std::size_t maximumAnswer = std::size_t{16} << 20U;
+
+    Descriptor socket_;
+    pid_t process_ = -1;
+    std::size_t position_ = 0;
+    Clock::time_point deadline_;
+    std::string answer_;
+};
+
+/// Hands the files out and gathers the answers.
+class Round {
+public:
+    Round(std::span<const std::string> paths, const FontReaderLimits& limits,
+          const FontFileReceiver& receive, const FontFileFunction& read)
+        : paths_(paths), limits_(limits), receive_(receive), read_(read),
+          readers_(std::min<std::size_t>(std::max(1U, limits.processes), paths.size())) {}
+
+    void run() {
+        for (auto& reader : readers_) {
+            reader = std::make_unique<Reader>(limits_.memory, read_);
+            give(reader);
+        }
+        while (wait()) {
+        }
+    }
+
+private:
+    using ReaderSlot = std::unique_ptr<Reader>;
+
+    // A reader with nothing left to do is ended.
+    void give(ReaderSlot& reader) {
+        if (next_ == paths_.size()) {
+            reader.reset();
+            return;
+        }
+        const std::size_t position = next_++;
+        const auto deadline = Clock::now() + limits_.timePerFile;
+        if (!reader->begin(position, paths_[position], deadline)) {
+            reader = std::make_unique<Reader>(limits_.memory, read_); // it died while idle
+            if (!reader->begin(position, paths_[position], deadline)) {
+                throw Error(paths_[position] + ": cannot be given to a font reader");
+            }
+        }
+    }
+
+    void replace(ReaderSlot& reader, const std::string& why) {
+        const std::size_t position = reader->position();
+        const std::string ending = reader->end();
+        receive_(position, paths_[position] + ": " + why + ending);
+        reader = std::make_unique<Reader>(limits_.memory, read_);
+        give(reader);
+    }
+
+    void take(ReaderSlot& reader) {
+        bool gone = false;
+        auto outcome = reader->receive(gone);
+        if (outcome) {
+            receive_(reader->position(), std::move(*outcome));
+            give(reader);
+        } else if (gone) {
+            replace(reader, "the font reader ended while reading it");
+        }
+    }
+
+    // False when no reader is at work any more.
+    bool wait() {
+        std::vector<pollfd> sockets;
+        auto deadline = Clock::time_point::max();
+        for (const auto& reader : readers_) {
+            sockets.push_back({reader ? reader->socket() : -1, POLLIN, 0});
+            if (reader) {
+                deadline = std::min(deadline, reader->deadline());
+            }
+        }
+        if (deadline == Clock::time_point::max()) {
+            return false;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        poll(sockets.data(), sockets.size(),
+             static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000)));
+        const auto now = Clock::now();
+        for (std::size_t i = 0; i < readers_.size(); ++i) {
+            if (!readers_[i]) {
+                continue;
+            }
+            if (sockets[i].revents != 0) {
+                take(readers_[i]);
+            } else if (readers_[i]->deadline() <= now) {
+                replace(readers_[i], "reading it took longer than " +
+                                         std::to_string(limits_.timePerFile.count()) + " ms");
+            }
+        }
+        return true;
+    }
+
+    std::span<const std::string> paths_;
+    const FontReaderLimits& limits_;
+    const FontFileReceiver& receive_;
+    const FontFileFunction& read_;
+    std::vector<ReaderSlot> readers_;
+    std::size_t next_ = 0;
+};
+
+} // namespace
+
+void readFontFiles(std::span<const std::string> paths, const FontReaderLimits& limits,
+                   const FontFileReceiver& receive, const FontFileFunction& read) {
+    if (!paths.empty()) {
+        Round(paths, limits, receive, read).run();
+    }
+}
+
+} // namespace manager

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Reads many font files in processes apart, so that a hostile file costs bounded time and memory
+// and can take nothing with it but its own reader.
+#pragma once
+
+#include "manager/library/fontfile.h"
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+#include <variant>
+
+namespace manager {
+
+/// A file's contents, or why it has none ("PATH: ...").
+using FontFileOutcome = std::variant<FontFileContents, std::string>;
+
+struct FontReaderLimits {
+    unsigned processes = 2;
+    std::chrono::milliseconds timePerFile{20'000};
+    std::size_t memory = std::size_t{2} << 30U; ///< bytes of address space of a reader
+};
+
+/// What a reader runs for one file; readFontFile, unless a test wants worse.
+using FontFileFunction = std::function<FontFileContents(const std::string& path)>;
+/// Told of each file once, in no order; `position` is the file's place in the list.
+using FontFileReceiver = std::function<void(std::size_t position, FontFileOutcome outcome)>;
+
+/// Reads all of `paths`. A reader that dies or takes too long costs its file, which gets a text
+/// that says so, and is replaced. Forks: to be called while the process has no other thread
+/// and no connection to a bus. Throws Error when no process can be made.
+void readFontFiles(std::span<const std::string> paths, const FontReaderLimits& limits,
+                   const FontFileReceiver& receive, const FontFileFunction& read = readFontFile);
+
+} // namespace manager

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+// The library's index: look-up of faces, containers and their files. The index on disk is the only
+// copy, so that what one process changes the others see at their next question.
+#pragma once
+
+#include "manager/library/database.h"
+#include "manager/library/fontfile.h"
+#include "manager/library/places.h"
+#include "manager/library/walk.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace manager {
+
+/// A container's number, at least 1; stable as long as its folder and family (or file) are.
+enum class ContainerId : std::int32_t {};
+
+inline std::string toText(ContainerId id) {
+    return std::to_string(static_cast<std::int32_t>(id));
+}
+/// A decimal number from 1 to 2,147,483,647.
+std::optional<ContainerId> toContainerId(std::string_view text);
+
+/// One face that a look-up found.
+struct FaceMatch {
+    ContainerId container{};
+    FontType type = FontType::trueType;
+    std::string postScriptName;
+    std::string familyName;
+    std::string styleName;
+    std::string fileName; ///< without its folder
+};
+
+/// What the library holds together: one family in one folder, or one collection file.
+struct Container {
+    ContainerId id{};
+    std::string name;   ///< the family, or the collection's file name
+    std::string folder; ///< absolute
+    std::string file;   ///< the collection's file name, else empty
+    std::int64_t faces = 0;
+
+    [[nodiscard]] std::string path() const { return file.empty() ? folder : folder + "/" + file; }
+};
+
+struct LibraryFile {
+    std::string path;
+    FileStamp stamp;
+};
+
+struct LibraryCounts {
+    std::int64_t files = 0; ///< font files, bad ones not counted
+    std::int64_t faces = 0;
+    std::int64_t containers = 0;
+    std::int64_t problems = 0; ///< bad files
+};
+
+/// Used from one thread. Every call throws Error when the index cannot be read, DamagedDatabase
+/// when it is damaged.
+class Library {
+public:
+    /// Opens the index, or makes an empty one.
+    explicit Library(const Places& places);
+
+    /// The faces of a PostScript name (exact), by container.
+    [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
+    /// The faces of a family and style; case and blanks do not count, legacy families go with
+    /// legacy styles. An empty style means the family's upright text face, whatever it is called.
+    [[nodiscard]] std::vector<FaceMatch> findByFamilyAndStyle(std::string_view family,
+                                                              std::string_view style);
+
+    /// nullopt when it is unknown or has no fonts (any more).
+    [[nodiscard]] std::optional<Container> container(ContainerId id);
+    [[nodiscard]] std::vector<LibraryFile> files(ContainerId id);
+    /// All that have fonts, by name.
+    [[nodiscard]] std::vector<Container> containers();
+    /// The containers of a family by this name.
+    [[nodiscard]] std::vector<ContainerId> findContainers(std::string_view name);
+    /// What lies at or under `folder`.
+    [[nodiscard]] LibraryCounts counts(const std::string& folder);
+    /// Folders that the last scan walked.
+    [[nodiscard]] std::vector<std::string> directories();
+    /// "PATH: ..." of each bad file.
+    [[nodiscard]] std::vector<std::string> problems();
+
+    /// Whether the index file was replaced since it was opened; open anew then.
+    [[nodiscard]] bool isReplaced() const;
+    /// Reads the whole index. Throws DamagedDatabase.
+    void check();
+
+    [[nodiscard]] Database& database() { return database_; }
+
+private:
+    Database database_;
+    std::int64_t inode_ = 0;
+    Statement byPostScriptName_;
+    Statement byName_;
+    Statement container_;
+    Statement faceCount_;
+};
+
+/// Opens the library. A damaged index is moved aside and an empty one begun with the old numbers of
+/// the containers, as far as they can be read; `report` is told so in one line, and `*emptied`
+/// is set: the folders are to be scanned again.
+std::unique_ptr<Library> openLibrary(const Places& places, bool* emptied,
+                                     const std::function<void(const std::string&)>& report);
+
+} // namespace manager

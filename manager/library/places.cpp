@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// Data folders, atomic replacement of files, locks.
+#include "manager/library/places.h"
+
+#include "manager/library/error.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace manager {
+
+Places Places::fromEnvironment() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    std::string path;
+    if (data != nullptr && data[0] == '/') {
+        path = data;
+    } else if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') {
+        path = std::string(home) + "/.local/share";
+    } else {
+        throw Error("XDG_DATA_HOME and HOME: neither names an absolute folder for the library");
+    }
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return {path};
+}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    if (this != &other) {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+        descriptor_ = other.release();
+    }
+    return *this;
+}
+
+Descriptor::~Descriptor() {
+    if (descriptor_ >= 0) {
+        close(descriptor_);
+    }
+}
+
+void makeFolders(const std::string& path) {
+    std::error_code code;
+    std::filesystem::create_directories(path, code);
+    if (code) {
+        throw systemError(path, "cannot make the folder", code.value());
+    }
+}
+
+void replaceFile(const std::string& path, std::string_view text) {
+    const std::string beside = path + "." + std::to_string(getpid()) + ".new";
+    const auto fail = [&](std::string_view what) {
+        const int code = errno;
+        unlink(beside.c_str());
+        return systemError(beside, what, code);
+    };
+    Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    if (!file) {
+        throw fail("cannot write");
+    }
+    while (!text.empty()) {
+        const ssize_t written = write(file.get(), text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            throw fail("cannot write");
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (fsync(file.get()) != 0) {
+        throw fail("cannot write");
+    }
+    if (rename(beside.c_str(), path.c_str()) != 0) {
+        throw fail("cannot be renamed into place");
+    }
+    syncFolder(folderOf(path));
+}
+
+std::string readFile(const std::string& path, std::size_t limit) {
+    Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file) {
+        throw systemError(path, "cannot be read", errno);
+    }
+    std::string text;
+    std::array<char, 16384> block{};
+    for (;;) {
+        const ssize_t count = read(file.get(), block.data(), block.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throw systemError(path, "cannot be read", errno);
+        }
+        if (count == 0) {
+            return text;
+        }
+        text.append(block.data(), static_cast<std::size_t>(count));
+        if (text.size() > limit) {
+            throw Error(path + ": longer than " + std::to_string(limit) + " bytes");
+        }
+    }
+}
+
+void syncFolder(const std::string& path) {
+    Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems cannot sync a folder and say EINVAL; there is nothing to make good then.
+    if (!folder || (fsync(folder.get()) != 0 && errno != EINVAL)) {
+        throw systemError(path, "cannot be synced", errno);
+    }
+}
+
+FileLock::FileLock(const std::string& path)
+    : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
+    if (!file_) {
+        throw systemError(path, "cannot be opened", errno);
+    }
+    while (flock(file_.get(), LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            throw systemError(path, "cannot be locked", errno);
+        }
+    }
+}
+
+std::string folderOf(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos || slash == 0 ? "/" : std::string(path.substr(0, slash));
+}
+
+std::string nameOf(std::string_view path) {
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
+} // namespace manager

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// Where the manager keeps its data, and a few steps with files that every part of it needs.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace manager {
+
+/// The manager's places under one data folder; a plain value.
+struct Places {
+    std::string data; ///< $XDG_DATA_HOME: absolute, without a slash at its end
+
+    /// $XDG_DATA_HOME when it is absolute, else ~/.local/share. Throws Error when neither is known.
+    static Places fromEnvironment();
+
+    [[nodiscard]] std::string own() const { return data + "/glyphora"; }
+    [[nodiscard]] std::string database() const { return own() + "/library.db"; }
+    [[nodiscard]] std::string folders() const { return own() + "/folders"; }
+    [[nodiscard]] std::string scanLock() const { return own() + "/scan.lock"; }
+    /// The folder that fontconfig sees; each container has a folder of its own in it.
+    [[nodiscard]] std::string fonts() const { return data + "/fonts/glyphora"; }
+};
+
+/// Owns a file descriptor.
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    Descriptor(Descriptor&& other) noexcept : descriptor_(other.release()) {}
+    Descriptor& operator=(Descriptor&& other) noexcept;
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor();
+
+    [[nodiscard]] int get() const { return descriptor_; }
+    explicit operator bool() const { return descriptor_ >= 0; }
+    int release() {
+        const int descriptor = descriptor_;
+        descriptor_ = -1;
+        return descriptor;
+    }
+
+private:
+    int descriptor_ = -1;
+};
+
+/// Makes the folder and those above it. Throws Error.
+void makeFolders(const std::string& path);
+
+/// Replaces the file by `text`: written beside it, synced, renamed. Throws Error and leaves the old
+/// file as it was.
+void replaceFile(const std::string& path, std::string_view text);
+
+/// The whole file. Throws Error; a file above `limit` bytes is one.
+std::string readFile(const std::string& path, std::size_t limit);
+
+/// Syncs a folder's entries to the disk. Throws Error.
+void syncFolder(const std::string& path);
+
+/// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders.
+/// Throws Error.
+class FileLock {
+public:
+    explicit FileLock(const std::string& path);
+
+private:
+    Descriptor file_;
+};
+
+/// The folder part and the last part of an absolute path.
+std::string folderOf(std::string_view path);
+std::string nameOf(std::string_view path);
+
+} // namespace manager

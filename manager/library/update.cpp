@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+// The incremental scan.
+#include "manager/library/update.h"
+
+#include "manager/library/places.h"
+
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+struct KnownFile {
+    FileStamp stamp;
+    bool found = false;
+};
+
+/// Writes results to the index.
+class Writer {
+public:
+    explicit Writer(Library& library)
+        : database_(library.database()), removeFile_(database_, "DELETE FROM file WHERE path = ?"),
+          addFile_(database_, "INSERT INTO file (path, size, changed, inode, container, problem) "
+                              "VALUES (?, ?, ?, ?, ?, ?)"),
+          findContainer_(database_, "SELECT id FROM container "
+                                    "WHERE folder = ? AND file = ? AND family_key = ?"),
+          addContainer_(database_, "INSERT INTO container (folder, file, family_key, name) "
+                                   "VALUES (?, ?, ?, ?)"),
+          addFace_(database_, "INSERT INTO face (file, container, number, type, postscript_name, "
+                              "family, style) VALUES (?, ?, ?, ?, ?, ?, ?)"),
+          addName_(database_, "INSERT OR IGNORE INTO name (family_key, style_key, face) "
+                              "VALUES (?, ?, ?)") {}
+
+    void remove(std::string_view path) { removeFile_.bind(1, path).run(); }
+
+    void write(const FoundFile& file, const FontFileOutcome& outcome) {
+        remove(file.path);
+        const auto* contents = std::get_if<FontFileContents>(&outcome);
+        addFile_.bind(1, file.path).bind(2, file.stamp.size);
+        addFile_.bind(3, file.stamp.changed).bind(4, file.stamp.inode);
+        if (contents == nullptr) {
+            addFile_.bindNull(5).bind(6, std::get<std::string>(outcome)).run();
+            return;
+        }
+        const std::int64_t container = containerOf(file.path, *contents);
+        addFile_.bind(5, container).bindNull(6).run();
+        const std::int64_t id = database_.lastRow();
+        for (const FaceRecord& face : contents->faces) {
+            writeFace(id, container, face);
+        }
+    }
+
+private:
+    std::int64_t containerOf(const std::string& path, const FontFileContents& contents) {
+        const std::string folder = folderOf(path);
+        const std::string file = contents.collection ? nameOf(path) : std::string();
+        const std::string& family = contents.faces.front().names.front().family;
+        const std::string key = contents.collection ? std::string() : nameKey(family);
+        const StatementUse use(findContainer_);
+        findContainer_.bind(1, folder).bind(2, file).bind(3, key);
+        if (findContainer_.step()) {
+            return findContainer_.number(0);
+        }
+        addContainer_.bind(1, folder).bind(2, file).bind(3, key);
+        addContainer_.bind(4, contents.collection ? file : family).run();
+        return database_.lastRow();
+    }
+
+    void writeFace(std::int64_t file, std::int64_t container, const FaceRecord& face) {
+        addFace_.bind(1, file).bind(2, container).bind(3, std::int64_t{face.index});
+        addFace_.bind(4, static_cast<std::int64_t>(face.type)).bind(5, face.postScriptName);
+        addFace_.bind(6, face.names.front().family).bind(7, face.names.front().style).run();
+        const std::int64_t id = database_.lastRow();
+        for (const FaceName& name : face.names) {
+            const std::string familyKey = nameKey(name.family);
+            const std::string styleKey = nameKey(name.style);
+            addName_.bind(1, familyKey).bind(2, styleKey).bind(3, id).run();
+        }
+    }
+
+    Database& database_;
+    Statement removeFile_;
+    Statement addFile_;
+    Statement findContainer_;
+    Statement addContainer_;
+    Statement addFace_;
+    Statement addName_;
+};
+
+std::unordered_map<std::string, KnownFile> knownFiles(Database& database) {
+    std::unordered_map<std::string, KnownFile> known;
+    Statement statement(database, "SELECT path, size, changed, inode FROM file");
+    while (statement.step()) {
+        known.emplace(statement.text(0),
+                      KnownFile{{statement.number(1), statement.number(2), statement.number(3)}});
+    }
+    return known;
+}
+
+void writeDirectories(Database& database, const std::vector<std::string>& directories) {
+    Statement read(database, "SELECT path FROM directory");
+    std::set<std::string> gone;
+    while (read.step()) {
+        gone.insert(read.text(0));
+    }
+    read.reset();
+    Statement add(database, "INSERT OR IGNORE INTO directory (path) VALUES (?)");
+    for (const std::string& path : directories) {
+        if (gone.erase(path) == 0) {
+            add.bind(1, path).run();
+        }
+    }
+    Statement remove(database, "DELETE FROM directory WHERE path = ?");
+    for (const std::string& path : gone) {
+        remove.bind(1, path).run();
+    }
+}
+
+// A portion large enough to make commits cheap, small enough not to keep readers of the index from
+// seeing progress, and to lose little when the process is killed.
+constexpr std::size_t portionSize = 500;
+
+} // namespace
+
+UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
+                           const FontReaderLimits& limits, const UpdateProgress& progress) {
+    Database& database = library.database();
+    FoundFiles found = findFontFiles(folders);
+    UpdateReport report;
+    report.problems = std::move(found.problems);
+
+    std::vector<std::string> paths;
+    std::vector<const FoundFile*> files;
+    {
+        auto known = knownFiles(database);
+        for (const FoundFile& file : found.files) {
+            const auto position = known.find(file.path);
+            if (position != known.end()) {
+                position->second.found = true;
+                if (position->second.stamp == file.stamp) {
+                    ++report.unchanged;
+                    continue;
+                }
+            }
+            paths.push_back(file.path);
+            files.push_back(&file);
+        }
+        Transaction transaction(database);
+        Writer writer(library);
+        for (const auto& [path, file] : known) {
+            if (!file.found) {
+                writer.remove(path);
+                ++report.removed;
+            }
+        }
+        writeDirectories(database, found.directories);
+        transaction.commit();
+    }
+
+    std::vector<std::pair<std::size_t, FontFileOutcome>> portion;
+    Writer writer(library);
+    const auto writePortion = [&] {
+        Transaction transaction(database);
+        for (const auto& [position, outcome] : portion) {
+            writer.write(*files[position], outcome);
+        }
+        transaction.commit();
+        report.read += portion.size();
+        portion.clear();
+        if (progress) {
+            progress(report.read, paths.size());
+        }
+    };
+    readFontFiles(paths, limits, [&](std::size_t position, FontFileOutcome outcome) {
+        portion.emplace_back(position, std::move(outcome));
+        if (portion.size() == portionSize) {
+            writePortion();
+        }
+    });
+    if (!portion.empty()) {
+        writePortion();
+    }
+    for (std::string& problem : library.problems()) {
+        report.problems.push_back(std::move(problem));
+    }
+    return report;
+}
+
+} // namespace manager

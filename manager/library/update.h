@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Brings the index up to date with the folders on disk.
+#pragma once
+
+#include "manager/library/fontreader.h"
+#include "manager/library/library.h"
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+struct UpdateReport {
+    std::size_t read = 0;      ///< files that were new or changed
+    std::size_t unchanged = 0; ///< files passed over because size, time and inode are as known
+    std::size_t removed = 0;   ///< files that are gone
+    std::vector<std::string> problems; ///< "PATH: ..." of everything that was skipped
+
+    [[nodiscard]] bool changed() const { return read != 0 || removed != 0; }
+};
+
+/// Told now and then how many files of how many were read.
+using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
+
+/// Walks the folders and reads what is new or changed (see readFontFiles for where it may be
+/// called). The index is written in portions, so that others can read it meanwhile, and what was
+/// written stays when the process ends early. Containers keep their numbers. Throws Error.
+UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
+                           const FontReaderLimits& limits, const UpdateProgress& progress = {});
+
+} // namespace manager

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Finds the font files under folders.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// What tells whether a file is still the one that was read.
+struct FileStamp {
+    std::int64_t size = 0;
+    std::int64_t changed = 0; ///< modification time, nanoseconds since 1970
+    std::int64_t inode = 0;
+    bool operator==(const FileStamp&) const = default;
+};
+
+/// The stamp of a regular file, links followed. Throws Error.
+FileStamp stampOf(const std::string& path);
+
+struct FoundFile {
+    std::string path;
+    FileStamp stamp;
+};
+
+struct FoundFiles {
+    std::vector<FoundFile> files;         ///< those named like fonts, by path
+    std::vector<std::string> directories; ///< every folder that was looked at
+    std::vector<std::string> problems;    ///< "PATH: ..." of what could not be looked at
+};
+
+/// Walks the folders. Links are followed, but each folder is visited once, so that loops end;
+/// hidden entries are passed over. Problems are gathered, not thrown.
+FoundFiles findFontFiles(std::span<const std::string> roots);
+
+} // namespace manager
