@@ -1,0 +1,111 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Sets up the sandbox (fonts, settings, bus) and runs host and manager in it. Called by run.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+fresh=false keep=false json=false locale='' save=''
+while [ $# -gt 0 ]; do
+    case $1 in
+    --fresh) fresh=true ;;
+    --keep-active) keep=true ;;
+    --json) json=true ;;
+    --locale) locale=$2; shift ;;
+    --save) save=$2; shift ;;
+    --) shift; break ;;
+    esac
+    shift
+done
+documents=("$@")
+
+release="$root/build/release"
+sandbox="$root/build/sandbox"
+$fresh && rm -rf "$sandbox"
+mkdir -p "$sandbox"/{home,config,data,cache,state,debs,installed,library}
+mkdir -p -m 700 "$sandbox/runtime"
+
+fetch() { (cd "$sandbox/debs" && apt-get download "$1" >/dev/null 2>&1); }
+
+# place PACKAGE FOLDER PATTERN...: unpacks font files of a Debian package into FOLDER, once.
+place() {
+    local package=$1 folder=$2 deb unpacked
+    shift 2
+    [ -e "$folder/.from-$package" ] && return
+    deb=$(find "$sandbox/debs" -name "${package}_*.deb" | head -n 1)
+    if [ -z "$deb" ]; then
+        say "fetching $package"
+        fetch "$package" || { refresh_package_lists && fetch "$package"; } ||
+            fail "the package $package could not be fetched (apt-get download $package)"
+        deb=$(find "$sandbox/debs" -name "${package}_*.deb" | head -n 1)
+    fi
+    unpacked=$(mktemp -d "$sandbox/unpack.XXXXXX")
+    dpkg-deb --extract "$deb" "$unpacked"
+    mkdir -p "$folder"
+    local pattern found
+    for pattern in "$@"; do
+        found=$(find "$unpacked" -type f -name "$pattern" | wc -l)
+        [ "$found" -gt 0 ] || fail "the package $package holds no file $pattern"
+        find "$unpacked" -type f -name "$pattern" -exec cp -t "$folder" {} +
+    done
+    rm -rf "$unpacked"
+    touch "$folder/.from-$package"
+}
+
+library="$sandbox/library"
+place fonts-dejavu-core "$sandbox/installed" 'DejaVuSans.ttf' 'DejaVuSans-Bold.ttf'
+place fonts-cantarell "$sandbox/installed" '*.otf'
+place fonts-ebgaramond "$library/text" 'EBGaramond-*.otf'
+place fonts-oldstandard "$library/text" '*.otf'
+place fonts-quattrocento "$library/text" '*.otf'
+place fonts-comfortaa "$library/display" '*.ttf'
+place fonts-lobstertwo "$library/display" '*.otf'
+place fonts-lobstertwo "$library/clients/harbour" '*.otf'
+place fonts-wqy-microhei "$library/asian" '*.ttc'
+mkdir -p "$library/clients/mueller-soehne"
+cp -u "$root"/samples/fonts/*.ttf "$library/clients/mueller-soehne/"
+
+# The sample sees the sandbox's fonts alone; other documents also see the machine's fonts, read only.
+system_fonts=''
+if [ ${#documents[@]} -gt 0 ]; then
+    system_fonts='<dir>/usr/share/fonts</dir><dir>/usr/local/share/fonts</dir>'
+else
+    documents=("$root/samples/harbour-festival.svg")
+fi
+cat >"$sandbox/fonts.conf.new" <<CONF
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig>
+  <dir>$sandbox/installed</dir>
+  <dir prefix="xdg">fonts</dir>
+  $system_fonts
+  <cachedir prefix="xdg">fontconfig</cachedir>
+</fontconfig>
+CONF
+mv "$sandbox/fonts.conf.new" "$sandbox/fonts.conf"
+
+export HOME="$sandbox/home" XDG_CONFIG_HOME="$sandbox/config" XDG_DATA_HOME="$sandbox/data"
+export XDG_CACHE_HOME="$sandbox/cache" XDG_STATE_HOME="$sandbox/state" XDG_RUNTIME_DIR="$sandbox/runtime"
+export XDG_DATA_DIRS="$release/share:${XDG_DATA_DIRS:-/usr/local/share:/usr/share}"
+export FONTCONFIG_FILE="$sandbox/fonts.conf"
+export PATH="$release/bin:$PATH"
+unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY
+
+session() {
+    $keep || glyphora deactivate --all >/dev/null
+    glyphora add "$library" >/dev/null
+    local options=() status=0
+    $json && options+=(--report json)
+    [ -n "$locale" ] && options+=(--locale "$locale")
+    [ -n "$save" ] && options+=(--save "$save")
+    glyphora-host open "${options[@]}" -- "${documents[@]}" || status=$?
+    if ! $json; then
+        printf '\nWhat the font manager did\n'
+        glyphora history
+    fi
+    glyphora quit >/dev/null 2>&1 || true
+    return $status
+}
+export -f session
+export library keep json locale save
+documents_list=$(printf '%q ' "${documents[@]}")
+dbus-run-session -- bash -c "set -euo pipefail; documents=($documents_list); session"
