@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// Batches of activations, recovery, and the late touch.
+#include "manager/activation/activation.h"
+
+#include "manager/activation/desktopfonts.h"
+#include "manager/library/error.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace manager {
+
+namespace {
+
+SetRecord recordOf(const ContainerFonts& container) {
+    SetRecord record{container.id, container.name, SetState::active, {}};
+    std::set<std::string> names;
+    for (const LibraryFile& file : container.files) {
+        // Files of a container share a folder, so their names differ.
+        if (names.insert(nameOf(file.path)).second) {
+            record.files.push_back({nameOf(file.path), file.path, file.stamp});
+        }
+    }
+    return record;
+}
+
+std::string findInvisible(const SetRecord& record, const std::string& folder) {
+    const std::set<std::string> visible = visibleFontFiles(folder);
+    for (const SetFile& file : record.files) {
+        if (!visible.contains(file.name)) {
+            return folder + "/" + file.name +
+                   (visible.empty() ? ": in place, but fontconfig does not look at this folder"
+                                    : ": in place, but fontconfig finds no font in it");
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+Activation::Activation(const Places& places, StepObserver observer)
+    : folders_(places.fonts(), std::move(observer)) {
+    makeFolders(places.fonts());
+}
+
+FileLock Activation::lock() const {
+    return FileLock(folders_.root() + "/.lock");
+}
+
+bool Activation::isActive(ContainerId id, const std::string& fileName) const {
+    return isActive(id) && access((folders_.folder(id) + "/" + fileName).c_str(), F_OK) == 0;
+}
+
+bool Activation::isActive(ContainerId id) const {
+    return access((folders_.folder(id) + "/" + setRecordName).c_str(), F_OK) == 0;
+}
+
+std::vector<ContainerId> Activation::setsOnDisk() const {
+    std::vector<ContainerId> ids;
+    std::error_code code;
+    for (std::filesystem::directory_iterator entry(folders_.root(), code), end;
+         !code && entry != end; entry.increment(code)) {
+        if (const auto id = toContainerId(entry->path().filename().string())) {
+            ids.push_back(*id);
+        }
+    }
+    if (code) {
+        throw systemError(folders_.root(), "cannot be read", code.value());
+    }
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
+
+std::vector<ActiveContainer>
+Activation::active(const std::function<void(const std::string&)>& report) const {
+    std::vector<ActiveContainer> result;
+    for (const ContainerId id : setsOnDisk()) {
+        try {
+            if (const auto record = readSetRecord(folders_.folder(id))) {
+                result.push_back({id, record->name, record->files.size()});
+            }
+        } catch (const Error& error) {
+            report(error.what());
+        }
+    }
+    return result;
+}
+
+std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFonts> containers) {
+    std::vector<ActivationOutcome> outcomes(containers.size());
+    if (containers.empty()) {
+        return outcomes;
+    }
+    const FileLock held = lock();
+    std::vector<SetRecord> records;
+    bool changed = false;
+    for (std::size_t i = 0; i < containers.size(); ++i) {
+        const SetRecord& record = records.emplace_back(recordOf(containers[i]));
+        try {
+            if (record.files.empty()) {
+                throw Error("container " + toText(record.id) + ": has no fonts");
+            }
+            outcomes[i].changed = folders_.put(record);
+            outcomes[i].success = true;
+        } catch (const Error& error) {
+            outcomes[i].problem = error.what();
+        }
+        if (outcomes[i].changed) {
+            changed = true;
+            changedFolders_.push_back(folders_.folder(record.id));
+        }
+    }
+    if (changed) {
+        unsettled_ = true;
+        reloadDesktopFonts();
+        for (std::size_t i = 0; i < containers.size(); ++i) {
+            if (outcomes[i].changed) {
+                outcomes[i].problem = findInvisible(records[i], folders_.folder(records[i].id));
+                outcomes[i].success = outcomes[i].problem.empty();
+            }
+        }
+    }
+    return outcomes;
+}
+
+std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerId> containers) {
+    std::vector<ActivationOutcome> outcomes(containers.size());
+    const FileLock held = lock();
+    bool changed = false;
+    for (std::size_t i = 0; i < containers.size(); ++i) {
+        const std::string folder = folders_.folder(containers[i]);
+        ActivationOutcome& outcome = outcomes[i];
+        try {
+            bool leftBehind = false;
+            outcome.changed = folders_.remove(containers[i], &leftBehind);
+            outcome.success = outcome.changed;
+            if (!outcome.changed) {
+                outcome.problem = "container " + toText(containers[i]) + ": is not active";
+            } else if (leftBehind) {
+                outcome.problem = folder + ": kept, it holds files that are not this program's";
+                changedFolders_.push_back(folder);
+            }
+        } catch (const Error& error) {
+            outcome.problem = error.what();
+        }
+        changed = changed || outcome.changed;
+    }
+    if (changed) {
+        unsettled_ = true;
+        reloadDesktopFonts();
+    }
+    return outcomes;
+}
+
+void Activation::recover(const std::function<void(const std::string&)>& report) {
+    const FileLock held = lock();
+    folders_.clearStaging();
+    for (const ContainerId id : setsOnDisk()) {
+        try {
+            folders_.recover(id, [&](const std::string& text) {
+                unsettled_ = true;
+                report(text);
+            });
+        } catch (const Error& error) {
+            report(error.what());
+        }
+    }
+    // Also after a crash between a change and its reload.
+    reloadDesktopFonts();
+}
+
+void Activation::settle() {
+    const auto touch = [](const std::string& folder) {
+        // A folder that went meanwhile needs no touch.
+        utimensat(AT_FDCWD, folder.c_str(), nullptr, 0);
+    };
+    touch(folders_.root());
+    std::for_each(changedFolders_.begin(), changedFolders_.end(), touch);
+    changedFolders_.clear();
+    unsettled_ = false;
+    reloadDesktopFonts(); // the touch has outdated the caches: write them once more for everybody
+}
+
+} // namespace manager

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// Field lines: a header, "set" with number, state and name, and one "file" line per file.
+#include "manager/activation/setrecord.h"
+
+#include "manager/library/error.h"
+#include "manager/library/fields.h"
+
+#include <cerrno>
+#include <string_view>
+#include <unistd.h>
+
+namespace manager {
+
+namespace {
+
+constexpr std::string_view header = "glyphora-set 1";
+constexpr std::size_t maximumLength = std::size_t{16} << 20U;
+
+// A name that stays in its folder: nothing that a forged record lists may lead out of it.
+bool isPlainName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+}
+
+bool readLine(std::string_view line, SetRecord& record) {
+    const auto fields = splitFields(line);
+    if (!fields) {
+        return false;
+    }
+    const auto& parts = *fields;
+    if (parts[0] == "set" && parts.size() == 4) {
+        const auto id = toContainerId(parts[1]);
+        if (!id || (parts[2] != "active" && parts[2] != "leaving")) {
+            return false;
+        }
+        record.id = *id;
+        record.state = parts[2] == "active" ? SetState::active : SetState::leaving;
+        record.name = parts[3];
+        return true;
+    }
+    if (parts[0] == "file" && parts.size() == 6 && isPlainName(parts[1])) {
+        const auto size = toNumber<std::int64_t>(parts[3]);
+        const auto changed = toNumber<std::int64_t>(parts[4]);
+        const auto inode = toNumber<std::int64_t>(parts[5]);
+        if (!size || !changed || !inode) {
+            return false;
+        }
+        record.files.push_back({parts[1], parts[2], {*size, *changed, *inode}});
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<SetRecord> readSetRecord(const std::string& folder) {
+    const std::string path = folder + "/" + setRecordName;
+    if (access(path.c_str(), F_OK) != 0 && errno == ENOENT) {
+        return std::nullopt;
+    }
+    const std::string text = readFile(path, maximumLength);
+    const auto lines = splitLines(text);
+    if (lines.empty() || lines.front() != header) {
+        throw Error(path + ": line 1: expected \"" + std::string(header) + "\"");
+    }
+    SetRecord record;
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        if (!readLine(lines[i], record)) {
+            throw Error(path + ": line " + std::to_string(i + 1) + ": not a line of a set record");
+        }
+    }
+    if (record.id == ContainerId{}) {
+        throw Error(path + ": line 2: the container is missing");
+    }
+    return record;
+}
+
+void writeSetRecord(const std::string& folder, const SetRecord& record) {
+    std::string text(header);
+    text += '\n';
+    text += joinFields({"set", toText(record.id),
+                        record.state == SetState::active ? "active" : "leaving", record.name});
+    for (const SetFile& file : record.files) {
+        text += joinFields({"file", file.name, file.source, std::to_string(file.stamp.size),
+                            std::to_string(file.stamp.changed), std::to_string(file.stamp.inode)});
+    }
+    replaceFile(folder + "/" + setRecordName, text);
+}
+
+} // namespace manager
