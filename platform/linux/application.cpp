@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+// Registering this process as an application, and dispatching the events that came in for it.
+#include "platform/application.h"
+
+#include "busnames.h"
+#include "eventinbox.h"
+#include "handlertable.h"
+#include "wire.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+using platform::BusConnection;
+using platform::ErrorSlot;
+using platform::EventInbox;
+using platform::IncomingEvent;
+using platform::VariantHandle;
+
+namespace {
+
+enum class Ownership { ours, anothers, unknown };
+
+Ownership requestName(const BusConnection& connection, const std::string& name) {
+    constexpr std::uint32_t kDoNotQueue = 4;
+    constexpr std::uint32_t kPrimaryOwner = 1;
+    constexpr std::uint32_t kAlreadyOwner = 4;
+    ErrorSlot error;
+    const VariantHandle reply = connection.callBus(
+        "RequestName", g_variant_new("(su)", name.c_str(), kDoNotQueue), "(u)", error);
+    if (!reply) {
+        return Ownership::unknown;
+    }
+    std::uint32_t result = 0;
+    g_variant_get(reply.get(), "(u)", &result);
+    return result == kPrimaryOwner || result == kAlreadyOwner ? Ownership::ours
+                                                              : Ownership::anothers;
+}
+
+void releaseName(const BusConnection& connection, const std::string& name) {
+    ErrorSlot ignored; // without the bus the name is free already
+    connection.callBus("ReleaseName", g_variant_new("(s)", name.c_str()), "(u)", ignored);
+}
+
+OSStatus requestNames(const BusConnection& connection, OSType signature, PLInstances instances) {
+    const std::string single = platform::busNameOf(signature);
+    if (instances == kPLOneInstance) {
+        const Ownership ownership = requestName(connection, single);
+        if (ownership != Ownership::ours) {
+            return ownership == Ownership::anothers ? OSStatus{kPLAlreadyRunningErr}
+                                                    : OSStatus{connectionInvalid};
+        }
+    }
+    if (requestName(connection, platform::busNameOf({signature, getpid()})) == Ownership::ours) {
+        return noErr;
+    }
+    if (instances == kPLOneInstance) {
+        releaseName(connection, single);
+    }
+    return connectionInvalid;
+}
+
+/// Disposes of itself.
+struct OwnedEvent : AppleEvent {
+    OwnedEvent() = default;
+    ~OwnedEvent() { AEDisposeDesc(this); }
+    OwnedEvent(const OwnedEvent&) = delete;
+    OwnedEvent& operator=(const OwnedEvent&) = delete;
+};
+
+void dispatch(IncomingEvent incoming) {
+    const platform::Event& told = incoming.event;
+    const auto handler = platform::HandlerTable::instance().find(told.eventClass, told.eventID);
+    if (!handler) {
+        return incoming.answer.refuse(platform::kErrorNotHandled,
+                                      "the application has no handler for this event");
+    }
+    OwnedEvent event;
+    OwnedEvent reply;
+    platform::Event empty;
+    empty.eventClass = FourCharCode("aevt");
+    empty.eventID = FourCharCode("ansr");
+    if (platform::makeEventDesc(std::move(incoming.event), event) != noErr ||
+        platform::makeEventDesc(std::move(empty), reply) != noErr) {
+        return;
+    }
+    const std::int32_t result = handler->routine(&event, &reply, handler->refCon);
+    if (result != noErr) {
+        AEPutParamPtr(&reply, keyErrorNumber, typeSInt32, &result, sizeof result);
+    }
+    if (const platform::Event* answer = platform::eventOf(&reply)) {
+        incoming.answer.give(platform::replyBody(answer->parameters));
+    }
+}
+
+} // namespace
+
+OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const char* name) {
+    EventInbox& inbox = EventInbox::instance();
+    if (inbox.isOpen() || (name != nullptr && g_utf8_validate(name, -1, nullptr) == 0)) {
+        return paramErr;
+    }
+    auto connection = platform::SessionBus::instance().connect(platform::WithoutBus::startOne);
+    if (!connection) {
+        return connectionInvalid;
+    }
+    // Events may come in as soon as the name is ours.
+    if (!inbox.open(connection, signature, name != nullptr ? name : "")) {
+        return paramErr;
+    }
+    const OSStatus status = requestNames(*connection, signature, instances);
+    if (status != noErr) {
+        inbox.close();
+    }
+    return status;
+}
+
+void PLUnregisterApplication() {
+    EventInbox& inbox = EventInbox::instance();
+    const OSType signature = inbox.signature();
+    const auto connection = inbox.close();
+    if (!connection) {
+        return;
+    }
+    releaseName(*connection, platform::busNameOf({signature, getpid()}));
+    releaseName(*connection, platform::busNameOf(signature));
+    ErrorSlot ignored; // the last answers leave before the process may end
+    g_dbus_connection_flush_sync(connection->get(), nullptr, ignored.out());
+}
+
+int PLEventFileDescriptor() {
+    return EventInbox::instance().descriptor();
+}
+
+std::int32_t PLDispatchPendingEvents() {
+    EventInbox& inbox = EventInbox::instance();
+    if (!inbox.isConnected()) {
+        return connectionInvalid;
+    }
+    inbox.markDispatcher();
+    // Events that come in meanwhile are for the next call, so that this one ends.
+    const std::size_t waiting = inbox.waiting();
+    std::int32_t dispatched = 0;
+    for (std::size_t i = 0; i < waiting; ++i) {
+        auto incoming = inbox.next();
+        if (!incoming) {
+            break;
+        }
+        dispatch(std::move(*incoming));
+        ++dispatched;
+    }
+    return dispatched;
+}
+
+std::int32_t PLWaitForEvents(std::int32_t milliseconds) {
+    pollfd watched{PLEventFileDescriptor(), POLLIN, 0};
+    if (watched.fd == -1) {
+        return connectionInvalid;
+    }
+    poll(&watched, 1, milliseconds);
+    return PLDispatchPendingEvents();
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// How an application is called on the session bus.
+//
+// Each registered process owns `org.glyphora.AppleEvents1.<SIG>.instance<PID>`; the holder of a
+// single instance owns `org.glyphora.AppleEvents1.<SIG>` besides. <SIG> is the signature, its
+// letters and digits as they are and every other byte (the underscore too, and a digit at the
+// front, where the bus allows none) as an underscore and two lower-case hexadecimal digits:
+// 'QGLY' is QGLY, '3D _' is _33D_20_5f.
+#pragma once
+
+#include "platform/types.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+struct InstanceName {
+    OSType signature = 0;
+    std::int32_t processID = 0;
+
+    auto operator<=>(const InstanceName&) const = default;
+};
+
+/// "org.glyphora.AppleEvents1.<SIG>".
+std::string busNameOf(OSType signature);
+/// "org.glyphora.AppleEvents1.<SIG>.instance<PID>".
+std::string busNameOf(const InstanceName& instance);
+/// Nothing unless `busName` is exactly what busNameOf makes of some instance.
+std::optional<InstanceName> parseInstanceName(std::string_view busName);
+
+} // namespace platform

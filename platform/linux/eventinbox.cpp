@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+// Queueing of incoming events, and the refusal of what is malformed or too much.
+#include "eventinbox.h"
+
+#include "wire.h"
+
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace platform {
+
+PendingAnswer::PendingAnswer(GDBusConnection* connection, GDBusMessage* call)
+    : connection_(static_cast<GDBusConnection*>(g_object_ref(connection))) {
+    if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) == 0) {
+        call_.reset(static_cast<GDBusMessage*>(g_object_ref(call)));
+    }
+}
+
+PendingAnswer::~PendingAnswer() {
+    refuse(kErrorEnded, "the application ended before it answered");
+}
+
+void PendingAnswer::give(GVariant* body) {
+    const VariantHandle owned(g_variant_ref_sink(body));
+    if (call_) {
+        GDBusMessage* answer = g_dbus_message_new_method_reply(call_.get());
+        g_dbus_message_set_body(answer, owned.get());
+        send(answer);
+    }
+}
+
+void PendingAnswer::refuse(const char* errorName, const std::string& text) {
+    if (call_) {
+        send(g_dbus_message_new_method_error_literal(call_.get(), errorName, text.c_str()));
+    }
+}
+
+void PendingAnswer::send(GDBusMessage* answer) {
+    const ObjectHandle<GDBusMessage> owned(answer);
+    ErrorSlot ignored; // the bus is gone, and the sender knows it
+    g_dbus_connection_send_message(connection_.get(), answer, G_DBUS_SEND_MESSAGE_FLAGS_NONE,
+                                   nullptr, ignored.out());
+    call_.reset();
+}
+
+EventInbox& EventInbox::instance() {
+    static Immortal<EventInbox> inbox;
+    return *inbox;
+}
+
+bool EventInbox::open(std::shared_ptr<BusConnection> connection, OSType signature,
+                      std::string name) {
+    const std::scoped_lock lock(mutex_);
+    if (connection_) {
+        return false;
+    }
+    waitingFlag_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    descriptor_ = epoll_create1(EPOLL_CLOEXEC);
+    epoll_event arrival{EPOLLIN, {}};
+    epoll_event hangUp{EPOLLRDHUP, {}};
+    const bool watched =
+        epoll_ctl(descriptor_, EPOLL_CTL_ADD, waitingFlag_, &arrival) == 0 &&
+        (connection->socket() == -1 ||
+         epoll_ctl(descriptor_, EPOLL_CTL_ADD, connection->socket(), &hangUp) == 0);
+    if (!watched) {
+        ::close(std::exchange(waitingFlag_, -1));
+        ::close(std::exchange(descriptor_, -1));
+        return false;
+    }
+    connection_ = std::move(connection);
+    signature_ = signature;
+    name_ = std::move(name);
+    dispatcher_ = std::this_thread::get_id();
+    return true;
+}
+
+std::shared_ptr<BusConnection> EventInbox::close() {
+    std::deque<IncomingEvent> refused; // ended outside the lock
+    const std::scoped_lock lock(mutex_);
+    if (!connection_) {
+        return nullptr;
+    }
+    refused.swap(queue_);
+    queuedBytes_ = 0;
+    ::close(std::exchange(waitingFlag_, -1));
+    ::close(std::exchange(descriptor_, -1));
+    return std::exchange(connection_, nullptr);
+}
+
+bool EventInbox::isOpen() {
+    const std::scoped_lock lock(mutex_);
+    return connection_ != nullptr;
+}
+
+OSType EventInbox::signature() {
+    const std::scoped_lock lock(mutex_);
+    return signature_;
+}
+
+std::string EventInbox::name() {
+    const std::scoped_lock lock(mutex_);
+    return name_;
+}
+
+int EventInbox::descriptor() {
+    const std::scoped_lock lock(mutex_);
+    return descriptor_;
+}
+
+bool EventInbox::isConnected() {
+    const std::scoped_lock lock(mutex_);
+    return connection_ && connection_->alive();
+}
+
+std::size_t EventInbox::waiting() {
+    const std::scoped_lock lock(mutex_);
+    return queue_.size();
+}
+
+std::optional<IncomingEvent> EventInbox::next() {
+    const std::scoped_lock lock(mutex_);
+    if (queue_.empty()) {
+        return std::nullopt;
+    }
+    std::optional<IncomingEvent> taken(std::move(queue_.front()));
+    queue_.pop_front();
+    queuedBytes_ -= taken->event.wireSize();
+    if (queue_.empty()) {
+        eventfd_t ignored = 0;
+        eventfd_read(waitingFlag_, &ignored);
+    }
+    return taken;
+}
+
+void EventInbox::markDispatcher() {
+    const std::scoped_lock lock(mutex_);
+    dispatcher_ = std::this_thread::get_id();
+}
+
+bool EventInbox::isDispatcher(std::thread::id thread) {
+    const std::scoped_lock lock(mutex_);
+    return connection_ && dispatcher_ == thread;
+}
+
+std::optional<std::string> EventInbox::nameOn(GDBusConnection* connection) {
+    const std::scoped_lock lock(mutex_);
+    return connection_ && connection_->get() == connection ? std::optional(name_) : std::nullopt;
+}
+
+void EventInbox::accept(IncomingEvent incoming) {
+    const std::size_t size = incoming.event.wireSize();
+    std::unique_lock lock(mutex_);
+    if (!connection_ || connection_->get() != incoming.answer.connection()) {
+        return; // closed in between: the answer says so
+    }
+    if (queue_.size() >= kMaximumWaiting || size > kMaximumWaitingBytes - queuedBytes_) {
+        lock.unlock();
+        return incoming.answer.refuse(kErrorLimitsExceeded,
+                                      "too many events wait for this application already");
+    }
+    queue_.push_back(std::move(incoming));
+    queuedBytes_ += size;
+    if (queue_.size() == 1) {
+        eventfd_write(waitingFlag_, 1);
+    }
+}
+
+bool EventInbox::takeEvent(GDBusConnection* connection, GDBusMessage* message) {
+    if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) {
+        return false;
+    }
+    const char* interface = g_dbus_message_get_interface(message);
+    const bool atOurPath = g_strcmp0(g_dbus_message_get_path(message), kEventPath) == 0;
+    const bool isProperties =
+        atOurPath && g_strcmp0(interface, "org.freedesktop.DBus.Properties") == 0;
+    const bool isEvent =
+        g_strcmp0(interface, kEventInterface) == 0 || (atOurPath && interface == nullptr);
+    const auto name = isEvent || isProperties ? nameOn(connection) : std::nullopt;
+    if (!name) {
+        return false; // GDBus answers that there is no such object
+    }
+
+    const char* member = g_dbus_message_get_member(message);
+    GVariant* body = g_dbus_message_get_body(message);
+    PendingAnswer answer(connection, message);
+    if (isProperties) {
+        const char* owner = nullptr;
+        const char* property = nullptr;
+        const bool isGet = g_strcmp0(member, "Get") == 0 && body != nullptr &&
+                           g_variant_is_of_type(body, G_VARIANT_TYPE("(ss)")) != 0;
+        if (isGet) {
+            g_variant_get(body, "(&s&s)", &owner, &property);
+        }
+        if (g_strcmp0(owner, kEventInterface) == 0 && g_strcmp0(property, kNameProperty) == 0) {
+            answer.give(g_variant_new("(v)", g_variant_new_string(name->c_str())));
+        } else {
+            answer.refuse(kErrorInvalidArguments, std::string("the only property is ") +
+                                                      kNameProperty + " of " + kEventInterface +
+                                                      ", and it can only be read by Get");
+        }
+        return true;
+    }
+    if (!atOurPath) {
+        answer.refuse(kErrorUnknownObject, std::string("events are taken at ") + kEventPath);
+        return true;
+    }
+    if (g_strcmp0(member, kEventMethod) != 0) {
+        answer.refuse(kErrorUnknownMethod,
+                      std::string(kEventInterface) + " has only the method " + kEventMethod);
+        return true;
+    }
+    Event event;
+    const WireFault fault = readEvent(body, event);
+    if (fault.errorName != nullptr) {
+        answer.refuse(fault.errorName, fault.text);
+        return true;
+    }
+    accept({std::move(event), std::move(answer)});
+    return true;
+}
+
+} // namespace platform

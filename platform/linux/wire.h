@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+// Apple events as messages of the bus.
+//
+// One event is a call of Handle on org.glyphora.AppleEvent1 at /org/glyphora/AppleEvents1:
+//   u class, u ID, n return ID, i transaction ID, a(uuay) parameters, a(uuay) attributes
+// where an item is keyword, type and data; it returns a(uuay), the reply's parameters. The bus
+// allows an array 64 MiB, and kAEMaximumEventSize counts both arrays as they stand in the message,
+// so that an event that could be filled can be sent.
+#pragma once
+
+#include "event.h"
+
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+inline constexpr const char* kEventInterface = "org.glyphora.AppleEvent1";
+inline constexpr const char* kEventPath = "/org/glyphora/AppleEvents1";
+inline constexpr const char* kEventMethod = "Handle";
+inline constexpr std::string_view kEventSignature = "uunia(uuay)a(uuay)";
+inline constexpr std::string_view kReplySignature = "a(uuay)";
+/// A property of the interface, for other processes' ProcessInfoRec::processName.
+inline constexpr const char* kNameProperty = "ApplicationName";
+
+inline constexpr const char* kErrorNotHandled = "org.glyphora.AppleEvents1.Error.NotHandled";
+inline constexpr const char* kErrorEnded = "org.glyphora.AppleEvents1.Error.Ended";
+inline constexpr const char* kErrorInvalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
+inline constexpr const char* kErrorLimitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
+inline constexpr const char* kErrorUnknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
+inline constexpr const char* kErrorUnknownObject = "org.freedesktop.DBus.Error.UnknownObject";
+
+/// The body of the call, floating; shares the event's data.
+GVariant* eventBody(const Event& event);
+/// The body of the answer, floating; shares the items' data.
+GVariant* replyBody(const EventItems& items);
+
+/// What is wrong with an incoming body: a D-Bus error name (null: nothing) and a sentence.
+struct WireFault {
+    const char* errorName = nullptr;
+    std::string text;
+};
+/// Fill `event` from the body of a call or of an answer (null: no body), whose data it then shares.
+WireFault readEvent(GVariant* body, Event& event);
+WireFault readReply(GVariant* body, Event& reply);
+
+/// The status that AESend reports for an error that came back instead of an answer.
+OSStatus statusOfError(const GError* error);
+/// The same for a D-Bus error name.
+OSStatus statusOfErrorName(std::string_view name);
+
+} // namespace platform
