@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// Watching for system-wide change notifications: one reader thread per name polls for postings and
+// queues a mark for each, which the main thread takes when it likes.
+#pragma once
+
+#include "misc/threads/safefifobuffer.h"
+#include "misc/threads/smartpointer.h"
+#include "misc/threads/thread.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace BSDNotification {
+
+/// Owns the registration of one notification name.
+class Registration {
+public:
+    /// Throws std::runtime_error "token could not be registered".
+    explicit Registration(const std::string& name);
+    Registration(Registration&& other) noexcept;
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+    Registration& operator=(Registration&&) = delete;
+    ~Registration();
+
+    int token() const noexcept { return token_; }
+    /// Cancels the token; once.
+    void cancel() noexcept;
+
+private:
+    int token_ = none;
+
+    static constexpr int none = -1;
+};
+
+/// Threads: the main thread. Its readers' threads are its own business.
+class Daemon {
+public:
+    class ReadingThread;
+
+    Daemon();
+    Daemon(const Daemon&) = delete;
+    Daemon& operator=(const Daemon&) = delete;
+    /// Stops and releases all readers.
+    virtual ~Daemon();
+
+    /// Starts to watch `name`. A reader that watches it already is released, with its unread marks.
+    /// Throws std::runtime_error "token could not be registered".
+    void addListener(const std::string& name);
+    /// Stops watching `name`; with an empty name, everything. A reader that cannot be joined stays.
+    void removeListener(const std::string& name);
+    /// Takes one mark of `name`, or with an empty name of the first reader that has one. True when
+    /// there was one. Never waits.
+    bool hasFired(const std::string& name);
+
+private:
+    std::map<std::string, Orvil::SmartPointer<ReadingThread>> readers_;
+};
+
+/// Polls about a thousand times a second until it is told to stop, which needs no wake-up then.
+class Daemon::ReadingThread : public Orvil::Thread, public Orvil::SmartPointable {
+public:
+    explicit ReadingThread(Registration registration);
+    ReadingThread(const ReadingThread&) = delete;
+    ReadingThread& operator=(const ReadingThread&) = delete;
+    /// Stops the thread and waits for it, so that it outlives nothing that it uses, and cancels the
+    /// token.
+    ~ReadingThread() override;
+
+    int run() override;
+
+    /// Takes one mark without waiting; true when there was one. Main thread.
+    bool checkMessage(int& mark);
+    /// Asks the thread to end and waits for it; false when it cannot be joined. Main thread.
+    bool stop();
+    /// Ends the watching; the thread must have stopped.
+    void cancel() noexcept { registration_.cancel(); }
+
+private:
+    void poll();
+
+    // Written by the main thread, read by the reader at each poll.
+    std::atomic<std::int32_t> running_{1};
+    Registration registration_;
+    Orvil::SafeFIFOBuffer<int> marks_; // one per change
+};
+
+} // namespace BSDNotification

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// The command texts that the font manager reads by lines.
+#pragma once
+
+#include "GLYFontInfo.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace GLY {
+
+/// Writes one command: every element on a line of its own, content as it stands. Any thread.
+class CommandText {
+public:
+    /// `fontCount`: of the fonts to come, for the storage.
+    CommandText(std::string_view command, std::size_t fontCount);
+
+    void element(std::string_view name, std::string_view content);
+    void lines(std::string_view text) { text_ += text; }
+    void beginFont() { text_ += "<font>\n"; }
+    void endFont() { text_ += "</font>\n"; }
+    /// The type's element, unless the type is not known.
+    void type(const GLYFontInfo& info);
+    /// Closes the command and gives its text away.
+    std::string finish();
+
+private:
+    std::string text_;
+};
+
+/// Whether the user's choice of a container reads as a number of at least 1.
+bool hasChosenContainer(const GLYFontInfo& info);
+
+} // namespace GLY

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// The one place that words the failures of the protocol sources.
+#pragma once
+
+#include "misc/exception.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Protocol {
+
+/// `line` is part of what readers of a report know a failure by: it is given, not taken from the
+/// present source.
+inline Orvil::Exception failure(const std::string& message, std::uint32_t line) {
+    return {message, "source/common/protocol", line, ""};
+}
+
+} // namespace Protocol

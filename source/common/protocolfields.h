@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// The names of the elements inside a font element, found by one hash look-up whatever their order.
+#pragma once
+
+#include "protocol.h"
+
+#include <string>
+#include <string_view>
+
+namespace Protocol {
+
+enum class FontField {
+    unknown,
+    type,
+    syncID,
+    psName,
+    styleName,
+    familyName,
+    count,
+    isActive,
+    typeMatchingCount,
+    isTypeMatchingActive,
+    typeMatchingContainerID,
+    fontInfo,
+    fontInfos,
+    containerID,
+    activationSuccessful, ///< "activationSuccessfull" on the wire
+};
+
+/// FontField::unknown for every name that is none of them.
+FontField findFontField(std::string_view name);
+
+/// Sets a field that is a name, an identifier or a truth value, as every reply has it in the same
+/// way. False, and nothing is set, for the other fields: syncID, type, the counts, and fontInfos.
+bool setPlainField(Font& font, FontField field, std::string&& text);
+
+} // namespace Protocol

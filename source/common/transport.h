@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// One exchange with the font manager by Apple events, with patience.
+#pragma once
+
+#include <string>
+
+namespace GLY {
+
+/// Sends `command` to the application with the font manager's signature and returns the folded
+/// reply; empty when none came. Tries 20 times with half a second between, and blocks that long.
+/// Throws std::bad_alloc only. Any thread.
+std::string exchangeCommand(const std::string& command);
+
+} // namespace GLY
