@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Starting the application of a desktop entry.
+//
+// GIO's own launching is not used: it opens the shared connection to the session bus, which ends
+// the whole process when the bus dies.
+#include "desktopentry.h"
+
+#include "platform/processes.h"
+
+#include <unistd.h>
+
+#include <vector>
+
+namespace {
+
+/// Runs in the child before exec: nothing but async-signal-safe calls. In a session of its own, the
+/// application outlives this one and an interrupt typed at its terminal.
+void leaveSession(gpointer /*data*/) {
+    setsid();
+}
+
+} // namespace
+
+OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
+    if (parameters == nullptr || parameters->launchBlockID != extendedBlock ||
+        parameters->launchAppSpec == nullptr || parameters->launchAppSpec->path[0] == '\0') {
+        return paramErr;
+    }
+    const auto entry = platform::loadDesktopEntry(parameters->launchAppSpec->path);
+    if (!entry) {
+        return fnfErr;
+    }
+    std::vector<std::string> words = platform::commandOf(*entry);
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    const platform::TextHandle folder(g_desktop_app_info_get_string(entry.get(), "Path"));
+    const char* workingFolder = folder && *folder != '\0' ? folder.get() : nullptr;
+    // Without G_SPAWN_DO_NOT_REAP_CHILD the child is started by way of a short-lived one and so is
+    // not ours to reap; all descriptors but the standard ones are closed in it.
+    platform::ErrorSlot error;
+    if (g_spawn_async(workingFolder, arguments.data(), nullptr, G_SPAWN_SEARCH_PATH, leaveSession,
+                      nullptr, nullptr, error.out()) != 0) {
+        return noErr;
+    }
+    return error.is(G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT) ? OSErr{fnfErr} : OSErr{memFullErr};
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// The MacRoman encoding, both ways.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// Every byte is valid.
+std::string macRomanToUtf8(std::string_view text);
+/// Nothing when a character has no place in MacRoman. `text` is valid UTF-8.
+std::optional<std::string> utf8ToMacRoman(const std::string& text);
+
+} // namespace platform
