@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// Grouping and ranking of what a look-up found.
+#include "manager/exchange/candidates.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace manager {
+
+namespace {
+
+int typeRank(FontType type) {
+    switch (type) {
+    case FontType::openTypePostScript:
+    case FontType::openTypeTrueType:
+        return 0;
+    case FontType::trueType:
+        return 1;
+    case FontType::type1:
+        break;
+    }
+    return 2;
+}
+
+const char* technology(FontType type) {
+    switch (type) {
+    case FontType::type1:
+        return "PostScript";
+    case FontType::trueType:
+        return "TrueType";
+    case FontType::openTypePostScript:
+        return "OpenType PostScript";
+    case FontType::openTypeTrueType:
+        break;
+    }
+    return "OpenType TrueType";
+}
+
+bool isBetter(const Candidate& a, const Candidate& b) {
+    const auto key = [](const Candidate& candidate) {
+        return std::make_tuple(!candidate.active, !candidate.typeMatches,
+                               typeRank(candidate.face.type), -candidate.container.faces,
+                               candidate.container.id);
+    };
+    return key(a) < key(b);
+}
+
+} // namespace
+
+std::vector<Candidate> CandidateFinder::find(const CommandFont& font) {
+    std::vector<FaceMatch> faces;
+    if (font.postScriptName) {
+        faces = library_.findByPostScriptName(*font.postScriptName);
+    }
+    if (faces.empty() && font.familyName && !font.familyName->empty()) {
+        faces = library_.findByFamilyAndStyle(*font.familyName, font.styleName.value_or(""));
+    }
+    std::vector<Candidate> found;
+    for (FaceMatch& face : faces) { // those of one container stand together
+        const auto holder = container(face.container);
+        if (!holder) {
+            continue;
+        }
+        Candidate candidate{std::move(face), *holder, false, true};
+        candidate.active = activation_.isActive(holder->id, candidate.face.fileName);
+        candidate.typeMatches = !font.type || *font.type == candidate.face.type;
+        if (found.empty() || found.back().container.id != holder->id) {
+            found.push_back(std::move(candidate));
+        } else if (isBetter(candidate, found.back())) {
+            found.back() = std::move(candidate);
+        }
+    }
+    std::sort(found.begin(), found.end(), isBetter);
+    return found;
+}
+
+std::optional<Container> CandidateFinder::container(ContainerId id) {
+    const auto [entry, isNew] = containers_.try_emplace(static_cast<std::int32_t>(id));
+    if (isNew) {
+        entry->second = library_.container(id);
+    }
+    return entry->second;
+}
+
+std::string CandidateFinder::describe(const Candidate& candidate) {
+    const std::int64_t styles = candidate.container.faces;
+    std::string text = candidate.face.familyName;
+    if (!candidate.face.styleName.empty()) {
+        text.append(" ").append(candidate.face.styleName);
+    }
+    text.append(" — ").append(technology(candidate.face.type)).append(", ");
+    text.append(std::to_string(styles)).append(styles == 1 ? " style, " : " styles, ");
+    return text.append(candidate.container.path());
+}
+
+} // namespace manager

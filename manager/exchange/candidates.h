@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// The containers that hold a wanted face, best first.
+#pragma once
+
+#include "manager/activation/activation.h"
+#include "manager/exchange/commandtext.h"
+#include "manager/library/library.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace manager {
+
+/// A container that holds the face.
+struct Candidate {
+    FaceMatch face; ///< of several in the container the best
+    Container container;
+    bool active = false;
+    bool typeMatches = false; ///< of the wanted type; true when any will do
+};
+
+/// Finds candidates; remembers containers for as long as one command is answered.
+class CandidateFinder {
+public:
+    CandidateFinder(Library& library, const Activation& activation)
+        : library_(library), activation_(activation) {}
+
+    /// By PostScript name; when that finds none, by family and style. One candidate a container, in
+    /// this order: active ones first, then those of the wanted type, then OpenType before TrueType
+    /// before Type 1, then containers with more faces, then lower numbers.
+    std::vector<Candidate> find(const CommandFont& font);
+
+    /// nullopt: unknown, or without fonts.
+    std::optional<Container> container(ContainerId id);
+
+    /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme".
+    static std::string describe(const Candidate& candidate);
+
+private:
+    Library& library_;
+    const Activation& activation_;
+    std::unordered_map<std::int32_t, std::optional<Container>> containers_;
+};
+
+} // namespace manager

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+// Line by line through a command.
+#include "manager/exchange/commandtext.h"
+
+#include "manager/library/fields.h"
+
+#include <array>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, CommandKind>, 4> commandWords = {{
+    {"fontRequest", CommandKind::fontRequest},
+    {"activationRequest", CommandKind::activationRequest},
+    {"showRequest", CommandKind::showRequest},
+    {"buyRequest", CommandKind::buyRequest},
+}};
+
+constexpr std::array<std::pair<std::string_view, FontType>, 4> typeKeywords = {{
+    {"T1", FontType::type1},
+    {"TT", FontType::trueType},
+    {"OT_T1", FontType::openTypePostScript},
+    {"OT_TT", FontType::openTypeTrueType},
+}};
+
+struct Element {
+    std::string_view name;
+    std::string_view value;
+};
+
+bool isNameCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+class CommandReader {
+public:
+    explicit CommandReader(std::string_view text) : rest_(text) {}
+
+    Command read() {
+        readHeader();
+        for (;;) {
+            const std::string_view line = nextLine("</cmd>");
+            if (line == "</cmd>") {
+                break;
+            }
+            if (line == "<font>") {
+                readFont();
+                continue;
+            }
+            readTopElement(element(line));
+        }
+        while (!rest_.empty()) {
+            if (!takeLine().empty()) {
+                throw wrong("text after the closing </cmd>");
+            }
+        }
+        return std::move(command_);
+    }
+
+private:
+    [[nodiscard]] MalformedCommand wrong(const std::string& what) const {
+        return {line_, what, command_.word};
+    }
+
+    std::string_view takeLine() {
+        ++line_;
+        const std::size_t end = rest_.find('\n');
+        const std::string_view line = rest_.substr(0, end);
+        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+        return line;
+    }
+
+    // Throws when the text ends before `expected` came.
+    std::string_view nextLine(const char* expected) {
+        if (rest_.empty()) {
+            ++line_;
+            throw wrong(std::string("the text ends, expected ") + expected);
+        }
+        return takeLine();
+    }
+
+    [[nodiscard]] Element element(std::string_view line) const {
+        std::size_t end = 1;
+        while (end < line.size() && isNameCharacter(line[end])) {
+            ++end;
+        }
+        if (!line.starts_with('<') || end == 1 || end == line.size() || line[end] != '>') {
+            throw wrong("expected an element");
+        }
+        const std::string_view name = line.substr(1, end - 1);
+        const std::string_view value = line.substr(end + 1);
+        const std::size_t closing = name.size() + 3;
+        if (value.size() < closing || !value.ends_with('>') ||
+            value.substr(value.size() - closing, 2) != "</" ||
+            value.substr(value.size() - closing + 2, name.size()) != name) {
+            throw wrong("expected </" + std::string(name) + "> at the end");
+        }
+        return {name, value.substr(0, value.size() - closing)};
+    }
+
+    void readHeader() {
+        const Element header = element(nextLine("<cmd>"));
+        if (header.name != "cmd" || header.value.empty()) {
+            throw wrong("expected <cmd> with a command word");
+        }
+        command_.word = header.value;
+        for (const auto& [word, kind] : commandWords) {
+            if (word == header.value) {
+                command_.kind = kind;
+            }
+        }
+    }
+
+    void readTopElement(const Element& element) {
+        if (element.name == "targetPid") {
+            const auto pid = toNumber<std::int32_t>(element.value);
+            if (!pid || *pid < 1) {
+                throw wrong("expected a process id in <targetPid>");
+            }
+            command_.targetPid = *pid;
+        } else if (element.name == "targetClass") {
+            if (element.value.size() != 4) {
+                throw wrong("expected four bytes in <targetClass>");
+            }
+            command_.targetClass = element.value;
+        }
+    }
+
+    [[nodiscard]] std::optional<FontType> fontType(std::string_view keyword) const {
+        for (const auto& [text, type] : typeKeywords) {
+            if (text == keyword) {
+                return type;
+            }
+        }
+        if (keyword != "all") {
+            throw wrong("unknown type in <type>");
+        }
+        return std::nullopt;
+    }
+
+    std::optional<std::string>* field(CommandFont& font, std::string_view name) {
+        static constexpr std::array<
+            std::pair<std::string_view, std::optional<std::string> CommandFont::*>, 5>
+            fields = {{{"syncID", &CommandFont::syncId},
+                       {"psName", &CommandFont::postScriptName},
+                       {"familyName", &CommandFont::familyName},
+                       {"styleName", &CommandFont::styleName},
+                       {"containerID", &CommandFont::containerId}}};
+        for (const auto& [text, member] : fields) {
+            if (text == name) {
+                return &(font.*member);
+            }
+        }
+        return nullptr;
+    }
+
+    void readFont() {
+        CommandFont& font = command_.fonts.emplace_back();
+        bool typed = false;
+        for (;;) {
+            const std::string_view line = nextLine("</font>");
+            if (line == "</font>") {
+                break;
+            }
+            const Element child = element(line);
+            std::optional<std::string>* target = field(font, child.name);
+            if (child.name == "type" ? typed : target != nullptr && target->has_value()) {
+                throw wrong("a second <" + std::string(child.name) + "> in a font");
+            }
+            if (target != nullptr) {
+                *target = child.value;
+            } else if (child.name == "type") {
+                typed = true;
+                font.type = fontType(child.value);
+            }
+        }
+        checkFont(font);
+    }
+
+    void checkFont(const CommandFont& font) const {
+        if (command_.kind == CommandKind::fontRequest && !font.syncId) {
+            throw wrong("a font without <syncID>");
+        }
+        const bool named = font.postScriptName ||
+                           (command_.kind == CommandKind::fontRequest && font.familyName) ||
+                           (command_.kind == CommandKind::activationRequest && font.containerId);
+        if (command_.kind != CommandKind::unknown && !named) {
+            throw wrong("a font without <psName>");
+        }
+    }
+
+    std::string_view rest_;
+    std::size_t line_ = 0;
+    Command command_;
+};
+
+} // namespace
+
+Command parseCommand(std::string_view text) {
+    return CommandReader(text).read();
+}
+
+std::string_view typeKeyword(FontType type) {
+    for (const auto& [text, value] : typeKeywords) {
+        if (value == type) {
+            return text;
+        }
+    }
+    return {};
+}
+
+} // namespace manager

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// The commands that come in. Their text looks like XML and is none: every line is an element of its
+// own, `<name>value</name>`, nothing in a value is escaped, the header's element is closed at once
+// and a lone closing tag ends the text. So it is read by lines.
+#pragma once
+
+#include "manager/library/error.h"
+#include "manager/library/fontfile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace manager {
+
+/// One `<font>` block. A text that is not there is nullopt; one that is there may be empty.
+struct CommandFont {
+    std::optional<std::string> syncId;
+    std::optional<std::string> postScriptName;
+    std::optional<FontType> type; ///< nullopt: any
+    std::optional<std::string> familyName;
+    std::optional<std::string> styleName;
+    std::optional<std::string> containerId;
+};
+
+enum class CommandKind { fontRequest, activationRequest, showRequest, buyRequest, unknown };
+
+struct Command {
+    CommandKind kind = CommandKind::unknown;
+    std::string word;
+    std::optional<std::string> targetClass; ///< four bytes: the class of the events to send back
+    std::optional<std::int32_t> targetPid;  ///< the process to send them to
+    std::vector<CommandFont> fonts;
+};
+
+/// "command, line N: what is wrong". Lines count from 1.
+class MalformedCommand : public Error {
+public:
+    MalformedCommand(std::size_t line, const std::string& what, std::string word)
+        : Error("command, line " + std::to_string(line) + ": " + what), word_(std::move(word)) {}
+    /// The command word as far as it was read; may be empty.
+    [[nodiscard]] const std::string& word() const { return word_; }
+
+private:
+    std::string word_;
+};
+
+/// Reads a command. Elements that are not known are passed over; of a command whose word is not
+/// known only the word and the frame are looked at. Throws MalformedCommand.
+Command parseCommand(std::string_view text);
+
+/// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").
+std::string_view typeKeyword(FontType type);
+
+} // namespace manager

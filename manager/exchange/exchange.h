@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// Answers commands: what the library holds of the fonts asked for, and activation.
+#pragma once
+
+#include "manager/activation/activation.h"
+#include "manager/library/library.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace manager {
+
+/// A process that wants to hear of changes.
+struct ChangeTarget {
+    std::int32_t processId = 0;
+    std::string eventClass = "FILC"; ///< four bytes
+    bool operator==(const ChangeTarget&) const = default;
+};
+
+struct Answer {
+    std::string reply;
+    bool changed = false;               ///< what is active has changed: others are to be told
+    std::optional<ChangeTarget> target; ///< whom the command named
+    std::string word;                   ///< the command's word; empty when it was not read
+    std::size_t fonts = 0;              ///< how many fonts the command named
+    std::vector<std::string> done;      ///< a line for people per thing done
+    std::vector<std::string> problems;  ///< "PLACE: ..." per thing that failed; also in the reply
+};
+
+/// Answers one command text; never throws for what stands in it. Throws Error when the index cannot
+/// be read (see failureReply).
+///
+/// fontRequest: a face in exactly one container is activated; one in several is reported with all
+/// of them and asks for the window; one in none has count 0 and the requested type, or OT_TT when
+/// none was. activationRequest: activates the container named, or else the best one by PostScript
+/// name (CandidateFinder::find tells which is best). showRequest, buyRequest: tell what is held;
+/// nothing is opened or bought.
+Answer answerCommand(Library& library, Activation& activation, std::string_view command);
+
+/// A reply that says only what went wrong.
+std::string failureReply(std::string_view word, std::string_view problem);
+
+} // namespace manager
