@@ -45,6 +45,25 @@ function(glyphora_library name)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE glyphora_settings ${ARG_PRIVATE})
 endfunction()
 
+# glyphora_bundle(NAME BUNDLE SOURCES ... EXPORTS script LIBRARIES static libraries of this project...)
+# A module in <build>/BUNDLE.aip/Contents/<system>, which the host loads and unloads. Everything in
+# it is hidden but what the script names, and no symbol is unique in the process: either would keep
+# its code mapped.
+function(glyphora_bundle name bundle)
+    cmake_parse_arguments(ARG "" "EXPORTS" "SOURCES;LIBRARIES" ${ARGN})
+    add_library(${name} MODULE ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES
+        PREFIX "" OUTPUT_NAME "${bundle}" LINK_DEPENDS "${ARG_EXPORTS}"
+        LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${bundle}.aip/Contents/${CMAKE_SYSTEM_NAME}")
+    foreach(target IN ITEMS ${name} LISTS ARG_LIBRARIES)
+        set_target_properties(${target} PROPERTIES
+            CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+    endforeach()
+    target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES})
+    target_link_options(${name} PRIVATE "LINKER:--version-script=${ARG_EXPORTS}" "LINKER:-z,defs")
+endfunction()
+
 # glyphora_program(NAME SOURCES ... LIBRARIES ...)
 function(glyphora_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})

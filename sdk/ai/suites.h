@@ -46,6 +46,9 @@ struct AIAppContextSuite {
     AIErr (*PopAppContext)(AIAppContextHandle context);
 };
 
+/// The group of the host's menu under which plug-ins put their about boxes.
+constexpr const char* kAIAboutPluginsMenuGroup = "About Plug-ins";
+
 /// "AI Menu Suite" 1009
 struct AIMenuSuite {
     /// Adds an item named `name` with the text `itemText` to the group `groupName`.

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Pushing and popping the host's application context.
+#include "AppContext.h"
+
+#include "suitepointers.h"
+
+AppContext::AppContext(SPPluginRef pluginRef) noexcept {
+    if (sAIAppContext == nullptr || sAIAppContext->PushAppContext(pluginRef, &context_) != kNoErr) {
+        context_ = nullptr;
+    }
+}
+
+AppContext::~AppContext() {
+    // The suites may have been released inside the scope: the context went with them.
+    if (sAIAppContext != nullptr && context_ != nullptr) {
+        sAIAppContext->PopAppContext(context_);
+    }
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// The plug-in itself: checks the fonts of every document that the host opens.
+#pragma once
+
+#include "Plugin.h"
+
+#include <memory>
+
+class GlyphoraPlugin : public Plugin {
+public:
+    explicit GlyphoraPlugin(SPPluginRef pluginRef) noexcept;
+    ~GlyphoraPlugin() override;
+
+    /// Throws the host's error (std::int32_t) when the document-changed notifier or the timer
+    /// cannot be registered; the object then stays in the host's slot.
+    AIErr StartupPlugin(SPInterfaceMessage* message) override;
+    AIErr ShutdownPlugin(SPInterfaceMessage* message) override;
+    /// Finds the handles again that the host kept meanwhile.
+    AIErr ReloadPlugin(SPAccessMessage* message) override;
+    AIErr SetGlobal(Plugin* plugin) override;
+    /// Passes on what the font check throws, after a line on standard output for a standard
+    /// exception.
+    AIErr Notify(AINotifierMessage* message) override;
+    AIErr GoMenuItem(AIMenuMessage* /*message*/) override { return kNoErr; }
+    AIErr UpdateMenuItem(AIMenuMessage* /*message*/) override { return kNoErr; }
+
+    /// Closes the current document. Not the base's GoTimer: the host's timer message does not come
+    /// here, and the timer is never active.
+    AIErr Timer(AITimerMessage* message);
+
+    /// Constructs the object anew over itself, with the members that it has: only the dispatch
+    /// table changes, to the one of the code that runs now.
+    static void FixupVTable(Plugin* plugin) noexcept;
+
+protected:
+    /// Something that wants to know of the shut-down. Nothing here has such a wish.
+    class Auxiliary {
+    public:
+        virtual ~Auxiliary() = default;
+        virtual void ShutdownPlugin(SPInterfaceMessage* message) = 0;
+    };
+
+    /// All members beside the base's, for the same reason.
+    struct CheckState {
+        std::unique_ptr<Auxiliary> auxiliary;
+        AINotifierHandle documentOpenedNotifier = nullptr;
+        AINotifierHandle applicationStartedNotifier = nullptr;
+        AINotifierHandle documentChangedNotifier = nullptr;
+        AITimerHandle closeTheDocTimer = nullptr;
+    };
+
+    CheckState check_;
+
+private:
+    GlyphoraPlugin(State&& state, CheckState&& check) noexcept;
+
+    AIErr checkFonts();
+    void restoreNotifiers();
+    void restoreTimer();
+};
