@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -106,6 +107,7 @@ private:
     FaceId intern(const Face& face);
 
     DocumentParts parts_;
+    std::unordered_map<Face, FaceId, FaceHash> givenFaces_;
     bool modified_ = false;
 };
 

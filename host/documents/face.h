@@ -2,6 +2,7 @@
 // A typeface as a document names it: the common coin of the document model and the font catalogue.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,6 +29,10 @@ struct Face {
     FaceOrigin origin = FaceOrigin::Named;
 
     bool operator==(const Face&) const = default;
+};
+
+struct FaceHash {
+    std::size_t operator()(const Face& face) const noexcept;
 };
 
 /// True for the generic families of style sheets and for the short forms that drawing programs

@@ -65,6 +65,9 @@ struct FontEntry {
     Face asFace() const;
 };
 
+/// Families and full names compare without case and blanks.
+std::string foldName(std::string_view name);
+
 /// Lists the faces of the desktop through fontconfig, noticing what changed since the last call.
 /// Bitmap fonts are left out. In no particular order.
 std::vector<InstalledFace> listInstalledFaces();
@@ -85,11 +88,12 @@ public:
 
     /// The entry for a face that a document names. Generic and embedded faces are always present.
     /// Others are sought by family and style, then by PostScript name, which some programs write
-    /// in the family's place. What is not found gets an entry with the document's names and the
-    /// conventional PostScript name, present = false; the same names always give the same key.
+    /// in the family's place, then by full name. What is not found gets an entry with the
+    /// document's names and the conventional PostScript name, present = false; the same names
+    /// always give the same key.
     FontKey resolve(const Face& face);
 
-    /// The face of the desktop with this PostScript name, else with this full name. Exact.
+    /// The face of the desktop with exactly this PostScript name, else with this full name.
     FontKey findByName(std::string_view name) const;
 
     /// Lists the desktop's faces again. Keys of faces that are still there stay theirs; those of
@@ -106,18 +110,31 @@ private:
     template <typename Value>
     using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
 
-    FontKey add(std::string identity, FontEntry entry);
-    FontKey noteUnlisted(const Face& face, bool present);
+    /// A face under one of its names.
+    struct Candidate {
+        FontKey key = noFont;
+        int weight = 400;
+        Slant slant = Slant::Upright;
+        double stretch = 100.0;
+        std::string style;    ///< folded
+        bool byWords = false; ///< the three above are what the style's words say
+    };
+
+    FontKey keyFor(std::string identity);
+    FontKey noteUnlisted(const Face& face);
     FontKey findByStyle(const Face& face) const;
-    void index();
+    FontKey instanceOf(const FontEntry& variable, const Face& face,
+                       std::span<const Candidate> family) const;
+    void list(std::vector<InstalledFace> faces);
+    void index(const FontEntry& entry);
 
     Lister lister_;
     std::deque<FontEntry> entries_; ///< by key - 1; references stay valid while it grows
     TextMap<FontKey> keys_;         ///< identity to key
     std::vector<FontKey> sorted_;
-    TextMap<std::vector<FontKey>> byFamily_; ///< folded family
+    TextMap<std::vector<Candidate>> byFamily_; ///< by folded family
     TextMap<FontKey> byPostScriptName_;
-    TextMap<FontKey> byFullName_;
+    TextMap<FontKey> byFullName_; ///< by folded name
 };
 
 } // namespace host

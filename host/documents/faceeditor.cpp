@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: MIT
+// Decides which edits put the replaced faces of a document into its source, and checks the result
+// by reading it again: if any text came out in another face than it should, the careful way, a span
+// around each replaced piece, is taken instead.
+#include "host/documents/faceeditor.h"
+
+#include "host/documents/faceedits.h"
+#include "host/documents/svgdrawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <optional>
+#include <tuple>
+#include <utility>
+
+namespace host::svg {
+namespace {
+
+using css::indexOf;
+using css::Property;
+
+constexpr std::array<Property, css::facePropertyCount> faceProperties{
+    Property::Family, Property::Slant, Property::Weight, Property::Stretch, Property::Hint};
+
+std::string firstFamily(const Styles& styles, const Style& style) {
+    const auto families = css::readFamilies(styles.texts[style.value(Property::Family)]);
+    return families.empty() ? std::string() : families.front().name;
+}
+
+std::uint32_t stretchNumber(const Face& face) {
+    return static_cast<std::uint32_t>(std::lround(face.stretch * 1000));
+}
+
+/// The text of a drawing with the face of each part, blanks left out.
+struct FacedText {
+    using Key = std::tuple<std::string, std::uint32_t, std::uint32_t, std::uint32_t>;
+    std::vector<std::pair<Key, std::string>> parts;
+
+    void add(Key key, std::string_view text) {
+        if (parts.empty() || parts.back().first != key) {
+            parts.emplace_back(std::move(key), std::string());
+        }
+        std::copy_if(text.begin(), text.end(), std::back_inserter(parts.back().second),
+                     [](char c) { return static_cast<unsigned char>(c) > 0x20; });
+    }
+    bool operator==(const FacedText&) const = default;
+};
+
+class FaceEditor {
+public:
+    FaceEditor(const std::string& source, const Document& document, const SvgOptions& options,
+               bool unicode)
+        : source_(source), document_(document), options_(options), unicode_(unicode),
+          drawing_(readDrawing(source, document.name(), options)) {
+        shared_.resize(drawing_.tree.elements.size());
+        wanted_.resize(drawing_.tree.pieces.size());
+        for (std::size_t i = 0; i < wanted_.size(); ++i) {
+            wanted_[i] = wantedFace(i);
+        }
+    }
+
+    std::string run() {
+        const FacedText expected = facedText(drawing_, true);
+        for (const bool careful : {false, true}) {
+            std::string result = careful ? editCarefully() : edit();
+            if (facedText(readDrawing(result, document_.name(), options_), false) == expected) {
+                return result;
+            }
+        }
+        fail("the new fonts cannot be written without a change to other text");
+    }
+
+private:
+    [[noreturn]] void fail(std::string_view reason) const {
+        throw DocumentError(document_.name(), reason);
+    }
+
+    const Style& styleOf(std::size_t piece) const {
+        return drawing_.styles.elements[drawing_.tree.pieces[piece].element];
+    }
+
+    static std::string_view textOf(const Drawing& drawing, std::size_t number) {
+        const Piece& piece = drawing.tree.pieces[number];
+        return std::string_view(drawing.tree.text)
+            .substr(piece.textStart, piece.textEnd - piece.textStart);
+    }
+
+    static bool isReference(const Drawing& drawing, std::size_t piece) {
+        return drawing.tree.elements[drawing.tree.pieces[piece].element].tag == Tag::TextReference;
+    }
+
+    /// Whether the face of a piece matters to anyone.
+    static bool counts(const Drawing& drawing, std::size_t piece) {
+        return drawing.runOfPiece[piece] != noRun &&
+               (isReference(drawing, piece) || hasVisibleCharacter(textOf(drawing, piece)));
+    }
+
+    /// The new face of a piece, nullptr when it keeps its own.
+    const Face* wantedFace(std::size_t piece) const {
+        if (!counts(drawing_, piece)) {
+            return nullptr;
+        }
+        const TextRun& run = document_.run(drawing_.runOfPiece[piece]);
+        return run.replaced ? &document_.faceOf(run) : nullptr;
+    }
+
+    FacedText facedText(const Drawing& drawing, bool withWantedFaces) const {
+        FacedText result;
+        for (std::size_t i = 0; i < drawing.tree.pieces.size(); ++i) {
+            if (!counts(drawing, i)) {
+                continue;
+            }
+            const Style& style = drawing.styles.elements[drawing.tree.pieces[i].element];
+            const Face* face = withWantedFaces ? wanted_[i] : nullptr;
+            const auto text = isReference(drawing, i) ? std::string_view("&") : textOf(drawing, i);
+            if (face == nullptr) {
+                result.add({firstFamily(drawing.styles, style), style.value(Property::Slant),
+                            style.value(Property::Weight), style.value(Property::Stretch)},
+                           text);
+            } else {
+                result.add({face->family, static_cast<std::uint32_t>(face->slant),
+                            static_cast<std::uint32_t>(face->weight), stretchNumber(*face)},
+                           text);
+            }
+        }
+        return result;
+    }
+
+    static NewValue valueFor(Property property, const Face& face) {
+        switch (property) {
+        case Property::Family:
+            return {face.family, face.origin == FaceOrigin::Generic, 0};
+        case Property::Hint:
+            // Drawing programs call the plain style by this name here.
+            return {face.family + ", " + (face.style == "Regular" ? "Normal" : face.style), false,
+                    0};
+        case Property::Slant:
+            return {{}, false, static_cast<std::uint32_t>(face.slant)};
+        case Property::Weight:
+            return {{}, false, static_cast<std::uint32_t>(face.weight)};
+        default:
+            return {{}, false, stretchNumber(face)};
+        }
+    }
+
+    /// What a property of a piece must become, nothing when it may stay.
+    std::optional<NewValue> change(std::size_t piece, Property property) const {
+        const Face* face = wanted_[piece];
+        if (face == nullptr) {
+            return std::nullopt;
+        }
+        const Style& style = styleOf(piece);
+        NewValue value = valueFor(property, *face);
+        const bool same = property == Property::Family
+                              ? firstFamily(drawing_.styles, style) == face->family
+                          : property == Property::Hint ? style.value(Property::Hint) == 0
+                                                       : style.value(property) == value.number;
+        return same ? std::nullopt : std::optional(std::move(value));
+    }
+
+    /// A declaration by its place: attribute or style attribute of an element, or block of rules.
+    using DeclarationKey = std::tuple<Property, Origin::Kind, std::uint32_t, bool>;
+    static DeclarationKey keyOf(Property property, const Origin& origin) {
+        const bool rule = origin.kind == Origin::Kind::Rule;
+        return {property, origin.kind, rule ? origin.block : origin.element, origin.important};
+    }
+
+    struct Use {
+        bool kept = false; ///< it decides text that is not replaced, or not all in the same way
+        Origin origin;
+        std::optional<NewValue> value;
+    };
+
+    std::string edit() {
+        FaceEdits edits(source_, drawing_.tree, drawing_.styles, unicode_);
+        std::map<DeclarationKey, Use> uses;
+        for (std::size_t i = 0; i < wanted_.size(); ++i) {
+            for (const Property property : faceProperties) {
+                const Origin& origin = styleOf(i).origin(property);
+                if (origin.kind == Origin::Kind::Initial || !counts(drawing_, i)) {
+                    continue;
+                }
+                Use& use = uses[keyOf(property, origin)];
+                use.origin = origin;
+                const auto value = change(i, property);
+                use.kept = use.kept || !value || (use.value && *use.value != *value);
+                use.value = value;
+            }
+        }
+        for (auto& [key, use] : uses) {
+            use.kept = use.kept ||
+                       !edits.changeDeclaration(std::get<Property>(key), use.origin, *use.value);
+        }
+        // What no declaration could take goes to the elements.
+        std::vector<FaceEdits::Values> left(wanted_.size());
+        for (std::size_t i = 0; i < wanted_.size(); ++i) {
+            for (const Property property : faceProperties) {
+                const Origin& origin = styleOf(i).origin(property);
+                const auto value = change(i, property);
+                if (value && (origin.kind == Origin::Kind::Initial ||
+                              uses.at(keyOf(property, origin)).kept)) {
+                    left[i].emplace(property, *value);
+                }
+            }
+        }
+        for (std::size_t i = 0; i < left.size(); ++i) {
+            if (!left[i].empty()) {
+                editElement(edits, left, i);
+            }
+        }
+        return edits.apply();
+    }
+
+    /// Gives the values of a piece to its element if that changes nothing else, else to a span.
+    void editElement(FaceEdits& edits, std::vector<FaceEdits::Values>& left, std::size_t piece) {
+        const ElementId id = drawing_.tree.pieces[piece].element;
+        const Element& element = drawing_.tree.elements[id];
+        const FaceEdits::Values values = left[piece];
+        bool alone = element.tagStart != noPlace && !shared_[id];
+        for (std::size_t i = element.firstPiece; alone && i < element.pieceEnd; ++i) {
+            if (!counts(drawing_, i)) {
+                continue;
+            }
+            alone = std::all_of(values.begin(), values.end(), [&](const auto& item) {
+                const auto same = left[i].find(item.first);
+                const Origin& origin = styleOf(i).origin(item.first);
+                return (same != left[i].end() && same->second == item.second) ||
+                       declaredInside(id, origin);
+            });
+        }
+        if (!alone) {
+            shared_[id] = true; // asked once, lest a long text be walked for each of its pieces
+            wrap(edits, piece, values, false);
+            return;
+        }
+        const bool important = std::any_of(values.begin(), values.end(), [&](const auto& item) {
+            return styleOf(piece).origin(item.first).important;
+        });
+        edits.addToElement(id, values, important);
+        for (std::size_t i = element.firstPiece; i < element.pieceEnd; ++i) {
+            for (const auto& [property, value] : values) {
+                if (!declaredInside(id, styleOf(i).origin(property))) {
+                    left[i].erase(property);
+                }
+            }
+        }
+    }
+
+    /// Whether a value is declared below an element, so that it is not inherited through it.
+    static bool declaredInside(ElementId element, const Origin& origin) {
+        return origin.kind != Origin::Kind::Initial && origin.element > element;
+    }
+
+    void wrap(FaceEdits& edits, std::size_t number, const FaceEdits::Values& values,
+              bool important) {
+        const Piece& piece = drawing_.tree.pieces[number];
+        if (piece.sourceStart == noPlace || piece.sourceEnd == noPlace ||
+            drawing_.tree.elements[piece.element].tagStart == noPlace) {
+            fail("text that stands in an entity cannot be given another font");
+        }
+        edits.wrap(piece, values, important);
+    }
+
+    std::string editCarefully() {
+        FaceEdits edits(source_, drawing_.tree, drawing_.styles, unicode_);
+        for (std::size_t i = 0; i < wanted_.size(); ++i) {
+            if (wanted_[i] == nullptr) {
+                continue;
+            }
+            FaceEdits::Values values;
+            for (const Property property : faceProperties) {
+                if (property != Property::Hint || styleOf(i).value(Property::Hint) != 0) {
+                    values.emplace(property, valueFor(property, *wanted_[i]));
+                }
+            }
+            const Piece& piece = drawing_.tree.pieces[i];
+            if (isReference(drawing_, i) &&
+                drawing_.tree.elements[piece.element].tagStart != noPlace) {
+                edits.addToElement(piece.element, values, true);
+            } else {
+                wrap(edits, i, values, true);
+            }
+        }
+        return edits.apply();
+    }
+
+    const std::string& source_;
+    const Document& document_;
+    const SvgOptions& options_;
+    bool unicode_;
+    Drawing drawing_;
+    std::vector<const Face*> wanted_; ///< by piece
+    std::vector<bool> shared_;        ///< by element: holds text that must keep its face
+};
+
+} // namespace
+
+std::string editFaces(const std::string& source, const Document& document,
+                      const SvgOptions& options, bool unicode) {
+    return FaceEditor(source, document, options, unicode).run();
+}
+
+} // namespace host::svg
