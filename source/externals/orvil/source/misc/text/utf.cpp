@@ -249,7 +249,7 @@ bool isLegalUTF8(const UTF8* bytes, int length) {
         }
     }
     if (length == 1) {
-        return lead < 0x80;
+        return true;
     }
     switch (lead) {
     case 0xE0:

@@ -58,7 +58,8 @@ UTF::ConversionResult ConvertUTF32toUTF16(const UTF::UTF32** sourceStart,
                                           const UTF::UTF32* sourceEnd, UTF::UTF16** targetStart,
                                           UTF::UTF16* targetEnd, UTF::ConversionFlags flags);
 
-/// Whether the 1 to 4 bytes are one well-formed sequence. Any other length is none.
+/// Whether the 1 to 4 bytes are a well-formed sequence, given that `length` is what the first byte
+/// asks for. Any other length is none.
 bool isLegalUTF8(const UTF::UTF8* bytes, int length);
 /// Whether a well-formed sequence, of the length that its first byte tells, stands at `start`,
 /// which is before `end`.

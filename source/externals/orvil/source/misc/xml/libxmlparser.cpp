@@ -19,13 +19,9 @@ namespace Orvil {
 
 namespace {
 
-struct ParserContextDeleter {
-    void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
-};
-using ParserContext = std::unique_ptr<xmlParserCtxt, ParserContextDeleter>;
-
-// No other option: in particular entities are not substituted, no DTD is loaded, and libxml2's
-// own limits stay on.
+// xmlReadFile and xmlReadMemory heed the options from the start; their relatives for an existing
+// context open the file before. No other option: in particular entities are not substituted, no DTD
+// is loaded, and libxml2's own limits stay on.
 constexpr int parseOptions = XML_PARSE_NONET;
 
 const std::string notParsed = "LibXml: Document not parsed successfully: ";
@@ -39,13 +35,12 @@ void checkSize(std::uintmax_t size, std::uint32_t line) {
     }
 }
 
-/// Runs `read` on a fresh context; throws when it gives no document.
+/// Throws when `read` gives no document.
 template <typename Read>
 LibXmlDoc readDocument(Read read) {
     const LibXml::Silence silence;
     xmlResetLastError();
-    const ParserContext context(xmlNewParserCtxt());
-    LibXmlDoc document(context ? read(context.get()) : nullptr);
+    LibXmlDoc document(read());
     if (!document) {
         const xmlError* error = xmlGetLastError();
         const bool hasMessage = error != nullptr && error->message != nullptr;
@@ -83,18 +78,16 @@ void LibXmlParser::parse(const std::string& fileName) {
     std::error_code ignored; // a file that cannot be measured is left to libxml2 to report
     const auto size = std::filesystem::file_size(fileName, ignored);
     checkSize(ignored ? 0 : size, __LINE__);
-    document_ = readDocument([&](xmlParserCtxt* context) {
-        return xmlCtxtReadFile(context, fileName.c_str(), nullptr, parseOptions);
-    });
+    document_ = readDocument([&] { return xmlReadFile(fileName.c_str(), nullptr, parseOptions); });
     createRoot();
 }
 
 void LibXmlParser::parseString(const std::string& text) {
     cleanup();
     checkSize(text.size(), __LINE__);
-    document_ = readDocument([&](xmlParserCtxt* context) {
-        return xmlCtxtReadMemory(context, text.data(), static_cast<int>(text.size()), nullptr,
-                                 nullptr, parseOptions);
+    document_ = readDocument([&] {
+        return xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
+                             parseOptions);
     });
     createRoot();
 }

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// Log lines and hex dumps as they reach standard error.
+#include "misc/logger.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <locale>
+#include <string>
+
+using Orvil::Logger;
+
+namespace {
+
+template <typename Action>
+std::string printedBy(Action action) {
+    testing::internal::CaptureStderr();
+    action();
+    return testing::internal::GetCapturedStderr();
+}
+
+} // namespace
+
+TEST(ALogger, WritesContextAndTextAtEveryLevel) {
+    Logger logger("name", false);
+    logger.setLogLevel(Logger::Error);
+    for (const int level : {Logger::Error, Logger::Warning, Logger::Important, Logger::Normal,
+                            Logger::Fine, Logger::Finest, Logger::Debug}) {
+        EXPECT_TRUE(logger.isVisible(level));
+        EXPECT_EQ(level % 3, 0);
+        EXPECT_EQ(printedBy([&] { logger.log(level, "context", "a text"); }), "context: a text\n");
+    }
+    EXPECT_EQ(printedBy([&] { logger.flush(); }), "");
+    EXPECT_EQ(&Orvil::globalLogger(), &Orvil::globalLogger());
+}
+
+TEST(AHexDump, ShowsRowsOfBytesAndMarksTheEndOnce) {
+    struct Case {
+        std::string data;
+        unsigned bytesPerLine;
+        std::string printed;
+    };
+    const Case cases[] = {
+        {"", 4, ""},
+        {"abc", 0, ""},
+        {"abcd", 4, "hex: 000000     61 62 63 64     abcd\n"},
+        {"ab\n\x7F.", 4,
+         "hex: 000000     61 62 0a 7f     ab..\n"
+         "hex: 000004     2e__            .   \n"},
+        {"0123456789", 8,
+         "hex: 000000     30 31 32 33   34 35 36 37     01234567\n"
+         "hex: 000008     38 39__            "
+         "           89      \n"},
+    };
+    Logger logger("", true);
+    for (const Case& c : cases) {
+        const auto size = static_cast<unsigned>(c.data.size());
+        EXPECT_EQ(printedBy([&] { logger.hexdump(0, c.data.data(), size, c.bytesPerLine); }),
+                  c.printed);
+    }
+}
+
+TEST(AHexDump, CountsInSixHexadecimalDigits) {
+    Logger logger("", true);
+    const std::string data(0x1001, 'x');
+    const std::string printed =
+        printedBy([&] { logger.hexdump(0, data.data(), static_cast<unsigned>(data.size()), 16); });
+    EXPECT_NE(printed.find("\nhex: 000ff0  "), std::string::npos);
+    EXPECT_NE(printed.find("\nhex: 001000     78__ "), std::string::npos);
+}
+
+TEST(TheDate, HasTheFixedFormWithoutANewline) {
+    const std::string& text = Logger::getDateTime();
+    EXPECT_EQ(text.size(), 24U) << text;
+    EXPECT_EQ(text[3], ' ');
+    EXPECT_EQ(text[13], ':');
+    EXPECT_EQ(&text, &Logger::getDateTime());
+}

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+// Schemas: what they accept, what they say, and how they fail.
+#include "misc/exception.h"
+#include "misc/xml/ixmlparser.h"
+#include "misc/xml/ixmlvalidator.h"
+#include "misc/xml/libxmlvalidator.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <unistd.h>
+
+using namespace Orvil;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+const std::string schemaText =
+    "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='a'><xs:complexType>"
+    "<xs:sequence><xs:element name='n' type='xs:int' maxOccurs='unbounded'/></xs:sequence>"
+    "</xs:complexType></xs:element></xs:schema>";
+
+class ASchema : public testing::Test {
+protected:
+    bool accepts(const std::string& text) {
+        document->parseString(text);
+        return validator->validate(document->getRootNode());
+    }
+    static std::string failureOf(const std::function<void()>& action) {
+        testing::internal::CaptureStderr();
+        std::string message = "nothing thrown";
+        try {
+            action();
+        } catch (const Exception& failure) {
+            message = failure.descriptionMessage().substr(20);
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        return message;
+    }
+
+    XmlDocumentHolder document;
+    SmartPointer<IXmlValidator> validator = IXmlValidator::getInstance("LibXmlSchemaValidator");
+};
+
+/// No node of libxml2's.
+class OtherNode : public IXmlNode {
+public:
+    bool hasParent() const override { return false; }
+    bool hasChildren() const override { return false; }
+    bool hasNextNode() const override { return false; }
+    bool isText() const override { return false; }
+    bool isComment() const override { return false; }
+    IXmlNode* getParent() const override { return nullptr; }
+    IXmlNode* getFirstChild() const override { return nullptr; }
+    IXmlNode* getNextNode() const override { return nullptr; }
+    std::string getName() const override { return ""; }
+    std::string getAttribute(const std::string&, const std::string& value) const override {
+        return value;
+    }
+    std::string getContent() const override { return ""; }
+    void setAttribute(const std::string&, const std::string&) override {}
+    IXmlNode* addChild(const std::string&) override { return nullptr; }
+    void setContent(const std::string&) override {}
+    void setContentCDATA(const std::string&) override {}
+};
+
+} // namespace
+
+TEST_F(ASchema, CollectsTheReasonsOfOneValidation) {
+    EXPECT_TRUE(IXmlValidator::getInstance("Other") == nullptr);
+    validator->parseSpecificationString(schemaText);
+    EXPECT_TRUE(accepts("<a><n>1</n></a>"));
+    EXPECT_THAT(validator->getErrors(), IsEmpty());
+    EXPECT_FALSE(accepts("<a><n>x</n><n>y</n></a>"));
+    ASSERT_THAT(validator->getErrors(), SizeIs(2));
+    EXPECT_THAT(validator->getErrors()[0], HasSubstr("Element 'n': 'x' is not a valid"));
+    EXPECT_FALSE(accepts("<a/>"));
+    EXPECT_THAT(validator->getErrors(), SizeIs(1));
+    EXPECT_FALSE(validator->doValidate(document->getRootNode()));
+    EXPECT_THAT(validator->getErrors(), SizeIs(2)) << "only validate() starts afresh";
+    EXPECT_THAT(validator->getWarnings(), IsEmpty());
+}
+
+TEST_F(ASchema, IsReadFromAFile) {
+    std::string path = (std::filesystem::temp_directory_path() / "orvil-schema-XXXXXX").string();
+    const int descriptor = mkstemp(path.data());
+    ASSERT_GE(descriptor, 0);
+    close(descriptor);
+    const auto write = [&](const std::string& text) { std::ofstream(path) << text; };
+    const auto read = [&] { validator->parseSpecification(path); };
+    write(schemaText);
+    read();
+    EXPECT_TRUE(accepts("<a><n>1</n></a>"));
+    EXPECT_FALSE(accepts("<b/>"));
+    const std::string named = "LibXml: Schema Document " + path;
+    write("<a>");
+    EXPECT_EQ(failureOf(read), named + " not parsed successfully.");
+    write("<a/>");
+    EXPECT_EQ(failureOf(read), named + " schema parsing unsuccessful.");
+    EXPECT_EQ(failureOf([&] { accepts("<a><n>1</n></a>"); }),
+              "LibXml: No Schema loaded for validation")
+        << "the earlier schema is gone";
+    std::remove(path.c_str());
+    EXPECT_EQ(failureOf(read), named + " not parsed successfully.");
+}
+
+TEST_F(ASchema, FailsWithFixedMessages) {
+    document->parseString("<a/>");
+    const auto validate = [&](IXmlNode* node) {
+        return failureOf([&] { validator->validate(node); });
+    };
+    OtherNode other;
+    EXPECT_EQ(validate(document->getRootNode()), "LibXml: No Schema loaded for validation");
+    EXPECT_EQ(validate(nullptr), "LibXmlSchemaValidator can only validate LibXmlNodes");
+    EXPECT_EQ(validate(&other), "LibXmlSchemaValidator can only validate LibXmlNodes");
+    EXPECT_EQ(failureOf([&] { validator->parseSpecificationString(""); }),
+              "LibXml: Memory schema parser context unsuccessful.");
+    EXPECT_EQ(failureOf([&] { validator->parseSpecificationString("<a/>"); }),
+              "LibXml: Memory schema parsing unsuccessful.");
+    validator->parseSpecificationString(schemaText);
+    document->parseString("<!-- c --><a/><!-- d -->");
+    EXPECT_EQ(validate(document->getRootNode()->getNextNode()),
+              "LibXml: Could not create validation context");
+}
+
+TEST_F(ASchema, CutsLongMessagesAndRefusesANullValidator) {
+    const std::string text(1000, 'x');
+    LibXmlSchemaValidator::onError(validator.get(), "%s", text.c_str());
+    LibXmlSchemaValidator::onWarning(validator.get(), "%d %s", 7, "w");
+    EXPECT_THAT(validator->getErrors(), testing::ElementsAre(text.substr(0, 499)));
+    EXPECT_THAT(validator->getWarnings(), testing::ElementsAre("7 w"));
+    validator->clearMessages();
+    EXPECT_THAT(validator->getErrors(), IsEmpty());
+    EXPECT_EQ(failureOf([] { LibXmlSchemaValidator::onError(nullptr, "x"); }),
+              "LibXml: validity error function got bad context.");
+    EXPECT_EQ(failureOf([] { LibXmlSchemaValidator::onWarning(nullptr, "x"); }),
+              "LibXml: validity warning function got bad context.");
+}
