@@ -39,13 +39,14 @@ OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
     const platform::TextHandle folder(g_desktop_app_info_get_string(entry.get(), "Path"));
     const char* workingFolder = folder && *folder != '\0' ? folder.get() : nullptr;
     // Without G_SPAWN_DO_NOT_REAP_CHILD the child is started by way of a short-lived one and so is
-    // not ours to reap; all descriptors are closed in it. It must not hold the standard ones either:
-    // whoever reads this program's output through a pipe would wait for the application's end.
-    const auto flags = static_cast<GSpawnFlags>(
-        G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+    // not ours to reap; all descriptors are closed in it. It must not hold the standard ones
+    // either: whoever reads this program's output through a pipe would wait for the application's
+    // end.
+    const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL |
+                                                G_SPAWN_STDERR_TO_DEV_NULL);
     platform::ErrorSlot error;
-    if (g_spawn_async(workingFolder, arguments.data(), nullptr, flags, leaveSession, nullptr, nullptr,
-                      error.out()) != 0) {
+    if (g_spawn_async(workingFolder, arguments.data(), nullptr, flags, leaveSession, nullptr,
+                      nullptr, error.out()) != 0) {
         return noErr;
     }
     return error.is(G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT) ? OSErr{fnfErr} : OSErr{memFullErr};
