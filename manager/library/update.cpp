@@ -119,6 +119,19 @@ void writeDirectories(Database& database, const std::vector<std::string>& direct
     }
 }
 
+std::vector<std::string> problemsExcept(Library& library, std::span<const std::string> paths) {
+    const std::set<std::string_view> excepted(paths.begin(), paths.end());
+    Statement read(library.database(),
+                   "SELECT path, problem FROM file WHERE problem IS NOT NULL ORDER BY path");
+    std::vector<std::string> problems;
+    while (read.step()) {
+        if (!excepted.contains(read.text(0))) {
+            problems.push_back(read.text(1));
+        }
+    }
+    return problems;
+}
+
 // A portion large enough to make commits cheap, small enough not to keep readers of the index from
 // seeing progress, and to lose little when the process is killed.
 constexpr std::size_t portionSize = 500;
@@ -159,6 +172,7 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
         writeDirectories(database, found.directories);
         transaction.commit();
     }
+    report.knownProblems = problemsExcept(library, paths);
 
     std::vector<std::pair<std::size_t, FontFileOutcome>> portion;
     Writer writer(library);
@@ -166,6 +180,9 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
         Transaction transaction(database);
         for (const auto& [position, outcome] : portion) {
             writer.write(*files[position], outcome);
+            if (const auto* problem = std::get_if<std::string>(&outcome)) {
+                report.problems.push_back(*problem);
+            }
         }
         transaction.commit();
         report.read += portion.size();
@@ -182,9 +199,6 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
     });
     if (!portion.empty()) {
         writePortion();
-    }
-    for (std::string& problem : library.problems()) {
-        report.problems.push_back(std::move(problem));
     }
     return report;
 }

@@ -17,7 +17,8 @@ struct UpdateReport {
     std::size_t read = 0;      ///< files that were new or changed
     std::size_t unchanged = 0; ///< files passed over because size, time and inode are as known
     std::size_t removed = 0;   ///< files that are gone
-    std::vector<std::string> problems; ///< "PATH: ..." of everything that was skipped
+    std::vector<std::string> problems;      ///< "PATH: ..." of what was found bad this time
+    std::vector<std::string> knownProblems; ///< of bad files that have not changed since
 
     [[nodiscard]] bool changed() const { return read != 0 || removed != 0; }
 };

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// The commands that concern what is active: activate, deactivate, status, history.
+#pragma once
+
+#include "manager/library/places.h"
+
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// Each returns an ExitStatus and throws Error. The changing ones tell others and stay a second
+/// longer, so that no program misses the change.
+int activateCommand(const Places& places, const std::vector<std::string>& names);
+/// With no names: everything.
+int deactivateCommand(const Places& places, const std::vector<std::string>& names);
+int statusCommand(const Places& places, bool json);
+int historyCommand(const Places& places, bool all);
+
+} // namespace manager

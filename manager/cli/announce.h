@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Telling other processes: that the library or what is active has changed, or to quit.
+#pragma once
+
+#include "manager/exchange/exchange.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace manager {
+
+/// The signature under which the manager listens.
+inline constexpr char managerSignature[5] = "QGLY";
+
+/// Posts the library-changed notification. Without a session bus there is nobody to tell.
+void postLibraryChanged();
+
+/// Sends the change event to one process, without waiting for anything. False: it is gone.
+bool sendLibraryChanged(const ChangeTarget& target);
+
+/// The process id of the running server, if there is one.
+std::optional<std::int32_t> findServer();
+
+/// Asks the running server to quit and returns once it has said yes. Throws Error when there is
+/// none.
+void askServerToQuit();
+
+} // namespace manager

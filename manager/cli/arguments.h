@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// The command line of `glyphora`.
+#pragma once
+
+namespace manager {
+
+/// What the program ends with.
+enum ExitStatus : int {
+    exitSuccess = 0,
+    exitFailure = 1, ///< something of what was asked could not be done; standard error says what
+    exitUsage = 2,   ///< the command line is wrong
+};
+
+/// Reads the command line and does what it says. Never throws.
+int runCommandLine(int argc, char** argv);
+
+} // namespace manager

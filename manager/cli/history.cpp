@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// Field lines of time (seconds since 1970), kind of deed, text. One write per entry, so that
+// entries of several processes do not mix.
+#include "manager/cli/history.h"
+
+#include "manager/library/error.h"
+#include "manager/library/fields.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace manager {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> deedNames = {"started", "asked", "done", "failed",
+                                                       "stopped"};
+constexpr off_t maximumSize = off_t{1} << 20U;
+
+std::string historyPath(const Places& places) {
+    return places.own() + "/history";
+}
+
+std::string timeText(std::int64_t seconds) {
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm local{};
+    std::array<char, 32> text{};
+    if (localtime_r(&time, &local) == nullptr ||
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &local) == 0) {
+        return std::to_string(seconds);
+    }
+    return text.data();
+}
+
+std::string lineText(std::int64_t seconds, std::string_view deed, const std::string& text) {
+    std::string line = timeText(seconds) + "  ";
+    if (deed == "failed") {
+        line += "failed: ";
+    }
+    return line + text;
+}
+
+} // namespace
+
+void recordDeed(const Places& places, Deed deed, std::string_view text) {
+    const std::string path = historyPath(places);
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && status.st_size > maximumSize) {
+        static_cast<void>(rename(path.c_str(), (path + ".old").c_str()));
+    }
+    const Descriptor file(
+        open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const std::string line = joinFields(
+        {std::to_string(std::time(nullptr)), deedNames[static_cast<std::size_t>(deed)], text});
+    if (file && write(file.get(), line.data(), line.size()) < 0) {
+        return;
+    }
+}
+
+std::vector<std::string> readHistory(const Places& places, bool all) {
+    std::string text;
+    for (const char* part : {".old", ""}) {
+        const std::string path = historyPath(places) + part;
+        if (access(path.c_str(), F_OK) == 0) {
+            text += readFile(path, std::size_t{64} << 20U);
+        }
+    }
+    std::vector<std::string> lines;
+    for (const std::string_view line : splitLines(text)) {
+        const auto fields = splitFields(line);
+        const auto seconds =
+            fields && fields->size() == 3 ? toNumber<std::int64_t>((*fields)[0]) : std::nullopt;
+        if (!seconds) {
+            continue; // cut off by a full disk or a crash
+        }
+        if ((*fields)[1] == "started" && !all) {
+            lines.clear();
+        }
+        lines.push_back(lineText(*seconds, (*fields)[1], (*fields)[2]));
+    }
+    return lines;
+}
+
+} // namespace manager

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// Recording folders and scanning them.
+#include "manager/cli/libraryops.h"
+
+#include "manager/cli/announce.h"
+#include "manager/cli/arguments.h"
+#include "manager/library/folders.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <thread>
+#include <unistd.h>
+
+namespace manager {
+
+namespace {
+
+FontReaderLimits readerLimits() {
+    FontReaderLimits limits;
+    limits.processes = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
+    return limits;
+}
+
+// Comes before anything that connects to the bus: the readers are forked.
+int scan(const Places& places, bool quiet, bool changedAlready) {
+    makeFolders(places.own());
+    const FileLock lock(places.scanLock());
+    bool emptied = false;
+    const auto library = openForUse(places, &emptied);
+    const std::vector<std::string> folders = readFolders(places);
+    const bool showProgress = !quiet && isatty(STDERR_FILENO) != 0;
+    UpdateProgress progress;
+    if (showProgress) {
+        progress = [](std::size_t done, std::size_t total) {
+            std::fprintf(stderr, "\r%zu of %zu font files read", done, total);
+            if (done == total) {
+                std::fputc('\n', stderr);
+            }
+        };
+    }
+    const UpdateReport report = updateLibrary(*library, folders, readerLimits(), progress);
+    for (const std::string& problem : report.problems) {
+        warn(problem);
+    }
+    if (!quiet) {
+        for (const std::string& problem : report.knownProblems) {
+            warn(problem);
+        }
+        std::printf("%s read, %zu unchanged, %zu gone\n",
+                    counted(static_cast<std::int64_t>(report.read), "font file").c_str(),
+                    report.unchanged, report.removed);
+    }
+    if (report.changed() || emptied || changedAlready) {
+        postLibraryChanged();
+    }
+    return exitSuccess;
+}
+
+} // namespace
+
+std::unique_ptr<Library> openForUse(const Places& places, bool* emptied) {
+    return openLibrary(places, emptied, warn);
+}
+
+int addCommand(const Places& places, const std::vector<std::string>& folders) {
+    const auto added = addFolders(places, folders);
+    for (const std::string& folder : added) {
+        std::printf("added %s\n", folder.c_str());
+    }
+    return scan(places, false, !added.empty());
+}
+
+int removeCommand(const Places& places, const std::vector<std::string>& folders) {
+    const auto removed = removeFolders(places, folders);
+    for (const std::string& folder : removed) {
+        std::printf("removed %s\n", folder.c_str());
+    }
+    return scan(places, false, !removed.empty());
+}
+
+int scanCommand(const Places& places, bool quiet) {
+    return scan(places, quiet, false);
+}
+
+int listCommand(const Places& places, Listing listing) {
+    bool emptied = false;
+    {
+        const auto library = openForUse(places, &emptied);
+        if (!emptied) {
+            printLibrary(*library, Activation(places), readFolders(places), listing);
+            return exitSuccess;
+        }
+    }
+    scan(places, true, true);
+    const auto library = openForUse(places, &emptied);
+    printLibrary(*library, Activation(places), readFolders(places), listing);
+    return exitSuccess;
+}
+
+} // namespace manager

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// The commands that concern the library: add, remove, scan, list.
+#pragma once
+
+#include "manager/cli/report.h"
+#include "manager/library/update.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// Opens the library for a command or the server; a damaged index is replaced, which is told on
+/// standard error and then sets `*emptied`.
+std::unique_ptr<Library> openForUse(const Places& places, bool* emptied);
+
+/// Each returns an ExitStatus and throws Error. They scan where needed and tell others of changes.
+int addCommand(const Places& places, const std::vector<std::string>& folders);
+int removeCommand(const Places& places, const std::vector<std::string>& folders);
+int scanCommand(const Places& places, bool quiet);
+int listCommand(const Places& places, Listing listing);
+
+} // namespace manager

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// Answers, and what follows from them.
+#include "manager/cli/server.h"
+
+#include "manager/cli/announce.h"
+#include "manager/cli/history.h"
+#include "manager/cli/libraryops.h"
+#include "manager/library/error.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace manager {
+
+namespace {
+
+// Processes come and go; those that asked longest ago are forgotten first.
+constexpr std::size_t maximumTargets = 16;
+
+} // namespace
+
+Server::Server(const Places& places, bool verbose)
+    : places_(places), verbose_(verbose), activation_(places) {
+    openLibrary();
+    activation_.recover([this](const std::string& text) {
+        warn(text);
+        recordDeed(places_, Deed::done, text);
+    });
+}
+
+void Server::openLibrary() {
+    bool emptied = false;
+    library_ = openForUse(places_, &emptied);
+    scanNeeded_ = scanNeeded_ || emptied;
+}
+
+std::string Server::answer(std::string_view command) {
+    try {
+        if (!library_ || library_->isReplaced()) {
+            openLibrary();
+        }
+        Answer answer = answerCommand(*library_, activation_, command);
+        note(answer);
+        return std::move(answer.reply);
+    } catch (const DamagedDatabase& damage) {
+        library_.reset(); // the next command opens, and so mends, it
+        scanNeeded_ = true;
+        warn(damage.what());
+        return failureReply("", damage.what());
+    } catch (const std::exception& error) {
+        warn(error.what());
+        recordDeed(places_, Deed::failed, error.what());
+        return failureReply("", error.what());
+    }
+}
+
+void Server::note(const Answer& answer) {
+    const std::string asked =
+        answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
+    recordDeed(places_, Deed::asked, asked);
+    if (verbose_) {
+        warn(asked + (answer.target ? ", from process " + std::to_string(answer.target->processId)
+                                    : std::string()));
+    }
+    for (const std::string& deed : answer.done) {
+        recordDeed(places_, Deed::done, deed);
+        if (verbose_) {
+            warn(deed);
+        }
+    }
+    for (const std::string& problem : answer.problems) {
+        recordDeed(places_, Deed::failed, problem);
+        warn(problem);
+    }
+    changed_ = changed_ || answer.changed;
+    if (answer.target) {
+        std::erase_if(targets_, [&](const ChangeTarget& known) {
+            return known.processId == answer.target->processId;
+        });
+        targets_.push_back(*answer.target);
+        if (targets_.size() > maximumTargets) {
+            targets_.erase(targets_.begin());
+        }
+    }
+}
+
+void Server::tellOthers() {
+    if (!changed_) {
+        return;
+    }
+    changed_ = false;
+    postLibraryChanged();
+    std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
+}
+
+void Server::watchFolders(FolderWatch& watch) {
+    try {
+        if (library_) {
+            const std::size_t missed = watch.watch(library_->directories());
+            if (missed != 0) {
+                warn(counted(static_cast<std::int64_t>(missed), "folder") +
+                     " cannot be watched; run \"glyphora scan\" after changes there");
+            }
+        }
+    } catch (const Error& error) {
+        warn(error.what());
+    }
+}
+
+} // namespace manager

@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: MIT
+// The server's one loop: events, signals, the scan in a process of its own, and two timers.
+#include "manager/cli/announce.h"
+#include "manager/cli/arguments.h"
+#include "manager/cli/history.h"
+#include "manager/cli/report.h"
+#include "manager/cli/server.h"
+#include "manager/library/error.h"
+#include "platform/appleevents.h"
+#include "platform/application.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ; // NOLINT(readability-redundant-declaration)
+
+namespace manager {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Blocks the signals that the loop reads, before any thread of the bus begins.
+Descriptor readSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) {
+        sigaddset(&signals, number);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (!descriptor) {
+        throw systemError("serve", "cannot read signals", errno);
+    }
+    return descriptor;
+}
+
+/// "glyphora scan" beside the server, so that no answer waits for it and no font can harm it.
+class ScanProcess {
+public:
+    ScanProcess() = default;
+    ScanProcess(const ScanProcess&) = delete;
+    ScanProcess& operator=(const ScanProcess&) = delete;
+    ~ScanProcess() {
+        if (process_ > 0) {
+            kill(process_, SIGTERM);
+            waitpid(process_, nullptr, 0);
+        }
+    }
+
+    [[nodiscard]] bool isRunning() const { return process_ > 0; }
+
+    void start() {
+        std::array<char, 16> program{"glyphora"};
+        std::array<char, 8> command{"scan"};
+        std::array<char, 8> option{"--quiet"};
+        const std::array<char*, 4> arguments = {program.data(), command.data(), option.data(),
+                                                nullptr};
+        posix_spawnattr_t attributes;
+        posix_spawnattr_init(&attributes);
+        sigset_t none;
+        sigemptyset(&none);
+        posix_spawnattr_setsigmask(&attributes, &none);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+        const int code = posix_spawn(&process_, "/proc/self/exe", nullptr, &attributes,
+                                     arguments.data(), environ);
+        posix_spawnattr_destroy(&attributes);
+        if (code != 0) {
+            process_ = -1;
+            warn(systemError("scan", "cannot be started", code).what());
+        }
+    }
+
+    /// Whether it has ended since it was started; told once.
+    bool hasEnded() {
+        int status = 0;
+        if (process_ <= 0 || waitpid(process_, &status, WNOHANG) != process_) {
+            return false;
+        }
+        process_ = -1;
+        if (WIFSIGNALED(status)) {
+            warn("scan: ended by signal " + std::to_string(WTERMSIG(status)));
+        }
+        return true;
+    }
+
+private:
+    pid_t process_ = -1;
+};
+
+/// A moment at which something is due, or none.
+class Timer {
+public:
+    void startUnlessRunning(std::chrono::milliseconds after) {
+        if (!due_) {
+            due_ = Clock::now() + after;
+        }
+    }
+    void restart(std::chrono::milliseconds after) { due_ = Clock::now() + after; }
+    bool takeExpired() {
+        if (!due_ || *due_ > Clock::now()) {
+            return false;
+        }
+        due_.reset();
+        return true;
+    }
+    /// Shortens a wait in milliseconds (-1: for ever).
+    [[nodiscard]] int shorten(int wait) const {
+        if (!due_) {
+            return wait;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due_ - Clock::now());
+        const int rest = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+        return wait < 0 ? rest : std::min(wait, rest);
+    }
+
+private:
+    std::optional<Clock::time_point> due_;
+};
+
+/// What the event handlers reach through their reference constant.
+struct HandlerContext {
+    Server* server;
+    bool quit = false;
+};
+
+OSErr putText(AppleEvent* reply, const std::string& text) {
+    return AEPutParamPtr(reply, keyDirectObject, typeChar, text.data(),
+                         static_cast<Size>(text.size()));
+}
+
+OSErr handleCommand(const AppleEvent* event, AppleEvent* reply, void* refCon) {
+    auto* context = static_cast<HandlerContext*>(refCon);
+    Size size = 0;
+    OSErr status = AEGetParamPtr(event, keyDirectObject, typeChar, nullptr, nullptr, 0, &size);
+    std::string command(status == noErr ? static_cast<std::size_t>(size) : 0, '\0');
+    if (status == noErr) {
+        status =
+            AEGetParamPtr(event, keyDirectObject, typeChar, nullptr, command.data(), size, &size);
+    }
+    if (status != noErr) {
+        return status;
+    }
+    status = putText(reply, context->server->answer(command));
+    if (status == memFullErr) {
+        status = putText(reply, failureReply("", "the reply is too long; ask for fewer fonts"));
+    }
+    return status;
+}
+
+OSErr handleQuit(const AppleEvent* /*event*/, AppleEvent* /*reply*/, void* refCon) {
+    static_cast<HandlerContext*>(refCon)->quit = true;
+    return noErr;
+}
+
+/// An installed event handler; removed with its owner.
+class EventHandler {
+public:
+    EventHandler(AEEventClass eventClass, AEEventID id, AEEventHandlerProcPtr routine,
+                 void* context)
+        : class_(eventClass), id_(id), upp_(NewAEEventHandlerUPP(routine)) {
+        if (upp_ == nullptr || AEInstallEventHandler(class_, id_, upp_, context, false) != noErr) {
+            DisposeAEEventHandlerUPP(upp_);
+            throw Error("serve: no event handler can be installed");
+        }
+    }
+    EventHandler(const EventHandler&) = delete;
+    EventHandler& operator=(const EventHandler&) = delete;
+    ~EventHandler() {
+        AERemoveEventHandler(class_, id_, upp_, false);
+        DisposeAEEventHandlerUPP(upp_);
+    }
+
+private:
+    AEEventClass class_;
+    AEEventID id_;
+    AEEventHandlerUPP upp_;
+};
+
+// Registered while it lives.
+class Registration {
+public:
+    Registration()
+        : status_(
+              PLRegisterApplication(FourCharCode(managerSignature), kPLOneInstance, "Glyphora")) {}
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+    ~Registration() {
+        if (status_ == noErr) {
+            PLUnregisterApplication();
+        }
+    }
+    [[nodiscard]] OSStatus status() const { return status_; }
+
+private:
+    OSStatus status_;
+};
+
+// Other programs compare times in whole seconds.
+constexpr std::chrono::milliseconds settleDelay{1100};
+// A copy of many files into a folder is scanned once it has come to rest.
+constexpr std::chrono::milliseconds scanDelay{1000};
+
+class Loop {
+public:
+    Loop(const Places& places, bool verbose, Descriptor signals)
+        : signals_(std::move(signals)), server_(places, verbose), watch_(places) {}
+
+    void run() {
+        HandlerContext context{&server_};
+        const EventHandler commands(FourCharCode("QGLY"), typeWildCard, handleCommand, &context);
+        const EventHandler quit(FourCharCode("aevt"), FourCharCode("quit"), handleQuit, &context);
+        scan_.start();
+        server_.watchFolders(watch_);
+        while (!context.quit) {
+            waitForAnything();
+            if (PLDispatchPendingEvents() < 0) {
+                warn("the session bus is gone");
+                return;
+            }
+            server_.tellOthers();
+            if (readSignals()) {
+                return;
+            }
+            look();
+        }
+    }
+
+private:
+    void waitForAnything() {
+        std::array<pollfd, 3> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
+                                          {signals_.get(), POLLIN, 0},
+                                          {watch_.descriptor(), POLLIN, 0}}};
+        // A scan that is due while one runs waits for the end of that, which is a signal.
+        const int settle = settleTimer_.shorten(-1);
+        poll(sources.data(), sources.size(),
+             scan_.isRunning() ? settle : scanTimer_.shorten(settle));
+    }
+
+    // Whether one of them means the end.
+    bool readSignals() {
+        signalfd_siginfo info{};
+        while (read(signals_.get(), &info, sizeof info) == sizeof info) {
+            if (info.ssi_signo != SIGCHLD) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void look() {
+        if (scan_.hasEnded()) {
+            server_.watchFolders(watch_);
+        }
+        if (watch_.drain() || server_.takeScanNeed()) {
+            scanTimer_.restart(scanDelay);
+        }
+        if (!scan_.isRunning() && scanTimer_.takeExpired()) {
+            scan_.start();
+        }
+        if (server_.activation().isUnsettled()) {
+            settleTimer_.startUnlessRunning(settleDelay);
+            if (settleTimer_.takeExpired()) {
+                server_.activation().settle();
+            }
+        }
+    }
+
+    Descriptor signals_;
+    Server server_;
+    FolderWatch watch_;
+    ScanProcess scan_;
+    Timer scanTimer_;
+    Timer settleTimer_;
+};
+
+} // namespace
+
+int serveCommand(const Places& places, bool verbose) {
+    Descriptor signals = readSignals();
+    // The signature first: whoever launched this process sees it, and its events wait for us.
+    const Registration registration;
+    if (registration.status() == kPLAlreadyRunningErr) {
+        warn("a server is running already");
+        return exitSuccess;
+    }
+    if (registration.status() != noErr) {
+        throw Error("serve: the session bus cannot be reached (status " +
+                    std::to_string(registration.status()) + ")");
+    }
+    makeFolders(places.own());
+    recordDeed(places, Deed::started, "server started, process " + std::to_string(getpid()));
+    Loop loop(places, verbose, std::move(signals));
+    loop.run();
+    recordDeed(places, Deed::stopped, "server stopped");
+    return exitSuccess;
+}
+
+} // namespace manager
