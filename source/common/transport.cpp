@@ -47,9 +47,10 @@ bool makeEvent(const std::string& command, Descriptor& event) {
 
 enum class Outcome { answered, failed, hopeless };
 
-Outcome attempt(const Descriptor& event, std::string& result) {
+/// `status` is the last one there was, also of earlier attempts: it decides what follows an
+/// exception.
+Outcome attempt(const Descriptor& event, OSStatus& status, std::string& result) {
     Descriptor reply;
-    OSStatus status = noErr;
     try {
         status = AESend(event.get(), reply.get(), kAEWaitReply, kAENormalPriority,
                         kAEDefaultTimeout, nullptr, nullptr);
@@ -86,8 +87,9 @@ std::string exchangeCommand(const std::string& command) {
         if (!makeEvent(command, event)) {
             return {};
         }
+        OSStatus status = noErr;
         for (int count = 0; count < maximumAttempts; ++count) {
-            const Outcome outcome = attempt(event, result);
+            const Outcome outcome = attempt(event, status, result);
             if (outcome == Outcome::answered) {
                 break;
             }

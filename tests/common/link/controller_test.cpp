@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+// Finding and launching the font manager, and its version texts.
+#include "GLYController.h"
+#include "platform/launchservices.h"
+#include "tests/support/scriptedplatform/scriptedplatform.h"
+
+#include <gtest/gtest.h>
+
+using GLY::GLYController;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+constexpr OSType other = FourCharCode("OTHR");
+
+class TheFontManager : public testing::Test {
+protected:
+    ~TheFontManager() override { EXPECT_EQ(platform_.liveObjects, 0); }
+
+    /// Makes the launcher number `number` (3, 2, 1) known.
+    scripted::Application& install(int number) {
+        const std::string suffix = number == 1 ? "" : std::to_string(number);
+        scripted::Application& application =
+            platform_.applications["org.glyphora.Glyphora.Launcher" + suffix];
+        application.path = "/applications/launcher" + suffix;
+        application.signature = GLY::glyphoraSignature;
+        return application;
+    }
+
+    scripted::Platform platform_;
+};
+
+const Texts allLaunchers{"org.glyphora.Glyphora.Launcher3", "org.glyphora.Glyphora.Launcher2",
+                         "org.glyphora.Glyphora.Launcher"};
+
+} // namespace
+
+TEST_F(TheFontManager, IsFoundAmongTheProcessesBySignature) {
+    platform_.processes = {{other, 1, 0}, {GLY::glyphoraSignature, 2, 0}, {other, 3, 0}};
+    ProcessInfoRec info;
+    bool found = false;
+    EXPECT_EQ(GLYController::FindGlyphoraProcess(info, found), noErr);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(info.processID, 2);
+}
+
+TEST_F(TheFontManager, IsNotFoundWhenTheWalkEnds) {
+    for (const std::vector<scripted::Process>& processes :
+         {std::vector<scripted::Process>{}, {{other, 1, 0}, {other, 3, 0}}}) {
+        platform_.processes = processes;
+        ProcessInfoRec info;
+        info.processID = 99;
+        bool found = true;
+        EXPECT_EQ(GLYController::FindGlyphoraProcess(info, found), procNotFound);
+        EXPECT_FALSE(found);
+        EXPECT_EQ(info.processID, 99);
+    }
+}
+
+TEST_F(TheFontManager, IsNotLaunchedWhileItRuns) {
+    install(3);
+    platform_.processes = {{GLY::glyphoraSignature, 2, 0}};
+    EXPECT_EQ(GLYController::LaunchGlyphora(), noErr);
+    EXPECT_TRUE(platform_.lookUps.empty());
+    EXPECT_TRUE(platform_.launches.empty());
+}
+
+TEST_F(TheFontManager, IsLaunchedInTheBackgroundByTheFirstLauncher) {
+    install(3);
+    install(2);
+    EXPECT_EQ(GLYController::LaunchGlyphora(), noErr);
+    EXPECT_EQ(platform_.lookUps, Texts{allLaunchers[0]});
+    EXPECT_EQ(platform_.launchedPaths, Texts{"/applications/launcher3"});
+    ASSERT_EQ(platform_.launches.size(), 1U);
+    const LaunchParamBlockRec& block = platform_.launches[0];
+    EXPECT_EQ(block.launchBlockID, 0x4C43);
+    EXPECT_EQ(block.launchEPBLength, 32U);
+    EXPECT_EQ(block.launchFileFlags, 0);
+    EXPECT_EQ(block.launchControlFlags, 0x4A00);
+    EXPECT_EQ(block.launchAppParameters, nullptr);
+    EXPECT_EQ(platform_.shown, Texts{"/applications/launcher3"});
+    EXPECT_EQ(platform_.encodings.front(), kCFStringEncodingMacRoman);
+}
+
+TEST_F(TheFontManager, IsLaunchedByAnOlderLauncherWhenANewerOneFails) {
+    struct Case {
+        const char* name;
+        std::function<void(scripted::Application&)> spoil;
+        int launches;
+    };
+    for (const Case& each :
+         std::vector<Case>{{"look-up", [](auto& app) { app.lookUpStatus = fnfErr; }, 1},
+                           {"launch", [](auto& app) { app.launchStatus = memFullErr; }, 2},
+                           {"no location", [](auto& app) { app.givesUrl = false; }, 2},
+                           {"no file", [](auto& app) { app.catalogStatus = fnfErr; }, 2}}) {
+        SCOPED_TRACE(each.name);
+        each.spoil(install(3));
+        install(2);
+        platform_.lookUps.clear();
+        platform_.launches.clear();
+        platform_.processes.clear();
+        EXPECT_EQ(GLYController::LaunchGlyphora(), noErr);
+        EXPECT_EQ(platform_.lookUps, (Texts{allLaunchers[0], allLaunchers[1]}));
+        EXPECT_EQ(static_cast<int>(platform_.launches.size()), each.launches);
+        platform_.applications.clear();
+    }
+}
+
+TEST_F(TheFontManager, GivesTheLastStatusWhenNoLauncherWorks) {
+    EXPECT_EQ(GLYController::LaunchGlyphora(), kLSApplicationNotFoundErr);
+    EXPECT_EQ(platform_.lookUps, allLaunchers);
+    // The path is shown even of what was not found.
+    EXPECT_EQ(platform_.shown, (Texts{"", "", ""}));
+
+    install(3).launchStatus = memFullErr;
+    install(2).lookUpStatus = paramErr;
+    install(1).launchStatus = fnfErr;
+    EXPECT_EQ(GLYController::LaunchGlyphora(), fnfErr);
+}
+
+TEST_F(TheFontManager, IsAwaitedForUpToFifteenSeconds) {
+    struct Case {
+        double startUpTime;
+        double awaited;
+    };
+    for (const Case& each :
+         {Case{0.0, 0.0}, Case{2.5, 2.5}, Case{14.99, 14.99}, Case{99.0, 15.0}}) {
+        platform_.processes.clear();
+        install(3).startUpTime = each.startUpTime;
+        const double start = platform_.now;
+        EXPECT_EQ(GLYController::LaunchGlyphora(), noErr);
+        EXPECT_NEAR(platform_.now - start, each.awaited, 0.01);
+        EXPECT_TRUE(platform_.delays.empty());
+    }
+}
+
+TEST(AVersion, IsSeparatedAtItsDots) {
+    struct Case {
+        std::string text;
+        bool ok;
+        unsigned major;
+        unsigned minor;
+    };
+    for (const Case& each : std::vector<Case>{{"2", true, 2, 77},
+                                              {"2.0", true, 2, 0},
+                                              {"2.13", true, 2, 13},
+                                              {"2.1.x.9", true, 2, 1},
+                                              {"2.1beta", true, 2, 1},
+                                              {" 2", true, 2, 77},
+                                              {"2.x", false, 2, 0},
+                                              {"2.", false, 2, 0},
+                                              {"2..5", false, 2, 0},
+                                              {".5", false, 0, 77},
+                                              {"x", false, 0, 77},
+                                              {"", false, 0, 77}}) {
+        unsigned major = 77;
+        unsigned minor = 77;
+        EXPECT_EQ(GLYController::separateVersion(each.text, major, minor), each.ok) << each.text;
+        EXPECT_EQ(major, each.major) << each.text;
+        EXPECT_EQ(minor, each.minor) << each.text;
+    }
+}
+
+TEST(AVersion, SatisfiesANeedByBothNumbers) {
+    struct Case {
+        std::string text;
+        unsigned major;
+        unsigned minor;
+        bool satisfied;
+    };
+    for (const Case& each : std::vector<Case>{{"2.0", 2, 0, true},
+                                              {"2", 2, 0, true},
+                                              {"1.9", 2, 0, false},
+                                              {"3.0", 2, 0, true},
+                                              {"3.0", 2, 5, false}, // the quirk
+                                              {"3.5", 2, 5, true},
+                                              {"2.4", 2, 5, false},
+                                              {"", 0, 0, false},
+                                              {"2.x", 2, 0, false}}) {
+        EXPECT_EQ(GLYController::checkForNeededProtocolVersion(each.text, each.major, each.minor),
+                  each.satisfied)
+            << each.text;
+    }
+}
+
+TEST(AVersion, ComparesByLengthFirst) {
+    struct Case {
+        std::string a;
+        std::string b;
+        int order;
+    };
+    for (const Case& each : std::vector<Case>{{"10.0", "9.9", 1},
+                                              {"9.99", "10.0", 1},
+                                              {"2.0", "2.0", 0},
+                                              {"2.0", "2.1", -1},
+                                              {"", "0", -1},
+                                              {"\xff", "a", 1}}) {
+        EXPECT_EQ(GLYController::CompareGLYVersion(each.a, each.b), each.order);
+        EXPECT_EQ(GLYController::CompareGLYVersion(each.b, each.a), -each.order);
+    }
+}
+
+TEST(TheRunningFontManager, IsAlwaysAcceptable) {
+    EXPECT_EQ(GLYController::CheckRunningVersion(), 0);
+    EXPECT_TRUE(GLY::isStoreEnabled());
+}

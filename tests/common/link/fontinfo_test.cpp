@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// The plug-in's font records.
+#include "GLYFontInfo.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+using GLY::GLYFontInfo;
+using Record = Orvil::SmartPointer<GLYFontInfo>;
+
+TEST(AFontRecord, KnowsItsTypeByKeywordAndTechnology) {
+    struct Case {
+        int type;
+        std::string keyword;
+        std::string technology;
+    };
+    for (const Case& each : std::vector<Case>{{0, "T1", "PostScript"},
+                                              {1, "TT", "TrueType"},
+                                              {2, "OT_T1", "OpenType PostScript"},
+                                              {3, "OT_TT", "OpenType TrueType"},
+                                              {4, "", "Unknown"},
+                                              {7, "", "Unknown"},
+                                              {-1, "", "Unknown"}}) {
+        GLYFontInfo info;
+        info.font.type = static_cast<Protocol::Font::Type>(each.type);
+        EXPECT_EQ(info.getTypeString(), each.keyword) << each.type;
+        EXPECT_EQ(info.getTechnology(), each.technology) << each.type;
+        if (!each.keyword.empty()) {
+            EXPECT_EQ(GLYFontInfo::typeStringToEnum(each.keyword), each.type);
+        }
+    }
+    for (const char* const text : {"", "ot_tt", "all", "OT_TT ", "Unknown"}) {
+        EXPECT_EQ(GLYFontInfo::typeStringToEnum(text), 4) << text;
+    }
+}
+
+TEST(AFontRecord, BeginsUnknownAndNotInstalled) {
+    const GLYFontInfo info;
+    EXPECT_EQ(info.font, Protocol::Font());
+    EXPECT_EQ(info.workValue1, 1);
+    EXPECT_EQ(info.installed + info.replaced + info.workValue2 + info.workValue3, 0);
+}
+
+TEST(ASetOfFontRecords, KeepsTheFirstOfEachFamilyInAscendingByteOrder) {
+    std::set<Record, GLYFontInfo::SDescendingInfoSort> records;
+    for (const auto& [family, psName] : std::vector<std::pair<std::string, std::string>>{
+             {"b", "1"}, {"\xc3\xa4", "2"}, {"B", "3"}, {"b", "4"}, {"", "5"}}) {
+        const Record record(new GLYFontInfo);
+        record->font.familyName = family;
+        record->font.psName = psName;
+        records.insert(record);
+    }
+    std::string order;
+    for (const Record& record : records) {
+        order += record->font.psName;
+    }
+    EXPECT_EQ(order, "5312");
+}

@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+// What the exchanges make of a reply.
+#include "GLYEvent.h"
+#include "misc/exception.h"
+#include "recordinglogger.h"
+#include "tests/support/scriptedplatform/scriptedplatform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace GLY;
+
+namespace {
+
+using Record = Orvil::SmartPointer<GLYFontInfo>;
+using Texts = std::vector<std::string>;
+
+Record makeRecord(const std::string& syncID, const std::string& psName = "",
+                  const std::string& containerID = "") {
+    Record record(new GLYFontInfo);
+    record->font.syncID = syncID;
+    record->font.psName = psName;
+    record->font.containerID = containerID;
+    return record;
+}
+
+class AReply : public testing::Test {
+protected:
+    AReply() { takeTrace(); }
+    ~AReply() override { EXPECT_EQ(platform_.liveDescriptors, 0); }
+
+    /// Sends the event and answers with `elements`, one per line as the font manager writes them.
+    Orvil::IXmlNode* exchange(GLYFontBasedEvent& event, const std::string& elements) {
+        return answer(event, "<cmd>reply</cmd>\n" + elements + "\n</cmd>\n");
+    }
+    Orvil::IXmlNode* exchangeCurrent(GLYFontBasedEvent& event, const std::string& elements) {
+        return exchange(event, "<protocolVersion>2.0</protocolVersion>\n" + elements);
+    }
+    Orvil::IXmlNode* answer(GLYFontBasedEvent& event, const std::string& reply) {
+        platform_.answers = {scripted::textAnswer(reply)};
+        event.build();
+        return event.send();
+    }
+    static bool traced(const std::string& text) {
+        const Texts trace = takeTrace();
+        return std::find(trace.begin(), trace.end(),
+                         "GLYController-GLYEvent::parseResult: " + text) != trace.end();
+    }
+
+    scripted::Platform platform_;
+};
+
+std::string failureMessage(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Orvil::Exception& exception) {
+        EXPECT_EQ(exception.descriptionHeader().find("Exception in file "
+                                                     "'source/common/GLYController' at line "),
+                  0U);
+        return exception.descriptionMessage();
+    }
+    return "none";
+}
+
+} // namespace
+
+TEST_F(AReply, IsKeptAsItCameAndTraced) {
+    GLYFontBuyEvent event;
+    Orvil::IXmlNode* const root = exchangeCurrent(event, "<x>1 & 2</x>");
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(platform_.sent.at(0).directText(), event.command);
+    EXPECT_EQ(event.result,
+              "<cmd>reply<protocolVersion>2.0</protocolVersion><x>1 &amp; 2</x></cmd>");
+    EXPECT_EQ(event.replyVersion, "2.0");
+    EXPECT_EQ(event.succeeded, 1);
+    EXPECT_EQ(root->getName(), "cmd");
+    EXPECT_EQ(root->getFirstChild("x")->getContent(), "1 & 2");
+    EXPECT_EQ(takeTrace(), (Texts{"GLYController-send: starting send message",
+                                  "GLYController-send: ending send message",
+                                  "GLYController-GLYEvent::parseResult: parser instance created",
+                                  "GLYController-GLYEvent::parseResult: response parsed"}));
+}
+
+TEST_F(AReply, StaysReadableAsLongAsACopyOfItsEvent) {
+    const auto exchanged = [this](Orvil::IXmlNode*& root) {
+        GLYFontRequestEvent event;
+        root = exchangeCurrent(event, "<x>1</x>");
+        return event;
+    };
+    Orvil::IXmlNode* root = nullptr;
+    const GLYFontRequestEvent first = exchanged(root);
+    GLYFontRequestEvent copy = first;
+    EXPECT_EQ(root->getFirstChild("x")->getContent(), "1");
+    EXPECT_EQ(exchangeCurrent(copy, "<y/>")->getFirstChild("x"), nullptr);
+    EXPECT_EQ(root->getFirstChild("x")->getContent(), "1");
+}
+
+TEST_F(AReply, ThatDoesNotComeIsNoSuccess) {
+    GLYFontRequestEvent event;
+    platform_.answers = {scripted::failedAnswer(procNotFound)};
+    event.build();
+    EXPECT_EQ(event.send(), nullptr);
+    EXPECT_EQ(event.succeeded, 0);
+    EXPECT_EQ(event.result, "");
+    EXPECT_EQ(takeTrace(),
+              (Texts{"GLYController-send: starting send message",
+                     "GLYController-send: ending send message",
+                     "GLYController-GLYFontRequestEvent::parseResult: starting parsing message"}));
+}
+
+TEST_F(AReply, MustBeOfVersionTwoOrLater) {
+    struct Case {
+        std::string version;
+        bool accepted;
+    };
+    for (const Case& each : std::vector<Case>{{"2", true},
+                                              {"2.0", true},
+                                              {"10.7.1", true},
+                                              {"1.9", false},
+                                              {"0.1", false},
+                                              {"", false},
+                                              {"x", false},
+                                              {"2.x", false}}) {
+        GLYFontBuyEvent event;
+        const bool accepted =
+            exchange(event, "<protocolVersion>" + each.version + "</protocolVersion>") != nullptr;
+        EXPECT_EQ(accepted, each.accepted) << each.version;
+        EXPECT_EQ(event.succeeded, each.accepted ? 1 : 0);
+        EXPECT_EQ(event.replyVersion, each.version);
+        EXPECT_EQ(traced("required version too low. version was: " + each.version), !each.accepted);
+    }
+    GLYFontBuyEvent event;
+    EXPECT_EQ(exchange(event, "<x/>"), nullptr);
+    EXPECT_TRUE(traced("no protocolversion tag suppled"));
+}
+
+TEST_F(AReply, ThatIsNotXmlTouchesNothing) {
+    for (const std::string reply :
+         {"no element", "<cmd>x</cmd>", "<cmd>x</cmd>\n<a>\n</cmd>", "\x01",
+          "<cmd>\xff</cmd>\n</cmd>",
+          "<!DOCTYPE a [<!ENTITY e 'x'>]><cmd>x</cmd>\n<psName>&e</psName>\n</b>"}) {
+        GLYFontRequestEvent event;
+        event.fonts = {makeRecord("1", "old")};
+        event.replyVersion = "before";
+        EXPECT_EQ(answer(event, reply), nullptr) << reply;
+        EXPECT_EQ(event.succeeded, 0);
+        EXPECT_EQ(event.replyVersion, "before");
+        EXPECT_EQ(event.fonts[0]->font.psName, "old");
+        EXPECT_TRUE(traced("unable to parse xml"));
+    }
+}
+
+TEST_F(AReply, ToAFontRequestReplacesTheProtocolPartOfEachRecord) {
+    GLYFontRequestEvent event;
+    event.fonts = {makeRecord("a", "before"), makeRecord("none", "stays", "9"), makeRecord("b")};
+    event.fonts[0]->font.handled = true;
+    event.fonts[0]->chosenContainer = "5";
+    event.fonts[1]->installed = 1;
+    event.fonts[2]->installed = 1;
+    ASSERT_NE(exchangeCurrent(event,
+                              "<font><syncID>b</syncID><count>0</count></font>\n"
+                              "<text>1</text><unknown><font/></unknown><!-- c -->\n"
+                              "<font><activationSuccessfull>1</activationSuccessfull>"
+                              "<containerID>9</containerID>"
+                              "<fontInfo><name>1</name><value>one</value></fontInfo>"
+                              "<type>OT_TT</type>"
+                              "<typeMatchingContainerID>8</typeMatchingContainerID> "
+                              "<isTypeMatchingActive>true</isTypeMatchingActive>"
+                              "<typeMatchingCount>3x</typeMatchingCount>"
+                              "<isActive>1</isActive><count> 2</count>"
+                              "<familyName>F & G</familyName><styleName>S</styleName>"
+                              "<psName>P</psName><syncID>a</syncID>"
+                              "<fontInfo><name>2</name><value>two</value></fontInfo></font>"),
+              nullptr);
+    Protocol::Font expected;
+    expected.syncID = "a";
+    expected.type = Protocol::Font::OT_TT;
+    expected.psName = "P";
+    expected.styleName = "S";
+    expected.familyName = "F & G";
+    expected.count = 2;
+    expected.isActive = true;
+    expected.typeMatchingCount = 3;
+    expected.isTypeMatchingActive = true;
+    expected.typeMatchingContainerID = "8";
+    expected.fontInfos = {{"1", "one"}, {"2", "two"}};
+    expected.containerID = "9";
+    expected.activationSuccessful = true;
+    EXPECT_EQ(event.fonts[0]->font, expected);
+    EXPECT_EQ(event.fonts[0]->installed, 1);
+    EXPECT_EQ(event.fonts[0]->chosenContainer, "5");
+    EXPECT_EQ(event.fonts[1]->font, makeRecord("none", "stays", "9")->font);
+    EXPECT_EQ(event.fonts[1]->installed, 1);
+    EXPECT_EQ(event.fonts[2]->installed, 0);
+    const Texts trace = takeTrace();
+    const std::string context = "GLYController-GLYFontRequestEvent::parseResult: ";
+    EXPECT_EQ(Texts(trace.end() - 2, trace.end()),
+              (Texts{context + "starting parsing message", context + "end parsing message"}));
+}
+
+TEST_F(AReply, TakesTheFirstReplyFontOfADuplicatedSyncIDForAllItsRecords) {
+    GLYFontRequestEvent event;
+    event.fonts = {makeRecord("a"), makeRecord("a")};
+    exchangeCurrent(event, "<font><syncID>a</syncID><psName>first</psName></font>"
+                           "<font><syncID>a</syncID><psName>second</psName></font>");
+    EXPECT_EQ(event.fonts[0]->font.psName, "first");
+    EXPECT_EQ(event.fonts[1]->font.psName, "first");
+}
+
+TEST_F(AReply, TellsWhetherTheDialogIsWanted) {
+    struct Case {
+        std::string element;
+        int before;
+        int after;
+    };
+    for (const Case& each : std::vector<Case>{{"<showWindow>1</showWindow>", 0, 1},
+                                              {"<showWindow>0</showWindow>", 1, 0},
+                                              {"<showWindow>true</showWindow>", 1, 0},
+                                              {"<font><count>1</count></font>", 1, 1},
+                                              {"", 0, 0}}) {
+        GLYFontRequestEvent event;
+        event.showWindow = each.before;
+        exchangeCurrent(event, each.element);
+        EXPECT_EQ(event.showWindow, each.after) << each.element;
+    }
+}
+
+TEST_F(AReply, WithABadFontThrowsAndTouchesNoRecord) {
+    struct Case {
+        std::string child;
+        std::string message;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"<count>abc</count>", "could not parse <count> 'abc'"},
+             {"<count/>", "could not parse <count> ''"},
+             {"<typeMatchingCount>x</typeMatchingCount>",
+              "could not parse <typeMatchingCount> 'x'"},
+             {"<activationSuccessful>1</activationSuccessful>",
+              "could not parse node in <font> 'activationSuccessful'"},
+             {"<fontInfos/>", "could not parse node in <font> 'fontInfos'"},
+             {"<font/>", "could not parse node in <font> 'font'"},
+         }) {
+        GLYFontRequestEvent event;
+        event.fonts = {makeRecord("a", "old")};
+        const std::string message = failureMessage([&] {
+            exchangeCurrent(event, "<font><syncID>a</syncID><psName>new</psName></font><font>" +
+                                       each.child + "</font>");
+        });
+        EXPECT_EQ(message, "\n    User Message : " + each.message);
+        EXPECT_EQ(event.fonts[0]->font.psName, "old");
+        EXPECT_EQ(event.succeeded, 0);
+    }
+    GLYFontRequestEvent event;
+    EXPECT_THROW(exchangeCurrent(event, "<font><fontInfo><name>1</name></fontInfo></font>"),
+                 Orvil::Exception);
+}
+
+TEST_F(AReply, ToAnActivationIsNeverASuccess) {
+    GLYFontActivateEvent event;
+    event.fonts = {makeRecord("a", "P", "7")};
+    const Protocol::Font before = event.fonts[0]->font;
+    EXPECT_EQ(exchangeCurrent(event, "<font><containerID>7</containerID><psName>Q</psName>"
+                                     "<count>x</count></font><font/>"),
+              nullptr);
+    EXPECT_EQ(event.succeeded, 0);
+    EXPECT_EQ(event.replyVersion, "2.0");
+    EXPECT_EQ(event.fonts[0]->font, before);
+}
+
+TEST_F(AReply, ToAShowRequestSetsTypeAndCountByPostScriptName) {
+    GLYFontInfoEvent event;
+    event.fonts = {makeRecord("1", "P"), makeRecord("2", "P"), makeRecord("3", "Q")};
+    EXPECT_NE(exchangeCurrent(event,
+                              "<showWindow>1</showWindow>"
+                              "<font><count>4 fonts</count><type>TT</type><psName>P</psName>"
+                              "<familyName>ignored</familyName></font>"
+                              "<font><psName>Q</psName><count>x</count><type>tt</type></font>"
+                              "<font><psName>R</psName><count>1</count></font>"
+                              "<font><count>1</count></font>"),
+              nullptr);
+    EXPECT_EQ(event.succeeded, 1);
+    EXPECT_EQ(event.fonts[0]->font.type, Protocol::Font::TT);
+    EXPECT_EQ(event.fonts[0]->font.count, 4U);
+    EXPECT_EQ(event.fonts[0]->font.familyName, "");
+    EXPECT_EQ(event.fonts[1]->font.count, 0U);
+    EXPECT_EQ(event.fonts[2]->font.count, 0U);
+    EXPECT_EQ(event.fonts[2]->font.type, Protocol::Font::all);
+}

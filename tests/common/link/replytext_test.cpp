@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Folding of reply texts.
+#include "replytext.h"
+
+#include <gtest/gtest.h>
+
+TEST(AFoldedReply, IsOneDocument) {
+    struct Case {
+        std::string reply;
+        std::string folded;
+    };
+    const std::vector<Case> cases{
+        {"<cmd>fontReply</cmd>\n<a>1</a>\n</cmd>\n", "<cmd>fontReply<a>1</a></cmd>"},
+        {"<cmd>fontReply</cmd>\n<a>1</a>\n</cmd>", "<cmd>fontReply<a>1</a></cmd>"},
+        {"<cmd>x</cmd>", "<cmd>x"}, // no line feed at all: left open
+        {"</cmd>", "</cmd>"},
+        {"a</cmd>\n</cmd>\nb</cmd>", "a</cmd>b"},
+        {"\xc3\xa4</cmd>", "\xc3\xa4"},
+        {"</cmd></cmd>", "</cmd>"}, // one end only
+        {" </cmd>\n</cmd> \n</cmd>\r", " </cmd> </cmd>\r"},
+        {"</CMD>x</CMD>", "</CMD>x</CMD>"},
+        {"", ""},
+        {"\n\n", ""},
+        {"one\ntwo", "onetwo"},
+    };
+    for (const Case& each : cases) {
+        std::string text = each.reply;
+        GLY::foldReply(text);
+        EXPECT_EQ(text, each.folded) << each.reply;
+    }
+}
+
+TEST(AnAmpersand, IsEscapedEvenWhereItWas) {
+    for (const auto& [text, escaped] :
+         std::vector<std::pair<std::string, std::string>>{{"A & B", "A &amp; B"},
+                                                          {"&amp;", "&amp;amp;"},
+                                                          {"&&", "&amp;&amp;"},
+                                                          {"&", "&amp;"},
+                                                          {"none", "none"},
+                                                          {"", ""}}) {
+        EXPECT_EQ(GLY::escapeAmpersands(text), escaped);
+    }
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+// Reading of font elements, their infos, truth values and numbers.
+#include "misc/xml/ixmlparser.h"
+#include "protocolhandler.h"
+#include "samplefonts.h"
+
+#include <gtest/gtest.h>
+
+using namespace Protocol;
+
+namespace {
+
+Font parseFontText(const std::string& text) {
+    const Orvil::XmlDocumentHolder document;
+    document->parseString(text);
+    return HandlerHelpers::parseFont(document->getRootNode());
+}
+
+} // namespace
+
+TEST(ABoolean, IsTrueForTwoTextsOnly) {
+    EXPECT_TRUE(HandlerHelpers::parseBoolean("true"));
+    EXPECT_TRUE(HandlerHelpers::parseBoolean("1"));
+    for (const char* const text : {"TRUE", "True", "yes", "false", "0", "", " 1", "true ", "11"}) {
+        EXPECT_FALSE(HandlerHelpers::parseBoolean(text)) << text;
+    }
+}
+
+TEST(ANumber, IsReadAsAStreamReadsIt) {
+    struct Case {
+        std::string text;
+        unsigned value;
+        bool ok;
+    };
+    for (const Case& each : std::vector<Case>{{"7", 7, true},
+                                              {" \t\n\v\f\r7", 7, true},
+                                              {"12abc", 12, true},
+                                              {"+5", 5, true},
+                                              {"007", 7, true},
+                                              {"-1", 4294967295U, true},
+                                              {"4294967295", 4294967295U, true},
+                                              {"4294967296", 4294967295U, false},
+                                              {"x7", 0, false},
+                                              {"", 0, false},
+                                              {"+-5", 0, false},
+                                              {"- 5", 0, false}}) {
+        bool ok = !each.ok;
+        EXPECT_EQ(safeParse<unsigned>(each.text, ok), each.value) << each.text;
+        EXPECT_EQ(ok, each.ok) << each.text;
+    }
+}
+
+TEST(AFontElement, IsReadInAnyOrderOfItsChildren) {
+    Font expected = soundFont("s");
+    expected.type = Font::OT_TT;
+    expected.psName = "A&B";
+    expected.styleName = "Bold";
+    expected.familyName = "\xc3\x84";
+    expected.count = 7;
+    expected.isActive = true;
+    expected.typeMatchingCount = 3;
+    expected.isTypeMatchingActive = true;
+    expected.typeMatchingContainerID = "5";
+    expected.fontInfos = {{"1", "one"}, {"2", ""}};
+    expected.containerID = "9";
+    expected.activationSuccessful = true;
+    const std::string children[] = {
+        "<type>OT_TT</type>",
+        "<psName>A&amp;B</psName>",
+        "<styleName>Bold</styleName>",
+        "<familyName>\xc3\x84</familyName>",
+        "<count> 7</count>",
+        "<isActive>1</isActive>",
+        "<typeMatchingCount>3</typeMatchingCount>",
+        "<isTypeMatchingActive>true</isTypeMatchingActive>",
+        "<typeMatchingContainerID>5</typeMatchingContainerID>",
+        "<fontInfos><i><a>1</a><b>one</b></i><!-- --> <i><a>2</a><b/></i></fontInfos>",
+        "<containerID>9</containerID>",
+        "<activationSuccessfull>1</activationSuccessfull>",
+    };
+    std::string forward;
+    std::string backward;
+    for (const std::string& child : children) {
+        forward += "\n  " + child;
+        backward.insert(0, child);
+    }
+    EXPECT_EQ(parseFontText("<font syncID='s'>" + forward + "</font>"), expected);
+    EXPECT_EQ(parseFontText("<font syncID='s'><!-- c -->" + backward + "</font>"), expected);
+    EXPECT_EQ(parseFontText("<font/>"), Font());
+}
+
+TEST(AFontElement, TakesTheLastOfAChildThatOccursTwiceAndAllInfos) {
+    const Font font = parseFontText("<font><psName>a</psName><psName>b</psName>"
+                                    "<fontInfos><i><a>1</a><b>x</b></i></fontInfos>"
+                                    "<fontInfos><i><a>2</a><b>y</b></i></fontInfos></font>");
+    EXPECT_EQ(font.psName, "b");
+    EXPECT_EQ(font.fontInfos, (std::list<Font::Info>{{"1", "x"}, {"2", "y"}}));
+}
+
+TEST(AFontElement, IsRefusedWithTheReason) {
+    struct Case {
+        std::string child;
+        std::string failure;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"<count>x7</count>", protocolFailure("could not parse <count> 'x7'", 1071)},
+             {"<count/>", protocolFailure("could not parse <count> ''", 1071)},
+             {"<typeMatchingCount>99999999999</typeMatchingCount>",
+              protocolFailure("could not parse <typeMatchingCount> '99999999999'", 1082)},
+             {"<type>tt</type>", protocolFailure("could not parse <font><type>tt</type>...", 72)},
+             {"<activationSuccessful>1</activationSuccessful>",
+              protocolFailure("could not parse node in <font> 'activationSuccessful'", 1111)},
+             {"<syncID>1</syncID>",
+              protocolFailure("could not parse node in <font> 'syncID'", 1111)},
+             {"<fontInfo><a/><b/></fontInfo>",
+              protocolFailure("could not parse node in <font> 'fontInfo'", 1111)},
+             {"<handled>1</handled>",
+              protocolFailure("could not parse node in <font> 'handled'", 1111)},
+         }) {
+        EXPECT_EQ(failureOf([&] { parseFontText("<font>" + each.child + "</font>"); }),
+                  each.failure);
+    }
+    for (const char* const entry : {"<e/>", "<e>text</e>", "<e><name>1</name></e>"}) {
+        EXPECT_THROW(
+            parseFontText(std::string("<font><fontInfos>") + entry + "</fontInfos></font>"),
+            Orvil::Exception)
+            << entry;
+    }
+}

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// The type keywords, and the rules on the fonts of every message.
+#include "samplefonts.h"
+
+#include <gtest/gtest.h>
+
+using namespace Protocol;
+
+namespace {
+
+const std::string noSyncID = protocolFailure("syncID must contain at least one character", 566);
+const std::string noPsName = protocolFailure("psName must contain at least one character", 572);
+const std::string wildcardType = protocolFailure("type of font must not be 'all' in Replies", 578);
+const std::string noFontInfos = protocolFailure("fontInfos must contain at least fontInfo", 584);
+
+/// One kind of message, seen as a holder of fonts.
+struct Message {
+    const char* name;
+    std::function<void(const FontList&)> construct;
+    /// Sets a first list, then a second one.
+    std::function<void(const FontList&, const FontList&)> setTwice;
+    /// What it says of a font that breaks all rules at once, and then, one after the other, when
+    /// the type, the PostScript name, the infos and the syncID have been mended.
+    std::vector<std::string> failures;
+};
+
+template <typename M, typename... Before>
+Message listMessage(const char* name, std::vector<std::string> failures, Before... before) {
+    const auto make = [=](const FontList& fonts) {
+        if constexpr (std::is_same_v<M, FontRequest>) {
+            return M(before..., fonts, "app", "class");
+        } else {
+            return M(before..., fonts);
+        }
+    };
+    return {name, [=](const FontList& fonts) { EXPECT_EQ(make(fonts).fonts, fonts); },
+            [=](const FontList& first, const FontList& second) {
+                M message = make({});
+                EXPECT_EQ(&message.setFontList(first), &message.fonts);
+                EXPECT_EQ(message.fonts, first);
+                message.setFontList(second);
+                EXPECT_EQ(message.fonts, second);
+            },
+            std::move(failures)};
+}
+
+const std::vector<Message> listMessages{
+    listMessage<FontRequest>("FontRequest", {noPsName, noPsName, noSyncID, noSyncID, ""}, true),
+    listMessage<ShowRequest>("ShowRequest", {noPsName, noPsName, noSyncID, noSyncID, ""}, true),
+    listMessage<ActivationRequest>("ActivationRequest",
+                                   {noPsName, noPsName, noSyncID, noSyncID, ""}),
+    listMessage<FontReply>("FontReply", {wildcardType, noPsName, noFontInfos, noSyncID, ""}, true),
+    listMessage<ShowReply>("ShowReply", {wildcardType, noPsName, noSyncID, noSyncID, ""}),
+    listMessage<ActivationReply>("ActivationReply", {noSyncID, noSyncID, noSyncID, noSyncID, ""}),
+};
+
+/// A font that is mended step by step: type, PostScript name, infos, syncID.
+std::vector<Font> mendedStepByStep() {
+    const Font sound = soundFont();
+    std::vector<Font> fonts{Font()};
+    fonts.push_back(fonts.back());
+    fonts.back().type = sound.type;
+    fonts.push_back(fonts.back());
+    fonts.back().psName = sound.psName;
+    fonts.push_back(fonts.back());
+    fonts.back().fontInfos = sound.fontInfos;
+    fonts.push_back(fonts.back());
+    fonts.back().syncID = sound.syncID;
+    return fonts;
+}
+
+} // namespace
+
+TEST(AFontType, HasAKeywordThatIsReadBackExactly) {
+    const std::vector<std::string> keywords{"T1", "TT", "OT_T1", "OT_TT", "all"};
+    for (int value = 0; value < 5; ++value) {
+        const auto type = static_cast<Font::Type>(value);
+        EXPECT_EQ(Font::typeToString(type), keywords[static_cast<std::size_t>(value)]);
+        EXPECT_EQ(Font::stringToType(keywords[static_cast<std::size_t>(value)]), type);
+    }
+    EXPECT_EQ(Font::typeToString(static_cast<Font::Type>(7)), "error");
+    EXPECT_EQ(Font::typeToString(static_cast<Font::Type>(-1)), "error");
+    for (const std::string text : {"ot_tt", "", "OT", "OT_TT ", "error", "All"}) {
+        EXPECT_EQ(failureOf([&] { Font::stringToType(text); }),
+                  protocolFailure("could not parse <font><type>" + text + "</type>...", 72));
+    }
+}
+
+TEST(AMessage, ChecksEachFontByItsOwnRuleInOrder) {
+    const std::vector<Font> fonts = mendedStepByStep();
+    for (const Message& message : listMessages) {
+        SCOPED_TRACE(message.name);
+        for (std::size_t step = 0; step < fonts.size(); ++step) {
+            SCOPED_TRACE(step);
+            // The font that comes second is checked as well.
+            EXPECT_EQ(failureOf([&] {
+                          message.construct({soundFont("first"), fonts[step]});
+                      }),
+                      message.failures[step]);
+        }
+    }
+}
+
+TEST(AMessage, ChecksTheOldListAndNotTheNewOneWhenItsFontsAreSet) {
+    for (const Message& message : listMessages) {
+        SCOPED_TRACE(message.name);
+        const FontList bad{Font()};
+        const FontList good{soundFont()};
+        EXPECT_EQ(failureOf([&] { message.setTwice(good, bad); }), "");
+        EXPECT_EQ(failureOf([&] { message.setTwice(bad, good); }), message.failures[0]);
+    }
+}
+
+TEST(AMessage, KeepsItsOldListWhenSettingFails) {
+    ShowRequest request(false, {});
+    request.setFontList({Font()});
+    EXPECT_THROW(request.setFontList({soundFont()}), Orvil::Exception);
+    EXPECT_EQ(request.fonts, FontList{Font()});
+}
+
+TEST(ABuyRequest, ChecksTheNewFontBeforeItTakesIt) {
+    EXPECT_EQ(failureOf([] { BuyRequest{Font()}; }), noPsName);
+    BuyRequest request(soundFont("old"));
+    EXPECT_EQ(failureOf([&] { request.setFont(Font()); }), noPsName);
+    EXPECT_EQ(request.font, soundFont("old"));
+    EXPECT_EQ(&request.setFont(soundFont("new")), &request.font);
+    EXPECT_EQ(request.font, soundFont("new"));
+}
+
+TEST(ABuyReply, TakesAnyFont) {
+    BuyReply reply{Font()};
+    EXPECT_EQ(reply.setFont(soundFont()), soundFont());
+    EXPECT_EQ(reply.setFont(Font()), Font());
+}
+
+TEST(AnIndexOfFonts, HoldsEverySyncIDOnceInByteOrder) {
+    const FontList fonts{soundFont("b"), soundFont(""), soundFont("\xc3\xa4"), soundFont("B")};
+    FontIterMap index;
+    index["left over"] = fonts.begin();
+    getIterMap(fonts, index);
+    std::vector<std::string> keys;
+    for (const auto& [key, font] : index) {
+        keys.push_back(key);
+        EXPECT_EQ(font->syncID, key);
+    }
+    EXPECT_EQ(keys, (std::vector<std::string>{"", "B", "b", "\xc3\xa4"}));
+    EXPECT_EQ(failureOf([&] {
+                  getIterMap({soundFont("a"), soundFont("b"), soundFont("a")}, index);
+              }),
+              protocolFailure("got FontList with duplicate syncID", 666));
+}

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// Scripted processes, applications and their launching.
+#include "tests/support/scriptedplatform/scriptedplatform.h"
+
+#include "platform/launchservices.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+using scripted::Platform;
+
+namespace {
+
+/// Both kinds of objects, so that one call releases either.
+struct Object {
+    explicit Object(std::string_view content) : text(content) {}
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+    virtual ~Object() = default;
+
+    std::string text;
+};
+
+} // namespace
+
+struct PLString : Object {
+    using Object::Object;
+};
+struct PLUrl : Object {
+    using Object::Object;
+};
+
+namespace {
+
+template <std::size_t Length>
+void copyPath(std::string_view path, char (&target)[Length]) {
+    const std::size_t length = std::min(path.size(), Length - 1);
+    std::memcpy(target, path.data(), length);
+    target[length] = '\0';
+}
+
+scripted::Application* findByPath(std::string_view path) {
+    for (auto& [identifier, application] : Platform::current()->applications) {
+        if (application.path == path) {
+            return &application;
+        }
+    }
+    return nullptr;
+}
+
+/// The first process at `index` or behind it that can be seen; null after the last.
+const scripted::Process* processFrom(std::uint32_t& index) {
+    const Platform* const platform = Platform::current();
+    while (platform != nullptr && index < platform->processes.size()) {
+        if (platform->processes[index].appearsAt <= platform->now) {
+            return &platform->processes[index];
+        }
+        ++index;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+CFStringRef CFStringCreateWithCString(const void* /*allocator*/, const char* text,
+                                      CFStringEncoding encoding) {
+    Platform* const platform = Platform::current();
+    if (platform == nullptr) {
+        return nullptr;
+    }
+    platform->encodings.push_back(encoding);
+    ++platform->liveObjects;
+    return new PLString(text); // owned by the caller until CFRelease
+}
+
+bool CFStringGetCString(CFStringRef text, char* buffer, long size, CFStringEncoding /*encoding*/) {
+    if (static_cast<std::size_t>(size) <= text->text.size()) {
+        return false;
+    }
+    std::memcpy(buffer, text->text.c_str(), text->text.size() + 1);
+    return true;
+}
+
+void CFShow(CFTypeRef object) {
+    Platform::current()->shown.push_back(
+        object == nullptr ? "(null)" : static_cast<const Object*>(object)->text);
+}
+
+void CFRelease(CFTypeRef object) {
+    delete static_cast<const Object*>(object);
+    if (Platform* const platform = Platform::current()) {
+        --platform->liveObjects;
+    }
+}
+
+OSStatus LSFindApplicationForInfo(OSType /*creator*/, CFStringRef bundleID, CFStringRef /*name*/,
+                                  FSRef* ref, CFURLRef* url) {
+    Platform* const platform = Platform::current();
+    platform->lookUps.push_back(bundleID->text);
+    const auto found = platform->applications.find(bundleID->text);
+    if (found == platform->applications.end()) {
+        return kLSApplicationNotFoundErr;
+    }
+    const scripted::Application& application = found->second;
+    if (application.lookUpStatus != noErr) {
+        return application.lookUpStatus;
+    }
+    copyPath(application.path, ref->path);
+    if (application.givesUrl) {
+        ++platform->liveObjects;
+        *url = new PLUrl(application.path); // owned by the caller until CFRelease
+    }
+    return noErr;
+}
+
+OSStatus FSRefMakePath(const FSRef* ref, unsigned char* path, std::uint32_t maximumSize) {
+    const std::size_t length = std::strlen(ref->path);
+    if (length == 0 || length >= maximumSize) {
+        return paramErr;
+    }
+    std::memcpy(path, ref->path, length + 1);
+    return noErr;
+}
+
+bool CFURLGetFSRef(CFURLRef url, FSRef* ref) {
+    if (url == nullptr) {
+        return false;
+    }
+    copyPath(url->text, ref->path);
+    return true;
+}
+
+OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t /*whichInfo*/, void* /*catalogInfo*/,
+                       void* /*name*/, FSSpec* specification, FSRef* /*parent*/) {
+    const scripted::Application* const application = findByPath(ref->path);
+    if (application == nullptr) {
+        return fnfErr;
+    }
+    if (application->catalogStatus == noErr) {
+        copyPath(ref->path, specification->path);
+    }
+    return application->catalogStatus;
+}
+
+OSErr GetNextProcess(ProcessSerialNumber* psn) {
+    if (psn->lowLongOfPSN == kNoProcess && Platform::current() != nullptr) {
+        ++Platform::current()->walks;
+    }
+    std::uint32_t index = psn->lowLongOfPSN; // numbers begin at 1
+    const bool isThere = processFrom(index) != nullptr;
+    psn->lowLongOfPSN = isThere ? index + 1 : std::uint32_t{kNoProcess};
+    return isThere ? OSErr{noErr} : OSErr{procNotFound};
+}
+
+OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info) {
+    if (psn->lowLongOfPSN == kNoProcess) {
+        return procNotFound;
+    }
+    std::uint32_t index = psn->lowLongOfPSN - 1;
+    const scripted::Process* const process = processFrom(index);
+    if (process == nullptr) {
+        return procNotFound;
+    }
+    info->processNumber = *psn;
+    info->processSignature = process->signature;
+    info->processID = process->id;
+    return noErr;
+}
+
+OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
+    Platform* const platform = Platform::current();
+    platform->launches.push_back(*parameters);
+    platform->launches.back().launchAppSpec = nullptr;
+    platform->launchedPaths.emplace_back(parameters->launchAppSpec->path);
+    const scripted::Application* const application = findByPath(parameters->launchAppSpec->path);
+    if (application == nullptr) {
+        return fnfErr;
+    }
+    if (application->launchStatus == noErr && application->signature != 0) {
+        constexpr std::int32_t launchedProcessID = 4711;
+        platform->processes.push_back(
+            {application->signature, launchedProcessID, platform->now + application->startUpTime});
+    }
+    return application->launchStatus;
+}
