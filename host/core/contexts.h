@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// The application contexts: for which plug-in calls are being made.
+#pragma once
+
+#include "ai/types.h"
+#include "host/core/blocks.h"
+#include "host/core/handletable.h"
+
+#include <vector>
+
+namespace host {
+
+/// Main thread. Contexts nest.
+class Contexts {
+public:
+    AIAppContextHandle push(PluginNumber plugin);
+    /// False when `context` is not the innermost one; nothing is popped then.
+    bool pop(AIAppContextHandle context) noexcept;
+    std::size_t depth() const noexcept { return stack_.size(); }
+    /// Pops down to a depth. @return how many had to be popped
+    std::size_t cutTo(std::size_t depth) noexcept;
+    /// noPlugin when there is none.
+    PluginNumber innermost() noexcept;
+
+private:
+    HandleTable<PluginNumber, AIAppContextHandle> table_;
+    std::vector<AIAppContextHandle> stack_;
+};
+
+} // namespace host

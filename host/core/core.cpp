@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+// Plug-ins, the messages that go to all of them, and what is taken back from them.
+#include "host/core/core.h"
+
+#include "host/core/coresuites.h"
+#include "host/core/text.h"
+#include "platform/timing.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view unknownCaller = "unknown plug-in";
+
+std::string nameOf(const CallSite& site) {
+    return std::string("\"") + site.suite() + "\" " + site.call();
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+    return std::accumulate(texts.begin(), texts.end(), std::string(),
+                           [](std::string sum, const std::string& text) {
+                               return sum.empty() ? text : std::move(sum) + ", " + text;
+                           });
+}
+
+} // namespace
+
+Core::Core(Frontend& frontend, CoreOptions options)
+    : frontend_(frontend), options_(std::move(options)), ledger_(frontend),
+      timers_(options_.clock ? options_.clock : TickCount) {
+    mainThread_.store(std::this_thread::get_id(), std::memory_order_relaxed);
+    CallSite::resetAll();
+    provideCoreSuites(suites_);
+}
+
+Core::~Core() {
+    shutDownAll();
+    plugins_.clear();
+}
+
+void Core::shutDownAll() noexcept {
+    for (auto plugin = plugins_.rbegin(); plugin != plugins_.rend(); ++plugin) {
+        const PluginState state = (*plugin)->state();
+        if (state != PluginState::Running && state != PluginState::Unmapped) {
+            continue;
+        }
+        try {
+            const SPErr error = (*plugin)->shutDown();
+            if (error != kNoErr) {
+                frontend_.reportError((*plugin)->name() + ": the plug-in shut down with error " +
+                                      errorText(error));
+            }
+        } catch (const std::exception& problem) {
+            frontend_.reportError(problem.what());
+        }
+    }
+}
+
+Plugin& Core::load(const std::filesystem::path& bundle) {
+    const auto number = static_cast<PluginNumber>(plugins_.size());
+    return enlist(std::make_unique<Plugin>(*this, number, Bundle::open(bundle)));
+}
+
+Plugin& Core::addBuiltIn(std::string name, SPEntryProc entry) {
+    const auto number = static_cast<PluginNumber>(plugins_.size());
+    return enlist(std::make_unique<Plugin>(*this, number, std::move(name), entry));
+}
+
+Plugin& Core::enlist(std::unique_ptr<Plugin> plugin) {
+    const std::lock_guard lock(rosterMutex_);
+    plugins_.push_back(std::move(plugin));
+    return *plugins_.back();
+}
+
+void Core::rename(Plugin& plugin, std::string name) {
+    const std::lock_guard lock(rosterMutex_);
+    plugin.setName(std::move(name));
+}
+
+Plugin* Core::plugin(SPPluginRef ref) noexcept {
+    HandleBits bits;
+    return HandleBits::unpack(ref, bits) && bits.generation == 0 && bits.index < plugins_.size()
+               ? plugins_[bits.index].get()
+               : nullptr;
+}
+
+Plugin* Core::plugin(PluginNumber number) noexcept {
+    return number < plugins_.size() ? plugins_[number].get() : nullptr;
+}
+
+SPErr Core::notify(const char* type, void* data) {
+    SPErr first = kNoErr;
+    for (const AINotifierHandle handle : notifiers_.ofType(type)) {
+        const Notifier* const notifier = notifiers_.find(handle);
+        if (notifier == nullptr) {
+            continue; // ended by an earlier one's doing
+        }
+        Plugin& target = *plugins_[notifier->plugin];
+        if (target.state() != PluginState::Running) {
+            continue;
+        }
+        AINotifierMessage message;
+        message.notifier = handle;
+        message.type = type;
+        message.notifyData = data;
+        const SPErr error = target.send("AI Notifier", "AI Notify", message);
+        if (error != kNoErr) {
+            frontend_.reportError(target.name() + ": the plug-in answered \"" + type +
+                                  "\" with error " + errorText(error));
+            first = first == kNoErr ? error : first;
+        }
+    }
+    return first;
+}
+
+std::size_t Core::runTimers() {
+    const std::vector<AITimerHandle> due = timers_.takeDue();
+    std::size_t count = 0;
+    for (const AITimerHandle handle : due) {
+        const Timer* const timer = timers_.find(handle);
+        if (timer == nullptr || !timer->active) {
+            continue;
+        }
+        Plugin& target = *plugins_[timer->plugin];
+        if (target.state() != PluginState::Running) {
+            continue;
+        }
+        AITimerMessage message;
+        message.timer = handle;
+        const std::string name = timer->name;
+        const SPErr error = target.send("AI Timer", "AI Go", message);
+        if (error != kNoErr) {
+            frontend_.reportError(target.name() + ": the plug-in answered its timer \"" + name +
+                                  "\" with error " + errorText(error));
+        }
+        ++count;
+    }
+    return count;
+}
+
+SPErr Core::sendMenu(const char* selector, AIMenuItemHandle handle) {
+    const MenuItem* const item = menus_.item(handle);
+    if (item == nullptr) {
+        return kBadParameterErr;
+    }
+    AIMenuMessage message;
+    message.menuItem = handle;
+    return plugins_[item->plugin]->send("AI Menu", selector, message);
+}
+
+Core::ServeScope::ServeScope(Core& core, Plugin* plugin) : core_(core), before_(core.caller()) {
+    core_.serving_.push_back(plugin);
+    core_.updateCaller();
+}
+
+Core::ServeScope::~ServeScope() {
+    core_.serving_.pop_back();
+    core_.caller_.store(before_, std::memory_order_relaxed);
+}
+
+bool Core::isServing(const Plugin& plugin) const noexcept {
+    return std::find(serving_.begin(), serving_.end(), &plugin) != serving_.end();
+}
+
+/// An event may wake any plug-in; with only one running there is no doubt.
+void Core::updateCaller() noexcept {
+    const Plugin* caller = serving_.back();
+    if (caller == nullptr) {
+        const auto runs = [](const auto& plugin) {
+            return plugin->state() == PluginState::Running;
+        };
+        const auto first = std::find_if(plugins_.begin(), plugins_.end(), runs);
+        if (std::count_if(plugins_.begin(), plugins_.end(), runs) == 1) {
+            caller = first->get();
+        }
+    }
+    caller_.store(caller == nullptr ? noPlugin : caller->number(), std::memory_order_relaxed);
+}
+
+void Core::callerMisbehaves(const std::string& what) noexcept {
+    const std::lock_guard lock(rosterMutex_);
+    const PluginNumber number = caller();
+    ledger_.report(number < plugins_.size() ? std::string_view(plugins_[number]->name())
+                                            : unknownCaller,
+                   what);
+}
+
+void Core::takeBackFrom(Plugin& plugin, Leaving leaving) {
+    const std::vector<std::string> held = suites_.releaseAllOf(plugin.number());
+    if (!held.empty()) {
+        ledger_.report(
+            plugin.name(),
+            std::string("did not release ") + std::to_string(held.size()) + " suite(s) at its " +
+                (leaving == Leaving::ForGood ? "shut-down: " : "unloading: ") + joined(held));
+    }
+    if (leaving == Leaving::ForAWhile) {
+        return;
+    }
+    for (const Leaver& leaver : leavers_) {
+        leaver(plugin);
+    }
+    std::size_t uses = 0;
+    uses_.forEach([&](SPAccessRef ref, const Use& use) {
+        if (use.holder == plugin.number()) {
+            use.used->dropUse();
+            uses_.remove(ref);
+            ++uses;
+        }
+    });
+    std::size_t texts = 0;
+    texts_.forEach([&](AIUnicodeStringHandle handle, const KeptText& text) {
+        if (text.holder == plugin.number()) {
+            texts_.remove(handle);
+            ++texts;
+        }
+    });
+    if (uses > 0) {
+        ledger_.report(plugin.name(), "leaked " + std::to_string(uses) + " access reference(s)");
+    }
+    if (texts > 0) {
+        ledger_.report(plugin.name(), "leaked " + std::to_string(texts) + " Unicode string(s)");
+    }
+    notifiers_.removeAllOf(plugin.number());
+    timers_.removeAllOf(plugin.number());
+    menus_.removeAllOf(plugin.number());
+}
+
+void Core::takeBackBlocksOf(Plugin& plugin) {
+    const Blocks::Sum leaked = blocks_.freeAllOf(plugin.number());
+    if (leaked.blocks > 0) {
+        ledger_.report(plugin.name(), "leaked " + std::to_string(leaked.blocks) +
+                                          " block(s) of memory, " + std::to_string(leaked.bytes) +
+                                          " bytes");
+    }
+}
+
+void Core::noteCallOffMainThread(const CallSite& site) noexcept {
+    callerMisbehaves("called " + nameOf(site) + " off the main thread");
+}
+
+void Core::noteCallOutsideMessages(const CallSite& site) noexcept {
+    const bool ended = loading_ != nullptr && loading_->state() == PluginState::Ended;
+    ledger_.report(loading_ != nullptr ? std::string_view(loading_->name()) : unknownCaller,
+                   "called " + nameOf(site) +
+                       (ended ? " after its shut-down" : " outside of any message"));
+}
+
+} // namespace host

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Whoever stands before the host and is told things: a terminal, a window, a test.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+enum class AlertKind : std::uint8_t { About, Error, Message };
+
+/// What a plug-in wants the user to read. Texts are UTF-8.
+struct Alert {
+    AlertKind kind = AlertKind::Message;
+    std::string plugin; ///< the name of the plug-in
+    std::string title;  ///< of an about box, else empty
+    std::string text;
+};
+
+/// Implementations must not throw. Misbehaviour is told apart from errors: the host has mended it
+/// and goes on, and only the plug-in's author can do something about it.
+class Frontend {
+public:
+    virtual ~Frontend() = default;
+
+    /// Main thread. Returns when the user has seen it.
+    virtual void showAlert(const Alert& alert) = 0;
+    /// Main thread. @param text one line, naming file or plug-in
+    virtual void reportError(std::string_view text) = 0;
+    /// Any thread, one call at a time; only the first of equal ones.
+    virtual void reportMisbehaviour(std::string_view plugin, std::string_view what) = 0;
+};
+
+} // namespace host

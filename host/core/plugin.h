@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// One plug-in from its start-up to its shut-down: its code, its state, and the messages to it.
+#pragma once
+
+#include "host/core/blocks.h"
+#include "host/core/bundle.h"
+#include "host/core/stringlists.h"
+#include "sp/messages.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace host {
+
+class Core;
+
+enum class PluginState : std::uint8_t {
+    Mapped,   ///< in memory, not started
+    Running,  ///< takes messages
+    Unmapped, ///< started, its code not in memory; it keeps its value and its registrations
+    Ended     ///< shut down, or failed to start
+};
+
+/// Main thread; lives as long as its Core.
+class Plugin {
+public:
+    /// Maps the bundle's code. @throws PluginError
+    Plugin(Core& core, PluginNumber number, const Bundle& bundle);
+    /// A plug-in within the program. @param entry not null
+    Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry);
+    Plugin(const Plugin&) = delete;
+    Plugin& operator=(const Plugin&) = delete;
+    /// Takes the code out of memory, without a message.
+    ~Plugin();
+
+    PluginNumber number() const noexcept { return number_; }
+    SPPluginRef ref() const noexcept;
+    PluginState state() const noexcept { return state_; }
+    /// As it named itself, else as its bundle is called.
+    const std::string& name() const noexcept { return name_; }
+    /// Through Core::rename, which keeps other threads out.
+    void setName(std::string name) { name_ = std::move(name); }
+    void* globals() const noexcept { return globals_; }
+    StringLists& strings() noexcept { return strings_; }
+
+    /// "SP Interface"/"Startup". @throws PluginError: it failed; it has ended then
+    void startUp();
+    /// "SP Interface"/"Shutdown"; takes back what it forgot, its registrations and its code.
+    /// @return the plug-in's answer
+    SPErr shutDown();
+
+    /// "SP Access"/"Unload", then its code is taken out of memory. @return false, with an error
+    /// reported, when it is being used, does not run or refuses
+    bool unload();
+    /// Maps the code afresh, then "SP Access"/"Reload". @return the plug-in's answer
+    /// @throws PluginError: it cannot be mapped; it stays unmapped
+    SPErr reload();
+
+    /// Sends one message. @param message a record of the kind that goes with caller and selector;
+    /// its first member is filled in here. @return the plug-in's answer; what it throws is noted as
+    /// misbehaviour and answered by a thrown number itself, or by kUnhandledMsgErr
+    template <typename Message>
+    SPErr send(const char* caller, const char* selector, Message& message) {
+        return deliver(caller, selector, message.d, &message);
+    }
+
+    /// While a use is counted, the code is not unloaded.
+    void addUse() noexcept { ++uses_; }
+    void dropUse() noexcept { --uses_; }
+
+private:
+    SPErr deliver(const char* caller, const char* selector, SPMessageData& data, void* message);
+    SPErr callEntry(const char* caller, const char* selector, void* message);
+    void unmap();
+    void misbehaves(const std::string& what);
+
+    Core& core_;
+    PluginNumber number_;
+    std::string name_;
+    std::optional<Bundle> bundle_;
+    std::optional<Module> module_;
+    SPEntryProc entry_ = nullptr;
+    PluginState state_ = PluginState::Mapped;
+    void* globals_ = nullptr;
+    StringLists strings_;
+    std::uint32_t uses_ = 0;
+};
+
+} // namespace host

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// Putting the parts of the host together.
+#include "host/suites/application.h"
+
+#include "host/suites/artsuites.h"
+
+#include <utility>
+
+namespace host {
+
+Application::Application(Frontend& frontend, ApplicationOptions options)
+    : svg_(options.svg), fonts_(std::move(options.fonts)),
+      core_(frontend, std::move(options.core)) {
+    provideArtSuites(core_.suites());
+    provideFontSuite(core_.suites());
+    provideTextSuites(core_.suites());
+}
+
+Plugin& Application::loadPlugin(const std::filesystem::path& bundle) {
+    Plugin& plugin = core_.load(bundle);
+    plugin.startUp();
+    return plugin;
+}
+
+OpenDocument& Application::openDocument(const std::filesystem::path& file) {
+    return documents_.add(file, readSvg(file, svg_));
+}
+
+bool Application::refreshFonts() {
+    const bool changed = fonts_.refresh();
+    if (changed) {
+        documents_.forgetFonts();
+    }
+    return changed;
+}
+
+void Application::shutDownPlugins() {
+    core_.shutDownAll();
+}
+
+} // namespace host

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// The host as a whole, without a window: plug-ins, documents and fonts together. Whatever shows it
+// to somebody stands before it as its Frontend.
+#pragma once
+
+#include "host/core/core.h"
+#include "host/documents/svgreader.h"
+#include "host/suites/fontlist.h"
+#include "host/suites/opendocuments.h"
+#include "host/suites/textengine.h"
+
+#include <filesystem>
+
+namespace host {
+
+struct ApplicationOptions {
+    CoreOptions core;
+    SvgOptions svg;
+    Catalogue::Lister fonts = listInstalledFaces;
+};
+
+/// One at a time in a process; main thread.
+class Application {
+public:
+    /// @param frontend outlives the application
+    explicit Application(Frontend& frontend, ApplicationOptions options = {});
+
+    Core& core() noexcept { return core_; }
+    FontList& fonts() noexcept { return fonts_; }
+    OpenDocuments& documents() noexcept { return documents_; }
+    TextEngine& textEngine() noexcept { return textEngine_; }
+
+    /// Loads a plug-in and starts it up. @throws PluginError
+    Plugin& loadPlugin(const std::filesystem::path& bundle);
+    /// Tells all plug-ins that the application has started: their post-start-up.
+    SPErr announceStart() { return core_.notify(kAIApplicationStartedNotifier); }
+
+    /// Reads a drawing and makes it the current document. @throws DocumentError
+    OpenDocument& openDocument(const std::filesystem::path& file);
+    /// Tells all plug-ins that the current document was opened.
+    SPErr announceOpened() { return core_.notify(kAIDocumentOpenedNotifier); }
+    bool closeDocument(DocumentSerial serial) noexcept { return documents_.close(serial); }
+
+    /// Notices fonts that came or went. @return whether any did
+    bool refreshFonts();
+
+    /// Shuts all running plug-ins down, the last one first.
+    void shutDownPlugins();
+
+private:
+    SvgOptions svg_;
+    FontList fonts_;
+    OpenDocuments documents_{fonts_};
+    Core core_;
+    TextEngine textEngine_{core_, documents_};
+    Published<OpenDocuments> publishedDocuments_{documents_};
+    Published<TextEngine> publishedEngine_{textEngine_};
+    /// Shuts plug-ins down while everything that they call still lives.
+    struct ShutDownFirst {
+        Application& application;
+        ~ShutDownFirst() { application.shutDownPlugins(); }
+    } shutDownFirst_{*this};
+};
+
+} // namespace host

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// What became of a document's faces: their states before plug-ins saw it, and after.
+#pragma once
+
+#include "host/suites/opendocuments.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class FaceState : std::uint8_t {
+    Installed,
+    Generic,  ///< something always stands in for it
+    Embedded, ///< the document brings it along
+    Missing,
+    ActivatedNow, ///< was missing
+    Replaced      ///< no run has it any more
+};
+
+/// In the words of reports: "installed", "activated now", ...
+const char* textOf(FaceState state) noexcept;
+
+struct FaceOutcome {
+    std::string family; ///< as the document names it
+    std::string style;
+    std::string postScriptName;
+    std::size_t runs = 0;            ///< with visible characters, at first
+    std::size_t runsNow = 0;         ///< and afterwards
+    std::optional<FaceState> before; ///< nothing for a face that came by replacement
+    FaceState after = FaceState::Missing;
+};
+
+/// Taken when a document was opened. Main thread.
+class FaceSurvey {
+public:
+    FaceSurvey(OpenDocument& document, FontList& fonts);
+
+    /// The faces in order of first appearance, then those that came by replacement.
+    /// @param document the same one
+    std::vector<FaceOutcome> compareWith(OpenDocument& document, FontList& fonts) const;
+    /// The same for a document that is not open any more, with its states of then.
+    std::vector<FaceOutcome> asTaken() const;
+
+private:
+    struct Row {
+        FaceOutcome outcome;
+        FontKey font = noFont;
+        FaceId face = 0; ///< the first of that font
+    };
+    static std::vector<Row> take(OpenDocument& document, FontList& fonts);
+
+    std::vector<Row> rows_;
+};
+
+} // namespace host

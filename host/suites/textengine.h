@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// The text engine's objects: frames, ranges, iterators, inspectors, font arrays, fonts, features.
+// All are small records in one pool; a reference is a handle that is looked up and checked.
+#pragma once
+
+#include "ate/types.h"
+#include "host/core/core.h"
+#include "host/suites/opendocuments.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class TextKind : std::uint8_t {
+    Frame,
+    Range,
+    RunsIterator,
+    CharInspector,
+    CharFeatures,
+    FontArray,
+    Font
+};
+inline constexpr std::size_t textKindCount = 7;
+
+struct TextObject {
+    TextKind kind = TextKind::Font;
+    std::uint32_t count = 1; ///< references
+    PluginNumber owner = noPlugin;
+    DocumentSerial document = noDocument; ///< whose runs are meant; noDocument for fonts, features
+    RunId first = 0;                      ///< frames, ranges, inspectors, iterators: the runs
+    RunId end = 0;                        ///< one past the last
+    FontKey font = noFont;                ///< fonts, features, arrays of one font
+    std::vector<FontKey> furtherFonts{};  ///< of an array, from the second on
+};
+
+/// The kind that each reference type names.
+template <typename Ref>
+struct TextKindOf;
+template <>
+struct TextKindOf<ATE::TextFrameRef> {
+    static constexpr TextKind kind = TextKind::Frame;
+};
+template <>
+struct TextKindOf<ATE::TextRangeRef> {
+    static constexpr TextKind kind = TextKind::Range;
+};
+template <>
+struct TextKindOf<ATE::TextRunsIteratorRef> {
+    static constexpr TextKind kind = TextKind::RunsIterator;
+};
+template <>
+struct TextKindOf<ATE::CharInspectorRef> {
+    static constexpr TextKind kind = TextKind::CharInspector;
+};
+template <>
+struct TextKindOf<ATE::CharFeaturesRef> {
+    static constexpr TextKind kind = TextKind::CharFeatures;
+};
+template <>
+struct TextKindOf<ATE::ArrayFontRefRef> {
+    static constexpr TextKind kind = TextKind::FontArray;
+};
+template <>
+struct TextKindOf<ATE::FontRef> {
+    static constexpr TextKind kind = TextKind::Font;
+};
+
+/// Main thread. Misuse of references is noted in the core's ledger.
+class TextEngine {
+public:
+    TextEngine(Core& core, OpenDocuments& documents);
+
+    OpenDocuments& documents() noexcept { return documents_; }
+    Core& core() noexcept { return core_; }
+
+    /// Makes an object with one reference, the calling plug-in's.
+    template <typename Ref>
+    Ref make(TextObject object) {
+        object.kind = TextKindOf<Ref>::kind;
+        object.owner = core_.caller();
+        return reinterpret_cast<Ref>(objects_.add(std::move(object)));
+    }
+
+    /// nullptr, and noted, for a reference that is dead, of another kind, or of a closed document.
+    template <typename Ref>
+    TextObject* use(Ref ref) {
+        const auto handle = reinterpret_cast<Handle>(ref);
+        TextObject* const object = objects_.find(handle);
+        const bool usable =
+            object != nullptr && object->kind == TextKindOf<Ref>::kind &&
+            (object->document == noDocument || documents_.find(object->document) != nullptr);
+        return usable ? object : refuse(handle, TextKindOf<Ref>::kind, "used");
+    }
+
+    /// False, and noted, as above; references of closed documents can be counted and released.
+    template <typename Ref>
+    bool addRef(Ref ref) {
+        TextObject* const object =
+            counted(reinterpret_cast<Handle>(ref), TextKindOf<Ref>::kind, "added a reference to");
+        if (object == nullptr) {
+            return false;
+        }
+        ++object->count;
+        return true;
+    }
+    template <typename Ref>
+    bool release(Ref ref) {
+        const auto handle = reinterpret_cast<Handle>(ref);
+        TextObject* const object = counted(handle, TextKindOf<Ref>::kind, "released");
+        if (object == nullptr) {
+            return false;
+        }
+        if (--object->count == 0) {
+            objects_.remove(handle);
+        }
+        return true;
+    }
+
+    std::size_t liveObjects() const noexcept { return objects_.size(); }
+
+private:
+    using Handle = struct AnyTextObject*;
+
+    TextObject* counted(Handle handle, TextKind kind, const char* action) {
+        TextObject* const object = objects_.find(handle);
+        return object != nullptr && object->kind == kind ? object : refuse(handle, kind, action);
+    }
+    /// Notes what is wrong with a reference. @return nullptr
+    TextObject* refuse(Handle handle, TextKind kind, const char* action);
+    void takeBackFrom(Plugin& plugin);
+
+    Core& core_;
+    OpenDocuments& documents_;
+    HandleTable<TextObject, Handle> objects_;
+};
+
+/// The tables of the text engine's suites.
+void provideTextSuites(SuiteRegistry& suites);
+void provideTextFontSuites(SuiteRegistry& suites);
+
+} // namespace host
