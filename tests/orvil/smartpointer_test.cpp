@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -53,8 +54,8 @@ TEST(ASharedObject, IsDeletedWithItsLastHolder) {
 TEST(ASharedObject, StaysWhenItsCountGoesBelowZero) {
     std::string log;
     {
-        const Shared object(log);
-        object.decRef();
+        const auto object = std::make_unique<Shared>(log);
+        object->decRef();
         EXPECT_EQ(log, "");
     }
     EXPECT_EQ(log, "x");

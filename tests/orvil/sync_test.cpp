@@ -63,6 +63,9 @@ TEST(AMutex, NamesItsErrors) {
 }
 
 TEST(AMutex, FailsToUnlockWhatAnotherThreadHolds) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer reports the wrong use that is tried here";
+#endif
     Mutex mutex(true);
     mutex.lock();
     mutex.lock();

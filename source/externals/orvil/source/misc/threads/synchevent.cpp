@@ -76,21 +76,23 @@ SynchEvent::SynchEvent(bool autoReset) : autoReset_(autoReset) {
 }
 
 SynchEvent::~SynchEvent() noexcept(false) {
-    {
-        const CancellationBlock block;
-        signal();
-        {
-            const Locked locked(mutex_);
-            dying_ = true;
-            pthread_cond_broadcast(&condition_);
-            while (visitors_ > 0) {
-                pthread_cond_wait(&condition_, &mutex_);
-            }
-        }
-        pthread_mutex_destroy(&mutex_);
-        pthread_cond_destroy(&condition_);
-    }
+    endUncancelled();
     pthread_testcancel();
+}
+
+void SynchEvent::endUncancelled() {
+    const CancellationBlock block;
+    signal();
+    {
+        const Locked locked(mutex_);
+        dying_ = true;
+        pthread_cond_broadcast(&condition_);
+        while (visitors_ > 0) {
+            pthread_cond_wait(&condition_, &mutex_);
+        }
+    }
+    pthread_mutex_destroy(&mutex_);
+    pthread_cond_destroy(&condition_);
 }
 
 void SynchEvent::signal() {

@@ -32,6 +32,7 @@ public:
 private:
     class Visit;
 
+    void endUncancelled();
     bool waitUncancelled(unsigned milliseconds) const;
 
     bool autoReset_;
