@@ -178,14 +178,18 @@ bool EventInbox::takeEvent(GDBusConnection* connection, GDBusMessage* message) {
         atOurPath && g_strcmp0(interface, "org.freedesktop.DBus.Properties") == 0;
     const bool isEvent =
         g_strcmp0(interface, kEventInterface) == 0 || (atOurPath && interface == nullptr);
-    const auto name = isEvent || isProperties ? nameOn(connection) : std::nullopt;
+    if (!isEvent && !isProperties) {
+        return false; // GDBus answers what every process answers
+    }
+    PendingAnswer answer(connection, message);
+    const auto name = nameOn(connection);
     if (!name) {
-        return false; // GDBus answers that there is no such object
+        answer.refuse(kErrorEnded, "this process is not registered as an application");
+        return true;
     }
 
     const char* member = g_dbus_message_get_member(message);
     GVariant* body = g_dbus_message_get_body(message);
-    PendingAnswer answer(connection, message);
     if (isProperties) {
         const char* owner = nullptr;
         const char* property = nullptr;

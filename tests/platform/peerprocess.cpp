@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Starting and driving the second process of a test.
+#include "tests/platform/peerprocess.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <stdexcept>
+#include <utility>
+
+namespace platformtest {
+
+PeerProcess::PeerProcess(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), PLATFORM_TEST_PEER);
+    std::vector<char*> words;
+    for (std::string& argument : arguments) {
+        words.push_back(argument.data());
+    }
+    words.push_back(nullptr);
+
+    std::array<std::array<int, 2>, 3> pipes{};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (int standard = 0; standard < 3; ++standard) {
+        auto& pipe = pipes.at(static_cast<std::size_t>(standard));
+        if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
+            throw std::runtime_error("no pipe for the second process");
+        }
+        posix_spawn_file_actions_adddup2(&actions, pipe[standard == 0 ? 0 : 1], standard);
+    }
+    const int failure =
+        posix_spawn(&child_, words.front(), &actions, nullptr, words.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(pipes[0][0]);
+    close(pipes[1][1]);
+    close(pipes[2][1]);
+    input_ = pipes[0][1];
+    output_ = pipes[1][0];
+    errors_ = pipes[2][0];
+    if (failure != 0) {
+        throw std::runtime_error("the second process could not be started");
+    }
+}
+
+PeerProcess::~PeerProcess() {
+    kill();
+    for (const int descriptor : {input_, output_, errors_}) {
+        close(descriptor);
+    }
+}
+
+std::string PeerProcess::readLine(int pipe) {
+    std::string line;
+    char character = 0;
+    while (read(pipe, &character, 1) == 1 && character != '\n') {
+        line += character;
+    }
+    return line;
+}
+
+void PeerProcess::prompt() {
+    if (write(input_, "\n", 1) != 1) {
+        throw std::runtime_error("the second process does not listen");
+    }
+}
+
+void PeerProcess::kill() {
+    if (child_ > 0) {
+        ::kill(child_, SIGKILL);
+        wait();
+    }
+}
+
+int PeerProcess::wait() {
+    close(std::exchange(input_, -1));
+    int status = 0;
+    while (waitpid(child_, &status, 0) < 0 && errno == EINTR) {
+    }
+    child_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+} // namespace platformtest

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// A second process for a test: started, talked to by lines, killed and awaited.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace platformtest {
+
+/// Runs the program platform_test_peer; kills and reaps it at the end.
+class PeerProcess {
+public:
+    explicit PeerProcess(std::vector<std::string> arguments);
+    ~PeerProcess();
+    PeerProcess(const PeerProcess&) = delete;
+    PeerProcess& operator=(const PeerProcess&) = delete;
+
+    pid_t processID() const { return child_; }
+    /// The next line of its standard output, waiting for it; empty at the end.
+    std::string readLine() { return readLine(output_); }
+    std::string readErrorLine() { return readLine(errors_); }
+    /// Sends a line to its standard input.
+    void prompt();
+    /// Kills it and waits until it is gone.
+    void kill();
+    /// Closes its standard input and waits for its end; the exit status, or -1 after a signal.
+    int wait();
+
+private:
+    static std::string readLine(int pipe);
+
+    pid_t child_ = -1;
+    int input_ = -1;
+    int output_ = -1;
+    int errors_ = -1;
+};
+
+} // namespace platformtest

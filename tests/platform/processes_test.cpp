@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// The walk over the running applications.
+#include "platform/processes.h"
+
+#include "platform/linux/busnames.h"
+#include "tests/platform/events.h"
+#include "tests/platform/peerprocess.h"
+#include "tests/support/privatebus/privatebus.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <map>
+#include <vector>
+
+namespace {
+
+using platformtest::PeerProcess;
+using testing::ElementsAre;
+using testing::Pair;
+
+class AWalkOverTheProcesses : public testing::Test {
+protected:
+    void TearDown() override { PLUnregisterApplication(); }
+    static std::map<std::int32_t, ProcessInfoRec> walk() {
+        std::map<std::int32_t, ProcessInfoRec> found;
+        ProcessSerialNumber psn;
+        while (GetNextProcess(&psn) == noErr) {
+            ProcessInfoRec info;
+            EXPECT_EQ(GetProcessInformation(&psn, &info), noErr);
+            found.emplace(info.processID, info);
+        }
+        EXPECT_EQ(psn.lowLongOfPSN, kNoProcess);
+        return found;
+    }
+    testsupport::PrivateBus bus;
+};
+
+TEST_F(AWalkOverTheProcesses, MeetsEveryApplicationOnce) {
+    EXPECT_TRUE(walk().empty());
+    ASSERT_EQ(PLRegisterApplication(FourCharCode("SELF"), kPLManyInstances, "Self"), noErr);
+    PeerProcess one({"serve-one", "QGLY"});
+    PeerProcess many({"serve-many", "3D _"});
+    ASSERT_EQ(one.readLine(), "0");
+    ASSERT_EQ(many.readLine(), "0");
+    const auto found = walk();
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_EQ(found.at(getpid()).processSignature, FourCharCode("SELF"));
+    EXPECT_EQ(found.at(one.processID()).processSignature, FourCharCode("QGLY"));
+    EXPECT_EQ(found.at(many.processID()).processSignature, FourCharCode("3D _"));
+    many.kill();
+    PLUnregisterApplication();
+    EXPECT_EQ(walk().size(), 1U);
+}
+
+TEST_F(AWalkOverTheProcesses, PassesOverLiarsAndTheDead) {
+    platformtest::RawConnection liar(bus.address());
+    liar.ownName(platform::busNameOf({FourCharCode("LIAR"), 1}));
+    PeerProcess first({"serve-many", "PEER"});
+    PeerProcess second({"serve-many", "PEER"});
+    ASSERT_EQ(first.readLine(), "0");
+    ASSERT_EQ(second.readLine(), "0");
+    ProcessSerialNumber psn;
+    ASSERT_EQ(GetNextProcess(&psn), noErr);
+    ProcessInfoRec info;
+    ASSERT_EQ(GetProcessInformation(&psn, &info), noErr);
+    EXPECT_EQ(info.processSignature, FourCharCode("PEER"));
+    first.kill();
+    second.kill();
+    EXPECT_EQ(GetProcessInformation(&psn, &info), procNotFound) << "it has ended";
+    EXPECT_EQ(GetNextProcess(&psn), procNotFound) << "it was listed, and has ended";
+    EXPECT_EQ(psn.lowLongOfPSN, kNoProcess);
+}
+
+TEST_F(AWalkOverTheProcesses, TellsTheNameGivenAtTheRegistration) {
+    std::string longName;
+    for (int i = 0; i < 100; ++i) {
+        longName += "\xE2\x82\xAC"; // three bytes each: 255 of them fit
+    }
+    PeerProcess named({"serve-many", "PEER", longName});
+    PeerProcess nameless({"serve-many", "PEER"});
+    ASSERT_EQ(named.readLine(), "0");
+    ASSERT_EQ(nameless.readLine(), "0");
+    ASSERT_EQ(PLRegisterApplication(FourCharCode("SELF"), kPLOneInstance, "Selbst \xC3\xBC"),
+              noErr);
+    std::map<std::int32_t, std::string> names;
+    ProcessSerialNumber psn;
+    while (GetNextProcess(&psn) == noErr) {
+        char buffer[256];
+        ProcessInfoRec info;
+        info.processName = buffer;
+        ASSERT_EQ(GetProcessInformation(&psn, &info), noErr);
+        names[info.processID] = buffer;
+    }
+    EXPECT_EQ(names[named.processID()], longName.substr(0, 255));
+    EXPECT_EQ(names[nameless.processID()], "platform_test_p") << "as the kernel cuts it";
+    EXPECT_EQ(names[getpid()], "Selbst \xC3\xBC");
+}
+
+TEST_F(AWalkOverTheProcesses, ChecksItsArguments) {
+    ProcessSerialNumber psn;
+    ProcessInfoRec info;
+    EXPECT_EQ(GetNextProcess(nullptr), paramErr);
+    EXPECT_EQ(GetProcessInformation(&psn, nullptr), paramErr);
+    EXPECT_EQ(GetProcessInformation(&psn, &info), procNotFound);
+    info.processInfoLength = 7;
+    EXPECT_EQ(GetProcessInformation(&psn, &info), paramErr);
+    bus.stop();
+    psn = {1, 2};
+    EXPECT_EQ(GetNextProcess(&psn), procNotFound);
+    EXPECT_EQ(psn.lowLongOfPSN, kNoProcess);
+}
+
+} // namespace

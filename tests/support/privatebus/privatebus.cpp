@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Starting and ending the bus daemon of a test.
+#include "tests/support/privatebus/privatebus.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace testsupport {
+
+namespace {
+
+constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
+
+/// Between fork and exec: nothing but async-signal-safe calls.
+[[noreturn]] void becomeDaemon(pid_t parent, int addressPipe, const char* addressOption) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() == parent) {
+        dup2(addressPipe, STDOUT_FILENO);
+        execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
+               "--print-address=1", addressOption, static_cast<char*>(nullptr));
+    }
+    _exit(127);
+}
+
+std::string readLine(int pipe) {
+    std::string line;
+    char character = 0;
+    while (read(pipe, &character, 1) == 1 && character != '\n') {
+        line += character;
+    }
+    return line;
+}
+
+} // namespace
+
+PrivateBus::PrivateBus(const std::string& listenAddress) {
+    if (const char* previous = std::getenv(kVariable)) {
+        previousAddress_ = previous;
+    }
+    std::array<int, 2> pipe{};
+    if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe for the bus daemon");
+    }
+    const std::string address = "--address=" + listenAddress;
+    const char* addressOption = listenAddress.empty() ? nullptr : address.c_str();
+    const pid_t parent = getpid();
+    daemon_ = fork();
+    if (daemon_ == 0) {
+        becomeDaemon(parent, pipe[1], addressOption);
+    }
+    close(pipe[1]);
+    address_ = daemon_ > 0 ? readLine(pipe[0]) : "";
+    close(pipe[0]);
+    if (address_.empty()) {
+        stop();
+        throw std::runtime_error("dbus-daemon could not be started");
+    }
+    setenv(kVariable, address_.c_str(), 1);
+}
+
+PrivateBus::~PrivateBus() {
+    stop();
+    if (previousAddress_) {
+        setenv(kVariable, previousAddress_->c_str(), 1);
+    } else {
+        unsetenv(kVariable);
+    }
+}
+
+void PrivateBus::stop() {
+    if (daemon_ <= 0) {
+        return;
+    }
+    kill(daemon_, SIGKILL);
+    while (waitpid(daemon_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    daemon_ = -1;
+}
+
+} // namespace testsupport
