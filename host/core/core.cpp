@@ -7,7 +7,6 @@
 #include "platform/timing.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 namespace host {
@@ -20,11 +19,16 @@ std::string nameOf(const CallSite& site) {
     return std::string("\"") + site.suite() + "\" " + site.call();
 }
 
+/// The first few; a plug-in that forgets everything would fill a screen.
 std::string joined(const std::vector<std::string>& texts) {
-    return std::accumulate(texts.begin(), texts.end(), std::string(),
-                           [](std::string sum, const std::string& text) {
-                               return sum.empty() ? text : std::move(sum) + ", " + text;
-                           });
+    constexpr std::size_t shown = 5;
+    std::string result;
+    for (std::size_t i = 0; i < std::min(texts.size(), shown); ++i) {
+        result += (i == 0 ? "" : ", ") + texts[i];
+    }
+    return texts.size() <= shown
+               ? result
+               : result + " and " + std::to_string(texts.size() - shown) + " more";
 }
 
 } // namespace

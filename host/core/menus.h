@@ -2,7 +2,7 @@
 // Menu groups and items, without anything that shows them.
 #pragma once
 
-#include "ai/types.h"
+#include "ai/suites.h"
 #include "host/core/blocks.h"
 #include "host/core/handletable.h"
 
@@ -31,7 +31,7 @@ struct MenuGroup {
 class Menus {
 public:
     /// The group in which plug-ins put what tells about them.
-    static constexpr std::string_view aboutGroup = "About Plug-ins";
+    static constexpr std::string_view aboutGroup = kAIAboutPluginsMenuGroup;
     static constexpr std::string_view helpGroup = "Help";
 
     Menus();

@@ -40,9 +40,12 @@ void Plugin::startUp() {
     if (error == kNoErr) {
         return;
     }
-    core_.takeBackFrom(*this, Core::Leaving::ForGood);
-    state_ = PluginState::Ended;
-    unmap();
+    if (globals_ != nullptr) {
+        // It was interrupted by what it threw: give it the chance to put away what it has made.
+        SPInterfaceMessage end;
+        send("SP Interface", "Shutdown", end);
+    }
+    leave();
     throw PluginError(name_ + ": the plug-in failed to start with error " + errorText(error));
 }
 
@@ -55,11 +58,15 @@ SPErr Plugin::shutDown() {
     }
     SPInterfaceMessage message;
     const SPErr error = send("SP Interface", "Shutdown", message);
+    leave();
+    return error;
+}
+
+void Plugin::leave() {
     core_.takeBackFrom(*this, Core::Leaving::ForGood);
     state_ = PluginState::Ended;
     unmap();
     core_.takeBackBlocksOf(*this); // the module's static destructors may have freed some
-    return error;
 }
 
 bool Plugin::unload() {

@@ -72,6 +72,8 @@ public:
 private:
     SPErr deliver(const char* caller, const char* selector, SPMessageData& data, void* message);
     SPErr callEntry(const char* caller, const char* selector, void* message);
+    /// Ends it: its code goes, and what it forgot is taken back.
+    void leave();
     void unmap();
     void misbehaves(const std::string& what);
 

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// What the program's exit status tells. Where several apply, the greatest below 64 is told.
+#pragma once
+
+namespace host {
+
+enum ExitStatus : int {
+    exitSuccess = 0,
+    exitFontsMissing = 1,   ///< only with --fail-on-missing
+    exitDocumentFailed = 2, ///< a document could not be opened or saved
+    exitPluginFailed = 3,   ///< the plug-in could not be loaded, or failed at start-up
+    exitUsage = 64,         ///< the command line is wrong
+    exitOutputFailed = 74,  ///< the report could not be written
+};
+
+} // namespace host

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// glyphora-host: opens drawings in a host without windows.
+#include "host/cli/exitstatus.h"
+#include "host/cli/options.h"
+#include "host/cli/session.h"
+#include "host/cli/standardoutput.h"
+
+#include <exception>
+#include <iostream>
+#include <optional>
+
+namespace {
+
+int run(const host::Options& options, host::Session::Clock::time_point start) {
+    const bool json = options.report == host::ReportFormat::Json;
+    // A reader of JSON must not stumble over what plug-ins print.
+    std::optional<host::ReservedOutput> reserved;
+    if (json) {
+        reserved.emplace();
+    }
+    host::ConsoleFrontend frontend(std::cerr);
+    host::Session session(options, frontend, start);
+    const host::RunReport report = session.run([&](const host::DocumentReport& document) {
+        if (!json && !options.quiet) {
+            std::cout << host::textOfDocument(document) << std::flush;
+        }
+    });
+    if (options.selfTest && !options.quiet) {
+        std::cout << host::textOfSelfTest(report);
+    }
+    if (options.verbose) {
+        std::cerr << host::textOfCalls(report);
+    }
+    const bool written = json ? reserved->write(host::jsonOf(report)) : bool(std::cout.flush());
+    if (!written) {
+        std::cerr << "error: the report could not be written\n";
+        return host::exitOutputFailed;
+    }
+    return report.exitStatus(options.failOnMissing);
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    const auto start = host::Session::Clock::now();
+    try {
+        int exitStatus = host::exitSuccess;
+        const auto options =
+            host::readOptions(argumentCount, arguments, std::cout, std::cerr, exitStatus);
+        return options ? run(*options, start) : exitStatus;
+    } catch (const host::UsageError& problem) {
+        std::cerr << "error: " << problem.what() << '\n';
+        return host::exitUsage;
+    } catch (const std::exception& problem) {
+        std::cerr << "error: " << problem.what() << '\n';
+        return host::exitOutputFailed;
+    }
+}

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// Reading the command line.
+#include "host/cli/options.h"
+
+#include "host/cli/exitstatus.h"
+#include "host/cli/locale.h"
+#include "host/cli/sabotage.h"
+
+#include <CLI/CLI.hpp>
+
+namespace host {
+
+namespace {
+
+void declareShared(CLI::App& app, Options& options) {
+    app.add_option("--plugin", options.plugin,
+                   "The plug-in to load, a folder NAME.aip (else $GLYPHORA_PLUGIN, else beside "
+                   "the program)")
+        ->type_name("BUNDLE");
+    app.add_option("--locale", options.locale,
+                   "Language and country that the plug-in is told, such as de_DE (else from the "
+                   "environment)")
+        ->type_name("CODE");
+    app.add_flag("-q,--quiet", options.quiet, "Print only what went wrong");
+    app.add_flag("-v,--verbose", options.verbose, "Print also which suite calls were made")
+        ->excludes("--quiet");
+    app.add_option("--misbehave", options.misbehave,
+                   "Fail on purpose, to try a plug-in out: missing-suite=NAME:VERSION or "
+                   "failing-call=[SUITE/]CALL[:ERROR[:FROM]]")
+        ->type_name("FAULT")
+        ->check([](const std::string& text) { return checkSabotage(text); });
+}
+
+void declareOpen(CLI::App& app, Options& options) {
+    app.add_option("FILE", options.files, "Drawings: SVG, plain or gzipped")->required();
+    app.add_flag("--no-plugin", options.noPlugin, "Load no plug-in, only list the fonts");
+    app.add_option_function<std::string>(
+           "--report",
+           [&options](const std::string& format) {
+               options.report = format == "json" ? ReportFormat::Json : ReportFormat::Text;
+           },
+           "Form of the report")
+        ->check(CLI::IsMember({"text", "json"}));
+    app.add_option("--save", options.save, "Write the drawing here, with its replaced fonts")
+        ->type_name("FILE");
+    app.add_flag("--reload", options.reload,
+                 "Unload the plug-in and load it again between drawings");
+    app.add_flag("--keep-groups", options.keepGroups,
+                 "Show groups to the plug-in as they stand (it looks at the topmost only)");
+    app.add_flag("--fail-on-missing", options.failOnMissing,
+                 "Exit with 1 when a drawing still misses fonts");
+}
+
+} // namespace
+
+std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
+                                   std::ostream& output, std::ostream& errors, int& exitStatus) {
+    Options options;
+    options.locale = localeOfEnvironment();
+    CLI::App app{"Opens drawings, with a plug-in that activates the fonts they miss."};
+    app.name("glyphora-host");
+    app.set_version_flag("--version", "glyphora-host 1.0.0");
+    app.add_flag("--self-test", options.selfTest, "Load everything and quit");
+    declareShared(app, options);
+    CLI::App* const open = app.add_subcommand("open", "Open drawings and tell of their fonts");
+    declareOpen(*open, options);
+    declareShared(*open, options);
+    try {
+        app.parse(argumentCount, arguments);
+        if (!options.selfTest && !open->parsed()) {
+            throw CLI::RequiredError("open FILE... or --self-test");
+        }
+        if (options.selfTest && open->parsed()) {
+            throw CLI::ExcludesError("--self-test", "open");
+        }
+        if (options.save && options.files.size() != 1) {
+            throw CLI::ValidationError("--save", "works with one drawing only");
+        }
+        if (options.noPlugin && options.plugin) {
+            throw CLI::ExcludesError("--no-plugin", "--plugin");
+        }
+    } catch (const CLI::ParseError& problem) {
+        exitStatus = app.exit(problem, output, errors) == 0 ? exitSuccess : exitUsage;
+        return std::nullopt;
+    }
+    return options;
+}
+
+} // namespace host

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// The command line of glyphora-host.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class ReportFormat : std::uint8_t { Text, Json };
+
+struct Options {
+    std::vector<std::filesystem::path> files;
+    std::optional<std::filesystem::path> plugin; ///< else it is looked for
+    bool noPlugin = false;
+    bool selfTest = false; ///< load everything and quit; no files
+    std::string locale;    ///< such as "de_DE"
+    ReportFormat report = ReportFormat::Text;
+    std::optional<std::filesystem::path> save; ///< where to write the one document
+    bool reload = false;                       ///< unload and reload between documents
+    bool keepGroups = false;
+    bool failOnMissing = false;
+    bool quiet = false;                 ///< only what went wrong
+    bool verbose = false;               ///< with counts of suite calls
+    std::vector<std::string> misbehave; ///< see applySabotage
+};
+
+/// Reads the command line; a wrong one, or a request for help, is answered on `output` or `errors`.
+/// @return the options, or nothing with `exitStatus` set
+std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
+                                   std::ostream& output, std::ostream& errors, int& exitStatus);
+
+} // namespace host

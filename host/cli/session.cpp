@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// The course of a run.
+#include "host/cli/session.h"
+
+#include "host/cli/bundlesearch.h"
+#include "host/cli/sabotage.h"
+#include "host/core/text.h"
+
+#include <exception>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+ApplicationOptions applicationOptions(const Options& options) {
+    ApplicationOptions result;
+    result.core.locale = options.locale;
+    result.svg.keepGroups = options.keepGroups;
+    return result;
+}
+
+double milliseconds(Session::Clock::duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+} // namespace
+
+Session::Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start)
+    : options_(options), frontend_(frontend), start_(start),
+      application_(frontend, applicationOptions(options)) {}
+
+RunReport Session::run(const Progress& progress) {
+    for (const std::string& fault : options_.misbehave) {
+        const std::string problem = applySabotage(application_.core(), fault);
+        if (!problem.empty()) {
+            throw UsageError("--misbehave: " + problem);
+        }
+    }
+    if (!options_.noPlugin) {
+        desktop_ = std::make_unique<DesktopPresence>(application_.core());
+        startPlugin();
+    }
+    report_.startUpMs = sinceStart();
+    report_.fonts = application_.fonts().catalogue().faces().size();
+    for (const std::filesystem::path& file : options_.files) {
+        if (options_.reload && !report_.documents.empty()) {
+            reloadPlugin();
+        }
+        report_.documents.push_back(openOne(file));
+        if (progress) {
+            progress(report_.documents.back());
+        }
+        idle();
+    }
+    application_.shutDownPlugins();
+    desktop_.reset();
+    report_.alerts = frontend_.alerts();
+    report_.errors = frontend_.errors();
+    report_.misbehaviour = application_.core().ledger().entries();
+    report_.calls = CallSite::counts();
+    report_.totalMs = sinceStart();
+    return std::move(report_);
+}
+
+void Session::startPlugin() {
+    try {
+        const auto bundle = options_.plugin ? options_.plugin : findPlugin();
+        if (!bundle) {
+            throw PluginError("no plug-in found; name one with --plugin, or go without by "
+                              "--no-plugin");
+        }
+        plugin_ = &application_.loadPlugin(*bundle);
+        application_.announceStart();
+        report_.plugin = plugin_->name();
+    } catch (const PluginError& problem) {
+        frontend_.reportError(problem.what());
+        report_.pluginFailed = true;
+    }
+}
+
+void Session::reloadPlugin() {
+    if (plugin_ == nullptr || !plugin_->unload()) {
+        return;
+    }
+    try {
+        const SPErr error = plugin_->reload();
+        if (error != kNoErr) {
+            frontend_.reportError(plugin_->name() + ": the plug-in was reloaded with error " +
+                                  errorText(error));
+        }
+        ++report_.reloads;
+    } catch (const PluginError& problem) {
+        frontend_.reportError(problem.what());
+        report_.pluginFailed = true;
+        plugin_ = nullptr;
+    }
+}
+
+DocumentReport Session::openOne(const std::filesystem::path& file) {
+    DocumentReport report;
+    report.file = file.string();
+    try {
+        const Clock::time_point begin = Clock::now();
+        OpenDocument& document = application_.openDocument(file);
+        report.opened = true;
+        report.timings.open = milliseconds(Clock::now() - begin);
+        showToPlugins(document, report);
+    } catch (const DocumentError& problem) {
+        report.error = problem.what();
+    } catch (const std::exception& problem) {
+        report.error = file.string() + ": " + problem.what();
+    }
+    if (!report.error.empty()) {
+        frontend_.reportError(report.error);
+    }
+    report.timings.outcome = sinceStart();
+    return report;
+}
+
+void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
+    const DocumentSerial serial = document.serial();
+    const FaceSurvey survey(document, application_.fonts());
+    report.faces = survey.asTaken();
+    const Clock::time_point begin = Clock::now();
+    application_.announceOpened();
+    report.timings.plugins = milliseconds(Clock::now() - begin);
+    if (plugin_ != nullptr) {
+        application_.refreshFonts();
+    }
+    OpenDocument* const stillOpen = application_.documents().find(serial);
+    if (stillOpen == nullptr) {
+        report.closedByPlugin = true;
+        return;
+    }
+    report.faces = survey.compareWith(*stillOpen, application_.fonts());
+    if (options_.save) {
+        save(*stillOpen, report);
+    }
+    application_.closeDocument(serial);
+}
+
+void Session::save(const OpenDocument& document, DocumentReport& report) {
+    try {
+        document.document().save(*options_.save);
+        report.savedAs = options_.save->string();
+    } catch (const DocumentError& problem) {
+        report.error = problem.what();
+    }
+}
+
+void Session::idle() {
+    if (desktop_ != nullptr) {
+        desktop_->dispatchEvents();
+    }
+    application_.core().runTimers();
+}
+
+double Session::sinceStart() const {
+    return milliseconds(Clock::now() - start_);
+}
+
+} // namespace host

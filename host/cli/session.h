@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// One run of the program: start-up, each drawing in turn, shut-down.
+#pragma once
+
+#include "host/cli/consolefrontend.h"
+#include "host/cli/options.h"
+#include "host/cli/report.h"
+#include "host/core/desktop.h"
+#include "host/suites/application.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+
+namespace host {
+
+/// What is asked for cannot be done.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Main thread; once.
+class Session {
+public:
+    using Clock = std::chrono::steady_clock;
+    /// Called with each document's part of the report as soon as it is complete.
+    using Progress = std::function<void(const DocumentReport&)>;
+
+    /// @param options, frontend outlive the session @param start when the program was started
+    Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start);
+
+    /// Never throws for what documents or plug-ins do: that is in the report.
+    /// @throws UsageError: a fault to build in does not exist
+    RunReport run(const Progress& progress = {});
+
+private:
+    void startPlugin();
+    void reloadPlugin();
+    DocumentReport openOne(const std::filesystem::path& file);
+    void showToPlugins(OpenDocument& document, DocumentReport& report);
+    void save(const OpenDocument& document, DocumentReport& report);
+    /// Timers and waiting events.
+    void idle();
+    double sinceStart() const;
+
+    const Options& options_;
+    ConsoleFrontend& frontend_;
+    Clock::time_point start_;
+    RunReport report_;
+    Application application_;
+    std::unique_ptr<DesktopPresence> desktop_;
+    Plugin* plugin_ = nullptr;
+};
+
+} // namespace host

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// The report for people, and what the exit status is.
+#include "host/cli/exitstatus.h"
+#include "host/cli/report.h"
+
+#include <algorithm>
+#include <array>
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t columnCount = 5;
+using Line = std::array<std::string, columnCount>;
+
+/// The width on a terminal: characters, not bytes. Wide characters are few in font names.
+std::size_t widthOf(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+    }));
+}
+
+/// Names come from outside: what would move the cursor is shown as "?".
+std::string printable(const std::string& text) {
+    std::string result = text;
+    std::replace_if(
+        result.begin(), result.end(),
+        [](char byte) { return static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F; }, '?');
+    return result;
+}
+
+Line lineOf(const FaceOutcome& face) {
+    std::string runs = std::to_string(face.runs);
+    if (face.runsNow != face.runs) {
+        runs += " -> " + std::to_string(face.runsNow);
+    }
+    return {printable(face.style.empty() ? face.family : face.family + " " + face.style),
+            printable(face.postScriptName), face.before ? textOf(*face.before) : "-",
+            textOf(face.after), runs};
+}
+
+std::string tableOf(const std::vector<Line>& lines) {
+    std::array<std::size_t, columnCount> widths{};
+    for (const Line& line : lines) {
+        for (std::size_t column = 0; column < columnCount; ++column) {
+            widths[column] = std::max(widths[column], widthOf(line[column]));
+        }
+    }
+    std::string text;
+    for (const Line& line : lines) {
+        text += ' ';
+        for (std::size_t column = 0; column < columnCount; ++column) {
+            text += ' ' + line[column];
+            if (column + 1 < columnCount) {
+                text.append(widths[column] - widthOf(line[column]) + 1, ' ');
+            }
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+} // namespace
+
+bool DocumentReport::missesFonts() const {
+    return std::any_of(faces.begin(), faces.end(),
+                       [](const FaceOutcome& face) { return face.after == FaceState::Missing; });
+}
+
+int RunReport::exitStatus(bool failOnMissing) const {
+    if (pluginFailed) {
+        return exitPluginFailed;
+    }
+    if (std::any_of(documents.begin(), documents.end(),
+                    [](const DocumentReport& document) { return !document.error.empty(); })) {
+        return exitDocumentFailed;
+    }
+    const bool missing =
+        std::any_of(documents.begin(), documents.end(),
+                    [](const DocumentReport& document) { return document.missesFonts(); });
+    return missing && failOnMissing ? exitFontsMissing : exitSuccess;
+}
+
+std::string textOfDocument(const DocumentReport& document) {
+    if (!document.opened) {
+        return {};
+    }
+    std::string text = document.file + "\n";
+    if (document.faces.empty()) {
+        return text + "  no text\n";
+    }
+    std::vector<Line> lines{{"face", "PostScript name", "before", "after", "runs"}};
+    std::transform(document.faces.begin(), document.faces.end(), std::back_inserter(lines), lineOf);
+    text += tableOf(lines);
+    if (document.closedByPlugin) {
+        text += "  (closed by the plug-in; states are those before)\n";
+    }
+    if (!document.savedAs.empty()) {
+        text += "  saved as " + document.savedAs + "\n";
+    }
+    return text;
+}
+
+std::string textOfSelfTest(const RunReport& report) {
+    return report.pluginFailed ? "the plug-in does not work\n"
+                               : report.plugin + ": loaded, started and shut down; " +
+                                     std::to_string(report.fonts) + " fonts\n";
+}
+
+std::string textOfCalls(const RunReport& report) {
+    std::string text;
+    for (const CallSite::Count& call : report.calls) {
+        text += std::to_string(call.count) + "\t" + call.suite + " / " + call.call + "\n";
+    }
+    return text;
+}
+
+} // namespace host
