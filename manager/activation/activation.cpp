@@ -22,7 +22,7 @@ SetRecord recordOf(const ContainerFonts& container) {
     for (const LibraryFile& file : container.files) {
         // Files of a container share a folder, so their names differ.
         if (names.insert(nameOf(file.path)).second) {
-            record.files.push_back({nameOf(file.path), file.path, file.stamp});
+            record.files.push_back({nameOf(file.path), file.path, file.stamp, false});
         }
     }
     return record;

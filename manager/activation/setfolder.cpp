@@ -146,6 +146,7 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
     for (const SetFile& file : current.files) {
         if (find(wanted, file.name) == nullptr) {
             both.files.push_back(file);
+            both.files.back().leaving = true;
             obsolete.push_back(file.name);
         }
     }
@@ -236,6 +237,9 @@ void SetFolders::recover(ContainerId id, const std::function<void(const std::str
     }
     SetRecord wanted = *record;
     std::erase_if(wanted.files, [&](const SetFile& file) {
+        if (file.leaving) {
+            return true;
+        }
         if (exists(place + "/" + file.name)) {
             return false;
         }

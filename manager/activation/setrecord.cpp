@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Field lines: a header, "set" with number, state and name, and one "file" line per file.
+// Field lines: a header, "set" with number, state and name, and a "file" line per file,
+// or a "leaving" line for one that is to go.
 #include "manager/activation/setrecord.h"
 
 #include "manager/library/error.h"
@@ -38,14 +39,15 @@ bool readLine(std::string_view line, SetRecord& record) {
         record.name = parts[3];
         return true;
     }
-    if (parts[0] == "file" && parts.size() == 6 && isPlainName(parts[1])) {
+    const bool leaving = parts[0] == "leaving";
+    if ((leaving || parts[0] == "file") && parts.size() == 6 && isPlainName(parts[1])) {
         const auto size = toNumber<std::int64_t>(parts[3]);
         const auto changed = toNumber<std::int64_t>(parts[4]);
         const auto inode = toNumber<std::int64_t>(parts[5]);
         if (!size || !changed || !inode) {
             return false;
         }
-        record.files.push_back({parts[1], parts[2], {*size, *changed, *inode}});
+        record.files.push_back({parts[1], parts[2], {*size, *changed, *inode}, leaving});
         return true;
     }
     return false;
@@ -81,8 +83,9 @@ void writeSetRecord(const std::string& folder, const SetRecord& record) {
     text += joinFields({"set", toText(record.id),
                         record.state == SetState::active ? "active" : "leaving", record.name});
     for (const SetFile& file : record.files) {
-        text += joinFields({"file", file.name, file.source, std::to_string(file.stamp.size),
-                            std::to_string(file.stamp.changed), std::to_string(file.stamp.inode)});
+        text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
+                            std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
+                            std::to_string(file.stamp.inode)});
     }
     replaceFile(folder + "/" + setRecordName, text);
 }

@@ -15,9 +15,10 @@ namespace manager {
 constexpr const char* setRecordName = ".glyphora-set";
 
 struct SetFile {
-    std::string name;   ///< in the set's folder
-    std::string source; ///< in the library
-    FileStamp stamp;    ///< of the source when it was taken
+    std::string name;     ///< in the set's folder
+    std::string source;   ///< in the library
+    FileStamp stamp;      ///< of the source when it was taken
+    bool leaving = false; ///< no longer wanted; it may have gone already
     bool operator==(const SetFile&) const = default;
 };
 

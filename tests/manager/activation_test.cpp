@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+// Activation on disk: what the desktop sees, what a crash leaves, what is never touched.
+#include "manager/activation/activation.h"
+#include "manager/activation/desktopfonts.h"
+#include "manager/library/error.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <fontconfig/fontconfig.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr auto container = static_cast<ContainerId>(7);
+
+class AnActivation : public testing::Test {
+protected:
+    AnActivation() {
+        addFont("one.ttf", "One");
+        addFont("two.ttf", "Two");
+    }
+    ~AnActivation() override { FcFini(); }
+
+    void addFont(const std::string& file, const std::string& name) {
+        sandbox_.write(file, makeFont({name, "Regular", name, "", "", false, {}}));
+    }
+    ContainerFonts fonts(const std::vector<std::string>& files = {"one.ttf", "two.ttf"}) {
+        ContainerFonts result{container, "Both", {}};
+        for (const std::string& file : files) {
+            const std::string path = sandbox_.library() + "/" + file;
+            result.files.push_back({path, stampOf(path)});
+        }
+        return result;
+    }
+    ActivationOutcome activate(const ContainerFonts& wanted, StepObserver observer = {}) {
+        Activation activation(sandbox_.places(), std::move(observer));
+        return activation.activate(std::span(&wanted, 1)).at(0);
+    }
+    ActivationOutcome deactivate(StepObserver observer = {}) {
+        Activation activation(sandbox_.places(), std::move(observer));
+        return activation.deactivate(std::span(&container, 1)).at(0);
+    }
+    void recover() {
+        Activation(sandbox_.places()).recover([this](const std::string& text) {
+            reports_.push_back(text);
+        });
+    }
+
+    [[nodiscard]] std::string set() const { return sandbox_.places().fonts() + "/7"; }
+    // What another program sees, that starts now.
+    static std::vector<std::string> visibleFamilies() {
+        FcInitReinitialize();
+        std::vector<std::string> families;
+        const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
+        for (int i = 0; all != nullptr && i < all->nfont; ++i) {
+            FcChar8* family = nullptr;
+            FcPatternGetString(all->fonts[i], FC_FAMILY, 0, &family);
+            families.emplace_back(reinterpret_cast<const char*>(family));
+        }
+        std::sort(families.begin(), families.end());
+        return families;
+    }
+    static std::vector<std::string> entries(const std::string& folder) {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    Sandbox sandbox_;
+    std::vector<std::string> reports_;
+};
+
+TEST_F(AnActivation, MakesFontsVisibleAndIsTakenBackWhole) {
+    const auto outcome = activate(fonts());
+    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_TRUE(outcome.changed);
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    EXPECT_TRUE(Activation(sandbox_.places()).isActive(container, "one.ttf"));
+
+    const auto again = activate(fonts());
+    EXPECT_TRUE(again.success);
+    EXPECT_FALSE(again.changed);
+
+    EXPECT_TRUE(deactivate().success);
+    EXPECT_THAT(visibleFamilies(), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(set()));
+    EXPECT_FALSE(deactivate().success);
+    EXPECT_TRUE(std::filesystem::exists(sandbox_.library() + "/one.ttf"));
+}
+
+TEST_F(AnActivation, LinksFilesAndNeverBySymbolicLinks) {
+    std::filesystem::create_symlink("one.ttf", sandbox_.library() + "/alias.ttf");
+    activate(fonts({"alias.ttf", "two.ttf"}));
+    struct stat status {};
+    ASSERT_EQ(lstat((set() + "/alias.ttf").c_str(), &status), 0);
+    EXPECT_TRUE(S_ISREG(status.st_mode));
+    EXPECT_EQ(static_cast<std::int64_t>(status.st_ino),
+              stampOf(sandbox_.library() + "/one.ttf").inode);
+}
+
+TEST_F(AnActivation, FollowsTheContainerWhenItGrowsAndShrinks) {
+    activate(fonts());
+    addFont("three.ttf", "Three");
+    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+    addFont("one.ttf.new", "One Anew");
+    std::filesystem::rename(sandbox_.library() + "/one.ttf.new", sandbox_.library() + "/one.ttf");
+    const auto outcome = activate(fonts({"one.ttf", "three.ttf"}));
+    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Three"));
+    EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf", "three.ttf"));
+}
+
+TEST_F(AnActivation, FailsClearlyWhenALibraryFileIsGoneOrHasChanged) {
+    const ContainerFonts wanted = fonts();
+    sandbox_.write("two.ttf", "changed");
+    EXPECT_THAT(activate(wanted).problem, HasSubstr("/two.ttf: has changed since it was scanned"));
+    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+    const auto outcome = activate(wanted);
+    EXPECT_FALSE(outcome.success);
+    EXPECT_FALSE(outcome.changed);
+    EXPECT_THAT(outcome.problem, HasSubstr("/two.ttf: cannot be read"));
+    EXPECT_THAT(visibleFamilies(), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(set()));
+}
+
+TEST_F(AnActivation, TellsWhenFontconfigFindsNoFontInAFile) {
+    sandbox_.write("one.ttf", "no font");
+    EXPECT_THAT(activate(fonts()).problem,
+                HasSubstr("/one.ttf: in place, but fontconfig finds no"));
+}
+
+TEST_F(AnActivation, TellsWhenFontconfigDoesNotLookThere) {
+    writeBytes(sandbox_.root() + "/fonts.conf",
+               "<?xml version=\"1.0\"?>\n<fontconfig><dir>" + sandbox_.library() +
+                   "</dir><cachedir>" + sandbox_.root() + "/cache</cachedir></fontconfig>\n");
+    EXPECT_THAT(activate(fonts()).problem, HasSubstr("fontconfig does not look at this folder"));
+}
+
+TEST_F(AnActivation, LeavesForeignFilesAloneWhereverTheyAre) {
+    std::filesystem::create_directories(set());
+    writeBytes(set() + "/mine.txt", "mine");
+    EXPECT_THAT(activate(fonts()).problem, HasSubstr("/7: is in the way"));
+    EXPECT_EQ(readBytes(set() + "/mine.txt"), "mine");
+    recover();
+    EXPECT_EQ(readBytes(set() + "/mine.txt"), "mine");
+
+    std::filesystem::remove_all(set());
+    activate(fonts({"one.ttf"}));
+    writeBytes(set() + "/two.ttf", "mine");
+    EXPECT_THAT(activate(fonts()).problem, HasSubstr("/two.ttf: is in the way"));
+    const auto outcome = deactivate();
+    EXPECT_TRUE(outcome.success);
+    EXPECT_THAT(outcome.problem, HasSubstr("kept"));
+    EXPECT_THAT(entries(set()), ElementsAre("two.ttf"));
+    EXPECT_EQ(readBytes(set() + "/two.ttf"), "mine");
+}
+
+TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
+    activate(fonts());
+    const std::string victim = sandbox_.write("victim.ttf", "x");
+    writeBytes(
+        set() + "/" + setRecordName,
+        "glyphora-set 1\nset\t7\tactive\tX\nfile\t../../../../library/victim.ttf\t/x\t1\t1\t1\n");
+    EXPECT_THAT(deactivate().problem, HasSubstr(".glyphora-set: line 3: "));
+    EXPECT_TRUE(std::filesystem::exists(victim));
+}
+
+TEST_F(AnActivation, TouchesTheFolderAfterwardsForProgramsThatCompareSeconds) {
+    Activation activation(sandbox_.places());
+    const ContainerFonts wanted = fonts();
+    EXPECT_FALSE(activation.isUnsettled());
+    activation.activate(std::span(&wanted, 1));
+    EXPECT_TRUE(activation.isUnsettled());
+    const std::string root = sandbox_.places().fonts();
+    const timespec past[2] = {{1000, 0}, {1000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, root.c_str(), past, 0), 0);
+    activation.settle();
+    struct stat status {};
+    ASSERT_EQ(stat(root.c_str(), &status), 0);
+    EXPECT_GT(status.st_mtim.tv_sec, 1000);
+    EXPECT_FALSE(activation.isUnsettled());
+}
+
+// Ends the process before the step of this number, as a crash would. Returns whether it came to it.
+bool crashAt(int number, const std::function<void(StepObserver)>& action) {
+    const pid_t child = fork();
+    if (child == 0) {
+        int count = 0;
+        action([&](std::string_view) {
+            if (count++ == number) {
+                _exit(42);
+            }
+        });
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_TRUE(WEXITSTATUS(status) == 42 || WEXITSTATUS(status) == 0);
+    return WEXITSTATUS(status) == 42;
+}
+
+class ACrash : public AnActivation {
+protected:
+    using Families = std::vector<std::string>;
+
+    // Runs the action with a crash at each of its steps in turn, each time from the state that
+    // `prepare` makes, and checks that recovery leaves one of the two whole states.
+    void tryEachStep(const std::function<void()>& prepare,
+                     const std::function<void(StepObserver)>& action, const Families& before,
+                     const Families& after) {
+        int steps = 0;
+        for (bool crashed = true; crashed; ++steps) {
+            deactivate();
+            prepare();
+            crashed = crashAt(steps, action);
+            recover();
+            const Families seen = visibleFamilies();
+            EXPECT_TRUE(seen == before || seen == after)
+                << "step " << steps << ": " << testing::PrintToString(seen);
+            const std::string staging = sandbox_.places().fonts() + "/.staging";
+            EXPECT_TRUE(!std::filesystem::exists(staging) || entries(staging).empty());
+            reports_.clear();
+            recover();
+            EXPECT_THAT(reports_, IsEmpty()) << "step " << steps;
+        }
+        EXPECT_GT(steps, 4);
+        EXPECT_EQ(visibleFamilies(), after); // the last round had no crash
+    }
+};
+
+TEST_F(ACrash, WhileActivatingLeavesAllOrNothing) {
+    tryEachStep([] {}, [&](const StepObserver& observer) { activate(fonts(), observer); }, {},
+                {"One", "Two"});
+}
+
+TEST_F(ACrash, WhileBringingASetUpToDateIsMendedForwards) {
+    addFont("three.ttf", "Three");
+    tryEachStep([&] { activate(fonts()); },
+                [&](const StepObserver& observer) {
+                    activate(fonts({"one.ttf", "three.ttf"}), observer);
+                },
+                {"One", "Two"}, {"One", "Three"});
+}
+
+TEST_F(ACrash, WhileDeactivatingIsFinished) {
+    tryEachStep([&] { activate(fonts()); },
+                [&](const StepObserver& observer) { deactivate(observer); }, {"One", "Two"}, {});
+}
+
+TEST_F(ACrash, ThatLeftASetWithoutItsFilesIsMendedAsFarAsTheLibraryGoes) {
+    activate(fonts());
+    std::filesystem::remove(set() + "/one.ttf");
+    std::filesystem::remove(set() + "/two.ttf");
+    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+    recover();
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+    EXPECT_THAT(reports_, ElementsAre(HasSubstr("/7: completed")));
+}
+
+} // namespace

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// Reading one font file: names, technology, and what is refused.
+#include "manager/library/error.h"
+#include "manager/library/fontfile.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class AFontFile : public testing::Test {
+protected:
+    FontFileContents read(const std::string& bytes) {
+        return readFontFile(sandbox_.write("font.ttf", bytes));
+    }
+    std::string problem(const std::string& bytes) {
+        try {
+            read(bytes);
+        } catch (const Error& error) {
+            return error.what();
+        }
+        return "none";
+    }
+
+    Sandbox sandbox_;
+};
+
+TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
+    const auto contents = readFontFile(dejavu("DejaVuSansCondensed-Bold"));
+    ASSERT_EQ(contents.faces.size(), 1U);
+    EXPECT_FALSE(contents.collection);
+    EXPECT_EQ(contents.faces[0].type, FontType::openTypeTrueType);
+    EXPECT_EQ(contents.faces[0].postScriptName, "DejaVuSansCondensed-Bold");
+    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"DejaVu Sans", "Condensed Bold"},
+                                                     FaceName{"DejaVu Sans Condensed", "Bold"}));
+}
+
+TEST_F(AFontFile, IsTrueTypeWithoutLayoutTablesAndOpenTypeWithThem) {
+    FontRecipe recipe;
+    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::trueType);
+    recipe.layout = true;
+    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::openTypeTrueType);
+}
+
+TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
+    const auto contents =
+        read(makeCollection({{"Müller & Söhne", "Regular", "Mueller-Regular", "", "", false, {}},
+                             {"Other", "Bold", "Other-Bold", "", "", true, {}}}));
+    EXPECT_TRUE(contents.collection);
+    ASSERT_EQ(contents.faces.size(), 2U);
+    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Müller & Söhne", "Regular"}));
+    EXPECT_EQ(contents.faces[1].postScriptName, "Other-Bold");
+    EXPECT_EQ(contents.faces[1].index, 1U);
+    EXPECT_EQ(contents.faces[1].type, FontType::openTypeTrueType);
+}
+
+TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {
+    FontRecipe recipe;
+    recipe.instances = {"Medium", "Semi Bold"};
+    const auto contents = read(makeFont(recipe));
+    ASSERT_EQ(contents.faces.size(), 3U);
+    std::vector<std::string> styles;
+    std::vector<std::uint32_t> instances;
+    for (const FaceRecord& face : contents.faces) {
+        EXPECT_EQ(face.names.front().family, "Test Sans");
+        styles.push_back(face.names.front().style);
+        instances.push_back(face.index >> 16U);
+    }
+    EXPECT_THAT(styles, testing::UnorderedElementsAre("Regular", "Medium", "Semi Bold"));
+    EXPECT_THAT(instances, testing::UnorderedElementsAre(0U, 1U, 2U));
+}
+
+TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {
+    const std::string font = makeFont({});
+    const struct {
+        std::string bytes;
+        const char* expected;
+    } cases[] = {
+        {"", "an empty file"},
+        {"%", "ends at byte 1 inside the font header"},
+        {"hello, world", "not a TrueType, OpenType or Type 1 font (byte 0)"},
+        {font.substr(0, 40), "ends at byte 40 inside the table list"},
+        {font.substr(0, font.size() / 2), "reaches byte "},
+        {makeCollection({{}, {}}).substr(0, 14), "inside the collection header"},
+        {"ttcf" + std::string("\0\1\0\0\xFF\xFF\xFF\xFF", 8), "a collection of 4294967295 fonts"},
+        {std::string("\x80\x01\xFF\xFF\x00\x00", 6), "a Type 1 segment reaches byte 65541"},
+        {"%!PS-AdobeFont-1.0: nothing more", "FreeType finds no font in it"},
+    };
+    for (const auto& [bytes, expected] : cases) {
+        const std::string text = problem(bytes);
+        EXPECT_THAT(text, StartsWith(sandbox_.library() + "/font.ttf: "));
+        EXPECT_THAT(text, HasSubstr(expected));
+    }
+}
+
+TEST_F(AFontFile, CutAtAnyLengthIsEitherReadOrRefused) {
+    const std::string font = makeFont({});
+    std::size_t refused = 0;
+    for (std::size_t length = 0; length < font.size(); length += 61) {
+        refused += problem(font.substr(0, length)) != "none" ? 1 : 0;
+    }
+    EXPECT_GT(refused, font.size() / 61 / 2);
+    EXPECT_EQ(problem(font), "none");
+}
+
+TEST_F(AFontFile, ThatIsAPipeIsRefusedWithoutWaitingForIt) {
+    const std::string path = sandbox_.library() + "/pipe.ttf";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_THROW(readFontFile(path), Error);
+}
+
+TEST(AFontFileName, IsKnownByItsEnding) {
+    for (const char* name : {"a.ttf", "a.OTF", "a.b.TtC", "a.otc", "a.pfb", "a.pfa", "a.t1"}) {
+        EXPECT_TRUE(hasFontFileName(name)) << name;
+    }
+    for (const char* name : {"a.afm", "a.pfm", "ttf", "a.ttf.bak", "a.woff2", ""}) {
+        EXPECT_FALSE(hasFontFileName(name)) << name;
+    }
+}
+
+TEST(ANameKey, LeavesOutCaseAndBlanksInAnyScript) {
+    EXPECT_EQ(nameKey("EB Garamond"), nameKey("ebgaramond"));
+    EXPECT_EQ(nameKey("MÜLLER  Söhne"), nameKey("Müller söhne"));
+    EXPECT_EQ(nameKey("ГОСТ"), nameKey("гост"));
+    EXPECT_NE(nameKey("A-B"), nameKey("AB"));
+}
+
+} // namespace

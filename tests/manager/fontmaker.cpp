@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+// Replaces the name table of the base font, and adds tables. All numbers in fonts are big-endian.
+#include "tests/manager/fontmaker.h"
+
+#include "tests/manager/sandbox.h"
+
+#include <cstdint>
+#include <map>
+#include <string_view>
+
+namespace managertest {
+
+namespace {
+
+using Tables = std::map<std::string, std::string>;
+
+std::string u16(std::size_t value) {
+    return {static_cast<char>(value >> 8U), static_cast<char>(value)};
+}
+std::string u32(std::size_t value) {
+    return u16(value >> 16U) + u16(value & 0xFFFFU);
+}
+
+std::size_t number(std::string_view bytes, std::size_t offset, std::size_t length) {
+    std::size_t value = 0;
+    for (const char c : bytes.substr(offset, length)) {
+        value = (value << 8U) | static_cast<unsigned char>(c);
+    }
+    return value;
+}
+
+Tables baseTables() {
+    const std::string font = readBytes(GLYPHORA_BASE_FONT);
+    Tables tables;
+    for (std::size_t i = 0; i < number(font, 4, 2); ++i) {
+        const std::size_t entry = 12 + i * 16;
+        tables[font.substr(entry, 4)] =
+            font.substr(number(font, entry + 8, 4), number(font, entry + 12, 4));
+    }
+    return tables;
+}
+
+// The basic plane is enough for names.
+std::string utf16(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : 3;
+        std::size_t character = length == 1 ? lead : lead & (0xFFU >> (length + 1));
+        for (std::size_t j = 1; j < length; ++j) {
+            character = (character << 6U) | (static_cast<unsigned char>(text[i + j]) & 0x3FU);
+        }
+        result += u16(character);
+        i += length;
+    }
+    return result;
+}
+
+constexpr std::size_t firstInstanceName = 256;
+
+std::string nameTable(const FontRecipe& recipe) {
+    std::map<std::size_t, std::string> names = {{1, recipe.family},
+                                                {2, recipe.style},
+                                                {4, recipe.family + " " + recipe.style},
+                                                {6, recipe.postScriptName}};
+    if (!recipe.typographicFamily.empty()) {
+        names[16] = recipe.typographicFamily;
+        names[17] = recipe.typographicStyle;
+    }
+    for (std::size_t i = 0; i < recipe.instances.size(); ++i) {
+        names[firstInstanceName + i] = recipe.instances[i];
+    }
+    std::string records;
+    std::string texts;
+    for (const auto& [id, name] : names) {
+        const std::string text = utf16(name);
+        records += u16(3) + u16(1) + u16(0x409) + u16(id) + u16(text.size()) + u16(texts.size());
+        texts += text;
+    }
+    return u16(0) + u16(names.size()) + u16(6 + records.size()) + records + texts;
+}
+
+// A weight axis from 100 to 900 at 400, and an instance per name at 500, 600, ...
+std::string variationTable(const FontRecipe& recipe) {
+    const auto fixed = [](std::size_t value) { return u32(value << 16U); };
+    std::string table = u32(0x00010000) + u16(16) + u16(2) + u16(1) + u16(20) +
+                        u16(recipe.instances.size()) + u16(8);
+    table += "wght" + fixed(100) + fixed(400) + fixed(900) + u16(0) + u16(2);
+    for (std::size_t i = 0; i < recipe.instances.size(); ++i) {
+        table += u16(firstInstanceName + i) + u16(0) + fixed(500 + i * 100);
+    }
+    return table;
+}
+
+// No outline varies.
+std::string glyphVariations(std::size_t glyphs) {
+    return u32(0x00010000) + u16(1) + u16(0) + u32(20 + (glyphs + 1) * 2) + u16(glyphs) + u16(0) +
+           u32(20 + (glyphs + 1) * 2) + std::string((glyphs + 1) * 2, '\0');
+}
+
+Tables tablesOf(const FontRecipe& recipe) {
+    Tables tables = baseTables();
+    for (const char* unwanted : {"GSUB", "GPOS", "DSIG"}) {
+        tables.erase(unwanted);
+    }
+    tables["name"] = nameTable(recipe);
+    if (recipe.layout) {
+        // One script without features.
+        tables["GSUB"] = u32(0x00010000) + u16(10) + u16(22) + u16(24) + u16(1) + "latn" + u16(8) +
+                         u16(0) + u16(0) + u16(0) + u16(0);
+    }
+    if (!recipe.instances.empty()) {
+        tables["fvar"] = variationTable(recipe);
+        tables["gvar"] = glyphVariations(number(tables["maxp"], 4, 2));
+    }
+    return tables;
+}
+
+// A font whose file begins `start` bytes before it.
+std::string assemble(const Tables& tables, std::size_t start) {
+    std::string directory = u32(0x00010000) + u16(tables.size()) + u16(0) + u16(0) + u16(0);
+    std::string data;
+    const std::size_t dataStart = start + 12 + tables.size() * 16;
+    for (const auto& [tag, bytes] : tables) {
+        directory += tag + u32(0) + u32(dataStart + data.size()) + u32(bytes.size());
+        data += bytes;
+        data.resize((data.size() + 3) / 4 * 4);
+    }
+    return directory + data;
+}
+
+} // namespace
+
+std::string makeFont(const FontRecipe& recipe) {
+    return assemble(tablesOf(recipe), 0);
+}
+
+std::string makeCollection(const std::vector<FontRecipe>& recipes) {
+    std::string header = "ttcf" + u32(0x00010000) + u32(recipes.size());
+    std::string fonts;
+    const std::size_t headerSize = header.size() + recipes.size() * 4;
+    for (const FontRecipe& recipe : recipes) {
+        header += u32(headerSize + fonts.size());
+        fonts += assemble(tablesOf(recipe), headerSize + fonts.size());
+    }
+    return header + fonts;
+}
+
+} // namespace managertest

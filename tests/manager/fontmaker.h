@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// Makes small, whole font files with any names, from a font of this project.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace managertest {
+
+struct FontRecipe {
+    std::string family = "Test Sans"; ///< UTF-8; the legacy family when a typographic one is given
+    std::string style = "Regular";
+    std::string postScriptName = "TestSans-Regular";
+    std::string typographicFamily; ///< empty: none
+    std::string typographicStyle;
+    bool layout = false;                ///< with a layout table, which makes it OpenType
+    std::vector<std::string> instances; ///< names of a variable font's instances, without the first
+};
+
+/// A TrueType font's bytes.
+std::string makeFont(const FontRecipe& recipe);
+/// A collection of these.
+std::string makeCollection(const std::vector<FontRecipe>& recipes);
+
+} // namespace managertest

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// Reading many files in processes apart: one that crashes, hangs or eats memory costs itself alone.
+#include "manager/library/error.h"
+#include "manager/library/fontreader.h"
+
+#include <chrono>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <unistd.h>
+
+using namespace manager;
+using testing::HasSubstr;
+
+namespace {
+
+class AFontReader : public testing::Test {
+protected:
+    // What each file does to its reader is told by its name.
+    static FontFileContents behave(const std::string& path) {
+        if (path == "crash") {
+            std::signal(SIGSEGV, SIG_DFL);
+            raise(SIGSEGV);
+        }
+        if (path == "hang") {
+            for (;;) {
+                pause();
+            }
+        }
+        if (path == "vanish") {
+            _exit(0);
+        }
+        if (path == "refuse") {
+            throw Error("refuse: line 1:\tbad\nthing\\");
+        }
+        if (path == "nameless") {
+            return {false, {{0, FontType::type1, "X", {}}}};
+        }
+        return good(path);
+    }
+
+    static FontFileContents good(const std::string& path) {
+        return {true,
+                {{65537, FontType::openTypePostScript, path, {{"A\tB", ""}, {"C\\D", "E\nF"}}},
+                 {1, FontType::type1, "", {{"Ä", "Ö"}}}}};
+    }
+
+    std::map<std::string, FontFileOutcome> read(const std::vector<std::string>& paths) {
+        std::map<std::string, FontFileOutcome> outcomes;
+        FontReaderLimits limits;
+        limits.timePerFile = timePerFile_;
+        readFontFiles(
+            paths, limits,
+            [&](std::size_t position, FontFileOutcome outcome) {
+                EXPECT_TRUE(outcomes.emplace(paths.at(position), std::move(outcome)).second);
+            },
+            behave);
+        EXPECT_EQ(outcomes.size(), paths.size());
+        return outcomes;
+    }
+
+    static std::string problem(const FontFileOutcome& outcome) {
+        const auto* text = std::get_if<std::string>(&outcome);
+        return text != nullptr ? *text : "none";
+    }
+
+    // Long enough that only the file that hangs for ever can meet it.
+    std::chrono::milliseconds timePerFile_{30'000};
+};
+
+TEST_F(AFontReader, HandsEverythingOverAsItWasRead) {
+    const auto outcomes = read({"one", "two", "refuse", "three"});
+    for (const char* path : {"one", "two", "three"}) {
+        ASSERT_TRUE(std::holds_alternative<FontFileContents>(outcomes.at(path)));
+        EXPECT_EQ(std::get<FontFileContents>(outcomes.at(path)), good(path));
+    }
+    EXPECT_EQ(problem(outcomes.at("refuse")), "refuse: line 1:\tbad\nthing\\");
+}
+
+TEST_F(AFontReader, ThatDiesCostsItsFileAlone) {
+    const auto outcomes = read({"a", "crash", "b", "vanish", "nameless", "c"});
+    EXPECT_THAT(problem(outcomes.at("crash")), HasSubstr("crash: the font reader ended"));
+    EXPECT_THAT(problem(outcomes.at("vanish")), HasSubstr("vanish: the font reader ended"));
+    EXPECT_THAT(problem(outcomes.at("nameless")), HasSubstr("nameless: the font reader ended"));
+    for (const char* path : {"a", "b", "c"}) {
+        EXPECT_EQ(problem(outcomes.at(path)), "none");
+    }
+}
+
+TEST_F(AFontReader, ThatHangsIsEndedAndReplaced) {
+    timePerFile_ = std::chrono::milliseconds(300);
+    const auto outcomes = read({"hang"});
+    EXPECT_EQ(problem(outcomes.at("hang")), "hang: reading it took longer than 300 ms");
+}
+
+} // namespace

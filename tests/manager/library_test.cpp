@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// The index: containers, look-up, incremental scans, damage.
+#include "manager/library/error.h"
+#include "manager/library/update.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class ALibrary : public testing::Test {
+protected:
+    UpdateReport scan() {
+        return updateLibrary(*library_, std::vector{sandbox_.library()}, FontReaderLimits{});
+    }
+    void add(const std::string& path, const FontRecipe& recipe) {
+        sandbox_.write(path, makeFont(recipe));
+    }
+    std::vector<std::string> containerNames() {
+        std::vector<std::string> names;
+        for (const Container& container : library_->containers()) {
+            names.push_back(container.name + "@" +
+                            container.path().substr(sandbox_.library().size()));
+        }
+        return names;
+    }
+    std::map<std::string, ContainerId> ids() {
+        std::map<std::string, ContainerId> result;
+        for (const Container& container : library_->containers()) {
+            result[container.name + container.path()] = container.id;
+        }
+        return result;
+    }
+    std::unique_ptr<Library> open(bool* emptied) {
+        return openLibrary(sandbox_.places(), emptied,
+                           [this](const std::string& text) { reports_.push_back(text); });
+    }
+
+    Sandbox sandbox_;
+    std::vector<std::string> reports_;
+    std::unique_ptr<Library> library_ = std::make_unique<Library>(sandbox_.places());
+};
+
+TEST_F(ALibrary, HoldsAFamilyInAFolderTogetherAndEachCollectionForItself) {
+    add("a/sans.ttf", {});
+    add("a/sansbold.ttf", {"TEST sans", "Bold", "TestSans-Bold", "", "", false, {}});
+    add("a/other.ttf", {"Other", "Regular", "Other-Regular", "", "", false, {}});
+    add("b/sans.ttf", {});
+    sandbox_.write("a/pair.ttc",
+                   makeCollection({{}, {"Second", "Bold", "S-B", "", "", false, {}}}));
+    scan();
+    EXPECT_THAT(containerNames(), UnorderedElementsAre("Test Sans@/a", "Other@/a", "Test Sans@/b",
+                                                       "pair.ttc@/a/pair.ttc"));
+    EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(3));
+    const auto bold = library_->findByPostScriptName("TestSans-Bold");
+    ASSERT_THAT(bold, SizeIs(1));
+    EXPECT_EQ(library_->container(bold[0].container)->faces, 2);
+    EXPECT_THAT(library_->files(bold[0].container), SizeIs(2));
+}
+
+TEST_F(ALibrary, FindsFacesByEachPairOfTheirNames) {
+    add("a.ttf", {"Lato Black", "Italic", "Lato-BlackItalic", "Lato", "Black Italic", true, {}});
+    add("b.ttf", {"Müller & Söhne", "Book", "MuellerSoehne", "", "", false, {}});
+    scan();
+    const struct {
+        const char* family;
+        const char* style;
+        std::size_t found;
+    } cases[] = {
+        {"Lato", "Black Italic", 1},
+        {"LATO", "blackitalic", 1},
+        {"Lato Black", "Italic", 1},
+        {"latoblack", "ITALIC", 1},
+        {"Lato", "Italic", 0},
+        {"Lato Black", "Black Italic", 0},
+        {"Lato", "", 0},
+        {"mÜLLER&söhne", "book", 1},
+        {"Müller & Söhne", "", 1},
+        {"", "", 0},
+        {"Lat", "Black Italic", 0},
+    };
+    for (const auto& [family, style, found] : cases) {
+        EXPECT_THAT(library_->findByFamilyAndStyle(family, style), SizeIs(found))
+            << family << ", " << style;
+    }
+    EXPECT_THAT(library_->findByPostScriptName("lato-blackitalic"), IsEmpty());
+    EXPECT_THAT(library_->findByPostScriptName(""), IsEmpty());
+    EXPECT_EQ(library_->findByPostScriptName("Lato-BlackItalic").at(0).familyName, "Lato");
+}
+
+TEST_F(ALibrary, SharesAContainerAmongTheInstancesOfAVariableFont) {
+    add("v.ttf", {"Vary", "Regular", "Vary", "", "", false, {"Medium", "Black"}});
+    scan();
+    EXPECT_THAT(containerNames(), ElementsAre("Vary@"));
+    EXPECT_THAT(library_->findByFamilyAndStyle("Vary", "Black"), SizeIs(1));
+    EXPECT_EQ(library_->containers().at(0).faces, 3);
+}
+
+TEST_F(ALibrary, ReadsOnAgainOnlyWhatHasChangedAndKeepsContainerNumbers) {
+    add("a/one.ttf", {});
+    add("a/two.ttf", {"Two", "Regular", "Two", "", "", false, {}});
+    sandbox_.write("a/bad.ttf", "bad");
+    const UpdateReport first = scan();
+    EXPECT_EQ(first.read, 3U);
+    EXPECT_THAT(first.problems, ElementsAre(HasSubstr("/a/bad.ttf: ")));
+    const auto before = ids();
+
+    const UpdateReport second = scan();
+    EXPECT_EQ(second.read, 0U);
+    EXPECT_EQ(second.unchanged, 3U);
+    EXPECT_FALSE(second.changed());
+    EXPECT_THAT(second.problems, IsEmpty());
+    EXPECT_THAT(second.knownProblems, ElementsAre(HasSubstr("/a/bad.ttf: ")));
+
+    const std::string kept = readBytes(sandbox_.library() + "/a/two.ttf");
+    std::filesystem::remove(sandbox_.library() + "/a/two.ttf");
+    add("a/bad.ttf", {"Mended", "Regular", "Mended", "", "", false, {}});
+    const UpdateReport third = scan();
+    EXPECT_EQ(third.read, 1U);
+    EXPECT_EQ(third.removed, 1U);
+    EXPECT_THAT(library_->findByPostScriptName("Two"), IsEmpty());
+    EXPECT_THAT(library_->findByPostScriptName("Mended"), SizeIs(1));
+
+    sandbox_.write("a/two.ttf", kept);
+    scan();
+    auto after = ids();
+    after.erase("Mended" + sandbox_.library() + "/a");
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(ALibrary, IsSeenByOthersWithoutOpeningItAnew) {
+    add("a.ttf", {});
+    Library other(sandbox_.places());
+    EXPECT_THAT(other.findByPostScriptName("TestSans-Regular"), IsEmpty());
+    scan();
+    EXPECT_THAT(other.findByPostScriptName("TestSans-Regular"), SizeIs(1));
+}
+
+TEST_F(ALibrary, ThatIsDamagedIsMovedAsideAndKeepsWhatCanBeRead) {
+    add("a/one.ttf", {});
+    add("b/two.ttf", {"Two", "Regular", "Two", "", "", false, {}});
+    scan();
+    const auto before = ids();
+    library_->database().run("PRAGMA wal_checkpoint(TRUNCATE)");
+    library_.reset();
+    const std::string path = sandbox_.places().database();
+    const std::string whole = readBytes(path);
+
+    const std::vector<std::string> damages = {
+        "no database at all, but a text that is long enough to look at",
+        whole.substr(0, whole.size() / 2),
+        whole.substr(0, 100) + std::string(whole.size() - 100, 'x'),
+    };
+    for (const std::string& damaged : damages) {
+        for (const char* part : {"-wal", "-shm"}) {
+            std::filesystem::remove(path + part);
+        }
+        writeBytes(path, damaged);
+        reports_.clear();
+        bool emptied = false;
+        library_ = open(&emptied);
+        EXPECT_TRUE(emptied);
+        EXPECT_THAT(reports_, ElementsAre(HasSubstr(path + ": ")));
+        EXPECT_THAT(reports_.front(), HasSubstr("moved to library.db.damaged-"));
+        scan();
+        EXPECT_THAT(containerNames(), UnorderedElementsAre("Test Sans@/a", "Two@/b"));
+        EXPECT_TRUE(std::filesystem::exists(path));
+        library_.reset();
+    }
+
+    // Damage beyond the containers leaves their numbers as they were.
+    const std::size_t name = whole.find("TestSans-Regular");
+    ASSERT_NE(name, std::string::npos);
+    std::string tail = whole;
+    tail.replace(name / 4096 * 4096, 8, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF");
+    writeBytes(path, tail);
+    bool emptied = false;
+    library_ = open(&emptied);
+    ASSERT_TRUE(emptied);
+    scan();
+    EXPECT_EQ(ids(), before);
+}
+
+TEST_F(ALibrary, OfANewerVersionOrAnotherProgramIsLeftAlone) {
+    library_->database().run("PRAGMA user_version=99");
+    library_.reset();
+    bool emptied = false;
+    EXPECT_THROW(open(&emptied), Error);
+    {
+        Database database(sandbox_.places().database());
+        database.run("PRAGMA application_id=1");
+    }
+    EXPECT_THROW(open(&emptied), Error);
+    EXPECT_FALSE(emptied);
+    EXPECT_THAT(reports_, IsEmpty());
+}
+
+TEST(AContainerNumber, IsADecimalOfAtLeastOne) {
+    EXPECT_EQ(toContainerId("12"), static_cast<ContainerId>(12));
+    for (const char* text : {"", "0", "-1", "1 ", " 1", "1x", "2147483648", "+1"}) {
+        EXPECT_FALSE(toContainerId(text)) << text;
+    }
+}
+
+} // namespace
