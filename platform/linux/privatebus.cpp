@@ -25,7 +25,6 @@ namespace platform {
 namespace {
 
 constexpr int kStartTimeoutMilliseconds = 10'000;
-constexpr int kAddressDescriptor = 3;
 
 class Descriptor {
 public:
@@ -62,13 +61,12 @@ struct Started {
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    const int nothing = ::open("/dev/null", O_RDONLY);
+    const int pipe = fcntl(addressPipe, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    // The daemon's standard error would only tell of limits that it could not raise.
+    const int nothing = ::open("/dev/null", O_RDWR);
     dup2(nothing, STDIN_FILENO);
-    if (addressPipe == kAddressDescriptor) {
-        fcntl(addressPipe, F_SETFD, 0);
-    } else {
-        dup2(addressPipe, kAddressDescriptor);
-    }
+    dup2(nothing, STDERR_FILENO);
+    dup2(pipe, STDOUT_FILENO);
     execv(program, arguments);
     _exit(kCannotRun);
 }
@@ -105,7 +103,7 @@ void keepDaemon(std::promise<Started> started) {
         return started.set_value({{}, "dbus-daemon is not installed"});
     }
     std::array<std::string, 5> texts{"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                                     "--print-address=" + std::to_string(kAddressDescriptor)};
+                                     "--print-address=" + std::to_string(STDOUT_FILENO)};
     std::array<char*, 6> arguments{};
     for (std::size_t i = 0; i < texts.size(); ++i) {
         arguments[i] = texts[i].data();

@@ -24,6 +24,7 @@ constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() == parent) {
         dup2(addressPipe, STDOUT_FILENO);
+        dup2(open("/dev/null", O_WRONLY), STDERR_FILENO); // limits that it could not raise
         execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
                "--print-address=1", addressOption, static_cast<char*>(nullptr));
     }
