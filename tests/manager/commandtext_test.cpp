@@ -1,1 +1,121 @@
 // SPDX-License-Identifier: MIT
+// Reading commands, hostile ones above all.
+#include "manager/exchange/commandtext.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace manager;
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+const std::string sample = "<cmd>fontRequest</cmd>\n"
+                           "<targetApp>ART5</targetApp>\n"
+                           "<targetClass>FILC</targetClass>\n"
+                           "<targetPid>4711</targetPid>\n"
+                           "<protocolVersion>1.00</protocolVersion>\n"
+                           "<font>\n"
+                           "<syncID>a <b> & c</syncID></syncID>\n"
+                           "<psName>Foo-Bold</psName>\n"
+                           "<type>OT_T1</type>\n"
+                           "<familyName>M\xC3\xBCller & S\xC3\xB6hne</familyName>\n"
+                           "<styleName></styleName>\n"
+                           "</font>\n"
+                           "<font>\n"
+                           "<syncID></syncID>\n"
+                           "<psName>]]></psName>\n"
+                           "</font>\n"
+                           "</cmd>\n";
+
+TEST(ACommand, IsReadByLinesWithItsValuesAsTheyStand) {
+    const Command command = parseCommand(sample);
+    EXPECT_EQ(command.kind, CommandKind::fontRequest);
+    EXPECT_EQ(command.targetPid, 4711);
+    EXPECT_EQ(command.targetClass, "FILC");
+    ASSERT_THAT(command.fonts, SizeIs(2));
+    EXPECT_EQ(command.fonts[0].syncId, "a <b> & c</syncID>");
+    EXPECT_EQ(command.fonts[0].type, FontType::openTypePostScript);
+    EXPECT_EQ(command.fonts[0].familyName, "M\xC3\xBCller & S\xC3\xB6hne");
+    EXPECT_EQ(command.fonts[0].styleName, "");
+    EXPECT_EQ(command.fonts[0].containerId, std::nullopt);
+    EXPECT_EQ(command.fonts[1].postScriptName, "]]>");
+    EXPECT_EQ(command.fonts[1].type, std::nullopt);
+}
+
+TEST(ACommand, MayNameNoFontsAndHoldElementsOfLaterVersions) {
+    const Command command = parseCommand("<cmd>showRequest</cmd>\n<later>x</later>\n</cmd>");
+    EXPECT_EQ(command.kind, CommandKind::showRequest);
+    EXPECT_THAT(command.fonts, IsEmpty());
+    EXPECT_EQ(parseCommand("<cmd>dance</cmd>\n</cmd>\n\n").kind, CommandKind::unknown);
+}
+
+TEST(ACommand, CutAnywhereIsRefusedWithTheLineWhereItEnds) {
+    // Without its last line feed it is whole.
+    for (std::size_t length = 0; length + 1 < sample.size(); ++length) {
+        const std::string cut = sample.substr(0, length);
+        const auto line = 1 + std::count(cut.begin(), cut.end(), '\n');
+        try {
+            parseCommand(cut);
+            ADD_FAILURE() << "cut at " << length;
+        } catch (const MalformedCommand& error) {
+            // A line that lacks but its line feed is whole: the next one is missing.
+            EXPECT_THAT(
+                error.what(),
+                AnyOf(StartsWith("command, line " + std::to_string(line) + ": expected"),
+                      StartsWith("command, line " + std::to_string(line) + ": unknown"),
+                      StartsWith("command, line " + std::to_string(line) + ": the text"),
+                      StartsWith("command, line " + std::to_string(line + 1) + ": the text ends")))
+                << "cut at " << length;
+        }
+    }
+    EXPECT_NO_THROW(parseCommand(sample.substr(0, sample.size() - 1)));
+}
+
+TEST(ACommand, ThatIsMalformedIsRefusedWithTheLineAndTheFault) {
+    const std::string head = "<cmd>fontRequest</cmd>\n";
+    const struct {
+        std::string text;
+        const char* expected;
+    } cases[] = {
+        {"", "line 1: the text ends, expected <cmd>"},
+        {"fontRequest", "line 1: expected an element"},
+        {"<cmd></cmd>\n</cmd>", "line 1: expected <cmd> with a command word"},
+        {"<font>x</font>\n</cmd>", "line 1: expected <cmd> with a command word"},
+        {head + "\n</cmd>", "line 2: expected an element"},
+        {head + "<a>x</b>\n</cmd>", "line 2: expected </a> at the end"},
+        {head + "<a>\n</cmd>", "line 2: expected </a> at the end"},
+        {head + "<a></a\n</cmd>", "line 2: expected </a> at the end"},
+        {head + "<>x</>\n</cmd>", "line 2: expected an element"},
+        {head + "<targetPid>12x</targetPid>\n</cmd>", "line 2: expected a process id"},
+        {head + "<targetPid>-5</targetPid>\n</cmd>", "line 2: expected a process id"},
+        {head + "<targetPid>99999999999</targetPid>\n</cmd>", "line 2: expected a process id"},
+        {head + "<targetClass>FIL</targetClass>\n</cmd>", "line 2: expected four bytes"},
+        {head + "</cmd>\nmore\n", "line 3: text after the closing </cmd>"},
+        {head + "<font>\n<psName>x</psName>\n</font>\n</cmd>", "line 4: a font without <syncID>"},
+        {head + "<font>\n<syncID>x</syncID>\n</font>\n</cmd>", "line 4: a font without <psName>"},
+        {head + "<font>\n<syncID>x</syncID>\n<syncID>x</syncID>\n</font>\n</cmd>",
+         "line 4: a second <syncID>"},
+        {head + "<font>\n<type>TT</type>\n<type>TT</type>\n</font>\n</cmd>",
+         "line 4: a second <type>"},
+        {head + "<font>\n<type>tt</type>\n</font>\n</cmd>", "line 3: unknown type"},
+        {head + "<font>\n<font>\n</font>\n</cmd>", "line 3: expected </font>"},
+        {head + "<font>\r\n</font>\n</cmd>", "line 2: expected </font>"},
+        {std::string("<c\0md>x</cmd>", 13), "line 1: expected an element"},
+    };
+    for (const auto& [text, expected] : cases) {
+        try {
+            parseCommand(text);
+            ADD_FAILURE() << text;
+        } catch (const MalformedCommand& error) {
+            EXPECT_THAT(error.what(), HasSubstr(expected)) << text;
+        }
+    }
+}
+
+} // namespace

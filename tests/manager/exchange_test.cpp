@@ -1,1 +1,231 @@
 // SPDX-License-Identifier: MIT
+// Commands answered over a real library and real activation.
+#include "manager/exchange/exchange.h"
+#include "manager/library/update.h"
+#include "tests/manager/foldedreply.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+
+#include <filesystem>
+#include <fontconfig/fontconfig.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+class AnExchange : public testing::Test {
+protected:
+    AnExchange() {
+        add("one/lato.ttf", {"Lato", "Bold", "Lato-Bold", "", "", true, {}});
+        add("one/lato-r.ttf", {"Lato", "Regular", "Lato-Regular", "", "", true, {}});
+        add("x/both.ttf", {"Both", "Regular", "Both", "", "", false, {}});
+        add("y/both.ttf", {"Both", "Regular", "Both", "", "", true, {}});
+        add("odd/m.ttf",
+            {"M\xC3\xBCller & S\xC3\xB6hne <Co>", "Regular", "Mueller", "", "", true, {}});
+        scan();
+    }
+    ~AnExchange() override { FcFini(); }
+
+    void add(const std::string& path, const FontRecipe& recipe) {
+        sandbox_.write(path, makeFont(recipe));
+    }
+    void scan() { updateLibrary(library_, std::vector{sandbox_.library()}, FontReaderLimits{}); }
+    static std::string font(const std::vector<std::pair<std::string, std::string>>& elements) {
+        std::string text = "<font>\n";
+        for (const auto& [name, value] : elements) {
+            text.append("<").append(name).append(">").append(value).append("</").append(name);
+            text += ">\n";
+        }
+        return text + "</font>\n";
+    }
+    ReplyNode ask(const std::string& word, const std::string& body) {
+        answer_ =
+            answerCommand(library_, activation_, "<cmd>" + word + "</cmd>\n" + body + "</cmd>\n");
+        ReplyNode root = parseFolded(answer_.reply);
+        EXPECT_EQ(root.value("protocolVersion"), "2.0");
+        return root;
+    }
+    // The reply's only font.
+    ReplyNode askForOne(const std::string& word, const std::string& body) {
+        const ReplyNode root = ask(word, body);
+        EXPECT_THAT(root.all("font"), SizeIs(1));
+        return *root.all("font").at(0);
+    }
+    std::string idOf(const std::string& postScriptName, std::size_t position = 0) {
+        return toText(library_.findByPostScriptName(postScriptName).at(position).container);
+    }
+
+    Sandbox sandbox_;
+    Library library_{sandbox_.places()};
+    Activation activation_{sandbox_.places()};
+    Answer answer_;
+};
+
+TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
+    const ReplyNode reply = askForOne(
+        "fontRequest", font({{"syncID", "s & <1>"}, {"psName", "Lato-Bold"}, {"type", "OT_TT"}}));
+    std::vector<std::pair<std::string, std::string>> elements;
+    for (const ReplyNode& child : reply.children) {
+        elements.emplace_back(child.name, child.text);
+    }
+    const std::string id = idOf("Lato-Bold");
+    const std::string info =
+        "Lato Bold — OpenType TrueType, 2 styles, " + sandbox_.library() + "/one";
+    EXPECT_THAT(elements,
+                ElementsAre(std::pair("syncID", "s & <1>"), std::pair("type", "OT_TT"),
+                            std::pair("psName", "Lato-Bold"), std::pair("styleName", "Bold"),
+                            std::pair("familyName", "Lato"), std::pair("count", "1"),
+                            std::pair("isActive", "1"), std::pair("typeMatchingCount", "1"),
+                            std::pair("isTypeMatchingActive", "1"),
+                            std::pair("typeMatchingContainerID", id), std::pair("containerID", id),
+                            std::pair("activationSuccessfull", "1"),
+                            std::pair("fontInfo", id + info)));
+    EXPECT_TRUE(answer_.changed);
+    EXPECT_THAT(answer_.done, ElementsAre(HasSubstr("activated Lato")));
+    EXPECT_TRUE(activation_.isActive(*toContainerId(id), "lato-r.ttf"));
+
+    askForOne("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Bold"}}));
+    EXPECT_FALSE(answer_.changed);
+}
+
+TEST_F(AnExchange, ReportsAFontOfSeveralContainersAndAsksForTheWindow) {
+    const std::string asked = font({{"syncID", "1"}, {"psName", "Both"}, {"type", "TT"}});
+    const ReplyNode root = ask("fontRequest", asked);
+    const ReplyNode& reply = *root.all("font").at(0);
+    EXPECT_EQ(root.value("showWindow"), "1");
+    EXPECT_EQ(reply.value("count"), "2");
+    EXPECT_EQ(reply.value("isActive"), "0");
+    EXPECT_EQ(reply.value("typeMatchingCount"), "1");
+    EXPECT_EQ(reply.value("type"), "TT");
+    EXPECT_EQ(reply.value("typeMatchingContainerID"), idOf("Both"));
+    EXPECT_THAT(reply.all("fontInfo"), SizeIs(2));
+    EXPECT_FALSE(answer_.changed);
+
+    // The user's choice.
+    const ReplyNode chosen = askForOne(
+        "activationRequest", font({{"containerID", idOf("Both", 1)}, {"psName", "Both"}}));
+    EXPECT_EQ(chosen.value("activationSuccessfull"), "1");
+    EXPECT_EQ(chosen.value("containerID"), idOf("Both", 1));
+    const ReplyNode again = askForOne("fontRequest", asked);
+    EXPECT_EQ(again.value("isActive"), "1");
+    EXPECT_EQ(again.value("isTypeMatchingActive"), "0");
+    EXPECT_EQ(again.value("containerID"), idOf("Both", 1)) << "the active one comes first";
+}
+
+TEST_F(AnExchange, FindsByFamilyAndStyleWhatThePostScriptNameDoesNot) {
+    const struct {
+        const char* psName;
+        const char* family;
+        const char* style;
+        const char* found;
+    } cases[] = {
+        {"Lato-Bold", "Both", "Regular", "Lato-Bold"},
+        {"LatoBold", "lato", "BOLD", "Lato-Bold"},
+        {"Unknown", "M\xC3\x9CLLER & S\xC3\x96HNE <co>", "Regular", "Mueller"},
+        {"", "Lato", "", "Lato-Regular"},
+        {"Unknown", "", "", "Unknown"},
+    };
+    for (const auto& [psName, family, style, found] : cases) {
+        const ReplyNode reply = askForOne("fontRequest", font({{"syncID", "1"},
+                                                               {"psName", psName},
+                                                               {"familyName", family},
+                                                               {"styleName", style}}));
+        EXPECT_EQ(reply.value("psName"), found);
+    }
+}
+
+TEST_F(AnExchange, SaysThatNobodyHoldsAFont) {
+    const ReplyNode root =
+        ask("fontRequest", font({{"syncID", "1"}, {"psName", "No & <None>"}, {"type", "T1"}}) +
+                               font({{"syncID", "2"}, {"psName", "None"}, {"familyName", "F"}}));
+    EXPECT_EQ(root.value("showWindow"), "0");
+    const auto fonts = root.all("font");
+    ASSERT_THAT(fonts, SizeIs(2));
+    EXPECT_EQ(fonts[0]->value("count"), "0");
+    EXPECT_EQ(fonts[0]->value("type"), "T1");
+    EXPECT_EQ(fonts[0]->value("psName"), "No & <None>");
+    EXPECT_EQ(fonts[1]->value("type"), "OT_TT");
+    EXPECT_EQ(fonts[1]->value("familyName"), "F");
+    EXPECT_EQ(fonts[1]->value("isActive"), "0");
+    EXPECT_THAT(fonts[1]->all("fontInfo"), IsEmpty());
+    EXPECT_THAT(answer_.problems, IsEmpty());
+}
+
+TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivated) {
+    std::filesystem::remove(sandbox_.library() + "/one/lato.ttf");
+    const ReplyNode root = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Regular"}}));
+    const ReplyNode& reply = *root.all("font").at(0);
+    EXPECT_EQ(reply.value("count"), "1");
+    EXPECT_EQ(reply.value("isActive"), "0");
+    EXPECT_EQ(reply.value("activationSuccessfull"), "0");
+    EXPECT_THAT(root.value("error"), HasSubstr("/one/lato.ttf: cannot be read"));
+    EXPECT_FALSE(answer_.changed);
+}
+
+TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
+    const std::string plain = idOf("Both", 0);
+    const std::string openType = idOf("Both", 1);
+    const struct {
+        std::string containerId;
+        const char* psName;
+        std::string activated;
+    } cases[] = {
+        {"", "Both", openType},    {"0", "Both", openType},
+        {"999", "Both", openType}, {plain, "Both", plain},
+        {"x", "Nobody", "x"},      {idOf("Lato-Bold"), "Both", idOf("Lato-Bold")},
+    };
+    for (const auto& [containerId, psName, activated] : cases) {
+        activation_.deactivate(std::vector{*toContainerId(plain), *toContainerId(openType)});
+        const ReplyNode root =
+            ask("activationRequest", font({{"containerID", containerId}, {"psName", psName}}));
+        const ReplyNode& reply = *root.all("font").at(0);
+        EXPECT_EQ(reply.value("containerID"), activated);
+        const bool known = toContainerId(activated).has_value();
+        EXPECT_EQ(reply.value("activationSuccessfull"), known ? "1" : "0");
+        EXPECT_EQ(root.all("error").empty(), known);
+    }
+}
+
+TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
+    for (const char* word : {"showRequest", "buyRequest"}) {
+        const ReplyNode root = ask(word, font({{"psName", "Both"}}) + font({{"psName", "None"}}));
+        EXPECT_EQ(root.value("showWindow"), "0");
+        const auto fonts = root.all("font");
+        ASSERT_THAT(fonts, SizeIs(2));
+        EXPECT_EQ(fonts[0]->value("count"), "2");
+        EXPECT_EQ(fonts[0]->value("psName"), "Both");
+        EXPECT_EQ(fonts[1]->value("count"), "0");
+        EXPECT_EQ(fonts[0]->value("handled"), word == std::string("buyRequest") ? "0" : "(none)");
+        EXPECT_FALSE(answer_.changed);
+    }
+    EXPECT_THAT(activation_.active([](const std::string&) {}), IsEmpty());
+    EXPECT_THAT(ask("showRequest", "").all("font"), IsEmpty());
+}
+
+TEST_F(AnExchange, AnswersWhatItCannotReadOrDoesNotKnow) {
+    const ReplyNode unknown = ask("dance<&>", "<font>\n</font>\n");
+    EXPECT_EQ(unknown.value("error"), "command, line 1: unknown command word 'dance<&>'");
+    const ReplyNode malformed = ask("fontRequest", "<font>\n");
+    EXPECT_THAT(malformed.value("error"), HasSubstr("command, line 3: "));
+    EXPECT_THAT(malformed.text, testing::StartsWith("fontRequest2.0"));
+    answer_ = answerCommand(library_, activation_, "");
+    EXPECT_THAT(parseFolded(answer_.reply).text, testing::StartsWith("error2.0command, line 1"));
+}
+
+TEST_F(AnExchange, TellsWhomToInformOfChanges) {
+    ask("fontRequest", "<targetClass>ABCD</targetClass>\n<targetPid>12</targetPid>\n");
+    EXPECT_EQ(answer_.target, (ChangeTarget{12, "ABCD"}));
+    ask("showRequest", "<targetPid>12</targetPid>\n");
+    EXPECT_EQ(answer_.target, (ChangeTarget{12, "FILC"}));
+    ask("activationRequest", "");
+    EXPECT_EQ(answer_.target, std::nullopt);
+}
+
+} // namespace

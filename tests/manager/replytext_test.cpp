@@ -1,1 +1,99 @@
 // SPDX-License-Identifier: MIT
+// Replies survive the way in which their reader makes XML of them.
+#include "manager/exchange/replytext.h"
+#include "tests/manager/foldedreply.h"
+
+#include <gtest/gtest.h>
+
+using namespace manager;
+using namespace managertest;
+
+namespace {
+
+std::string roundTrip(const std::string& value) {
+    ReplyText reply("fontRequest");
+    reply.element("before", "x");
+    reply.element("value", value);
+    reply.fontInfo("12", value);
+    reply.element("after", "x");
+    const ReplyNode root = parseFolded(reply.finish());
+    EXPECT_EQ(root.children.size(), 5U);
+    const ReplyNode& info = root.children.at(3);
+    EXPECT_EQ(info.children.at(0).text, "12");
+    EXPECT_EQ(info.children.at(1).text, root.value("value"));
+    EXPECT_EQ(root.value("after"), "x");
+    return root.value("value");
+}
+
+TEST(AReply, CarriesValuesExactlyThroughTheFolding) {
+    for (const char* value : {"",
+                              " ",
+                              "plain",
+                              "M\xC3\xBCller & S\xC3\xB6hne",
+                              "&amp;",
+                              "&lt;",
+                              "a<b",
+                              "a>b",
+                              "<",
+                              ">",
+                              "]]>",
+                              "]]]]>>",
+                              "]]",
+                              "]>",
+                              "<]]>",
+                              "]]<>",
+                              "<![CDATA[x]]>",
+                              "</cmd>",
+                              "x</cmd>",
+                              "</value>",
+                              "<cmd>",
+                              "<!-- -- -->",
+                              "<?x?>",
+                              "\"quoted\" 'twice'",
+                              "a\tb",
+                              "  blanks  ",
+                              "\xE6\xB8\xAF\xE5\x8F\xA3",
+                              "\xF0\x9F\x98\x80",
+                              "\xEF\xBB\xBF"
+                              "bom",
+                              "\xC2\x85\xE2\x80\xA8"}) {
+        EXPECT_EQ(roundTrip(value), value);
+    }
+}
+
+TEST(AReply, PutsABlankForWhatXmlCannotCarryAndAMarkForWhatIsNoUtf8) {
+    const std::string mark = "\xEF\xBF\xBD";
+    const struct {
+        std::string value;
+        std::string expected;
+    } cases[] = {
+        {"a\nb", "a b"},
+        {"a\r\nb", "a  b"},
+        {std::string("a\0b\x01\x1F", 5), "a b  "},
+        {"x</cmd>\ny", "x</cmd> y"},
+        {"\xEF\xBF\xBE\xEF\xBF\xBF", "  "}, // not characters
+        {"\xFF", mark},
+        {"a\xC3", "a" + mark},                           // cut
+        {"\xC0\xBC", mark + mark},                       // overlong "<"
+        {"\xED\xA0\x80", mark + mark + mark},            // surrogate
+        {"\xF4\x90\x80\x80", mark + mark + mark + mark}, // beyond the last character
+        {"\xE2\x82<", mark + mark + "<"},
+    };
+    for (const auto& [value, expected] : cases) {
+        EXPECT_EQ(roundTrip(value), expected);
+    }
+}
+
+TEST(AReply, HasTheCommandWordAsItsTextAndTheProtocolVersion) {
+    for (const char* word : {"fontRequest", "x</cmd>", "</cmd>", "<cmd>", "a&b]]>"}) {
+        const std::string reply = ReplyText(word).finish();
+        EXPECT_TRUE(reply.starts_with("<cmd>"));
+        EXPECT_TRUE(reply.ends_with("\n</cmd>\n"));
+        const ReplyNode root = parseFolded(reply);
+        EXPECT_EQ(root.name, "cmd");
+        EXPECT_EQ(root.text, std::string(word) + "2.0");
+        EXPECT_EQ(root.value("protocolVersion"), "2.0");
+    }
+}
+
+} // namespace
