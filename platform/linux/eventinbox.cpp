@@ -20,7 +20,7 @@ PendingAnswer::PendingAnswer(GDBusConnection* connection, GDBusMessage* call)
 }
 
 PendingAnswer::~PendingAnswer() {
-    refuse(kErrorEnded, "the application ended before it answered");
+    refuse(kErrorEnded, "the application gave no answer");
 }
 
 void PendingAnswer::give(GVariant* body) {

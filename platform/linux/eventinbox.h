@@ -14,8 +14,8 @@
 
 namespace platform {
 
-/// The answer that one call on the bus still owes its sender. An answer that was not given when
-/// this ends is an error saying that the application ended.
+/// The answer that one call on the bus still owes its sender. One that was not given when this ends
+/// is an error, so that no sender waits for an application that ended or a handler that threw.
 class PendingAnswer {
 public:
     PendingAnswer(GDBusConnection* connection, GDBusMessage* call);

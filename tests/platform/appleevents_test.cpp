@@ -10,6 +10,9 @@
 
 #include <atomic>
 #include <future>
+#include <map>
+#include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -361,6 +364,20 @@ TEST_F(AnApplication, CallsTheHandlerThatFitsBest) {
     EXPECT_EQ(AERemoveEventHandler(FourCharCode("TEST"), FourCharCode("who "), nullptr, false),
               noErr);
     EXPECT_EQ(handling("TEST", "who "), "any ");
+}
+
+TEST_F(AnApplication, AnswersForAHandlerThatThrows) {
+    upps.push_back(NewAEEventHandlerUPP([](const AppleEvent*, AppleEvent*, void*) -> OSErr {
+        throw std::runtime_error("thrown by the handler");
+    }));
+    ASSERT_EQ(AEInstallEventHandler(FourCharCode("TEST"), FourCharCode("who "), upps.back(),
+                                    nullptr, false),
+              noErr);
+    installed.emplace_back(FourCharCode("TEST"), FourCharCode("who "));
+    auto status = std::async(std::launch::async,
+                             [] { return TestEvent("SELF", "who ").send(kNoTimeOut); });
+    EXPECT_THROW(PLWaitForEvents(-1), std::runtime_error);
+    EXPECT_EQ(status.get(), connectionInvalid);
 }
 
 TEST_F(AnApplication, RemovesOnlyTheHandlerThatIsInstalled) {

@@ -84,27 +84,33 @@ enum : OSErr {
     errAEBufferTooSmall = -1741,
 };
 
-/// The greatest size of one event, parameters and attributes together. Larger ones are refused by
-/// the sender with memFullErr, and by a receiver with an error reply.
+/// The greatest size in bytes of one event, parameters and attributes together, each counted as it
+/// stands in the bus' message: 12 bytes and its data, rounded up to a multiple of 8. (A single
+/// parameter may thus have up to kAEMaximumEventSize - 12 bytes.) Larger events cannot be filled,
+/// and a receiver refuses them with an error reply; so are more than 1,024 parameters or
+/// attributes.
 constexpr Size kAEMaximumEventSize = 64L * 1024 * 1024;
 
 /// Makes an empty (null) descriptor of any storage. Never fails.
 void AEInitializeDesc(AEDesc* desc);
 
 /// Makes a descriptor of `size` copied bytes. paramErr: null result, negative size, or bytes
-/// missing; memFullErr: above kAEMaximumEventSize.
+/// missing, or type typeAppleEvent; memFullErr: above kAEMaximumEventSize, or no memory.
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result);
 
-/// Makes an event for `target` (typeApplSignature or typeKernelProcessID).
-/// errAENotAEDesc: `target` is not an address descriptor.
+/// Makes an event for `target` (typeApplSignature or typeKernelProcessID, four bytes of data).
+/// kAutoGenerateReturnID draws a return ID from 0 to 32,767. errAENotAEDesc: `target` is not an
+/// address descriptor; paramErr: null result; memFullErr.
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target,
                          AEReturnID returnID, AETransactionID transactionID, AppleEvent* result);
 
-/// Sets (or replaces) one parameter. errAENotAEDesc when `event` is no event or reply;
-/// memFullErr when the event would exceed kAEMaximumEventSize.
+/// Sets (or replaces) one parameter. errAENotAEDesc when `event` is no event or reply; paramErr:
+/// negative size, or bytes missing; memFullErr when the event would exceed kAEMaximumEventSize.
+/// After an error the event is as it was.
 OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                     Size size);
-/// Sets (or replaces) one attribute; errors as AEPutParamPtr.
+/// Sets (or replaces) one attribute; errors as AEPutParamPtr, and paramErr for the five attributes
+/// listed above, which are the event's own.
 OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                         Size size);
 
@@ -116,17 +122,28 @@ OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, con
 OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                     DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 /// Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and tell the
-/// event's class and ID as one native OSType.
+/// event's class and ID as one native OSType; "rtid" and "tran" are of type typeSInt32; "addr" is
+/// the target of an event that was made here and is not told of one that came in.
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 
-/// Sends an event. `reply` is set to the answer with kAEWaitReply (dispose of it) and to a null
-/// descriptor otherwise. The time-out is in ticks of 1/60 s. While the call waits, no handler of
-/// the calling process runs. Results: noErr; procNotFound: nobody with that address;
-/// connectionInvalid: the peer vanished before it answered, or there is no bus; errAETimeout;
-/// memFullErr: too large; errAEEventNotHandled: the peer has no handler for it; otherwise what the
-/// peer's system reported. With kAENoReply the result tells only whether the event could be handed
-/// to a peer.
+/// Sends an event; it may be sent again afterwards. A signature addresses the holder of its single
+/// instance, else its process with the lowest id; a process id addresses whatever the process is
+/// registered as. No process can pass for another: a name on the bus counts only when the kernel's
+/// id of its owner agrees. `reply` is set to the answer with kAEWaitReply (dispose of it) and to a
+/// null descriptor otherwise; it may be null with kAENoReply. The time-out is in ticks of 1/60 s
+/// and counts for the answer alone. While the call waits, no handler runs in its thread. Results:
+/// - noErr, also when the handler failed: its result is in the reply as keyErrorNumber;
+/// - procNotFound: nobody with that address; it is known at once;
+/// - connectionInvalid: the peer vanished or unregistered before it answered, or there is no bus;
+/// - errAETimeout: no answer in time, the peer may still handle the event; or, at once, the caller
+///   is the thread that dispatches and the target its own process, so that nobody could answer;
+/// - memFullErr: too large, or the peer has too much waiting; errAECorruptData: the peer found the
+///   message malformed; errAEReplyNotValid: we found the answer malformed;
+/// - errAEEventNotHandled: the peer has no handler for it;
+/// - errAENotAEDesc: `event` is not an event with a target; paramErr: unknown mode, no `reply` to
+///   wait for, or a time-out below kNoTimeOut.
+/// With kAENoReply noErr tells only that the event was handed to the bus for a peer that was there.
 OSStatus AESend(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
                 AESendPriority priority, std::int32_t timeOutInTicks, AEIdleUPP idle,
                 AEFilterUPP filter);
@@ -140,7 +157,8 @@ void DisposeAEEventHandlerUPP(AEEventHandlerUPP upp);
 
 /// Installs a handler for a class and an ID (typeWildCard as class or ID: all of them; an exact
 /// entry wins over a wildcard), replacing one installed for the same pair. `isSystemHandler` must
-/// be false: there is only the application's own table (paramErr).
+/// be false: there is only the application's own table (paramErr, also for a null handler). The
+/// entry keeps the routine, not the reference, and must be removed before its code is unloaded.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                             void* refCon, bool isSystemHandler);
 /// Removes it. errAEHandlerNotFound when another routine or none is installed for the pair; a null

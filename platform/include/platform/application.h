@@ -17,25 +17,29 @@ enum : OSErr {
 
 /// Makes this process known on the session bus under `signature` and its process id, so that others
 /// find it and send it events. Starts a private bus when the session has none, says so on standard
-/// error, and ends that bus with this process. Returns noErr; kPLAlreadyRunningErr;
-/// connectionInvalid: no bus could be had; paramErr: registered already.
-/// Call once, from the thread that lives as long as the process. `name` (UTF-8, may be
-/// null) is told to others in ProcessInfoRec::processName.
+/// error, names it in DBUS_SESSION_BUS_ADDRESS for the applications that this one launches, and
+/// ends it with this process, also when this process is killed. Returns noErr;
+/// kPLAlreadyRunningErr; connectionInvalid: no bus could be had; paramErr: registered already,
+/// `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the one that
+/// dispatches until another does. Call it before there are other threads that read the environment.
+/// `name` (UTF-8, may be null) is told to others in ProcessInfoRec::processName.
 OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const char* name);
 
-/// Gives the signature back and closes the connection; waiting events are dropped. Safe
-/// unregistered.
+/// Gives the signature back; senders of waiting events get an error, and answers already given have
+/// left when this returns. Installed handlers stay. Safe unregistered, and inside a handler.
 void PLUnregisterApplication();
 
-/// A descriptor that is readable while events wait or the bus is gone; -1 before registration.
-/// Owned by the library.
+/// A descriptor that is readable while events wait or the bus is gone; -1 while not registered.
+/// Owned by the library. Once the bus is gone it stays readable until PLUnregisterApplication,
+/// after which a new registration tries for a bus again.
 int PLEventFileDescriptor();
 
-/// Runs the installed handler of every waiting event, in the calling thread and in order of
-/// arrival, and answers the senders. Returns the number of events dispatched, or connectionInvalid
-/// once the bus is gone.
+/// Runs the installed handler of every event that waits at the time of the call, in the calling
+/// thread and in order of arrival, and answers the senders. Returns the number of events
+/// dispatched, or connectionInvalid once the bus is gone or while not registered. An exception of a
+/// handler passes through; its sender gets an error.
 std::int32_t PLDispatchPendingEvents();
 
-/// Waits up to `milliseconds` (-1: for ever) for an event and dispatches; result as above
-/// (0: none came).
+/// Waits up to `milliseconds` (-1: for ever) for an event and dispatches; result as above. 0: none
+/// came, or a signal of the kernel ended the wait.
 std::int32_t PLWaitForEvents(std::int32_t milliseconds);

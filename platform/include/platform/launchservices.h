@@ -36,7 +36,8 @@ enum : std::uint32_t { kFSCatInfoNone = 0 };
 /// accepts every byte) or without memory.
 CFStringRef CFStringCreateWithCString(const void* allocator, const char* text,
                                       CFStringEncoding encoding);
-/// Writes the text as UTF-8 into `buffer`, always terminated; false when it does not fit.
+/// Writes the text in `encoding` into `buffer`, always terminated; false, with an empty text, when
+/// it does not fit or a character has no place in the encoding.
 bool CFStringGetCString(CFStringRef text, char* buffer, long size, CFStringEncoding encoding);
 /// Prints a text or a URL and a line end to standard error. Null is printed as "(null)".
 void CFShow(CFTypeRef object);
@@ -46,8 +47,9 @@ void CFRelease(CFTypeRef object);
 /// Finds the application with the identifier `bundleID` ("org.example.App" finds the desktop entry
 /// org.example.App.desktop in the user's and the system's folders, as XDG_DATA_HOME and
 /// XDG_DATA_DIRS name them at the time of the call). `creator` and `name` must be kLSUnknownCreator
-/// and null. `ref` and `url` may be null; `*url` is owned by the caller.
-/// kLSApplicationNotFoundErr: none, or it cannot be read or started.
+/// and null (else paramErr). `ref` and `url` may be null; `*url` is owned by the caller.
+/// kLSApplicationNotFoundErr: none, or the first of that name is malformed, hidden, or without its
+/// program; then nothing is set.
 OSStatus LSFindApplicationForInfo(OSType creator, CFStringRef bundleID, CFStringRef name,
                                   FSRef* ref, CFURLRef* url);
 /// Writes the path, zero-terminated. paramErr: null or empty reference, or buffer too small.

@@ -24,8 +24,9 @@ enum : OSStatus {
 /// kMPInsufficientResourcesErr.
 OSStatus MPCreateSemaphore(MPSemaphoreCount maximumValue, MPSemaphoreCount initialValue,
                            MPSemaphoreID* semaphore);
-/// Takes one, waiting up to `timeout`. A wait is a cancellation point of POSIX threads.
-/// kMPTimeoutErr; kMPInvalidIDErr: null.
+/// Takes one, waiting up to `timeout`. A wait (not an immediate try) is a cancellation point of
+/// POSIX threads; a cancelled one has taken nothing. Signal handlers do not end it. kMPTimeoutErr;
+/// kMPInvalidIDErr: null; paramErr: negative time-out.
 OSStatus MPWaitOnSemaphore(MPSemaphoreID semaphore, Duration timeout);
 /// Gives one. kMPInsufficientResourcesErr: it is at its maximum; kMPInvalidIDErr: null.
 OSStatus MPSignalSemaphore(MPSemaphoreID semaphore);

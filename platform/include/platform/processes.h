@@ -5,7 +5,8 @@
 #include "platform/launchservices.h"
 #include "platform/types.h"
 
-/// Names one process in a walk. {0, kNoProcess} stands before the first.
+/// Names one process in a walk: its signature and its process id. {0, kNoProcess} stands before the
+/// first.
 struct ProcessSerialNumber {
     std::uint32_t highLongOfPSN = 0;
     std::uint32_t lowLongOfPSN = 0;
@@ -24,9 +25,13 @@ struct ProcessInfoRec {
 };
 
 /// Advances `psn` to the next process known on the bus; after the last (or without a bus) sets it
-/// to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the bus anew.
+/// to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the bus anew
+/// (about 0.1 ms), any other goes on in the list got then; processes that have ended since, and
+/// names that belong to another process than they say, are passed over. paramErr: null. Any thread.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
-/// Fills `info`. procNotFound: `psn` names no process (kNoProcess included) or it has ended.
+/// Fills `info`, all of it but the two fields that the caller sets. The name is the one given at
+/// the registration, else the kernel's. procNotFound: `psn` names no process (kNoProcess included)
+/// or it has ended; then `info` is left alone. paramErr: null, or an unknown length. Any thread.
 OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
 
 enum : std::uint16_t {
@@ -50,7 +55,10 @@ struct LaunchParamBlockRec {
     void* launchAppParameters = nullptr;
 };
 
-/// Starts the application whose desktop entry `launchAppSpec` names, by its Exec line, and returns
-/// without waiting for it. paramErr: block not extendedBlock, or no specification; fnfErr: no such
-/// entry, or its program is missing; memFullErr: it could not be started.
+/// Starts the application whose desktop entry `launchAppSpec` names, by its Exec line and without
+/// files, and returns without waiting for it. It runs in a session of its own, has this process'
+/// environment, standard output and standard error, none of its other descriptors, and is nobody's
+/// to reap. The control flags are not looked at: it never takes the place or the focus of the
+/// caller. paramErr: block not extendedBlock, or no specification; fnfErr: no such entry, or its
+/// program is missing; memFullErr: it could not be started.
 OSErr LaunchApplication(LaunchParamBlockRec* parameters);
