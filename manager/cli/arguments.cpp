@@ -42,6 +42,10 @@ public:
         try {
             app_.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
+            if (argc > 1 && argv[1][0] != '-' && app_.get_subcommands().empty()) {
+                warn("unknown command '" + std::string(argv[1]) + "'; see glyphora --help");
+                return exitUsage;
+            }
             return app_.exit(error) == 0 ? exitSuccess : exitUsage;
         }
         return action_(Places::fromEnvironment());

@@ -1,1 +1,327 @@
 // SPDX-License-Identifier: MIT
+// The program on a bus of its own: events in, answers and changes out, one instance, every way to
+// end it.
+#include "platform/appleevents.h"
+#include "platform/application.h"
+#include "platform/notify.h"
+#include "platform/processes.h"
+#include "tests/manager/foldedreply.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+#include "tests/support/privatebus/privatebus.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace managertest;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A watchdog, far beyond what anything here takes.
+constexpr std::chrono::seconds patience{60};
+
+bool await(const std::function<bool()>& condition) {
+    const auto deadline = Clock::now() + patience;
+    while (!condition()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+struct Ending {
+    int status = -1;
+    std::string output; ///< standard output and standard error
+};
+
+/// One run of the program.
+class ProgramRun {
+public:
+    ProgramRun(const std::vector<std::string>& arguments, const std::string& log) : log_(log) {
+        std::vector<std::string> all = {"glyphora"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& argument : all) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
+        process_ = fork();
+        if (process_ == 0) {
+            const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            dup2(file, STDOUT_FILENO);
+            dup2(file, STDERR_FILENO);
+            execv(GLYPHORA_PROGRAM, pointers.data());
+            _exit(127);
+        }
+    }
+    ProgramRun(const ProgramRun&) = delete;
+    ProgramRun& operator=(const ProgramRun&) = delete;
+    ~ProgramRun() {
+        if (process_ > 0) {
+            kill(process_, SIGKILL);
+            waitpid(process_, nullptr, 0);
+        }
+    }
+
+    [[nodiscard]] pid_t process() const { return process_; }
+    [[nodiscard]] std::string output() const { return readBytes(log_); }
+    Ending wait() {
+        int status = 0;
+        waitpid(process_, &status, 0);
+        process_ = -1;
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), output()};
+    }
+
+private:
+    std::string log_;
+    pid_t process_ = -1;
+};
+
+int receivedChanges = 0;
+
+OSErr countChange(const AppleEvent* event, AppleEvent* /*reply*/, void* /*refCon*/) {
+    OSType id = 0;
+    AEGetAttributePtr(event, keyEventIDAttr, typeType, nullptr, &id, sizeof id, nullptr);
+    receivedChanges += id == FourCharCode("FSBC") ? 1 : 0;
+    return noErr;
+}
+
+class TheProgram : public testing::Test {
+protected:
+    TheProgram() {
+        sandbox_.write("fonts/lato.ttf",
+                       makeFont({"Lato & Co", "Bold", "Lato-Bold", "", "", true, {}}));
+    }
+    ~TheProgram() override { PLUnregisterApplication(); }
+
+    Ending glyphora(const std::vector<std::string>& arguments) {
+        return ProgramRun(arguments, sandbox_.root() + "/log." + std::to_string(++runs_)).wait();
+    }
+    void serve() {
+        server_.emplace(std::vector<std::string>{"serve", "--verbose"},
+                        sandbox_.root() + "/log.server");
+        ASSERT_TRUE(await([] { return isServerKnown(); })) << server_->output();
+    }
+    static bool isServerKnown() {
+        ProcessSerialNumber process;
+        while (GetNextProcess(&process) == noErr) {
+            ProcessInfoRec info;
+            if (GetProcessInformation(&process, &info) == noErr &&
+                info.processSignature == FourCharCode("QGLY")) {
+                return true;
+            }
+        }
+        return false;
+    }
+    static std::optional<std::string> send(const std::string& command) {
+        AEDesc target;
+        AppleEvent event;
+        AppleEvent reply;
+        AECreateDesc(typeApplSignature, "QGLY", 4, &target);
+        AECreateAppleEvent(FourCharCode("QGLY"), FourCharCode("****"), &target,
+                           kAutoGenerateReturnID, kAnyTransactionID, &event);
+        AEPutParamPtr(&event, keyDirectObject, typeChar, command.data(),
+                      static_cast<Size>(command.size()));
+        std::optional<std::string> text;
+        Size size = 0;
+        if (AESend(&event, &reply, kAEWaitReply, kAENormalPriority, 3600, nullptr, nullptr) ==
+                noErr &&
+            AEGetParamPtr(&reply, typeWildCard, typeChar, nullptr, nullptr, 0, &size) == noErr) {
+            text.emplace(static_cast<std::size_t>(size), '\0');
+            AEGetParamPtr(&reply, typeWildCard, typeChar, nullptr, text->data(), size, nullptr);
+        }
+        AEDisposeDesc(&reply);
+        AEDisposeDesc(&event);
+        AEDisposeDesc(&target);
+        return text;
+    }
+    static std::string request(const std::string& psName) {
+        return "<cmd>fontRequest</cmd>\n<targetApp>ART5</targetApp>\n<targetClass>FILC</"
+               "targetClass>\n"
+               "<targetPid>" +
+               std::to_string(getpid()) +
+               "</targetPid>\n<protocolVersion>1.00</protocolVersion>\n<font>\n<syncID>1</syncID>\n"
+               "<psName>" +
+               psName + "</psName>\n</font>\n</cmd>\n";
+    }
+    // The value of an element of the only font in the reply.
+    static std::string askFor(const std::string& psName, const char* element) {
+        const auto reply = send(request(psName));
+        return reply ? parseFolded(*reply).all("font").at(0)->value(element) : "no reply";
+    }
+
+    testsupport::PrivateBus bus_;
+    Sandbox sandbox_;
+    std::optional<ProgramRun> server_;
+    int runs_ = 0;
+};
+
+TEST_F(TheProgram, ActivatesOnRequestAndTellsOfItAfterTheAnswer) {
+    ASSERT_EQ(PLRegisterApplication(FourCharCode("ART5"), kPLManyInstances, "host"), noErr);
+    receivedChanges = 0;
+    const auto routine = NewAEEventHandlerUPP(countChange);
+    AEInstallEventHandler(FourCharCode("FILC"), typeWildCard, routine, nullptr, false);
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    int token = 0;
+    ASSERT_EQ(notify_register_check("org.glyphora.Glyphora.FontLibraryChanged", &token),
+              std::uint32_t{NOTIFY_STATUS_OK});
+    serve();
+
+    const auto posted = [&] {
+        int check = 0;
+        notify_check(token, &check);
+        return check == 1;
+    };
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    EXPECT_TRUE(await(posted));
+    // This process was waiting for its answer: the event was sent all the same, and comes now.
+    EXPECT_TRUE(await([] {
+        PLWaitForEvents(10);
+        return receivedChanges > 0;
+    }));
+    EXPECT_TRUE(std::filesystem::exists(sandbox_.places().fonts() + "/1/lato.ttf"));
+
+    // A question that changes nothing is no news: the next of either kind comes from the next
+    // change.
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    EXPECT_EQ(askFor("Nobody", "count"), "0");
+    EXPECT_EQ(glyphora({"deactivate", "--all"}).status, 0);
+    EXPECT_TRUE(await(posted));
+    EXPECT_FALSE(posted());
+    PLDispatchPendingEvents();
+    EXPECT_EQ(receivedChanges, 1);
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1") << "what was deactivated can be had again";
+
+    notify_cancel(token);
+    AERemoveEventHandler(FourCharCode("FILC"), typeWildCard, routine, false);
+    DisposeAEEventHandlerUPP(routine);
+}
+
+TEST_F(TheProgram, AnswersWithoutALibraryAndSeesWhatOtherCommandsAddLater) {
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "count"), "0");
+    EXPECT_THAT(*send("rubbish\n"), HasSubstr("<error>command, line 1: "));
+    EXPECT_THAT(*send("<cmd>showRequest</cmd>\n</cmd>\n"),
+                StartsWith("<cmd>showRequest</cmd>\n<protocolVersion>2.0</protocolVersion>\n"));
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
+}
+
+TEST_F(TheProgram, ScansWhenAFolderChanges) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late", "", "", true, {}}));
+    EXPECT_TRUE(await([] { return askFor("Late", "count") == "1"; }));
+    std::filesystem::remove(sandbox_.library() + "/fonts/new/late.ttf");
+    EXPECT_TRUE(await([] { return askFor("Late", "count") == "0"; }));
+}
+
+TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    // The path now holds no database, as after a disk fault; the server's own file is gone.
+    const std::string database = sandbox_.places().database();
+    std::filesystem::remove(database + "-wal");
+    std::filesystem::remove(database + "-shm");
+    std::filesystem::remove(database);
+    writeBytes(database, "this is not a database, and long enough to be looked at as one");
+    EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << server_->output();
+    EXPECT_THAT(server_->output(), HasSubstr("made anew from the recorded folders"));
+}
+
+TEST_F(TheProgram, RunsOnceAndEndsWhenToldTo) {
+    const std::vector<std::pair<const char*, std::function<void()>>> ways = {
+        {"quit", [&] { EXPECT_EQ(glyphora({"quit"}).status, 0); }},
+        {"SIGTERM", [&] { kill(server_->process(), SIGTERM); }},
+        {"SIGINT", [&] { kill(server_->process(), SIGINT); }},
+        {"the bus", [&] { bus_.stop(); }},
+    };
+    for (const auto& [name, end] : ways) {
+        serve();
+        const Ending second = glyphora({"serve"});
+        EXPECT_EQ(second.status, 0) << name;
+        EXPECT_THAT(second.output, HasSubstr("a server is running already"));
+        end();
+        const Ending ending = server_->wait();
+        EXPECT_EQ(ending.status, 0) << name << ": " << ending.output;
+    }
+    EXPECT_EQ(glyphora({"quit"}).status, 1);
+}
+
+TEST_F(TheProgram, TakesUpAfterBeingKilled) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    kill(server_->process(), SIGKILL);
+    server_->wait();
+    std::filesystem::remove(sandbox_.places().fonts() + "/1/lato.ttf");
+    std::filesystem::create_directories(sandbox_.places().fonts() + "/.staging/9");
+    ASSERT_TRUE(await([] { return !isServerKnown(); }));
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    EXPECT_THAT(server_->output(), HasSubstr("/1: completed, as was begun"));
+    EXPECT_FALSE(std::filesystem::exists(sandbox_.places().fonts() + "/.staging/9"));
+}
+
+TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
+    sandbox_.write("fonts/bad.otf", "bad");
+    const Ending added = glyphora({"add", sandbox_.library()});
+    EXPECT_THAT(added.output, HasSubstr("glyphora: " + sandbox_.library() + "/fonts/bad.otf: "));
+    EXPECT_EQ(glyphora({"activate", "Lato-Bold"}).status, 0);
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+
+    const auto list = nlohmann::json::parse(glyphora({"list", "--json"}).output);
+    EXPECT_EQ(list["folders"][0]["path"], sandbox_.library());
+    EXPECT_EQ(list["folders"][0]["badFiles"], 1);
+    EXPECT_EQ(list["containers"][0]["name"], "Lato & Co");
+    EXPECT_EQ(list["containers"][0]["active"], true);
+    const auto status = nlohmann::json::parse(glyphora({"status", "--json"}).output);
+    EXPECT_EQ(status["server"], server_->process());
+    EXPECT_EQ(status["active"][0]["id"], 1);
+    EXPECT_THAT(glyphora({"history", "--all"}).output, HasSubstr("activated Lato & Co"));
+    EXPECT_THAT(glyphora({"history"}).output, HasSubstr("fontRequest: 1 font"));
+
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string message;
+    } cases[] = {
+        {{}, 2, "subcommand is required"},
+        {{"dance"}, 2, "dance"},
+        {{"add"}, 2, "required"},
+        {{"deactivate"}, 2, "--all"},
+        {{"--help"}, 0, "font manager"},
+        {{"add", sandbox_.root() + "/absent"}, 1, "/absent: cannot be added: No such file"},
+        {{"remove", "/absent"}, 1, "/absent: not a folder of the library"},
+        {{"activate", "Nobody"}, 1, "Nobody: no container"},
+        {{"activate", "77"}, 1, "container 77: not in the library"},
+        {{"deactivate", "77"}, 1, "container 77: is not active"},
+        {{"serve", "x"}, 2, "x"},
+    };
+    for (const auto& [arguments, expected, message] : cases) {
+        const Ending ending = glyphora(arguments);
+        EXPECT_EQ(ending.status, expected) << testing::PrintToString(arguments);
+        EXPECT_THAT(ending.output, HasSubstr(message));
+    }
+}
+
+} // namespace

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+// A library of 100,000 faces: look-up of 1,000 names, a reply of 1,000 fonts; and the scan of the
+// machine's own fonts, first and again.
+#include "manager/exchange/commandtext.h"
+#include "manager/exchange/exchange.h"
+#include "manager/library/update.h"
+
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using namespace manager;
+
+namespace {
+
+constexpr int faceCount = 100'000;
+constexpr int facesPerFamily = 4;
+constexpr int asked = 1000;
+
+class TemporaryPlaces {
+public:
+    TemporaryPlaces() {
+        std::string pattern = std::filesystem::temp_directory_path() / "glyphora-bench-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("no temporary folder");
+        }
+        places_.data = pattern;
+    }
+    TemporaryPlaces(const TemporaryPlaces&) = delete;
+    TemporaryPlaces& operator=(const TemporaryPlaces&) = delete;
+    ~TemporaryPlaces() {
+        std::error_code ignored;
+        std::filesystem::remove_all(places_.data, ignored);
+    }
+    [[nodiscard]] const Places& places() const { return places_; }
+
+private:
+    Places places_;
+};
+
+std::string postScriptName(int face) {
+    return "Family" + std::to_string(face / facesPerFamily) + "-Style" +
+           std::to_string(face % facesPerFamily);
+}
+
+// The rows that a scan of 100,000 single fonts would write.
+void fill(Database& database) {
+    Transaction transaction(database);
+    Statement container(database, "INSERT INTO container (id, folder, file, family_key, name) "
+                                  "VALUES (?, ?, '', ?, ?)");
+    Statement file(database, "INSERT INTO file (id, path, size, changed, inode, container) "
+                             "VALUES (?, ?, 1, 1, 1, ?)");
+    Statement face(database, "INSERT INTO face (id, file, container, number, type, "
+                             "postscript_name, family, style) VALUES (?, ?, ?, 0, 3, ?, ?, ?)");
+    Statement name(database, "INSERT INTO name (family_key, style_key, face) VALUES (?, ?, ?)");
+    for (int i = 0; i < faceCount; ++i) {
+        const std::int64_t id = i + 1;
+        const std::int64_t family = i / facesPerFamily + 1;
+        const std::string familyName = "Family " + std::to_string(family - 1);
+        const std::string style = "Style " + std::to_string(i % facesPerFamily);
+        const std::string folder = "/fonts/foundry" + std::to_string(family % 500);
+        const std::string key = nameKey(familyName);
+        const std::string styleKey = nameKey(style);
+        const std::string path = folder + "/" + std::to_string(i) + ".otf";
+        const std::string psName = postScriptName(i);
+        if (i % facesPerFamily == 0) {
+            container.bind(1, family).bind(2, folder).bind(3, key).bind(4, familyName).run();
+        }
+        file.bind(1, id).bind(2, path).bind(3, family).run();
+        face.bind(1, id).bind(2, id).bind(3, family).bind(4, psName);
+        face.bind(5, familyName).bind(6, style).run();
+        name.bind(1, key).bind(2, styleKey).bind(3, id).run();
+    }
+    transaction.commit();
+}
+
+struct LargeLibrary {
+    LargeLibrary() : library(temporary.places()), activation(temporary.places()) {
+        fill(library.database());
+    }
+    TemporaryPlaces temporary;
+    Library library;
+    Activation activation;
+};
+
+LargeLibrary& largeLibrary() {
+    static LargeLibrary library;
+    return library;
+}
+
+int spread(int i) {
+    return static_cast<int>(std::int64_t{i} * 7919 % faceCount);
+}
+
+void lookUpByPostScriptName(benchmark::State& state) {
+    Library& library = largeLibrary().library;
+    for (auto _ : state) {
+        std::size_t found = 0;
+        for (int i = 0; i < asked; ++i) {
+            found += library.findByPostScriptName(postScriptName(spread(i))).size();
+        }
+        if (found != asked) {
+            state.SkipWithError("not all names were found");
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * asked);
+}
+BENCHMARK(lookUpByPostScriptName)->Unit(benchmark::kMillisecond);
+
+void lookUpByFamilyAndStyle(benchmark::State& state) {
+    Library& library = largeLibrary().library;
+    for (auto _ : state) {
+        std::size_t found = 0;
+        for (int i = 0; i < asked; ++i) {
+            const int face = spread(i);
+            found += library
+                         .findByFamilyAndStyle("FAMILY " + std::to_string(face / facesPerFamily),
+                                               "style" + std::to_string(face % facesPerFamily))
+                         .size();
+        }
+        if (found != asked) {
+            state.SkipWithError("not all names were found");
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * asked);
+}
+BENCHMARK(lookUpByFamilyAndStyle)->Unit(benchmark::kMillisecond);
+
+std::string command(const char* word) {
+    std::string text = std::string("<cmd>") + word + "</cmd>\n";
+    for (int i = 0; i < asked; ++i) {
+        text += "<font>\n<syncID>" + std::to_string(i) + "</syncID>\n<psName>" +
+                postScriptName(spread(i)) + "</psName>\n</font>\n";
+    }
+    return text + "</cmd>\n";
+}
+
+void parseOneThousandFonts(benchmark::State& state) {
+    const std::string text = command("fontRequest");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(parseCommand(text));
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(parseOneThousandFonts)->Unit(benchmark::kMicrosecond);
+
+// Parsing, look-up and the reply, without activation: the files of this library do not exist.
+void answerOneThousandFonts(benchmark::State& state) {
+    LargeLibrary& large = largeLibrary();
+    const std::string text = command("showRequest");
+    std::size_t size = 0;
+    for (auto _ : state) {
+        const Answer answer = answerCommand(large.library, large.activation, text);
+        size = answer.reply.size();
+        if (answer.fonts != asked || !answer.problems.empty()) {
+            state.SkipWithError("not all fonts were answered");
+        }
+    }
+    state.counters["replyBytes"] = static_cast<double>(size);
+}
+BENCHMARK(answerOneThousandFonts)->Unit(benchmark::kMillisecond);
+
+void scanTheMachinesFonts(benchmark::State& state) {
+    const std::vector<std::string> folders = {"/usr/share/fonts"};
+    std::size_t files = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const TemporaryPlaces temporary;
+        Library library(temporary.places());
+        state.ResumeTiming();
+        files += updateLibrary(library, folders, FontReaderLimits{}).read;
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(files));
+}
+BENCHMARK(scanTheMachinesFonts)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void scanTheMachinesFontsAgain(benchmark::State& state) {
+    const std::vector<std::string> folders = {"/usr/share/fonts"};
+    const TemporaryPlaces temporary;
+    Library library(temporary.places());
+    updateLibrary(library, folders, FontReaderLimits{});
+    std::size_t files = 0;
+    for (auto _ : state) {
+        files += updateLibrary(library, folders, FontReaderLimits{}).unchanged;
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(files));
+}
+BENCHMARK(scanTheMachinesFontsAgain)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void openAndCheckTheIndex(benchmark::State& state) {
+    LargeLibrary& large = largeLibrary();
+    for (auto _ : state) {
+        bool emptied = false;
+        benchmark::DoNotOptimize(
+            openLibrary(large.temporary.places(), &emptied, [](const std::string&) {}));
+    }
+}
+BENCHMARK(openAndCheckTheIndex)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
