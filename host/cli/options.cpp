@@ -28,6 +28,7 @@ void declareShared(CLI::App& app, Options& options) {
                    "Fail on purpose, to try a plug-in out: missing-suite=NAME:VERSION or "
                    "failing-call=[SUITE/]CALL[:ERROR[:FROM]]")
         ->type_name("FAULT")
+        ->allow_extra_args(false)
         ->check([](const std::string& text) { return checkSabotage(text); });
 }
 

@@ -110,9 +110,12 @@ StringList StringLists::load(std::int32_t list) const {
     if (!std::filesystem::exists(file, ignored)) {
         return {}; // asking for a list that is not there is a plug-in's way to find out
     }
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream;
+    if (std::filesystem::is_regular_file(file, ignored)) {
+        stream.open(file, std::ios::binary);
+    }
     const std::string content{std::istreambuf_iterator<char>(stream), {}};
-    if (stream.bad() || !stream.is_open() || std::filesystem::is_directory(file, ignored)) {
+    if (!stream.is_open() || stream.bad()) {
         problem_(file.string() + ": cannot be read");
         return {};
     }
