@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+// Which operation each message reaches, and what the base class answers to it.
+#include "recordingplugin.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+namespace {
+
+struct MessageCase {
+    const char* caller;
+    const char* selector;
+    const char* operation;
+    AIErr baseAnswer;
+};
+
+constexpr AIErr kUnhandled = kUnhandledMsgErr;
+
+const MessageCase cases[] = {
+    {"SP Access", "Unload", "UnloadPlugin", 0},
+    {"SP Access", "Reload", "ReloadPlugin", 0},
+    {"SP Interface", "About", "About", 0},
+    {"SP Properties", "Acquire", "AcquireProperty", kUnhandled},
+    {"SP Properties", "Release", "ReleaseProperty", kUnhandled},
+    {"Action Manager", "Do Action", "GoAction", 0},
+    {"AI Menu", "AI Go", "GoMenuItem", kUnhandled},
+    {"AI Menu", "AI Update", "UpdateMenuItem", kUnhandled},
+    {"AI Filter", "AI Get Parameters", "GetFilterParameters", kUnhandled},
+    {"AI Filter", "AI Go", "GoFilter", kUnhandled},
+    {"AI Plugin Group", "AI Notify Edits", "PluginGroupNotify", kUnhandled},
+    {"AI Plugin Group", "AI Update", "PluginGroupUpdate", kUnhandled},
+    {"AI File Format", "AI Get Parameters", "GetFileFormatParameters", kUnhandled},
+    {"AI File Format", "AI Go", "GoFileFormat", kUnhandled},
+    {"AI File Format", "AI Check", "CheckFileFormat", kUnhandled},
+    {"AI File Format", "AI Update AI140", "FileFormatUpdate", kUnhandled},
+    {"AI File Format", "Do Action", "SetFileFormatParameters", kUnhandled},
+    {"AI Tool", "AI Edit Options", "EditTool", kUnhandled},
+    {"AI Tool", "AI Track Cursor", "TrackToolCursor", kUnhandled},
+    {"AI Tool", "AI Mouse Down", "ToolMouseDown", kUnhandled},
+    {"AI Tool", "AI Mouse Drag", "ToolMouseDrag", kUnhandled},
+    {"AI Tool", "AI Mouse Up", "ToolMouseUp", kUnhandled},
+    {"AI Tool", "AI Select", "SelectTool", kUnhandled},
+    {"AI Tool", "AI Deselect", "DeselectTool", kUnhandled},
+    {"AI Tool", "AI Reselect", "ReselectTool", 0},
+    {"AI Tool", "AI Decrease Diameter", "DecreaseDiameter", 0},
+    {"AI Tool", "AI Increase Diameter", "IncreaseDiameter", 0},
+    {"AI Live Effect", "AI Live Effect Edit Parameters", "EditLiveEffectParameters", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Go Live", "GoLiveEffect", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Interpolate Parameters", "LiveEffectInterpolate",
+     kUnhandled},
+    {"AI Live Effect", "AI Live Effect Input Type", "LiveEffectGetInputType", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Scale Parameters", "LiveEffectScaleParameters", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Convert Color Space", "LiveEffectConvertColorSpace",
+     kUnhandled},
+    {"AI Live Effect", "AI Live Effect Adjust Colors", "LiveEffectAdjustColors", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Handle Merge", "LiveEffectHandleMerge", kUnhandled},
+    {"AI Timer", "AI Go", "GoTimer", kUnhandled},
+    {"AI Clipboard", "AI Go", "GoClipboard", kUnhandled},
+    {"AI Clipboard", "AI Can Copy", "CanCopyClipboard", kUnhandled},
+    {"AI Clipboard", "AI Clone", "CloneClipboard", kUnhandled},
+    {"AI Clipboard", "AI Dispose", "DisposeClipboard", kUnhandled},
+    {"Workspace Manager", "Write Woskspace", "WorkspaceWrite", kUnhandled},
+    {"Workspace Manager", "Restore Woskspace", "WorkspaceRestore", kUnhandled},
+    {"Workspace Manager", "Default Woskspace", "WorkspaceDefault", kUnhandled},
+};
+
+class AMessage : public testing::Test {
+protected:
+    scripted::Host host;
+    RecordingPlugin plugin{host};
+};
+
+TEST_F(AMessage, ReachesTheOperationOfItsCallerAndSelector) {
+    for (const MessageCase& c : cases) {
+        SCOPED_TRACE(std::string(c.caller) + " / " + c.selector);
+        auto record = host.message<SPInterfaceMessage>();
+        plugin.calls.clear();
+        plugin.result = 4711;
+        EXPECT_EQ(plugin.Message(c.caller, c.selector, &record), 4711);
+        EXPECT_THAT(plugin.calls, ElementsAre(Pair(c.operation, static_cast<void*>(&record))));
+    }
+}
+
+TEST_F(AMessage, OfAKnownPairIsAnsweredByTheBaseClass) {
+    for (const MessageCase& c : cases) {
+        SCOPED_TRACE(std::string(c.caller) + " / " + c.selector);
+        Plugin base(&host.plugin);
+        auto start = host.message<SPInterfaceMessage>();
+        ASSERT_EQ(base.StartupPlugin(&start), kNoErr);
+        auto record = host.message<SPInterfaceMessage>();
+        EXPECT_EQ(base.Message(c.caller, c.selector, &record), c.baseAnswer);
+    }
+}
+
+TEST_F(AMessage, OfAnUnknownPairIsNotHandled) {
+    const std::pair<const char*, const char*> pairs[] = {
+        {"AI Tool", "AI Go"},
+        {"AI Menu", "ai go"},
+        {"AI MenuAI", " Go"},
+        {"", ""},
+        {"SP Interface", "Shutdown"},
+        {"SP Cache", "Acquire"},
+        {"AI Go", "AI Menu"},
+        // Spelled correctly, and so unknown.
+        {"Workspace Manager", "Write Workspace"},
+        {"Workspace Manager", "Restore Workspace"},
+        {"Workspace Manager", "Default Workspace"},
+    };
+    for (const auto& [caller, selector] : pairs) {
+        auto record = host.message<SPInterfaceMessage>();
+        EXPECT_EQ(plugin.Message(caller, selector, &record), kUnhandled) << caller << selector;
+    }
+    EXPECT_THAT(plugin.calls, IsEmpty());
+}
+
+TEST_F(AMessage, OfStartUpIsTakenWithoutAnOperation) {
+    auto record = host.message<SPInterfaceMessage>();
+    EXPECT_EQ(plugin.Message("SP Interface", "Startup", &record), kNoErr);
+    EXPECT_THAT(plugin.calls, IsEmpty());
+}
+
+TEST_F(AMessage, ToPurgeIsRefusedWithACodeWhenSomethingWasFreed) {
+    auto record = host.message<SPInterfaceMessage>();
+    EXPECT_EQ(plugin.Message("SP Cache", "Plug-in Purge", &record), kNoErr);
+    plugin.purges = true;
+    EXPECT_EQ(plugin.Message("SP Cache", "Plug-in Purge", &record), FourChars("pFls"));
+}
+
+class ANotification : public AMessage {
+protected:
+    AIErr send(const char* type, const char* selector) {
+        auto record = host.message<AINotifierMessage>();
+        record.type = type;
+        return plugin.Message("AI Notifier", selector, &record);
+    }
+    std::vector<std::string> operations() const {
+        std::vector<std::string> names;
+        for (const auto& call : plugin.calls) {
+            names.push_back(call.first);
+        }
+        return names;
+    }
+};
+
+TEST_F(ANotification, TellsFirstOfTheApplicationsStart) {
+    plugin.result = 12;
+    EXPECT_EQ(send("AI Application Started Notifier", "AI Notify"), 12);
+    EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin", "Notify"));
+}
+
+TEST_F(ANotification, EndsWithAFailedPostStartUp) {
+    plugin.postStartupResult = 13;
+    EXPECT_EQ(send("AI Application Started Notifier", "AI Notify"), 13);
+    EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin"));
+}
+
+TEST_F(ANotification, GoesOnAfterAPostStartUpThatIsNotHandled) {
+    plugin.postStartupResult = kUnhandled;
+    EXPECT_EQ(send("AI Application Started Notifier", "AI Notify"), kNoErr);
+    EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin", "Notify"));
+}
+
+TEST_F(ANotification, WithAnotherSelectorIsNotHandled) {
+    EXPECT_EQ(send("AI Document Opened Notifier", "AI Go"), kUnhandled);
+    EXPECT_THAT(operations(), IsEmpty());
+    EXPECT_EQ(send("AI Application Started Notifier", "AI Go"), kUnhandled);
+    EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin"));
+}
+
+TEST_F(ANotification, RunsInsideAnApplicationContext) {
+    struct Looking : RecordingPlugin {
+        using RecordingPlugin::RecordingPlugin;
+        AIErr Notify(AINotifierMessage* /*message*/) override {
+            open = scripted::Host::current().contexts.size();
+            return kNoErr;
+        }
+        std::size_t open = 0;
+    } looking(host);
+    looking.acquire();
+    auto record = host.message<AINotifierMessage>();
+    record.d.self = &host.otherPlugin; // the message's plug-in, not the object's
+    record.type = "any";
+    EXPECT_EQ(looking.Message("AI Notifier", "AI Notify", &record), kNoErr);
+    EXPECT_EQ(looking.open, 1U);
+    EXPECT_THAT(host.contexts, IsEmpty());
+    EXPECT_THAT(host.contextOwners, ElementsAre(&host.otherPlugin));
+}
+
+TEST_F(ANotification, GoesOnWithoutAContextThatTheHostRefuses) {
+    plugin.acquire();
+    host.fail("PushAppContext", kBadParameterErr);
+    EXPECT_EQ(send("any", "AI Notify"), kNoErr);
+    EXPECT_THAT(host.misuse, IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// Texts in the host's language, and the texts of the bundle themselves.
+#include "GLYLanguageMgr.h"
+
+#include "startedplugin.h"
+
+#include <set>
+
+namespace {
+
+class TheTexts : public AStartedPlugin {
+protected:
+    TheTexts() {
+        host.strings = {{17000, {{3, "launch"}, {4, std::string(2000, 'x')}}},
+                        {18000, {{3, "Start"}}}};
+    }
+};
+
+TEST_F(TheTexts, AreGermanForOneLocaleOnly) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"de_DE", "Start"}, {"en_US", "launch"}, {"de_AT", "launch"}, {"fr_FR", "launch"},
+        {"", "launch"},     {"de", "launch"},    {"de_de", "launch"}, {"de_DE.UTF-8", "launch"},
+    };
+    for (const auto& [locale, text] : cases) {
+        host.locale = locale;
+        EXPECT_EQ(GLYLanguageMgr().getString(3), text) << locale;
+    }
+    host.locale = "de_DE";
+    host.fail("GetAppLocale", 1);
+    EXPECT_EQ(GLYLanguageMgr().getString(3), "launch");
+}
+
+TEST_F(TheTexts, SayThatOneIsMissing) {
+    const GLYLanguageMgr manager;
+    for (const std::int32_t index : {-1, 0, 5, 19}) {
+        EXPECT_EQ(manager.getString(index), "strtable error");
+    }
+    host.strings.erase(17000);
+    EXPECT_EQ(manager.getString(3), "strtable error");
+}
+
+TEST_F(TheTexts, AreCutAtTheBuffersEnd) {
+    EXPECT_EQ(GLYLanguageMgr().getString(4), std::string(1023, 'x'));
+}
+
+TEST_F(TheTexts, AreEmptyWithoutAPlugin) {
+    const GLYLanguageMgr manager;
+    host.calls.clear();
+    Plugin* const plugin = gPlugin;
+    gPlugin = nullptr;
+    EXPECT_EQ(manager.getString(3), "");
+    gPlugin = plugin;
+    EXPECT_TRUE(host.calls.empty());
+}
+
+TEST_F(TheTexts, KeepTheLanguageOfTheirFirstUse) {
+    const GLYLanguageMgr* const manager = GLYLanguageMgr::getLanguageMgr();
+    const std::string before = manager->getString(3);
+    host.locale = before == "Start" ? "en_US" : "de_DE";
+    EXPECT_EQ(GLYLanguageMgr::getLanguageMgr(), manager);
+    EXPECT_EQ(manager->getString(3), before);
+}
+
+class TheBundle : public testing::Test {
+protected:
+    TheBundle() { EXPECT_TRUE(host.readStrings(GLYPHORA_RESOURCES)); }
+
+    scripted::Host host;
+};
+
+TEST_F(TheBundle, HasEveryTextInBothLanguages) {
+    for (const std::int32_t list : {17000, 18000}) {
+        std::set<std::string> different;
+        for (std::int32_t index = 1; index <= 18; ++index) {
+            const std::string& text = host.strings[list][index];
+            EXPECT_FALSE(text.empty()) << list << " " << index;
+            EXPECT_LT(text.size(), 1024U);
+            EXPECT_TRUE(different.insert(text).second) << text;
+        }
+        EXPECT_EQ(host.strings[list].size(), 18U);
+    }
+    int differing = 0;
+    for (std::int32_t index = 1; index <= 18; ++index) {
+        differing += host.strings[17000][index] != host.strings[18000][index] ? 1 : 0;
+    }
+    EXPECT_GE(differing, 16); // "OK" and "Status" are both
+    EXPECT_NE(host.strings[18000][3].find("prüfen"), std::string::npos);
+}
+
+TEST_F(TheBundle, HasAMessageForEveryErrorThatFits) {
+    auto& errors = host.strings[16050];
+    ASSERT_FALSE(errors.empty());
+    ASSERT_EQ(errors.size() % 2, 0U);
+    EXPECT_EQ(errors.rbegin()->first, static_cast<std::int32_t>(errors.size())); // no gaps
+    std::set<std::string> codes;
+    for (const auto& [index, text] : errors) {
+        if (index % 2 == 1) {
+            EXPECT_TRUE(codes.insert(text).second) << text;
+            EXPECT_LT(text.size(), 10U) << text;
+        } else {
+            EXPECT_LT(text.size(), 120U) << text;
+            EXPECT_NE(text.find("%s"), std::string::npos) << text;
+        }
+    }
+    for (const char* code : {"!MEM", "PARM", "THRD", "SHUT", "FNT?", "STR?"}) {
+        EXPECT_TRUE(codes.contains(code)) << code;
+    }
+    for (const std::int32_t index : {1, 2}) {
+        EXPECT_FALSE(host.strings[16600][index].empty());
+        EXPECT_LT(host.strings[16600][index].size(), 256U);
+    }
+}
+
+} // namespace

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// The scripted host itself: messages, faults, the registry of suites, the document, the texts.
+#include "tests/support/scriptedhost/scriptedhost.h"
+
+#include "suitelist.h"
+#include "suitepointers.h"
+#include "tests/support/scriptedhost/admsuites.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+
+AIArt& AIArt::addGroup() {
+    return addOther(kGroupArt);
+}
+
+AIArt& AIArt::addText(std::vector<std::vector<AIFontKey>> textRuns) {
+    AIArt& art = addOther(kTextFrameArt);
+    art.runs = std::move(textRuns);
+    return art;
+}
+
+AIArt& AIArt::addOther(std::int16_t otherType) {
+    AIArt& art = *children.emplace_back(std::make_unique<AIArt>());
+    art.type = otherType;
+    art.parent = this;
+    return art;
+}
+
+namespace scripted {
+
+namespace {
+
+Host* currentHost = nullptr;
+
+/// The table of a suite of that type; what nothing is called of has one without calls.
+template <typename Suite>
+const void* tableOf() {
+    static const char withoutCalls = 0;
+    return &withoutCalls;
+}
+
+#define SCRIPTED_TABLE(type, table)                                                                \
+    template <>                                                                                    \
+    const void* tableOf<type>() {                                                                  \
+        return &(table);                                                                           \
+    }
+SCRIPTED_TABLE(SPAccessSuite, accessTable)
+SCRIPTED_TABLE(SPPluginsSuite, pluginsTable)
+SCRIPTED_TABLE(AINotifierSuite, notifierTable)
+SCRIPTED_TABLE(AITimerSuite, timerTable)
+SCRIPTED_TABLE(AIAppContextSuite, contextTable)
+SCRIPTED_TABLE(AIMenuSuite, menuTable)
+SCRIPTED_TABLE(AIDocumentSuite, documentTable)
+SCRIPTED_TABLE(AIDocumentListSuite, documentListTable)
+SCRIPTED_TABLE(AILayerSuite, layerTable)
+SCRIPTED_TABLE(AIArtSuite, artTable)
+SCRIPTED_TABLE(AITextFrameSuite, textFrameTable)
+SCRIPTED_TABLE(AIFontSuite, fontTable)
+SCRIPTED_TABLE(ADMBasicSuite, admBasicTable)
+SCRIPTED_TABLE(ADMHostSuite, admHostTable)
+SCRIPTED_TABLE(ATE::TextFrameSuite, ateTextFrameTable)
+SCRIPTED_TABLE(ATE::TextRangeSuite, ateTextRangeTable)
+SCRIPTED_TABLE(ATE::TextRunsIteratorSuite, ateRunsTable)
+SCRIPTED_TABLE(ATE::CharInspectorSuite, ateInspectorTable)
+SCRIPTED_TABLE(ATE::ArrayFontRefSuite, ateFontArrayTable)
+SCRIPTED_TABLE(ATE::FontSuite, ateFontTable)
+SCRIPTED_TABLE(ATE::CharFeaturesSuite, ateFeaturesTable)
+#undef SCRIPTED_TABLE
+
+} // namespace
+
+const void* findSuite(std::string_view name, std::int32_t version) {
+#define SCRIPTED_ROW(type, pointer, suiteName, suiteVersion)                                       \
+    if (name == (suiteName) && version == (suiteVersion)) {                                        \
+        return tableOf<type>();                                                                    \
+    }
+    GLYPHORA_BASIC_SUITES(SCRIPTED_ROW)
+    GLYPHORA_IMPORT_SUITES(SCRIPTED_ROW)
+    SCRIPTED_ROW(ADMBasicSuite, unused, "ADM Basic Suite", 2)
+#undef SCRIPTED_ROW
+    return nullptr;
+}
+
+Host::Host(SPEntryProc entryPoint) : entry(entryPoint) {
+    currentHost = this;
+}
+
+Host::~Host() {
+    currentHost = nullptr;
+}
+
+Host& Host::current() {
+    return *currentHost;
+}
+
+const SPBasicSuite* Host::basic() const {
+    return &basicTable;
+}
+
+SPErr Host::send(const char* caller, const char* selector) {
+    auto record = message<SPInterfaceMessage>();
+    const SPErr error = entry(caller, selector, &record);
+    globals = record.d.globals;
+    return error;
+}
+
+SPErr Host::notify(AINotifier* notifier, const char* type, const char* selector) {
+    auto record = message<AINotifierMessage>();
+    record.notifier = notifier;
+    record.type = type;
+    const SPErr error = entry("AI Notifier", selector, &record);
+    globals = record.d.globals;
+    return error;
+}
+
+void Host::fail(const std::string& name, AIErr error, int nth) {
+    faults_[name] = Fault{error, nth, 0};
+}
+
+AIErr Host::enter(const char* name) {
+    calls.emplace_back(name);
+    const auto found = faults_.find(std::string_view(name));
+    if (found == faults_.end()) {
+        return kNoErr;
+    }
+    Fault& fault = found->second;
+    ++fault.seen;
+    return fault.nth == 0 || fault.nth == fault.seen ? fault.error : kNoErr;
+}
+
+int Host::callsOf(std::string_view name) const {
+    return static_cast<int>(std::count(calls.begin(), calls.end(), name));
+}
+
+AINotifier& Host::notifierOf(std::string_view type, std::string_view name) {
+    const auto found = std::find_if(notifiers.begin(), notifiers.end(), [&](const auto& notifier) {
+        return notifier->type == type && notifier->name == name;
+    });
+    return **found;
+}
+
+AIArt& Host::addLayer() {
+    return layers.emplace_back(std::make_unique<AILayer>())->group;
+}
+
+AIFontKey Host::addFont(AIFontFace face) {
+    return fonts.emplace_back(std::make_unique<AIFontFace>(std::move(face))).get();
+}
+
+AIFontKey Host::addFont(const std::string& family, const std::string& style, bool present) {
+    AIFontFace face{family + "-" + style, style, family, family + " " + style, {}};
+    face.style.technology = 1;
+    face.style.isPresent = present ? 1 : 0;
+    return addFont(std::move(face));
+}
+
+bool Host::readStrings(const std::filesystem::path& folder) {
+    bool good = true;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        if (file.path().extension() != ".strings") {
+            continue;
+        }
+        auto& list = strings[std::stoi(file.path().stem())];
+        std::ifstream stream(file.path());
+        for (std::string line; std::getline(stream, line);) {
+            if (line.empty() || line[0] == '#') {
+                continue;
+            }
+            int index = 0;
+            const char* const end = line.data() + line.size();
+            const auto number = std::from_chars(line.data(), end, index);
+            const std::string_view rest(number.ptr, static_cast<std::size_t>(end - number.ptr));
+            std::string entryText;
+            for (std::size_t i = 3; i < rest.size(); ++i) {
+                const bool escaped = rest[i] == '\\' && i + 1 < rest.size();
+                i += escaped ? 1 : 0;
+                entryText += escaped && rest[i] == 'n' ? '\n' : rest[i];
+            }
+            good = good && rest.starts_with(" = ") && index > 0 &&
+                   list.emplace(index, entryText).second;
+        }
+    }
+    return good && !strings.empty();
+}
+
+} // namespace scripted

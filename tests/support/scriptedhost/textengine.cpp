@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+// The text engine's tables over the runs of the scripted document.
+#include "tests/support/scriptedhost/textengine.h"
+
+#include "tests/support/scriptedhost/scriptedhost.h"
+
+#include <numeric>
+#include <utility>
+
+namespace ATE {
+
+struct TextFrameObject : scripted::TextObject {
+    AIArt* art = nullptr;
+};
+struct TextRangeObject : scripted::TextObject {
+    AIArt* art = nullptr;
+    std::size_t firstRun = 0;
+    std::size_t endRun = 0;
+};
+struct TextRunsIteratorObject : scripted::TextObject {
+    AIArt* art = nullptr;
+    std::size_t run = 0;
+    std::size_t endRun = 0;
+};
+struct CharInspectorObject : scripted::TextObject {
+    std::vector<AIFontKey> fonts;
+};
+struct ArrayFontRefObject : scripted::TextObject {
+    std::vector<AIFontKey> fonts;
+};
+struct FontObject : scripted::TextObject {
+    AIFontKey key = nullptr;
+};
+struct CharFeaturesObject : scripted::TextObject {
+    AIFontKey font = nullptr;
+};
+
+} // namespace ATE
+
+namespace scripted {
+
+namespace {
+
+using ATE::ATEErr;
+
+constexpr ATEErr kDeadReference = 1;
+constexpr ATEErr kOutOfRange = 2;
+
+bool isDead(const TextObject* object, const char* call) {
+    if (object != nullptr && object->count > 0) {
+        return false;
+    }
+    Host::current().misuse.push_back(std::string(call) + " of a dead text reference");
+    return true;
+}
+
+template <typename T>
+ATEErr addRef(T* object) {
+    if (isDead(object, "AddRef")) {
+        return kDeadReference;
+    }
+    ++object->count;
+    return 0;
+}
+
+template <typename T>
+ATEErr release(T* object) {
+    if (isDead(object, "Release")) {
+        return kDeadReference;
+    }
+    --object->count;
+    return 0;
+}
+
+// The checks that every call begins with; 0 to go on.
+ATEErr enter(const char* call, const TextObject* object) {
+    if (isDead(object, call)) {
+        return kDeadReference;
+    }
+    return Host::current().enter(call);
+}
+
+template <typename T>
+T* make() {
+    return Host::current().text.keep(std::make_unique<T>());
+}
+
+} // namespace
+
+ATE::TextFrameRef TextEngine::frameOf(AIArtHandle art) {
+    auto* const frame = keep(std::make_unique<ATE::TextFrameObject>());
+    frame->art = art;
+    return frame;
+}
+
+ATE::FontRef TextEngine::fontOf(AIFontKey key) {
+    auto* const font = keep(std::make_unique<ATE::FontObject>());
+    font->key = key;
+    return font;
+}
+
+int TextEngine::liveReferences() const {
+    return std::accumulate(
+        objects_.begin(), objects_.end(), 0,
+        [](int sum, const std::unique_ptr<TextObject>& object) { return sum + object->count; });
+}
+
+AIFontKey keyOf(ATE::FontRef font) {
+    return isDead(font, "FontKeyFromFont") ? nullptr : font->key;
+}
+
+const ATE::TextFrameSuite ateTextFrameTable = {
+    .AddRef = addRef,
+    .Release = release,
+    .GetTextRange = [](ATE::TextFrameRef frame, AIBoolean /*includeOverflow*/,
+                       ATE::TextRangeRef* range) -> ATEErr {
+        const ATEErr error = enter("GetTextRange", frame);
+        if (error == 0) {
+            *range = make<ATE::TextRangeObject>();
+            (*range)->art = frame->art;
+            (*range)->endRun = frame->art->runs.size();
+        }
+        return error;
+    },
+};
+
+const ATE::TextRangeSuite ateTextRangeTable = {
+    .AddRef = addRef,
+    .Release = release,
+    .GetTextRunsIterator = [](ATE::TextRangeRef range,
+                              ATE::TextRunsIteratorRef* iterator) -> ATEErr {
+        const ATEErr error = enter("GetTextRunsIterator", range);
+        if (error == 0) {
+            *iterator = make<ATE::TextRunsIteratorObject>();
+            (*iterator)->art = range->art;
+            (*iterator)->run = range->firstRun;
+            (*iterator)->endRun = range->endRun;
+        }
+        return error;
+    },
+    .HasLocalCharFeatures = [](ATE::TextRangeRef range, AIBoolean* result) -> ATEErr {
+        *result = 0;
+        return enter("HasLocalCharFeatures", range);
+    },
+    .GetCharInspector = [](ATE::TextRangeRef range, ATE::CharInspectorRef* inspector) -> ATEErr {
+        const ATEErr error = enter("GetCharInspector", range);
+        if (error == 0) {
+            *inspector = make<ATE::CharInspectorObject>();
+            for (std::size_t run = range->firstRun; run < range->endRun; ++run) {
+                const std::vector<AIFontKey>& fonts = range->art->runs[run];
+                (*inspector)->fonts.insert((*inspector)->fonts.end(), fonts.begin(), fonts.end());
+            }
+        }
+        return error;
+    },
+    .ReplaceOrAddLocalCharFeatures = [](ATE::TextRangeRef range,
+                                        ATE::CharFeaturesRef features) -> ATEErr {
+        ATEErr error = enter("ReplaceOrAddLocalCharFeatures", range);
+        if (error == 0 && isDead(features, "ReplaceOrAddLocalCharFeatures")) {
+            error = kDeadReference;
+        }
+        for (std::size_t run = range->firstRun; error == 0 && run < range->endRun; ++run) {
+            range->art->runs[run] = {features->font};
+        }
+        return error;
+    },
+};
+
+const ATE::TextRunsIteratorSuite ateRunsTable = {
+    .AddRef = addRef,
+    .Release = release,
+    .IsDone = [](ATE::TextRunsIteratorRef iterator, AIBoolean* done) -> ATEErr {
+        const ATEErr error = enter("IsDone", iterator);
+        *done = error != 0 || iterator->run >= iterator->endRun ? 1 : 0;
+        return error;
+    },
+    .Item = [](ATE::TextRunsIteratorRef iterator, ATE::TextRangeRef* range) -> ATEErr {
+        const ATEErr error = enter("Item", iterator);
+        if (error != 0) {
+            return error;
+        }
+        if (iterator->run >= iterator->endRun) {
+            return kOutOfRange;
+        }
+        *range = make<ATE::TextRangeObject>();
+        (*range)->art = iterator->art;
+        (*range)->firstRun = iterator->run;
+        (*range)->endRun = iterator->run + 1;
+        return 0;
+    },
+    .Next = [](ATE::TextRunsIteratorRef iterator) -> ATEErr {
+        const ATEErr error = enter("Next", iterator);
+        iterator->run += error == 0 ? 1 : 0;
+        return error;
+    },
+};
+
+const ATE::CharInspectorSuite ateInspectorTable = {
+    .AddRef = addRef,
+    .Release = release,
+    .GetFont = [](ATE::CharInspectorRef inspector, ATE::ArrayFontRefRef* fonts) -> ATEErr {
+        const ATEErr error = enter("GetFont", inspector);
+        if (error == 0) {
+            *fonts = make<ATE::ArrayFontRefObject>();
+            (*fonts)->fonts = inspector->fonts;
+        }
+        return error;
+    },
+};
+
+const ATE::ArrayFontRefSuite ateFontArrayTable = {
+    .AddRef = addRef,
+    .Release = release,
+    .GetSize = [](ATE::ArrayFontRefRef array, std::int32_t* size) -> ATEErr {
+        const ATEErr error = enter("GetSize", array);
+        *size = error == 0 ? static_cast<std::int32_t>(array->fonts.size()) : 0;
+        return error;
+    },
+    .Item = [](ATE::ArrayFontRefRef array, std::int32_t index, ATE::FontRef* font) -> ATEErr {
+        const ATEErr error = enter("FontItem", array);
+        if (error != 0) {
+            return error;
+        }
+        if (index < 0 || static_cast<std::size_t>(index) >= array->fonts.size()) {
+            return kOutOfRange;
+        }
+        *font = Host::current().text.fontOf(array->fonts[static_cast<std::size_t>(index)]);
+        return 0;
+    },
+};
+
+const ATE::FontSuite ateFontTable = {.AddRef = addRef, .Release = release};
+
+const ATE::CharFeaturesSuite ateFeaturesTable = {
+    .Create = [](ATE::CharFeaturesRef* features) -> ATEErr {
+        const ATEErr error = Host::current().enter("CreateCharFeatures");
+        *features = error == 0 ? make<ATE::CharFeaturesObject>() : nullptr;
+        return error;
+    },
+    .AddRef = addRef,
+    .Release = release,
+    .SetFont = [](ATE::CharFeaturesRef features, ATE::FontRef font) -> ATEErr {
+        const ATEErr error = enter("SetFont", features);
+        if (error == 0) {
+            features->font = keyOf(font);
+        }
+        return error;
+    },
+};
+
+} // namespace scripted
