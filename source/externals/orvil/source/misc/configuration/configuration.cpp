@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: MIT
+// Editing and reading of the configuration tree.
+#include "misc/configuration/configuration.h"
+
+#include "misc/assertion.h"
+#include "misc/text/numbers.h"
+
+#include <boost/container/small_vector.hpp>
+
+#include <utility>
+
+namespace Orvil {
+
+namespace {
+
+constexpr const char* sourceFile = "source/externals/orvil/source/misc/configuration/configuration";
+
+const std::vector<std::string>& noValues() {
+    static const std::vector<std::string> empty;
+    return empty;
+}
+
+struct SplitName {
+    std::string_view parent;
+    std::string_view leaf;
+};
+
+SplitName splitName(std::string_view path) {
+    const auto dot = path.rfind('.');
+    if (dot == path.npos) {
+        return {{}, path};
+    }
+    return {path.substr(0, dot), path.substr(dot + 1)};
+}
+
+/// The segments of a path one after the other.
+class Segments {
+public:
+    explicit Segments(std::string_view path) : rest_(path) {}
+
+    bool atLast() const { return rest_.find('.') == rest_.npos; }
+    std::string_view next() {
+        const auto dot = rest_.find('.');
+        const auto segment = rest_.substr(0, dot);
+        rest_.remove_prefix(dot == rest_.npos ? rest_.size() : dot + 1);
+        return segment;
+    }
+
+private:
+    std::string_view rest_;
+};
+
+Configuration::ConfigNode* childOf(Configuration::ConfigCategory& category, std::string_view name) {
+    const auto* child = category.children.find(name);
+    return child == nullptr ? nullptr : child->get();
+}
+
+Configuration::ConfigCategory* asCategory(Configuration::ConfigNode* node) {
+    return node == nullptr || node->isLeaf() ? nullptr
+                                             : static_cast<Configuration::ConfigCategory*>(node);
+}
+
+Configuration::ConfigProperty* asProperty(Configuration::ConfigNode* node) {
+    return node == nullptr || !node->isLeaf() ? nullptr
+                                              : static_cast<Configuration::ConfigProperty*>(node);
+}
+
+/// The child category, made if nothing has the name. Null if a property has.
+Configuration::ConfigCategory* categoryIn(Configuration::ConfigCategory& parent,
+                                          std::string_view name, bool inherit) {
+    if (Configuration::ConfigNode* present = childOf(parent, name)) {
+        return asCategory(present);
+    }
+    return asCategory(
+        parent.children.insert(name, std::make_unique<Configuration::ConfigCategory>(inherit))
+            .get());
+}
+
+} // namespace
+
+// Trees may be deep, as names come from outside; neither the end of one nor a copy calls itself.
+Configuration::ConfigCategory::~ConfigCategory() {
+    std::vector<std::unique_ptr<ConfigNode>> pending;
+    const auto takeChildren = [&pending](ConfigCategory& category) {
+        category.children.forEach(
+            [&](const std::string& /*name*/, auto& child) { pending.push_back(std::move(child)); });
+    };
+    takeChildren(*this);
+    while (!pending.empty()) {
+        const std::unique_ptr<ConfigNode> node = std::move(pending.back());
+        pending.pop_back();
+        if (ConfigCategory* category = asCategory(node.get())) {
+            takeChildren(*category);
+        }
+    }
+}
+
+std::unique_ptr<Configuration::ConfigNode> Configuration::ConfigCategory::clone() const {
+    auto copy = std::make_unique<ConfigCategory>(inherit);
+    std::vector<std::pair<const ConfigCategory*, ConfigCategory*>> pending{{this, copy.get()}};
+    while (!pending.empty()) {
+        const auto [source, target] = pending.back();
+        pending.pop_back();
+        source->children.forEach([&, to = target](const std::string& name, const auto& child) {
+            const ConfigCategory* category = asCategory(child.get());
+            if (category == nullptr) {
+                to->children.insert(name, child->clone());
+            } else {
+                pending.emplace_back(category, categoryIn(*to, name, category->inherit));
+            }
+        });
+    }
+    return copy;
+}
+
+std::unique_ptr<Configuration::ConfigNode> Configuration::ConfigProperty::clone() const {
+    return std::make_unique<ConfigProperty>(values);
+}
+
+Configuration::Configuration() : root_(nullptr), owns_(true), lock_(true) {}
+
+Configuration::Configuration(ConfigCategory* category, bool copy)
+    : root_(category), owns_(copy), lock_(false) {
+    if (copy && category != nullptr) {
+        ownedRoot_.reset(static_cast<ConfigCategory*>(category->clone().release()));
+        root_ = ownedRoot_.get();
+    }
+}
+
+Configuration::Configuration(const Configuration& /*other*/)
+    : root_(nullptr), owns_(false), lock_(false) {
+    ORVIL_ASSERT(false, sourceFile);
+}
+
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): it never gets anywhere
+Configuration& Configuration::operator=(const Configuration& /*other*/) {
+    ORVIL_ASSERT(false, sourceFile);
+    return *this;
+}
+
+Configuration::~Configuration() = default;
+
+std::unique_ptr<Configuration> Configuration::getCategory(std::string_view path, bool copy) {
+    const ScopedLock<Mutex> locked(lock_);
+    return std::make_unique<Configuration>(findCategory(root_, path), copy);
+}
+
+bool Configuration::makeRoot(bool inherit) {
+    if (root_ == nullptr && owns_) {
+        ownedRoot_ = std::make_unique<ConfigCategory>(inherit);
+        root_ = ownedRoot_.get();
+    }
+    return root_ != nullptr;
+}
+
+/// The category at `path`, all of it made if need be.
+Configuration::ConfigCategory* Configuration::makeParents(std::string_view path) {
+    ConfigCategory* category = makeRoot(false) ? root_ : nullptr;
+    Segments segments(path);
+    for (bool last = path.empty(); !last && category != nullptr;) {
+        last = segments.atLast();
+        category = categoryIn(*category, segments.next(), false);
+    }
+    return category;
+}
+
+bool Configuration::addCategoryLocked(std::string_view path, bool inherit, bool createParents) {
+    if (path.empty()) {
+        return makeRoot(inherit);
+    }
+    const SplitName name = splitName(path);
+    ConfigCategory* parent =
+        createParents ? makeParents(name.parent) : findCategory(root_, name.parent);
+    return parent != nullptr && categoryIn(*parent, name.leaf, inherit) != nullptr;
+}
+
+bool Configuration::addCategory(std::string_view path, bool inherit, bool createParents) {
+    const ScopedLock<Mutex> locked(lock_);
+    return addCategoryLocked(path, inherit, createParents);
+}
+
+bool Configuration::setValues(std::string_view path, const std::vector<std::string>& values,
+                              bool createCategories) {
+    const ScopedLock<Mutex> locked(lock_);
+    const SplitName name = splitName(path);
+    if (createCategories && !addCategoryLocked(name.parent, true, true)) {
+        return false;
+    }
+    ConfigCategory* category = findCategory(root_, name.parent);
+    if (category == nullptr) {
+        return false;
+    }
+    ConfigNode* present = childOf(*category, name.leaf);
+    if (present == nullptr) {
+        category->children.insert(name.leaf, std::make_unique<ConfigProperty>(values));
+        return true;
+    }
+    ConfigProperty* property = asProperty(present);
+    if (property == nullptr) {
+        return false;
+    }
+    if (values.empty()) {
+        category->children.erase(name.leaf);
+    } else {
+        property->values = values;
+    }
+    return true;
+}
+
+bool Configuration::setValue(std::string_view path, const std::string& value,
+                             bool createCategories) {
+    return setValues(path, {value}, createCategories);
+}
+
+bool Configuration::setValueAt(std::string_view path, std::size_t index, const std::string& value) {
+    const ScopedLock<Mutex> locked(lock_);
+    const SplitName name = splitName(path);
+    // The list to start from is looked up before categories are made, which inherit.
+    const ConfigProperty* seen = findProperty(root_, path);
+    if (!addCategoryLocked(name.parent, true, true)) {
+        return false;
+    }
+    ConfigCategory* category = findCategory(root_, name.parent);
+    if (childOf(*category, name.leaf) == nullptr) {
+        category->children.insert(name.leaf, std::make_unique<ConfigProperty>(
+                                                 seen == nullptr ? noValues() : seen->values));
+    }
+    ConfigProperty* property = asProperty(childOf(*category, name.leaf));
+    if (property == nullptr) {
+        return false;
+    }
+    // In place: a list that is read value by value is not copied each time.
+    if (property->values.size() <= index) {
+        property->values.resize(index + 1);
+    }
+    property->values[index] = value;
+    return true;
+}
+
+void Configuration::removeNode(std::string_view path) {
+    const ScopedLock<Mutex> locked(lock_);
+    const SplitName name = splitName(path);
+    if (name.parent.empty() || name.leaf.empty()) {
+        return;
+    }
+    if (ConfigCategory* parent = findCategory(root_, name.parent)) {
+        parent->children.erase(name.leaf);
+    }
+}
+
+const std::vector<std::string>& Configuration::getValueList(std::string_view path) const {
+    const ScopedLock<Mutex> locked(lock_);
+    const ConfigProperty* property = findProperty(root_, path);
+    return property == nullptr ? noValues() : property->values;
+}
+
+std::size_t Configuration::getValueCount(std::string_view path) const {
+    const ScopedLock<Mutex> locked(lock_);
+    const ConfigProperty* property = findProperty(root_, path);
+    return property == nullptr ? 0 : property->values.size();
+}
+
+std::string Configuration::getStringAt(std::string_view path, std::size_t index,
+                                       const std::string& defaultValue) const {
+    const ScopedLock<Mutex> locked(lock_);
+    const ConfigProperty* property = findProperty(root_, path);
+    return property != nullptr && index < property->values.size() ? property->values[index]
+                                                                  : defaultValue;
+}
+
+std::string Configuration::getString(std::string_view path, const std::string& defaultValue) const {
+    return getStringAt(path, 0, defaultValue);
+}
+
+template <typename T>
+T Configuration::parsedAt(std::string_view path, std::size_t index, T defaultValue) const {
+    bool ok = false;
+    const T value = safeParse<T>(getStringAt(path, index, ""), ok);
+    return ok ? value : defaultValue;
+}
+
+bool Configuration::getBooleanAt(std::string_view path, std::size_t index,
+                                 bool defaultValue) const {
+    return parsedAt(path, index, defaultValue);
+}
+
+int Configuration::getIntegerAt(std::string_view path, std::size_t index, int defaultValue) const {
+    return parsedAt(path, index, defaultValue);
+}
+
+std::int64_t Configuration::getLargeIntegerAt(std::string_view path, std::size_t index,
+                                              std::int64_t defaultValue) const {
+    return parsedAt(path, index, defaultValue);
+}
+
+double Configuration::getRealAt(std::string_view path, std::size_t index,
+                                double defaultValue) const {
+    return parsedAt(path, index, defaultValue);
+}
+
+bool Configuration::getBoolean(std::string_view path, bool defaultValue) const {
+    return getBooleanAt(path, 0, defaultValue);
+}
+
+int Configuration::getInteger(std::string_view path, int defaultValue) const {
+    return getIntegerAt(path, 0, defaultValue);
+}
+
+std::int64_t Configuration::getLargeInteger(std::string_view path,
+                                            std::int64_t defaultValue) const {
+    return getLargeIntegerAt(path, 0, defaultValue);
+}
+
+double Configuration::getReal(std::string_view path, double defaultValue) const {
+    return getRealAt(path, 0, defaultValue);
+}
+
+std::vector<std::string> Configuration::childNames(std::string_view path, bool leaves) const {
+    const ScopedLock<Mutex> locked(lock_);
+    std::vector<std::string> names;
+    if (const ConfigCategory* category = findCategory(root_, path)) {
+        category->children.forEach([&](const std::string& name, const auto& child) {
+            if (child->isLeaf() == leaves) {
+                names.push_back(name);
+            }
+        });
+    }
+    return names;
+}
+
+std::vector<std::string> Configuration::getSubProperties(std::string_view path) const {
+    return childNames(path, true);
+}
+
+std::vector<std::string> Configuration::getSubCategories(std::string_view path) const {
+    return childNames(path, false);
+}
+
+Configuration::ConfigNode* Configuration::findNode(ConfigCategory* start, std::string_view path,
+                                                   bool useInheritance) {
+    if (start == nullptr || path.empty()) {
+        return start;
+    }
+    boost::container::small_vector<ConfigCategory*, 16> passed{start};
+    Segments segments(path);
+    for (;;) {
+        const bool last = segments.atLast();
+        const std::string_view name = segments.next();
+        auto category = passed.rbegin();
+        ConfigNode* node = childOf(**category, name);
+        while (node == nullptr && useInheritance && (*category)->inherit &&
+               std::next(category) != passed.rend()) {
+            ++category;
+            node = childOf(**category, name);
+        }
+        if (last || node == nullptr) {
+            return node;
+        }
+        ConfigCategory* next = asCategory(node);
+        if (next == nullptr) {
+            return nullptr;
+        }
+        passed.push_back(next);
+    }
+}
+
+Configuration::ConfigCategory* Configuration::findCategory(ConfigCategory* start,
+                                                           std::string_view path) {
+    return asCategory(findNode(start, path, false));
+}
+
+Configuration::ConfigProperty* Configuration::findProperty(ConfigCategory* start,
+                                                           std::string_view path) {
+    return asProperty(findNode(start, path, true));
+}
+
+} // namespace Orvil

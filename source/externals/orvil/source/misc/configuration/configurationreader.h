@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// Readers that fill a configuration: from XML, from INI files, from a command line.
+#pragma once
+
+#include "misc/configuration/configuration.h"
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvil {
+
+/// Adds what it reads to whatever the store holds. May be used repeatedly.
+/// Indexes of values end at `greatestIndex`; a greater one is refused with an Exception that names
+/// the source and the place, since a list as long as that would fill the memory.
+class IConfigurationReader {
+public:
+    static constexpr unsigned greatestIndex = 65535;
+
+    IConfigurationReader() = default;
+    IConfigurationReader(const IConfigurationReader&) = delete;
+    IConfigurationReader& operator=(const IConfigurationReader&) = delete;
+    virtual ~IConfigurationReader() = default;
+    virtual void read(Configuration& configuration) = 0;
+};
+
+/// Reads the children of a root element "configuration"; any other root reads as empty.
+///
+/// An element without child elements is a property, its text (as it stands) the value at the
+/// attribute "index" or 0. An element with one, or with a comment, is a category, which inherits if
+/// its attribute "inherit" says so; text in it is ignored. Elements whose names have other
+/// characters than ASCII letters, digits, "_" and "-" are skipped with all below them.
+/// Throws: the XML layer's failures.
+class XMLConfigurationReader : public IConfigurationReader {
+public:
+    explicit XMLConfigurationReader(std::string fileName);
+    /// Reads a text instead of a file.
+    static std::unique_ptr<XMLConfigurationReader> createStringInstance(const std::string& text);
+
+    void read(Configuration& configuration) override;
+
+private:
+    std::string fileName_; // empty: text_ is read
+    std::string text_;
+};
+
+/// Reads lines: "; comment", "[section]", "[section+]" for one that inherits, "key = value",
+/// "key value", "key[index] = value", with the value in double quotes or not. Of a value that opens
+/// with a quote the line's last character is dropped, whatever it is. Lines of no such form are
+/// ignored. A file that cannot be opened reads as empty.
+class INIConfigurationReader : public IConfigurationReader {
+public:
+    /// The file is opened at read() and closed after it.
+    explicit INIConfigurationReader(std::string fileName);
+    /// The stream must outlive the reader and is not closed.
+    explicit INIConfigurationReader(std::istream& stream);
+
+    void read(Configuration& configuration) override;
+
+private:
+    void readLines(std::istream& stream, Configuration& configuration) const;
+
+    std::string fileName_;
+    std::istream* stream_ = nullptr;
+};
+
+/// Reads "path=value" and "path[index]=value"; "-readIniFile=FILE" and "-readXmlFile=FILE" read a
+/// file on the spot. Other arguments are ignored. Later arguments and files overwrite earlier ones.
+class CommandlineConfigurationReader : public IConfigurationReader {
+public:
+    CommandlineConfigurationReader(int argc, const char* const* argv);
+    /// Characters beyond ASCII become "?".
+    CommandlineConfigurationReader(int argc, const wchar_t* const* argv);
+    /// Split at blanks, tabs and newlines.
+    explicit CommandlineConfigurationReader(const std::string& commandLine);
+
+    void read(Configuration& configuration) override;
+
+private:
+    std::vector<std::string> arguments_;
+};
+
+} // namespace Orvil

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// Checksums against a bit-by-bit computation and zlib.
+#include "misc/checksum/crc32.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+using namespace Orvil;
+
+namespace {
+
+constexpr std::uint32_t usual = 0x04C11DB7;
+constexpr std::uint32_t allOnes = 0xFFFFFFFF;
+constexpr std::uint32_t polynomials[] = {usual,      0x1EDC6F41, 0x741B8CD7, 0,         1,
+                                         0x80000000, 0xFFFFFFFF, 0x000000AF, 0x12345678};
+
+std::vector<unsigned char> randomBytes(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<unsigned char> bytes(count);
+    for (unsigned char& byte : bytes) {
+        byte = static_cast<unsigned char>(random());
+    }
+    return bytes;
+}
+
+std::uint32_t bitByBit(std::uint32_t polynomial, std::uint32_t initial,
+                       const std::vector<unsigned char>& bytes) {
+    std::uint32_t value = initial;
+    for (const unsigned char byte : bytes) {
+        for (unsigned bit = 0; bit < 8; ++bit) {
+            const bool odd = ((value ^ (byte >> bit)) & 1U) != 0;
+            value = (value >> 1U) ^ (odd ? CRC32::reflect(polynomial, 32) : 0U);
+        }
+    }
+    return value ^ initial;
+}
+
+} // namespace
+
+TEST(AChecksum, HasTheStandardCheckValue) {
+    CRC32 crc(usual, allOnes);
+    EXPECT_EQ(crc.get(), 0U);
+    crc.add("123456789");
+    EXPECT_EQ(crc.get(), 0xCBF43926U);
+    crc.reset(0);
+    EXPECT_EQ(crc.get(), 0U);
+    char digits[] = "123456789";
+    crc.add<char*>(digits);
+    EXPECT_EQ(crc.get(), 0xCBF43926U);
+    crc.reset(0xCBF43926U);
+    EXPECT_EQ(crc.get(), 0xCBF43926U);
+    crc.reset(0);
+    crc.add<std::string>("1234");
+    crc.add<char>('5');
+    crc.add<unsigned char>('6');
+    crc.add<char const*>("78");
+    crc.addBytes("9x", 1);
+    EXPECT_EQ(crc.get(), 0xCBF43926U);
+}
+
+TEST(AChecksum, EqualsTheBitByBitOneForAnyPolynomialAndLength) {
+    const std::vector<unsigned char> bytes = randomBytes(700, 5);
+    for (const std::uint32_t polynomial : polynomials) {
+        for (std::size_t length = 0; length <= bytes.size(); length += length < 300 ? 1 : 13) {
+            const std::vector<unsigned char> data(bytes.end() - static_cast<std::ptrdiff_t>(length),
+                                                  bytes.end());
+            const std::uint32_t expected = bitByBit(polynomial, 0x1234567U, data);
+            CRC32 fast(polynomial, 0x1234567U);
+            CRC32 portable(polynomial, 0x1234567U);
+            fast.addBytes(data.data(), data.size());
+            portable.addBytesPortably(data.data(), data.size());
+            ASSERT_EQ(fast.get(), expected) << polynomial << " length " << length;
+            ASSERT_EQ(portable.get(), expected) << polynomial << " length " << length;
+        }
+    }
+}
+
+TEST(AChecksum, EqualsZlibsHoweverTheDataIsCut) {
+    const std::vector<unsigned char> bytes = randomBytes(100000, 6);
+    std::mt19937 random(7);
+    CRC32 crc(usual, allOnes);
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t count = std::min<std::size_t>(random() % 3000, bytes.size() - at);
+        crc.addBytes(bytes.data() + at, count);
+        at += count;
+    }
+    EXPECT_EQ(crc.get(), crc32(0, bytes.data(), static_cast<uInt>(bytes.size())));
+}
+
+TEST(AChecksum, TakesSingleBits) {
+    const std::array<unsigned char, 3> bytes{0xA5, 0x3C, 0x07};
+    for (const std::uint32_t polynomial : polynomials) {
+        for (unsigned count = 0; count <= 24; ++count) {
+            CRC32 together(polynomial, allOnes);
+            CRC32 apart(polynomial, allOnes);
+            together.addBits(bytes.data(), count);
+            for (unsigned bit = 0; bit < count; ++bit) {
+                apart.add<bool>(((bytes[bit / 8] >> (bit % 8)) & 1U) != 0);
+            }
+            EXPECT_EQ(together.get(), apart.get());
+        }
+    }
+}
+
+TEST(AChecksum, TakesWholeFiles) {
+    std::string path = (std::filesystem::temp_directory_path() / "orvil-crc-XXXXXX").string();
+    const int descriptor = mkstemp(path.data());
+    ASSERT_GE(descriptor, 0);
+    close(descriptor);
+    const std::vector<unsigned char> bytes = randomBytes(50000, 8);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<long>(bytes.size()));
+    CRC32 crc(usual, allOnes);
+    crc.addFile(path);
+    EXPECT_EQ(crc.get(), crc32(0, bytes.data(), static_cast<uInt>(bytes.size())));
+    std::remove(path.c_str());
+    const std::uint32_t before = crc.get();
+    crc.addFile(path);
+    crc.addFile("/");
+    EXPECT_EQ(crc.get(), before);
+}
+
+TEST(AChecksumTable, IsSharedPerPolynomial) {
+    const std::uint32_t* table = CRC32::getPolyTable(usual);
+    EXPECT_EQ(table[0], 0U);
+    EXPECT_EQ(table[1], 0x77073096U);
+    EXPECT_EQ(table[255], 0x2D02EF8DU);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([table] {
+            EXPECT_EQ(CRC32::getPolyTable(usual), table);
+            EXPECT_EQ(CRC32::getPolyTable(0xABCDEF01), CRC32::getPolyTable(0xABCDEF01));
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST(TheLowBits, AreReflected) {
+    EXPECT_EQ(CRC32::reflect(usual, 32), 0xEDB88320U);
+    EXPECT_EQ(CRC32::reflect(0xF1, 4), 0x8U);
+    EXPECT_EQ(CRC32::reflect(1, 0), 0U);
+    EXPECT_EQ(CRC32::reflect(1, 40), 0x80000000U);
+}

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// What the readers make of files, texts and arguments, quirks included; and the example program.
+#include "misc/configuration/configurationreader.h"
+#include "misc/exception.h"
+#include "misc/text/strings.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace Orvil;
+using testing::HasSubstr;
+
+namespace {
+
+using Values = std::vector<std::string>;
+using Tree = std::map<std::string, Values>;
+
+/// All properties by path, and categories as paths with a dot at the end.
+void collect(const Configuration& store, const std::string& path, Tree& tree) {
+    const std::string prefix = path.empty() ? "" : path + ".";
+    for (const std::string& name : store.getSubProperties(path)) {
+        tree[prefix + name] = store.getValueList(prefix + name);
+    }
+    for (const std::string& name : store.getSubCategories(path)) {
+        tree[prefix + name + "."];
+        collect(store, prefix + name, tree);
+    }
+}
+
+Tree treeOf(const Configuration& store) {
+    Tree tree;
+    collect(store, "", tree);
+    return tree;
+}
+
+std::string failureOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
+    return "nothing thrown";
+}
+
+struct Case {
+    std::string text;
+    Tree tree;
+};
+
+class AFolder : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "orvil-config-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder = pattern;
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+    std::string file(const std::string& name, const std::string& content) const {
+        const std::string path = (folder / name).string();
+        std::ofstream(path) << content;
+        return path;
+    }
+
+    std::filesystem::path folder;
+};
+
+using AConfigurationFile = AFolder;
+using TheExampleProgram = AFolder;
+
+} // namespace
+
+TEST(AnINIText, IsReadLineByLine) {
+    const Case cases[] = {
+        {"[server]\nport = 80\nhost[1]=\"a b\"\n",
+         {{"server.", {}}, {"server.port", {"80"}}, {"server.host", {"", "a b"}}}},
+        {"k v\nl==\t= w  x \r\n m\t1;comment\n;n=1\n\n \t\r\n",
+         {{"k", {"v"}}, {"l", {"w  x"}}, {"m", {"1"}}}},
+        {"k\nk=\nk[x]=1\nk]=1\nk[]=1\n[s\n[\nonly ; = 1\n", {}},
+        {"k=\"v\"\nl=\"v\nm=\"\nn=\"\"\no=v\"w\"\n",
+         {{"k", {"v"}}, {"l", {""}}, {"m", {""}}, {"n", {""}}, {"o", {"v\"w\""}}}},
+        {"[ a.b + ]\nx=1\n[c]\ny=2",
+         {{"a.", {}}, {"a.b .", {}}, {"a.b .x", {"1"}}, {"c.", {}}, {"c.y", {"2"}}}},
+        {"a[0][2]=z", {{"a[0]", {"", "", "z"}}}},
+        // A value without a name has no path that reads it: the empty path names the root.
+        {"=v", {{"", {}}}},
+        {"p=1\n[p]\nx=2\n", {{"p", {"1"}}}},
+        {"[]\nx=1", {{"x", {"1"}}}},
+        {"v[2]=c\nv=a\nv[1]=b", {{"v", {"a", "b", "c"}}}},
+    };
+    for (const Case& c : cases) {
+        Configuration store;
+        std::istringstream stream(c.text);
+        INIConfigurationReader(stream).read(store);
+        EXPECT_EQ(treeOf(store), c.tree) << c.text;
+    }
+}
+
+TEST(AnINIText, MakesInheritingSectionsWithAPlus) {
+    Configuration store;
+    std::istringstream stream("[a]\nx=0\ny=1\n[a.s+]\nx[1]=own\n[a.t]\n");
+    INIConfigurationReader(stream).read(store);
+    EXPECT_EQ(store.getString("a.s.y", "none"), "1");
+    EXPECT_EQ(store.getString("a.t.y", "none"), "none");
+    EXPECT_EQ(store.getValueList("a.s.x"), (Values{"0", "own"})) << "from the list around it";
+}
+
+TEST(AnXMLText, IsReadElementByElement) {
+    const Case cases[] = {
+        {"<configuration><server><port>80</port><host index='0'>a</host><host index='1'> b "
+         "</host></server></configuration>",
+         {{"server.", {}}, {"server.port", {"80"}}, {"server.host", {"a", " b "}}}},
+        {"<other><a>1</a></other>", {}},
+        {"<configuration>text<!-- c --><a>1</a><a>2</a><b/></configuration>",
+         {{"a", {"2"}}, {"b", {""}}}},
+        {"<configuration><a>te<!-- c -->xt</a></configuration>", {{"a.", {}}}},
+        {"<configuration><a><![CDATA[<1>]]>&amp;</a></configuration>", {{"a", {"<1>&"}}}},
+        {"<configuration><a.b>1</a.b><\xC3\xA4><c>1</c></\xC3\xA4><x:y xmlns:x='u'>1</x:y>"
+         "</configuration>",
+         {{"y", {"1"}}}},
+        {"<configuration><a>1</a><a><b>2</b></a><c>3</c></configuration>",
+         {{"a", {"1"}}, {"c", {"3"}}}},
+        {"<configuration><a index='x'>1</a><b index='2'>2</b></configuration>",
+         {{"a", {"1"}}, {"b", {"", "", "2"}}}},
+    };
+    for (const Case& c : cases) {
+        Configuration store;
+        const auto reader = XMLConfigurationReader::createStringInstance(c.text);
+        reader->read(store);
+        EXPECT_EQ(treeOf(store), c.tree) << c.text;
+        reader->read(store);
+        EXPECT_EQ(treeOf(store), c.tree) << "a second time " << c.text;
+    }
+}
+
+TEST(AnXMLText, MakesInheritingCategoriesByAttribute) {
+    Configuration store;
+    XMLConfigurationReader::createStringInstance(
+        "<configuration><a><x>1</x><b inherit='Yes'><y/></b><c inherit='maybe'><y/></c></a>"
+        "</configuration>")
+        ->read(store);
+    EXPECT_EQ(store.getString("a.b.x", "none"), "1");
+    EXPECT_EQ(store.getString("a.c.x", "none"), "none");
+}
+
+TEST(ACommandLine, IsReadInItsOrder) {
+    const Case cases[] = {
+        {"program a.b[2]=z", {{"a.", {}}, {"a.b", {"", "", "z"}}}},
+        {"x=1\tx=2\ny= ==v z", {{"x", {"2"}}, {"y", {""}}, {"", {}}}},
+        {"-other=1 --x=2 k]=1 k[y]=2 k[1=3", {{"k[1", {"3"}}}},
+        {"p=1 p.q=2", {{"p", {"1"}}}},
+    };
+    for (const Case& c : cases) {
+        Configuration store;
+        CommandlineConfigurationReader(c.text).read(store);
+        EXPECT_EQ(treeOf(store), c.tree) << c.text;
+    }
+    Configuration store;
+    const std::array<const wchar_t*, 2> wide{L"program=1", L"a=\x4E00z"};
+    CommandlineConfigurationReader(2, wide.data()).read(store);
+    const std::array<const char*, 2> narrow{"b= 1 2", "program=2"};
+    CommandlineConfigurationReader(2, narrow.data()).read(store);
+    EXPECT_EQ(treeOf(store), (Tree{{"a", {"?z"}}, {"b", {" 1 2"}}, {"program", {"2"}}}));
+}
+
+TEST_F(AConfigurationFile, IsPulledInByTheCommandLine) {
+    const std::string ini = file("a.ini", "[s]\nx=ini\ny=ini\n");
+    const std::string xml = file("a.xml", "<configuration><s><x>xml</x></s></configuration>");
+    Configuration store;
+    CommandlineConfigurationReader("s.x=first -readIniFile=" + ini + " -readXmlFile=" + xml +
+                                   " s.y[1]=last -readIniFile=" + (folder / "none").string())
+        .read(store);
+    EXPECT_EQ(treeOf(store), (Tree{{"s.", {}}, {"s.x", {"xml"}}, {"s.y", {"ini", "last"}}}));
+    INIConfigurationReader again(ini);
+    again.read(store);
+    again.read(store);
+    EXPECT_EQ(store.getString("s.x", ""), "ini");
+    EXPECT_THAT(failureOf([&] { XMLConfigurationReader(folder / "none").read(store); }),
+                HasSubstr("failed to load external entity"));
+    EXPECT_THAT(failureOf([&] { XMLConfigurationReader(ini).read(store); }),
+                HasSubstr("Document not parsed successfully"));
+}
+
+TEST_F(AConfigurationFile, IsNamedWhenAnIndexIsTooGreat) {
+    const std::string ini = file("big.ini", "\n[s]\nx[65535]=1\nx[65536]=1\n");
+    Configuration store;
+    EXPECT_THAT(failureOf([&] { INIConfigurationReader(ini).read(store); }),
+                HasSubstr(ini + ":4: the index 65536 of 's.x' is greater than 65535"));
+    EXPECT_EQ(store.getValueCount("s.x"), 65536U);
+    EXPECT_THAT(failureOf([&] { CommandlineConfigurationReader("p y[-1]=1").read(store); }),
+                HasSubstr("command line, argument 1: the index 4294967295 of 'y'"));
+    EXPECT_THAT(failureOf([&] {
+                    XMLConfigurationReader::createStringInstance(
+                        "<configuration><z index='4000000000'/></configuration>")
+                        ->read(store);
+                }),
+                HasSubstr("XML text: the index 4000000000 of 'z'"));
+}
+
+TEST_F(TheExampleProgram, PrintsTheTreeThatItsArgumentsMake) {
+    const std::string ini = file("a.ini", "[b]\nx=1\n[b.in+]\ny=2\n");
+    const auto run = [&](const std::string& arguments, int& status) {
+        const std::string command = std::string(ORVIL_CONFIG) + " " + arguments + " 2>&1";
+        std::FILE* pipe = popen(command.c_str(), "r");
+        std::string output;
+        for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe)) {
+            output += static_cast<char>(byte);
+        }
+        status = WEXITSTATUS(pclose(pipe));
+        return output;
+    };
+    int status = -1;
+    EXPECT_EQ(run("-readIniFile=" + ini + " 'a.list[1]=z' top=t", status),
+              "top[0]=t\na.list[0]=\na.list[1]=z\nb.x[0]=1\nb.in.y[0]=2\n");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(run("-readIniFile=" + ini + " -get=b.in.x -get=none", status), "b.in.x[0]=1\n")
+        << "inherited";
+    EXPECT_THAT(run("", status), testing::StartsWith("usage: "));
+    EXPECT_EQ(status, 2);
+    EXPECT_THAT(run("--help", status), testing::StartsWith("usage: "));
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(run("-readXmlFile=" + ini, status), HasSubstr("orvil-config: Exception in file"));
+    EXPECT_EQ(status, 1);
+}

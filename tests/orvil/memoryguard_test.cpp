@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// The memory guard: what it sees, and how it ends.
+#include "misc/threads/memoryguard.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <vector>
+
+using namespace Orvil;
+
+TEST(AMemoryGuard, StopsTheProcessWhenAWordChanges) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGSEGV, SIG_DFL);
+            std::vector<std::uint32_t> words(3, 1);
+            MemoryGuard guard;
+            guard.addEntry(words.data(), words.size());
+            guard.checkEntries();
+            words[2] = 4;
+            guard.checkEntries();
+        },
+        testing::KilledBySignal(SIGSEGV), "");
+}
+
+TEST(AMemoryGuard, WatchesUntilItIsDestroyed) {
+    const std::vector<std::uint32_t> words(100, 7);
+    {
+        MemoryGuard guard;
+        EXPECT_TRUE(guard.start(false, -1));
+        EXPECT_TRUE(guard.addEntry(words.data(), words.size()));
+        EXPECT_TRUE(guard.isRunning());
+    }
+    MemoryGuard again;
+    EXPECT_TRUE(again.start(false, -1));
+    EXPECT_TRUE(again.destroy());
+    EXPECT_FALSE(again.isRunning());
+}
