@@ -36,7 +36,9 @@ OSErr echo(const AppleEvent* event, AppleEvent* reply, void* refCon) {
 /// The second process.
 int serve() {
     std::string buffer;
-    AEInstallEventHandler(typeWildCard, typeWildCard, NewAEEventHandlerUPP(echo), &buffer, false);
+    const AEEventHandlerUPP handler = NewAEEventHandlerUPP(echo);
+    AEInstallEventHandler(typeWildCard, typeWildCard, handler, &buffer, false);
+    DisposeAEEventHandlerUPP(handler);
     if (PLRegisterApplication(FourCharCode("ECHO"), kPLOneInstance, nullptr) != noErr) {
         return 1;
     }

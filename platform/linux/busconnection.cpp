@@ -5,6 +5,7 @@
 #include "eventinbox.h"
 #include "notifications.h"
 #include "privatebus.h"
+#include "signalmask.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -104,6 +105,7 @@ std::shared_ptr<BusConnection> BusConnection::open(const std::string& address,
     // A context of its own, so that nothing of the connection is ever queued on the program's main
     // loop, which may not run.
     ContextHandle context(g_main_context_new());
+    const SignalMask mask; // the first connection makes GDBus' worker thread
     g_main_context_push_thread_default(context.get());
     ErrorSlot error;
     ObjectHandle<GDBusConnection> connection(g_dbus_connection_new_for_address_sync(

@@ -3,6 +3,7 @@
 #include "privatebus.h"
 
 #include "glibhandles.h"
+#include "signalmask.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -139,19 +140,13 @@ void keepDaemon(std::promise<Started> started) {
 std::optional<std::string> startPrivateBus(std::string& reason) {
     std::promise<Started> promise;
     std::future<Started> future = promise.get_future();
-    // The program's signals are for its own threads; the new one inherits the full mask.
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
     try {
+        const SignalMask mask;
         std::thread(keepDaemon, std::move(promise)).detach();
     } catch (const std::system_error& error) {
-        pthread_sigmask(SIG_SETMASK, &previous, nullptr);
         reason = error.what();
         return std::nullopt;
     }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     Started started = future.get();
     reason = std::move(started.reason);
     return started.address.empty() ? std::nullopt : std::optional(std::move(started.address));

@@ -374,8 +374,8 @@ TEST_F(AnApplication, AnswersForAHandlerThatThrows) {
                                     nullptr, false),
               noErr);
     installed.emplace_back(FourCharCode("TEST"), FourCharCode("who "));
-    auto status = std::async(std::launch::async,
-                             [] { return TestEvent("SELF", "who ").send(kNoTimeOut); });
+    auto status =
+        std::async(std::launch::async, [] { return TestEvent("SELF", "who ").send(kNoTimeOut); });
     EXPECT_THROW(PLWaitForEvents(-1), std::runtime_error);
     EXPECT_EQ(status.get(), connectionInvalid);
 }

@@ -82,8 +82,9 @@ OSErr handle(const AppleEvent* event, AppleEvent* reply, void* /*refCon*/) {
 }
 
 int serve(OSType signature, PLInstances instances, const char* name) {
-    AEInstallEventHandler(FourCharCode("TEST"), typeWildCard, NewAEEventHandlerUPP(handle), nullptr,
-                          false);
+    const AEEventHandlerUPP handler = NewAEEventHandlerUPP(handle);
+    AEInstallEventHandler(FourCharCode("TEST"), typeWildCard, handler, nullptr, false);
+    DisposeAEEventHandlerUPP(handler);
     const OSStatus status = PLRegisterApplication(signature, instances, name);
     say(std::to_string(status));
     while (status == noErr) {

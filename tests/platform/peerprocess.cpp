@@ -15,7 +15,7 @@
 
 namespace platformtest {
 
-PeerProcess::PeerProcess(std::vector<std::string> arguments) {
+PeerProcess::PeerProcess(std::vector<std::string> arguments, Errors errors) {
     arguments.insert(arguments.begin(), PLATFORM_TEST_PEER);
     std::vector<char*> words;
     for (std::string& argument : arguments) {
@@ -31,7 +31,9 @@ PeerProcess::PeerProcess(std::vector<std::string> arguments) {
         if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
             throw std::runtime_error("no pipe for the second process");
         }
-        posix_spawn_file_actions_adddup2(&actions, pipe[standard == 0 ? 0 : 1], standard);
+        if (standard != STDERR_FILENO || errors == Errors::captured) {
+            posix_spawn_file_actions_adddup2(&actions, pipe[standard == 0 ? 0 : 1], standard);
+        }
     }
     const int failure =
         posix_spawn(&child_, words.front(), &actions, nullptr, words.data(), environ);

@@ -12,7 +12,9 @@ namespace platformtest {
 /// Runs the program platform_test_peer; kills and reaps it at the end.
 class PeerProcess {
 public:
-    explicit PeerProcess(std::vector<std::string> arguments);
+    enum class Errors { shown, captured };
+
+    explicit PeerProcess(std::vector<std::string> arguments, Errors errors = Errors::shown);
     ~PeerProcess();
     PeerProcess(const PeerProcess&) = delete;
     PeerProcess& operator=(const PeerProcess&) = delete;
@@ -20,6 +22,7 @@ public:
     pid_t processID() const { return child_; }
     /// The next line of its standard output, waiting for it; empty at the end.
     std::string readLine() { return readLine(output_); }
+    /// The same of its standard error, where that is captured.
     std::string readErrorLine() { return readLine(errors_); }
     /// Sends a line to its standard input.
     void prompt();
