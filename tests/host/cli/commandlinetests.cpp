@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// The command line, the environment, and what the program makes of them.
+#include "host/cli/bundlesearch.h"
+#include "host/cli/consolefrontend.h"
+#include "host/cli/exitstatus.h"
+#include "host/cli/locale.h"
+#include "host/cli/options.h"
+#include "host/cli/sabotage.h"
+#include "programrun.h"
+
+#include <sstream>
+
+namespace host::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(ALocale, IsCutToLanguageAndCountry) {
+    const std::pair<const char*, const char*> cases[] = {{"de_DE.UTF-8", "de_DE"},
+                                                         {"de_DE@euro", "de_DE"},
+                                                         {"de_AT.UTF-8@x", "de_AT"},
+                                                         {"fr", "fr"},
+                                                         {"C", "en_US"},
+                                                         {"C.UTF-8", "en_US"},
+                                                         {"POSIX", "en_US"},
+                                                         {"", "en_US"}};
+    for (const auto& [name, code] : cases) {
+        EXPECT_EQ(localeCode(name), code) << name;
+    }
+}
+
+TEST(ALocale, IsTakenFromTheFirstVariableThatIsSet) {
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        unsetenv(name);
+    }
+    EXPECT_EQ(localeOfEnvironment(), "en_US");
+    setenv("LANG", "fr_FR", 1);
+    EXPECT_EQ(localeOfEnvironment(), "fr_FR");
+    setenv("LC_MESSAGES", "it_IT", 1);
+    EXPECT_EQ(localeOfEnvironment(), "it_IT");
+    setenv("LC_ALL", "", 1);
+    EXPECT_EQ(localeOfEnvironment(), "it_IT");
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    EXPECT_EQ(localeOfEnvironment(), "de_DE");
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        unsetenv(name);
+    }
+}
+
+class ACommandLine : public testing::Test {
+protected:
+    std::optional<Options> read(std::vector<const char*> arguments) {
+        arguments.insert(arguments.begin(), "glyphora-host");
+        return readOptions(static_cast<int>(arguments.size()), arguments.data(), output, errors,
+                           status);
+    }
+    std::ostringstream output;
+    std::ostringstream errors;
+    int status = -1;
+};
+
+TEST_F(ACommandLine, IsReadInAnyOrder) {
+    const auto options =
+        read({"open", "--reload", "a.svg", "--plugin", "p.aip", "b.svg", "--report", "json",
+              "--misbehave", "failing-call=AddTimer", "c.svg", "--locale", "de_DE"});
+    ASSERT_TRUE(options) << errors.str();
+    EXPECT_THAT(options->files, ElementsAre("a.svg", "b.svg", "c.svg"));
+    EXPECT_EQ(options->plugin, "p.aip");
+    EXPECT_EQ(options->report, ReportFormat::Json);
+    EXPECT_EQ(options->locale, "de_DE");
+    EXPECT_THAT(options->misbehave, ElementsAre("failing-call=AddTimer"));
+    EXPECT_TRUE(options->reload);
+    EXPECT_FALSE(options->keepGroups);
+}
+
+TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {
+    const std::vector<std::vector<const char*>> wrong{
+        {},
+        {"open"},
+        {"close", "a.svg"},
+        {"open", "a.svg", "--report", "xml"},
+        {"open", "a.svg", "b.svg", "--save", "c.svg"},
+        {"open", "a.svg", "--no-plugin", "--plugin", "p.aip"},
+        {"open", "a.svg", "--quiet", "--verbose"},
+        {"open", "a.svg", "--misbehave", "badly"},
+        {"open", "a.svg", "--misbehave", "missing-suite=AI Font Suite"},
+        {"open", "a.svg", "--misbehave", "failing-call=AddTimer:0"},
+        {"open", "a.svg", "--misbehave", "failing-call=AddTimer:OOPS:x"},
+        {"--self-test", "open", "a.svg"}};
+    for (const auto& arguments : wrong) {
+        status = -1;
+        errors.str("");
+        EXPECT_FALSE(read(arguments)) << testing::PrintToString(arguments);
+        EXPECT_EQ(status, exitUsage) << testing::PrintToString(arguments);
+        EXPECT_FALSE(errors.str().empty()) << testing::PrintToString(arguments);
+    }
+}
+
+TEST_F(ACommandLine, MayAskForHelp) {
+    EXPECT_FALSE(read({"open", "--help"}));
+    EXPECT_EQ(status, exitSuccess);
+    EXPECT_THAT(output.str(), HasSubstr("--fail-on-missing"));
+}
+
+TEST(ThePlugin, IsLookedForAroundTheProgram) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::path(testing::TempDir()) / "glyphora-search";
+    fs::remove_all(root);
+    const fs::path program = root / "bin";
+    fs::create_directories(program);
+    EXPECT_EQ(findPluginNear(program), std::nullopt);
+    for (const fs::path& place : {root / "lib" / "glyphora", root, program}) {
+        fs::create_directories(place / "Glyphora.aip");
+        EXPECT_EQ(findPluginNear(program), place / "Glyphora.aip");
+    }
+    setenv("GLYPHORA_PLUGIN", "/somewhere/else.aip", 1);
+    EXPECT_EQ(findPlugin(), "/somewhere/else.aip");
+    unsetenv("GLYPHORA_PLUGIN");
+    fs::remove_all(root);
+}
+
+TEST(AFault, IsBuiltInOnlyWhereThereIsSuchAThing) {
+    std::ostringstream ignored;
+    ConsoleFrontend frontend(ignored);
+    Core core(frontend);
+    EXPECT_EQ(applySabotage(core, "missing-suite=AI Font Suite:1003"), "");
+    EXPECT_EQ(applySabotage(core, "missing-suite=AI Font Suite:1003"),
+              "there is no suite AI Font Suite:1003");
+    EXPECT_EQ(applySabotage(core, "failing-call=AI Timer Suite/AddTimer:-7:2"), "");
+    EXPECT_EQ(applySabotage(core, "failing-call=AI Menu Suite/AddTimer"),
+              "no suite has a call AddTimer");
+    CallSite* const site = CallSite::find("AI Timer Suite", "AddTimer");
+    EXPECT_EQ(site->enter(), kNoErr);
+    EXPECT_EQ(site->enter(), -7);
+}
+
+} // namespace
+} // namespace host::test

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// The program with real plug-ins, good and bad.
+#include "programrun.h"
+
+#include <nlohmann/json.hpp>
+
+namespace host::test {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+class ARun : public ProgramFixture {
+protected:
+    void letMisbehave(const char* how) { setenv("GLYPHORA_TEST_MISBEHAVIOUR", how, 1); }
+};
+
+TEST_F(ARun, ShowsEachDrawingToThePluginAndPrintsItsFaces) {
+    const ProgramResult result = run(
+        {"open", "--plugin", bundle("wellbehaved"), goodDrawing("a.svg"), goodDrawing("b.svg")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.errors, HasSubstr("alert: Good day 1\n"));
+    EXPECT_THAT(result.errors, HasSubstr("alert: Good day 2\n"));
+    EXPECT_THAT(result.output, HasSubstr("a.svg\n"));
+    EXPECT_THAT(result.output, HasSubstr("No Such Face Bold  NoSuchFace-Bold  missing  missing"));
+    EXPECT_THAT(result.errors, Not(HasSubstr("error:")));
+    EXPECT_THAT(result.errors, Not(HasSubstr("misbehaves")));
+}
+
+TEST_F(ARun, ReportsInJson) {
+    const ProgramResult result =
+        run({"open", "--report", "json", "--reload", "--plugin", bundle("wellbehaved"),
+             goodDrawing("a.svg"), goodDrawing("b.svg")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    const json report = json::parse(result.output);
+    EXPECT_EQ(report["plugin"], "wellbehaved");
+    EXPECT_EQ(report["reloads"], 1);
+    EXPECT_EQ(report["alerts"][1]["text"], "Good day 2") << "the plug-in's object stayed";
+    EXPECT_TRUE(report["misbehaviour"].empty());
+    EXPECT_TRUE(report["errors"].empty());
+    const json& face = report["documents"][1]["faces"][0];
+    EXPECT_EQ(face["postScriptName"], "NoSuchFace-Bold");
+    EXPECT_EQ(face["before"], "missing");
+    EXPECT_EQ(face["after"], "missing");
+    EXPECT_EQ(face["runs"], 1);
+    EXPECT_GE(report["timingsMs"]["total"], report["documents"][1]["timingsMs"]["startToOutcome"]);
+    EXPECT_GE(report["documents"][1]["timingsMs"]["startToOutcome"],
+              report["documents"][0]["timingsMs"]["startToOutcome"]);
+}
+
+TEST_F(ARun, KeepsWhatThePluginPrintsOutOfTheJsonReport) {
+    letMisbehave("chatter");
+    const std::string drawing = goodDrawing();
+    const ProgramResult asJson =
+        run({"open", "--report", "json", "--plugin", bundle("misbehaving"), drawing});
+    EXPECT_TRUE(json::accept(asJson.output)) << asJson.output;
+    EXPECT_THAT(asJson.errors, HasSubstr("chatter of the plug-in"));
+    const ProgramResult asText = run({"open", "--plugin", bundle("misbehaving"), drawing});
+    EXPECT_THAT(asText.output, HasSubstr("chatter of the plug-in"));
+}
+
+TEST_F(ARun, GoesOnWithoutAPluginThatCannotBeLoaded) {
+    for (const std::string& plugin : {bundle("no-such"), bundle("noentry")}) {
+        const ProgramResult result = run({"open", "--plugin", plugin, goodDrawing()});
+        EXPECT_EQ(result.status, 3);
+        EXPECT_THAT(result.errors, HasSubstr("error: " + plugin));
+        EXPECT_THAT(result.output, HasSubstr("NoSuchFace-Bold"));
+    }
+    letMisbehave("failing start");
+    const ProgramResult result = run({"open", "--plugin", bundle("misbehaving"), goodDrawing()});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.errors, HasSubstr("failed to start with error 'OOPS'"));
+}
+
+TEST_F(ARun, TellsMisbehaviourApartFromErrors) {
+    letMisbehave("thrown number");
+    const ProgramResult result = run({"open", "--report", "json", "--plugin", bundle("misbehaving"),
+                                      goodDrawing("a.svg"), goodDrawing("b.svg")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors, HasSubstr("the plug-in misbehaves: misbehaving threw the number"));
+    const json report = json::parse(result.output);
+    ASSERT_EQ(report["misbehaviour"].size(), 1U);
+    EXPECT_EQ(report["misbehaviour"][0]["times"], 2);
+    EXPECT_EQ(report["errors"].size(), 2U);
+}
+
+TEST_F(ARun, FailsForMissingFontsOnlyWhenAskedTo) {
+    const std::string drawing = goodDrawing();
+    EXPECT_EQ(run({"open", "--no-plugin", drawing}).status, 0);
+    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", drawing}).status, 1);
+    const std::string plain =
+        write("plain.svg", R"(<svg xmlns="http://www.w3.org/2000/svg"><rect/></svg>)");
+    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", plain}).status, 0);
+}
+
+TEST_F(ARun, SavesAnUnchangedDrawingByteForByte) {
+    const std::string drawing = goodDrawing();
+    const std::string copy = folder / "copy.svg";
+    EXPECT_EQ(run({"open", "--no-plugin", "--save", copy, drawing}).status, 0);
+    EXPECT_EQ(contentOf(copy), contentOf(drawing));
+}
+
+TEST_F(ARun, CanBeASelfTest) {
+    const ProgramResult good = run({"--self-test", "--plugin", bundle("wellbehaved")});
+    EXPECT_EQ(good.status, 0) << good.errors;
+    EXPECT_THAT(good.output, HasSubstr("wellbehaved: loaded, started and shut down"));
+    EXPECT_EQ(run({"--self-test", "--plugin", bundle("noentry")}).status, 3);
+}
+
+TEST_F(ARun, CanMisbehaveOnPurpose) {
+    const std::string drawing = goodDrawing();
+    const ProgramResult result = run({"open", "--plugin", bundle("wellbehaved"), "--misbehave",
+                                      "failing-call=AddNotifier:OOPS", drawing});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.errors, HasSubstr("failed to start with error 'OOPS'"));
+    EXPECT_EQ(run({"open", "--no-plugin", "--misbehave", "failing-call=Nothing", drawing}).status,
+              64);
+}
+
+TEST_F(ARun, SaysWhenItsReportCannotBeWritten) {
+    const std::string command = std::string("'") + HOST_PROGRAM + "' open --no-plugin '" +
+                                goodDrawing() + "' > /dev/full 2> '" +
+                                (folder / "errors").string() + "'";
+    const int state = std::system(command.c_str()); // NOLINT(concurrency-mt-unsafe, cert-env33-c)
+    EXPECT_EQ(WEXITSTATUS(state), 74);
+    EXPECT_THAT(contentOf(folder / "errors"), HasSubstr("could not be written"));
+}
+
+} // namespace
+} // namespace host::test

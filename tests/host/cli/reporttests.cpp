@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// The two written forms of a report, and the exit status.
+#include "host/cli/exitstatus.h"
+#include "host/cli/report.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace host::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+FaceOutcome outcome(std::string family, FaceState before, FaceState after) {
+    FaceOutcome face;
+    face.family = std::move(family);
+    face.style = "Bold";
+    face.postScriptName = "X-Bold";
+    face.runs = 2;
+    face.runsNow = 2;
+    face.before = before;
+    face.after = after;
+    return face;
+}
+
+DocumentReport documentWith(std::vector<FaceOutcome> faces) {
+    DocumentReport document;
+    document.file = "d.svg";
+    document.opened = true;
+    document.faces = std::move(faces);
+    return document;
+}
+
+TEST(AReport, HasOneExitStatusOfSeveralReasons) {
+    RunReport report;
+    EXPECT_EQ(report.exitStatus(true), exitSuccess);
+    report.documents.push_back(
+        documentWith({outcome("A", FaceState::Missing, FaceState::ActivatedNow)}));
+    EXPECT_EQ(report.exitStatus(true), exitSuccess);
+    report.documents.push_back(
+        documentWith({outcome("A", FaceState::Missing, FaceState::Missing)}));
+    EXPECT_EQ(report.exitStatus(true), exitFontsMissing);
+    EXPECT_EQ(report.exitStatus(false), exitSuccess);
+    report.documents[0].error = "e";
+    EXPECT_EQ(report.exitStatus(true), exitDocumentFailed);
+    report.pluginFailed = true;
+    EXPECT_EQ(report.exitStatus(true), exitPluginFailed);
+}
+
+TEST(AReport, IsATableWithAlignedColumns) {
+    FaceOutcome replaced = outcome("B", FaceState::Missing, FaceState::Replaced);
+    replaced.runsNow = 0;
+    FaceOutcome came = outcome("C\n\x1B[31m", FaceState::Installed, FaceState::Installed);
+    came.before.reset();
+    came.runs = 0;
+    const std::string text = textOfDocument(documentWith(
+        {outcome("\xC3\x84rger", FaceState::Missing, FaceState::ActivatedNow), replaced, came}));
+    EXPECT_EQ(text, "d.svg\n"
+                    "  face          PostScript name  before   after          runs\n"
+                    "  \xC3\x84rger Bold    X-Bold           missing  activated now  2\n"
+                    "  B Bold        X-Bold           missing  replaced       2 -> 0\n"
+                    "  C??[31m Bold  X-Bold           -        installed      0 -> 2\n");
+    EXPECT_EQ(textOfDocument(documentWith({})), "d.svg\n  no text\n");
+    EXPECT_EQ(textOfDocument({}), "");
+}
+
+TEST(AReport, IsValidJsonWhateverBytesItHolds) {
+    RunReport report;
+    report.documents.push_back(
+        documentWith({outcome("\xFF\"\n", FaceState::Missing, FaceState::Missing)}));
+    report.documents[0].file = "bad\xC3name";
+    report.alerts.push_back({AlertKind::About, "p", "t", "line\nline"});
+    const nlohmann::json json = nlohmann::json::parse(jsonOf(report));
+    EXPECT_TRUE(json["plugin"].is_null());
+    EXPECT_EQ(json["documents"][0]["missesFonts"], true);
+    EXPECT_EQ(json["documents"][0]["faces"][0]["family"], "\xEF\xBF\xBD\"\n");
+    EXPECT_EQ(json["alerts"][0]["kind"], "about");
+}
+
+} // namespace
+} // namespace host::test
