@@ -182,13 +182,13 @@ std::string conventionalPostScriptName(std::string_view family, std::string_view
 
 StyleWords readStyleWords(std::string_view style) {
     StyleWords result;
-    const std::string text = lowered(style);
+    // Words are told apart by what they say: "Extra Light" is one, "BoldItalic" two.
+    std::string text = lowered(style);
+    text.erase(std::remove_if(text.begin(), text.end(),
+                              [](char c) { return c == ' ' || c == '-' || c == '_'; }),
+               text.end());
     std::string_view rest = text;
     while (!rest.empty()) {
-        if (rest.front() == ' ' || rest.front() == '-' || rest.front() == '_') {
-            rest.remove_prefix(1);
-            continue;
-        }
         const auto word =
             std::find_if(styleWords.begin(), styleWords.end(),
                          [rest](const StyleWord& w) { return rest.starts_with(w.word); });

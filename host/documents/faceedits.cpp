@@ -217,8 +217,11 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
     // What a shorthand says stays; a declaration behind it says better.
     const std::size_t after = decoded.origins[offsetOf(found.whole) + found.whole.size() - 1].end;
     edits_.push_back({after, after,
-                      ";" + std::string(propertyNames[css::indexOf(property)]) + ":" + text +
-                          (origin.important ? " !important" : "")});
+                      std::string(";")
+                          .append(propertyNames[css::indexOf(property)])
+                          .append(":")
+                          .append(text)
+                          .append(origin.important ? " !important" : "")});
     return true;
 }
 
@@ -253,7 +256,7 @@ std::string FaceEdits::declarations(ElementId element, const Values& values, boo
             const auto families = css::readFamilies(list);
             for (std::size_t i = 1; i < families.size(); ++i) {
                 const NewValue fallback{families[i].name, families[i].generic, 0};
-                text += ", " + familyText(fallback, context, false);
+                text.append(", ").append(familyText(fallback, context, false));
             }
         }
         const std::string name = property == Property::Hint
@@ -270,17 +273,18 @@ void FaceEdits::addToElement(ElementId element, const Values& values, bool impor
     xml::AttributePlace place;
     if (!xml::findAttribute(source_, tagStart, "style", place)) {
         const std::size_t end = xml::tagEnd(source_, tagStart);
-        edits_.push_back(
-            {end, end,
-             " style=\"" + declarations(element, values, important, {'"', false}) + "\""});
+        edits_.push_back({end, end,
+                          std::string(" style=\"")
+                              .append(declarations(element, values, important, {'"', false}))
+                              .append("\"")});
         return;
     }
     const std::string_view old =
         css::trim(std::string_view(source_).substr(place.start, place.end - place.start));
     const bool separated = old.empty() || old.back() == ';';
-    edits_.push_back(
-        {place.end, place.end,
-         (separated ? "" : ";") + declarations(element, values, important, {place.quote, false})});
+    edits_.push_back({place.end, place.end,
+                      std::string(separated ? "" : ";") +
+                          declarations(element, values, important, {place.quote, false})});
 }
 
 void FaceEdits::wrap(const Piece& piece, const Values& values, bool important) {
@@ -290,9 +294,10 @@ void FaceEdits::wrap(const Piece& piece, const Values& values, bool important) {
     const std::string name =
         std::string(outer.substr(0, outer.find(':') + 1)).append(spanName(element.tag));
     edits_.push_back({piece.sourceStart, piece.sourceStart,
-                      "<" + name + " style=\"" +
+                      std::string("<").append(name).append(" style=\"") +
                           declarations(piece.element, values, important, {'"', false}) + "\">"});
-    edits_.push_back({piece.sourceEnd, piece.sourceEnd, "</" + name + ">"});
+    edits_.push_back(
+        {piece.sourceEnd, piece.sourceEnd, std::string("</").append(name).append(">")});
 }
 
 std::string FaceEdits::apply() {

@@ -310,14 +310,15 @@ Tree Scanner::run() {
         raise(source_.empty() ? "the file is empty" : "not XML",
               first == std::string::npos ? 0 : first);
     }
+    if (const std::size_t nul = source_.find('\0'); nul != std::string::npos) {
+        raise("a zero byte stands in the text", nul);
+    }
     checkLongTags();
-    xmlParserInputBufferPtr buffer = xmlParserInputBufferCreateStatic(
-        source_.data(), static_cast<int>(source_.size()), XML_CHAR_ENCODING_NONE);
+    // An input without a buffer of libxml2's own, as it uses them for entities: nothing is copied,
+    // and what the parser points at is the source.
     xmlParserInputPtr input =
-        buffer == nullptr ? nullptr
-                          : xmlNewIOInputStream(context_.get(), buffer, XML_CHAR_ENCODING_NONE);
+        xmlNewStringInputStream(context_.get(), reinterpret_cast<const xmlChar*>(source_.c_str()));
     if (input == nullptr) {
-        xmlFreeParserInputBuffer(buffer);
         throw std::bad_alloc();
     }
     inputPush(context_.get(), input);

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+// Files that are no drawings: each is refused with one line that names file and place.
+#include "drawings.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <zlib.h>
+
+namespace host::test {
+namespace {
+
+using testing::ContainsRegex;
+using testing::Not;
+
+std::string gzip(std::string_view text) {
+    std::string bytes(compressBound(static_cast<uLong>(text.size())) + 32, '\0');
+    z_stream stream{};
+    deflateInit2(&stream, 1, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
+    stream.avail_out = static_cast<uInt>(bytes.size());
+    deflate(&stream, Z_FINISH);
+    bytes.resize(stream.total_out);
+    deflateEnd(&stream);
+    return bytes;
+}
+
+std::string repeated(std::string_view text, std::size_t count) {
+    std::string result;
+    result.reserve(text.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+/// The message of the error, or what was read instead.
+std::string refusal(std::string bytes, const SvgOptions& options = {}) {
+    try {
+        return "read: " + visibleRuns(readSvg(std::move(bytes), "bad.svg", options));
+    } catch (const DocumentError& error) {
+        return error.what();
+    }
+}
+
+TEST(ABadDrawing, IsRefusedWithFileAndPlace) {
+    struct Case {
+        std::string bytes;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"", "^bad.svg:1:1: the file is empty$"},
+        {" \n x", "^bad.svg:2:2: not XML$"},
+        {"\x89PNG\r\n\x1A\n", "^bad.svg:1:1: not XML$"},
+        {std::string(100, '\0'), "^bad.svg:1:1: not XML$"},
+        {"<html/>", "^bad.svg:1:[0-9]+: not an SVG drawing: its root element is 'html'"},
+        {"<svg/>", "^bad.svg:1:[0-9]+: not an SVG drawing: .*not in the namespace"},
+        {"<svg xmlns='http://www.w3.org/2000/svg'>\n<g>\n</svg>", "^bad.svg:3:[0-9]+: .*mismatch"},
+        {drawing("<text>") + "x", "^bad.svg:1:[0-9]+: "},
+        {drawing("<text>\xFF</text>"), "^bad.svg:1:[0-9]+: "},
+        {drawing("&x;"), "^bad.svg:1:[0-9]+: .*'x' not defined"},
+        {drawing("") + "<g/>", "^bad.svg:1:[0-9]+: "},
+        {"<?xml version='1.0' encoding='nonsense'?><svg/>",
+         "^bad.svg:1:1: the encoding is not known"},
+        {"<?xml version='1.0' encoding='EUC-JP'?>\n<svg>\xFF\xFF</svg>",
+         "^bad.svg:2:6: not text in"},
+        {"\x1F\x8B not gzip at all", "^bad.svg: the gzip data"},
+        {gzip(drawing("")).substr(0, 60), "^bad.svg: the gzip data end too early$"},
+        {gzip("no drawing"), "^bad.svg:1:1: not XML$"},
+    };
+    for (const Case& c : cases) {
+        const std::string message = refusal(c.bytes);
+        EXPECT_THAT(message, ContainsRegex(c.message));
+        EXPECT_THAT(message, Not(ContainsRegex("[\n\r]")));
+    }
+}
+
+TEST(ABadDrawing, IsRefusedBeforeItCostsMuch) {
+    const std::string head = "<svg xmlns='http://www.w3.org/2000/svg'>";
+    // A hundred megabytes of groups.
+    EXPECT_THAT(refusal(head + repeated("<g>\n", 25'000'000)),
+                ContainsRegex("^bad.svg:256:[0-9]+: elements are nested more than 256 deep$"));
+    // The same behind an error, where the parser no longer reports elements.
+    EXPECT_THAT(refusal(head + "<g a=1>" + repeated("<g>", 1'000'000)),
+                ContainsRegex("^bad.svg:1:[0-9]+: AttValue"));
+
+    std::string attributes;
+    for (int i = 0; i < 200'000; ++i) {
+        attributes += " a" + std::to_string(i) + "=''";
+    }
+    EXPECT_THAT(refusal(head + "<g" + attributes + "/></svg>"),
+                ContainsRegex("more than 1000 attributes$"));
+
+    std::string namespaces;
+    for (int i = 0; i < 900; ++i) {
+        namespaces += " xmlns:n" + std::to_string(i) + "='u'";
+    }
+    EXPECT_THAT(refusal(head + "<g" + namespaces + "><g" + namespaces + "/></g></svg>"),
+                ContainsRegex("too many namespaces"));
+}
+
+TEST(ABadDrawing, CannotBlowUpThroughEntities) {
+    std::string bomb = "<!DOCTYPE svg [<!ENTITY a0 'xxxxxxxxxx'>";
+    for (int i = 1; i < 12; ++i) {
+        bomb += "<!ENTITY a" + std::to_string(i) + " '" +
+                repeated("&a" + std::to_string(i - 1) + ";", 10) + "'>";
+    }
+    bomb += "]><svg xmlns='http://www.w3.org/2000/svg' ";
+    for (const std::string& body :
+         {std::string("><text>&a11;</text>"), std::string("id='&a11;'>")}) {
+        EXPECT_THAT(refusal(bomb + body + "</svg>"), ContainsRegex("^bad.svg:1:[0-9]+: "));
+    }
+    // One large entity, often.
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ENTITY a '" + repeated("x", 100'000) +
+                        "'>]><svg xmlns='http://www.w3.org/2000/svg'><text>" +
+                        repeated("&a;", 100'000) + "</text></svg>"),
+                ContainsRegex("expand too far$"));
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ENTITY a '&b;'><!ENTITY b '&a;'>]><svg "
+                        "xmlns='http://www.w3.org/2000/svg'>&a;</svg>"),
+                ContainsRegex("^bad.svg:1:[0-9]+: "));
+}
+
+TEST(ABadDrawing, CannotBlowUpThroughReferencedText) {
+    EXPECT_THAT(refusal(drawing("<text id='t'>" + repeated("x", 100'000) + "</text><text>" +
+                                repeated("<tref xlink:href='#t'/>", 1000) + "</text>")),
+                ContainsRegex("repeat too much text$"));
+}
+
+TEST(ABadDrawing, OpensNoOtherFile) {
+    Folder folder;
+    write(folder / "other.txt", "<text xmlns='http://www.w3.org/2000/svg'>secret</text>");
+    const std::string other = (folder / "other.txt").string();
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ENTITY x SYSTEM 'file://" + other +
+                        "'>]><svg xmlns='http://www.w3.org/2000/svg'>&x;</svg>"),
+                Not(testing::HasSubstr("secret")));
+    EXPECT_EQ(refusal("<!DOCTYPE svg SYSTEM 'file://" + other + "' [<!ENTITY % p SYSTEM 'file://" +
+                      other + "'> %p;]><svg xmlns='http://www.w3.org/2000/svg'/>"),
+              "read: ");
+}
+
+TEST(ADrawingsSize, IsLimitedAlsoWhenUnpacked) {
+    SvgOptions options;
+    options.maximumSize = std::size_t{1} << 20;
+    const std::string large = drawing(repeated(" ", std::size_t{2} << 20));
+    EXPECT_EQ(refusal(large, options), "bad.svg: larger than 1 MiB");
+    EXPECT_EQ(refusal(gzip(large), options), "bad.svg: larger than 1 MiB");
+    EXPECT_EQ(refusal(gzip(large)), "read: ");
+}
+
+TEST(AFile, MustBeARegularOne) {
+    Folder folder;
+    const auto messageFor = [](const std::filesystem::path& file) {
+        try {
+            readSvg(file);
+            return std::string("read");
+        } catch (const DocumentError& error) {
+            return std::string(error.what());
+        }
+    };
+    EXPECT_EQ(messageFor(folder / "none.svg"),
+              (folder / "none.svg").string() + ": No such file or directory");
+    EXPECT_EQ(messageFor(folder.path()), folder.path().string() + ": is a directory");
+    const std::filesystem::path pipe = folder / "pipe.svg";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(messageFor(pipe), pipe.string() + ": is not a regular file");
+    SvgOptions options;
+    options.maximumSize = 10;
+    write(folder / "large.svg", drawing(""));
+    EXPECT_THROW(readSvg(folder / "large.svg", options), DocumentError);
+}
+
+} // namespace
+} // namespace host::test

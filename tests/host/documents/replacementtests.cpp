@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+// Replaced faces in the saved file: what changes, and that nothing else does.
+#include "drawings.h"
+
+#include <gtest/gtest.h>
+
+namespace host::test {
+namespace {
+
+Face newFace(const char* family = "New Sans", int weight = 400, Slant slant = Slant::Upright) {
+    Face face;
+    face.family = family;
+    face.weight = weight;
+    face.slant = slant;
+    face.style = styleText(weight, slant, 100);
+    return face;
+}
+
+/// Replaces all runs of a family, or of a family and style.
+void replaceAll(Document& document, std::string_view old, const Face& face) {
+    for (RunId id = 0; id < document.runs().size(); ++id) {
+        const Face& current = document.faceOf(document.run(id));
+        if (current.family == old || current.family + "/" + current.style == old) {
+            document.replaceFace(id, face);
+        }
+    }
+}
+
+std::string saved(const Document& document) {
+    Folder folder;
+    document.save(folder / "out.svg");
+    return bytesOf(folder / "out.svg");
+}
+
+struct Case {
+    const char* about;
+    const char* body;
+    const char* replaced; ///< "family" or "family/style"
+    const char* result;
+};
+
+// The new face is "New Sans", regular.
+const Case cases[] = {
+    {"Attribute", "<text font-family='Old'>a</text>", "Old",
+     "<text font-family='\"New Sans\"'>a</text>"},
+    {"AttributeWithFallbacks", "<g font-family=\"'Old', Other , serif\"><text>a</text></g>", "Old",
+     "<g font-family=\"'New Sans', Other , serif\"><text>a</text></g>"},
+    {"AttributeWithEntities", "<text font-family='A &amp; B,&quot;C&quot;'>a</text>", "A & B",
+     "<text font-family='\"New Sans\",&quot;C&quot;'>a</text>"},
+    {"InlineStyle", "<text style=\"fill:red; font-family : 'Old', serif ;x:y\">a</text>", "Old",
+     "<text style=\"fill:red; font-family : 'New Sans', serif ;x:y\">a</text>"},
+    {"InlineStyleInEntities", "<text style='font-family:&apos;Old&apos;;a:b'>a</text>", "Old",
+     "<text style='font-family:\"New Sans\";a:b'>a</text>"},
+    {"TheLastOfSeveralDeclarations", "<text style='font-family:X;font-family:Old'>a</text>", "Old",
+     "<text style='font-family:X;font-family:\"New Sans\"'>a</text>"},
+    {"ImportantDeclaration", "<text style='font-family:Old!important;font-family:X'>a</text>",
+     "Old", "<text style='font-family:\"New Sans\"!important;font-family:X'>a</text>"},
+    {"Rule", "<style>.a { font-family: Old; }\n.b{}</style><text class='a'>a</text>", "Old",
+     "<style>.a { font-family: 'New Sans'; }\n.b{}</style><text class='a'>a</text>"},
+    {"RuleInCdata",
+     "<style><![CDATA[.a>b{} .a{font-family:\"Old\",serif}]]></style><text class='a'>a</text>",
+     "Old",
+     "<style><![CDATA[.a>b{} .a{font-family:'New Sans',serif}]]></style><text class='a'>a</text>"},
+    {"Shorthand", "<text style='font:bold 12px/1 Old, serif;a:b'>a</text>", "Old",
+     "<text style='font:bold 12px/1 \"New Sans\", serif;font-weight:normal;a:b'>a</text>"},
+    {"WeightAndSlantWithIt",
+     "<text font-family='Old' font-weight='bold' style='font-style:italic'>a</text>", "Old",
+     "<text font-family='\"New Sans\"' font-weight='normal' style='font-style:normal'>a</text>"},
+    {"TheHintWithIt",
+     "<text style=\"font-family:Old;-inkscape-font-specification:'Old, Bold'\">a</text>", "Old",
+     "<text style=\"font-family:'New Sans';-inkscape-font-specification:'New Sans, Normal'\">a"
+     "</text>"},
+    {"PostScriptNameAsFamily", "<text font-family='Old-Bold'>a</text>", "Old-Bold",
+     "<text font-family='\"New Sans\"'>a</text>"},
+    {"NoDeclarationAtAll", "<text x='1'>a</text><text font-family='B'>b</text>", "sans-serif",
+     "<text x='1' style=\"font-family:'New Sans'\">a</text><text font-family='B'>b</text>"},
+    {"InheritedAndSharedValueGoesToTheElement",
+     "<g font-family='Old, serif'><text style='a:b'>a</text><text font-weight='bold'>b</text></g>",
+     "Old/Bold",
+     "<g font-family='Old, serif'><text style='a:b'>a</text><text font-weight='normal' "
+     "style=\"font-family:'New Sans', serif\">b</text></g>"},
+    {"StyleAttributesGrow",
+     "<g font-family='Old'><text style='a:b'>a</text><text font-weight='bold'>b</text></g>",
+     "Old/Regular",
+     "<g font-family='Old'><text style='a:b;font-family:\"New Sans\"'>a</text><text "
+     "font-weight='bold'>b</text></g>"},
+    {"TextBesideOtherTextGetsASpan",
+     "<text font-family='Old'>a <tspan font-weight='bold'>b</tspan> c</text>", "Old/Regular",
+     "<text font-family='Old'><tspan style=\"font-family:'New Sans'\">a </tspan><tspan "
+     "font-weight='bold'>b</tspan><tspan style=\"font-family:'New Sans'\"> c</tspan></text>"},
+    {"SharedRuleStays",
+     "<style>.a{font-family:Old}</style><text class='a'>a</text><text class='a' "
+     "font-style='italic'>b</text>",
+     "Old/Italic",
+     "<style>.a{font-family:Old}</style><text class='a'>a</text><text class='a' "
+     "font-style='normal' style=\"font-family:'New Sans'\">b</text>"},
+    {"SharedImportantRuleIsOutdone",
+     "<style>.a{font-family:Old!important}</style><text class='a'>a</text><text class='a' "
+     "font-style='italic'>b</text>",
+     "Old/Italic",
+     "<style>.a{font-family:Old!important}</style><text class='a'>a</text><text class='a' "
+     "font-style='normal' style=\"font-family:'New Sans' !important\">b</text>"},
+    {"HiddenTextKeepsItsFaceOnItsOwn",
+     "<g font-family='Old'><text>a</text><text display='none' font-weight='bold'>b</text></g>",
+     "Old/Regular",
+     "<g font-family='Old'><text style=\"font-family:'New Sans'\">a</text><text display='none' "
+     "font-weight='bold'>b</text></g>"},
+    {"FlowedTextInAPrefix",
+     "<s:flowRoot xmlns:s='http://www.w3.org/2000/svg' font-family='Old'><s:flowPara>a"
+     "<s:flowSpan font-weight='bold'>b</s:flowSpan></s:flowPara></s:flowRoot>",
+     "Old/Regular",
+     "<s:flowRoot xmlns:s='http://www.w3.org/2000/svg' font-family='Old'><s:flowPara>"
+     "<s:flowSpan style=\"font-family:'New Sans'\">a</s:flowSpan>"
+     "<s:flowSpan font-weight='bold'>b</s:flowSpan></s:flowPara></s:flowRoot>"},
+    {"ReferencedText",
+     "<text id='t' font-family='B'>x</text><text font-family='Old'><tref xlink:href='#t'/></text>",
+     "Old",
+     "<text id='t' font-family='B'>x</text><text font-family='\"New Sans\"'><tref "
+     "xlink:href='#t'/></text>"},
+    {"SelectorsThatWouldCatchTheSpanMakeItCareful",
+     "<style>tspan{font-weight:bold}</style><text font-family='Old'>a<tspan>b</tspan></text>",
+     "Old/Regular",
+     "<style>tspan{font-weight:bold}</style><text font-family='Old'><tspan style=\"font-family:"
+     "'New Sans' !important;font-style:normal !important;font-weight:normal !important;"
+     "font-stretch:normal !important\">a</tspan><tspan>b</tspan></text>"},
+};
+
+class AReplacedFace : public testing::TestWithParam<Case> {};
+
+TEST_P(AReplacedFace, ChangesWhatDecidedItAndNothingElse) {
+    Document document = read(GetParam().body);
+    const std::string replaced = GetParam().replaced;
+    replaceAll(document, replaced, newFace());
+    const std::string result = saved(document);
+    EXPECT_EQ(result, drawing(GetParam().result));
+    EXPECT_EQ(visibleRuns(readSvg(result, "again.svg")).find(replaced + "/"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Places, AReplacedFace, testing::ValuesIn(cases),
+                         [](const auto& test) { return test.param.about; });
+
+TEST(AReplacedFace, IsWrittenWithAllItHas) {
+    Document document = read("<text font-family='Old'>a</text>");
+    Face face = newFace("It's \"M\xC3\xBCller\" & <Co>", 650, Slant::Oblique);
+    face.stretch = 110.5;
+    replaceAll(document, "Old", face);
+    const Document again = readSvg(saved(document), "again.svg");
+    ASSERT_EQ(again.runs().size(), 1U);
+    const Face& read = again.faceOf(again.run(0));
+    EXPECT_EQ(read.family, face.family);
+    EXPECT_EQ(read.weight, 650);
+    EXPECT_EQ(read.slant, Slant::Oblique);
+    EXPECT_EQ(read.stretch, 110.5);
+}
+
+TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
+    Document document = readSvg("<?xml version='1.0' encoding='ISO-8859-1'?><svg "
+                                "xmlns='http://www.w3.org/2000/svg'><text font-family='Old'>\xE4"
+                                "</text></svg>",
+                                "x.svg");
+    replaceAll(document, "Old", newFace("\xD0\x96\xC3\xA4"));
+    EXPECT_EQ(saved(document), "<?xml version='1.0' encoding='ISO-8859-1'?><svg "
+                               "xmlns='http://www.w3.org/2000/svg'><text font-family='\"\\416 "
+                               "\\E4 \"'>\xE4</text></svg>");
+}
+
+TEST(AReplacedFace, OfRunsThatDifferIsToldApart) {
+    Document document = read("<g font-family='Old'><text>a</text><text>b</text></g>");
+    document.replaceFace(0, newFace("A"));
+    document.replaceFace(1, newFace("B"));
+    EXPECT_EQ(visibleRuns(readSvg(saved(document), "x.svg")), "A/Regular:a|B/Regular:b");
+}
+
+TEST(AReplacedFace, InAnEntityIsRefusedAndTheFileKept) {
+    Document document = readSvg("<!DOCTYPE svg [<!ENTITY e '<text>x</text>'>]><svg "
+                                "xmlns='http://www.w3.org/2000/svg'>&e;</svg>",
+                                "x.svg");
+    document.replaceFace(0, newFace());
+    Folder folder;
+    write(folder / "out.svg", "before");
+    EXPECT_THROW(document.save(folder / "out.svg"), DocumentError);
+    EXPECT_EQ(bytesOf(folder / "out.svg"), "before");
+}
+
+TEST(ASavedDrawing, IsUnchangedWhenNothingWasReplaced) {
+    const std::string source = "\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!-- x -->" +
+                               drawing("<text\n>a</text >\r\n") + "\n\n";
+    EXPECT_EQ(saved(readSvg(source, "x.svg")), source);
+}
+
+TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
+    Folder folder;
+    const Document plain = read("<text font-family='A'>a</text>");
+    plain.save(folder / "packed.svgz");
+    EXPECT_TRUE(bytesOf(folder / "packed.svgz").starts_with("\x1F\x8B"));
+    const Document packed = readSvg(folder / "packed.svgz");
+    packed.save(folder / "plain.svg");
+    packed.save(folder / "other");
+    EXPECT_EQ(bytesOf(folder / "plain.svg"), drawing("<text font-family='A'>a</text>"));
+    EXPECT_TRUE(bytesOf(folder / "other").starts_with("\x1F\x8B"));
+}
+
+TEST(ASavedDrawing, ReplacesTheFileThatALinkLeadsToAndKeepsItsRights) {
+    Folder folder;
+    write(folder / "real.svg", "old");
+    std::filesystem::permissions(folder / "real.svg", std::filesystem::perms{0640});
+    std::filesystem::create_symlink(folder / "real.svg", folder / "link.svg");
+    read("").save(folder / "link.svg");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+    EXPECT_EQ(bytesOf(folder / "real.svg"), drawing(""));
+    EXPECT_EQ(std::filesystem::status(folder / "real.svg").permissions(),
+              std::filesystem::perms{0640});
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST(ASavedDrawing, ThatCannotBeWrittenSaysSo) {
+    Folder folder;
+    try {
+        read("").save(folder / "no/such/folder.svg");
+        FAIL();
+    } catch (const DocumentError& error) {
+        EXPECT_NE(std::string(error.what()).find("cannot be written: No such file"),
+                  std::string::npos);
+    }
+}
+
+TEST(ADocument, CountsReplacementsOfRunsOnly) {
+    Document document = read("<text font-family='A'>a</text>");
+    document.replaceFace(0, Face(document.face(0)));
+    EXPECT_FALSE(document.modified());
+    document.replaceFace(0, newFace());
+    EXPECT_TRUE(document.modified());
+    EXPECT_TRUE(document.run(0).replaced);
+    EXPECT_THROW(document.replaceFace(1, newFace()), std::out_of_range);
+}
+
+} // namespace
+} // namespace host::test

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// Which declaration decides a run's face: one table of drawings and what they come to.
+#include "drawings.h"
+
+#include <gtest/gtest.h>
+
+namespace host::test {
+namespace {
+
+struct Case {
+    const char* about;
+    const char* body;
+    const char* runs;
+};
+
+const Case cases[] = {
+    {"NoFamilyAtAll", "<text>a</text>", "<sans-serif>/Regular:a"},
+    {"PresentationAttributes",
+     "<text font-family='Foo' font-weight='bold' font-style='italic' "
+     "font-stretch='condensed'>a</text>",
+     "Foo/Condensed Bold Italic:a"},
+    {"Inheritance", "<g font-family='Foo'><g font-weight='600'><text>a</text></g></g>",
+     "Foo/SemiBold:a"},
+    {"AttributeYieldsToRule",
+     "<style>text{font-family:Bar}</style><text font-family='Foo'>a</text>", "Bar/Regular:a"},
+    {"RuleYieldsToStyle",
+     "<style>text{font-family:Bar}</style><text style='font-family:Foo'>a</text>", "Foo/Regular:a"},
+    {"ImportantRuleBeatsStyle",
+     "<style>text{font-family:Bar ! important}</style><text style='font-family:Foo'>a</text>",
+     "Bar/Regular:a"},
+    {"ImportantStyleBeatsImportantRule",
+     "<style>text{font-family:Bar!important}</style>"
+     "<text style='font-family:Foo!important;font-family:Other'>a</text>",
+     "Foo/Regular:a"},
+    {"SpecificityBeatsOrder",
+     "<style>#i{font-family:Id} .c{font-family:Class} text{font-family:Type} "
+     "*{font-family:Any}</style><text id='i' class='c'>a</text><text class='c'>b</text>"
+     "<text>c</text>",
+     "Id/Regular:a|Class/Regular:b|Type/Regular:c"},
+    {"LaterRuleOfTheSameSpecificity",
+     "<style>.a{font-family:A}.b{font-family:B}</style><text class='b a'>a</text>", "B/Regular:a"},
+    {"SeveralSheetsInOneCascade",
+     "<style>.a{font-family:A}</style><text class='a'>a</text><style>.a{font-family:B}</style>",
+     "B/Regular:a"},
+    {"SheetInCdata",
+     "<style type='text/css'><![CDATA[ g > text { font-family: 'A & B' } ]]></style>"
+     "<g><text>a</text></g>",
+     "A & B/Regular:a"},
+    {"OtherStyleLanguagesAndMedia",
+     "<style type='text/x'>text{font-family:A}</style><style media='print'>text{font-family:B}"
+     "</style><style media='print, screen'>text{font-weight:bold}</style><text>a</text>",
+     "<sans-serif>/Bold:a"},
+    {"ChildAndDescendant",
+     "<style>g>text{font-family:A} svg text{font-style:italic} svg>text{font-weight:bold}</style>"
+     "<g><text>a</text></g><text>b</text>",
+     "A/Italic:a|<sans-serif>/Bold Italic:b"},
+    {"DescendantPastAChildThatDoesNotFit",
+     "<style>.o > .m text{font-family:A}</style>"
+     "<g class='o'><g class='m'><g class='x'><g class='m'><text>a</text></g></g></g></g>",
+     "A/Regular:a"},
+    {"AttributeSelectors",
+     "<style>[data-a]{font-family:A} [data-b='x y'] {font-weight:bold} [data-b~=y]{font-style:"
+     "italic} [lang|=de]{font-stretch:expanded} [data-c^='ab'][data-c$=\"yz\"][data-c*=m]{"
+     "font-family:C}</style><text data-a='' data-b='x y'>a</text><text lang='de-AT' "
+     "data-c='abmyz'>b</text>",
+     "A/Bold Italic:a|C/Expanded:b"},
+    {"GroupsOfSelectors", "<style>.x, #y , z{font-family:A}</style><text id='y'>a</text>",
+     "A/Regular:a"},
+    {"SelectorsThatAreNotKnownMatchNothing",
+     "<style>text:hover{font-family:A} text::before{font-family:A} g+text{font-family:A} "
+     ">text{font-family:A} text>{font-family:A} .{font-family:A}</style><g/><text>a</text>",
+     "<sans-serif>/Regular:a"},
+    {"RootAndNamespacePrefix",
+     "<style>@namespace s url(http://www.w3.org/2000/svg);:root{font-weight:bold}"
+     "s|text{font-family:A}</style><text>a</text>",
+     "A/Bold:a"},
+    {"AtRulesAreSkippedOrApplied",
+     "<style>@charset \"utf-8\"; @import url(x.css); @media print{text{font-family:P}} "
+     "@media screen { text{font-family:S} } @supports (a:b){text{font-family:X}} "
+     "text{font-weight:bold}</style><text>a</text>",
+     "S/Bold:a"},
+    {"BrokenRulesDoNotHideTheNextOnes",
+     "<style>} ; a{font-family:;;:x} text{font-weight:nonsense;font-weight:} /* } */ "
+     "text{font-family:A}</style><text>a</text>",
+     "A/Regular:a"},
+    {"ShorthandResetsTheRest",
+     "<text style='font-weight:bold;font-style:italic;font:12px Foo'>a</text>"
+     "<text style='font:italic small-caps 600 condensed 12px/1.5 \"Foo Bar\", serif'>b</text>",
+     "Foo/Regular:a|Foo Bar/Condensed SemiBold Italic:b"},
+    {"DeclarationsBehindAShorthandWin",
+     "<text style='font:bold 12px/14px Foo;font-weight:300'>a</text>", "Foo/Light:a"},
+    {"ShorthandOfTheSystem", "<text style='font-family:Foo;font:menu'>a</text>",
+     "<sans-serif>/Regular:a"},
+    {"ShorthandWithoutFamilyIsNone", "<text style='font-family:Foo;font:12px'>a</text>",
+     "Foo/Regular:a"},
+    {"RelativeWeights",
+     "<g font-weight='300'><text font-family='A' font-weight='bolder'>a</text>"
+     "<text font-family='A' font-weight='lighter'>b</text></g>"
+     "<g font-weight='400'><text font-family='A'><tspan font-weight='bolder'>c<tspan "
+     "font-weight='bolder'>d<tspan font-weight='lighter'>e</tspan></tspan></tspan></text></g>",
+     "A/Regular:a|A/Thin:b|A/Bold:c|A/Black:d|A/Bold:e"},
+    {"RelativeStretch",
+     "<g font-stretch='condensed'><text font-family='A' font-stretch='wider'>a</text>"
+     "<text font-family='A' font-stretch='narrower'>b</text></g>",
+     "A/SemiCondensed:a|A/ExtraCondensed:b"},
+    {"NumbersAndPercents",
+     "<text font-family='A' font-weight='850' font-stretch='62.5%'>a</text>"
+     "<text font-family='A' font-weight='0'>b</text>"
+     "<text font-family='A' font-style='oblique 10deg'>c</text>",
+     "A/ExtraCondensed Black:a|A/Regular:b|A/Oblique:c"},
+    {"InheritInitialUnset",
+     "<g font-family='A' font-weight='bold'><text style='font-family:inherit;font-weight:"
+     "initial'>a</text><text style='font-weight:unset;font-family:var(--x)'>b</text></g>",
+     "A/Regular:a|A/Bold:b"},
+    {"FirstOfAList", "<text font-family='Foo, Bar, sans-serif'>a</text>", "Foo/Regular:a"},
+    {"GenericFirst", "<text font-family='serif, Foo'>a</text><text font-family='Sans'>b</text>",
+     "<serif>/Regular:a|<Sans>/Regular:b"},
+    {"QuotesAndBlanksInNames",
+     "<text font-family='  Foo   Bar  '>a</text><text font-family='\"Foo, Bar\"'>b</text>"
+     "<text style='font-family:&apos;Foo;Bar&apos;'>c</text><text font-family='Foo 55 Roman'>d"
+     "</text>",
+     "Foo Bar/Regular:a|Foo, Bar/Regular:b|Foo;Bar/Regular:c|Foo 55 Roman/Regular:d"},
+    {"EscapesInNames",
+     "<text style='font-family:\"M\\FC ller \\26 S\\F6hne\"'>a</text>"
+     "<style>.k\\2e x{font-family:K\\000020L}</style><text class='k.x'>b</text>",
+     "M\xC3\xBCller &S\xC3\xB6hne/Regular:a|K L/Regular:b"},
+    {"EntitiesInNames", "<text font-family='M&#xFC;ller &amp; S&#246;hne'>a</text>",
+     "M\xC3\xBCller & S\xC3\xB6hne/Regular:a"},
+    {"CaseOfNamesAndKeywords",
+     "<text style='FONT-FAMILY:Foo;Font-Weight:BOLD;font-style:Italic'>a</text>",
+     "Foo/Bold Italic:a"},
+    {"CommentsInDeclarations",
+     "<text style='/*x*/font-family/*y*/:Foo;/*z:*/font-weight:bold'>a</text>", "Foo/Bold:a"},
+    {"PostScriptNameAsFamily",
+     "<text font-family='Oswald-BoldItalic'>a</text><text font-family='Noto-Sans'>b</text>",
+     "Oswald-BoldItalic/Bold Italic:a|Noto-Sans/Regular:b"},
+    {"EmbeddedByFontFace",
+     "<style>@font-face{font-family:'My Font';src:url(data:font/ttf;base64,AA==)}"
+     "@font-face{font-family:Local;src:local('Arial')}</style>"
+     "<text font-family='my font'>a</text><text font-family='Local'>b</text>",
+     "[my font]/Regular:a|Local/Regular:b"},
+    {"EmbeddedAsSvgFont",
+     "<defs><font><font-face font-family='Old'/><glyph>x</glyph></font></defs>"
+     "<text font-family='Old'>a</text>",
+     "[Old]/Regular:a"},
+};
+
+class AStyle : public testing::TestWithParam<Case> {};
+
+TEST_P(AStyle, IsDecidedAsTheTableSays) {
+    EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cascade, AStyle, testing::ValuesIn(cases),
+                         [](const auto& test) { return test.param.about; });
+
+TEST(AStyleSheet, CostsABoundedAmountOfWork) {
+    std::string sheet = "<style>";
+    std::string body;
+    for (int i = 0; i < 30000; ++i) {
+        sheet += "*{font-weight:bold}";
+        body += "<text>a</text>";
+    }
+    EXPECT_THROW(read(sheet + "</style>" + body), DocumentError);
+}
+
+TEST(AStyle, KeepsThePostScriptNameThatStandsForTheFamily) {
+    const Document document = read("<text font-family='Oswald-Bold'>a</text>");
+    EXPECT_EQ(document.faceOf(document.run(0)).postScriptName, "Oswald-Bold");
+    EXPECT_EQ(document.faceOf(document.run(0)).weight, 700);
+}
+
+} // namespace
+} // namespace host::test

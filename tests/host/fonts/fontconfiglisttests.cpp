@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The desktop's fonts through fontconfig, in a small font world of the test's own: its fonts are
+// hard copies of what the desktop has of one well-known family.
+#include "host/fonts/catalogue.h"
+
+#include <fontconfig/fontconfig.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+/// Where the desktop keeps a face; asked before the private world begins.
+std::string desktopFile(const char* postScriptName) {
+    FcConfig* config = FcInitLoadConfigAndFonts();
+    FcPattern* wanted = FcPatternCreate();
+    FcPatternAddString(wanted, FC_POSTSCRIPT_NAME,
+                       reinterpret_cast<const FcChar8*>(postScriptName));
+    FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
+    FcFontSet* found = FcFontList(config, wanted, objects);
+    FcChar8* file = nullptr;
+    std::string result;
+    if (found != nullptr && found->nfont > 0 &&
+        FcPatternGetString(found->fonts[0], FC_FILE, 0, &file) == FcResultMatch) {
+        result = reinterpret_cast<const char*>(file);
+    }
+    FcFontSetDestroy(found);
+    FcObjectSetDestroy(objects);
+    FcPatternDestroy(wanted);
+    FcConfigDestroy(config);
+    return result;
+}
+
+class APrivateFontWorld : public testing::Test {
+protected:
+    void SetUp() override {
+        regular_ = desktopFile("DejaVuSans");
+        bold_ = desktopFile("DejaVuSans-Bold");
+        ASSERT_FALSE(regular_.empty() || bold_.empty()) << "package fonts-dejavu-core is needed";
+        std::string pattern = (std::filesystem::temp_directory_path() / "fonts-XXXXXX").string();
+        folder_ = ::mkdtemp(pattern.data());
+        std::filesystem::create_directories(folder_ / "fonts/set");
+        std::ofstream(folder_ / "fonts.conf")
+            << "<?xml version='1.0'?><!DOCTYPE fontconfig SYSTEM 'fonts.dtd'><fontconfig><dir>"
+            << (folder_ / "fonts").string() << "</dir><cachedir>" << (folder_ / "cache").string()
+            << "</cachedir></fontconfig>";
+        ::setenv("FONTCONFIG_FILE", (folder_ / "fonts.conf").c_str(), 1);
+    }
+    void TearDown() override {
+        ::unsetenv("FONTCONFIG_FILE");
+        FcInitReinitialize();
+        std::filesystem::remove_all(folder_);
+    }
+    /// As a font manager does it: staged elsewhere, then renamed into place.
+    void activate(const std::string& file, const char* name) {
+        std::filesystem::copy_file(file, folder_ / name);
+        std::filesystem::rename(folder_ / name, folder_ / "fonts/set" / name);
+    }
+    static Face dejaVu(int weight) {
+        Face face;
+        face.family = "DejaVu Sans";
+        face.weight = weight;
+        face.style = styleText(weight, Slant::Upright, 100);
+        return face;
+    }
+
+    std::string regular_;
+    std::string bold_;
+    std::filesystem::path folder_;
+};
+
+TEST_F(APrivateFontWorld, IsEmptyAtFirstAndNoticesEveryActivation) {
+    Catalogue catalogue;
+    EXPECT_TRUE(catalogue.faces().empty());
+    const FontKey missing = catalogue.resolve(dejaVu(400));
+    EXPECT_FALSE(catalogue.entry(missing)->present);
+    EXPECT_EQ(catalogue.entry(missing)->face.postScriptName, "DejaVuSans-Regular");
+    EXPECT_FALSE(catalogue.refresh());
+
+    // Both within the second in which the last look was taken.
+    activate(regular_, "a.ttf");
+    EXPECT_TRUE(catalogue.refresh());
+    const FontKey regular = catalogue.resolve(dejaVu(400));
+    activate(bold_, "b.ttf");
+    EXPECT_TRUE(catalogue.refresh());
+    EXPECT_EQ(catalogue.resolve(dejaVu(400)), regular);
+    ASSERT_EQ(catalogue.faces().size(), 2U);
+
+    const InstalledFace& face = catalogue.entry(regular)->face;
+    EXPECT_EQ(face.postScriptName, "DejaVuSans");
+    EXPECT_EQ(face.family, "DejaVu Sans");
+    EXPECT_EQ(face.style, "Book");
+    EXPECT_EQ(face.fullName, "DejaVu Sans");
+    EXPECT_EQ(face.technology, FontTechnology::TrueType);
+    EXPECT_TRUE(face.openType);
+    EXPECT_EQ(face.weight, 400);
+    EXPECT_EQ(face.file, (folder_ / "fonts/set/a.ttf").string());
+
+    std::filesystem::remove(folder_ / "fonts/set/a.ttf");
+    EXPECT_TRUE(catalogue.refresh());
+    EXPECT_FALSE(catalogue.entry(regular)->present);
+    EXPECT_EQ(catalogue.faces().size(), 1U);
+}
+
+TEST_F(APrivateFontWorld, PassesOverFilesThatAreNoFonts) {
+    std::ofstream(folder_ / "fonts/set/bad.ttf") << "not a font";
+    activate(regular_, "a.ttf");
+    std::filesystem::resize_file(folder_ / "fonts/set/a.ttf", 5000);
+    activate(bold_, "b.ttf");
+    Catalogue catalogue;
+    ASSERT_EQ(catalogue.faces().size(), 1U);
+    EXPECT_EQ(catalogue.entry(catalogue.faces()[0])->face.postScriptName, "DejaVuSans-Bold");
+}
+
+TEST(AFoldedName, HasNeitherCaseNorBlanks) {
+    EXPECT_EQ(foldName(" DejaVu  Sans\t"), "dejavusans");
+    EXPECT_EQ(foldName("M\xC3\x9CLLER"), foldName("m\xC3\xBCller"));
+}
+
+} // namespace
+} // namespace host
