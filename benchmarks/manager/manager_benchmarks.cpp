@@ -200,6 +200,46 @@ void openAndCheckTheIndex(benchmark::State& state) {
 }
 BENCHMARK(openAndCheckTheIndex)->Unit(benchmark::kMillisecond);
 
+// Containers of one font each, from nothing to visible.
+void activateContainers(benchmark::State& state) {
+    const char* font = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf";
+    const TemporaryPlaces temporary;
+    const std::string folder = temporary.places().data + "/library";
+    std::filesystem::create_directories(folder);
+    std::vector<ContainerFonts> containers;
+    std::vector<ContainerId> ids;
+    for (int i = 1; i <= state.range(0); ++i) {
+        const std::string path = folder + "/" + std::to_string(i) + ".ttf";
+        std::filesystem::copy_file(font, path);
+        ids.push_back(static_cast<ContainerId>(i));
+        containers.push_back({ids.back(), "Container", {{path, stampOf(path)}}});
+    }
+    const std::string configuration = temporary.places().data + "/fonts.conf";
+    writeFile(configuration, "<?xml version=\"1.0\"?><fontconfig><dir>" + temporary.places().data +
+                                 "/fonts</dir><cachedir>" + temporary.places().data +
+                                 "/cache</cachedir></fontconfig>");
+    setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+    Activation activation(temporary.places());
+    for (auto _ : state) {
+        for (const ActivationOutcome& outcome : activation.activate(containers)) {
+            if (!outcome.success) {
+                state.SkipWithError(outcome.problem.c_str());
+            }
+        }
+        state.PauseTiming();
+        activation.deactivate(ids);
+        state.ResumeTiming();
+    }
+    unsetenv("FONTCONFIG_FILE");
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(activateContainers)
+    ->Arg(1)
+    ->Arg(8)
+    ->Arg(200)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
 } // namespace
 
 BENCHMARK_MAIN();

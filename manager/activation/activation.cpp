@@ -90,38 +90,72 @@ Activation::active(const std::function<void(const std::string&)>& report) const 
     return result;
 }
 
+void Activation::putOnDisk(std::span<const SetRecord> records,
+                           std::span<ActivationOutcome> outcomes) {
+    std::vector<std::size_t> prepared;
+    std::vector<ContainerId> ids;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        try {
+            if (records[i].files.empty()) {
+                throw Error("container " + toText(records[i].id) + ": has no fonts");
+            }
+            const SetFolders::Progress progress = folders_.begin(records[i]);
+            outcomes[i].success = true;
+            outcomes[i].changed = progress == SetFolders::Progress::updated;
+            if (progress == SetFolders::Progress::prepared) {
+                prepared.push_back(i);
+                ids.push_back(records[i].id);
+            }
+        } catch (const Error& error) {
+            outcomes[i].problem = error.what();
+        }
+    }
+    if (prepared.empty()) {
+        return;
+    }
+    std::string unsynced;
+    try {
+        folders_.syncPrepared(ids);
+    } catch (const Error& error) {
+        unsynced = error.what();
+    }
+    for (const std::size_t i : prepared) {
+        try {
+            if (!unsynced.empty()) {
+                throw Error(unsynced);
+            }
+            folders_.place(records[i].id);
+            outcomes[i].changed = true;
+        } catch (const Error& error) {
+            outcomes[i] = {false, false, error.what()};
+            folders_.discard(records[i].id);
+        }
+    }
+    folders_.syncPlaced();
+}
+
 std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFonts> containers) {
     std::vector<ActivationOutcome> outcomes(containers.size());
     if (containers.empty()) {
         return outcomes;
     }
     const FileLock held = lock();
-    std::vector<SetRecord> records;
-    bool changed = false;
-    for (std::size_t i = 0; i < containers.size(); ++i) {
-        const SetRecord& record = records.emplace_back(recordOf(containers[i]));
-        try {
-            if (record.files.empty()) {
-                throw Error("container " + toText(record.id) + ": has no fonts");
-            }
-            outcomes[i].changed = folders_.put(record);
-            outcomes[i].success = true;
-        } catch (const Error& error) {
-            outcomes[i].problem = error.what();
-        }
-        if (outcomes[i].changed) {
-            changed = true;
-            changedFolders_.push_back(folders_.folder(record.id));
-        }
+    std::vector<SetRecord> records(containers.size());
+    std::transform(containers.begin(), containers.end(), records.begin(), recordOf);
+    putOnDisk(records, outcomes);
+
+    const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
+    if (std::none_of(outcomes.begin(), outcomes.end(), isChanged)) {
+        return outcomes;
     }
-    if (changed) {
-        unsettled_ = true;
-        reloadDesktopFonts();
-        for (std::size_t i = 0; i < containers.size(); ++i) {
-            if (outcomes[i].changed) {
-                outcomes[i].problem = findInvisible(records[i], folders_.folder(records[i].id));
-                outcomes[i].success = outcomes[i].problem.empty();
-            }
+    unsettled_ = true;
+    reloadDesktopFonts();
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (outcomes[i].changed) {
+            const std::string folder = folders_.folder(records[i].id);
+            changedFolders_.push_back(folder);
+            outcomes[i].problem = findInvisible(records[i], folder);
+            outcomes[i].success = outcomes[i].problem.empty();
         }
     }
     return outcomes;

@@ -46,7 +46,8 @@ public:
     [[nodiscard]] std::vector<ActiveContainer>
     active(const std::function<void(const std::string&)>& report) const;
 
-    /// Activates a batch, with one reload for all of it. Never throws for one container's fault.
+    /// Activates a batch, each container in it once, with one reload for all of it. Never throws
+    /// for one container's fault.
     std::vector<ActivationOutcome> activate(std::span<const ContainerFonts> containers);
     std::vector<ActivationOutcome> deactivate(std::span<const ContainerId> containers);
 
@@ -63,6 +64,7 @@ public:
 private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::vector<ContainerId> setsOnDisk() const;
+    void putOnDisk(std::span<const SetRecord> records, std::span<ActivationOutcome> outcomes);
 
     SetFolders folders_;
     std::vector<std::string> changedFolders_;

@@ -109,7 +109,7 @@ void SetFolders::stage(const SetFile& file, const std::string& folder) const {
     }
 }
 
-void SetFolders::putWhole(const SetRecord& wanted) {
+void SetFolders::prepare(const SetRecord& wanted) {
     const std::string prepared = staging(wanted.id);
     step("make staging folder");
     removeTree(prepared);
@@ -120,14 +120,42 @@ void SetFolders::putWhole(const SetRecord& wanted) {
         }
         step("write record");
         writeSetRecord(prepared, wanted);
-        step("move into place");
-        if (!renameToFree(prepared, folder(wanted.id))) {
-            throw systemError(folder(wanted.id), "cannot be put in place", errno);
-        }
     } catch (const Error&) {
-        removeTree(prepared);
+        discard(wanted.id);
         throw;
     }
+}
+
+void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
+    step("sync prepared");
+    // Each sync of its own waits for the disk; beyond a few, one of the whole file system is
+    // quicker.
+    constexpr std::size_t few = 8;
+    if (sets.size() > few) {
+        const Descriptor root(open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!root || syncfs(root.get()) != 0) {
+            throw systemError(root_, "cannot be synced", errno);
+        }
+        return;
+    }
+    for (const ContainerId id : sets) {
+        syncFile(staging(id) + "/" + setRecordName);
+        syncFolder(staging(id));
+    }
+}
+
+void SetFolders::place(ContainerId id) {
+    step("move into place");
+    if (!renameToFree(staging(id), folder(id))) {
+        throw systemError(folder(id), "cannot be put in place", errno);
+    }
+}
+
+void SetFolders::discard(ContainerId id) {
+    removeTree(staging(id));
+}
+
+void SetFolders::syncPlaced() const {
     step("sync");
     syncFolder(root_);
 }
@@ -166,7 +194,7 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
     }
     // From here on a crash is mended forwards: the record tells what is to be there.
     step("write record");
-    writeSetRecord(place, both);
+    replaceSetRecord(place, both);
     for (const SetFile& file : missing) {
         step("move file into place");
         const std::string target = place + "/" + file.name;
@@ -180,7 +208,7 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
     }
     if (!obsolete.empty()) {
         step("write record");
-        writeSetRecord(place, wanted);
+        replaceSetRecord(place, wanted);
     }
     step("sync");
     syncFolder(place);
@@ -188,16 +216,16 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
     return true;
 }
 
-bool SetFolders::put(const SetRecord& wanted) {
+SetFolders::Progress SetFolders::begin(const SetRecord& wanted) {
     const std::string place = folder(wanted.id);
     if (const auto current = readSetRecord(place)) {
-        return update(*current, wanted);
+        return update(*current, wanted) ? Progress::updated : Progress::unchanged;
     }
     if (exists(place) && rmdir(place.c_str()) != 0) {
         throw Error(place + ": is in the way and not this program's");
     }
-    putWhole(wanted);
-    return true;
+    prepare(wanted);
+    return Progress::prepared;
 }
 
 bool SetFolders::remove(ContainerId id, bool* leftBehind) {
@@ -208,7 +236,7 @@ bool SetFolders::remove(ContainerId id, bool* leftBehind) {
     }
     step("mark as leaving");
     record->state = SetState::leaving;
-    writeSetRecord(place, *record);
+    replaceSetRecord(place, *record);
     for (const SetFile& file : record->files) {
         step("remove file");
         removeFile(place + "/" + file.name);

@@ -6,6 +6,7 @@
 #include "manager/activation/setrecord.h"
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -24,10 +25,22 @@ public:
     [[nodiscard]] const std::string& root() const { return root_; }
     [[nodiscard]] std::string folder(ContainerId id) const { return root_ + "/" + toText(id); }
 
-    /// Makes the set hold exactly `wanted.files`, each linked or copied from its source. Files in
-    /// the folder that are not the manager's stay. Returns whether anything changed. Throws Error:
-    /// a source that is missing or not as stamped, a foreign file or folder in the way.
-    bool put(const SetRecord& wanted);
+    /// What is left to do after begin().
+    enum class Progress { unchanged, updated, prepared };
+
+    /// Makes the set hold exactly `wanted.files`, each linked or copied from its source. A set that
+    /// is in place is brought up to date; files there that are not the manager's stay. A new one is
+    /// prepared aside. Throws Error: a source that is missing or not as stamped, a foreign file or
+    /// folder in the way.
+    Progress begin(const SetRecord& wanted);
+    /// Syncs prepared sets to the disk, many of them in one go. Throws Error.
+    void syncPrepared(std::span<const ContainerId> sets) const;
+    /// Moves a prepared set into place. Throws Error.
+    void place(ContainerId id);
+    /// Forgets a prepared set.
+    void discard(ContainerId id);
+    /// Syncs what was placed. Throws Error.
+    void syncPlaced() const;
 
     /// Takes the set away. Foreign files stay, and the folder with them; `leftBehind` is set then.
     /// False: there was no such set. Throws Error.
@@ -48,7 +61,7 @@ private:
         return root_ + "/.staging/" + toText(id);
     }
     void stage(const SetFile& file, const std::string& folder) const;
-    void putWhole(const SetRecord& wanted);
+    void prepare(const SetRecord& wanted);
     bool update(const SetRecord& current, const SetRecord& wanted);
 
     std::string root_;

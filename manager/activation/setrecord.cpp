@@ -53,6 +53,19 @@ bool readLine(std::string_view line, SetRecord& record) {
     return false;
 }
 
+std::string recordText(const SetRecord& record) {
+    std::string text(header);
+    text += '\n';
+    text += joinFields({"set", toText(record.id),
+                        record.state == SetState::active ? "active" : "leaving", record.name});
+    for (const SetFile& file : record.files) {
+        text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
+                            std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
+                            std::to_string(file.stamp.inode)});
+    }
+    return text;
+}
+
 } // namespace
 
 std::optional<SetRecord> readSetRecord(const std::string& folder) {
@@ -77,17 +90,12 @@ std::optional<SetRecord> readSetRecord(const std::string& folder) {
     return record;
 }
 
+void replaceSetRecord(const std::string& folder, const SetRecord& record) {
+    replaceFile(folder + "/" + setRecordName, recordText(record));
+}
+
 void writeSetRecord(const std::string& folder, const SetRecord& record) {
-    std::string text(header);
-    text += '\n';
-    text += joinFields({"set", toText(record.id),
-                        record.state == SetState::active ? "active" : "leaving", record.name});
-    for (const SetFile& file : record.files) {
-        text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
-                            std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
-                            std::to_string(file.stamp.inode)});
-    }
-    replaceFile(folder + "/" + setRecordName, text);
+    writeFile(folder + "/" + setRecordName, recordText(record));
 }
 
 } // namespace manager

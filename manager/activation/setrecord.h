@@ -36,6 +36,8 @@ struct SetRecord {
 std::optional<SetRecord> readSetRecord(const std::string& folder);
 
 /// Replaces the record atomically. Throws Error.
+void replaceSetRecord(const std::string& folder, const SetRecord& record);
+/// Writes the record of a folder that is not in place yet, unsynced. Throws Error.
 void writeSetRecord(const std::string& folder, const SetRecord& record);
 
 } // namespace manager

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <thread>
 
 namespace manager {
@@ -98,9 +99,13 @@ int activateCommand(const Places& places, const std::vector<std::string>& names)
     Activation activation(places);
     std::vector<ContainerFonts> fonts;
     std::vector<std::string> texts;
+    std::set<ContainerId> named;
     for (const std::string& name : names) {
         const ContainerId id = resolve(*library, activation, name);
         const auto container = library->container(id);
+        if (!container || !named.insert(id).second) {
+            continue;
+        }
         fonts.push_back({id, container->name, library->files(id)});
         texts.push_back("activated " + container->name + " (container " + toText(id) + ", " +
                         container->path() + ")");

@@ -4,6 +4,7 @@
 
 #include "manager/library/error.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -57,32 +58,31 @@ void makeFolders(const std::string& path) {
     }
 }
 
-void replaceFile(const std::string& path, std::string_view text) {
-    const std::string beside = path + "." + std::to_string(getpid()) + ".new";
-    const auto fail = [&](std::string_view what) {
-        const int code = errno;
-        unlink(beside.c_str());
-        return systemError(beside, what, code);
-    };
-    Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+void writeFile(const std::string& path, std::string_view text) {
+    const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
     if (!file) {
-        throw fail("cannot write");
+        throw systemError(path, "cannot be written", errno);
     }
     while (!text.empty()) {
         const ssize_t written = write(file.get(), text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
+        if (written < 0 && errno != EINTR) {
+            throw systemError(path, "cannot be written", errno);
         }
-        if (written < 0) {
-            throw fail("cannot write");
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+}
+
+void replaceFile(const std::string& path, std::string_view text) {
+    const std::string beside = path + "." + std::to_string(getpid()) + ".new";
+    try {
+        writeFile(beside, text);
+        syncFile(beside);
+        if (rename(beside.c_str(), path.c_str()) != 0) {
+            throw systemError(path, "cannot be replaced", errno);
         }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    if (fsync(file.get()) != 0) {
-        throw fail("cannot write");
-    }
-    if (rename(beside.c_str(), path.c_str()) != 0) {
-        throw fail("cannot be renamed into place");
+    } catch (const Error&) {
+        unlink(beside.c_str());
+        throw;
     }
     syncFolder(folderOf(path));
 }
@@ -116,6 +116,13 @@ void syncFolder(const std::string& path) {
     Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // Some file systems cannot sync a folder and say EINVAL; there is nothing to make good then.
     if (!folder || (fsync(folder.get()) != 0 && errno != EINVAL)) {
+        throw systemError(path, "cannot be synced", errno);
+    }
+}
+
+void syncFile(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file || fsync(file.get()) != 0) {
         throw systemError(path, "cannot be synced", errno);
     }
 }

@@ -48,6 +48,9 @@ private:
 /// Makes the folder and those above it. Throws Error.
 void makeFolders(const std::string& path);
 
+/// Writes a file of this text, replacing one there. Throws Error; not synced.
+void writeFile(const std::string& path, std::string_view text);
+
 /// Replaces the file by `text`: written beside it, synced, renamed. Throws Error and leaves the old
 /// file as it was.
 void replaceFile(const std::string& path, std::string_view text);
@@ -57,6 +60,8 @@ std::string readFile(const std::string& path, std::size_t limit);
 
 /// Syncs a folder's entries to the disk. Throws Error.
 void syncFolder(const std::string& path);
+/// Syncs a file's contents to the disk. Throws Error.
+void syncFile(const std::string& path);
 
 /// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders.
 /// Throws Error.
