@@ -108,7 +108,10 @@ public:
         GError* error = nullptr;
         GDBusMessage* answer = g_dbus_connection_send_message_with_reply_sync(
             connection_, call, G_DBUS_SEND_MESSAGE_FLAGS_NONE, G_MAXINT, nullptr, nullptr, &error);
-        std::string text = error != nullptr ? error->message : "";
+        // Copied by GLib, which made it in another thread in a way that sanitizers cannot follow.
+        char* message = g_strdup(error != nullptr ? error->message : "");
+        std::string text = message;
+        g_free(message);
         if (answer != nullptr &&
             g_dbus_message_get_message_type(answer) == G_DBUS_MESSAGE_TYPE_ERROR) {
             const char* words = nullptr;

@@ -85,8 +85,9 @@ protected:
             GVariantBuilder builder;
             g_variant_builder_init(&builder, G_VARIANT_TYPE("a(uuay)"));
             for (const gsize size : sizes) {
-                GVariant* data = g_variant_new_from_data(G_VARIANT_TYPE("ay"), g_malloc0(size),
-                                                         size, TRUE, g_free, nullptr);
+                gpointer bytes = g_malloc0(size);
+                GVariant* data =
+                    g_variant_new_from_data(G_VARIANT_TYPE("ay"), bytes, size, TRUE, g_free, bytes);
                 g_variant_builder_add(&builder, "(uu@ay)", 1U, 2U, data);
             }
             return g_variant_builder_end(&builder);
