@@ -33,21 +33,23 @@ SplitName splitName(std::string_view path) {
     return {path.substr(0, dot), path.substr(dot + 1)};
 }
 
-/// The segments of a path one after the other.
+/// The segments of a path one after the other; the empty path has none.
 class Segments {
 public:
-    explicit Segments(std::string_view path) : rest_(path) {}
+    explicit Segments(std::string_view path) : rest_(path), atEnd_(path.empty()) {}
 
-    bool atLast() const { return rest_.find('.') == rest_.npos; }
+    bool atEnd() const { return atEnd_; }
     std::string_view next() {
         const auto dot = rest_.find('.');
         const auto segment = rest_.substr(0, dot);
-        rest_.remove_prefix(dot == rest_.npos ? rest_.size() : dot + 1);
+        atEnd_ = dot == rest_.npos;
+        rest_.remove_prefix(atEnd_ ? rest_.size() : dot + 1);
         return segment;
     }
 
 private:
     std::string_view rest_;
+    bool atEnd_;
 };
 
 Configuration::ConfigNode* childOf(Configuration::ConfigCategory& category, std::string_view name) {
@@ -157,8 +159,16 @@ bool Configuration::makeRoot(bool inherit) {
 Configuration::ConfigCategory* Configuration::makeParents(std::string_view path) {
     ConfigCategory* category = makeRoot(false) ? root_ : nullptr;
     Segments segments(path);
-    for (bool last = path.empty(); !last && category != nullptr;) {
-        last = segments.atLast();
+    if (path.starts_with('.') && category != nullptr) {
+        // Before the first dot stands the empty path, which names the root when a name is split off
+        // but a child without a name when it is looked up: made is the one, found the other.
+        segments.next();
+        const std::string_view name = segments.next();
+        category = categoryIn(*root_, name, false) == nullptr
+                       ? nullptr
+                       : findCategory(root_, path.substr(0, name.size() + 1));
+    }
+    while (!segments.atEnd() && category != nullptr) {
         category = categoryIn(*category, segments.next(), false);
     }
     return category;
@@ -221,6 +231,9 @@ bool Configuration::setValueAt(std::string_view path, std::size_t index, const s
         return false;
     }
     ConfigCategory* category = findCategory(root_, name.parent);
+    if (category == nullptr) {
+        return false;
+    }
     if (childOf(*category, name.leaf) == nullptr) {
         category->children.insert(name.leaf, std::make_unique<ConfigProperty>(
                                                  seen == nullptr ? noValues() : seen->values));
@@ -344,7 +357,6 @@ Configuration::ConfigNode* Configuration::findNode(ConfigCategory* start, std::s
     boost::container::small_vector<ConfigCategory*, 16> passed{start};
     Segments segments(path);
     for (;;) {
-        const bool last = segments.atLast();
         const std::string_view name = segments.next();
         auto category = passed.rbegin();
         ConfigNode* node = childOf(**category, name);
@@ -353,7 +365,7 @@ Configuration::ConfigNode* Configuration::findNode(ConfigCategory* start, std::s
             ++category;
             node = childOf(**category, name);
         }
-        if (last || node == nullptr) {
+        if (segments.atEnd() || node == nullptr) {
             return node;
         }
         ConfigCategory* next = asCategory(node);

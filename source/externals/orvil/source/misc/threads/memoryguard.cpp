@@ -18,7 +18,7 @@ constexpr std::uint32_t sentinelValue = 0x12345678;
 
 } // namespace
 
-[[gnu::no_sanitize_undefined]] void manualBreakpoint() {
+__attribute__((no_sanitize("undefined"))) void manualBreakpoint() {
     // Through a variable, so that the compiler does not know better.
     const volatile std::uintptr_t address = 0;
     *reinterpret_cast<volatile char*>(address) = 0; // NOLINT: the fault is the purpose

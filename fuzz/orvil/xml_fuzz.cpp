@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// The XML layer: any bytes either fail with a message or give a tree that can be walked to its end,
+// read in every way and let go.
+#include "misc/exception.h"
+#include "misc/xml/ixmlparser.h"
+#include "require.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace {
+
+/// Visits the node and all below it; elements are bounded in depth by the parser.
+std::size_t visit(Orvil::IXmlNode& node) {
+    std::size_t count = 1;
+    node.getAttribute("a", "default");
+    REQUIRE(!(node.isText() && node.isComment()));
+    REQUIRE(node.hasChildren() == (node.getFirstChild() != nullptr));
+    for (Orvil::IXmlNode* child = node.getFirstChild(); child != nullptr;
+         child = child->getNextNode()) {
+        REQUIRE(child->getParent() == &node);
+        count += visit(*child);
+    }
+    REQUIRE(node.getFirstTagChild() == nullptr || !node.getFirstTagChild()->isText());
+    return count;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const Orvil::XmlDocumentHolder document;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    try {
+        document->parseString(text);
+    } catch (const Orvil::Exception& failure) {
+        REQUIRE(std::string(failure.what()).find("LibXml: ") != std::string::npos);
+        REQUIRE(document->getRootNode() == nullptr);
+        return 0;
+    }
+    Orvil::IXmlNode* root = document->getRootNode();
+    // What libxml2 lets entities grow to, over what the document holds itself.
+    REQUIRE(root->getContent().size() <= 100 * size + 1000000);
+    REQUIRE(visit(*root) <= size);
+    const std::unique_ptr<Orvil::IXmlNode> child(root->addChild("added"));
+    child->setContentCDATA("<&>");
+    REQUIRE(child->getContent() == "<&>");
+    return 0;
+}
