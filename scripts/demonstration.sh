@@ -54,8 +54,8 @@ place() {
 library="$sandbox/library"
 place fonts-dejavu-core "$sandbox/installed" 'DejaVuSans.ttf' 'DejaVuSans-Bold.ttf'
 place fonts-cantarell "$sandbox/installed" '*.otf'
-place fonts-ebgaramond "$library/text" 'EBGaramond-*.otf'
-place fonts-oldstandard "$library/text" '*.otf'
+place fonts-ebgaramond "$library/text" 'EBGaramond12-*.otf'
+place fonts-oldstandard "$library/text" '*.ttf'
 place fonts-quattrocento "$library/text" '*.otf'
 place fonts-comfortaa "$library/display" '*.ttf'
 place fonts-lobstertwo "$library/display" '*.otf'
