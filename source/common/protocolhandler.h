@@ -3,9 +3,14 @@
 // hand and use only the helpers; the codec stands for itself.
 #pragma once
 
+#include "misc/threads/smartpointer.h"
 #include "misc/xml/ixmlnode.h"
+#include "misc/xml/ixmlvalidator.h"
 #include "protocol.h"
 
+#include <boost/shared_ptr.hpp>
+
+#include <memory>
 #include <string>
 
 namespace Protocol {
@@ -31,6 +36,57 @@ public:
     static Font::Info parseFontInfo(Orvil::IXmlNode* node);
     /// True for exactly "true" and "1".
     static bool parseBoolean(const std::string& text);
+};
+
+/// The namespace of all documents. addChild puts children into their parent's namespace, so every
+/// element of a document is in it, and the schema says so too.
+constexpr const char* protocolNamespace = "http://glyphora.org/schema/GlyPluginCommunication_1.0";
+
+/// Reading of the four kinds of replies, and the schema that they are checked by.
+class HandlerInternal {
+public:
+    /// `schema` is the text of an XML Schema. Throws Orvil::Exception when it does not compile.
+    explicit HandlerInternal(const std::string& schema);
+
+    Orvil::IXmlValidator& validator() { return *validator_; }
+
+    /// Each reads the element of its kind. Throws Orvil::Exception for a font that cannot be read
+    /// or breaks the message's rule.
+    static boost::shared_ptr<FontReply> parseFontReply(Orvil::IXmlNode* node);
+    static boost::shared_ptr<ShowReply> parseShowReply(Orvil::IXmlNode* node);
+    static boost::shared_ptr<BuyReply> parseBuyReply(Orvil::IXmlNode* node);
+    static boost::shared_ptr<ActivationReply> parseActivationReply(Orvil::IXmlNode* node);
+
+private:
+    Orvil::SmartPointer<Orvil::IXmlValidator> validator_;
+};
+
+/// The codec. Every call has a document of its own, and none outlives its call.
+/// Threads: the builders on any; parseReply on one at a time per Handler, whose validator it uses.
+class Handler {
+public:
+    /// `schema` is the text of an XML Schema, not a file name. Throws Orvil::Exception when it does
+    /// not compile.
+    explicit Handler(const std::string& schema);
+    Handler(const Handler&) = delete;
+    Handler& operator=(const Handler&) = delete;
+    ~Handler();
+
+    /// The request as a document in UTF-8. Throws Orvil::SerializationException when a text is not
+    /// UTF-8 or holds characters that no XML document can.
+    static std::string createFontRequest(const FontRequest& request);
+    static std::string createShowRequest(const ShowRequest& request);
+    static std::string createBuyRequest(const BuyRequest& request);
+    static std::string createActivationRequest(const ActivationRequest& request);
+
+    /// Reads a reply document of any kind. The root's own name does not matter beyond the schema.
+    /// Throws Orvil::Exception when the text is not XML, declares entities, holds something unknown
+    /// or breaks a message's rule; std::runtime_error when the schema rejects it, after the reasons
+    /// have been written to standard error. The handler stays usable.
+    ReplyContainer parseReply(const std::string& xml);
+
+private:
+    std::unique_ptr<HandlerInternal> internal_;
 };
 
 } // namespace Protocol

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// Replies that mean harm: each is refused by an exception, and the handler goes on.
+#include "misc/exception.h"
+#include "protocolhandler.h"
+#include "protocolschema.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace Protocol;
+
+namespace {
+
+const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
+
+std::string repeat(const std::string& text, int times) {
+    std::string result;
+    result.reserve(text.size() * static_cast<std::size_t>(times));
+    for (int i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+std::string reply(const std::string& syncID, const std::string& psName) {
+    return head + "<activationRequestReply><fonts><font syncID=\"" + syncID + "\"><psName>" +
+           psName + "</psName></font></fonts></activationRequestReply></cmd>";
+}
+
+class AHostileReply : public testing::Test {
+protected:
+    enum class Outcome { accepted, notXml, rejected };
+
+    Outcome outcomeOf(const std::string& xml) {
+        testing::internal::CaptureStderr();
+        Outcome outcome = Outcome::accepted;
+        try {
+            handler_.parseReply(xml);
+        } catch (const Orvil::Exception&) {
+            outcome = Outcome::notXml;
+        } catch (const std::runtime_error&) {
+            outcome = Outcome::rejected;
+        }
+        testing::internal::GetCapturedStderr();
+        return outcome;
+    }
+    ~AHostileReply() override {
+        EXPECT_EQ(handler_.parseReply(reply("1", "a")).activationReply->fonts.front().psName, "a");
+    }
+
+    Handler handler_{schemaText};
+};
+
+} // namespace
+
+TEST_F(AHostileReply, CutAtAnyByteIsNotXml) {
+    const std::string whole = "<?xml version=\"1.0\"?>" + reply("1", "\xc3\xa4&amp;<![CDATA[b]]>");
+    ASSERT_EQ(outcomeOf(whole), Outcome::accepted);
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_EQ(outcomeOf(whole.substr(0, length)), Outcome::notXml) << length;
+    }
+}
+
+TEST_F(AHostileReply, WithBombsOfEntitiesIsNotRead) {
+    std::string nested = "<!ENTITY a \"aaaaaaaaaa\">";
+    for (char name = 'b'; name <= 'm'; ++name) {
+        const std::string reference = std::string("&") + static_cast<char>(name - 1) + ";";
+        nested += std::string("<!ENTITY ") + name + " \"" + repeat(reference, 10) + "\">";
+    }
+    const std::string large = "<!ENTITY m \"" + std::string(1'000'000, 'a') + "\">";
+    const std::string recursive = "<!ENTITY m \"&n;\"><!ENTITY n \"&m;\">";
+    const std::string external = "<!ENTITY m SYSTEM \"file:///etc/passwd\">";
+    const std::string parameter = "<!ENTITY % m SYSTEM \"file:///etc/passwd\">%m;<!ENTITY m 'x'>";
+    for (const std::string& entities : {nested, large, recursive, external, parameter}) {
+        const std::string dtd = "<!DOCTYPE cmd [" + entities + "]>";
+        EXPECT_EQ(outcomeOf(dtd + reply("1", repeat("&m;", 100'000))), Outcome::notXml);
+        EXPECT_EQ(outcomeOf(dtd + reply(repeat("&m;", 100'000), "a")), Outcome::notXml);
+    }
+}
+
+TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
+    EXPECT_EQ(outcomeOf(head + repeat("<a>", 1'000'000)), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(head + repeat("<a>", 200) + repeat("</a>", 200) + "</cmd>"),
+              Outcome::rejected);
+    const std::string name(100'000'000, 'a');
+    EXPECT_EQ(outcomeOf(head + "<" + name + "/></cmd>"), Outcome::notXml);
+    // A text of that size is only a text.
+    const std::string xml = reply("1", name);
+    EXPECT_EQ(handler_.parseReply(xml).activationReply->fonts.front().psName.size(), name.size());
+    // Beyond the limit of a document.
+    EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::notXml);
+}
+
+TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {
+    const std::string content = "<buyRequestReply><handled>1</handled></buyRequestReply></cmd>";
+    for (const std::string start :
+         {"<cmd>", "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_2.0\">",
+          "<cmd xmlns:p=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">"}) {
+        EXPECT_EQ(outcomeOf(start + content), Outcome::rejected) << start;
+    }
+    EXPECT_EQ(outcomeOf(head + "<buyRequestReply xmlns=\"\"><handled>1</handled></buyRequestReply>"
+                               "</cmd>"),
+              Outcome::rejected);
+    EXPECT_EQ(outcomeOf("<p:cmd xmlns:p=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">"
+                        "<p:buyRequestReply><p:handled>1</p:handled></p:buyRequestReply></p:cmd>"),
+              Outcome::accepted);
+}
+
+TEST_F(AHostileReply, OfBadBytesIsNotXml) {
+    for (const std::string bytes : {"\xff", "\xc3", "\xed\xa0\x80", "\x01", "\xc0\x80", "&#0;",
+                                    "&#xD800;", "&#xFFFF;", "&nbsp;", "<", "]]>"}) {
+        EXPECT_EQ(outcomeOf(reply("1", bytes)), Outcome::notXml) << bytes;
+    }
+    EXPECT_EQ(outcomeOf(reply("1", std::string(1, '\0'))), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(""), Outcome::notXml);
+    EXPECT_EQ(outcomeOf("<!-- only -->"), Outcome::notXml);
+}

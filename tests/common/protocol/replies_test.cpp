@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// Reading of reply documents.
+#include "protocolhandler.h"
+#include "protocolschema.h"
+#include "samplefonts.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace Protocol;
+
+namespace {
+
+/// Accepts every content, so that what the codec does by itself can be seen.
+const std::string lenientSchema =
+    "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+    "<xs:element name='cmd'/><xs:element name='anything'/></xs:schema>";
+
+std::string document(const std::string& content) {
+    return "<cmd xmlns='http://glyphora.org/schema/GlyPluginCommunication_1.0'>\n  " + content +
+           "\n</cmd>";
+}
+
+ReplyContainer parseStrictly(const std::string& content) {
+    return Handler(schemaText).parseReply(document(content));
+}
+
+ReplyContainer parseLeniently(const std::string& content) {
+    return Handler(lenientSchema).parseReply("<cmd>" + content + "</cmd>");
+}
+
+const std::string fontText = "<font syncID='id'><type>TT</type><psName>Oswald-Bold</psName>"
+                             "<fontInfos><fontInfo><name>12</name><value>Oswald (2 files)</value>"
+                             "</fontInfo></fontInfos></font>";
+
+/// How many of the four pointers are set.
+int setPointers(const ReplyContainer& reply) {
+    return int{reply.fontReply != nullptr} + int{reply.showReply != nullptr} +
+           int{reply.buyReply != nullptr} + int{reply.activationReply != nullptr};
+}
+
+} // namespace
+
+TEST(AReplyDocument, IsReadByItsKind) {
+    ReplyContainer reply = parseStrictly("<fontRequestReply><showWindow>true</showWindow><fonts>" +
+                                         fontText + "</fonts></fontRequestReply>");
+    EXPECT_EQ(reply.type, 0);
+    EXPECT_EQ(setPointers(reply), 1);
+    EXPECT_TRUE(reply.fontReply->showWindow);
+    EXPECT_EQ(reply.fontReply->fonts, FontList{soundFont()});
+
+    reply = parseStrictly("<showRequestReply><!-- c --><fonts>\n" + fontText +
+                          "\n</fonts></showRequestReply>");
+    EXPECT_EQ(reply.type, 1);
+    EXPECT_EQ(setPointers(reply), 1);
+    EXPECT_EQ(reply.showReply->fonts, FontList{soundFont()});
+
+    reply = parseStrictly("<buyRequestReply><handled>1</handled></buyRequestReply>");
+    EXPECT_EQ(reply.type, 2);
+    EXPECT_EQ(setPointers(reply), 1);
+    Font handled;
+    handled.handled = true;
+    EXPECT_EQ(reply.buyReply->font, handled);
+
+    reply = parseStrictly("<activationRequestReply><fonts><font syncID='a'><type>all</type></font>"
+                          "</fonts></activationRequestReply>");
+    EXPECT_EQ(reply.type, 3);
+    EXPECT_EQ(setPointers(reply), 1);
+    EXPECT_EQ(reply.activationReply->fonts.front().syncID, "a");
+}
+
+TEST(AReplyDocument, OutlivesItsContainer) {
+    boost::shared_ptr<FontReply> kept;
+    kept = parseStrictly("<fontRequestReply><fonts>" + fontText +
+                         "</fonts><showWindow>0</showWindow></fontRequestReply>")
+               .fontReply;
+    EXPECT_FALSE(kept->showWindow);
+    EXPECT_EQ(kept->fonts.size(), 1U);
+}
+
+TEST(AReplyDocument, OfAFontRequestIsReadFromItsFirstTwoChildren) {
+    const std::string fonts = "<fonts>" + fontText + "</fonts>";
+    const std::string window = "<showWindow>1</showWindow>";
+    struct Case {
+        std::string children;
+        bool showWindow;
+        std::size_t fontCount;
+    };
+    for (const Case& each : std::vector<Case>{{window + fonts, true, 1},
+                                              {fonts + window, true, 1},
+                                              {fonts + fonts + window, false, 2},
+                                              {"<other/>" + window + fonts, true, 0},
+                                              {"<other/>" + fonts + window, false, 1},
+                                              {"<showWindow>yes</showWindow>" + fonts, false, 1},
+                                              {"<!-- --> " + fonts + " <?p i?>" + window, false, 1},
+                                              {window, true, 0},
+                                              {"", false, 0}}) {
+        const ReplyContainer reply =
+            parseLeniently("<fontRequestReply>" + each.children + "</fontRequestReply>");
+        EXPECT_EQ(reply.fontReply->showWindow, each.showWindow) << each.children;
+        EXPECT_EQ(reply.fontReply->fonts.size(), each.fontCount) << each.children;
+    }
+}
+
+TEST(AReplyDocument, GivesPositionsAndNotNamesTheirMeaning) {
+    EXPECT_EQ(parseLeniently("<showRequestReply><first>" + fontText + "</first><fonts>" + fontText +
+                             fontText + "</fonts></showRequestReply>")
+                  .showReply->fonts.size(),
+              1U);
+    EXPECT_TRUE(parseLeniently("<buyRequestReply><any>true</any></buyRequestReply>")
+                    .buyReply->font.handled);
+    EXPECT_FALSE(parseLeniently("<buyRequestReply/>").buyReply->font.handled);
+    EXPECT_TRUE(parseLeniently("<activationRequestReply/>").activationReply->fonts.empty());
+    EXPECT_EQ(Handler(lenientSchema)
+                  .parseReply("<anything><buyRequestReply><h>1</h></buyRequestReply>"
+                              "<fontRequestReply/></anything>")
+                  .type,
+              2);
+}
+
+TEST(AReplyDocument, IsRefusedWithTheReason) {
+    struct Case {
+        std::string content;
+        std::string failure;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"<unknown/>", protocolFailure("could not parse root node 'unknown'", 923)},
+             {"", protocolFailure("could not parse root node ''", 923)},
+             {"<showRequestReply><f><font><count>x7</count></font></f></showRequestReply>",
+              protocolFailure("could not parse <count> 'x7'", 1071)},
+             {"<fontRequestReply><fonts><font syncID='1'><type>TT</type><psName>a</psName></font>"
+              "</fonts><showWindow>1</showWindow></fontRequestReply>",
+              protocolFailure("fontInfos must contain at least fontInfo", 584)},
+             {"<showRequestReply><f><font syncID='1'><psName>a</psName></font></f>"
+              "</showRequestReply>",
+              protocolFailure("type of font must not be 'all' in Replies", 578)},
+             {"<activationRequestReply><f><font><psName>a</psName></font></f>"
+              "</activationRequestReply>",
+              protocolFailure("syncID must contain at least one character", 566)},
+         }) {
+        EXPECT_EQ(failureOf([&] { parseLeniently(each.content); }), each.failure);
+    }
+}
+
+TEST(AReplyDocument, ThatTheSchemaRejectsIsReportedAndRefused) {
+    Handler handler(schemaText);
+    testing::internal::CaptureStderr();
+    try {
+        handler.parseReply(document("<buyRequestReply><handled>x</handled></buyRequestReply>"));
+        ADD_FAILURE() << "accepted";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "could not validate XML, TODO: logging");
+    }
+    const std::string printed = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(printed.find("Error from XSD validation:Element '"), 0U) << printed;
+    EXPECT_EQ(printed.back(), '\n');
+
+    // Nothing of it remains, and nothing is printed of a valid one.
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(handler
+                    .parseReply(document("<buyRequestReply><handled>1</handled>"
+                                         "</buyRequestReply>"))
+                    .buyReply->font.handled);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(AHandler, NeedsASchemaThatCompiles) {
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(Handler("no schema"), Orvil::Exception);
+    EXPECT_THROW(Handler(""), Orvil::Exception);
+    testing::internal::GetCapturedStderr();
+}

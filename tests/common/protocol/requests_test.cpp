@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// Requests as documents, and the schema that describes them.
+#include "misc/xml/ixmlparser.h"
+#include "misc/xml/ixmlvalidator.h"
+#include "protocolhandler.h"
+#include "protocolschema.h"
+#include "samplefonts.h"
+
+#include <gtest/gtest.h>
+
+using namespace Protocol;
+
+namespace {
+
+std::string document(const std::string& content) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">" +
+           content + "</cmd>\n";
+}
+
+/// What the schema has against the document; empty when it is valid.
+std::vector<std::string> complaints(const std::string& xml) {
+    const auto validator = Orvil::IXmlValidator::getInstance("LibXmlSchemaValidator");
+    validator->parseSpecificationString(schemaText);
+    const Orvil::XmlDocumentHolder parser;
+    parser->parseString(xml);
+    validator->validate(parser->getRootNode());
+    return validator->getErrors();
+}
+
+Font awkwardFont() {
+    Font font;
+    font.syncID = "<\"'&\n\t>";
+    font.psName = "A&B<C>]]>\r\n";
+    font.familyName = "M\xc3\xbcller \xf0\x9f\x98\x80";
+    font.styleName = " ";
+    font.containerID = "-1";
+    return font;
+}
+
+const std::string awkwardSyncID = "&lt;&quot;'&amp;&#10;&#9;&gt;";
+const std::string awkwardPsName = "A&amp;B&lt;C&gt;]]&gt;&#13;\n";
+
+} // namespace
+
+TEST(ARequestDocument, HoldsTheElementsOfItsKindInOrder) {
+    Font plain;
+    plain.syncID = "1";
+    plain.psName = "Foo";
+    plain.type = Font::TT;
+    const FontList fonts{plain, awkwardFont()};
+    struct Case {
+        std::string written;
+        std::string expected;
+    };
+    const std::vector<Case> cases{
+        {Handler::createFontRequest({true, fonts, "ART5", "FILC"}),
+         "<fontRequest><mustMatchFontType>true</mustMatchFontType><targetApp>ART5</targetApp>"
+         "<targetClass>FILC</targetClass><fonts>"
+         "<font syncID=\"1\"><psName>Foo</psName><type>TT</type><familyName/><styleName/></font>"
+         "<font syncID=\"" +
+             awkwardSyncID + "\"><psName>" + awkwardPsName +
+             "</psName><type>all</type><familyName>M\xc3\xbcller \xf0\x9f\x98\x80</familyName>"
+             "<styleName> </styleName></font></fonts></fontRequest>"},
+        {Handler::createFontRequest({false, {}, "", ""}),
+         "<fontRequest><mustMatchFontType>false</mustMatchFontType><fonts/></fontRequest>"},
+        {Handler::createFontRequest({false, {}, "", "c"}),
+         "<fontRequest><mustMatchFontType>false</mustMatchFontType><targetClass>c</targetClass>"
+         "<fonts/></fontRequest>"},
+        {Handler::createShowRequest({false, fonts}),
+         "<showRequest><mustMatchFontType>false</mustMatchFontType><fonts>"
+         "<font syncID=\"1\"><containerID/><psName>Foo</psName><type>TT</type></font>"
+         "<font syncID=\"" +
+             awkwardSyncID + "\"><containerID>-1</containerID><psName>" + awkwardPsName +
+             "</psName><type>all</type></font></fonts></showRequest>"},
+        {Handler::createActivationRequest(ActivationRequest(fonts)),
+         "<activationRequest><fonts>"
+         "<font syncID=\"1\"><containerID/><psName>Foo</psName></font>"
+         "<font syncID=\"" +
+             awkwardSyncID + "\"><containerID>-1</containerID><psName>" + awkwardPsName +
+             "</psName></font></fonts></activationRequest>"},
+        {Handler::createBuyRequest(BuyRequest(awkwardFont())),
+         "<buyRequest><font syncID=\"" + awkwardSyncID + "\"><psName>" + awkwardPsName +
+             "</psName></font></buyRequest>"},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(each.written, document(each.expected));
+        EXPECT_EQ(complaints(each.written), std::vector<std::string>());
+    }
+}
+
+TEST(ARequestDocument, IsNotMadeOfWhatXmlCannotHold) {
+    for (const char* const text :
+         {"\x01", "a\x1f", "\xff", "\xc3", "\xc3(", "\xed\xa0\x80", "\xef\xbf\xbe", "\xef\xbf\xbf",
+          "\xc0\x80", "\xf4\x90\x80\x80"}) {
+        for (std::string Font::*const field : {&Font::psName, &Font::syncID}) {
+            Font font = soundFont();
+            font.*field = text;
+            EXPECT_THROW(Handler::createBuyRequest(BuyRequest(font)),
+                         Orvil::SerializationException);
+        }
+    }
+    for (const char* const text : {"\x7f", "\xc2\x80", "\xef\xbf\xbd", "\xf4\x8f\xbf\xbf"}) {
+        Font font = soundFont();
+        font.psName = text;
+        EXPECT_NO_THROW(Handler::createBuyRequest(BuyRequest(font)));
+    }
+}
+
+TEST(TheSchema, RejectsWhatIsNotInTheProtocol) {
+    const std::string font = "<font syncID=\"1\"><psName>a</psName></font>";
+    const std::vector<std::string> contents{
+        "",
+        "<unknown/>",
+        "<buyRequest><fonts>" + font + "</fonts></buyRequest>",
+        "<buyRequest>" + font + font + "</buyRequest>",
+        "<buyRequest><font><psName>a</psName></font></buyRequest>",
+        "<activationRequest><fonts>" + font + "</fonts></activationRequest>", // no container
+        "<showRequest><fonts/></showRequest>",
+        "<activationRequestReply><fonts/></activationRequestReply>",
+        "<activationRequestReply><fonts><font syncID=\"1\"/></fonts></activationRequestReply>",
+        "<activationRequestReply><fonts>text" + font + "</fonts></activationRequestReply>",
+        "<fontRequestReply><fonts>" + font + "</fonts></fontRequestReply>",
+        "<fontRequestReply><showWindow>1</showWindow></fontRequestReply>",
+        "<fontRequestReply><showWindow>1</showWindow><fonts>" + font +
+            "</fonts><more/></fontRequestReply>",
+        "<fontRequestReply><showWindow>yes</showWindow><fonts>" + font +
+            "</fonts></fontRequestReply>",
+        "<buyRequestReply/>",
+        "<buyRequestReply><handled>1</handled><handled>1</handled></buyRequestReply>",
+    };
+    for (const std::string& content : contents) {
+        EXPECT_FALSE(complaints(document(content)).empty()) << content;
+    }
+    const std::string infos = "<activationRequestReply><fonts><font syncID=\"1\"><fontInfos>";
+    const std::string infosEnd = "</fontInfos></font></fonts></activationRequestReply>";
+    for (const std::string entry :
+         {"", "<fontInfo/>", "<fontInfo><name/></fontInfo>", "<fontInfo><value/><name/></fontInfo>",
+          "<fontInfo><name/><value/><value/></fontInfo>"}) {
+        EXPECT_FALSE(complaints(document(infos + entry + infosEnd)).empty()) << entry;
+    }
+    EXPECT_TRUE(
+        complaints(document(infos + "<fontInfo><name/><value/></fontInfo>" + infosEnd)).empty());
+}

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+// The program that tries the codec by hand.
+#include "protocoltool.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+struct Outcome {
+    int exitCode;
+    std::string output;
+    std::string errors;
+};
+
+Outcome run(std::vector<const char*> arguments, const std::string& input = "") {
+    arguments.insert(arguments.begin(), "glyphora-protocol");
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int exitCode =
+        ProtocolTool::run(static_cast<int>(arguments.size()), arguments.data(), in, out, err);
+    return {exitCode, out.str(), err.str()};
+}
+
+const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
+
+} // namespace
+
+TEST(TheProtocolTool, EncodesARequestFromOptionsAndFromJsonAlike) {
+    const Outcome byOptions =
+        run({"encode", "font", "--must-match-type", "--target-app", "ART5", "--target-class",
+             "FILC", "--font", "syncID=1,psName=F,type=OT_TT", "--font",
+             "syncID=2,psName=G,familyName=M & N,styleName=B"});
+    EXPECT_EQ(byOptions.exitCode, 0) << byOptions.errors;
+    const Outcome byJson =
+        run({"encode", "--json", "-"},
+            R"({"request": "font", "mustMatchFontType": true, "targetApp": "ART5",
+                               "targetClass": "FILC", "fonts": [
+                               {"syncID": "1", "psName": "F", "type": "OT_TT"},
+                               {"syncID": "2", "psName": "G", "familyName": "M & N",
+                                "styleName": "B"}]})");
+    EXPECT_EQ(byJson.output, byOptions.output);
+    EXPECT_THAT(byJson.output, HasSubstr("<familyName>M &amp; N</familyName>"));
+}
+
+TEST(TheProtocolTool, AcceptsEveryKindOfRequestThatItEncodes) {
+    for (const char* const kind : {"font", "show", "buy", "activation"}) {
+        const Outcome encoded = run({"encode", kind, "--font", "syncID=1,psName=F,containerID=7"});
+        EXPECT_THAT(encoded.output, HasSubstr(std::string("<") + kind + "Request>"));
+        EXPECT_EQ(run({"validate"}, encoded.output).exitCode, 0);
+    }
+}
+
+TEST(TheProtocolTool, DecodesRepliesToJson) {
+    const Outcome decoded =
+        run({"decode", "-"}, head + "<fontRequestReply><showWindow>1</showWindow>"
+                                    "<fonts><font syncID=\"s\"><type>TT</type>"
+                                    "<psName>P</psName><count>3</count><fontInfos>"
+                                    "<fontInfo><name>7</name><value>v</value>"
+                                    "</fontInfo></fontInfos></font></fonts>"
+                                    "</fontRequestReply></cmd>");
+    EXPECT_EQ(decoded.exitCode, 0) << decoded.errors;
+    EXPECT_EQ(decoded.output, R"({
+  "reply": "font",
+  "showWindow": true,
+  "fonts": [
+    {
+      "syncID": "s",
+      "type": "TT",
+      "psName": "P",
+      "styleName": "",
+      "familyName": "",
+      "count": 3,
+      "isActive": false,
+      "typeMatchingCount": 0,
+      "isTypeMatchingActive": false,
+      "typeMatchingContainerID": "",
+      "fontInfos": [
+        {
+          "name": "7",
+          "value": "v"
+        }
+      ],
+      "containerID": "",
+      "activationSuccessful": false
+    }
+  ]
+}
+)");
+    EXPECT_EQ(
+        run({"decode"}, head + "<buyRequestReply><handled>0</handled></buyRequestReply></cmd>")
+            .output,
+        "{\n  \"reply\": \"buy\",\n  \"handled\": false\n}\n");
+    const std::string fonts = "<fonts><font syncID=\"s\"><type>T1</type><psName>P</psName>"
+                              "</font></fonts>";
+    EXPECT_THAT(
+        run({"decode"}, head + "<showRequestReply>" + fonts + "</showRequestReply></cmd>").output,
+        HasSubstr("\"reply\": \"show\""));
+    EXPECT_THAT(run({"decode"},
+                    head + "<activationRequestReply>" + fonts + "</activationRequestReply></cmd>")
+                    .output,
+                HasSubstr("\"reply\": \"activation\""));
+}
+
+TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
+    struct Case {
+        std::string document;
+        std::string complaint;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"<cmd>\n <a></b></cmd>", "standard input:2:9: Opening and ending tag mismatch"},
+             {head + "\n<buyRequestReply>\n  <handled>x</handled></buyRequestReply></cmd>",
+              "standard input:3:2"},
+             {head + "\n<nothing/></cmd>", "standard input:2:"},
+             {"", "standard input:1:1: "},
+             {"<!DOCTYPE cmd [\n<!ENTITY a 'x'>]>" + head + "</cmd>", "standard input:2:"},
+         }) {
+        for (const char* const command : {"validate", "decode"}) {
+            const Outcome refused = run({command}, each.document);
+            EXPECT_EQ(refused.exitCode, 1);
+            EXPECT_EQ(refused.output, "");
+            EXPECT_THAT(refused.errors, StartsWith(each.complaint));
+        }
+    }
+}
+
+TEST(TheProtocolTool, TellsBadRequestsFromBadUsage) {
+    struct Case {
+        std::vector<const char*> arguments;
+        std::string input;
+        int exitCode;
+        std::string message;
+    };
+    for (const Case& each : std::vector<Case>{
+             {{"encode", "font", "--font", "psName=P"}, "", 1, "syncID must contain"},
+             {{"encode", "font", "--font", "syncID"}, "", 1, "'syncID' is not KEY=VALUE"},
+             {{"encode", "font", "--font", "syncID=1,name=P"},
+              "",
+              1,
+              "font 1: 'name' is not known"},
+             {{"encode", "font", "--font", "syncID=1,psName=P,type=tt"}, "", 1, "<type>tt</type>"},
+             {{"encode", "sell"}, "", 1, "kind 'sell' is none of"},
+             {{"encode", "buy"}, "", 1, "exactly one font"},
+             {{"encode", "font", "--json", "-"}, "{}", 1, "give nothing beside it"},
+             {{"encode", "--json", "-"}, "{\n \"fonts\": 1", 1, "line 2"},
+             {{"encode", "--json", "-"}, "[]", 1, "request: an object is expected"},
+             {{"encode", "--json", "-"}, R"({"fonts": {}})", 1, "'fonts' must be a list"},
+             {{"encode", "--json", "-"},
+              R"({"request": "font", "targetApp": 1})",
+              1,
+              "'targetApp' must be a text"},
+             {{"encode", "--json", "-"}, R"({"mustMatchFontType": 1})", 1, "must be true or false"},
+             {{"decode", "--schema", "-"}, "no schema", 1, "the schema does not compile"},
+             {{"decode"},
+              run({"encode", "buy", "--font", "syncID=1,psName=P"}).output,
+              1,
+              "could not parse root node 'buyRequest'"},
+             {{"decode", "/no/such/file"}, "", 2, "/no/such/file: cannot be read: No such file"},
+             {{"validate", "/"}, "", 2, "/: cannot be read"},
+             {{"decode", "--unknown"}, "", 2, "--unknown"},
+             {{}, "", 2, "subcommand is required"},
+         }) {
+        const Outcome refused = run(each.arguments, each.input);
+        EXPECT_EQ(refused.exitCode, each.exitCode) << each.message;
+        EXPECT_EQ(refused.output, "");
+        EXPECT_THAT(refused.errors, HasSubstr(each.message));
+    }
+    EXPECT_EQ(run({"--help"}).exitCode, 0);
+}
