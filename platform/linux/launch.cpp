@@ -32,6 +32,7 @@ OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
     }
     std::vector<std::string> words = platform::commandOf(*entry);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

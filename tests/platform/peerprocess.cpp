@@ -18,6 +18,7 @@ namespace platformtest {
 PeerProcess::PeerProcess(std::vector<std::string> arguments, Errors errors) {
     arguments.insert(arguments.begin(), PLATFORM_TEST_PEER);
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
         words.push_back(argument.data());
     }
