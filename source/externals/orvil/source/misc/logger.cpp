@@ -62,7 +62,8 @@ void Logger::hexdump(int level, const void* data, unsigned size, unsigned bytesP
             }
             if (consumed < size) {
                 const unsigned char byte = bytes[consumed];
-                row += " " + hex(byte, 2);
+                row += ' ';
+                row += hex(byte, 2);
                 characters += isPrintable(byte) ? static_cast<char>(byte) : '.';
                 ++consumed;
                 ++counter;
