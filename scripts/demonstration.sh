@@ -90,22 +90,25 @@ export FONTCONFIG_FILE="$sandbox/fonts.conf"
 export PATH="$release/bin:$PATH"
 unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY
 
-session() {
-    $keep || glyphora deactivate --all >/dev/null
-    glyphora add "$library" >/dev/null
-    local options=() status=0
-    $json && options+=(--report json)
-    [ -n "$locale" ] && options+=(--locale "$locale")
-    [ -n "$save" ] && options+=(--save "$save")
-    glyphora-host open "${options[@]}" -- "${documents[@]}" || status=$?
-    if ! $json; then
-        printf '\nWhat the font manager did\n'
-        glyphora history
-    fi
-    glyphora quit >/dev/null 2>&1 || true
-    return $status
-}
-export -f session
-export library keep json locale save
-documents_list=$(printf '%q ' "${documents[@]}")
-dbus-run-session -- bash -c "set -euo pipefail; documents=($documents_list); session"
+# A bus that ends with this script, whatever ends it. Its standard error would only tell of limits
+# that it could not raise.
+exec {bus}< <(exec setpriv --pdeathsig TERM dbus-daemon --session --nofork --nopidfile --print-address=1 2>/dev/null)
+bus_daemon=$!
+trap 'kill "$bus_daemon" 2>/dev/null || true' EXIT
+read -r DBUS_SESSION_BUS_ADDRESS <&"$bus" || fail 'the message bus did not start'
+export DBUS_SESSION_BUS_ADDRESS
+
+$keep || glyphora deactivate --all >/dev/null
+glyphora add "$library" >/dev/null
+
+options=() status=0
+$json && options+=(--report json)
+[ -n "$locale" ] && options+=(--locale "$locale")
+[ -n "$save" ] && options+=(--save "$save")
+glyphora-host open "${options[@]}" -- "${documents[@]}" || status=$?
+if ! $json; then
+    printf '\nWhat the font manager did\n'
+    glyphora history
+fi
+glyphora quit >/dev/null 2>&1 || true # no document missed a font, so none was started
+exit $status
