@@ -63,10 +63,11 @@ std::optional<Fault> readFault(std::string_view text) {
 } // namespace
 
 std::string checkSabotage(std::string_view fault) {
-    return readFault(fault) ? std::string()
-                            : "\"" + std::string(fault) +
-                                  "\" is neither missing-suite=NAME:VERSION nor "
-                                  "failing-call=[SUITE/]CALL[:ERROR[:FROM]]";
+    if (readFault(fault)) {
+        return {};
+    }
+    return std::string(fault).append(" is neither missing-suite=NAME:VERSION nor "
+                                     "failing-call=[SUITE/]CALL[:ERROR[:FROM]]");
 }
 
 std::string applySabotage(Core& core, std::string_view text) {

@@ -11,7 +11,8 @@ namespace host {
 namespace {
 
 std::string quoted(const char* name, std::int32_t version) {
-    return "\"" + std::string(name) + "\" " + std::to_string(version);
+    std::string text = "\"";
+    return text.append(name).append("\" ").append(std::to_string(version));
 }
 
 // Basic suite
