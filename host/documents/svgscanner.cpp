@@ -17,8 +17,9 @@
 namespace host::svg {
 namespace {
 
-constexpr std::size_t maximumAttributes = 1000;                  // of one element
-constexpr std::size_t maximumNamespaces = 1024;                  // in scope
+constexpr std::size_t maximumAttributes = 1000; // of one element
+constexpr std::size_t maximumNamespaces = 1024; // in scope
+constexpr std::size_t referenceCost = 128; // in bytes: a parser of its own may be set up for each
 constexpr std::size_t maximumEntityText = std::size_t{32} << 20; // bytes of all references together
 constexpr std::size_t longTag = 4096; // bytes, below which attributes are few
 
@@ -144,22 +145,19 @@ private:
         Tag tag;
     };
 
-    /// The scanner of a callback, nullptr when the parse has failed and callbacks are void.
-    static Scanner* of(void* context) {
-        auto* scanner = static_cast<Scanner*>(static_cast<xmlParserCtxtPtr>(context)->_private);
-        return scanner == nullptr || scanner->failed_ ? nullptr : scanner;
-    }
     /// Runs a callback's work. No exception may pass through libxml2: it is told as a failure.
     template <typename Work>
     static void guarded(void* context, Work&& work) {
-        Scanner* scanner = of(context);
-        if (scanner == nullptr) {
+        auto* parser = static_cast<xmlParserCtxtPtr>(context);
+        auto* scanner = static_cast<Scanner*>(parser->_private);
+        if (scanner == nullptr || scanner->failed_) {
+            stop(parser); // the one around it has failed already
             return;
         }
         try {
             work(*scanner);
         } catch (const std::exception& error) {
-            scanner->fail(static_cast<xmlParserCtxtPtr>(context), error.what());
+            scanner->fail(parser, error.what());
         }
     }
     static void startElement(void* context, const xmlChar* name, const xmlChar* prefix,
@@ -199,6 +197,7 @@ private:
                    : static_cast<std::uint32_t>(source_.rfind('<', place == 0 ? 0 : place - 1));
     }
     void fail(xmlParserCtxtPtr context, std::string reason);
+    static void stop(xmlParserCtxtPtr context);
     [[noreturn]] void raise(std::string_view reason, std::size_t place) const;
 
     const std::string& source_;
@@ -339,6 +338,12 @@ void Scanner::fail(xmlParserCtxtPtr context, std::string reason) {
     const xmlParserInput* input = context_->input;
     errorLine_ = input == nullptr ? 0 : static_cast<std::size_t>(input->line);
     errorColumn_ = input == nullptr ? 0 : static_cast<std::size_t>(input->col);
+    stop(context);
+}
+
+/// Entities are parsed by parsers of their own, of which each has to be told.
+void Scanner::stop(xmlParserCtxtPtr context) {
+    context->wellFormed = 0; // else entities are looked up behind getEntity's back
     xmlStopParser(context);
 }
 
@@ -370,7 +375,8 @@ xmlEntityPtr Scanner::getEntity(void* data, const xmlChar* name) {
     xmlEntityPtr entity = nullptr;
     guarded(data, [&](Scanner& scanner) {
         entity = xmlSAX2GetEntity(context, name);
-        scanner.entityText_ += entity == nullptr ? 0 : static_cast<std::size_t>(entity->length) + 1;
+        scanner.entityText_ +=
+            entity == nullptr ? 0 : static_cast<std::size_t>(entity->length) + referenceCost;
         if (scanner.entityText_ > maximumEntityText) {
             entity = nullptr;
             scanner.fail(context, "the entities of the document expand too far");

@@ -15,8 +15,8 @@ using css::indexOf;
 using css::Property;
 using css::Value;
 
-/// Selector tests per document: a few seconds' worth.
-constexpr std::size_t maximumWork = 300'000'000;
+/// Selector tests per document: seconds' worth, hundreds for each of many thousand elements.
+constexpr std::size_t maximumWork = 100'000'000;
 
 struct Candidate {
     std::uint64_t rank = 0; ///< 0: no declaration; of equal ranks the later one wins

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace host::test {
 namespace {
 
@@ -38,6 +40,9 @@ struct Case {
     const char* flat;
     const char* kept;
 };
+void PrintTo(const Case& test, std::ostream* stream) {
+    *stream << test.body;
+}
 
 const Case cases[] = {
     {"Nothing", "", "()", "()"},

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace host::test {
 namespace {
 
@@ -12,6 +14,9 @@ struct Case {
     const char* body;
     const char* runs;
 };
+void PrintTo(const Case& test, std::ostream* stream) {
+    *stream << test.body;
+}
 
 const Case cases[] = {
     {"SpansOfOneFaceAreOneRun", "<text font-family='A'>a <tspan fill='red'>b</tspan> c</text>",
