@@ -204,7 +204,7 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
     }
     for (const std::string& name : obsolete) {
         step("remove obsolete file");
-        removeFile(place + "/" + name);
+        removeFile(std::string(place).append("/").append(name));
     }
     if (!obsolete.empty()) {
         step("write record");

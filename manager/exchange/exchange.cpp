@@ -199,7 +199,7 @@ private:
 
     std::optional<Container> choose(const CommandFont& font) {
         if (const auto id = toContainerId(font.containerId.value_or(""))) {
-            if (const auto container = finder_.container(*id)) {
+            if (auto container = finder_.container(*id)) {
                 return container;
             }
         }

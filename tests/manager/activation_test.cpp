@@ -115,6 +115,27 @@ TEST_F(AnActivation, LinksFilesAndNeverBySymbolicLinks) {
               stampOf(sandbox_.library() + "/one.ttf").inode);
 }
 
+TEST_F(AnActivation, CopiesFilesOfAnotherFileSystem) {
+    struct stat here {};
+    struct stat there {};
+    const std::string folder = "/dev/shm/glyphora-test-" + std::to_string(getpid());
+    std::error_code code;
+    std::filesystem::create_directory(folder, code);
+    if (code || stat(sandbox_.root().c_str(), &here) != 0 || stat(folder.c_str(), &there) != 0 ||
+        here.st_dev == there.st_dev) {
+        GTEST_SKIP() << "no second file system to write to";
+    }
+    const std::string font = folder + "/far.ttf";
+    writeBytes(font, makeFont({"Far", "Regular", "Far", "", "", false, {}}));
+    const auto outcome = activate({container, "Far", {{font, stampOf(font)}}});
+    const std::string copied = readBytes(set() + "/far.ttf");
+    const std::string original = readBytes(font);
+    std::filesystem::remove_all(folder);
+    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_EQ(copied, original);
+    EXPECT_THAT(visibleFamilies(), ElementsAre("Far"));
+}
+
 TEST_F(AnActivation, FollowsTheContainerWhenItGrowsAndShrinks) {
     activate(fonts());
     addFont("three.ttf", "Three");
