@@ -22,7 +22,7 @@ public:
     static constexpr std::uint32_t unboundedCapacity = Semaphore::maximumValue;
 
     explicit SafeFIFOBuffer(std::uint32_t capacity)
-        : capacity_(capacity), freeSlots_(capacity), filledSlots_(0), lock_(false) {}
+        : capacity_(capacity), freeSlots_(capacity), lock_(false) {}
 
     /// Appends a copy, after waiting for a free slot (a cancellation point). An unbounded queue
     /// throws when 32,767 items wait already; the item is in the queue all the same then, and
@@ -34,31 +34,33 @@ public:
         try {
             const ScopedLock<Mutex> locked(lock_);
             items_.push_back(item);
-            waiting_.store(items_.size(), std::memory_order_release);
+            const std::uint32_t filled = filledSlots_.load(std::memory_order_relaxed);
+            if (filled == Semaphore::maximumValue) {
+                throw Semaphore::incrementFailure();
+            }
+            filledSlots_.store(filled + 1, std::memory_order_release);
         } catch (...) {
             if (isBounded()) {
                 freeSlots_.inc();
             }
             throw;
         }
-        filledSlots_.inc();
     }
 
     /// Moves the oldest item to `item`. False at once if there is none.
     bool tryDequeue(T& item) {
         // Most tries of a poller find nothing: one load tells.
-        if (waiting_.load(std::memory_order_acquire) == 0 || !filledSlots_.trydec()) {
+        if (filledSlots_.load(std::memory_order_acquire) == 0) {
             return false;
         }
         const ScopedLock<Mutex> locked(lock_);
-        try {
-            item = std::move(items_.front());
-        } catch (...) {
-            filledSlots_.inc();
-            throw;
+        const std::uint32_t filled = filledSlots_.load(std::memory_order_relaxed);
+        if (filled == 0) {
+            return false;
         }
+        item = std::move(items_.front());
         items_.pop_front();
-        waiting_.store(items_.size(), std::memory_order_release);
+        filledSlots_.store(filled - 1, std::memory_order_release);
         if (isBounded()) {
             freeSlots_.inc();
         }
@@ -70,10 +72,11 @@ private:
 
     std::uint32_t capacity_;
     Semaphore freeSlots_;
-    Semaphore filledSlots_;
+    // The semaphore of the filled slots, but nobody ever waits for one: a count that is written
+    // under the lock does the same, maximum and failure included, for half the price.
+    std::atomic<std::uint32_t> filledSlots_ = 0;
     Mutex lock_;
     std::deque<T> items_;
-    std::atomic<std::size_t> waiting_ = 0; // items_.size(), written under the lock
 };
 
 } // namespace Orvil

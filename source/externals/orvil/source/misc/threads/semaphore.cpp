@@ -2,7 +2,6 @@
 // The semaphore over the desktop's multiprocessing services.
 #include "misc/threads/semaphore.h"
 
-#include "misc/exception.h"
 #include "misc/text/numbers.h"
 
 namespace Orvil {
@@ -45,8 +44,12 @@ bool Semaphore::trydec() {
 
 void Semaphore::inc() {
     if (MPSignalSemaphore(semaphore_) != noErr) {
-        throw failure("increment semaphore", __LINE__);
+        throw incrementFailure();
     }
+}
+
+Exception Semaphore::incrementFailure() {
+    return failure("increment semaphore", __LINE__);
 }
 
 } // namespace Orvil

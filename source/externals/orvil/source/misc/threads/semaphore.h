@@ -2,6 +2,7 @@
 // A counting semaphore.
 #pragma once
 
+#include "misc/exception.h"
 #include "platform/multiprocessing.h"
 
 #include <cstdint>
@@ -25,6 +26,9 @@ public:
     bool trydec();
     /// Gives one. Throws at the maximum too.
     void inc();
+
+    /// What inc() throws.
+    static Exception incrementFailure();
 
 private:
     MPSemaphoreID semaphore_ = nullptr;
