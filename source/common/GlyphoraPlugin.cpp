@@ -31,11 +31,11 @@ std::unique_ptr<Plugin> AllocatePlugin(SPPluginRef pluginRef) noexcept {
 
 // The object's dispatch table may lead into unmapped code: nothing may look at it before the
 // constructor has replaced it, not even a sanitizer.
-[[gnu::no_sanitize("vptr")]] void FixupReload(Plugin* plugin) noexcept {
+__attribute__((no_sanitize("vptr"))) void FixupReload(Plugin* plugin) noexcept {
     GlyphoraPlugin::FixupVTable(plugin);
 }
 
-[[gnu::no_sanitize("vptr")]] void GlyphoraPlugin::FixupVTable(Plugin* plugin) noexcept {
+__attribute__((no_sanitize("vptr"))) void GlyphoraPlugin::FixupVTable(Plugin* plugin) noexcept {
     auto* const self = static_cast<GlyphoraPlugin*>(plugin);
     State state(std::move(self->state_));
     CheckState check(std::move(self->check_));
