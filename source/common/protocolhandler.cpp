@@ -53,7 +53,11 @@ void validate(Orvil::IXmlValidator& validator, Orvil::IXmlNode* root) {
 }
 
 void parseKind(Orvil::IXmlNode* node, ReplyContainer& reply) {
-    const std::string name = node == nullptr ? std::string() : node->getName();
+    constexpr std::uint32_t line = 923;
+    if (node == nullptr) {
+        throw failure("could not parse root node ''", line);
+    }
+    const std::string name = node->getName();
     if (name == "fontRequestReply") {
         reply.type = ReplyContainer::fontReplyType;
         reply.fontReply = HandlerInternal::parseFontReply(node);
@@ -67,7 +71,7 @@ void parseKind(Orvil::IXmlNode* node, ReplyContainer& reply) {
         reply.type = ReplyContainer::activationReplyType;
         reply.activationReply = HandlerInternal::parseActivationReply(node);
     } else {
-        throw failure("could not parse root node '" + name + "'", 923);
+        throw failure("could not parse root node '" + name + "'", line);
     }
 }
 

@@ -27,7 +27,7 @@ struct Message {
 template <typename M, typename... Before>
 Message listMessage(const char* name, std::vector<std::string> failures, Before... before) {
     const auto make = [=](const FontList& fonts) {
-        if constexpr (std::is_same_v<M, FontRequest>) {
+        if constexpr (std::is_same_v<M, FontRequest>) { // NOLINT(bugprone-branch-clone)
             return M(before..., fonts, "app", "class");
         } else {
             return M(before..., fonts);
