@@ -5,8 +5,8 @@
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
 #include "manager/library/schema.h"
+#include "manager/library/stylewords.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -107,8 +107,6 @@ std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
 
 std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
                                                      std::string_view style) {
-    static constexpr std::array<std::string_view, 5> uprightStyles = {"regular", "book", "roman",
-                                                                      "normal", "medium"};
     const std::string familyKey = nameKey(family);
     const auto find = [&](std::string_view styleKey) {
         const StatementUse use(byName_);
@@ -117,13 +115,11 @@ std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
     };
     const std::string styleKey = nameKey(style);
     std::vector<FaceMatch> found = find(styleKey);
-    if (styleKey.empty()) {
-        for (const std::string_view upright : uprightStyles) {
-            if (!found.empty()) {
-                break;
-            }
-            found = find(upright);
-        }
+    if (found.empty()) {
+        found = find(styleForm(styleKey));
+    }
+    if (found.empty() && styleKey.empty()) {
+        found = find("medium");
     }
     return found;
 }

@@ -70,7 +70,8 @@ public:
     /// The faces of a PostScript name (exact), by container.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
     /// The faces of a family and style; case and blanks do not count, legacy families go with
-    /// legacy styles. An empty style means the family's upright text face, whatever it is called.
+    /// legacy styles. When no face has just this style, those that say it in other words are
+    /// taken ("Book" for "Regular"). An empty style means the family's upright text face.
     [[nodiscard]] std::vector<FaceMatch> findByFamilyAndStyle(std::string_view family,
                                                               std::string_view style);
 

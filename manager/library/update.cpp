@@ -3,6 +3,7 @@
 #include "manager/library/update.h"
 
 #include "manager/library/places.h"
+#include "manager/library/stylewords.h"
 
 #include <set>
 #include <string_view>
@@ -29,6 +30,8 @@ public:
                                     "WHERE folder = ? AND file = ? AND family_key = ?"),
           addContainer_(database_, "INSERT INTO container (folder, file, family_key, name) "
                                    "VALUES (?, ?, ?, ?)"),
+          renameContainer_(database_, "UPDATE container SET name = ?1 WHERE id = ?2 AND NOT EXISTS "
+                                      "(SELECT 1 FROM file WHERE container = ?2 AND path < ?3)"),
           addFace_(database_, "INSERT INTO face (file, container, number, type, postscript_name, "
                               "family, style) VALUES (?, ?, ?, ?, ?, ?, ?)"),
           addName_(database_, "INSERT OR IGNORE INTO name (family_key, style_key, face) "
@@ -62,7 +65,11 @@ private:
         const StatementUse use(findContainer_);
         findContainer_.bind(1, folder).bind(2, file).bind(3, key);
         if (findContainer_.step()) {
-            return findContainer_.number(0);
+            const std::int64_t container = findContainer_.number(0);
+            if (!contents.collection) {
+                renameContainer_.bind(1, family).bind(2, container).bind(3, path).run();
+            }
+            return container;
         }
         addContainer_.bind(1, folder).bind(2, file).bind(3, key);
         addContainer_.bind(4, contents.collection ? file : family).run();
@@ -77,7 +84,9 @@ private:
         for (const FaceName& name : face.names) {
             const std::string familyKey = nameKey(name.family);
             const std::string styleKey = nameKey(name.style);
-            addName_.bind(1, familyKey).bind(2, styleKey).bind(3, id).run();
+            for (const std::string& style : {styleKey, styleForm(styleKey)}) {
+                addName_.bind(1, familyKey).bind(2, style).bind(3, id).run();
+            }
         }
     }
 
@@ -86,6 +95,7 @@ private:
     Statement addFile_;
     Statement findContainer_;
     Statement addContainer_;
+    Statement renameContainer_; // after its first file by path, in whatever order they are read
     Statement addFace_;
     Statement addName_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The index: containers, look-up, incremental scans, damage.
 #include "manager/library/error.h"
+#include "manager/library/stylewords.h"
 #include "manager/library/update.h"
 #include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
@@ -8,6 +9,9 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <vector>
 
 using namespace manager;
 using namespace managertest;
@@ -87,6 +91,10 @@ TEST_F(ALibrary, FindsFacesByEachPairOfTheirNames) {
         {"Lato", "", 0},
         {"mÜLLER&söhne", "book", 1},
         {"Müller & Söhne", "", 1},
+        {"Müller & Söhne", "Regular", 1},
+        {"Müller & Söhne", "Bold", 0},
+        {"Lato", "Heavy Oblique", 1},
+        {"Lato", "Italic Black", 1},
         {"", "", 0},
         {"Lat", "Black Italic", 0},
     };
@@ -97,6 +105,39 @@ TEST_F(ALibrary, FindsFacesByEachPairOfTheirNames) {
     EXPECT_THAT(library_->findByPostScriptName("lato-blackitalic"), IsEmpty());
     EXPECT_THAT(library_->findByPostScriptName(""), IsEmpty());
     EXPECT_EQ(library_->findByPostScriptName("Lato-BlackItalic").at(0).familyName, "Lato");
+}
+
+TEST_F(ALibrary, PrefersTheStyleAsItIsCalled) {
+    add("a.ttf", {"Gothic", "Regular", "Gothic-Regular", "", "", false, {}});
+    add("b.ttf", {"Gothic", "Book", "Gothic-Book", "", "", false, {}});
+    scan();
+    const auto found = library_->findByFamilyAndStyle("Gothic", "Book");
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0].postScriptName, "Gothic-Book");
+    EXPECT_THAT(library_->findByFamilyAndStyle("Gothic", "Roman"), SizeIs(2));
+}
+
+TEST(AStyleForm, IsTheSameForWordsThatSayTheSame) {
+    const std::vector<std::vector<std::string>> groups = {
+        {"", "regular", "book", "roman", "normal"},
+        {"italic", "oblique", "regularitalic", "bookoblique"},
+        {"bolditalic", "boldoblique", "italicbold"},
+        {"semibold", "demibold", "demi"},
+        {"extralight", "ultralight"},
+        {"condensedbold", "boldcondensed", "bold-narrow"},
+        {"12italic", "italic12"},
+        {"light"},
+        {"semilight"},
+        {"12"},
+        {"poster"},
+    };
+    std::set<std::string> forms;
+    for (const auto& group : groups) {
+        for (const std::string& style : group) {
+            EXPECT_EQ(manager::styleForm(style), manager::styleForm(group.front())) << style;
+        }
+        EXPECT_TRUE(forms.insert(manager::styleForm(group.front())).second) << group.front();
+    }
 }
 
 TEST_F(ALibrary, SharesAContainerAmongTheInstancesOfAVariableFont) {
