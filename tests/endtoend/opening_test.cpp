@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// A drawing opens, and its missing fonts are found, asked for and activated.
+#include "world.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace endtoend {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+/// One family on the desktop, one in the library, one in two containers of it, one with characters
+/// that have a meaning in markup, and one that nobody knows.
+class AnOpenedDrawing : public testing::Test {
+protected:
+    void SetUp() override {
+        world_.install("DejaVu Sans");
+        world_.stock("DejaVu Serif", "text");
+        world_.stock("DejaVu Sans Mono", "code");
+        world_.stock("DejaVu Sans Mono", "archive");
+        world_.stockFile(GLYPHORA_SAMPLES "/fonts/MuellerUndSoehneGrotesk-Regular.ttf", "clients");
+        ASSERT_EQ(world_.manager({"add", world_.library().string()}).status, 0);
+    }
+
+    static void expectStates(const Outcome& outcome, std::size_t document,
+                             const std::map<std::string, std::string>& states) {
+        auto faces = facesOf(outcome, document);
+        EXPECT_EQ(faces.size(), states.size());
+        for (const auto& [family, state] : states) {
+            EXPECT_EQ(faces[family].value("before", "?") + " > " +
+                          faces[family].value("after", "?"),
+                      state)
+                << family;
+        }
+    }
+
+    World world_;
+};
+
+TEST_F(AnOpenedDrawing, GetsWhatOneContainerHolds) {
+    const auto drawing =
+        world_.draw("poster.svg", {"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono",
+                                   "Müller &amp; Söhne Grotesk", "Quay Stencil"});
+    const Outcome outcome = world_.open({drawing.string()});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("misbehaves")));
+    expectStates(outcome, 0,
+                 {{"DejaVu Sans", "installed > installed"},
+                  {"DejaVu Serif", "missing > activated now"},
+                  {"DejaVu Sans Mono", "missing > missing"},
+                  {"Müller & Söhne Grotesk", "missing > activated now"},
+                  {"Quay Stencil", "missing > missing"}});
+
+    // What was activated is there for the next program, until it is taken back.
+    expectStates(world_.open({drawing.string()}), 0,
+                 {{"DejaVu Sans", "installed > installed"},
+                  {"DejaVu Serif", "installed > installed"},
+                  {"DejaVu Sans Mono", "missing > missing"},
+                  {"Müller & Söhne Grotesk", "installed > installed"},
+                  {"Quay Stencil", "missing > missing"}});
+    EXPECT_EQ(world_.manager({"deactivate", "--all"}).status, 0);
+    EXPECT_EQ(facesOf(world_.list(drawing))["DejaVu Serif"]["before"], "missing");
+}
+
+TEST_F(AnOpenedDrawing, LeavesTheManagerAloneWhenNothingIsMissing) {
+    const auto drawing = world_.draw("plain.svg", {"DejaVu Sans", "sans-serif"});
+    EXPECT_EQ(world_.open({drawing.string()}).status, 0);
+    EXPECT_NE(world_.manager({"quit"}).status, 0) << "a font manager was started";
+}
+
+TEST_F(AnOpenedDrawing, IsCheckedAgainAfterThePlugInWasReloaded) {
+    const auto first = world_.draw("first.svg", {"DejaVu Serif"});
+    const auto second = world_.draw("second.svg", {"Müller &amp; Söhne Grotesk"});
+    const Outcome outcome = world_.open({"--reload", first.string(), second.string()});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("misbehaves")));
+    expectStates(outcome, 0, {{"DejaVu Serif", "missing > activated now"}});
+    expectStates(outcome, 1, {{"Müller & Söhne Grotesk", "missing > activated now"}});
+}
+
+TEST_F(AnOpenedDrawing, LaunchesAManagerThatWasKilled) {
+    expectStates(world_.open({world_.draw("first.svg", {"DejaVu Serif"}).string()}), 0,
+                 {{"DejaVu Serif", "missing > activated now"}});
+    const auto status = nlohmann::json::parse(world_.manager({"status", "--json"}).output);
+    ASSERT_EQ(kill(status.at("server").get<pid_t>(), SIGKILL), 0);
+    expectStates(world_.open({world_.draw("second.svg", {"Müller &amp; Söhne Grotesk"}).string()}),
+                 0, {{"Müller & Söhne Grotesk", "missing > activated now"}});
+}
+
+TEST_F(AnOpenedDrawing, TellsInTheUsersLanguageThatNoManagerIsThere) {
+    world_.launchInstead("");
+    const auto drawing = world_.draw("poster.svg", {"DejaVu Serif"});
+    const Outcome english = world_.open({"--locale", "en_US", drawing.string()});
+    const Outcome german = world_.open({"--locale", "de_DE", drawing.string()});
+    EXPECT_EQ(english.status, 0);
+    expectStates(english, 0, {{"DejaVu Serif", "missing > missing"}});
+    EXPECT_THAT(english.errors, HasSubstr("alert: "));
+    EXPECT_THAT(german.errors, HasSubstr("alert: "));
+    EXPECT_NE(english.errors, german.errors);
+}
+
+TEST_F(AnOpenedDrawing, OpensTheOthersWhenOneIsBad) {
+    const auto good = world_.draw("good.svg", {"DejaVu Serif"});
+    const auto bad =
+        world_.write("documents/bad.svg", "<svg xmlns='http://www.w3.org/2000/svg'>\n<g>");
+    const Outcome outcome = world_.open({bad.string(), good.string()});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr(bad.string() + ":2:"));
+    expectStates(outcome, 1, {{"DejaVu Serif", "missing > activated now"}});
+}
+
+} // namespace
+
+} // namespace endtoend
