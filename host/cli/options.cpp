@@ -60,7 +60,7 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
     options.locale = localeOfEnvironment();
     CLI::App app{"Opens drawings, with a plug-in that activates the fonts they miss."};
     app.name("glyphora-host");
-    app.set_version_flag("--version", "glyphora-host 1.0.0");
+    app.set_version_flag("--version", "glyphora-host " GLYPHORA_VERSION);
     app.add_flag("--self-test", options.selfTest, "Load everything and quit");
     declareShared(app, options);
     CLI::App* const open = app.add_subcommand("open", "Open drawings and tell of their fonts");
