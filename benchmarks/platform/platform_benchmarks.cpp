@@ -87,7 +87,7 @@ void exchangeOfBytes(benchmark::State& state) {
     std::string answer(text.size(), '\0');
     AEAddressDesc address;
     AECreateDesc(typeApplSignature, "ECHO", 4, &address);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         AppleEvent event;
         AppleEvent reply;
         AECreateAppleEvent(FourCharCode("ECHO"), FourCharCode("****"), &address,
@@ -123,7 +123,7 @@ void sendToNobody(benchmark::State& state) {
     AECreateAppleEvent(FourCharCode("ECHO"), FourCharCode("****"), &address, kAutoGenerateReturnID,
                        kAnyTransactionID, &event);
     AppleEvent reply;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(
             AESend(&event, &reply, kAEWaitReply, kAENormalPriority, 60, nullptr, nullptr));
     }
@@ -135,7 +135,7 @@ BENCHMARK(sendToNobody)->Unit(benchmark::kMicrosecond)->UseRealTime();
 /// One turn of the loop that waits for a launched process: with a match, and without.
 void findProcess(benchmark::State& state) {
     const OSType wanted = state.range(0) != 0 ? FourCharCode("ECHO") : FourCharCode("NONE");
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         ProcessSerialNumber psn;
         ProcessInfoRec info;
         while (GetNextProcess(&psn) == noErr && GetProcessInformation(&psn, &info) == noErr &&
@@ -147,7 +147,7 @@ void findProcess(benchmark::State& state) {
 BENCHMARK(findProcess)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void postNotification(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         notify_post(kName);
     }
 }
@@ -156,7 +156,7 @@ BENCHMARK(postNotification)->Unit(benchmark::kMicrosecond)->UseRealTime();
 void postAndCheck(benchmark::State& state) {
     int token = 0;
     notify_register_check(kName, &token);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         notify_post(kName);
         int check = 0;
         while (check == 0) {
@@ -171,7 +171,7 @@ void checkWithoutNews(benchmark::State& state) {
     int token = 0;
     notify_register_check(kName, &token);
     int check = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(notify_check(token, &check));
     }
     notify_cancel(token);
@@ -180,7 +180,7 @@ BENCHMARK(checkWithoutNews);
 
 void dispatchWithoutEvents(benchmark::State& state) {
     PLRegisterApplication(FourCharCode("BENC"), kPLManyInstances, nullptr);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(PLDispatchPendingEvents());
     }
     PLUnregisterApplication();
@@ -190,7 +190,7 @@ BENCHMARK(dispatchWithoutEvents);
 void signalAndTake(benchmark::State& state) {
     MPSemaphoreID semaphore = nullptr;
     MPCreateSemaphore(32767, 0, &semaphore);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         MPSignalSemaphore(semaphore);
         MPWaitOnSemaphore(semaphore, kDurationImmediate);
     }
@@ -201,7 +201,7 @@ BENCHMARK(signalAndTake);
 void tryEmptySemaphore(benchmark::State& state) {
     MPSemaphoreID semaphore = nullptr;
     MPCreateSemaphore(32767, 0, &semaphore);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(MPWaitOnSemaphore(semaphore, kDurationImmediate));
     }
     MPDeleteSemaphore(semaphore);
