@@ -74,7 +74,9 @@ void Logger::hexdump(int level, const void* data, unsigned size, unsigned bytesP
                 counter = 0;
             }
         }
-        log(level, "hex", row + "     " + characters);
+        row += "     ";
+        row += characters;
+        log(level, "hex", row);
     }
 }
 

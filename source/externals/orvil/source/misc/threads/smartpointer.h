@@ -76,6 +76,7 @@ public:
 
     /// Nothing happens when both hold the same object. Otherwise the old reference is dropped
     /// before the new one is taken: the new object must not be kept alive by the old one alone.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the other assignment handles it
     SmartPointer& operator=(const SmartPointer& other) noexcept { return *this = other.pointee_; }
     SmartPointer& operator=(T* pointee) noexcept {
         if (pointee != pointee_) {

@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-struct _xmlDoc;
-struct _xmlNode;
+struct _xmlDoc;  // NOLINT: the names are libxml2's
+struct _xmlNode; // NOLINT
 
 namespace Orvil {
 

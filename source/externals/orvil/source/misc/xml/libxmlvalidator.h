@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-struct _xmlSchema;
+struct _xmlSchema; // NOLINT: the name is libxml2's
 
 namespace Orvil {
 
