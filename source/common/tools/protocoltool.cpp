@@ -120,8 +120,8 @@ private:
             for (const std::string& member : CLI::detail::split(description, ',')) {
                 const std::size_t equals = member.find('=');
                 if (equals == std::string::npos) {
-                    throw std::invalid_argument("--font '" + description + "': '" + member +
-                                                "' is not KEY=VALUE");
+                    throw std::invalid_argument(
+                        std::string("--font: '").append(member).append("' is not KEY=VALUE"));
                 }
                 font[member.substr(0, equals)] = member.substr(equals + 1);
             }

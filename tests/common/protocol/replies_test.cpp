@@ -87,15 +87,16 @@ TEST(AReplyDocument, OfAFontRequestIsReadFromItsFirstTwoChildren) {
         bool showWindow;
         std::size_t fontCount;
     };
-    for (const Case& each : std::vector<Case>{{window + fonts, true, 1},
-                                              {fonts + window, true, 1},
-                                              {fonts + fonts + window, false, 2},
-                                              {"<other/>" + window + fonts, true, 0},
-                                              {"<other/>" + fonts + window, false, 1},
-                                              {"<showWindow>yes</showWindow>" + fonts, false, 1},
-                                              {"<!-- --> " + fonts + " <?p i?>" + window, false, 1},
-                                              {window, true, 0},
-                                              {"", false, 0}}) {
+    const std::vector<Case> cases{{window + fonts, true, 1},
+                                  {fonts + window, true, 1},
+                                  {fonts + fonts + window, false, 2},
+                                  {"<other/>" + window + fonts, true, 0},
+                                  {"<other/>" + fonts + window, false, 1},
+                                  {"<showWindow>yes</showWindow>" + fonts, false, 1},
+                                  {"<!-- --> " + fonts + " <?p i?>" + window, false, 1},
+                                  {window, true, 0},
+                                  {"", false, 0}};
+    for (const Case& each : cases) {
         const ReplyContainer reply =
             parseLeniently("<fontRequestReply>" + each.children + "</fontRequestReply>");
         EXPECT_EQ(reply.fontReply->showWindow, each.showWindow) << each.children;

@@ -137,7 +137,9 @@ TEST(TheSchema, RejectsWhatIsNotInTheProtocol) {
     for (const std::string entry :
          {"", "<fontInfo/>", "<fontInfo><name/></fontInfo>", "<fontInfo><value/><name/></fontInfo>",
           "<fontInfo><name/><value/><value/></fontInfo>"}) {
-        EXPECT_FALSE(complaints(document(infos + entry + infosEnd)).empty()) << entry;
+        EXPECT_FALSE(
+            complaints(document(std::string(infos).append(entry).append(infosEnd))).empty())
+            << entry;
     }
     EXPECT_TRUE(
         complaints(document(infos + "<fontInfo><name/><value/></fontInfo>" + infosEnd)).empty());

@@ -236,11 +236,13 @@ TEST_F(ARandomModel, OfARequestMakesADocumentThatTheSchemaAccepts) {
             {"showRequest", Handler::createShowRequest({generator_.flag(), fonts})},
             {"activationRequest", Handler::createActivationRequest(ActivationRequest(fonts))},
             {"buyRequest", Handler::createBuyRequest(BuyRequest(fonts.front()))}};
-        for (const auto& [kind, xml] : requests) {
-            ASSERT_EQ(failureOf([&] { handler_.parseReply(xml); }),
-                      protocolFailure("could not parse root node '" + kind + "'", 923))
+        for (const auto& request : requests) {
+            const std::string& kind = request.first;
+            ASSERT_EQ(failureOf([&] { handler_.parseReply(request.second); }),
+                      protocolFailure(
+                          std::string("could not parse root node '").append(kind).append("'"), 923))
                 << "seed " << seed_ << '\n'
-                << xml;
+                << request.second;
         }
     }
 }
