@@ -13,7 +13,7 @@ namespace {
 
 const std::vector<unsigned char>& data() {
     static const std::vector<unsigned char> bytes = [] {
-        std::vector<unsigned char> made(64 * 1024);
+        std::vector<unsigned char> made(std::size_t{64} * 1024);
         std::uint32_t value = 1;
         for (unsigned char& byte : made) {
             value = value * 1664525U + 1013904223U;

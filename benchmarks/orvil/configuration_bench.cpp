@@ -13,6 +13,7 @@ namespace {
 
 std::vector<std::string> ordinaryKeys() {
     std::vector<std::string> keys;
+    keys.reserve(2000);
     for (int i = 0; i < 2000; ++i) {
         keys.push_back("section" + std::to_string(i % 20) + ".group" + std::to_string(i % 50) +
                        ".key" + std::to_string(i));

@@ -77,6 +77,7 @@ int main(int argc, char** argv) {
                                    "--benchmark_min_time=0.05"};
     texts.insert(texts.end(), argv + 1, argv + argc);
     std::vector<char*> arguments;
+    arguments.reserve(texts.size());
     for (std::string& text : texts) {
         arguments.push_back(text.data());
     }

@@ -23,7 +23,7 @@ std::string repeated(std::string_view piece, std::size_t size) {
     return text;
 }
 
-constexpr std::size_t textSize = 64 * 1024;
+constexpr std::size_t textSize = std::size_t{64} * 1024;
 constexpr std::string_view asciiPiece = "The quick brown fox jumps over the lazy dog. ";
 constexpr std::string_view germanPiece = "F\xC3\xBCr die Stra\xC3\x9F"
                                          "e nach K\xC3\xB6ln braucht man \xC3\xBC"

@@ -18,13 +18,16 @@ const std::string& reply() {
         std::string made = "<cmd version=\"2.0\"><fontRequestReply><fonts>\n";
         for (int i = 0; i < 10000; ++i) {
             const std::string number = std::to_string(i);
-            made += "  <font syncID=\"" + number + "\">\n    <psName>Family-Style" + number +
-                    "</psName>\n    <type>OT_TT</type>\n    <familyName>A Family " + number +
-                    "</familyName>\n    <styleName>Condensed Bold</styleName>\n"
-                    "    <count>1</count>\n    <isActive>false</isActive>\n"
-                    "    <typeMatchingCount>1</typeMatchingCount>\n"
-                    "    <fontInfos><fontInfo><containerID>" +
-                    number + "</containerID></fontInfo></fontInfos>\n  </font>\n";
+            for (const char* piece :
+                 {"  <font syncID=\"", "#", "\">\n    <psName>Family-Style", "#",
+                  "</psName>\n    <type>OT_TT</type>\n    <familyName>A Family ", "#",
+                  "</familyName>\n    <styleName>Condensed Bold</styleName>\n"
+                  "    <count>1</count>\n    <isActive>false</isActive>\n"
+                  "    <typeMatchingCount>1</typeMatchingCount>\n"
+                  "    <fontInfos><fontInfo><containerID>",
+                  "#", "</containerID></fontInfo></fontInfos>\n  </font>\n"}) {
+                made += *piece == '#' ? number : piece;
+            }
         }
         return made + "</fonts></fontRequestReply></cmd>";
     }();

@@ -136,6 +136,7 @@ TEST(AChecksumTable, IsSharedPerPolynomial) {
     EXPECT_EQ(table[1], 0x77073096U);
     EXPECT_EQ(table[255], 0x2D02EF8DU);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([table] {
             EXPECT_EQ(CRC32::getPolyTable(usual), table);

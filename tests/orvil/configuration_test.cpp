@@ -181,6 +181,7 @@ TEST(AConfiguration, CopiesAndFreesADeepTree) {
 TEST(AConfiguration, IsSafeForManyThreads) {
     Configuration store;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&store, i] {
             const std::string own = "t" + std::to_string(i) + ".v";
@@ -202,6 +203,7 @@ TEST(AConfiguration, IsNeverCopied) {
     const char* message = "^source/externals/orvil/source/misc/configuration/configuration:[0-9]+: "
                           "failed assertion `false'\n$";
     Configuration store;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tried
     EXPECT_EXIT(const Configuration copy(store), testing::KilledBySignal(SIGABRT), message);
     Configuration other;
     EXPECT_EXIT(other = store, testing::KilledBySignal(SIGABRT), message);

@@ -68,7 +68,7 @@ protected:
     }
     void TearDown() override { std::filesystem::remove_all(folder); }
     std::string file(const std::string& name, const std::string& content) const {
-        const std::string path = (folder / name).string();
+        std::string path = (folder / name).string();
         std::ofstream(path) << content;
         return path;
     }

@@ -101,9 +101,11 @@ TEST(ASharedObject, IsCountedExactlyByManyThreads) {
     {
         const SmartPointer<Shared> kept(new Shared(log));
         std::vector<std::thread> threads;
+        threads.reserve(4);
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([pointer = kept] {
                 for (int round = 0; round < 20000; ++round) {
+                    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): to be counted
                     const SmartPointer<Shared> copy(pointer);
                 }
             });

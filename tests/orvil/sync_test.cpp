@@ -81,6 +81,7 @@ TEST(AMutex, KeepsOthersOutOfAScope) {
     Mutex mutex(false);
     int counter = 0;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 10000; ++round) {
@@ -130,6 +131,7 @@ TEST(AnEvent, WakesThoseWhoWait) {
     SynchEvent one(true);
     std::atomic<int> woken = 0;
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back([&] {
             EXPECT_TRUE(go.wait());
@@ -150,6 +152,7 @@ TEST(AnEvent, LetsEveryWaiterOutWhenItDies) {
     for (const bool autoReset : {true, false}) {
         auto event = std::make_unique<SynchEvent>(autoReset);
         std::vector<std::thread> threads;
+        threads.reserve(3);
         for (int i = 0; i < 3; ++i) {
             std::atomic<pid_t> id = 0;
             threads.emplace_back([&id, waitedFor = event.get()] {

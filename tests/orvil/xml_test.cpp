@@ -37,7 +37,7 @@ protected:
     void TearDown() override { std::filesystem::remove_all(folder); }
 
     std::string file(const std::string& name, const std::string& content) const {
-        const std::string path = (folder / name).string();
+        std::string path = (folder / name).string();
         std::ofstream(path) << content;
         return path;
     }
@@ -63,7 +63,7 @@ protected:
         return message;
     }
     std::string parseFailure(const std::string& text) {
-        const std::string message = failureOf([&] { document->parseString(text); });
+        std::string message = failureOf([&] { document->parseString(text); });
         EXPECT_EQ(document->getRootNode(), nullptr);
         return message;
     }
@@ -80,6 +80,7 @@ protected:
 
 std::vector<std::string> namesOf(const std::vector<IXmlNode*>& nodes) {
     std::vector<std::string> names;
+    names.reserve(nodes.size());
     for (const IXmlNode* node : nodes) {
         names.push_back(node->getName());
     }
