@@ -22,25 +22,30 @@ FolderWatch::FolderWatch(const Places& places)
     : own_(places.own()), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       ownWatch_(inotify_ ? inotify_add_watch(inotify_.get(), own_.c_str(), IN_MOVED_TO) : -1) {}
 
-std::size_t FolderWatch::watch(const std::vector<std::string>& folders) {
+FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders) {
     std::map<std::string, int> wanted;
-    std::size_t missed = 0;
+    Result result;
     for (const std::string& folder : folders) {
         // Adding a folder that is watched already gives its watch again.
         const int id =
             inotify_ ? inotify_add_watch(inotify_.get(), folder.c_str(), heardEvents) : -1;
         if (id < 0) {
-            ++missed;
+            ++result.missed;
             continue;
         }
         wanted.emplace(folder, id);
-        watches_.erase(folder);
+        const auto known = watches_.find(folder);
+        if (known == watches_.end() || known->second != id) {
+            ++result.added; // new, or another folder of the same name
+        } else {
+            watches_.erase(known);
+        }
     }
     for (const auto& [folder, id] : watches_) {
         inotify_rm_watch(inotify_.get(), id);
     }
     watches_ = std::move(wanted);
-    return missed;
+    return result;
 }
 
 bool FolderWatch::drain() {

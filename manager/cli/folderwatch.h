@@ -19,9 +19,12 @@ public:
 
     /// Readable when something changed; -1 without inotify.
     [[nodiscard]] int descriptor() const { return inotify_.get(); }
-    /// Watches exactly these folders and the list of recorded folders. Returns how many could not
-    /// be watched (the system allows only so many).
-    std::size_t watch(const std::vector<std::string>& folders);
+    struct Result {
+        std::size_t added = 0;  ///< watched from now on: what happened there before was not heard
+        std::size_t missed = 0; ///< that cannot be watched (the system allows only so many)
+    };
+    /// Watches exactly these folders and the list of recorded folders.
+    Result watch(const std::vector<std::string>& folders);
     /// Takes what was heard; whether a scan is called for.
     bool drain();
 

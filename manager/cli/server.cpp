@@ -93,18 +93,20 @@ void Server::tellOthers() {
     std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
 }
 
-void Server::watchFolders(FolderWatch& watch) {
+bool Server::watchFolders(FolderWatch& watch) {
     try {
         if (library_) {
-            const std::size_t missed = watch.watch(library_->directories());
+            const auto [added, missed] = watch.watch(library_->directories());
             if (missed != 0) {
                 warn(counted(static_cast<std::int64_t>(missed), "folder") +
                      " cannot be watched; run \"glyphora scan\" after changes there");
             }
+            return added != 0;
         }
     } catch (const Error& error) {
         warn(error.what());
     }
+    return false;
 }
 
 } // namespace manager

@@ -31,8 +31,8 @@ public:
         scanNeeded_ = false;
         return needed;
     }
-    /// Watches the folders that the index knows by now.
-    void watchFolders(FolderWatch& watch);
+    /// Watches the folders that the index knows by now. Whether there are new ones among them.
+    bool watchFolders(FolderWatch& watch);
 
     [[nodiscard]] Activation& activation() { return activation_; }
 

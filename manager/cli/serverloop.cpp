@@ -219,8 +219,8 @@ public:
         HandlerContext context{&server_};
         const EventHandler commands(FourCharCode("QGLY"), typeWildCard, handleCommand, &context);
         const EventHandler quit(FourCharCode("aevt"), FourCharCode("quit"), handleQuit, &context);
-        scan_.start();
         server_.watchFolders(watch_);
+        scan_.start();
         while (!context.quit) {
             waitForAnything();
             if (PLDispatchPendingEvents() < 0) {
@@ -258,8 +258,9 @@ private:
     }
 
     void look() {
-        if (scan_.hasEnded()) {
-            server_.watchFolders(watch_);
+        // What changed in a new folder between its scan and its watch is found by another scan.
+        if (scan_.hasEnded() && server_.watchFolders(watch_)) {
+            scanTimer_.restart(std::chrono::milliseconds(0));
         }
         if (watch_.drain() || server_.takeScanNeed()) {
             scanTimer_.restart(scanDelay);

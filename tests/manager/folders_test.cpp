@@ -22,7 +22,7 @@ namespace {
 class AFolderList : public testing::Test {
 protected:
     std::string folder(const std::string& name) {
-        const std::string path = sandbox_.library() + "/" + name;
+        std::string path = sandbox_.library() + "/" + name;
         std::filesystem::create_directories(path);
         return path;
     }

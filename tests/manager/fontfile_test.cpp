@@ -11,7 +11,6 @@
 
 using namespace manager;
 using namespace managertest;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;

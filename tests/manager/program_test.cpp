@@ -59,6 +59,7 @@ public:
         std::vector<std::string> all = {"glyphora"};
         all.insert(all.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
+        pointers.reserve(all.size() + 1);
         for (std::string& argument : all) {
             pointers.push_back(argument.data());
         }

@@ -54,8 +54,7 @@ TEST(AReply, CarriesValuesExactlyThroughTheFolding) {
                               "  blanks  ",
                               "\xE6\xB8\xAF\xE5\x8F\xA3",
                               "\xF0\x9F\x98\x80",
-                              "\xEF\xBB\xBF"
-                              "bom",
+                              "\xEF\xBB\xBF bom",
                               "\xC2\x85\xE2\x80\xA8"}) {
         EXPECT_EQ(roundTrip(value), value);
     }

@@ -51,7 +51,7 @@ Sandbox::~Sandbox() {
 }
 
 std::string Sandbox::write(const std::string& relativePath, std::string_view bytes) const {
-    const std::string path = library() + "/" + relativePath;
+    std::string path = library() + "/" + relativePath;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     writeBytes(path, bytes);
     return path;
