@@ -5,16 +5,15 @@
 
 #include "suitepointers.h"
 
-#include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace ATE {
 
 /// A suite call's non-zero result.
-class Exception : public std::exception {
+class Exception : public std::runtime_error {
 public:
-    explicit Exception(ATEErr errorCode) noexcept : error(errorCode) {}
-    const char* what() const noexcept override { return "the text engine reported an error"; }
+    explicit Exception(ATEErr errorCode);
 
     ATEErr error;
 };

@@ -2,6 +2,8 @@
 // The calls behind the text-engine classes.
 #include "ate/itext.h"
 
+#include <string>
+
 namespace ATE {
 
 namespace {
@@ -14,6 +16,10 @@ Ref result(Call call, Arguments... arguments) {
 }
 
 } // namespace
+
+Exception::Exception(ATEErr errorCode)
+    : std::runtime_error("the text engine reported error " + std::to_string(errorCode)),
+      error(errorCode) {}
 
 void check(ATEErr result) {
     if (result != 0) {

@@ -33,4 +33,4 @@ constexpr SPErr kWrongThreadErr = FourChars("THRD"); ///< called off the main th
 constexpr SPErr kNotRunningErr = FourChars("SHUT");  ///< called after the plug-in's shut-down
 constexpr SPErr kNoSuchFontErr = FourChars("FNT?");
 constexpr SPErr kNoSuchStringErr = FourChars("STR?");
-constexpr SPErr kRefusePurgeErr = FourChars("pFls"); ///< the answer of a purge that did its work
+constexpr SPErr kPurgedErr = FourChars("pFls"); ///< the answer of a purge that did its work

@@ -5,6 +5,7 @@
 #include "misc/exception.h"
 #include "platform/notify.h"
 
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -56,8 +57,8 @@ void Daemon::ReadingThread::poll() {
     }
     try {
         marks_.enqueue(1);
-    } catch (const Orvil::Exception&) {
-        // As many marks wait as the queue can count: one change more is no more news.
+    } catch (const std::exception&) {
+        // More marks wait than the queue can count. The mark is queued, behind those that count.
     }
 }
 

@@ -8,6 +8,8 @@
 #include "VexFontSuite.h"
 #include "suitepointers.h"
 
+#include <utility>
+
 namespace {
 
 constexpr std::int32_t kCannotLaunchText = 3;
@@ -19,16 +21,23 @@ void alert(std::int32_t textIndex) {
     sADMBasic->MessageAlert(GLYLanguageMgr::getLanguageMgr()->getString(textIndex).c_str());
 }
 
-/// Library changes are listened for while this lives. It ends also what start() left half done when
-/// it throws: the code may be unmapped later, and no event may find its way into it then.
+/// Library changes are listened for from its making to end(), or until an exception destroys it.
+/// When start() itself throws, what it has begun stays begun until the next check.
 class ListeningScope {
 public:
-    ListeningScope() = default;
+    ListeningScope() { GLY::NotifiyHandlerFactory::getNotifyHandler(false)->start(); }
     ListeningScope(const ListeningScope&) = delete;
     ListeningScope& operator=(const ListeningScope&) = delete;
-    ~ListeningScope() { GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end(); }
+    ~ListeningScope() { end(); }
 
-    void start() { GLY::NotifiyHandlerFactory::getNotifyHandler(false)->start(); }
+    void end() {
+        if (std::exchange(listening_, false)) {
+            GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end();
+        }
+    }
+
+private:
+    bool listening_ = true;
 };
 
 } // namespace
@@ -57,8 +66,8 @@ AIErr GlyphoraPlugin::checkFonts() {
     }
 
     ListeningScope listening;
-    listening.start();
     // The answer updates the records that the request shares with `fonts`.
     const GLY::GLYFontRequestEvent request = VexFontSuite::requestFonts(fonts);
+    listening.end(); // before the exchanges and the records go
     return result;
 }

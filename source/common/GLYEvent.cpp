@@ -10,6 +10,7 @@
 
 #include <exception>
 #include <unistd.h>
+#include <utility>
 
 namespace GLY {
 

@@ -3,6 +3,7 @@
 // interfaces, and the process-wide handler.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ public:
     virtual ~IGLYChangeNotifier() = default;
 
     /// `text` is the change's command, one XML element. May register and unregister observers.
-    virtual void OnGLYNotify(const std::string& text) = 0;
+    /// The result is 0 and is not looked at.
+    virtual std::int32_t OnGLYNotify(const std::string& text) = 0;
 };
 
 /// Threads: the main thread.
@@ -26,8 +28,9 @@ public:
     virtual void end() = 0;
     /// Called now and then; tells the observers of at most one change that has been seen since.
     virtual void push() = 0;
-    /// Queues an addition or a removal for the next notifiyAll. Observers are not owned: unregister
-    /// before they end. Who registers twice is told twice.
+    /// Queues an addition or a removal for the next notifiyAll. Observers are not owned. Who
+    /// registers twice is told twice; who unregisters before the next round after registering is
+    /// registered all the same, for removals go first.
     virtual void registerNotifer(IGLYChangeNotifier* notifier) = 0;
     virtual void unregisterNotifer(IGLYChangeNotifier* notifier) = 0;
     /// Forgets the active observers at once; what is queued stays queued.

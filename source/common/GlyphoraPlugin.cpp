@@ -50,7 +50,11 @@ GlyphoraPlugin::GlyphoraPlugin(SPPluginRef pluginRef) noexcept : Plugin(pluginRe
 GlyphoraPlugin::GlyphoraPlugin(State&& state, CheckState&& check) noexcept
     : Plugin(std::move(state)), check_(std::move(check)) {}
 
-GlyphoraPlugin::~GlyphoraPlugin() = default;
+GlyphoraPlugin::~GlyphoraPlugin() {
+    if (gPlugin == this) { // a failed start-up leaves it set
+        gPlugin = nullptr;
+    }
+}
 
 AIErr GlyphoraPlugin::StartupPlugin(SPInterfaceMessage* message) {
     if (const AIErr error = Plugin::StartupPlugin(message); error != kNoErr) {

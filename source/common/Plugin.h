@@ -160,7 +160,8 @@ private:
     AIErr dispatchNotifier(const char* selector, AINotifierMessage* message);
 };
 
-/// The plug-in's object between start-up and shut-down, or null.
+/// The plug-in's object from start-up to shut-down or unloading, else null. A reload does not set
+/// it again.
 extern Plugin* gPlugin;
 
 /// Makes the concrete plug-in's object; null without memory. Defined by the concrete plug-in.

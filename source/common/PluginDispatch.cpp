@@ -33,7 +33,7 @@ AIErr doNothing(Plugin& /*plugin*/, void* /*record*/) {
 }
 
 AIErr purge(Plugin& plugin, void* /*record*/) {
-    return plugin.Purge() ? kRefusePurgeErr : kNoErr;
+    return plugin.Purge() ? kPurgedErr : kNoErr;
 }
 
 constexpr std::array routes{

@@ -79,7 +79,11 @@ std::string textOfCode(AIErr error) {
     }
     std::string text;
     for (int shift = 24; shift >= 0; shift -= 8) {
-        text.push_back(static_cast<char>((static_cast<std::uint32_t>(error) >> shift) & 0xFFU));
+        const std::uint32_t byte = (static_cast<std::uint32_t>(error) >> shift) & 0xFFU;
+        if (byte == 0) {
+            break; // a C text ends here
+        }
+        text.push_back(byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '?');
     }
     return text;
 }
@@ -112,6 +116,9 @@ bool Plugin::FilterError(AIErr error) noexcept {
 }
 
 bool Plugin::FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer, std::int32_t length) {
+    if (length <= 0) {
+        return false;
+    }
     // Odd entries hold codes, each before its message; the last message of all is the catch-all.
     std::array<char, kCodeEntrySize> code{};
     std::int32_t index = 1;
@@ -126,9 +133,7 @@ bool Plugin::FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer, std::int3
     if (messageIndex != 0 && readEntry(pluginRef, messageIndex, buffer, length)) {
         return true;
     }
-    if (length > 0) {
-        buffer[0] = '\0';
-    }
+    buffer[0] = '\0';
     return false;
 }
 

@@ -127,7 +127,9 @@ void VexFontSuite::replaceFontWithFont(std::string oldPsName, std::string newNam
             throw std::int32_t{error}; // what callers of this operation expect
         }
         ATE::FontRef newFont = nullptr;
-        ATE::check(sAIFont->FontFromFontKey(newKey, &newFont));
+        if (const AIErr error = sAIFont->FontFromFontKey(newKey, &newFont); error != kNoErr) {
+            throw std::int32_t{error};
+        }
         const ATE::IFont replacement(newFont);
         const ATE::ICharFeatures features = ATE::ICharFeatures::Create();
         features.SetFont(replacement);

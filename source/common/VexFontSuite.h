@@ -14,7 +14,7 @@
 
 /// Static operations without a state of their own. Only text frames that are direct children of a
 /// layer's top group are seen; text inside nested groups is not. Main thread, suites acquired.
-/// Throws: ATE::Exception where the text engine fails.
+/// Throws: ATE::Exception where the text engine, or the way to it, fails.
 class VexFontSuite {
 public:
     using FontInfos = std::vector<Orvil::SmartPointer<GLY::GLYFontInfo>>;

@@ -4,6 +4,7 @@
 #include "protocolfields.h"
 #include "protocolhandler.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <string_view>

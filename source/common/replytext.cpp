@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 namespace GLY {
@@ -19,7 +20,7 @@ void foldReply(std::string& reply) {
         if (line.size() > closing.size() && line.ends_with(closing)) {
             line.remove_suffix(closing.size());
         }
-        std::copy(line.begin(), line.end(), reply.begin() + static_cast<std::ptrdiff_t>(folded));
+        std::memmove(reply.data() + folded, line.data(), line.size());
         folded += line.size();
         begin = end + 1;
     }

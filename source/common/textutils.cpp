@@ -78,6 +78,7 @@ Color::Color(std::string_view text) {
         numbers = {parseHex<int>(text.substr(1, 2)), parseHex<int>(text.substr(3, 2)),
                    parseHex<int>(text.substr(5, 2))};
     }
+    // 256 is out of range too, though it scales to 1.0.
     if (std::any_of(numbers.begin(), numbers.end(), [](int number) { return number >= 256; })) {
         outOfRange = 1;
         return;

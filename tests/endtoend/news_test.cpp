@@ -18,7 +18,10 @@ namespace {
 
 class Observer : public GLY::IGLYChangeNotifier {
 public:
-    void OnGLYNotify(const std::string& text) override { texts.push_back(text); }
+    std::int32_t OnGLYNotify(const std::string& text) override {
+        texts.push_back(text);
+        return 0;
+    }
 
     std::vector<std::string> texts;
 };

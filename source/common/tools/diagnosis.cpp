@@ -47,13 +47,11 @@ void onError(void* context, xmlErrorPtr error) {
     diagnosis.complaints.push_back(std::move(complaint));
 }
 
+/// Of the node that the reader has come to.
 bool declaresEntities(xmlTextReader* reader) {
-    if (xmlTextReaderNodeType(reader) != XML_READER_TYPE_DOCUMENT_TYPE) {
-        return false;
-    }
-    const xmlDoc* const document = xmlTextReaderCurrentDoc(reader);
-    return document != nullptr && document->intSubset != nullptr &&
-           document->intSubset->entities != nullptr;
+    const xmlNode* const node = xmlTextReaderCurrentNode(reader);
+    return node != nullptr && node->type == XML_DTD_NODE &&
+           reinterpret_cast<const xmlDtd*>(node)->entities != nullptr;
 }
 
 /// What comes up while the whole document is read, with or without a schema.

@@ -4,8 +4,8 @@
 
 #include "protocolhandler.h"
 
+#include <algorithm>
 #include <initializer_list>
-#include <map>
 #include <stdexcept>
 #include <string_view>
 

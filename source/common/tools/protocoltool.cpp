@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>

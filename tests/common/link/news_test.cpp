@@ -23,12 +23,13 @@ constexpr AEEventClass newsClass = FourCharCode("FILC");
 class Observer : public IGLYChangeNotifier {
 public:
     Observer(std::string name, Texts& told) : name_(std::move(name)), told_(told) {}
-    void OnGLYNotify(const std::string& text) override {
+    std::int32_t OnGLYNotify(const std::string& text) override {
         EXPECT_EQ(text, changed);
         told_.push_back(name_);
         if (reaction) {
             reaction();
         }
+        return 0;
     }
     std::function<void()> reaction;
 
