@@ -60,7 +60,7 @@ build() {
     shift
     log="$root/build/$preset.log"
     mkdir -p "$root/build"
-    if [ ! -f "$folder/build.ninja" ]; then
+    if [ ! -f "$folder/build.ninja" ] || [ "$root/CMakePresets.json" -nt "$folder/build.ninja" ]; then
         say "configuring $preset"
         (cd "$root" && cmake --preset "$preset") >"$log" 2>&1 || {
             rm -f "$folder/build.ninja"
@@ -72,7 +72,7 @@ build() {
         say "building $preset"
     fi
     cmake --build "$folder" -- "$@" >"$log" 2>&1 || {
-        grep -E -A12 'error:|FAILED:|undefined reference' "$log" | head -n 60 >&2
+        grep -E -A12 'error:|FAILED:|undefined reference' "$log" | head -n 60 >&2 || true
         fail "building $preset failed; the whole story is in $log"
     }
 }

@@ -24,7 +24,13 @@ $fresh && rm -rf "$sandbox"
 mkdir -p "$sandbox"/{home,config,data,cache,state,debs,installed,library}
 mkdir -p -m 700 "$sandbox/runtime"
 
-fetch() { (cd "$sandbox/debs" && apt-get download "$1" >/dev/null 2>&1); }
+# fetch PACKAGE: downloads it; only a whole one gets its place.
+fetch() {
+    rm -rf "$sandbox/debs/partial"
+    mkdir -p "$sandbox/debs/partial"
+    (cd "$sandbox/debs/partial" && apt-get download "$1" >/dev/null 2>&1) &&
+        mv "$sandbox/debs/partial"/*.deb "$sandbox/debs/"
+}
 
 # place PACKAGE FOLDER PATTERN...: unpacks font files of a Debian package into FOLDER, once.
 place() {
@@ -39,7 +45,10 @@ place() {
         deb=$(find "$sandbox/debs" -name "${package}_*.deb" | head -n 1)
     fi
     unpacked=$(mktemp -d "$sandbox/unpack.XXXXXX")
-    dpkg-deb --extract "$deb" "$unpacked"
+    if ! dpkg-deb --extract "$deb" "$unpacked" 2>/dev/null; then
+        rm -rf "$unpacked" "$deb"
+        fail "the package $package was damaged and is removed; try again"
+    fi
     mkdir -p "$folder"
     local pattern found
     for pattern in "$@"; do
@@ -64,10 +73,15 @@ place fonts-wqy-microhei "$library/asian" '*.ttc'
 mkdir -p "$library/clients/mueller-soehne"
 cp -u "$root"/samples/fonts/*.ttf "$library/clients/mueller-soehne/"
 
-# The sample sees the sandbox's fonts alone; other documents also see the machine's fonts, read only.
+escape() { printf '%s' "$1" | sed 's/&/\&amp;/g; s/</\&lt;/g'; }
+
+# The sample sees the sandbox's fonts alone; other documents also see the machine's and the user's
+# fonts, read only.
 system_fonts=''
 if [ ${#documents[@]} -gt 0 ]; then
-    system_fonts='<dir>/usr/share/fonts</dir><dir>/usr/local/share/fonts</dir>'
+    for folder in /usr/share/fonts /usr/local/share/fonts "${XDG_DATA_HOME:-$HOME/.local/share}/fonts" "$HOME/.fonts"; do
+        system_fonts+="<dir>$(escape "$folder")</dir>"
+    done
 else
     documents=("$root/samples/harbour-festival.svg")
 fi
@@ -75,7 +89,7 @@ cat >"$sandbox/fonts.conf.new" <<CONF
 <?xml version="1.0"?>
 <!DOCTYPE fontconfig SYSTEM "fonts.dtd">
 <fontconfig>
-  <dir>$sandbox/installed</dir>
+  <dir>$(escape "$sandbox")/installed</dir>
   <dir prefix="xdg">fonts</dir>
   $system_fonts
   <cachedir prefix="xdg">fontconfig</cachedir>
