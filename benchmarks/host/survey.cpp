@@ -56,7 +56,7 @@ struct Stage {
     {                                                                                              \
         const void* table = nullptr;                                                               \
         sSPBasic->AcquireSuite(name, version, &table);                                             \
-        pointer = static_cast<const type*>(table);                                                 \
+        (pointer) = static_cast<const type*>(table);                                               \
     }
         GLYPHORA_BASIC_SUITES(ACQUIRE)
         GLYPHORA_IMPORT_SUITES(ACQUIRE)

@@ -17,7 +17,6 @@
 namespace host::svg {
 namespace {
 
-using css::indexOf;
 using css::Property;
 
 constexpr std::array<Property, css::facePropertyCount> faceProperties{

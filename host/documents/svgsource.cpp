@@ -44,7 +44,9 @@ std::string inflateAll(std::string_view bytes, std::string_view name, std::size_
     std::string text;
     std::size_t used = 0;
     while (true) {
-        text.resize(std::max(std::min(used * 2, limit + 1), used + chunkSize));
+        if (text.size() - used < chunkSize) {
+            text.resize(std::max(std::min(used * 2, limit + 1), used + chunkSize));
+        }
         stream.next_out = bytesOf(text.data() + used);
         stream.avail_out = static_cast<uInt>(text.size() - used);
         const int status = inflate(&stream, Z_NO_FLUSH);
@@ -63,8 +65,6 @@ std::string inflateAll(std::string_view bytes, std::string_view name, std::size_
                 break;
             }
             inflateReset(&stream);
-        } else if (status == Z_BUF_ERROR && stream.avail_out != 0) {
-            throw DocumentError(name, "the gzip data end too early");
         } else if (status != Z_OK && status != Z_BUF_ERROR) {
             throw DocumentError(name, "the gzip data are damaged");
         } else if (stream.avail_in == 0 && stream.avail_out != 0) {

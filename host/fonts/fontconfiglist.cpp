@@ -171,9 +171,10 @@ std::string foldName(std::string_view name) {
 }
 
 std::vector<InstalledFace> listInstalledFaces() {
-    // Fontconfig's own check for changes works in whole seconds and misses some of them for good.
-    FcInitReinitialize();
-    const Handle<FcConfig> config(FcConfigReference(nullptr));
+    // A configuration loaded afresh sees every change; fontconfig's own check works in whole
+    // seconds and misses some for good. It is not made the process's current one, so that fonts
+    // which a toolkit added to that stay.
+    const Handle<FcConfig> config(FcInitLoadConfigAndFonts());
     const Handle<FcPattern> scalable(FcPatternCreate());
     const Handle<FcObjectSet> objects(FcObjectSetBuild(
         FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_FULLNAME, FC_POSTSCRIPT_NAME,

@@ -55,6 +55,7 @@ protected:
         const std::string errors = folder / "stderr";
         arguments.insert(arguments.begin(), HOST_PROGRAM);
         std::vector<char*> raw;
+        raw.reserve(arguments.size() + 1);
         for (std::string& argument : arguments) {
             raw.push_back(argument.data());
         }

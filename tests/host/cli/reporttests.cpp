@@ -10,9 +10,6 @@
 namespace host::test {
 namespace {
 
-using testing::HasSubstr;
-using testing::Not;
-
 FaceOutcome outcome(std::string family, FaceState before, FaceState after) {
     FaceOutcome face;
     face.family = std::move(family);

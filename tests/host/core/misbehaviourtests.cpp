@@ -9,7 +9,6 @@ namespace host::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct Fault {
     const char* what;

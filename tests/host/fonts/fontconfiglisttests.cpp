@@ -53,7 +53,6 @@ protected:
     }
     void TearDown() override {
         ::unsetenv("FONTCONFIG_FILE");
-        FcInitReinitialize();
         std::filesystem::remove_all(folder_);
     }
     /// As a font manager does it: staged elsewhere, then renamed into place.

@@ -80,7 +80,7 @@ protected:
     {                                                                                              \
         const void* table = nullptr;                                                               \
         sSPBasic->AcquireSuite(name, version, &table);                                             \
-        pointer = static_cast<const type*>(table);                                                 \
+        (pointer) = static_cast<const type*>(table);                                               \
     }
         GLYPHORA_BASIC_SUITES(GLYPHORA_ACQUIRE)
         GLYPHORA_IMPORT_SUITES(GLYPHORA_ACQUIRE)

@@ -5,9 +5,6 @@
 namespace host::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class ADocumentsArt : public ApplicationFixture {
 protected:
     static std::int16_t typeOf(AIArtHandle art) {

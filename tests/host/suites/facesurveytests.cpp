@@ -19,6 +19,7 @@ protected:
 
     static std::vector<Line> linesOf(const std::vector<FaceOutcome>& faces) {
         std::vector<Line> lines;
+        lines.reserve(faces.size());
         for (const FaceOutcome& face : faces) {
             lines.emplace_back(face.postScriptName, face.before ? textOf(*face.before) : "-",
                                textOf(face.after), face.runs, face.runsNow);

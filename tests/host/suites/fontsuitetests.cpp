@@ -8,7 +8,6 @@ namespace host::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class TheFontSuite : public ApplicationFixture {
 protected:
@@ -17,7 +16,8 @@ protected:
     static std::string name(NameCall call, AIFontKey key, std::int32_t size = 1000) {
         std::string buffer(static_cast<std::size_t>(size), '#');
         EXPECT_EQ(call(key, buffer.data(), size), kNoErr);
-        return buffer.c_str();
+        buffer.resize(buffer.find('\0'));
+        return buffer;
     }
     static SPErr find(const char* text, AIFontKey* key) {
         return sAIFont->FindFont(text, kAIAnyFontTechnology, kAINoFontScript, kAIMatchAllFontNames,

@@ -38,6 +38,7 @@ protected:
     static std::vector<std::string> namesOf(const ATE::ITextRange& range) {
         const ATE::IArrayFontRef fonts = range.GetCharInspector().GetFont();
         std::vector<std::string> names;
+        names.reserve(static_cast<std::size_t>(fonts.GetSize()));
         for (std::int32_t i = 0; i < fonts.GetSize(); ++i) {
             names.push_back(nameOf(fonts.Item(i)));
         }
