@@ -55,6 +55,11 @@ struct Value {
 class TextTable {
 public:
     TextTable() : texts_(1) {}
+    // A copy's views would be of the other one's keys.
+    TextTable(const TextTable&) = delete;
+    TextTable& operator=(const TextTable&) = delete;
+    TextTable(TextTable&&) = default;
+    TextTable& operator=(TextTable&&) = default;
     std::uint32_t add(std::string_view text);
     std::string_view operator[](std::uint32_t number) const { return texts_[number]; }
 

@@ -2,6 +2,8 @@
 // Makes a face of the values that the cascade gave.
 #include "host/documents/svgdrawing.h"
 
+#include <algorithm>
+
 namespace host::svg {
 namespace {
 
@@ -11,6 +13,14 @@ bool isPostScriptName(std::string_view family) {
     return dash != std::string_view::npos && dash != 0 && dash + 1 < family.size() &&
            family.find(' ') == std::string_view::npos &&
            readStyleWords(family.substr(dash + 1)).complete;
+}
+
+/// A family that is written with escapes may hold line ends, which no font's name does and which
+/// would end a line of whatever tells of it.
+std::string inOneLine(std::string family) {
+    std::replace_if(
+        family.begin(), family.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    return family;
 }
 
 } // namespace
@@ -26,7 +36,7 @@ Face makeFace(const Tree& tree, const Styles& styles, const Style& style) {
         face.family = families.empty() ? "sans-serif" : families.front().name;
         face.origin = FaceOrigin::Generic;
     } else {
-        face.family = families.front().name;
+        face.family = inOneLine(families.front().name);
         const std::string folded = css::foldFamily(face.family);
         if (styles.sheets.embeddedFamilies().contains(folded) ||
             tree.embeddedFamilies.contains(folded)) {

@@ -129,6 +129,7 @@ const Case cases[] = {
      "<text style='font-family:\"M\\FC ller \\26 S\\F6hne\"'>a</text>"
      "<style>.k\\2e x{font-family:K\\000020L}</style><text class='k.x'>b</text>",
      "M\xC3\xBCller &S\xC3\xB6hne/Regular:a|K L/Regular:b"},
+    {"LineEndsInNames", "<text style='font-family:\"Foo\\A Bar\"'>a</text>", "Foo Bar/Regular:a"},
     {"EntitiesInNames", "<text font-family='M&#xFC;ller &amp; S&#246;hne'>a</text>",
      "M\xC3\xBCller & S\xC3\xB6hne/Regular:a"},
     {"CaseOfNamesAndKeywords",
