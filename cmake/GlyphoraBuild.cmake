@@ -16,7 +16,9 @@ endif()
 
 find_program(GLYPHORA_CCACHE ccache)
 if(GLYPHORA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${GLYPHORA_CCACHE}")
+    # One cache serves every clone: paths below the root are taken as relative to it.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+        "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${GLYPHORA_CCACHE}")
 endif()
 
 add_library(glyphora_settings INTERFACE)
