@@ -90,6 +90,8 @@ function(glyphora_test name)
         set(ARG_TIMEOUT 300)
     endif()
     add_executable(${name} ${ARG_SOURCES})
+    # A test's own code gains nothing from optimisation, and compiles in a third of the time without.
+    target_compile_options(${name} PRIVATE -O0)
     target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES}
         GTest::gmock GTest::gtest GTest::gtest_main)
