@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The font check from the host's notification to what is sent to the font manager.
+#include "GLYNotifyHandler.h"
 #include "VexFontSuite.h"
 #include "startedplugin.h"
 #include "tests/support/scriptedplatform/scriptedplatform.h"
@@ -136,6 +137,8 @@ TEST_F(AFontCheck, CannotGoOnWhereItCannotListen) {
     EXPECT_THROW(openDocument(), std::runtime_error);
     EXPECT_EQ(GetCapturedStdout(), "ERROR:token could not be registered\n");
     EXPECT_EQ(platform.sent.size(), 1U);
+    EXPECT_TRUE(platform.hasHandler(kNews, kAnyID)) << "what had begun stays until the next check";
+    GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end();
 }
 
 TEST_F(AFontCheck, PassesOnWhatTheSurveyThrows) {

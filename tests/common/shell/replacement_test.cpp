@@ -56,8 +56,9 @@ TEST_F(AReplacement, ThrowsTheErrorOfTheNewFontAndKeepsWhatIsDone) {
 }
 
 TEST_F(AReplacement, HoldsNothingWhenTheTextEngineFails) {
-    for (const char* call :
-         {"FontFromFontKey", "CreateCharFeatures", "SetFont", "ReplaceOrAddLocalCharFeatures"}) {
+    host.fail("FontFromFontKey", 72, 1);
+    EXPECT_THROW(VexFontSuite::replaceFontWithFont("Old-Regular", "New-Bold"), std::int32_t);
+    for (const char* call : {"CreateCharFeatures", "SetFont", "ReplaceOrAddLocalCharFeatures"}) {
         host.fail(call, 72, 1);
         EXPECT_THROW(VexFontSuite::replaceFontWithFont("Old-Regular", "New-Bold"), ATE::Exception)
             << call;
