@@ -5,6 +5,7 @@
 #include "manager/library/places.h"
 #include "manager/library/stylewords.h"
 
+#include <map>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -184,7 +185,11 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
     }
     report.knownProblems = problemsExcept(library, paths);
 
+    // Fonts are read side by side and come in any order, but are written in the order of their
+    // paths: the same folders get the same container numbers, whatever machine reads them.
+    std::map<std::size_t, FontFileOutcome> early;
     std::vector<std::pair<std::size_t, FontFileOutcome>> portion;
+    std::size_t next = 0;
     Writer writer(library);
     const auto writePortion = [&] {
         Transaction transaction(database);
@@ -202,9 +207,13 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
         }
     };
     readFontFiles(paths, limits, [&](std::size_t position, FontFileOutcome outcome) {
-        portion.emplace_back(position, std::move(outcome));
-        if (portion.size() == portionSize) {
-            writePortion();
+        early.emplace(position, std::move(outcome));
+        while (!early.empty() && early.begin()->first == next) {
+            portion.emplace_back(next++, std::move(early.begin()->second));
+            early.erase(early.begin());
+            if (portion.size() == portionSize) {
+                writePortion();
+            }
         }
     });
     if (!portion.empty()) {

@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace endtoend {
 
@@ -13,6 +16,17 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+
+/// A process that is being torn down may still look alive to others; afterwards its sockets are
+/// closed.
+void killAndWait(pid_t process) {
+    const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+    ASSERT_NE(descriptor, -1);
+    ASSERT_EQ(kill(process, SIGKILL), 0);
+    pollfd watched{descriptor, POLLIN, 0};
+    EXPECT_EQ(poll(&watched, 1, -1), 1);
+    close(descriptor);
+}
 
 /// One family on the desktop, one in the library, one in two containers of it, one with characters
 /// that have a meaning in markup, and one that nobody knows.
@@ -87,7 +101,7 @@ TEST_F(AnOpenedDrawing, LaunchesAManagerThatWasKilled) {
     expectStates(world_.open({world_.draw("first.svg", {"DejaVu Serif"}).string()}), 0,
                  {{"DejaVu Serif", "missing > activated now"}});
     const auto status = nlohmann::json::parse(world_.manager({"status", "--json"}).output);
-    ASSERT_EQ(kill(status.at("server").get<pid_t>(), SIGKILL), 0);
+    killAndWait(status.at("server").get<pid_t>());
     expectStates(world_.open({world_.draw("second.svg", {"Müller &amp; Söhne Grotesk"}).string()}),
                  0, {{"Müller & Söhne Grotesk", "missing > activated now"}});
 }

@@ -113,7 +113,7 @@ void World::stockFile(const fs::path& font, const std::string& subfolder) {
 }
 
 fs::path World::write(const std::string& name, std::string_view text) {
-    const fs::path path = folder() / name;
+    fs::path path = folder() / name;
     std::ofstream file(path, std::ios::binary);
     file << text;
     return path;
@@ -146,6 +146,7 @@ Outcome World::run(const std::vector<std::string>& arguments) const {
         g_subprocess_launcher_setenv(launcher.get(), name.c_str(), value.c_str(), 1);
     }
     std::vector<const char*> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         words.push_back(argument.c_str());
     }
