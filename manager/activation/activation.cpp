@@ -28,16 +28,22 @@ SetRecord recordOf(const ContainerFonts& container) {
     return record;
 }
 
-std::string findInvisible(const SetRecord& record, const std::string& folder) {
-    const std::set<std::string> visible = visibleFontFiles(folder);
+void findInvisible(const SetRecord& record, const std::string& folder,
+                   const std::set<std::string>& visible, ActivationOutcome& outcome) {
     for (const SetFile& file : record.files) {
-        if (!visible.contains(file.name)) {
-            return folder + "/" + file.name +
-                   (visible.empty() ? ": in place, but fontconfig does not look at this folder"
-                                    : ": in place, but fontconfig finds no font in it");
+        const std::string path = folder + "/" + file.name;
+        if (visible.contains(path)) {
+            continue;
+        }
+        outcome.success = false;
+        outcome.invisible.insert(file.name);
+        if (outcome.problem.empty()) {
+            outcome.problem =
+                path + (isFontFolder(folder)
+                            ? ": was in place, but fontconfig shows no font of it"
+                            : ": was in place, but fontconfig does not look at this folder");
         }
     }
-    return {};
 }
 
 } // namespace
@@ -127,7 +133,7 @@ void Activation::putOnDisk(std::span<const SetRecord> records,
             folders_.place(records[i].id);
             outcomes[i].changed = true;
         } catch (const Error& error) {
-            outcomes[i] = {false, false, error.what()};
+            outcomes[i] = {false, false, {}, error.what()};
             folders_.discard(records[i].id);
         }
     }
@@ -150,15 +156,40 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     }
     unsettled_ = true;
     reloadDesktopFonts();
+    const std::set<std::string> visible = visibleFontFiles(folders_.root());
+    bool tookAway = false;
     for (std::size_t i = 0; i < records.size(); ++i) {
-        if (outcomes[i].changed) {
-            const std::string folder = folders_.folder(records[i].id);
-            changedFolders_.push_back(folder);
-            outcomes[i].problem = findInvisible(records[i], folder);
-            outcomes[i].success = outcomes[i].problem.empty();
+        if (!outcomes[i].changed) {
+            continue;
+        }
+        const std::string folder = folders_.folder(records[i].id);
+        changedFolders_.push_back(folder);
+        findInvisible(records[i], folder, visible, outcomes[i]);
+        if (!outcomes[i].success) {
+            takeInvisibleAway(std::move(records[i]), outcomes[i]);
+            tookAway = true;
         }
     }
+    if (tookAway) {
+        reloadDesktopFonts();
+    }
     return outcomes;
+}
+
+void Activation::takeInvisibleAway(SetRecord record, ActivationOutcome& outcome) {
+    std::erase_if(record.files,
+                  [&](const SetFile& file) { return outcome.invisible.contains(file.name); });
+    try {
+        if (record.files.empty()) {
+            bool leftBehind = false;
+            folders_.remove(record.id, &leftBehind);
+            outcome.changed = false;
+        } else {
+            folders_.begin(record);
+        }
+    } catch (const Error& error) {
+        outcome.problem.append("; ").append(error.what());
+    }
 }
 
 std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerId> containers) {

@@ -7,6 +7,7 @@
 #include "manager/activation/setfolder.h"
 
 #include <functional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,7 +24,10 @@ struct ContainerFonts {
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container
     bool changed = false; ///< something on disk was changed for it
-    std::string problem;  ///< "PATH: ..." when it failed, or what was left behind
+    /// Names of files, without their folder, that were put in place and not seen by the desktop.
+    /// They were taken away again, so that nothing counts as active that is not.
+    std::set<std::string> invisible;
+    std::string problem; ///< "PATH: ..." when it failed, or what was left behind
 };
 
 struct ActiveContainer {
@@ -46,8 +50,8 @@ public:
     [[nodiscard]] std::vector<ActiveContainer>
     active(const std::function<void(const std::string&)>& report) const;
 
-    /// Activates a batch, each container in it once, with one reload for all of it. Never throws
-    /// for one container's fault.
+    /// Activates a batch, each container in it once, with one reload for all of it. A file that the
+    /// desktop does not see costs only itself. Never throws for one container's fault.
     std::vector<ActivationOutcome> activate(std::span<const ContainerFonts> containers);
     std::vector<ActivationOutcome> deactivate(std::span<const ContainerId> containers);
 
@@ -65,6 +69,7 @@ private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::vector<ContainerId> setsOnDisk() const;
     void putOnDisk(std::span<const SetRecord> records, std::span<ActivationOutcome> outcomes);
+    void takeInvisibleAway(SetRecord record, ActivationOutcome& outcome);
 
     SetFolders folders_;
     std::vector<std::string> changedFolders_;

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Reload, and what a folder's cache holds.
+// Reload, and what came of it.
 #include "manager/activation/desktopfonts.h"
-
-#include "manager/library/places.h"
 
 #include <fontconfig/fontconfig.h>
 #include <memory>
+#include <string_view>
 
 namespace manager {
 
@@ -14,12 +13,12 @@ namespace {
 struct StringListDeleter {
     void operator()(FcStrList* list) const { FcStrListDone(list); }
 };
-struct CacheDeleter {
-    void operator()(FcCache* cache) const { FcDirCacheUnload(cache); }
-};
-struct FontSetDeleter {
-    void operator()(FcFontSet* set) const { FcFontSetDestroy(set); }
-};
+
+} // namespace
+
+void reloadDesktopFonts() {
+    FcInitReinitialize();
+}
 
 bool isFontFolder(const std::string& folder) {
     const std::unique_ptr<FcStrList, StringListDeleter> folders(FcConfigGetFontDirs(nullptr));
@@ -31,30 +30,19 @@ bool isFontFolder(const std::string& folder) {
     return false;
 }
 
-} // namespace
-
-void reloadDesktopFonts() {
-    FcInitReinitialize();
-}
-
-std::set<std::string> visibleFontFiles(const std::string& folder) {
-    std::set<std::string> names;
-    if (!isFontFolder(folder)) {
-        return names;
-    }
-    const std::unique_ptr<FcCache, CacheDeleter> cache(
-        FcDirCacheRead(reinterpret_cast<const FcChar8*>(folder.c_str()), FcFalse, nullptr));
-    if (!cache) {
-        return names;
-    }
-    const std::unique_ptr<FcFontSet, FontSetDeleter> set(FcCacheCopySet(cache.get()));
-    for (int i = 0; set && i < set->nfont; ++i) {
+std::set<std::string> visibleFontFiles(const std::string& root) {
+    std::set<std::string> paths;
+    const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
+    for (int i = 0; all != nullptr && i < all->nfont; ++i) {
         FcChar8* file = nullptr;
-        if (FcPatternGetString(set->fonts[i], FC_FILE, 0, &file) == FcResultMatch) {
-            names.insert(nameOf(reinterpret_cast<const char*>(file)));
+        if (FcPatternGetString(all->fonts[i], FC_FILE, 0, &file) == FcResultMatch) {
+            const std::string_view path = reinterpret_cast<const char*>(file);
+            if (path.starts_with(root)) {
+                paths.emplace(path);
+            }
         }
     }
-    return names;
+    return paths;
 }
 
 } // namespace manager

@@ -11,8 +11,11 @@ namespace manager {
 /// thereby are what all other programs read. Main thread only.
 void reloadDesktopFonts();
 
-/// The names of the files in `folder` in which fontconfig sees fonts, as of the last reload.
-/// Empty when it does not look at the folder at all.
-std::set<std::string> visibleFontFiles(const std::string& folder);
+/// The paths of the files below `root` whose fonts every program gets, as of the last reload; those
+/// that the desktop's settings reject are not among them.
+std::set<std::string> visibleFontFiles(const std::string& root);
+
+/// Whether fontconfig looks into a folder at all, as of the last reload.
+bool isFontFolder(const std::string& folder);
 
 } // namespace manager

@@ -151,8 +151,9 @@ void SetFolders::place(ContainerId id) {
     }
 }
 
-void SetFolders::discard(ContainerId id) {
-    removeTree(staging(id));
+void SetFolders::discard(ContainerId id) noexcept {
+    std::error_code ignored;
+    std::filesystem::remove_all(staging(id), ignored);
 }
 
 void SetFolders::syncPlaced() const {

@@ -37,8 +37,8 @@ public:
     void syncPrepared(std::span<const ContainerId> sets) const;
     /// Moves a prepared set into place. Throws Error.
     void place(ContainerId id);
-    /// Forgets a prepared set.
-    void discard(ContainerId id);
+    /// Forgets a prepared set. What cannot be removed now goes with the next preparation.
+    void discard(ContainerId id) noexcept;
     /// Syncs what was placed. Throws Error.
     void syncPlaced() const;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Field lines of time (seconds since 1970), kind of deed, text. One write per entry, so that
-// entries of several processes do not mix.
+// Field lines of time (seconds since 1970), kind of deed, text. One write for the
+// entries of one occasion, so that those of several processes do not mix.
 #include "manager/cli/history.h"
 
 #include "manager/library/error.h"
@@ -20,8 +20,8 @@ namespace manager {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> deedNames = {"started", "asked", "done", "failed",
-                                                       "stopped"};
+constexpr std::array<std::string_view, 6> deedNames = {"started",   "asked",  "done",
+                                                       "undecided", "failed", "stopped"};
 constexpr off_t maximumSize = off_t{1} << 20U;
 
 std::string historyPath(const Places& places) {
@@ -50,6 +50,11 @@ std::string lineText(std::int64_t seconds, std::string_view deed, const std::str
 } // namespace
 
 void recordDeed(const Places& places, Deed deed, std::string_view text) {
+    const HistoryEntry entry{deed, std::string(text)};
+    recordDeeds(places, std::span(&entry, 1));
+}
+
+void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
     const std::string path = historyPath(places);
     struct stat status {};
     if (stat(path.c_str(), &status) == 0 && status.st_size > maximumSize) {
@@ -57,9 +62,12 @@ void recordDeed(const Places& places, Deed deed, std::string_view text) {
     }
     const Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    const std::string line = joinFields(
-        {std::to_string(std::time(nullptr)), deedNames[static_cast<std::size_t>(deed)], text});
-    if (file && write(file.get(), line.data(), line.size()) < 0) {
+    const std::string now = std::to_string(std::time(nullptr));
+    std::string lines;
+    for (const auto& [deed, text] : entries) {
+        lines += joinFields({now, deedNames[static_cast<std::size_t>(deed)], text});
+    }
+    if (file && write(file.get(), lines.data(), lines.size()) < 0) {
         return;
     }
 }

@@ -57,21 +57,23 @@ std::string Server::answer(std::string_view command) {
 void Server::note(const Answer& answer) {
     const std::string asked =
         answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
-    recordDeed(places_, Deed::asked, asked);
+    std::vector<HistoryEntry> entries{{Deed::asked, asked}};
     if (verbose_) {
         warn(asked + (answer.target ? ", from process " + std::to_string(answer.target->processId)
                                     : std::string()));
     }
-    for (const std::string& deed : answer.done) {
-        recordDeed(places_, Deed::done, deed);
-        if (verbose_) {
-            warn(deed);
+    const auto take = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
+        for (const std::string& text : texts) {
+            entries.push_back({deed, text});
+            if (aloud) {
+                warn(text);
+            }
         }
-    }
-    for (const std::string& problem : answer.problems) {
-        recordDeed(places_, Deed::failed, problem);
-        warn(problem);
-    }
+    };
+    take(Deed::done, answer.done, verbose_);
+    take(Deed::undecided, answer.undecided, verbose_);
+    take(Deed::failed, answer.problems, true);
+    recordDeeds(places_, entries);
     changed_ = changed_ || answer.changed;
     if (answer.target) {
         std::erase_if(targets_, [&](const ChangeTarget& known) {

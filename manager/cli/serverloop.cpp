@@ -18,6 +18,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/signalfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,10 +52,17 @@ public:
     ScanProcess(const ScanProcess&) = delete;
     ScanProcess& operator=(const ScanProcess&) = delete;
     ~ScanProcess() {
-        if (process_ > 0) {
-            kill(process_, SIGTERM);
-            waitpid(process_, nullptr, 0);
+        if (process_ <= 0) {
+            return;
         }
+        kill(process_, SIGTERM);
+        // It ends at once, unless a file system holds it up; that must not hold the server up.
+        const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, process_, 0)));
+        pollfd ended{process.get(), POLLIN, 0};
+        if (!process || poll(&ended, 1, patienceMilliseconds) != 1) {
+            kill(process_, SIGKILL);
+        }
+        waitpid(process_, nullptr, WNOHANG);
     }
 
     [[nodiscard]] bool isRunning() const { return process_ > 0; }
@@ -94,6 +102,8 @@ public:
     }
 
 private:
+    static constexpr int patienceMilliseconds = 2000;
+
     pid_t process_ = -1;
 };
 

@@ -46,7 +46,7 @@ public:
                 break;
             }
             if (line == "<font>") {
-                readFont();
+                readFontOrPassOver();
                 continue;
             }
             readTopElement(element(line));
@@ -67,9 +67,9 @@ private:
     std::string_view takeLine() {
         ++line_;
         const std::size_t end = rest_.find('\n');
-        const std::string_view line = rest_.substr(0, end);
+        last_ = rest_.substr(0, end);
         rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
-        return line;
+        return last_;
     }
 
     // Throws when the text ends before `expected` came.
@@ -156,6 +156,21 @@ private:
         return nullptr;
     }
 
+    void readFontOrPassOver() {
+        try {
+            readFont();
+        } catch (const MalformedCommand& malformed) {
+            if (rest_.empty()) {
+                throw;
+            }
+            command_.fonts.pop_back();
+            command_.problems.emplace_back(malformed.what());
+            while (last_ != "</font>") {
+                nextLine("</font>");
+            }
+        }
+    }
+
     void readFont() {
         CommandFont& font = command_.fonts.emplace_back();
         bool typed = false;
@@ -192,6 +207,7 @@ private:
     }
 
     std::string_view rest_;
+    std::string_view last_;
     std::size_t line_ = 0;
     Command command_;
 };

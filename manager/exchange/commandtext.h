@@ -34,6 +34,7 @@ struct Command {
     std::optional<std::string> targetClass; ///< four bytes: the class of the events to send back
     std::optional<std::int32_t> targetPid;  ///< the process to send them to
     std::vector<CommandFont> fonts;
+    std::vector<std::string> problems; ///< "command, line N: ..." per font that was passed over
 };
 
 /// "command, line N: what is wrong". Lines count from 1.
@@ -49,7 +50,9 @@ private:
 };
 
 /// Reads a command. Elements that are not known are passed over; of a command whose word is not
-/// known only the word and the frame are looked at. Throws MalformedCommand.
+/// known only the word and the frame are looked at. A font that is malformed (a line feed in the
+/// name of a document's font is enough) is passed over up to its end and costs only itself. Throws
+/// MalformedCommand.
 Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").

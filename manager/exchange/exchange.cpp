@@ -35,7 +35,8 @@ public:
             answer.changed = answer.changed || outcomes_[i].changed;
             if (!outcomes_[i].success) {
                 answer.problems.push_back(outcomes_[i].problem);
-            } else if (outcomes_[i].changed) {
+            }
+            if (outcomes_[i].changed) {
                 answer.done.push_back("activated " + containers_[i].name + " (container " +
                                       toText(containers_[i].id) + ", " + containers_[i].path() +
                                       ")");
@@ -43,13 +44,15 @@ public:
         }
     }
 
-    /// nullopt: the container is not in the batch.
-    [[nodiscard]] std::optional<bool> succeeded(ContainerId id) const {
-        const auto position = positions_.find(static_cast<std::int32_t>(id));
-        if (position == positions_.end()) {
-            return std::nullopt;
-        }
-        return outcomes_[position->second].success;
+    [[nodiscard]] bool holds(ContainerId id) const {
+        return positions_.contains(static_cast<std::int32_t>(id));
+    }
+
+    /// Whether a file of a container in the batch is visible now; every file when no name is given.
+    [[nodiscard]] bool succeeded(ContainerId id, const std::string& fileName) const {
+        const ActivationOutcome& outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
+        const bool partly = outcome.changed && !fileName.empty();
+        return outcome.success || (partly && !outcome.invisible.contains(fileName));
     }
 
 private:
@@ -86,7 +89,9 @@ void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Ca
 void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
                           const std::vector<Candidate>& found, const ActivationBatch& batch) {
     const auto isActive = [&](const Candidate& candidate) {
-        return batch.succeeded(candidate.container.id).value_or(candidate.active);
+        return batch.holds(candidate.container.id)
+                   ? batch.succeeded(candidate.container.id, candidate.face.fileName)
+                   : candidate.active;
     };
     const auto active = std::find_if(found.begin(), found.end(), isActive);
     const auto matching = std::find_if(found.begin(), found.end(),
@@ -116,12 +121,28 @@ void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
     reply.endFont();
 }
 
+/// How a person calls the font.
+std::string calledName(const CommandFont& asked) {
+    if (asked.familyName.value_or("").empty()) {
+        return asked.postScriptName.value_or("");
+    }
+    return *asked.familyName + (asked.styleName ? " " + *asked.styleName : std::string());
+}
+
+/// What an activation request is to activate.
+struct Choice {
+    std::optional<Container> container;
+    std::string fileName; ///< the font's own file there; empty: it is not known, all files count
+};
+
 /// Answers one command.
 class Exchange {
 public:
     Exchange(Library& library, Activation& activation, const Command& command, Answer& answer)
         : library_(library), activation_(activation), finder_(library, activation),
-          command_(command), answer_(answer), reply_(command.word) {}
+          command_(command), answer_(answer), reply_(command.word) {
+        answer_.problems = command.problems;
+    }
 
     std::string run() {
         switch (command_.kind) {
@@ -157,6 +178,12 @@ private:
             showWindow = showWindow || candidates.size() > 1;
             if (candidates.size() == 1 && !candidates.front().active) {
                 batch.add(candidates.front().container);
+            } else if (candidates.empty()) {
+                answer_.undecided.push_back(calledName(font) + ": not in the library");
+            } else if (!candidates.front().active) {
+                answer_.undecided.push_back(calledName(font) + ": in " +
+                                            std::to_string(candidates.size()) +
+                                            " containers, to be chosen from");
             }
         }
         batch.run(library_, activation_, answer_);
@@ -167,13 +194,13 @@ private:
     }
 
     void answerActivationRequest() {
-        std::vector<std::optional<Container>> chosen;
+        std::vector<Choice> chosen;
         chosen.reserve(command_.fonts.size());
         ActivationBatch batch;
         for (const CommandFont& font : command_.fonts) {
-            const auto& container = chosen.emplace_back(choose(font));
-            if (container) {
-                batch.add(*container);
+            const Choice& choice = chosen.emplace_back(choose(font));
+            if (choice.container) {
+                batch.add(*choice.container);
             } else {
                 answer_.problems.push_back("font '" + font.postScriptName.value_or("") +
                                            "', container '" + font.containerId.value_or("") +
@@ -181,30 +208,66 @@ private:
             }
         }
         batch.run(library_, activation_, answer_);
+        const ActivationBatch second = tryOthers(chosen, batch);
         for (std::size_t i = 0; i < chosen.size(); ++i) {
-            const CommandFont& font = command_.fonts[i];
-            reply_.beginFont();
-            if (font.syncId) {
-                reply_.element("syncID", *font.syncId);
-            }
-            reply_.element("psName", font.postScriptName.value_or(""));
-            reply_.element("containerID",
-                           chosen[i] ? toText(chosen[i]->id) : font.containerId.value_or(""));
-            const bool success = chosen[i] && batch.succeeded(chosen[i]->id).value_or(false);
-            reply_.flag("isActive", success);
-            reply_.flag("activationSuccessfull", success);
-            reply_.endFont();
+            writeActivatedFont(command_.fonts[i], chosen[i], batch, second);
         }
     }
 
-    std::optional<Container> choose(const CommandFont& font) {
-        if (const auto id = toContainerId(font.containerId.value_or(""))) {
-            if (auto container = finder_.container(*id)) {
-                return container;
+    // For fonts whose container could not be activated: the best of the others.
+    ActivationBatch tryOthers(std::vector<Choice>& chosen, const ActivationBatch& first) {
+        ActivationBatch second;
+        for (std::size_t i = 0; i < chosen.size(); ++i) {
+            Choice& choice = chosen[i];
+            if (!choice.container || first.succeeded(choice.container->id, choice.fileName)) {
+                continue;
+            }
+            for (const Candidate& candidate : finder_.find(command_.fonts[i])) {
+                if (!first.holds(candidate.container.id)) {
+                    choice = {candidate.container, candidate.face.fileName};
+                    second.add(candidate.container);
+                    break;
+                }
             }
         }
+        second.run(library_, activation_, answer_);
+        return second;
+    }
+
+    void writeActivatedFont(const CommandFont& font, const Choice& choice,
+                            const ActivationBatch& first, const ActivationBatch& second) {
+        bool success = false;
+        if (choice.container) {
+            const ContainerId id = choice.container->id;
+            success = (second.holds(id) ? second : first).succeeded(id, choice.fileName);
+        }
+        reply_.beginFont();
+        if (font.syncId) {
+            reply_.element("syncID", *font.syncId);
+        }
+        reply_.element("psName", font.postScriptName.value_or(""));
+        reply_.element("containerID", choice.container ? toText(choice.container->id)
+                                                       : font.containerId.value_or(""));
+        reply_.flag("isActive", success);
+        reply_.flag("activationSuccessfull", success);
+        reply_.endFont();
+    }
+
+    Choice choose(const CommandFont& font) {
         const auto candidates = finder_.find(font);
-        return candidates.empty() ? std::nullopt : std::optional(candidates.front().container);
+        if (const auto id = toContainerId(font.containerId.value_or(""))) {
+            if (auto container = finder_.container(*id)) {
+                const auto own = std::find_if(
+                    candidates.begin(), candidates.end(),
+                    [&](const Candidate& candidate) { return candidate.container.id == *id; });
+                return {std::move(container),
+                        own == candidates.end() ? std::string() : own->face.fileName};
+            }
+        }
+        if (candidates.empty()) {
+            return {};
+        }
+        return {candidates.front().container, candidates.front().face.fileName};
     }
 
     void answerWithoutActing() {

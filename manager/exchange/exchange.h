@@ -27,6 +27,7 @@ struct Answer {
     std::string word;                   ///< the command's word; empty when it was not read
     std::size_t fonts = 0;              ///< how many fonts the command named
     std::vector<std::string> done;      ///< a line for people per thing done
+    std::vector<std::string> undecided; ///< and per font that nothing could be done for
     std::vector<std::string> problems;  ///< "PLACE: ..." per thing that failed; also in the reply
 };
 
@@ -35,9 +36,9 @@ struct Answer {
 ///
 /// fontRequest: a face in exactly one container is activated; one in several is reported with all
 /// of them and asks for the window; one in none has count 0 and the requested type, or OT_TT when
-/// none was. activationRequest: activates the container named, or else the best one by PostScript
-/// name (CandidateFinder::find tells which is best). showRequest, buyRequest: tell what is held;
-/// nothing is opened or bought.
+/// none was. activationRequest: activates the container named or, when there is none or the font
+/// does not become visible, the best other one by PostScript name (CandidateFinder::find tells
+/// which is best). showRequest, buyRequest: tell what is held; nothing is opened or bought.
 Answer answerCommand(Library& library, Activation& activation, std::string_view command);
 
 /// A reply that says only what went wrong.

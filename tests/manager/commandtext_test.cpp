@@ -8,6 +8,7 @@
 
 using namespace manager;
 using testing::AnyOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -97,14 +98,6 @@ TEST(ACommand, ThatIsMalformedIsRefusedWithTheLineAndTheFault) {
         {head + "<targetPid>99999999999</targetPid>\n</cmd>", "line 2: expected a process id"},
         {head + "<targetClass>FIL</targetClass>\n</cmd>", "line 2: expected four bytes"},
         {head + "</cmd>\nmore\n", "line 3: text after the closing </cmd>"},
-        {head + "<font>\n<psName>x</psName>\n</font>\n</cmd>", "line 4: a font without <syncID>"},
-        {head + "<font>\n<syncID>x</syncID>\n</font>\n</cmd>", "line 4: a font without <psName>"},
-        {head + "<font>\n<syncID>x</syncID>\n<syncID>x</syncID>\n</font>\n</cmd>",
-         "line 4: a second <syncID>"},
-        {head + "<font>\n<type>TT</type>\n<type>TT</type>\n</font>\n</cmd>",
-         "line 4: a second <type>"},
-        {head + "<font>\n<type>tt</type>\n</font>\n</cmd>", "line 3: unknown type"},
-        {head + "<font>\n<font>\n</font>\n</cmd>", "line 3: expected </font>"},
         {head + "<font>\r\n</font>\n</cmd>", "line 2: expected </font>"},
         {std::string("<c\0md>x</cmd>", 13), "line 1: expected an element"},
     };
@@ -115,6 +108,33 @@ TEST(ACommand, ThatIsMalformedIsRefusedWithTheLineAndTheFault) {
         } catch (const MalformedCommand& error) {
             EXPECT_THAT(error.what(), HasSubstr(expected)) << text;
         }
+    }
+}
+
+TEST(ACommand, PassesOverAMalformedFontAndKeepsTheOthers) {
+    const struct {
+        const char* lines;
+        const char* expected;
+    } cases[] = {
+        {"<psName>x</psName>\n", "line 8: a font without <syncID>"},
+        {"<syncID>x</syncID>\n", "line 8: a font without <psName>"},
+        {"<syncID>x</syncID>\n<syncID>x</syncID>\n<psName>x</psName>\n",
+         "line 8: a second <syncID>"},
+        {"<type>TT</type>\n<type>TT</type>\n", "line 8: a second <type>"},
+        {"<type>tt</type>\n", "line 7: unknown type"},
+        {"<font>\n", "line 7: expected </font>"},
+        {"<syncID>1</syncID>\n<psName>two\nlines</psName>\n", "line 8: expected </psName>"},
+    };
+    for (const auto& [lines, expected] : cases) {
+        const Command command = parseCommand(
+            "<cmd>fontRequest</cmd>\n<font>\n<syncID>1</syncID>\n<psName>A</psName>\n"
+            "</font>\n<font>\n" +
+            std::string(lines) +
+            "</font>\n<font>\n<syncID>2</syncID>\n<psName>B</psName>\n</font>\n</cmd>\n");
+        EXPECT_THAT(command.problems, ElementsAre(HasSubstr(expected)));
+        ASSERT_THAT(command.fonts, SizeIs(2)) << expected;
+        EXPECT_EQ(command.fonts[0].postScriptName, "A");
+        EXPECT_EQ(command.fonts[1].postScriptName, "B");
     }
 }
 

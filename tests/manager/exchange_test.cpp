@@ -106,6 +106,7 @@ TEST_F(AnExchange, ReportsAFontOfSeveralContainersAndAsksForTheWindow) {
     EXPECT_EQ(reply.value("type"), "TT");
     EXPECT_EQ(reply.value("typeMatchingContainerID"), idOf("Both"));
     EXPECT_THAT(reply.all("fontInfo"), SizeIs(2));
+    EXPECT_THAT(answer_.undecided, ElementsAre("Both: in 2 containers, to be chosen from"));
     EXPECT_FALSE(answer_.changed);
 
     // The user's choice.
@@ -167,6 +168,33 @@ TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivated) {
     EXPECT_EQ(reply.value("activationSuccessfull"), "0");
     EXPECT_THAT(root.value("error"), HasSubstr("/one/lato.ttf: cannot be read"));
     EXPECT_FALSE(answer_.changed);
+}
+
+TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
+    std::filesystem::remove(sandbox_.library() + "/x/both.ttf");
+    const std::string named = idOf("Both", 0);
+    const std::string other = idOf("Both", 1);
+    const ReplyNode reply =
+        askForOne("activationRequest", font({{"containerID", named}, {"psName", "Both"}}));
+    EXPECT_EQ(reply.value("containerID"), other);
+    EXPECT_EQ(reply.value("activationSuccessfull"), "1");
+    EXPECT_THAT(answer_.problems, ElementsAre(HasSubstr("/x/both.ttf: cannot be read")));
+}
+
+TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {
+    writeBytes(sandbox_.root() + "/fonts.conf",
+               "<?xml version=\"1.0\"?>\n<fontconfig><dir>" + sandbox_.root() +
+                   "/data/fonts</dir><selectfont><rejectfont><glob>*/lato-r.ttf</glob></rejectfont>"
+                   "</selectfont><cachedir>" +
+                   sandbox_.root() + "/cache</cachedir></fontconfig>\n");
+    for (const char* word : {"fontRequest", "activationRequest"}) {
+        const ReplyNode root = ask(word, font({{"syncID", "1"}, {"psName", "Lato-Bold"}}) +
+                                             font({{"syncID", "2"}, {"psName", "Lato-Regular"}}));
+        EXPECT_EQ(root.all("font").at(0)->value("isActive"), "1") << word;
+        EXPECT_EQ(root.all("font").at(1)->value("isActive"), "0") << word;
+        EXPECT_EQ(root.all("font").at(1)->value("activationSuccessfull"), "0") << word;
+        EXPECT_THAT(root.value("error"), HasSubstr("lato-r.ttf: was in place")) << word;
+    }
 }
 
 TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
