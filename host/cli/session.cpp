@@ -20,6 +20,20 @@ ApplicationOptions applicationOptions(const Options& options) {
     return result;
 }
 
+/// Closes a document that a plug-in may have closed already, whatever way its showing ends.
+class CloseAtEnd {
+public:
+    CloseAtEnd(Application& application, DocumentSerial serial)
+        : application_(application), serial_(serial) {}
+    CloseAtEnd(const CloseAtEnd&) = delete;
+    CloseAtEnd& operator=(const CloseAtEnd&) = delete;
+    ~CloseAtEnd() { application_.closeDocument(serial_); }
+
+private:
+    Application& application_;
+    DocumentSerial serial_;
+};
+
 double milliseconds(Session::Clock::duration duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
 }
@@ -120,6 +134,7 @@ DocumentReport Session::openOne(const std::filesystem::path& file) {
 
 void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
     const DocumentSerial serial = document.serial();
+    const CloseAtEnd closing(application_, serial);
     const FaceSurvey survey(document, application_.fonts());
     report.faces = survey.asTaken();
     const Clock::time_point begin = Clock::now();
@@ -137,7 +152,6 @@ void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
     if (options_.save) {
         save(*stillOpen, report);
     }
-    application_.closeDocument(serial);
 }
 
 void Session::save(const OpenDocument& document, DocumentReport& report) {

@@ -58,7 +58,7 @@ std::optional<std::string> sessionAddress() {
     return "unix:path=" + std::string(escaped.get());
 }
 
-std::shared_ptr<BusConnection> openPrivateBus(const std::string& why) {
+std::shared_ptr<BusConnection> openPrivateBus(const std::string& why, std::string& startedAddress) {
     std::string reason;
     const auto address = startPrivateBus(reason);
     auto connection = address ? BusConnection::open(*address, reason) : nullptr;
@@ -67,8 +67,7 @@ std::shared_ptr<BusConnection> openPrivateBus(const std::string& why) {
                          ", and no private bus could be started: " + reason + "\n";
         return nullptr;
     }
-    // Applications that this process launches find the bus as it did itself.
-    setenv("DBUS_SESSION_BUS_ADDRESS", address->c_str(), 1);
+    startedAddress = *address;
     std::cerr << std::string(program_invocation_short_name) + ": " + why +
                      "; started a private one for this process: " + *address + "\n";
     return connection;
@@ -152,18 +151,25 @@ std::shared_ptr<BusConnection> SessionBus::connect(WithoutBus withoutBus) {
     }
     connection_.reset();
     std::string why = "there is no session bus";
-    if (const auto address = sessionAddress()) {
+    const auto address =
+        startedAddress_.empty() ? sessionAddress() : std::optional(startedAddress_);
+    if (address) {
         std::string reason;
         connection_ = BusConnection::open(*address, reason);
         why = "the session bus at " + *address + " cannot be reached (" + reason + ")";
     }
     if (!connection_ && withoutBus == WithoutBus::startOne) {
-        connection_ = openPrivateBus(why);
+        connection_ = openPrivateBus(why, startedAddress_);
     }
     if (connection_) {
         Notifications::instance().restoreMatches(*connection_);
     }
     return connection_;
+}
+
+std::string SessionBus::startedAddress() {
+    const std::scoped_lock lock(mutex_);
+    return startedAddress_;
 }
 
 std::shared_ptr<BusConnection> SessionBus::current() {

@@ -64,10 +64,15 @@ public:
     std::shared_ptr<BusConnection> connect(WithoutBus withoutBus = WithoutBus::fail);
     /// The connection made last, which may have been hung up since; null before the first.
     std::shared_ptr<BusConnection> current();
+    /// Where the private bus is that this process started; empty when it started none. The
+    /// applications that it launches are told, since the environment of a process with threads
+    /// cannot be changed safely.
+    std::string startedAddress();
 
 private:
     std::mutex mutex_;
     std::shared_ptr<BusConnection> connection_;
+    std::string startedAddress_;
 };
 
 } // namespace platform

@@ -3,6 +3,7 @@
 //
 // GIO's own launching is not used: it opens the shared connection to the session bus, which ends
 // the whole process when the bus dies.
+#include "busconnection.h"
 #include "desktopentry.h"
 
 #include "platform/processes.h"
@@ -45,9 +46,15 @@ OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
     // end.
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL |
                                                 G_SPAWN_STDERR_TO_DEV_NULL);
+    platform::TextListHandle environment(g_get_environ());
+    const std::string bus = platform::SessionBus::instance().startedAddress();
+    if (!bus.empty()) {
+        environment.reset(
+            g_environ_setenv(environment.release(), "DBUS_SESSION_BUS_ADDRESS", bus.c_str(), TRUE));
+    }
     platform::ErrorSlot error;
-    if (g_spawn_async(workingFolder, arguments.data(), nullptr, flags, leaveSession, nullptr,
-                      nullptr, error.out()) != 0) {
+    if (g_spawn_async(workingFolder, arguments.data(), environment.get(), flags, leaveSession,
+                      nullptr, nullptr, error.out()) != 0) {
         return noErr;
     }
     return error.is(G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT) ? OSErr{fnfErr} : OSErr{memFullErr};

@@ -11,7 +11,8 @@ AppContext::AppContext(SPPluginRef pluginRef) noexcept {
 }
 
 AppContext::~AppContext() {
-    // The suites may have been released inside the scope: the context went with them.
+    // The suites may have been released inside the scope; without them nothing can be popped, and
+    // the host takes the context back after the message.
     if (sAIAppContext != nullptr && context_ != nullptr) {
         sAIAppContext->PopAppContext(context_);
     }

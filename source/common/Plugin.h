@@ -161,7 +161,7 @@ private:
 };
 
 /// The plug-in's object from start-up to shut-down or unloading, else null. A reload does not set
-/// it again.
+/// it again: texts, which are looked up through it, are empty from then on.
 extern Plugin* gPlugin;
 
 /// Makes the concrete plug-in's object; null without memory. Defined by the concrete plug-in.

@@ -17,12 +17,12 @@ enum : OSErr {
 
 /// Makes this process known on the session bus under `signature` and its process id, so that others
 /// find it and send it events. Starts a private bus when the session has none, says so on standard
-/// error, names it in DBUS_SESSION_BUS_ADDRESS for the applications that this one launches, and
+/// error, names it in DBUS_SESSION_BUS_ADDRESS to the applications that this one launches, and
 /// ends it with this process, also when this process is killed. Returns noErr;
 /// kPLAlreadyRunningErr; connectionInvalid: no bus could be had; paramErr: registered already,
 /// `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the one that
-/// dispatches until another does. Call it before there are other threads that read the environment.
-/// `name` (UTF-8, may be null) is told to others in ProcessInfoRec::processName.
+/// dispatches until another does. `name` (UTF-8, may be null) is told to others in
+/// ProcessInfoRec::processName.
 OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const char* name);
 
 /// Gives the signature back; senders of waiting events get an error, and answers already given have
