@@ -140,6 +140,15 @@ void Activation::putOnDisk(std::span<const SetRecord> records,
     folders_.syncPlaced();
 }
 
+std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {
+    try {
+        const auto record = readSetRecord(folders_.folder(id));
+        return record ? record->files : std::vector<SetFile>();
+    } catch (const Error&) {
+        return {}; // told when something is done with the set
+    }
+}
+
 std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFonts> containers) {
     std::vector<ActivationOutcome> outcomes(containers.size());
     if (containers.empty()) {
@@ -148,6 +157,9 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     const FileLock held = lock();
     std::vector<SetRecord> records(containers.size());
     std::transform(containers.begin(), containers.end(), records.begin(), recordOf);
+    std::vector<std::vector<SetFile>> before(containers.size());
+    std::transform(records.begin(), records.end(), before.begin(),
+                   [this](const SetRecord& record) { return filesInPlace(record.id); });
     putOnDisk(records, outcomes);
 
     const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
@@ -166,7 +178,8 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
         changedFolders_.push_back(folder);
         findInvisible(records[i], folder, visible, outcomes[i]);
         if (!outcomes[i].success) {
-            takeInvisibleAway(std::move(records[i]), outcomes[i]);
+            takeInvisibleAway(records[i], outcomes[i]);
+            outcomes[i].changed = filesInPlace(records[i].id) != before[i];
             tookAway = true;
         }
     }
@@ -183,7 +196,6 @@ void Activation::takeInvisibleAway(SetRecord record, ActivationOutcome& outcome)
         if (record.files.empty()) {
             bool leftBehind = false;
             folders_.remove(record.id, &leftBehind);
-            outcome.changed = false;
         } else {
             folders_.begin(record);
         }

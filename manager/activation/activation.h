@@ -23,7 +23,7 @@ struct ContainerFonts {
 
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container
-    bool changed = false; ///< something on disk was changed for it
+    bool changed = false; ///< the files that lie there for it are not those of before
     /// Names of files, without their folder, that were put in place and not seen by the desktop.
     /// They were taken away again, so that nothing counts as active that is not.
     std::set<std::string> invisible;
@@ -69,6 +69,7 @@ private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::vector<ContainerId> setsOnDisk() const;
     void putOnDisk(std::span<const SetRecord> records, std::span<ActivationOutcome> outcomes);
+    [[nodiscard]] std::vector<SetFile> filesInPlace(ContainerId id) const;
     void takeInvisibleAway(SetRecord record, ActivationOutcome& outcome);
 
     SetFolders folders_;

@@ -51,7 +51,7 @@ public:
     /// Whether a file of a container in the batch is visible now; every file when no name is given.
     [[nodiscard]] bool succeeded(ContainerId id, const std::string& fileName) const {
         const ActivationOutcome& outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
-        const bool partly = outcome.changed && !fileName.empty();
+        const bool partly = !outcome.invisible.empty() && !fileName.empty();
         return outcome.success || (partly && !outcome.invisible.contains(fileName));
     }
 
@@ -61,25 +61,28 @@ private:
     std::vector<ActivationOutcome> outcomes_;
 };
 
-// A font that nobody holds still needs a type in the reply; most fonts are of this one.
-constexpr FontType typeOfUnknownFonts = FontType::openTypeTrueType;
+const std::string noName;
 
 void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Candidate>& found) {
     if (asked.syncId) {
         reply.element("syncID", *asked.syncId);
     }
-    const FontType type =
-        found.empty() ? asked.type.value_or(typeOfUnknownFonts) : found.front().face.type;
-    reply.element("type", typeKeyword(type));
+    // Of a font that nobody holds the type is not known, unless the command told it.
+    const std::optional<FontType> type =
+        found.empty() ? asked.type : std::optional(found.front().face.type);
+    if (type) {
+        reply.element("type", typeKeyword(*type));
+    }
     if (found.empty()) {
         reply.element("psName", asked.postScriptName.value_or(""));
         reply.element("styleName", asked.styleName.value_or(""));
         reply.element("familyName", asked.familyName.value_or(""));
     } else {
         const FaceMatch& face = found.front().face;
-        // A face without a PostScript name keeps the one that it was asked for by.
-        reply.element("psName", face.postScriptName.empty() ? asked.postScriptName.value_or("")
-                                                            : face.postScriptName);
+        // The name that the font was asked for by: the asker finds it in the document by this one,
+        // also when the library calls it otherwise.
+        const std::string& askedName = asked.postScriptName ? *asked.postScriptName : noName;
+        reply.element("psName", askedName.empty() ? face.postScriptName : askedName);
         reply.element("styleName", face.styleName);
         reply.element("familyName", face.familyName);
     }
@@ -119,6 +122,17 @@ void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
         reply.fontInfo(toText(candidate.container.id), CandidateFinder::describe(candidate));
     }
     reply.endFont();
+}
+
+/// Puts the candidate of the container that the command names first.
+void preferNamed(std::vector<Candidate>& found, const CommandFont& asked) {
+    const auto id = toContainerId(asked.containerId.value_or(""));
+    const auto named = std::find_if(found.begin(), found.end(), [&](const Candidate& candidate) {
+        return id == candidate.container.id;
+    });
+    if (named != found.end()) {
+        std::rotate(found.begin(), named, named + 1);
+    }
 }
 
 /// How a person calls the font.
@@ -223,11 +237,15 @@ private:
                 continue;
             }
             for (const Candidate& candidate : finder_.find(command_.fonts[i])) {
-                if (!first.holds(candidate.container.id)) {
-                    choice = {candidate.container, candidate.face.fileName};
-                    second.add(candidate.container);
-                    break;
+                const bool tried = first.holds(candidate.container.id);
+                if (tried && !first.succeeded(candidate.container.id, candidate.face.fileName)) {
+                    continue;
                 }
+                choice = {candidate.container, candidate.face.fileName};
+                if (!tried) {
+                    second.add(candidate.container);
+                }
+                break;
             }
         }
         second.run(library_, activation_, answer_);
@@ -273,7 +291,8 @@ private:
     void answerWithoutActing() {
         reply_.flag("showWindow", false);
         for (const CommandFont& font : command_.fonts) {
-            const auto candidates = finder_.find(font);
+            auto candidates = finder_.find(font);
+            preferNamed(candidates, font);
             reply_.beginFont();
             writeNames(reply_, font, candidates);
             if (!candidates.empty()) {

@@ -35,10 +35,11 @@ struct Answer {
 /// be read (see failureReply).
 ///
 /// fontRequest: a face in exactly one container is activated; one in several is reported with all
-/// of them and asks for the window; one in none has count 0 and the requested type, or OT_TT when
-/// none was. activationRequest: activates the container named or, when there is none or the font
-/// does not become visible, the best other one by PostScript name (CandidateFinder::find tells
-/// which is best). showRequest, buyRequest: tell what is held; nothing is opened or bought.
+/// of them and asks for the window; one in none has count 0 and the requested type, or none. A
+/// font keeps the PostScript name that it was asked for by. activationRequest: activates the
+/// container named or, when there is none or the font does not become visible, the best other one
+/// by PostScript name (CandidateFinder::find tells which is best). showRequest, buyRequest: tell
+/// what is held; nothing is opened or bought.
 Answer answerCommand(Library& library, Activation& activation, std::string_view command);
 
 /// A reply that says only what went wrong.

@@ -28,7 +28,9 @@ Places Places::fromEnvironment() {
     } else {
         throw Error("XDG_DATA_HOME and HOME: neither names an absolute folder for the library");
     }
-    while (path.size() > 1 && path.back() == '/') {
+    // As fontconfig writes it, so that its paths can be compared with ours.
+    path = std::filesystem::path(path).lexically_normal().string();
+    if (path.size() > 1 && path.back() == '/') {
         path.pop_back();
     }
     return {path};

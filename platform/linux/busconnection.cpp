@@ -128,7 +128,8 @@ bool BusConnection::alive() const {
     }
     // GDBus tells of the end only after its thread has read up to it; the socket tells at once.
     pollfd watched{socket_, POLLRDHUP, 0};
-    return socket_ == -1 || ::poll(&watched, 1, 0) == 0;
+    // A signal that interrupts this tells nothing of the bus.
+    return socket_ == -1 || ::poll(&watched, 1, 0) <= 0;
 }
 
 VariantHandle BusConnection::callBus(const char* method, GVariant* arguments, const char* replyType,

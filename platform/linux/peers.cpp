@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Looking applications up on the bus. Every answer is checked against the process id that the bus
-// itself has from the kernel, so that no process can pass for another.
+// Looking applications up on the bus. A name with a process id is checked against the id that the
+// bus itself has from the kernel, so that nobody can pass for another process.
 #include "peers.h"
 
 #include "eventinbox.h"

@@ -127,18 +127,21 @@ TEST_F(AnExchange, FindsByFamilyAndStyleWhatThePostScriptNameDoesNot) {
         const char* style;
         const char* found;
     } cases[] = {
-        {"Lato-Bold", "Both", "Regular", "Lato-Bold"},
-        {"LatoBold", "lato", "BOLD", "Lato-Bold"},
-        {"Unknown", "M\xC3\x9CLLER & S\xC3\x96HNE <co>", "Regular", "Mueller"},
-        {"", "Lato", "", "Lato-Regular"},
-        {"Unknown", "", "", "Unknown"},
+        {"Lato-Bold", "Both", "Regular", "Lato Bold"},
+        {"LatoBold", "lato", "BOLD", "Lato Bold"},
+        {"Unknown", "M\xC3\x9CLLER & S\xC3\x96HNE <co>", "Regular",
+         "M\xC3\xBCller & S\xC3\xB6hne <Co> Regular"},
+        {"", "Lato", "", "Lato Regular"},
+        {"Unknown", "", "", " "},
     };
     for (const auto& [psName, family, style, found] : cases) {
         const ReplyNode reply = askForOne("fontRequest", font({{"syncID", "1"},
                                                                {"psName", psName},
                                                                {"familyName", family},
                                                                {"styleName", style}}));
-        EXPECT_EQ(reply.value("psName"), found);
+        EXPECT_EQ(reply.value("familyName") + " " + reply.value("styleName"), found);
+        // By this name the asker finds the font in its document again.
+        EXPECT_EQ(reply.value("psName"), *psName != '\0' ? psName : "Lato-Regular");
     }
 }
 
@@ -152,7 +155,7 @@ TEST_F(AnExchange, SaysThatNobodyHoldsAFont) {
     EXPECT_EQ(fonts[0]->value("count"), "0");
     EXPECT_EQ(fonts[0]->value("type"), "T1");
     EXPECT_EQ(fonts[0]->value("psName"), "No & <None>");
-    EXPECT_EQ(fonts[1]->value("type"), "OT_TT");
+    EXPECT_EQ(fonts[1]->value("type"), "(none)");
     EXPECT_EQ(fonts[1]->value("familyName"), "F");
     EXPECT_EQ(fonts[1]->value("isActive"), "0");
     EXPECT_THAT(fonts[1]->all("fontInfo"), IsEmpty());
@@ -174,11 +177,18 @@ TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
     std::filesystem::remove(sandbox_.library() + "/x/both.ttf");
     const std::string named = idOf("Both", 0);
     const std::string other = idOf("Both", 1);
-    const ReplyNode reply =
-        askForOne("activationRequest", font({{"containerID", named}, {"psName", "Both"}}));
-    EXPECT_EQ(reply.value("containerID"), other);
-    EXPECT_EQ(reply.value("activationSuccessfull"), "1");
-    EXPECT_THAT(answer_.problems, ElementsAre(HasSubstr("/x/both.ttf: cannot be read")));
+    const std::string failing = font({{"containerID", named}, {"psName", "Both"}});
+    // Also when the other one is activated by the same command.
+    for (const std::string& more :
+         {std::string(), font({{"containerID", other}, {"psName", "Both"}})}) {
+        const ReplyNode root = ask("activationRequest", failing + more);
+        for (const ReplyNode* reply : root.all("font")) {
+            EXPECT_EQ(reply->value("containerID"), other);
+            EXPECT_EQ(reply->value("activationSuccessfull"), "1");
+        }
+        EXPECT_THAT(answer_.problems, ElementsAre(HasSubstr("/x/both.ttf: cannot be read")));
+        activation_.deactivate(std::vector{*toContainerId(other)});
+    }
 }
 
 TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {
@@ -230,6 +240,10 @@ TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
         EXPECT_EQ(fonts[0]->value("count"), "2");
         EXPECT_EQ(fonts[0]->value("psName"), "Both");
         EXPECT_EQ(fonts[1]->value("count"), "0");
+        for (const std::string& id : {idOf("Both", 0), idOf("Both", 1)}) {
+            const std::string named = font({{"psName", "Both"}, {"containerID", id}});
+            EXPECT_EQ(askForOne(word, named).value("containerID"), id);
+        }
         EXPECT_EQ(fonts[0]->value("handled"), word == std::string("buyRequest") ? "0" : "(none)");
         EXPECT_FALSE(answer_.changed);
     }

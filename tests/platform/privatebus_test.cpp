@@ -8,6 +8,7 @@
 #include <gio/gio.h>
 #include <gmock/gmock.h>
 
+#include <ostream>
 #include <poll.h>
 
 namespace {
@@ -23,6 +24,10 @@ struct Surroundings {
     std::optional<std::string> busAddress;
     std::string message;
 };
+
+void PrintTo(const Surroundings& surroundings, std::ostream* out) {
+    *out << surroundings.name;
+}
 
 class ASessionWithoutABus : public testing::TestWithParam<Surroundings> {
 protected:

@@ -129,10 +129,11 @@ OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType des
 
 /// Sends an event; it may be sent again afterwards. A signature addresses the holder of its single
 /// instance, else its process with the lowest id; a process id addresses whatever the process is
-/// registered as. No process can pass for another: a name on the bus counts only when the kernel's
-/// id of its owner agrees. `reply` is set to the answer with kAEWaitReply (dispose of it) and to a
-/// null descriptor otherwise; it may be null with kAENoReply. The time-out is in ticks of 1/60 s
-/// and counts for the answer alone. While the call waits, no handler runs in its thread. Results:
+/// registered as. Nobody can pass for another process: a name with a process id counts only when
+/// the kernel's id of its owner agrees. `reply` is set to the answer with kAEWaitReply (dispose of
+/// it) and to a null descriptor otherwise; it may be null with kAENoReply. The time-out is in ticks
+/// of 1/60 s and counts for the answer alone. While the call waits, no handler runs in its thread.
+/// Results:
 /// - noErr, also when the handler failed: its result is in the reply as keyErrorNumber;
 /// - procNotFound: nobody with that address; it is known at once;
 /// - connectionInvalid: the peer vanished or unregistered before it answered, or there is no bus;

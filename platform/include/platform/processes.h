@@ -56,9 +56,10 @@ struct LaunchParamBlockRec {
 };
 
 /// Starts the application whose desktop entry `launchAppSpec` names, by its Exec line and without
-/// files, and returns without waiting for it. It runs in a session of its own, has this process'
-/// environment, standard output and standard error, none of its other descriptors, and is nobody's
-/// to reap. The control flags are not looked at: it never takes the place or the focus of the
-/// caller. paramErr: block not extendedBlock, or no specification; fnfErr: no such entry, or its
-/// program is missing; memFullErr: it could not be started.
+/// files, and returns without waiting for it. It runs in a session of its own with this process'
+/// environment (and the address of a private bus, if this process started one); its standard
+/// streams are /dev/null, it has no other descriptor of this process, and is nobody's to reap. The
+/// control flags are not looked at: it never takes the place or the focus of the caller. paramErr:
+/// block not extendedBlock, or no specification; fnfErr: no such entry, or its program is missing;
+/// memFullErr: it could not be started.
 OSErr LaunchApplication(LaunchParamBlockRec* parameters);
