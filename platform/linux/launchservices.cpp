@@ -62,7 +62,7 @@ bool CFURLGetFSRef(CFURLRef url, FSRef* ref) {
 }
 
 OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t whichInfo, void* catalogInfo, void* name,
-                       FSSpec* specification, FSRef* parent) {
+                       FSSpec* spec, FSRef* parent) {
     if (ref == nullptr || whichInfo != kFSCatInfoNone || catalogInfo != nullptr ||
         name != nullptr || parent != nullptr) {
         return paramErr;
@@ -70,8 +70,8 @@ OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t whichInfo, void* catalogI
     if (access(ref->path, F_OK) != 0) {
         return fnfErr;
     }
-    if (specification != nullptr) {
-        setPath(*specification, ref->path);
+    if (spec != nullptr) {
+        setPath(*spec, ref->path);
     }
     return noErr;
 }

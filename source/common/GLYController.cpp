@@ -96,11 +96,11 @@ OSStatus GLYController::LaunchGlyphora(std::string bundleId) {
         return lookUp;
     }
 
-    FSSpec specification;
+    FSSpec spec;
     if (url && CFURLGetFSRef(url.get(), &application)) {
-        FSGetCatalogInfo(&application, kFSCatInfoNone, nullptr, nullptr, &specification, nullptr);
+        FSGetCatalogInfo(&application, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr);
     }
-    const OSStatus launched = launch(specification);
+    const OSStatus launched = launch(spec);
     if (launched != noErr) {
         return launched;
     }

@@ -56,7 +56,7 @@ OSStatus LSFindApplicationForInfo(OSType creator, CFStringRef bundleID, CFString
 OSStatus FSRefMakePath(const FSRef* ref, unsigned char* path, std::uint32_t maximumSize);
 /// False when the URL is null.
 bool CFURLGetFSRef(CFURLRef url, FSRef* ref);
-/// Of all catalogue information only the file specification is given (`whichInfo` kFSCatInfoNone,
+/// Of all catalogue information only the FSSpec is given (`whichInfo` kFSCatInfoNone,
 /// the other results null). fnfErr: the file does not exist.
 OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t whichInfo, void* catalogInfo, void* name,
-                       FSSpec* specification, FSRef* parent);
+                       FSSpec* spec, FSRef* parent);

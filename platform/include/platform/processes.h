@@ -60,6 +60,6 @@ struct LaunchParamBlockRec {
 /// environment (and the address of a private bus, if this process started one); its standard
 /// streams are /dev/null, it has no other descriptor of this process, and is nobody's to reap. The
 /// control flags are not looked at: it never takes the place or the focus of the caller. paramErr:
-/// block not extendedBlock, or no specification; fnfErr: no such entry, or its program is missing;
+/// block not extendedBlock, or no FSSpec; fnfErr: no such entry, or its program is missing;
 /// memFullErr: it could not be started.
 OSErr LaunchApplication(LaunchParamBlockRec* parameters);
