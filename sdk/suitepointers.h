@@ -121,6 +121,7 @@ struct ArrayComposerEngineSuite;
 /// The basic suite, taken from every message.
 extern const SPBasicSuite* sSPBasic;
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a declaration takes none
 #define GLYPHORA_DECLARE_SUITE(type, pointer, name, version) extern const type* pointer;
 GLYPHORA_BASIC_SUITES(GLYPHORA_DECLARE_SUITE)
 GLYPHORA_IMPORT_SUITES(GLYPHORA_DECLARE_SUITE)
