@@ -9,7 +9,7 @@
 
 namespace {
 
-#define GLYPHORA_SUITE_ROW(type, pointer, name, version) SuiteRow{name, version, &pointer},
+#define GLYPHORA_SUITE_ROW(type, pointer, name, version) SuiteRow{name, version, &(pointer)},
 
 constexpr std::array basicSuites{GLYPHORA_BASIC_SUITES(GLYPHORA_SUITE_ROW)};
 constexpr std::array importSuites{GLYPHORA_IMPORT_SUITES(GLYPHORA_SUITE_ROW)

@@ -86,7 +86,7 @@ TEST_F(AnAwkwardManager, ThatTalksNonsenseChangesNothing) {
         SCOPED_TRACE(name);
         world_.write(name, answer);
         std::filesystem::remove(world_.folder() / "journal");
-        expectGoodEnd(open(script + "answer " + name + "\n"));
+        expectGoodEnd(open(std::string(script).append("answer ").append(name).append("\n")));
         EXPECT_EQ(journal(), "<cmd>showRequest</cmd>\n<cmd>fontRequest</cmd>\n");
         world_.manager({"quit"});
     }

@@ -49,8 +49,8 @@ std::vector<std::string> exportedSymbols(const char* path) {
         if (section.sh_type != SHT_DYNSYM) {
             continue;
         }
-        const auto strings =
-            readAt<ElfW(Shdr)>(file, header.e_shoff + section.sh_link * header.e_shentsize);
+        const auto strings = readAt<ElfW(Shdr)>(
+            file, header.e_shoff + std::size_t{section.sh_link} * header.e_shentsize);
         for (std::size_t at = 0; at < section.sh_size; at += section.sh_entsize) {
             const auto symbol = readAt<ElfW(Sym)>(file, section.sh_offset + at);
             if (symbol.st_shndx != SHN_UNDEF) {

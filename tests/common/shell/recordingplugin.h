@@ -45,10 +45,12 @@ public:
                            message);
     }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types and names take none
 #define RECORD(operation, Message)                                                                 \
     AIErr operation(Message* message) override {                                                   \
         return note(#operation, message);                                                          \
     }
+    // NOLINTEND(bugprone-macro-parentheses)
     RECORD(ShutdownPlugin, SPInterfaceMessage)
     RECORD(UnloadPlugin, SPAccessMessage)
     RECORD(ReloadPlugin, SPAccessMessage)
