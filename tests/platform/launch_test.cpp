@@ -22,7 +22,6 @@ namespace {
 
 using platformtest::TemporaryFolder;
 using platformtest::Variable;
-using testing::Contains;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 

@@ -16,8 +16,6 @@
 namespace {
 
 using platformtest::PeerProcess;
-using testing::ElementsAre;
-using testing::Pair;
 
 class AWalkOverTheProcesses : public testing::Test {
 protected:

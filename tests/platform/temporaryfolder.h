@@ -31,7 +31,7 @@ public:
     std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
     /// Makes the file and the folders above it.
     std::filesystem::path write(const std::string& name, const std::string& text) const {
-        const std::filesystem::path path = path_ / name;
+        std::filesystem::path path = path_ / name;
         std::filesystem::create_directories(path.parent_path());
         std::ofstream(path) << text;
         return path;
