@@ -257,6 +257,17 @@ TEST_F(AnXmlDocument, CanBeLetGoWithoutEverBeingShared) {
     parser.createRootNode("x", "");
 }
 
+TEST_F(AnXmlDocument, MayBeOutlivedByAnAddedNode) {
+    auto holder = std::make_unique<XmlDocumentHolder>();
+    const std::unique_ptr<IXmlNode> added((*holder)->createRootNode("cmd", "")->addChild("a"));
+    const std::unique_ptr<IXmlNode> below(added->addChild("b"));
+    EXPECT_EQ(added->getFirstChild()->getName(), "b");
+    EXPECT_EQ(added->getFirstChild()->getParent(), added.get());
+    EXPECT_NE(added->getFirstChild(), below.get());
+    holder.reset(); // the nodes still hold the parser, and let go of it below
+    EXPECT_EQ(below->getParent(), added.get());
+}
+
 TEST_F(AnXmlDocument, FreesAMillionSiblingsAndADeepTreeWithoutDeepCalls) {
     std::string text = "<a>";
     for (int i = 0; i < 1000000; ++i) {

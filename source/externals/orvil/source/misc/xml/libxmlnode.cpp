@@ -6,7 +6,7 @@
 #include <libxml/tree.h>
 
 #include <memory>
-#include <utility>
+#include <new>
 
 namespace Orvil {
 
@@ -45,27 +45,18 @@ LibXmlNode::LibXmlNode(const std::string& name, LibXmlNode* parent,
     : LibXmlNode(xmlNewChild(parent->node_, nullptr, toXml(name), BAD_CAST ""), parent, parser) {}
 
 LibXmlNode::LibXmlNode(xmlNode* node, LibXmlNode* parent, const SmartPointer<LibXmlParser>& parser)
-    : parser_(parser), parent_(parent), node_(node) {}
+    : LibXmlNode(node, parent, *parser) {
+    parser_->incRef();
+}
 
-// A recursive end would need a stack frame per sibling and per level. Instead all nodes that are to
-// go are kept in one list that begins at this one, and the children of each are moved to its end.
 LibXmlNode::~LibXmlNode() noexcept {
-    LibXmlNode* last = this;
-    const auto moveChildrenToEnd = [&last](LibXmlNode& node) {
-        while (last->next_ != nullptr) {
-            last = last->next_;
-        }
-        last->next_ = std::exchange(node.firstChild_, nullptr);
-    };
-    moveChildrenToEnd(*this);
-    while (next_ != nullptr) {
-        const std::unique_ptr<LibXmlNode> dropped(next_);
-        moveChildrenToEnd(*dropped);
-        if (last == dropped.get()) {
-            last = this;
-        }
-        next_ = std::exchange(dropped->next_, nullptr);
-    }
+    parser_->decRef();
+}
+
+// Nothing has to be undone for the nodes of the pool: they hold neither memory nor references.
+LibXmlNode* LibXmlNode::makeInPool(xmlNode* node, LibXmlNode* parent) const {
+    static_assert(sizeof(LibXmlNode) <= LibXmlNodePool::slotSize);
+    return new (parser_->nodes_.allocate()) LibXmlNode(node, parent, *parser_);
 }
 
 bool LibXmlNode::hasParent() const {
@@ -93,17 +84,17 @@ IXmlNode* LibXmlNode::getParent() const {
 }
 
 IXmlNode* LibXmlNode::getFirstChild() const {
-    if (firstChild_ == nullptr && hasChildren()) {
-        auto child = std::make_unique<LibXmlNode>(node_->children, nullptr, parser_);
-        child->setParent(const_cast<LibXmlNode*>(this));
-        firstChild_ = child.release();
+    if (firstChild_ == nullptr) {
+        if (xmlNode* const child = firstChildOf(node_)) {
+            firstChild_ = makeInPool(child, const_cast<LibXmlNode*>(this));
+        }
     }
     return firstChild_;
 }
 
 IXmlNode* LibXmlNode::getNextNode() const {
-    if (next_ == nullptr && hasNextNode()) {
-        next_ = new LibXmlNode(node_->next, parent_, parser_);
+    if (next_ == nullptr && node_ != nullptr && node_->next != nullptr) {
+        next_ = makeInPool(node_->next, parent_);
     }
     return next_;
 }
@@ -138,7 +129,7 @@ void LibXmlNode::setAttribute(const std::string& name, const std::string& value)
 }
 
 IXmlNode* LibXmlNode::addChild(const std::string& name) {
-    return new LibXmlNode(name, this, parser_);
+    return new LibXmlNode(name, this, SmartPointer<LibXmlParser>(parser_));
 }
 
 void LibXmlNode::setContent(const std::string& text) {

@@ -146,6 +146,7 @@ void LibXmlParser::cleanup() {
     incRef();
     rootNode_.reset();
     decRefAndKeep();
+    nodes_.clear();
     document_.reset();
     createdDocument_.reset();
 }

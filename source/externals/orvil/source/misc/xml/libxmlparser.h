@@ -3,6 +3,7 @@
 #pragma once
 
 #include "misc/xml/ixmlparser.h"
+#include "misc/xml/libxmlnodepool.h"
 
 #include <memory>
 #include <string>
@@ -38,18 +39,23 @@ public:
     void cleanup() override;
 
 private:
+    friend class LibXmlNode;
+
     void createRoot();
 
     LibXmlDoc document_;                   // the parsed document
     LibXmlDoc createdDocument_;            // the document of createRootNode
-    std::unique_ptr<LibXmlNode> rootNode_; // and with it every node but addChild's
+    std::unique_ptr<LibXmlNode> rootNode_; // holds a reference on this parser
+    LibXmlNodePool nodes_;                 // every other node, but addChild's
 };
 
-/// A node of a LibXmlParser's document. It keeps the parser alive; its libxml2 node belongs to the
-/// document.
+/// A node of a LibXmlParser's document; its libxml2 node belongs to the document. Nodes that are
+/// made by the constructors keep the parser alive. Those that getFirstChild and getNextNode make
+/// live in the parser's pool, so that they end with the document, without their destructors; they
+/// need not count for themselves.
 class LibXmlNode : public IXmlNode, public SmartPointable {
 public:
-    /// Adds an empty element to `parent`'s element.
+    /// Adds an empty element to `parent`'s element. `parser` is not null, here and below.
     LibXmlNode(const std::string& name, LibXmlNode* parent,
                const SmartPointer<LibXmlParser>& parser);
     LibXmlNode(_xmlNode* node, LibXmlNode* parent, const SmartPointer<LibXmlParser>& parser);
@@ -81,10 +87,14 @@ public:
     _xmlNode* getNode() const { return node_; }
 
 private:
-    SmartPointer<LibXmlParser> parser_;
+    LibXmlNode(_xmlNode* node, LibXmlNode* parent, LibXmlParser& parser) noexcept
+        : parser_(&parser), parent_(parent), node_(node) {}
+    LibXmlNode* makeInPool(_xmlNode* node, LibXmlNode* parent) const;
+
+    LibXmlParser* parser_;                     // counted by the constructors but the pool's
     LibXmlNode* parent_;                       // not owned
-    mutable LibXmlNode* firstChild_ = nullptr; // owned, made when first asked for
-    mutable LibXmlNode* next_ = nullptr;       // owned, likewise
+    mutable LibXmlNode* firstChild_ = nullptr; // in the pool, made when first asked for
+    mutable LibXmlNode* next_ = nullptr;       // likewise
     _xmlNode* node_;                           // null if the element could not be made
 };
 
