@@ -119,7 +119,10 @@ Handler::Handler(const std::string& schema)
 Handler::~Handler() = default;
 
 ReplyContainer Handler::parseReply(const std::string& xml) {
+    // A large reply is its fonts; as each is read once, they need not all be there at a time.
+    constexpr int levelOfFonts = 3; // below the root, the kind of reply, and the list
     const Orvil::XmlDocumentHolder parser("LibXmlParser");
+    parser->setPartLevel(levelOfFonts);
     parser->parseString(xml);
     Orvil::IXmlNode* const root = parser->getRootNode();
     if (root == nullptr) {

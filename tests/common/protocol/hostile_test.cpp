@@ -88,6 +88,10 @@ TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
     // A text of that size is only a text.
     const std::string xml = reply("1", name);
     EXPECT_EQ(handler_.parseReply(xml).activationReply->fonts.front().psName.size(), name.size());
+    // Nor is any of it lost when libxml2 gets it in many pieces.
+    const std::string pieces = repeat(std::string(1'000, 'a') + "&amp;", 12'000);
+    EXPECT_EQ(handler_.parseReply(reply("1", pieces)).activationReply->fonts.front().psName.size(),
+              12'000 * 1'001U);
     // Beyond the limit of a document.
     EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::notXml);
 }

@@ -43,6 +43,18 @@ public:
     virtual IXmlNode* createRootNode(const std::string& name, const std::string& namespaceUri) = 0;
     /// Lets the document and all its nodes go.
     virtual void cleanup() = 0;
+    /// For large documents that are walked once, from front to back: with a level above 0,
+    /// parseString keeps its document in parts, and the memory that it takes does not grow with it.
+    /// The parts are the nodes `level` levels below the root. Only one of a parent's is there at a
+    /// time: getNextNode on it drops it with all below it, and gives the same object, which stands
+    /// for the next part then (so getChildren of their parent serves nothing). An element above the
+    /// parts that is asked for its content is read to its end and loses none.
+    /// The whole text is parsed at once, as ever, and read again as the walk gets on: it must stay
+    /// as it is until the document is let go. The document is neither changed nor written, and is
+    /// validated from its root. Reading on may throw Exception. 0, as at first, keeps documents
+    /// whole; what is there already stays as it is. A document that declares entities is always
+    /// whole.
+    virtual void setPartLevel(int level) = 0;
 };
 
 /// Owns a parser together with its document and frees both when it goes out of scope. References

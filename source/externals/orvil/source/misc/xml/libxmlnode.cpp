@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace Orvil {
 
@@ -29,15 +30,6 @@ bool isCharacterData(const xmlNode& node) {
     return node.type == XML_TEXT_NODE || node.type == XML_CDATA_SECTION_NODE;
 }
 
-/// The children as this layer shows them. libxml2 links an entity reference to the declaration in
-/// the DTD and that to its neighbours: a walk must not get there.
-xmlNode* firstChildOf(const xmlNode* node) {
-    if (node == nullptr || node->type == XML_ENTITY_REF_NODE) {
-        return nullptr;
-    }
-    return node->children;
-}
-
 } // namespace
 
 LibXmlNode::LibXmlNode(const std::string& name, LibXmlNode* parent,
@@ -56,7 +48,41 @@ LibXmlNode::~LibXmlNode() noexcept {
 // Nothing has to be undone for the nodes of the pool: they hold neither memory nor references.
 LibXmlNode* LibXmlNode::makeInPool(xmlNode* node, LibXmlNode* parent) const {
     static_assert(sizeof(LibXmlNode) <= LibXmlNodePool::slotSize);
-    return new (parser_->nodes_.allocate()) LibXmlNode(node, parent, *parser_);
+    LibXmlParts* const parts = parser_->parts_.get();
+    LibXmlNodePool& pool =
+        parts != nullptr && parts->isBelowPart(node) ? parts->nodesBelow() : parser_->nodes_;
+    return new (pool.allocate()) LibXmlNode(node, parent, *parser_);
+}
+
+/// The children as this layer shows them. libxml2 links an entity reference to the declaration in
+/// the DTD and that to its neighbours: a walk must not get there.
+xmlNode* LibXmlNode::findChild() const {
+    if (node_ == nullptr || node_->type == XML_ENTITY_REF_NODE) {
+        return nullptr;
+    }
+    if (parser_->parts_ != nullptr) {
+        parser_->parts_->readChild(node_);
+    }
+    return node_->children;
+}
+
+xmlNode* LibXmlNode::findNext() const {
+    if (parser_->parts_ != nullptr) {
+        parser_->parts_->readNext(node_);
+    }
+    return node_ == nullptr ? nullptr : node_->next;
+}
+
+xmlNode* LibXmlNode::getWholeNode() const {
+    if (parser_->parts_ != nullptr) {
+        parser_->parts_->readWhole(node_);
+    }
+    return node_;
+}
+
+std::string_view LibXmlNode::textOfParts() const {
+    const LibXmlParts* const parts = parser_->parts_.get();
+    return parts != nullptr && parts->root() == node_ ? parts->text() : std::string_view();
 }
 
 bool LibXmlNode::hasParent() const {
@@ -64,11 +90,11 @@ bool LibXmlNode::hasParent() const {
 }
 
 bool LibXmlNode::hasChildren() const {
-    return firstChildOf(node_) != nullptr;
+    return findChild() != nullptr;
 }
 
 bool LibXmlNode::hasNextNode() const {
-    return node_ != nullptr && node_->next != nullptr;
+    return findNext() != nullptr;
 }
 
 bool LibXmlNode::isText() const {
@@ -85,7 +111,7 @@ IXmlNode* LibXmlNode::getParent() const {
 
 IXmlNode* LibXmlNode::getFirstChild() const {
     if (firstChild_ == nullptr) {
-        if (xmlNode* const child = firstChildOf(node_)) {
+        if (xmlNode* const child = findChild()) {
             firstChild_ = makeInPool(child, const_cast<LibXmlNode*>(this));
         }
     }
@@ -93,10 +119,25 @@ IXmlNode* LibXmlNode::getFirstChild() const {
 }
 
 IXmlNode* LibXmlNode::getNextNode() const {
-    if (next_ == nullptr && node_ != nullptr && node_->next != nullptr) {
-        next_ = makeInPool(node_->next, parent_);
+    if (next_ == nullptr) {
+        xmlNode* const next = findNext();
+        if (next == nullptr) {
+            return nullptr;
+        }
+        if (parser_->parts_ != nullptr && parser_->parts_->isPart(node_)) {
+            return const_cast<LibXmlNode*>(this)->moveToNextPart();
+        }
+        next_ = makeInPool(next, parent_);
     }
     return next_;
+}
+
+/// Whoever walks over the parts has this object in hand, as the first child of its parent.
+LibXmlNode* LibXmlNode::moveToNextPart() {
+    xmlNode* const dropped = std::exchange(node_, node_->next);
+    firstChild_ = nullptr;
+    parser_->parts_->drop(dropped);
+    return this;
 }
 
 std::string LibXmlNode::getName() const {
@@ -110,7 +151,7 @@ std::string LibXmlNode::getAttribute(const std::string& name,
 }
 
 std::string LibXmlNode::getContent() const {
-    if (node_ == nullptr) {
+    if (getWholeNode() == nullptr) {
         return {};
     }
     // The two usual shapes need no detour over a copy of libxml2's.

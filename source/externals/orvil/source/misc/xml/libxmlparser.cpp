@@ -5,6 +5,7 @@
 #include "misc/xml/libxmlsupport.h"
 
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 
 #include <cstdio>
@@ -19,17 +20,10 @@ namespace Orvil {
 
 namespace {
 
-// xmlReadFile and xmlReadMemory heed the options from the start; their relatives for an existing
-// context open the file before. No other option: in particular entities are not substituted, no DTD
-// is loaded, and libxml2's own limits stay on.
-constexpr int parseOptions = XML_PARSE_NONET;
-
-const std::string notParsed = "LibXml: Document not parsed successfully: ";
-
 void checkSize(std::uintmax_t size, std::uint32_t line) {
     if (size > IXmlParser::maximumDocumentSize) {
-        throw LibXml::failure(notParsed + "document of " + std::to_string(size) +
-                                  " bytes exceeds the limit of " +
+        throw LibXml::failure("LibXml: Document not parsed successfully: document of " +
+                                  std::to_string(size) + " bytes exceeds the limit of " +
                                   std::to_string(IXmlParser::maximumDocumentSize) + " bytes",
                               line);
     }
@@ -41,13 +35,44 @@ LibXmlDoc readDocument(Read read) {
     const LibXml::Silence silence;
     xmlResetLastError();
     LibXmlDoc document(read());
-    if (!document) {
-        const xmlError* error = xmlGetLastError();
-        const bool hasMessage = error != nullptr && error->message != nullptr;
-        throw LibXml::failure(notParsed + (hasMessage ? error->message : "unknown error message"),
-                              __LINE__);
+    const xmlError* const error = xmlGetLastError();
+    // libxml2 takes a document for good that it has cut at a text node of more than 10 MB.
+    if (!document || (error != nullptr && error->code == XML_ERR_NO_MEMORY)) {
+        throw LibXml::notParsed(error, __LINE__);
     }
     return document;
+}
+
+struct ContextDeleter {
+    void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
+};
+
+void stopAtEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
+                  const xmlChar* /*systemId*/, xmlChar* /*content*/) {
+    auto* const context = static_cast<xmlParserCtxt*>(parser);
+    *static_cast<bool*>(context->_private) = true;
+    xmlStopParser(context);
+}
+
+/// Whether the document can be read in parts: not if it declares entities, as without nodes libxml2
+/// parses an entity anew for each reference. Throws if the text is not well-formed.
+bool suitsParts(const std::string& text) {
+    bool declaresEntities = false;
+    readDocument([&]() -> xmlDoc* {
+        const std::unique_ptr<xmlParserCtxt, ContextDeleter> context(
+            xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
+        if (!context) {
+            return nullptr;
+        }
+        xmlCtxtUseOptions(context.get(), LibXml::parseOptions);
+        LibXml::ignoreContent(*context->sax);
+        context->_private = &declaresEntities;
+        context->sax->entityDecl = stopAtEntity;
+        xmlParseDocument(context.get());
+        LibXmlDoc document(context->myDoc);
+        return context->wellFormed == 0 && !declaresEntities ? nullptr : document.release();
+    });
+    return !declaresEntities;
 }
 
 /// Flushes a closed file to the disk.
@@ -78,27 +103,36 @@ void LibXmlParser::parse(const std::string& fileName) {
     std::error_code ignored; // a file that cannot be measured is left to libxml2 to report
     const auto size = std::filesystem::file_size(fileName, ignored);
     checkSize(ignored ? 0 : size, __LINE__);
-    document_ = readDocument([&] { return xmlReadFile(fileName.c_str(), nullptr, parseOptions); });
-    createRoot();
+    document_ =
+        readDocument([&] { return xmlReadFile(fileName.c_str(), nullptr, LibXml::parseOptions); });
+    createRoot(xmlDocGetRootElement(document_.get()));
 }
 
 void LibXmlParser::parseString(const std::string& text) {
     cleanup();
     checkSize(text.size(), __LINE__);
+    if (partLevel_ > 0 && suitsParts(text)) {
+        parts_ = std::make_unique<LibXmlParts>(text, partLevel_);
+        createRoot(parts_->root());
+        return;
+    }
     document_ = readDocument([&] {
         return xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                             parseOptions);
+                             LibXml::parseOptions);
     });
-    createRoot();
+    createRoot(xmlDocGetRootElement(document_.get()));
 }
 
-void LibXmlParser::createRoot() {
-    xmlNode* root = xmlDocGetRootElement(document_.get());
+void LibXmlParser::createRoot(xmlNode* root) {
     if (root == nullptr) {
-        document_.reset();
+        cleanup();
         throw LibXml::failure("LibXml: Document empty.", __LINE__);
     }
     rootNode_ = std::make_unique<LibXmlNode>(root, nullptr, this);
+}
+
+void LibXmlParser::setPartLevel(int level) {
+    partLevel_ = level;
 }
 
 IXmlNode* LibXmlParser::getRootNode() const {
@@ -106,7 +140,7 @@ IXmlNode* LibXmlParser::getRootNode() const {
 }
 
 void LibXmlParser::write(const std::string& fileName) const {
-    if (rootNode_ == nullptr || rootNode_->getNode() == nullptr ||
+    if (parts_ != nullptr || rootNode_ == nullptr || rootNode_->getNode() == nullptr ||
         rootNode_->getNode()->doc == nullptr) {
         return;
     }
@@ -147,6 +181,7 @@ void LibXmlParser::cleanup() {
     rootNode_.reset();
     decRefAndKeep();
     nodes_.clear();
+    parts_.reset();
     document_.reset();
     createdDocument_.reset();
 }

@@ -4,9 +4,11 @@
 
 #include "misc/xml/ixmlparser.h"
 #include "misc/xml/libxmlnodepool.h"
+#include "misc/xml/libxmlparts.h"
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 struct _xmlDoc;  // NOLINT: the names are libxml2's
 struct _xmlNode; // NOLINT
@@ -37,13 +39,16 @@ public:
     void writeString(std::string& text) const override;
     IXmlNode* createRootNode(const std::string& name, const std::string& namespaceUri) override;
     void cleanup() override;
+    void setPartLevel(int level) override;
 
 private:
     friend class LibXmlNode;
 
-    void createRoot();
+    void createRoot(_xmlNode* root);
 
+    int partLevel_ = 0;
     LibXmlDoc document_;                   // the parsed document
+    std::unique_ptr<LibXmlParts> parts_;   // or this, if it is kept in parts
     LibXmlDoc createdDocument_;            // the document of createRootNode
     std::unique_ptr<LibXmlNode> rootNode_; // holds a reference on this parser
     LibXmlNodePool nodes_;                 // every other node, but addChild's
@@ -83,13 +88,21 @@ public:
 
     virtual void setParent(LibXmlNode* parent);
 
-    /// libxml2's own node, for what this interface does not offer. Belongs to the document.
+    /// libxml2's own node, for what this interface does not offer. Belongs to the document. Of a
+    /// document that is kept in parts, it may not be complete yet.
     _xmlNode* getNode() const { return node_; }
+    /// The same when everything below it has been read.
+    _xmlNode* getWholeNode() const;
+    /// The text of the document if this is the root of one that is kept in parts; otherwise empty.
+    std::string_view textOfParts() const;
 
 private:
     LibXmlNode(_xmlNode* node, LibXmlNode* parent, LibXmlParser& parser) noexcept
         : parser_(&parser), parent_(parent), node_(node) {}
     LibXmlNode* makeInPool(_xmlNode* node, LibXmlNode* parent) const;
+    LibXmlNode* moveToNextPart();
+    _xmlNode* findChild() const;
+    _xmlNode* findNext() const;
 
     LibXmlParser* parser_;                     // counted by the constructors but the pool's
     LibXmlNode* parent_;                       // not owned

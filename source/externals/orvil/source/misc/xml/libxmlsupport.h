@@ -4,16 +4,59 @@
 
 #include "misc/exception.h"
 
+#include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Orvil::LibXml {
 
 /// The failure of all XML sources; none has a code snippet.
 inline Exception failure(const std::string& message, std::uint32_t line) {
     return {message, "source/externals/orvil/source/misc/xml/libxmlparser", line, ""};
+}
+
+/// The failure of reading a document; `error` is libxml2's reason, or null.
+inline Exception notParsed(const xmlError* error, std::uint32_t line) {
+    const bool hasMessage = error != nullptr && error->message != nullptr;
+    return failure(std::string("LibXml: Document not parsed successfully: ") +
+                       (hasMessage ? error->message : "unknown error message"),
+                   line);
+}
+
+/// No other option: in particular entities are not substituted, no DTD is loaded, and libxml2's own
+/// limits stay on.
+constexpr int parseOptions = XML_PARSE_NONET;
+/// For a text that has been parsed within the limits: the reader by pieces has narrower ones.
+constexpr int rereadOptions = parseOptions | XML_PARSE_HUGE;
+
+/// Whether a parser that is fed by pieces has given up.
+inline bool hasFailed(const xmlParserCtxt& context) {
+    return context.wellFormed == 0 || context.disableSAX != 0;
+}
+
+/// Lets a parser that builds trees take up the declarations of its document and nothing else.
+inline void ignoreContent(xmlSAXHandler& handler) {
+    handler.startElementNs = nullptr;
+    handler.endElementNs = nullptr;
+    handler.characters = nullptr;
+    handler.ignorableWhitespace = nullptr;
+    handler.cdataBlock = nullptr;
+    handler.comment = nullptr;
+    handler.processingInstruction = nullptr;
+    handler.reference = nullptr;
+}
+
+/// Takes from the front of `rest` what a push parser gets at once. It looks at a tag that is not
+/// complete again with each piece: small pieces would make that slow for a very long one.
+inline std::string_view takePiece(std::string_view& rest) {
+    const std::string_view piece = rest.substr(0, std::size_t{64} << 10U);
+    rest.remove_prefix(piece.size());
+    return piece;
 }
 
 /// While it lives, libxml2 prints nothing on this thread; its last error is kept all the same.

@@ -3,6 +3,7 @@
 #include "misc/xml/libxmlvalidator.h"
 
 #include "misc/xml/libxmlparser.h"
+#include "misc/xml/libxmlstreamvalidation.h"
 #include "misc/xml/libxmlsupport.h"
 
 #include <libxml/parser.h>
@@ -90,7 +91,10 @@ bool LibXmlSchemaValidator::doValidate(IXmlNode* node) {
         throw LibXml::failure("LibXml: Could not create validation context", __LINE__);
     }
     xmlSchemaSetValidErrors(context.get(), onError, onWarning, this);
-    const int result = xmlSchemaValidateOneElement(context.get(), libXmlNode->getNode());
+    const std::string_view text = libXmlNode->textOfParts();
+    const int result = text.empty()
+                           ? xmlSchemaValidateOneElement(context.get(), libXmlNode->getWholeNode())
+                           : LibXml::validateText(*context, text);
     if (result < 0) {
         throw LibXml::failure("LibXml: Could not create validation context", __LINE__);
     }
