@@ -52,8 +52,8 @@ public:
     /// The whole text is parsed at once, as ever, and read again as the walk gets on: it must stay
     /// as it is until the document is let go. The document is neither changed nor written, and is
     /// validated from its root. Reading on may throw Exception. 0, as at first, keeps documents
-    /// whole; what is there already stays as it is. A document that declares entities is always
-    /// whole.
+    /// whole; what is there already stays as it is. Always whole are documents that declare
+    /// entities, have bytes of zero (as in UTF-16), or carriage returns as well as CDATA sections.
     virtual void setPartLevel(int level) = 0;
 };
 

@@ -47,17 +47,30 @@ struct ContextDeleter {
     void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
 };
 
-void stopAtEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
-                  const xmlChar* /*systemId*/, xmlChar* /*content*/) {
+/// Ends the first pass over a document that has to be whole.
+void stopFirstPass(void* parser) {
     auto* const context = static_cast<xmlParserCtxt*>(parser);
     *static_cast<bool*>(context->_private) = true;
     xmlStopParser(context);
 }
 
-/// Whether the document can be read in parts: not if it declares entities, as without nodes libxml2
-/// parses an entity anew for each reference. Throws if the text is not well-formed.
+void onEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
+              const xmlChar* /*systemId*/, xmlChar* /*content*/) {
+    stopFirstPass(parser);
+}
+
+void onCData(void* parser, const xmlChar* /*text*/, int /*length*/) {
+    stopFirstPass(parser);
+}
+
+/// Whether libxml2 reads the document in parts as it reads it at once. Without nodes it parses an
+/// entity anew for each reference; by pieces it leaves the carriage returns in CDATA sections, and
+/// does not take a zero behind the root for the end. Throws if the text is not well-formed.
 bool suitsParts(const std::string& text) {
-    bool declaresEntities = false;
+    if (text.find('\0') != std::string::npos) {
+        return false;
+    }
+    bool mustBeWhole = false;
     readDocument([&]() -> xmlDoc* {
         const std::unique_ptr<xmlParserCtxt, ContextDeleter> context(
             xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
@@ -66,13 +79,16 @@ bool suitsParts(const std::string& text) {
         }
         xmlCtxtUseOptions(context.get(), LibXml::parseOptions);
         LibXml::ignoreContent(*context->sax);
-        context->_private = &declaresEntities;
-        context->sax->entityDecl = stopAtEntity;
+        context->_private = &mustBeWhole;
+        context->sax->entityDecl = onEntity;
+        if (text.find('\r') != std::string::npos) {
+            context->sax->cdataBlock = onCData;
+        }
         xmlParseDocument(context.get());
         LibXmlDoc document(context->myDoc);
-        return context->wellFormed == 0 && !declaresEntities ? nullptr : document.release();
+        return context->wellFormed == 0 && !mustBeWhole ? nullptr : document.release();
     });
-    return !declaresEntities;
+    return !mustBeWhole;
 }
 
 /// Flushes a closed file to the disk.
