@@ -173,8 +173,9 @@ TEST_F(ADocumentInParts, IsRefusedLikeAWholeOne) {
 }
 
 TEST_F(ADocumentInParts, IsWholeWhenItCouldNotBeReadAlike) {
-    for (const std::string text : {"<!DOCTYPE a [<!ENTITY % e 'x'>]><a><b/><b/></a>",
-                                   "<a><b/><b><![CDATA[1]]></b></a>\r\n"}) {
+    for (const std::string text :
+         {"<!DOCTYPE a [<!ENTITY % e 'x'>]><a><b/><b/></a>", "<a><b/><b p:c='1'/></a>",
+          "<a><b/><b><![CDATA[1]]></b></a>\r\n"}) {
         const IXmlNode* const root = read(text, 1);
         EXPECT_NE(root->getChildren()[0], root->getChildren()[1]);
     }
@@ -207,6 +208,8 @@ TEST_F(ADocumentInParts, IsValidatedLikeAWholeOne) {
              {"<a><![CDATA[ ]]></a>", false},
              {"<a><n/></a>", false},
              {"<a k='1' j='2'/>", false},
+             {"<a p:k='1'/>", false},
+             {"<p:a/>", false},
              {"<b/>", false},
              {"<a xmlns='urn:x'/>", false},
              {"<a><t>" + repeated("&amp;.", 1999996) + "</t></a>", true},

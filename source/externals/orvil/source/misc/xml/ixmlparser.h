@@ -53,7 +53,8 @@ public:
     /// as it is until the document is let go. The document is neither changed nor written, and is
     /// validated from its root. Reading on may throw Exception. 0, as at first, keeps documents
     /// whole; what is there already stays as it is. Always whole are documents that declare
-    /// entities, have bytes of zero (as in UTF-16), or carriage returns as well as CDATA sections.
+    /// entities, use prefixes without declaring them, have bytes of zero (as in UTF-16), or
+    /// carriage returns as well as CDATA sections.
     virtual void setPartLevel(int level) = 0;
 };
 

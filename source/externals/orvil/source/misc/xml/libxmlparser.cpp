@@ -64,8 +64,9 @@ void onCData(void* parser, const xmlChar* /*text*/, int /*length*/) {
 }
 
 /// Whether libxml2 reads the document in parts as it reads it at once. Without nodes it parses an
-/// entity anew for each reference; by pieces it leaves the carriage returns in CDATA sections, and
-/// does not take a zero behind the root for the end. Throws if the text is not well-formed.
+/// entity anew for each reference, and its validator drops prefixes that are not declared; by
+/// pieces it leaves the carriage returns in CDATA sections, and does not take a zero behind the
+/// root for the end. Throws if the text is not well-formed.
 bool suitsParts(const std::string& text) {
     if (text.find('\0') != std::string::npos) {
         return false;
@@ -85,6 +86,7 @@ bool suitsParts(const std::string& text) {
             context->sax->cdataBlock = onCData;
         }
         xmlParseDocument(context.get());
+        mustBeWhole = mustBeWhole || context->nsWellFormed == 0;
         LibXmlDoc document(context->myDoc);
         return context->wellFormed == 0 && !mustBeWhole ? nullptr : document.release();
     });
