@@ -16,7 +16,6 @@
 
 using namespace Orvil;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
