@@ -41,7 +41,9 @@ extern "C" int nanosleep(const timespec* wanted, timespec* rest) {
     if (call >= script->rests.size()) {
         return 0;
     }
-    std::tie(rest->tv_sec, rest->tv_nsec) = script->rests[call];
+    if (rest != nullptr) {
+        std::tie(rest->tv_sec, rest->tv_nsec) = script->rests[call];
+    }
     errno = EINTR;
     return -1;
 }
