@@ -23,9 +23,8 @@ constexpr const char* usage =
     "  -readXmlFile=FILE   read an XML file\n"
     "  PATH=VALUE          set a value; PATH[INDEX]=VALUE sets one of a list\n"
     "  -get=PATH           print only the values that PATH has, inherited ones too\n"
-    "Warns on standard error of arguments that are of no use. Fails with 1 if a file is refused or "
-    "the\n"
-    "output cannot be written.\n";
+    "Warns on standard error of arguments that are of no use. Fails if a file is refused\n"
+    "or the output cannot be written.\n";
 
 constexpr std::string_view getOption = "-get=";
 constexpr std::string_view iniOption = "-readIniFile=";
