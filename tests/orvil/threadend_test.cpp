@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
 
 using namespace Orvil;
 
@@ -166,7 +167,8 @@ public:
         const AtEnd atEnd{ended_};
         std::atomic<bool>& passed = passed_;
         goOn_.dec();
-        self_ = nullptr;
+        SmartPointer<SelfHeldThread> last = std::move(self_);
+        last = nullptr;
         pthread_testcancel();
         passed = true;
         return 1;
