@@ -188,11 +188,8 @@ bool Thread::destroyItself() {
 
 /// Whether the caller is the thread itself. The handle alone does not tell: once the thread has
 /// left, the system may have given it to another.
-bool Thread::isOnItself() {
-    pthread_mutex_lock(&leaveLock_);
-    const bool onItself = !left_ && pthread_equal(handle_, pthread_self()) != 0;
-    pthread_mutex_unlock(&leaveLock_);
-    return onItself;
+bool Thread::isOnItself() const {
+    return !left_ && pthread_equal(handle_, pthread_self()) != 0;
 }
 
 void Thread::waitUntilLeft() {

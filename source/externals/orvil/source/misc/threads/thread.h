@@ -75,7 +75,7 @@ private:
     static void* entry(void* thread);
     bool destroyDetached();
     bool destroyItself();
-    bool isOnItself();
+    bool isOnItself() const;
     void waitUntilLeft();
 
     bool created_ = false;
@@ -87,7 +87,7 @@ private:
     // A handle that is really detached is good only while its thread lives, which only the thread
     // itself can tell: it sets `left_` under the lock as the last thing it does with the object.
     bool handleDetached_ = false;
-    bool left_ = true; // no thread is at work on the object
+    std::atomic<bool> left_ = true; // no thread is at work on the object
     pthread_mutex_t leaveLock_ = PTHREAD_MUTEX_INITIALIZER;
     pthread_cond_t leaveCondition_ = PTHREAD_COND_INITIALIZER;
 };
