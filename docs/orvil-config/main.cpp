@@ -4,11 +4,14 @@
 //     orvil-config -readIniFile=server.ini server.port=8080 'server.host[1]=backup'
 #include "misc/configuration/configuration.h"
 #include "misc/configuration/configurationreader.h"
+#include "misc/configuration/readersupport.h"
 
 #include <algorithm>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -19,7 +22,13 @@ constexpr const char* usage =
     "  -readIniFile=FILE   read an INI file\n"
     "  -readXmlFile=FILE   read an XML file\n"
     "  PATH=VALUE          set a value; PATH[INDEX]=VALUE sets one of a list\n"
-    "  -get=PATH           print only the values that PATH has, inherited ones too\n";
+    "  -get=PATH           print only the values that PATH has, inherited ones too\n"
+    "Warns on standard error of arguments that are of no use. Fails if a file is refused\n"
+    "or the output cannot be written.\n";
+
+constexpr std::string_view getOption = "-get=";
+constexpr std::string_view iniOption = "-readIniFile=";
+constexpr std::string_view xmlOption = "-readXmlFile=";
 
 std::vector<std::string> sorted(std::vector<std::string> names) {
     std::sort(names.begin(), names.end());
@@ -33,7 +42,7 @@ void printValues(const Orvil::Configuration& store, const std::string& path) {
     }
 }
 
-/// Prints what is below the category, sorted by path.
+/// Prints the whole tree: of each category first its properties, then its categories, by name.
 void printTree(const Orvil::Configuration& store) {
     std::vector<std::string> pending{""};
     while (!pending.empty()) {
@@ -45,9 +54,71 @@ void printTree(const Orvil::Configuration& store) {
         }
         std::vector<std::string> categories = sorted(store.getSubCategories(path));
         for (auto name = categories.rbegin(); name != categories.rend(); ++name) {
-            pending.push_back(prefix + *name);
+            // A category without a name directly below the root has the root's own path: nothing in
+            // it can be reached.
+            if (!(prefix + *name).empty()) {
+                pending.push_back(prefix + *name);
+            }
         }
     }
+}
+
+bool isReadable(const std::string& file) {
+    std::ifstream stream(file);
+    stream.peek();
+    return stream.is_open() && !stream.bad(); // bad: a folder, for one
+}
+
+/// Why an argument has been of no use, once all are read; empty if it has been of some.
+std::string idleness(std::string_view argument, const Orvil::Configuration& store) {
+    const auto equals = argument.find('=');
+    if (equals == argument.npos) {
+        return "ignored, it has no '='";
+    }
+    const std::string value(argument.substr(equals + 1));
+    if (argument.starts_with(getOption)) {
+        return store.getValueCount(value) == 0 ? "there are no such values" : "";
+    }
+    if (argument.starts_with(iniOption)) {
+        return isReadable(value) ? "" : "the file cannot be read";
+    }
+    if (argument.starts_with(xmlOption)) {
+        return ""; // a file that cannot be read has failed by now
+    }
+    if (argument.starts_with('-')) {
+        return "ignored, there is no such option";
+    }
+    Orvil::ConfigurationReading::IndexedName name;
+    if (!Orvil::ConfigurationReading::splitIndex(argument.substr(0, equals), name)) {
+        return "ignored, between the brackets is no index";
+    }
+    return store.getValueCount(name.name) > name.index ? "" : "no value is found under that name";
+}
+
+/// Prints what the arguments ask for, and warns of those that are of no use.
+void run(const std::vector<std::string>& arguments, const Orvil::Configuration& store) {
+    bool printedSome = false;
+    for (const std::string& argument : arguments) {
+        if (const std::string reason = idleness(argument, store); !reason.empty()) {
+            std::cerr << "orvil-config: '" << argument << "': " << reason << '\n';
+        }
+        if (argument.starts_with(getOption)) {
+            printValues(store, argument.substr(getOption.size()));
+            printedSome = true;
+        }
+    }
+    if (!printedSome) {
+        printTree(store);
+    }
+}
+
+/// The exit status, once everything has been printed or not.
+int finished() {
+    if (std::cout.flush()) {
+        return 0;
+    }
+    std::cerr << "orvil-config: the output cannot be written\n";
+    return 1;
 }
 
 } // namespace
@@ -56,24 +127,15 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.empty() || arguments.front() == "--help") {
         (arguments.empty() ? std::cerr : std::cout) << usage;
-        return arguments.empty() ? 2 : 0;
+        return arguments.empty() ? 2 : finished();
     }
     try {
         Orvil::Configuration store;
         Orvil::CommandlineConfigurationReader(argc - 1, argv + 1).read(store);
-        bool printedSome = false;
-        for (const std::string& argument : arguments) {
-            if (argument.starts_with("-get=")) {
-                printValues(store, argument.substr(5));
-                printedSome = true;
-            }
-        }
-        if (!printedSome) {
-            printTree(store);
-        }
+        run(arguments, store);
     } catch (const std::exception& failure) {
         std::cerr << "orvil-config: " << failure.what() << '\n';
         return 1;
     }
-    return 0;
+    return finished();
 }

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -146,6 +147,30 @@ TEST(AChecksumTable, IsSharedPerPolynomial) {
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+namespace {
+const std::uint32_t* keptTable = nullptr;
+void sumAtTheEnd() {
+    CRC32 crc(usual, allOnes);
+    crc.add("123456789");
+    _exit(keptTable[1] == 0x77073096U && crc.get() == 0xCBF43926U ? 0 : 1);
+}
+} // namespace
+
+TEST(AChecksumTable, OutlivesWhateverEndsWithTheProcess) {
+    // In a process of its own, in which the function is registered before the first table is made
+    // and so called after all that is made with the tables has ended.
+    const std::string style = GTEST_FLAG_GET(death_test_style);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            std::atexit(sumAtTheEnd);
+            keptTable = CRC32::getPolyTable(usual);
+            std::exit(2);
+        },
+        testing::ExitedWithCode(0), "");
+    GTEST_FLAG_SET(death_test_style, style);
 }
 
 TEST(TheLowBits, AreReflected) {

@@ -140,6 +140,34 @@ TEST(AConfiguration, StartsAnIndexedValueFromTheInheritedList) {
     EXPECT_THAT(store.getValueList("a.b.x"), ElementsAre("new", "1", "", "3"));
     EXPECT_TRUE(store.setValueAt("c.d", 1, "z"));
     EXPECT_THAT(store.getValueList("c.d"), ElementsAre("", "z"));
+    // The value may stand in the list that has to move.
+    const std::string tooLongToStandInPlace(100, 'l');
+    store.setValue("l", tooLongToStandInPlace, true);
+    EXPECT_TRUE(store.setValueAt("l", 9, store.getValueList("l")[0]));
+    EXPECT_EQ(store.getStringAt("l", 9, ""), tooLongToStandInPlace);
+}
+
+TEST(AConfiguration, TellsWhatAListGotBesidesTheValue) {
+    Configuration store;
+    std::size_t added = 0;
+    struct Case {
+        const char* path;
+        std::size_t index;
+        std::size_t added;
+    };
+    store.setValues("a.x", {"0123", "56", "8"}, true);
+    store.addCategory("a.b", true, false);
+    store.addCategory("a.c", true, false);
+    const Case cases[] = {
+        {"new", 0, 0},    {"new", 4, 3}, {"new", 2, 0}, {"new", 5, 0},
+        {"a.b.x", 1, 7}, // two copies, of five bytes in all
+        {"a.c.x", 4, 11}, {"a.x", 0, 0}, {"a.x", 3, 0}, {"a", 7, 0},
+    };
+    for (const Case& c : cases) {
+        const std::size_t before = added;
+        store.setValueAt(c.path, c.index, "", &added);
+        EXPECT_EQ(added - before, c.added) << c.path << ' ' << c.index;
+    }
 }
 
 TEST(AView, SharesNodesAndACopyDoesNot) {

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: MIT
-// What the readers make of files, texts and arguments, quirks included; and the example program.
+// What the readers make of files, texts and arguments, quirks included.
+#include "folder.h"
 #include "misc/configuration/configurationreader.h"
 #include "misc/exception.h"
-#include "misc/text/strings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 using namespace Orvil;
@@ -34,7 +30,10 @@ void collect(const Configuration& store, const std::string& path, Tree& tree) {
     }
     for (const std::string& name : store.getSubCategories(path)) {
         tree[prefix + name + "."];
-        collect(store, prefix + name, tree);
+        // Without a name directly below the root it has the root's own path.
+        if (!(prefix + name).empty()) {
+            collect(store, prefix + name, tree);
+        }
     }
 }
 
@@ -58,26 +57,7 @@ struct Case {
     Tree tree;
 };
 
-class AFolder : public testing::Test {
-protected:
-    void SetUp() override {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "orvil-config-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-    std::string file(const std::string& name, const std::string& content) const {
-        std::string path = (folder / name).string();
-        std::ofstream(path) << content;
-        return path;
-    }
-
-    std::filesystem::path folder;
-};
-
 using AConfigurationFile = AFolder;
-using TheExampleProgram = AFolder;
 
 } // namespace
 
@@ -97,6 +77,8 @@ TEST(AnINIText, IsReadLineByLine) {
         {"=v", {{"", {}}}},
         {"p=1\n[p]\nx=2\n", {{"p", {"1"}}}},
         {"[]\nx=1", {{"x", {"1"}}}},
+        {"[.]\nx=1\n[a.]\ny=1\n[.b]\nz=1",
+         {{".", {}}, {"a.", {}}, {"a..", {}}, {"a..y", {"1"}}, {"b.", {}}}},
         {"v[2]=c\nv=a\nv[1]=b", {{"v", {"a", "b", "c"}}}},
     };
     for (const Case& c : cases) {
@@ -129,6 +111,10 @@ TEST(AnXMLText, IsReadElementByElement) {
         {"<configuration><a.b>1</a.b><\xC3\xA4><c>1</c></\xC3\xA4><x:y xmlns:x='u'>1</x:y>"
          "</configuration>",
          {{"y", {"1"}}}},
+        // References to declared entities and processing instructions are read as elements are.
+        {"<!DOCTYPE configuration [<!ENTITY host 'h'>]><configuration>"
+         "<server>http://&host;/</server><p>1<?x y?></p></configuration>",
+         {{"server.", {}}, {"server.host", {""}}, {"p.", {}}, {"p.x", {""}}}},
         {"<configuration><a>1</a><a><b>2</b></a><c>3</c></configuration>",
          {{"a", {"1"}}, {"c", {"3"}}}},
         {"<configuration><a index='x'>1</a><b index='2'>2</b></configuration>",
@@ -160,6 +146,9 @@ TEST(ACommandLine, IsReadInItsOrder) {
         {"x=1\tx=2\ny= ==v z", {{"x", {"2"}}, {"y", {""}}, {"", {}}}},
         {"-other=1 --x=2 k]=1 k[y]=2 k[1=3", {{"k[1", {"3"}}}},
         {"p=1 p.q=2", {{"p", {"1"}}}},
+        {"..x=1", {{".", {}}}},
+        // What follows a leading dot is made but not found: each value starts from an empty list.
+        {".x[0]=1 .x[1]=2", {{"x", {"", "2"}}}},
     };
     for (const Case& c : cases) {
         Configuration store;
@@ -208,28 +197,37 @@ TEST_F(AConfigurationFile, IsNamedWhenAnIndexIsTooGreat) {
                 HasSubstr("XML text: the index 4000000000 of 'z'"));
 }
 
-TEST_F(TheExampleProgram, PrintsTheTreeThatItsArgumentsMake) {
-    const std::string ini = file("a.ini", "[b]\nx=1\n[b.in+]\ny=2\n");
-    const auto run = [&](const std::string& arguments, int& status) {
-        const std::string command = std::string(ORVIL_CONFIG) + " " + arguments + " 2>&1";
-        std::FILE* pipe = popen(command.c_str(), "r");
-        std::string output;
-        for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe)) {
-            output += static_cast<char>(byte);
-        }
-        status = WEXITSTATUS(pclose(pipe));
-        return output;
+TEST_F(AConfigurationFile, IsRefusedWhenFewBytesFillTheMemory) {
+    const std::string longList = "[0123456789]\nv[65535]=last\n";
+    const std::string longText =
+        "[0123456789]\nv=0123456789\nv[1]=" + std::string(65525, 't') + "\n";
+    std::string lists;
+    std::string sections;
+    for (int i = 0; i < 20; ++i) {
+        lists += "k" + std::to_string(i) + "[65535]=v\n";
+        sections += "[0123456789.s" + std::to_string(i) + "+]\nv=own\n";
+    }
+    const Case cases[] = {
+        {lists, {{"16: with 'k15'", {}}}},
+        {longList + sections, {{"32: with '0123456789.s14.v'", {}}}},
+        {longText + sections, {{"35: with '0123456789.s15.v'", {}}}},
     };
-    int status = -1;
-    EXPECT_EQ(run("-readIniFile=" + ini + " 'a.list[1]=z' top=t", status),
-              "top[0]=t\na.list[0]=\na.list[1]=z\nb.x[0]=1\nb.in.y[0]=2\n");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(run("-readIniFile=" + ini + " -get=b.in.x -get=none", status), "b.in.x[0]=1\n")
-        << "inherited";
-    EXPECT_THAT(run("", status), testing::StartsWith("usage: "));
-    EXPECT_EQ(status, 2);
-    EXPECT_THAT(run("--help", status), testing::StartsWith("usage: "));
-    EXPECT_EQ(status, 0);
-    EXPECT_THAT(run("-readXmlFile=" + ini, status), HasSubstr("orvil-config: Exception in file"));
-    EXPECT_EQ(status, 1);
+    for (const Case& c : cases) {
+        const std::string ini = file("few.ini", c.text);
+        Configuration store;
+        EXPECT_THAT(
+            failureOf([&] { INIConfigurationReader(ini).read(store); }),
+            HasSubstr(ini + ":" + c.tree.begin()->first +
+                      " the empty and inherited values of all lists are more than 1000000"));
+        INIConfigurationReader(file("next.ini", "k[65535]=1\nk[0]=2")).read(store);
+        EXPECT_EQ(store.getString("k", ""), "2") << "each source has its own measure";
+    }
+    // Values that are given are not counted, however many.
+    std::ostringstream given;
+    for (int i = 0; i < 50000; ++i) {
+        given << "a[" << i << "]=0123456789012345678901234\n";
+    }
+    Configuration store;
+    INIConfigurationReader(file("given.ini", given.str())).read(store);
+    EXPECT_EQ(store.getValueCount("a"), 50000U);
 }

@@ -24,11 +24,18 @@ std::string printedBy(Action action) {
 TEST(ALogger, WritesContextAndTextAtEveryLevel) {
     Logger logger("name", false);
     logger.setLogLevel(Logger::Error);
-    for (const int level : {Logger::Error, Logger::Warning, Logger::Important, Logger::Normal,
-                            Logger::Fine, Logger::Finest, Logger::Debug}) {
+    struct Case {
+        int level;
+        int value;
+    };
+    const Case cases[] = {{Logger::Error, 9},  {Logger::Warning, 6}, {Logger::Important, 3},
+                          {Logger::Normal, 0}, {Logger::Fine, -3},   {Logger::Finest, -6},
+                          {Logger::Debug, -9}};
+    for (const auto& [level, value] : cases) {
+        EXPECT_EQ(level, value);
         EXPECT_TRUE(logger.isVisible(level));
-        EXPECT_EQ(level % 3, 0);
-        EXPECT_EQ(printedBy([&] { logger.log(level, "context", "a text"); }), "context: a text\n");
+        EXPECT_EQ(printedBy([&, shown = level] { logger.log(shown, "context", "a text"); }),
+                  "context: a text\n");
     }
     EXPECT_EQ(printedBy([&] { logger.flush(); }), "");
     EXPECT_EQ(&Orvil::globalLogger(), &Orvil::globalLogger());

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <unistd.h>
 #include <vector>
 
 using namespace Orvil;
@@ -19,6 +20,21 @@ TEST(AMemoryGuard, StopsTheProcessWhenAWordChanges) {
             guard.checkEntries();
             words[2] = 4;
             guard.checkEntries();
+        },
+        testing::KilledBySignal(SIGSEGV), "");
+}
+
+TEST(AMemoryGuard, StopsTheProcessByItselfWhileItRuns) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGSEGV, SIG_DFL);
+            alarm(60); // the end if nobody looks
+            std::vector<std::uint32_t> words(3, 1);
+            MemoryGuard guard;
+            guard.addEntry(words.data(), words.size());
+            guard.start(false, -1);
+            __atomic_store_n(&words[2], 4, __ATOMIC_RELAXED);
+            guard.join();
         },
         testing::KilledBySignal(SIGSEGV), "");
 }

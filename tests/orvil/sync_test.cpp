@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Mutexes, semaphores, events and the queue between threads.
+// Mutexes, semaphores and events.
+#include "failures.h"
 #include "misc/threads/mutex.h"
-#include "misc/threads/safefifobuffer.h"
 #include "misc/threads/semaphore.h"
 #include "misc/threads/synchevent.h"
 #include "waiting.h"
@@ -12,27 +12,12 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 using namespace Orvil;
-
-namespace {
-
-template <typename Action>
-std::string messageOf(Action action) {
-    try {
-        action();
-    } catch (const Exception& failure) {
-        return failure.descriptionMessage().substr(std::strlen("\n    User Message : "));
-    }
-    return "nothing thrown";
-}
-
-} // namespace
 
 TEST(AMutex, NamesItsErrors) {
     struct Case {
@@ -126,189 +111,71 @@ TEST(AnEvent, IsClearedByAWaitOnlyWithAutoReset) {
     }
 }
 
-TEST(AnEvent, WakesThoseWhoWait) {
-    SynchEvent go(false);
-    SynchEvent one(true);
-    std::atomic<int> woken = 0;
-    std::vector<std::thread> threads;
-    threads.reserve(3);
-    for (int i = 0; i < 3; ++i) {
-        threads.emplace_back([&] {
-            EXPECT_TRUE(go.wait());
-            EXPECT_TRUE(one.wait());
-            ++woken;
-            one.signal();
-        });
-    }
-    go.signal();
-    one.signal();
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(woken, 3);
-}
+namespace {
 
-TEST(AnEvent, LetsEveryWaiterOutWhenItDies) {
-    for (const bool autoReset : {true, false}) {
-        auto event = std::make_unique<SynchEvent>(autoReset);
-        std::vector<std::thread> threads;
-        threads.reserve(3);
-        for (int i = 0; i < 3; ++i) {
+/// Threads that sleep in a wait for an event, so long that only a signal wakes them.
+class Sleepers {
+public:
+    Sleepers(const SynchEvent& event, int count) {
+        threads_.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
             std::atomic<pid_t> id = 0;
-            threads.emplace_back([&id, waitedFor = event.get()] {
+            threads_.emplace_back([this, &event, &id] {
                 id = gettid();
-                EXPECT_TRUE(waitedFor->wait(1000000));
+                EXPECT_TRUE(event.wait(1'000'000'000));
+                ++woken_;
             });
             // One after the other, so that a sleeping thread can only sleep in the wait.
             while (id == 0 || !isAsleep(id)) {
                 std::this_thread::yield();
             }
         }
-        event.reset();
-        for (std::thread& thread : threads) {
+    }
+    Sleepers(const Sleepers&) = delete;
+    Sleepers& operator=(const Sleepers&) = delete;
+    ~Sleepers() {
+        for (std::thread& thread : threads_) {
             thread.join();
         }
     }
-}
 
-TEST(AQueue, GivesItemsInTheirOrder) {
-    SafeFIFOBuffer<std::string> queue(SafeFIFOBuffer<std::string>::unboundedCapacity);
-    std::string item = "untouched";
-    EXPECT_FALSE(queue.tryDequeue(item));
-    EXPECT_EQ(item, "untouched");
-    for (const char* text : {"a", "b", "c"}) {
-        queue.enqueue(text);
-    }
-    for (const char* text : {"a", "b", "c"}) {
-        EXPECT_TRUE(queue.tryDequeue(item));
-        EXPECT_EQ(item, text);
-    }
-    EXPECT_FALSE(queue.tryDequeue(item));
-}
-
-TEST(AQueue, MakesProducersWaitAtItsCapacity) {
-    SafeFIFOBuffer<int> queue(2);
-    std::atomic<pid_t> id = 0;
-    std::atomic<bool> entered = false;
-    queue.enqueue(1);
-    queue.enqueue(2);
-    std::thread producer([&] {
-        id = gettid();
-        queue.enqueue(3);
-        entered = true;
-    });
-    while (id == 0 || !isAsleep(id)) {
-        std::this_thread::yield();
-    }
-    EXPECT_FALSE(entered);
-    int item = 0;
-    EXPECT_TRUE(queue.tryDequeue(item));
-    EXPECT_EQ(item, 1);
-    producer.join();
-    for (const int expected : {2, 3}) {
-        EXPECT_TRUE(queue.tryDequeue(item));
-        EXPECT_EQ(item, expected);
-    }
-}
-
-TEST(AQueue, ThrowsBeyondItsGreatestLengthAndLosesNothing) {
-    SafeFIFOBuffer<int> queue(SafeFIFOBuffer<int>::unboundedCapacity);
-    for (int i = 0; i < 32767; ++i) {
-        queue.enqueue(i);
-    }
-    EXPECT_EQ(messageOf([&] { queue.enqueue(32767); }),
-              "Semaphore (Carbon-MP): failed to increment semaphore");
-    int item = -1;
-    for (int i = 0; i < 32767; ++i) {
-        ASSERT_TRUE(queue.tryDequeue(item));
-        ASSERT_EQ(item, i);
-    }
-    EXPECT_FALSE(queue.tryDequeue(item));
-    queue.enqueue(32768);
-    EXPECT_TRUE(queue.tryDequeue(item));
-    EXPECT_EQ(item, 32767);
-}
-
-namespace {
-
-/// Fails to be copied while `fails` is set.
-struct Awkward {
-    static inline bool fails = false;
-    int value = 0;
-
-    explicit Awkward(int number = 0) : value(number) {}
-    Awkward(const Awkward& other) : value(other.value) { mayFail(); }
-    Awkward& operator=(const Awkward& other) {
-        mayFail();
-        value = other.value;
-        return *this;
-    }
-    ~Awkward() = default;
-
-    static void mayFail() {
-        if (fails) {
-            throw std::runtime_error("copy");
+    void awaitWoken(int count) const {
+        while (woken_ < count) {
+            std::this_thread::yield();
         }
     }
+
+private:
+    std::atomic<int> woken_ = 0;
+    std::vector<std::thread> threads_;
 };
 
 } // namespace
 
-TEST(AQueue, LosesNeitherItemNorSlotWhenACopyThrows) {
-    SafeFIFOBuffer<Awkward> queue(1);
-    Awkward item;
-    Awkward::fails = true;
-    EXPECT_THROW(queue.enqueue(Awkward(1)), std::runtime_error);
-    Awkward::fails = false;
-    EXPECT_FALSE(queue.tryDequeue(item));
-    queue.enqueue(Awkward(2));
-    Awkward::fails = true;
-    EXPECT_THROW(queue.tryDequeue(item), std::runtime_error);
-    Awkward::fails = false;
-    EXPECT_TRUE(queue.tryDequeue(item));
-    EXPECT_EQ(item.value, 2);
+// A signal that wakes nobody lets these two run into the test's own time limit.
+TEST(AnEvent, LetsOneSleeperGoPerSignalWithAutoReset) {
+    SynchEvent event(true);
+    const Sleepers sleepers(event, 3);
+    for (int signals = 1; signals <= 3; ++signals) {
+        event.signal();
+        sleepers.awaitWoken(signals);
+        // Had an earlier signal let two go, the last one would find nobody and stay.
+        EXPECT_FALSE(event.wait(0)) << "after signal " << signals;
+    }
 }
 
-// The test's own time limit is the watchdog on progress.
-TEST(AQueue, PassesAMillionItemsBetweenManyThreads) {
-    constexpr int producers = 4;
-    constexpr int consumers = 4;
-    constexpr std::uint32_t perProducer = 250000;
-    SafeFIFOBuffer<std::uint32_t> queue(64);
-    std::atomic<std::uint32_t> taken = 0;
-    std::atomic<std::uint64_t> sum = 0;
-    std::vector<std::thread> threads;
-    for (std::uint32_t producer = 0; producer < producers; ++producer) {
-        threads.emplace_back([&queue, producer] {
-            for (std::uint32_t i = 0; i < perProducer; ++i) {
-                queue.enqueue(producer << 24U | i);
-            }
-        });
+TEST(AnEvent, LetsAllSleepersGoAtOneSignalWithoutAutoReset) {
+    SynchEvent event(false);
+    const Sleepers sleepers(event, 3);
+    event.signal();
+    sleepers.awaitWoken(3);
+    EXPECT_TRUE(event.wait(0));
+}
+
+TEST(AnEvent, LetsEverySleeperOutWhenItDies) {
+    for (const bool autoReset : {true, false}) {
+        auto event = std::make_unique<SynchEvent>(autoReset);
+        const Sleepers sleepers(*event, 3);
+        event.reset();
     }
-    for (int consumer = 0; consumer < consumers; ++consumer) {
-        threads.emplace_back([&] {
-            std::vector<std::int64_t> last(producers, -1);
-            std::uint64_t own = 0;
-            while (taken < producers * perProducer) {
-                std::uint32_t item = 0;
-                if (!queue.tryDequeue(item)) {
-                    std::this_thread::yield();
-                    continue;
-                }
-                ++taken;
-                const std::uint32_t number = item & 0xFFFFFFU;
-                EXPECT_GT(std::int64_t{number}, last[item >> 24U])
-                    << "one producer's items stay in order";
-                last[item >> 24U] = number;
-                own += number;
-            }
-            sum += own;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(sum, std::uint64_t{producers} * perProducer * (perProducer - 1) / 2);
-    std::uint32_t item = 0;
-    EXPECT_FALSE(queue.tryDequeue(item));
 }

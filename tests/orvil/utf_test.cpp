@@ -1,158 +1,22 @@
 // SPDX-License-Identifier: MIT
-// The six conversions against a plain model, whose idea of well-formed UTF-8 is ICU's: results,
-// positions and output at every cut of the source and every size of the target.
+// The six conversions against a plain model: results, positions and output at every cut of the
+// source and every size of the target.
 #include "misc/text/utf.h"
+#include "utfmodel.h"
 
 #include <gtest/gtest.h>
 #include <unicode/utf8.h>
 
 #include <cstdint>
-#include <limits>
 #include <random>
 #include <string>
 #include <vector>
 
 using namespace Orvil;
 using namespace Orvil::UTF;
+using namespace UTFModel;
 
 namespace {
-
-using Units = std::vector<std::uint32_t>;
-
-struct Outcome {
-    ConversionResult result;
-    std::size_t consumed;
-    Units produced;
-
-    bool operator==(const Outcome& other) const {
-        return result == other.result && consumed == other.consumed && produced == other.produced;
-    }
-};
-
-std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
-    stream << "result " << outcome.result << " after " << outcome.consumed << " units:" << std::hex;
-    for (const std::uint32_t unit : outcome.produced) {
-        stream << ' ' << unit;
-    }
-    return stream << std::dec;
-}
-
-struct Step {
-    ConversionResult result;
-    std::size_t length;
-    std::uint32_t value;
-};
-
-bool isSurrogate(std::uint32_t value) {
-    return value >= 0xD800 && value <= 0xDFFF;
-}
-
-// One source character, by the width of its units.
-Step readUTF8(const Units& source, std::size_t at) {
-    static constexpr std::uint8_t lengths[] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 3};
-    const std::uint32_t lead = source[at];
-    std::size_t length = 6;
-    if (lead < 0xF0) {
-        length = lengths[lead >> 4U];
-    } else if (lead < 0xF8) {
-        length = 4;
-    } else if (lead < 0xFC) {
-        length = 5;
-    }
-    if (at + length > source.size()) {
-        return {sourceExhausted, 0, 0};
-    }
-    std::uint8_t bytes[6] = {};
-    for (std::size_t i = 0; i < length; ++i) {
-        bytes[i] = static_cast<std::uint8_t>(source[at + i]);
-    }
-    int read = 0;
-    UChar32 value = 0;
-    U8_NEXT(bytes, read, static_cast<int>(length), value);
-    return value < 0 ? Step{sourceIllegal, 0, 0}
-                     : Step{conversionOK, length, static_cast<std::uint32_t>(value)};
-}
-
-Step readUTF16(const Units& source, std::size_t at, ConversionFlags flags) {
-    const std::uint32_t unit = source[at];
-    if (!isSurrogate(unit)) {
-        return {conversionOK, 1, unit};
-    }
-    if (unit < 0xDC00 && at + 1 == source.size()) {
-        return {sourceExhausted, 0, 0};
-    }
-    if (unit < 0xDC00 && source[at + 1] >= 0xDC00 && source[at + 1] <= 0xDFFF) {
-        return {conversionOK, 2, 0x10000 + (unit - 0xD800) * 0x400 + source[at + 1] - 0xDC00};
-    }
-    return flags == strict ? Step{sourceIllegal, 0, 0} : Step{conversionOK, 1, 0xFFFD};
-}
-
-Step readUTF32(const Units& source, std::size_t at, ConversionFlags flags) {
-    if (!isSurrogate(source[at]) && source[at] <= 0x10FFFF) {
-        return {conversionOK, 1, source[at]};
-    }
-    return flags == strict ? Step{sourceIllegal, 0, 0} : Step{conversionOK, 1, 0xFFFD};
-}
-
-template <typename Unit>
-Step read(const Units& source, std::size_t at, ConversionFlags flags) {
-    if constexpr (sizeof(Unit) == 1) {
-        return readUTF8(source, at);
-    } else if constexpr (sizeof(Unit) == 2) {
-        return readUTF16(source, at, flags);
-    } else {
-        return readUTF32(source, at, flags);
-    }
-}
-
-template <typename Unit>
-Units written(std::uint32_t value) {
-    if (sizeof(Unit) == 1 && value >= 0x80) {
-        Units bytes;
-        std::uint32_t rest = value;
-        const std::size_t length = value < 0x800 ? 2 : value < 0x10000 ? 3 : 4;
-        for (; bytes.size() + 1 < length; rest /= 64) {
-            bytes.insert(bytes.begin(), 0x80 + rest % 64);
-        }
-        static constexpr std::uint32_t marks[] = {0, 0, 0xC0, 0xE0, 0xF0};
-        bytes.insert(bytes.begin(), marks[length] + rest);
-        return bytes;
-    }
-    if (sizeof(Unit) == 2 && value >= 0x10000) {
-        return {0xD800 + (value - 0x10000) / 0x400, 0xDC00 + value % 0x400};
-    }
-    return {value};
-}
-
-template <typename Source, typename Target>
-Outcome modelled(const Units& source, std::size_t capacity, ConversionFlags flags) {
-    constexpr bool skipsTooGreat = sizeof(Source) == 4 && sizeof(Target) == 2;
-    Outcome outcome{conversionOK, 0, {}};
-    while (outcome.consumed < source.size()) {
-        if (skipsTooGreat && outcome.produced.size() == capacity) {
-            outcome.result = targetExhausted;
-            return outcome;
-        }
-        if (skipsTooGreat && flags == strict && source[outcome.consumed] > 0x10FFFF) {
-            outcome.result = sourceIllegal;
-            ++outcome.consumed;
-            continue;
-        }
-        const Step step = read<Source>(source, outcome.consumed, flags);
-        if (step.result != conversionOK) {
-            outcome.result = step.result;
-            return outcome;
-        }
-        const Units units = written<Target>(step.value);
-        if (outcome.produced.size() + units.size() > capacity) {
-            outcome.result = targetExhausted;
-            return outcome;
-        }
-        outcome.produced.insert(outcome.produced.end(), units.begin(), units.end());
-        outcome.consumed += step.length;
-    }
-    return outcome;
-}
 
 template <typename Source, typename Target>
 struct Conversion;
@@ -358,39 +222,4 @@ TEST(UTF16Units, PairInEveryCombination) {
             }
         }
     }
-}
-
-TEST(AWholeText, IsConvertedOrEmpty) {
-    struct Case {
-        std::string utf8;
-        std::u16string utf16;
-    };
-    std::string longText;
-    std::u16string longWide;
-    for (int i = 0; i < 3000; ++i) {
-        longText += i % 7 == 0 ? "\xF0\x9F\x98\x80" : "\xE4\xB8\x80z\xC3\xA4";
-        longWide += i % 7 == 0 ? u"\U0001F600" : u"\u4E00z\u00E4";
-    }
-    const std::string nul("a\0b", 3);
-    const Case cases[] = {{"", u""},
-                          {"Grotesk", u"Grotesk"},
-                          {nul, std::u16string(u"a\0b", 3)},
-                          {"\xC3\xA4\xE2\x82\xAC", u"\u00E4\u20AC"},
-                          {longText, longWide}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(UTF8toUTF16(c.utf8), c.utf16);
-        EXPECT_EQ(UTF16toUTF8(c.utf16), c.utf8);
-    }
-    EXPECT_EQ(UTF8toUTF16("\xED\xA0\x80"), u"");
-    EXPECT_EQ(UTF8toUTF16(longText + "\xE2\x82"), u"");
-    EXPECT_EQ(UTF16toUTF8(longWide + std::u16string(1, char16_t{0xD800})), "");
-    EXPECT_EQ(UTF16toUTF8(std::u16string(1, char16_t{0xDC00}) + u"a"), "");
-}
-
-TEST(ALocale, WidensAndNarrowsCharacterByCharacter) {
-    EXPECT_EQ(makeUTF16("a-Z"), u"a-Z");
-    EXPECT_EQ(makeUNICODE("a-Z"), L"a-Z");
-    EXPECT_EQ(makeUNICODE("\xE4", std::locale::classic()), L"\xFFFD");
-    EXPECT_EQ(makeUTF16("\xE4", std::locale::classic()), u"\xFFFD");
-    EXPECT_EQ(makeASCII(L"a\x4E00Z", std::locale::classic()), "a?Z");
 }

@@ -18,14 +18,19 @@ namespace {
 // Below this the set-up of folding costs more than it saves.
 constexpr std::size_t leastToFold = 128;
 
+struct SharedTables {
+    Mutex lock{false};
+    hash_map<std::uint32_t, std::unique_ptr<CRC32Tables>> byPolynomial{16};
+};
+
 const CRC32Tables& tablesOf(std::uint32_t polynomial) {
-    static Mutex lock(false);
-    static hash_map<std::uint32_t, std::unique_ptr<CRC32Tables>> tables(16);
-    const ScopedLock<Mutex> locked(lock);
-    if (const auto* present = tables.find(polynomial)) {
+    // Never freed, on purpose: other threads and static objects may sum until the process is gone.
+    static SharedTables& shared = *std::make_unique<SharedTables>().release();
+    const ScopedLock<Mutex> locked(shared.lock);
+    if (const auto* present = shared.byPolynomial.find(polynomial)) {
         return **present;
     }
-    return *tables.insert(polynomial, std::make_unique<CRC32Tables>(polynomial));
+    return *shared.byPolynomial.insert(polynomial, std::make_unique<CRC32Tables>(polynomial));
 }
 
 struct FileCloser {

@@ -24,6 +24,7 @@ CommandlineConfigurationReader::CommandlineConfigurationReader(const std::string
     : arguments_(tokenize(commandLine, " \t\n", true)) {}
 
 void CommandlineConfigurationReader::read(Configuration& configuration) {
+    ConfigurationReading::ValueWriter values(configuration);
     for (std::size_t i = 0; i < arguments_.size(); ++i) {
         const std::string_view argument = arguments_[i];
         const auto equals = argument.find('=');
@@ -41,9 +42,8 @@ void CommandlineConfigurationReader::read(Configuration& configuration) {
         if (name.starts_with('-') || !ConfigurationReading::splitIndex(name, path)) {
             continue;
         }
-        ConfigurationReading::checkIndex(path.index, path.name,
-                                         "command line, argument " + toString(i, 0, 6));
-        configuration.setValueAt(path.name, path.index, value);
+        values.setValueAt(path.name, path.index, value,
+                          "command line, argument " + toString(i, 0, 6));
     }
 }
 

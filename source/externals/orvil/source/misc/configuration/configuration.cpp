@@ -222,7 +222,8 @@ bool Configuration::setValue(std::string_view path, const std::string& value,
     return setValues(path, {value}, createCategories);
 }
 
-bool Configuration::setValueAt(std::string_view path, std::size_t index, const std::string& value) {
+bool Configuration::setValueAt(std::string_view path, std::size_t index, std::string value,
+                               std::size_t* added) {
     const ScopedLock<Mutex> locked(lock_);
     const SplitName name = splitName(path);
     // The list to start from is looked up before categories are made, which inherit.
@@ -235,18 +236,30 @@ bool Configuration::setValueAt(std::string_view path, std::size_t index, const s
         return false;
     }
     if (childOf(*category, name.leaf) == nullptr) {
-        category->children.insert(name.leaf, std::make_unique<ConfigProperty>(
-                                                 seen == nullptr ? noValues() : seen->values));
+        category->children.insert(name.leaf, std::make_unique<ConfigProperty>(noValues()));
     }
     ConfigProperty* property = asProperty(childOf(*category, name.leaf));
     if (property == nullptr) {
         return false;
     }
-    // In place: a list that is read value by value is not copied each time.
-    if (property->values.size() <= index) {
-        property->values.resize(index + 1);
+    std::vector<std::string>& values = property->values;
+    std::size_t unasked = 0;
+    if (property != seen) {
+        // An inherited list, or none: what follows a leading dot is made, but not found.
+        values = seen == nullptr ? noValues() : seen->values;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            unasked += i == index ? 0 : 1 + values[i].size();
+        }
     }
-    property->values[index] = value;
+    // In place: a list that is read value by value is not copied each time.
+    if (values.size() <= index) {
+        unasked += index - values.size();
+        values.resize(index + 1);
+    }
+    values[index] = std::move(value);
+    if (added != nullptr) {
+        *added += unasked;
+    }
     return true;
 }
 

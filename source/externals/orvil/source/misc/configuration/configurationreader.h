@@ -12,11 +12,16 @@
 namespace Orvil {
 
 /// Adds what it reads to whatever the store holds. May be used repeatedly.
-/// Indexes of values end at `greatestIndex`; a greater one is refused with an Exception that names
-/// the source and the place, since a list as long as that would fill the memory.
+///
+/// A few bytes may ask for a long list: the values below an index, and those of an inherited list.
+/// So that a small source does not fill the memory, an index beyond `greatestIndex` is refused, and
+/// so is a source whose lists get more than `greatestAddition` such values in one read(), the bytes
+/// of inherited ones counted too. The Exception names the source and the place; what was read up to
+/// there stays in the store. (A file named on a command line is a source of its own.)
 class IConfigurationReader {
 public:
     static constexpr unsigned greatestIndex = 65535;
+    static constexpr unsigned greatestAddition = 1'000'000; // about 32 MB
 
     IConfigurationReader() = default;
     IConfigurationReader(const IConfigurationReader&) = delete;
@@ -27,10 +32,15 @@ public:
 
 /// Reads the children of a root element "configuration"; any other root reads as empty.
 ///
-/// An element without child elements is a property, its text (as it stands) the value at the
-/// attribute "index" or 0. An element with one, or with a comment, is a category, which inherits if
-/// its attribute "inherit" says so; text in it is ignored. Elements whose names have other
-/// characters than ASCII letters, digits, "_" and "-" are skipped with all below them.
+/// An element that holds nothing but text is a property, the text (as it stands) its value at the
+/// attribute "index" or 0. An element that holds anything else is a category, which inherits if its
+/// attribute "inherit" says so; text in it is ignored. Elements whose names have other characters
+/// than ASCII letters, digits, "_" and "-" are skipped with all below them.
+///
+/// Anything else is also a comment, a reference to an entity that the document declares, or a
+/// processing instruction. A comment is then passed over, but the other two are read as elements
+/// are: "<server>http://&host;/</server>" makes the category server with the empty property host,
+/// and "<p>1<?x y?></p>" the category p with the empty property x.
 /// Throws: the XML layer's failures.
 class XMLConfigurationReader : public IConfigurationReader {
 public:

@@ -38,7 +38,7 @@ std::string readSection(std::string_view line, Configuration& configuration) {
 }
 
 void readKey(std::string_view line, const std::string& prefix, const std::string& place,
-             Configuration& configuration) {
+             ConfigurationReading::ValueWriter& values) {
     const auto keyEnd = std::min(line.find_first_of(separators), line.size());
     std::string_view value = withoutStartBlanks(line.substr(keyEnd), separators);
     ConfigurationReading::IndexedName key;
@@ -49,9 +49,7 @@ void readKey(std::string_view line, const std::string& prefix, const std::string
         value.remove_prefix(1);
         value.remove_suffix(value.empty() ? 0 : 1);
     }
-    const std::string path = prefix + std::string(key.name);
-    ConfigurationReading::checkIndex(key.index, path, place);
-    configuration.setValueAt(path, key.index, std::string(value));
+    values.setValueAt(prefix + std::string(key.name), key.index, std::string(value), place);
 }
 
 } // namespace
@@ -72,6 +70,7 @@ void INIConfigurationReader::read(Configuration& configuration) {
 
 void INIConfigurationReader::readLines(std::istream& stream, Configuration& configuration) const {
     const std::string source = stream_ != nullptr ? "INI stream" : fileName_;
+    ConfigurationReading::ValueWriter values(configuration);
     std::string prefix;
     std::string text;
     for (unsigned number = 1; std::getline(stream, text); ++number) {
@@ -82,7 +81,7 @@ void INIConfigurationReader::readLines(std::istream& stream, Configuration& conf
             continue;
         }
         if (line.front() != '[') {
-            readKey(line, prefix, source + ":" + toString(number, 0, 6), configuration);
+            readKey(line, prefix, source + ":" + toString(number, 0, 6), values);
         } else if (line.size() > 1 && line.back() == ']') {
             prefix = readSection(line, configuration);
         }

@@ -18,9 +18,9 @@ constexpr std::string_view nameCharacters =
 class ElementReader {
 public:
     ElementReader(Configuration& configuration, std::string source)
-        : configuration_(configuration), source_(std::move(source)) {}
+        : configuration_(configuration), values_(configuration), source_(std::move(source)) {}
 
-    void read(const IXmlNode& node, const std::string& prefix) const {
+    void read(const IXmlNode& node, const std::string& prefix) {
         if (node.isComment() || node.isText()) {
             return;
         }
@@ -46,13 +46,13 @@ public:
         }
         if (!isCategory) {
             const auto index = parse<unsigned>(node.getAttribute("index", ""));
-            ConfigurationReading::checkIndex(index, fullName, source_);
-            configuration_.setValueAt(fullName, index, value);
+            values_.setValueAt(fullName, index, std::move(value), source_);
         }
     }
 
 private:
     Configuration& configuration_;
+    ConfigurationReading::ValueWriter values_;
     std::string source_;
 };
 
@@ -79,7 +79,7 @@ void XMLConfigurationReader::read(Configuration& configuration) {
     if (root->getName() != "configuration") {
         return;
     }
-    const ElementReader elements(configuration, fileName_.empty() ? "XML text" : fileName_);
+    ElementReader elements(configuration, fileName_.empty() ? "XML text" : fileName_);
     for (const IXmlNode* child = root->getFirstChild(); child != nullptr;
          child = child->getNextNode()) {
         elements.read(*child, "");

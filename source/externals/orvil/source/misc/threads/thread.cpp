@@ -13,6 +13,9 @@ namespace Orvil {
 
 namespace {
 
+/// Whether run() has destroyed the object that it runs for.
+thread_local bool ownObjectGone = false;
+
 /// The attributes of a thread to be made.
 class Attribute {
 public:
@@ -47,24 +50,24 @@ Thread::Thread() : startEvent_(false) {}
 
 Thread::~Thread() noexcept(false) {
     destroy();
+    ownObjectGone = ownObjectGone || isOnItself();
     pthread_cond_destroy(&leaveCondition_);
     pthread_mutex_destroy(&leaveLock_);
 }
 
 bool Thread::start(bool detached, int priority) {
-    if (running_) {
+    if (running_ || isOnItself()) {
         return false;
     }
     detached_ = false;
-    if (created_) {
-        destroy();
-    }
+    destroy();
     created_ = false;
     handleDetached_ = false;
-    left_ = false;
     startEvent_.reset();
     const Attribute attribute(priority);
+    left_ = false;
     if (!attribute.isValid() || pthread_create(&handle_, attribute.get(), entry, this) != 0) {
+        left_ = true;
         return false;
     }
     detached_ = detached;
@@ -77,16 +80,23 @@ bool Thread::start(bool detached, int priority) {
 void* Thread::entry(void* thread) {
     auto& self = *static_cast<Thread*>(thread);
     const auto leave = [&self] {
+        if (ownObjectGone) {
+            return;
+        }
         const CancellationBlock block;
-        self.running_ = false;
         pthread_mutex_lock(&self.leaveLock_);
+        // With the mark: who sees that the thread no longer runs finds nothing to cancel either.
+        self.running_ = false;
         self.left_ = true;
         pthread_cond_broadcast(&self.leaveCondition_);
         pthread_mutex_unlock(&self.leaveLock_);
     };
     try {
         self.startEvent_.wait();
-        self.returnCode_ = self.run();
+        const int code = self.run();
+        if (!ownObjectGone) {
+            self.returnCode_ = code;
+        }
     } catch (...) {
         // A cancellation comes this way too, and must go on.
         leave();
@@ -125,10 +135,17 @@ bool Thread::detach() {
 }
 
 bool Thread::destroy() {
+    const CancellationBlock block;
+    const bool onItself = isOnItself();
     if (!created_) {
+        if (!onItself) {
+            waitUntilLeft(); // it may have destroyed itself
+        }
         return false;
     }
-    const CancellationBlock block;
+    if (onItself) {
+        return destroyItself();
+    }
     if (handleDetached_) {
         return destroyDetached();
     }
@@ -147,16 +164,40 @@ bool Thread::destroy() {
 bool Thread::destroyDetached() {
     pthread_mutex_lock(&leaveLock_);
     const bool cancelled = !left_ && pthread_cancel(handle_) == 0;
-    while (!left_) {
-        pthread_cond_wait(&leaveCondition_, &leaveLock_);
-    }
     pthread_mutex_unlock(&leaveLock_);
+    waitUntilLeft();
     if (!cancelled) {
         return false;
     }
     running_ = false;
     created_ = false;
     return true;
+}
+
+// A join of the calling thread fails, and a wait for it would never end. Nobody can join it later.
+bool Thread::destroyItself() {
+    pthread_cancel(handle_);
+    if (!handleDetached_) {
+        pthread_detach(handle_);
+        handleDetached_ = true;
+    }
+    running_ = false;
+    created_ = false;
+    return true;
+}
+
+/// Whether the caller is the thread itself. The handle alone does not tell: once the thread has
+/// left, the system may have given it to another.
+bool Thread::isOnItself() const {
+    return !left_ && pthread_equal(handle_, pthread_self()) != 0;
+}
+
+void Thread::waitUntilLeft() {
+    pthread_mutex_lock(&leaveLock_);
+    while (!left_) {
+        pthread_cond_wait(&leaveCondition_, &leaveLock_);
+    }
+    pthread_mutex_unlock(&leaveLock_);
 }
 
 // The unwinding of a cancelled thread leaves the address sanitizer's marks around the locals of the

@@ -19,6 +19,8 @@ namespace Orvil {
 /// then the subclass's members are gone: a subclass whose run() uses any, or that may be destroyed
 /// while it runs, calls destroy() or join() in its own destructor. A cancelled run() is unwound at
 /// a wait, so objects on its stack are released; what it holds otherwise leaks.
+/// Only the thread itself is not waited for: a run() that destroys its own object, by dropping the
+/// last reference on it, ends at its next cancellation point and must not use the object any more.
 /// run() and everything it calls at cancellation points must not be noexcept.
 ///
 /// Failures are told by returning false; nothing throws, but what run() throws ends the process.
@@ -42,7 +44,8 @@ public:
     /// Lets a running thread go on by itself. The object must still outlive it, or destroy it.
     bool detach();
     /// Cancels the thread and waits for its end. False if not created, or if there was nothing left
-    /// to cancel. Not a cancellation point.
+    /// to cancel. Called by run() itself it does not wait, and the cancellation is acted on later.
+    /// Not a cancellation point.
     bool destroy();
 
     bool isRunning() const { return running_; }
@@ -71,6 +74,9 @@ public:
 private:
     static void* entry(void* thread);
     bool destroyDetached();
+    bool destroyItself();
+    bool isOnItself() const;
+    void waitUntilLeft();
 
     bool created_ = false;
     std::atomic<bool> running_ = false;
@@ -81,7 +87,7 @@ private:
     // A handle that is really detached is good only while its thread lives, which only the thread
     // itself can tell: it sets `left_` under the lock as the last thing it does with the object.
     bool handleDetached_ = false;
-    bool left_ = false;
+    std::atomic<bool> left_ = true; // no thread is at work on the object
     pthread_mutex_t leaveLock_ = PTHREAD_MUTEX_INITIALIZER;
     pthread_cond_t leaveCondition_ = PTHREAD_COND_INITIALIZER;
 };

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// What a test wants to know of a failure.
+#pragma once
+
+#include "misc/exception.h"
+
+#include <cstring>
+#include <string>
+
+/// The message of the Exception that the action throws.
+template <typename Action>
+std::string messageOf(Action action) {
+    try {
+        action();
+    } catch (const Orvil::Exception& failure) {
+        return failure.descriptionMessage().substr(std::strlen("\n    User Message : "));
+    }
+    return "nothing thrown";
+}
