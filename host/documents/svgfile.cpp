@@ -70,6 +70,67 @@ int openBeside(const std::string& target, std::string& name) {
     return descriptor;
 }
 
+void writeAll(int descriptor, std::string_view bytes, const std::string& target) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            raiseErrno(target, "cannot be written: ");
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+/// What is no file has nothing to lose: a pipe or a terminal stays what it is. Waits for the reader
+/// of a named pipe, as everything that writes to one does.
+void writeThrough(const std::string& target, std::string_view bytes) {
+    Descriptor descriptor(::open(target.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+    if (descriptor.get() < 0) {
+        raiseErrno(target, "cannot be written: ");
+    }
+    writeAll(descriptor.get(), bytes, target);
+    if (descriptor.close() != 0) {
+        raiseErrno(target, "cannot be written: ");
+    }
+}
+
+/// Whether standard output or error has been sent to a file: replaced, it would take what the
+/// program has yet to say with it.
+bool isOwnOutput(const struct stat& file) {
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        struct stat own {};
+        if (::fstat(descriptor, &own) == 0 && own.st_dev == file.st_dev &&
+            own.st_ino == file.st_ino) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// A link stays one: what it leads to is replaced, or created if it is not there yet.
+std::string targetOf(const std::filesystem::path& file, bool exists) {
+    std::error_code error;
+    if (exists) {
+        const std::filesystem::path real = std::filesystem::canonical(file, error);
+        if (error) {
+            throw DocumentError(file.string(), "cannot be written: " + error.message());
+        }
+        return real.string();
+    }
+    // The kernel has followed the links to their end already, so there is one.
+    std::filesystem::path target = file;
+    while (std::filesystem::is_symlink(target, error)) {
+        const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+        if (error) {
+            break;
+        }
+        target = target.parent_path() / next;
+    }
+    return target.string();
+}
+
 } // namespace
 
 std::string readFile(const std::filesystem::path& file, std::size_t limit) {
@@ -107,29 +168,30 @@ std::string readFile(const std::filesystem::path& file, std::size_t limit) {
 }
 
 void writeFile(const std::filesystem::path& file, std::string_view bytes) {
-    // A link stays one: what it leads to is replaced.
-    std::error_code ignored;
-    const std::filesystem::path real = std::filesystem::canonical(file, ignored);
-    const std::string target = (real.empty() ? file : real).string();
+    struct stat old {};
+    const bool exists = ::stat(file.c_str(), &old) == 0;
+    if (!exists && errno != ENOENT) {
+        raiseErrno(file.string(), "cannot be written: ");
+    }
+    if (exists && (S_ISFIFO(old.st_mode) || S_ISCHR(old.st_mode))) {
+        writeThrough(file.string(), bytes);
+        return;
+    }
+    if (exists && !S_ISREG(old.st_mode)) {
+        throw DocumentError(file.string(), "cannot be written: is not a regular file");
+    }
+    if (exists && isOwnOutput(old)) {
+        throw DocumentError(file.string(), "cannot be written: the program's own output goes there");
+    }
+    const std::string target = targetOf(file, exists);
     std::string name;
     Descriptor descriptor(openBeside(target, name));
     if (descriptor.get() < 0) {
         raiseErrno(target, "cannot be written: ");
     }
     TemporaryFile temporary(std::move(name));
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            raiseErrno(target, "cannot be written: ");
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    struct stat old {};
-    const bool replaces = ::stat(target.c_str(), &old) == 0;
-    if ((replaces && ::fchmod(descriptor.get(), old.st_mode & 0777U) != 0) ||
+    writeAll(descriptor.get(), bytes, target);
+    if ((exists && ::fchmod(descriptor.get(), old.st_mode & 0777U) != 0) ||
         ::fsync(descriptor.get()) != 0 || descriptor.close() != 0 ||
         ::rename(temporary.name().c_str(), target.c_str()) != 0) {
         raiseErrno(target, "cannot be written: ");

@@ -24,7 +24,8 @@ Source decodeSource(std::string bytes, std::string_view name, std::size_t limit)
 /// The bytes of `text` as the source had them. @throws DocumentError
 std::string encodeText(std::string text, const Source& source, bool gzip, std::string_view name);
 
-/// Replaces or creates a file: written beside, synced, renamed. @throws DocumentError
+/// Replaces or creates a file: written beside, synced, renamed. Links to it stay. A pipe or a
+/// character device is written to; nothing else that is no regular file is. @throws DocumentError
 void writeFile(const std::filesystem::path& file, std::string_view bytes);
 
 } // namespace host::svg

@@ -3,8 +3,13 @@
 #include "drawings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <ostream>
+#include <thread>
+#include <utility>
 
 namespace host::test {
 namespace {
@@ -218,15 +223,66 @@ TEST(ASavedDrawing, ReplacesTheFileThatALinkLeadsToAndKeepsItsRights) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
 }
 
+TEST(ASavedDrawing, IsCreatedWhereALinkWithoutAFileLeads) {
+    Folder folder;
+    std::filesystem::create_directory(folder / "real");
+    std::filesystem::create_symlink("real/hop.svg", folder / "link.svg");
+    std::filesystem::create_symlink("drawing.svg", folder / "real/hop.svg");
+    read("").save(folder / "link.svg");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "real/hop.svg"));
+    EXPECT_EQ(bytesOf(folder / "real/drawing.svg"), drawing(""));
+}
+
+TEST(ASavedDrawing, GoesThroughAPipeThatStaysOne) {
+    Folder folder;
+    const std::string pipe = (folder / "pipe.svg").string();
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_symlink(pipe, folder / "link.svg");
+    for (const char* name : {"pipe.svg", "link.svg"}) {
+        std::string received;
+        std::thread reader([&] { received = bytesOf(pipe); });
+        read("").save(folder / name);
+        reader.join();
+        EXPECT_EQ(received, drawing("")) << name;
+        EXPECT_TRUE(std::filesystem::is_fifo(pipe)) << name;
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST(ASavedDrawing, GoesThroughALinkThatNamesADescriptor) {
+    Folder folder;
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    const std::filesystem::path link = folder / "output.svg";
+    std::filesystem::create_symlink("/proc/self/fd/" + std::to_string(ends[1]), link);
+    read("").save(link);
+    ::close(ends[1]);
+    std::string received(1000, '\0');
+    received.resize(static_cast<std::size_t>(
+        std::max<ssize_t>(0, ::read(ends[0], received.data(), received.size()))));
+    ::close(ends[0]);
+    EXPECT_EQ(received, drawing(""));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+}
+
 TEST(ASavedDrawing, ThatCannotBeWrittenSaysSo) {
     Folder folder;
-    try {
-        read("").save(folder / "no/such/folder.svg");
-        FAIL();
-    } catch (const DocumentError& error) {
-        EXPECT_NE(std::string(error.what()).find("cannot be written: No such file"),
-                  std::string::npos);
+    std::filesystem::create_symlink("round.svg", folder / "round.svg");
+    std::filesystem::create_directory(folder / "folder.svg");
+    for (const auto& [name, reason] :
+         {std::pair{"no/such/folder.svg", "cannot be written: No such file"},
+          std::pair{"round.svg", "cannot be written: Too many levels of symbolic links"},
+          std::pair{"folder.svg", "cannot be written: is not a regular file"}}) {
+        try {
+            read("").save(folder / name);
+            ADD_FAILURE() << name;
+        } catch (const DocumentError& error) {
+            EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
+        }
     }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "round.svg"));
 }
 
 TEST(ADocument, CountsReplacementsOfRunsOnly) {
