@@ -56,13 +56,16 @@ struct StyleWord {
     double value;
 };
 // Longer words stand before those they begin with.
-constexpr std::array<StyleWord, 51> styleWords{{
+constexpr std::array<StyleWord, 60> styleWords{{
     {"ultracondensed", Axis::Stretch, 50},
     {"extracondensed", Axis::Stretch, 62.5},
     {"semicondensed", Axis::Stretch, 87.5},
     {"ultraexpanded", Axis::Stretch, 200},
     {"extraexpanded", Axis::Stretch, 150},
     {"semiexpanded", Axis::Stretch, 112.5},
+    {"semicond", Axis::Stretch, 87.5},
+    {"semiext", Axis::Stretch, 112.5},
+    {"semicn", Axis::Stretch, 87.5},
     {"ultralight", Axis::Weight, 200},
     {"extralight", Axis::Weight, 200},
     {"extrablack", Axis::Weight, 900},
@@ -98,7 +101,12 @@ constexpr std::array<StyleWord, 51> styleWords{{
     {"thin", Axis::Weight, 100},
     {"wide", Axis::Stretch, 125},
     {"cond", Axis::Stretch, 75},
+    {"disp", Axis::None, 0}, // sizes that a face is drawn for
+    {"capt", Axis::None, 0},
+    {"subh", Axis::None, 0},
     {"ital", Axis::Slant, 1},
+    {"ita", Axis::Slant, 1},
+    {"ext", Axis::Stretch, 125},
     {"obl", Axis::Slant, 2},
     {"blk", Axis::Weight, 900},
     {"sb", Axis::Weight, 600},
@@ -108,6 +116,7 @@ constexpr std::array<StyleWord, 51> styleWords{{
     {"lt", Axis::Weight, 300},
     {"mt", Axis::None, 0},
     {"ps", Axis::None, 0},
+    {"o", Axis::Slant, 2},
 }};
 
 } // namespace

@@ -30,6 +30,6 @@ Drawing readDrawing(const std::string& source, std::string_view name, const SvgO
 bool hasVisibleCharacter(std::string_view text);
 
 /// The face that values of the font properties make.
-Face makeFace(const Tree& tree, const Styles& styles, const Style& style);
+Face makeFace(const Tree& tree, const Styles& styles, const Style& look);
 
 } // namespace host::svg

@@ -3,16 +3,22 @@
 #include "host/documents/svgdrawing.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace host::svg {
 namespace {
 
-/// Some programs write the PostScript name in the family's place: "Oswald-Bold".
-bool isPostScriptName(std::string_view family) {
+/// Some programs write the PostScript name in the family's place: "Oswald-Bold", "MinionPro-Disp".
+/// @return where the words of the style begin in it, npos for what is no such name
+std::size_t styleInPostScriptName(std::string_view family) {
+    const auto fits = [](char c) {
+        return c > ' ' && c < 0x7F && std::string_view("()<>[]{}/%").find(c) == std::string::npos;
+    };
     const std::size_t dash = family.find('-');
     return dash != std::string_view::npos && dash != 0 && dash + 1 < family.size() &&
-           family.find(' ') == std::string_view::npos &&
-           readStyleWords(family.substr(dash + 1)).complete;
+                   std::all_of(family.begin(), family.end(), fits)
+               ? dash + 1
+               : std::string_view::npos;
 }
 
 /// A family that is written with escapes may hold line ends, which no font's name does and which
@@ -25,13 +31,13 @@ std::string inOneLine(std::string family) {
 
 } // namespace
 
-Face makeFace(const Tree& tree, const Styles& styles, const Style& style) {
+Face makeFace(const Tree& tree, const Styles& styles, const Style& look) {
     Face face;
-    face.weight = static_cast<int>(style.value(css::Property::Weight));
-    face.slant = static_cast<Slant>(style.value(css::Property::Slant));
-    face.stretch = style.value(css::Property::Stretch) / 1000.0;
+    face.weight = static_cast<int>(look.value(css::Property::Weight));
+    face.slant = static_cast<Slant>(look.value(css::Property::Slant));
+    face.stretch = look.value(css::Property::Stretch) / 1000.0;
 
-    const auto families = css::readFamilies(styles.texts[style.value(css::Property::Family)]);
+    const auto families = css::readFamilies(styles.texts[look.value(css::Property::Family)]);
     if (families.empty() || families.front().generic) {
         face.family = families.empty() ? "sans-serif" : families.front().name;
         face.origin = FaceOrigin::Generic;
@@ -41,11 +47,12 @@ Face makeFace(const Tree& tree, const Styles& styles, const Style& style) {
         if (styles.sheets.embeddedFamilies().contains(folded) ||
             tree.embeddedFamilies.contains(folded)) {
             face.origin = FaceOrigin::Embedded;
-        } else if (isPostScriptName(face.family)) {
+        } else if (const std::size_t style = styleInPostScriptName(face.family);
+                   style != std::string_view::npos) {
             face.postScriptName = face.family;
-            const StyleWords words =
-                readStyleWords(std::string_view(face.family).substr(face.family.find('-') + 1));
-            if (face.weight == 400 && face.slant == Slant::Upright && face.stretch == 100) {
+            const StyleWords words = readStyleWords(std::string_view(face.family).substr(style));
+            if (words.complete && face.weight == 400 && face.slant == Slant::Upright &&
+                face.stretch == 100) {
                 face.weight = words.weight;
                 face.slant = words.slant;
                 face.stretch = words.stretch;

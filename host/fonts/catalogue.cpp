@@ -229,6 +229,13 @@ FontKey Catalogue::resolve(const Face& face) {
     if (const FontKey key = byPostScriptName(conventional); key != noFont) {
         return key;
     }
+    // A family that nobody has may be a PostScript name, whatever weight is asked for beside it:
+    // programs write the weight of the face that they name so.
+    if (!byFamily_.contains(foldName(face.family))) {
+        if (const FontKey key = byPostScriptName(face.family); key != noFont) {
+            return key;
+        }
+    }
     // The whole name of a face in the family's place says nothing of a style beside it.
     if (face.weight == 400 && face.slant == Slant::Upright &&
         sameStretch(face.stretch, normalStretch)) {

@@ -25,7 +25,10 @@ TEST(AStyleName, SaysWhatItsWordsMean) {
           Case{"Condensed Extra Light", 200, Slant::Upright, 75},
           Case{"ExtraCondensed-ExtraLight", 200, Slant::Upright, 62.5},
           Case{"SemiBold It", 600, Slant::Italic, 100}, Case{"BoldMT", 700, Slant::Upright, 100},
-          Case{"Book Oblique", 400, Slant::Oblique, 100}}) {
+          Case{"Book Oblique", 400, Slant::Oblique, 100}, Case{"BdIta", 700, Slant::Italic, 100},
+          Case{"BoldDisp", 700, Slant::Upright, 100}, Case{"BdCnO", 700, Slant::Oblique, 75},
+          Case{"CaptIt", 400, Slant::Italic, 100}, Case{"LtExtObl", 300, Slant::Oblique, 125},
+          Case{"SemiboldSemiExtItSubh", 600, Slant::Italic, 112.5}}) {
         const StyleWords words = readStyleWords(c.words);
         EXPECT_TRUE(words.complete) << c.words;
         EXPECT_EQ(words.weight, c.weight) << c.words;

@@ -171,9 +171,31 @@ TEST(AStyleSheet, CostsABoundedAmountOfWork) {
 }
 
 TEST(AStyle, KeepsThePostScriptNameThatStandsForTheFamily) {
-    const Document document = read("<text font-family='Oswald-Bold'>a</text>");
-    EXPECT_EQ(document.faceOf(document.run(0)).postScriptName, "Oswald-Bold");
-    EXPECT_EQ(document.faceOf(document.run(0)).weight, 700);
+    struct Name {
+        const char* attributes;
+        const char* postScriptName;
+        const char* style;
+    };
+    for (const Name& c : {
+             Name{"font-family='Oswald-Bold'", "Oswald-Bold", "Bold"},
+             Name{"font-family='C059-BdIta, C059' font-weight='700' font-style='italic'",
+                  "C059-BdIta", "Bold Italic"},
+             Name{"font-family='C059-BdIta'", "C059-BdIta", "Bold Italic"},
+             Name{"font-family='MinionPro-Disp'", "MinionPro-Disp", "Regular"},
+             Name{"font-family='HelveticaNeueLTStd-BdCnO'", "HelveticaNeueLTStd-BdCnO",
+                  "Condensed Bold Oblique"},
+             Name{"font-family='AGaramondPro-Titling'", "AGaramondPro-Titling", "Regular"},
+             Name{"font-family='AGaramondPro-Titling' font-weight='600'", "AGaramondPro-Titling",
+                  "SemiBold"},
+             Name{"font-family='Two Words-Bold'", "", "Regular"},
+             Name{"font-family='M\xC3\xBCller-Fett'", "", "Regular"},
+             Name{"font-family='Foo-'", "", "Regular"},
+         }) {
+        const Document document = read(std::string("<text ") + c.attributes + ">a</text>");
+        const Face& face = document.faceOf(document.run(0));
+        EXPECT_EQ(face.postScriptName, c.postScriptName) << c.attributes;
+        EXPECT_EQ(face.style, c.style) << c.attributes;
+    }
 }
 
 } // namespace
