@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <utility>
 
 namespace host {
 
@@ -33,61 +33,66 @@ const char* textOf(FaceState state) noexcept {
     return texts[static_cast<std::size_t>(state)];
 }
 
-FaceSurvey::FaceSurvey(OpenDocument& document, FontList& fonts) : rows_(take(document, fonts)) {}
-
-std::vector<FaceSurvey::Row> FaceSurvey::take(OpenDocument& document, FontList& fonts) {
-    std::vector<Row> rows;
-    std::unordered_map<FontKey, std::size_t> places;
+FaceSurvey::FaceSurvey(OpenDocument& document, FontList& fonts) {
     for (const TextRun& run : document.document().runs()) {
-        if (!run.visible) {
-            continue;
+        if (run.visible) {
+            ++rows_[rowOf(run.face, document, fonts)].outcome.runs;
         }
-        const FontKey font = document.fontOf(run.face, fonts);
-        const auto [place, isNew] = places.try_emplace(font, rows.size());
-        if (isNew) {
-            const Face& face = document.document().face(run.face);
-            const FontEntry& entry = *fonts.catalogue().entry(font);
-            Row row;
-            row.outcome.family = face.family;
-            row.outcome.style = face.style;
-            row.outcome.postScriptName = entry.face.postScriptName;
-            row.outcome.before = stateOf(entry);
-            row.outcome.after = *row.outcome.before;
-            row.font = font;
-            row.face = run.face;
-            rows.push_back(std::move(row));
-        }
-        ++rows[place->second].outcome.runs;
     }
-    return rows;
+}
+
+/// Faces that are the same font share a row.
+std::size_t FaceSurvey::rowOf(FaceId id, OpenDocument& document, FontList& fonts) {
+    const auto [ofFace, newFace] = rowOfFace_.try_emplace(id, rows_.size());
+    if (!newFace) {
+        return ofFace->second;
+    }
+    const FontKey font = document.fontOf(id, fonts);
+    const auto [ofFont, newFont] = rowOfFont_.try_emplace(font, rows_.size());
+    ofFace->second = ofFont->second;
+    if (newFont) {
+        const Face& face = document.document().face(id);
+        const FontEntry& entry = *fonts.catalogue().entry(font);
+        Row row;
+        row.outcome.family = face.family;
+        row.outcome.style = face.style;
+        row.outcome.postScriptName = entry.face.postScriptName;
+        row.outcome.before = stateOf(entry);
+        row.outcome.after = *row.outcome.before;
+        row.face = id;
+        rows_.push_back(std::move(row));
+    }
+    return ofFace->second;
 }
 
 std::vector<FaceOutcome> FaceSurvey::compareWith(OpenDocument& document, FontList& fonts) const {
-    std::vector<Row> rows = rows_;
-    std::unordered_map<FontKey, std::size_t> places; // by the font that a face has now
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        FaceOutcome& outcome = rows[i].outcome;
-        const FontKey font = document.fontOf(rows[i].face, fonts);
-        places.try_emplace(font, i);
+    FaceSurvey now = *this;
+    // Fonts are other ones by now: several rows may have become one font. A face that came by
+    // replacement goes to the first of them.
+    now.rowOfFont_.clear();
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        FaceOutcome& outcome = now.rows_[i].outcome;
+        const FontKey font = document.fontOf(rows_[i].face, fonts);
+        now.rowOfFont_.try_emplace(font, i);
         const FontEntry& entry = *fonts.catalogue().entry(font);
         outcome.after = stateAfter(*outcome.before, stateOf(entry));
         outcome.postScriptName = entry.face.postScriptName;
     }
-    for (const Row& now : take(document, fonts)) {
-        const auto [place, isNew] = places.try_emplace(now.font, rows.size());
-        if (isNew) {
-            rows.push_back(now);
-            rows.back().outcome.before.reset();
-            rows.back().outcome.runs = 0;
+    for (const TextRun& run : document.document().runs()) {
+        if (run.visible) {
+            ++now.rows_[now.rowOf(run.face, document, fonts)].outcome.runsNow;
         }
-        rows[place->second].outcome.runsNow += now.outcome.runs;
     }
     std::vector<FaceOutcome> outcomes;
-    for (Row& row : rows) {
-        if (row.outcome.runsNow == 0) {
-            row.outcome.after = FaceState::Replaced;
+    for (std::size_t i = 0; i < now.rows_.size(); ++i) {
+        FaceOutcome& outcome = now.rows_[i].outcome;
+        if (i >= rows_.size()) {
+            outcome.before.reset();
+        } else if (outcome.runsNow == 0) {
+            // A run keeps its face until it is given another.
+            outcome.after = FaceState::Replaced;
         }
-        outcomes.push_back(std::move(row.outcome));
+        outcomes.push_back(std::move(outcome));
     }
     return outcomes;
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -18,7 +19,7 @@ enum class FaceState : std::uint8_t {
     Embedded, ///< the document brings it along
     Missing,
     ActivatedNow, ///< was missing
-    Replaced      ///< no run has it any more
+    Replaced      ///< all its runs were given another
 };
 
 /// In the words of reports: "installed", "activated now", ...
@@ -48,12 +49,13 @@ public:
 private:
     struct Row {
         FaceOutcome outcome;
-        FontKey font = noFont;
-        FaceId face = 0; ///< the first of that font
+        FaceId face = 0; ///< the first of the row's font
     };
-    static std::vector<Row> take(OpenDocument& document, FontList& fonts);
+    std::size_t rowOf(FaceId face, OpenDocument& document, FontList& fonts);
 
     std::vector<Row> rows_;
+    std::unordered_map<FontKey, std::size_t> rowOfFont_;
+    std::unordered_map<FaceId, std::size_t> rowOfFace_; ///< of faces that visible runs have
 };
 
 } // namespace host

@@ -60,6 +60,24 @@ TEST_F(AFaceSurvey, TellsWhatBecameOfEachFace) {
                             Line{"Beta-Italic", "-", "installed", 0, 1}));
 }
 
+TEST_F(AFaceSurvey, TellsFacesApartThatBecomeOneFont) {
+    Face byName = named("Gamma-Bold", "Bold");
+    byName.postScriptName = "Gamma-Bold";
+    OpenDocument& document = open(makeDocument({{{{named("Gamma", "Bold")},
+                                                  {byName},
+                                                  {named("Old", "Regular")},
+                                                  {named("Gamma", "Bold")}}}}));
+    FontList& fonts = application.fonts();
+    const FaceSurvey survey(document, fonts);
+    faces.push_back(installed("Gamma", "Bold"));
+    document.document().replaceFace(2, named("gamma", "Bold"));
+    application.refreshFonts();
+    EXPECT_THAT(linesOf(survey.compareWith(document, fonts)),
+                ElementsAre(Line{"Gamma-Bold", "missing", "activated now", 2, 3},
+                            Line{"Gamma-Bold", "missing", "activated now", 1, 1},
+                            Line{"Old-Regular", "missing", "replaced", 1, 0}));
+}
+
 TEST_F(AFaceSurvey, NoticesAFontThatWent) {
     OpenDocument& document = open(makeDocument({{{{named("Alpha", "Regular")}}}}));
     const FaceSurvey survey(document, application.fonts());
