@@ -8,7 +8,7 @@ enum ExitStatus : int {
     exitSuccess = 0,
     exitFontsMissing = 1,   ///< only with --fail-on-missing
     exitDocumentFailed = 2, ///< a document could not be opened or saved
-    exitPluginFailed = 3,   ///< the plug-in could not be loaded, or failed at start-up
+    exitPluginFailed = 3,   ///< the plug-in could not be loaded, unloaded or started
     exitUsage = 64,         ///< the command line is wrong
     exitOutputFailed = 74,  ///< the report could not be written
 };

@@ -94,7 +94,11 @@ void Session::startPlugin() {
 }
 
 void Session::reloadPlugin() {
-    if (plugin_ == nullptr || !plugin_->unload()) {
+    if (plugin_ == nullptr) {
+        return;
+    }
+    if (!plugin_->unload()) {
+        report_.pluginFailed = true;
         return;
     }
     try {
@@ -102,6 +106,7 @@ void Session::reloadPlugin() {
         if (error != kNoErr) {
             frontend_.reportError(plugin_->name() + ": the plug-in was reloaded with error " +
                                   errorText(error));
+            report_.pluginFailed = true; // it may not look at any further drawing
         }
         ++report_.reloads;
     } catch (const PluginError& problem) {

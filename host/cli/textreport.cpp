@@ -85,7 +85,7 @@ std::string textOfDocument(const DocumentReport& document) {
     if (!document.opened) {
         return {};
     }
-    std::string text = document.file + "\n";
+    std::string text = printable(document.file) + "\n";
     if (document.faces.empty()) {
         return text + "  no text\n";
     }
@@ -96,7 +96,7 @@ std::string textOfDocument(const DocumentReport& document) {
         text += "  (closed by the plug-in; states are those before)\n";
     }
     if (!document.savedAs.empty()) {
-        text += "  saved as " + document.savedAs + "\n";
+        text += "  saved as " + printable(document.savedAs) + "\n";
     }
     return text;
 }

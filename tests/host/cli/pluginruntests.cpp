@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
+
 namespace host::test {
 namespace {
 
@@ -73,6 +75,22 @@ TEST_F(ARun, GoesOnWithoutAPluginThatCannotBeLoaded) {
     EXPECT_THAT(result.errors, HasSubstr("failed to start with error 'OOPS'"));
 }
 
+TEST_F(ARun, FailsWhenThePluginCannotBeReloaded) {
+    for (const auto& [step, message] :
+         {std::pair{"Unload", "refuses to be unloaded with error 'OOPS'"},
+          std::pair{"Reload", "was reloaded with error 'OOPS'"}}) {
+        letMisbehave(step);
+        const ProgramResult result =
+            run({"open", "--report", "json", "--reload", "--plugin", bundle("misbehaving"),
+                 goodDrawing("a.svg"), goodDrawing("b.svg")});
+        EXPECT_EQ(result.status, 3) << step;
+        EXPECT_THAT(result.errors, HasSubstr(message));
+        const json report = json::parse(result.output);
+        EXPECT_EQ(report["pluginFailed"], true) << step;
+        EXPECT_EQ(report["documents"].size(), 2U) << step;
+    }
+}
+
 TEST_F(ARun, TellsMisbehaviourApartFromErrors) {
     letMisbehave("thrown number");
     const ProgramResult result = run({"open", "--report", "json", "--plugin", bundle("misbehaving"),
@@ -99,6 +117,14 @@ TEST_F(ARun, SavesAnUnchangedDrawingByteForByte) {
     const std::string copy = folder / "copy.svg";
     EXPECT_EQ(run({"open", "--no-plugin", "--save", copy, drawing}).status, 0);
     EXPECT_EQ(contentOf(copy), contentOf(drawing));
+}
+
+TEST_F(ARun, RefusesToReplaceTheFileThatItsReportGoesTo) {
+    const std::string report = folder / "stdout";
+    const ProgramResult result = run({"open", "--no-plugin", "--save", report, goodDrawing()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("the program's own output goes there"));
+    EXPECT_THAT(result.output, HasSubstr("NoSuchFace-Bold"));
 }
 
 TEST_F(ARun, CanBeASelfTest) {

@@ -60,6 +60,11 @@ TEST(AReport, IsATableWithAlignedColumns) {
                     "  B Bold        X-Bold           missing  replaced       2 -> 0\n"
                     "  C??[31m Bold  X-Bold           -        installed      0 -> 2\n");
     EXPECT_EQ(textOfDocument(documentWith({})), "d.svg\n  no text\n");
+    DocumentReport oddNames = documentWith({replaced});
+    oddNames.file = "d\x1B[2J\n.svg";
+    oddNames.savedAs = "e\r.svg";
+    EXPECT_THAT(textOfDocument(oddNames), testing::StartsWith("d?[2J?.svg\n"));
+    EXPECT_THAT(textOfDocument(oddNames), testing::HasSubstr("  saved as e?.svg\n"));
     EXPECT_EQ(textOfDocument({}), "");
 }
 

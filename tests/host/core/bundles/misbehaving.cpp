@@ -102,5 +102,8 @@ PluginMain(const char* caller, const char* selector, void* message) {
     if (std::string_view(selector) == "Startup") {
         return startUp(data);
     }
+    if (std::string_view(caller) == "SP Access" && doesWrong(selector)) {
+        return FourChars("OOPS"); // "Unload" or "Reload"
+    }
     return std::string_view(caller) == "AI Notifier" ? notified(data) : kNoErr;
 }
