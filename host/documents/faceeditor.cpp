@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Decides which edits put the replaced faces of a document into its source, and checks the result
-// by reading it again: if any text came out in another face than it should, the careful way, a span
-// around each replaced piece, is taken instead.
+// by reading it again: what came out in another face than it should is edited in the careful way
+// instead, by a span around each replaced piece.
 #include "host/documents/faceeditor.h"
 
 #include "host/documents/faceedits.h"
@@ -11,7 +11,9 @@
 #include <cmath>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 namespace host::svg {
@@ -22,28 +24,64 @@ using css::Property;
 constexpr std::array<Property, css::facePropertyCount> faceProperties{
     Property::Family, Property::Slant, Property::Weight, Property::Stretch, Property::Hint};
 
-std::string firstFamily(const Styles& styles, const Style& style) {
-    const auto families = css::readFamilies(styles.texts[style.value(Property::Family)]);
-    return families.empty() ? std::string() : families.front().name;
-}
-
 std::uint32_t stretchNumber(const Face& face) {
     return static_cast<std::uint32_t>(std::lround(face.stretch * 1000));
 }
 
+/// The family of each list that begins with one, read once.
+class FirstFamilies {
+public:
+    std::string_view of(const Drawing& drawing, const Style& style) {
+        const auto [place, added] = known_.try_emplace(style.value(Property::Family));
+        if (added) {
+            auto families = css::readFamilies(drawing.styles.texts[place->first]);
+            if (!families.empty()) {
+                place->second = std::move(families.front().name);
+            }
+        }
+        return place->second;
+    }
+
+private:
+    std::unordered_map<std::uint32_t, std::string> known_;
+};
+
 /// The text of a drawing with the face of each part, blanks left out.
 struct FacedText {
-    using Key = std::tuple<std::string, std::uint32_t, std::uint32_t, std::uint32_t>;
-    std::vector<std::pair<Key, std::string>> parts;
+    using Key = std::tuple<std::string_view, std::uint32_t, std::uint32_t, std::uint32_t>;
+    struct Part {
+        Key key;
+        std::size_t end; ///< in the text
+        std::size_t piece;
+    };
+    std::string text;
+    std::vector<Part> parts;
 
-    void add(Key key, std::string_view text) {
-        if (parts.empty() || parts.back().first != key) {
-            parts.emplace_back(std::move(key), std::string());
-        }
-        std::copy_if(text.begin(), text.end(), std::back_inserter(parts.back().second),
+    void add(const Key& key, std::string_view characters, std::size_t piece) {
+        std::copy_if(characters.begin(), characters.end(), std::back_inserter(text),
                      [](char c) { return static_cast<unsigned char>(c) > 0x20; });
+        parts.push_back({key, text.size(), piece});
     }
-    bool operator==(const FacedText&) const = default;
+
+    /// The pieces of this text that have another face in `other`. @param other of the same text
+    std::vector<std::size_t> differences(const FacedText& other) const {
+        std::vector<std::size_t> result;
+        std::size_t theirs = 0;
+        std::size_t position = 0;
+        for (const Part& part : parts) {
+            bool same = true;
+            for (; position < part.end; position = std::min(part.end, other.parts[theirs].end)) {
+                while (other.parts[theirs].end <= position) {
+                    ++theirs;
+                }
+                same = same && other.parts[theirs].key == part.key;
+            }
+            if (!same) {
+                result.push_back(part.piece);
+            }
+        }
+        return result;
+    }
 };
 
 class FaceEditor {
@@ -54,18 +92,28 @@ public:
           drawing_(readDrawing(source, document.name(), options)) {
         shared_.resize(drawing_.tree.elements.size());
         wanted_.resize(drawing_.tree.pieces.size());
+        careful_.resize(wanted_.size());
         for (std::size_t i = 0; i < wanted_.size(); ++i) {
             wanted_[i] = wantedFace(i);
         }
     }
 
     std::string run() {
-        const FacedText expected = facedText(drawing_, true);
-        for (const bool careful : {false, true}) {
-            std::string result = careful ? editCarefully() : edit();
-            if (facedText(readDrawing(result, document_.name(), options_), false) == expected) {
+        const FacedText expected = facedText(drawing_, families_, true);
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            std::string result = edit();
+            const Drawing again = readDrawing(result, document_.name(), options_);
+            FirstFamilies families;
+            const FacedText found = facedText(again, families, false);
+            if (found.text != expected.text) {
+                beCareful({}, true);
+                continue;
+            }
+            const std::vector<std::size_t> wrong = expected.differences(found);
+            if (wrong.empty()) {
                 return result;
             }
+            beCareful(wrong, attempt > 0);
         }
         fail("the new fonts cannot be written without a change to other text");
     }
@@ -95,6 +143,20 @@ private:
                (isReference(drawing, piece) || hasVisibleCharacter(textOf(drawing, piece)));
     }
 
+    /// From now on edits in the careful way the pieces that came out wrong; all of them when that
+    /// cannot help, since some other text came out wrong.
+    void beCareful(const std::vector<std::size_t>& wrong, bool all) {
+        all = all || std::any_of(wrong.begin(), wrong.end(),
+                                 [this](std::size_t piece) { return wanted_[piece] == nullptr; });
+        if (all) {
+            careful_.assign(careful_.size(), true);
+        }
+        for (const std::size_t piece : wrong) {
+            careful_[piece] = true;
+        }
+        shared_.assign(shared_.size(), false);
+    }
+
     /// The new face of a piece, nullptr when it keeps its own.
     const Face* wantedFace(std::size_t piece) const {
         if (!counts(drawing_, piece)) {
@@ -104,8 +166,11 @@ private:
         return run.replaced ? &document_.faceOf(run) : nullptr;
     }
 
-    FacedText facedText(const Drawing& drawing, bool withWantedFaces) const {
+    FacedText facedText(const Drawing& drawing, FirstFamilies& families,
+                        bool withWantedFaces) const {
         FacedText result;
+        result.text.reserve(drawing.tree.text.size());
+        result.parts.reserve(drawing.tree.pieces.size());
         for (std::size_t i = 0; i < drawing.tree.pieces.size(); ++i) {
             if (!counts(drawing, i)) {
                 continue;
@@ -114,13 +179,13 @@ private:
             const Face* face = withWantedFaces ? wanted_[i] : nullptr;
             const auto text = isReference(drawing, i) ? std::string_view("&") : textOf(drawing, i);
             if (face == nullptr) {
-                result.add({firstFamily(drawing.styles, style), style.value(Property::Slant),
+                result.add({families.of(drawing, style), style.value(Property::Slant),
                             style.value(Property::Weight), style.value(Property::Stretch)},
-                           text);
+                           text, i);
             } else {
                 result.add({face->family, static_cast<std::uint32_t>(face->slant),
                             static_cast<std::uint32_t>(face->weight), stretchNumber(*face)},
-                           text);
+                           text, i);
             }
         }
         return result;
@@ -144,15 +209,15 @@ private:
     }
 
     /// What a property of a piece must become, nothing when it may stay.
-    std::optional<NewValue> change(std::size_t piece, Property property) const {
+    std::optional<NewValue> change(std::size_t piece, Property property) {
         const Face* face = wanted_[piece];
-        if (face == nullptr) {
+        if (face == nullptr || careful_[piece]) {
             return std::nullopt;
         }
         const Style& style = styleOf(piece);
         NewValue value = valueFor(property, *face);
         const bool same = property == Property::Family
-                              ? firstFamily(drawing_.styles, style) == face->family
+                              ? families_.of(drawing_, style) == face->family
                           : property == Property::Hint ? style.value(Property::Hint) == 0
                                                        : style.value(property) == value.number;
         return same ? std::nullopt : std::optional(std::move(value));
@@ -207,6 +272,9 @@ private:
             if (!left[i].empty()) {
                 editElement(edits, left, i);
             }
+            if (wanted_[i] != nullptr && careful_[i]) {
+                editCarefully(edits, i);
+            }
         }
         return edits.apply();
     }
@@ -246,9 +314,11 @@ private:
         }
     }
 
-    /// Whether a value is declared below an element, so that it is not inherited through it.
-    static bool declaredInside(ElementId element, const Origin& origin) {
-        return origin.kind != Origin::Kind::Initial && origin.element > element;
+    /// Whether a value is declared below an element, so that it is not inherited through it. What
+    /// a use shows may inherit from anywhere.
+    bool declaredInside(ElementId element, const Origin& origin) const {
+        return origin.kind != Origin::Kind::Initial && origin.element > element &&
+               origin.element < drawing_.tree.elements[element].subtreeEnd;
     }
 
     void wrap(FaceEdits& edits, std::size_t number, const FaceEdits::Values& values,
@@ -261,27 +331,20 @@ private:
         edits.wrap(piece, values, important);
     }
 
-    std::string editCarefully() {
-        FaceEdits edits(source_, drawing_.tree, drawing_.styles, unicode_);
-        for (std::size_t i = 0; i < wanted_.size(); ++i) {
-            if (wanted_[i] == nullptr) {
-                continue;
-            }
-            FaceEdits::Values values;
-            for (const Property property : faceProperties) {
-                if (property != Property::Hint || styleOf(i).value(Property::Hint) != 0) {
-                    values.emplace(property, valueFor(property, *wanted_[i]));
-                }
-            }
-            const Piece& piece = drawing_.tree.pieces[i];
-            if (isReference(drawing_, i) &&
-                drawing_.tree.elements[piece.element].tagStart != noPlace) {
-                edits.addToElement(piece.element, values, true);
-            } else {
-                wrap(edits, i, values, true);
+    void editCarefully(FaceEdits& edits, std::size_t number) {
+        FaceEdits::Values values;
+        for (const Property property : faceProperties) {
+            if (property != Property::Hint || styleOf(number).value(Property::Hint) != 0) {
+                values.emplace(property, valueFor(property, *wanted_[number]));
             }
         }
-        return edits.apply();
+        const Piece& piece = drawing_.tree.pieces[number];
+        if (isReference(drawing_, number) &&
+            drawing_.tree.elements[piece.element].tagStart != noPlace) {
+            edits.addToElement(piece.element, values, true);
+        } else {
+            wrap(edits, number, values, true);
+        }
     }
 
     const std::string& source_;
@@ -289,7 +352,9 @@ private:
     const SvgOptions& options_;
     bool unicode_;
     Drawing drawing_;
+    FirstFamilies families_;          ///< of the drawing
     std::vector<const Face*> wanted_; ///< by piece
+    std::vector<bool> careful_;       ///< by piece
     std::vector<bool> shared_;        ///< by element: holds text that must keep its face
 };
 

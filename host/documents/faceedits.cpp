@@ -108,6 +108,8 @@ std::string FaceEdits::valueText(Property property, const NewValue& value,
         const std::string thousandths = std::to_string(1000 + value.number % 1000);
         return std::to_string(value.number / 1000) + "." + thousandths.substr(1) + "%";
     }
+    case Property::Visibility:
+    case Property::Size:
     case Property::Display:
         break;
     }
@@ -148,7 +150,8 @@ bool FaceEdits::changeDeclaration(Property property, const Origin& origin, const
         return changeInBlock(place.start, place.end, property, origin, value, context);
     }
     const xml::DecodedText decoded = xml::decode(source_, place.start, place.end);
-    const auto families = css::readFamilies(decoded.text);
+    std::string blanked;
+    const auto families = css::readFamilies(css::blankComments(decoded.text, blanked));
     if (!decoded.complete) {
         return false;
     }
@@ -170,9 +173,11 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
     if (!decoded.complete) {
         return false;
     }
+    std::string blanked;
+    const std::string_view block = css::blankComments(decoded.text, blanked);
     // The last declaration of several is the one that counts.
     css::Declaration found;
-    css::DeclarationCursor cursor(decoded.text);
+    css::DeclarationCursor cursor(block);
     for (css::Declaration declaration; cursor.next(declaration);) {
         Property named{};
         const bool matches =
@@ -186,7 +191,7 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
         return false;
     }
     const auto offsetOf = [&](std::string_view part) {
-        return static_cast<std::size_t>(part.data() - decoded.text.data());
+        return static_cast<std::size_t>(part.data() - block.data());
     };
     const auto replace = [&](std::size_t from, std::size_t to, std::string_view text) {
         edits_.push_back(
@@ -204,7 +209,7 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
             return false;
         }
         const std::size_t familyStart = valueStart + skipped + families.front().start;
-        const char first = decoded.text[familyStart];
+        const char first = block[familyStart];
         replace(familyStart, valueStart + skipped + families.front().end,
                 familyText(value, context, first == '"' || first == '\''));
         return true;
@@ -234,7 +239,8 @@ std::string FaceEdits::hintName(ElementId element) const {
     } else if (origin.kind == Origin::Kind::Inline) {
         block = tree_.valueOf(origin.element, AttributeName::Style);
     }
-    css::DeclarationCursor cursor(block);
+    std::string blanked;
+    css::DeclarationCursor cursor(css::blankComments(block, blanked));
     for (css::Declaration declaration; cursor.next(declaration);) {
         Property property{};
         if (css::readPropertyName(declaration.name, property) && property == Property::Hint) {
@@ -279,9 +285,9 @@ void FaceEdits::addToElement(ElementId element, const Values& values, bool impor
                               .append("\"")});
         return;
     }
-    const std::string_view old =
-        css::trim(std::string_view(source_).substr(place.start, place.end - place.start));
-    const bool separated = old.empty() || old.back() == ';';
+    // A ';' too many does no harm, as one that only ends an entity would.
+    const xml::DecodedText old = xml::decode(source_, place.start, place.end);
+    const bool separated = old.complete && css::endsSeparated(old.text);
     edits_.push_back({place.end, place.end,
                       std::string(separated ? "" : ";") +
                           declarations(element, values, important, {place.quote, false})});

@@ -35,7 +35,8 @@ public:
     bool changeDeclaration(css::Property property, const Origin& origin, const NewValue& value);
 
     using Values = std::map<css::Property, NewValue>;
-    /// Puts declarations into the style attribute of an element, before all others.
+    /// Puts declarations into the style attribute of an element, after all others, so that they
+    /// win over these.
     void addToElement(ElementId element, const Values& values, bool important);
     /// Puts a span with declarations around a piece.
     void wrap(const Piece& piece, const Values& values, bool important);

@@ -181,7 +181,8 @@ void writeFile(const std::filesystem::path& file, std::string_view bytes) {
         throw DocumentError(file.string(), "cannot be written: is not a regular file");
     }
     if (exists && isOwnOutput(old)) {
-        throw DocumentError(file.string(), "cannot be written: the program's own output goes there");
+        throw DocumentError(file.string(),
+                            "cannot be written: the program's own output goes there");
     }
     const std::string target = targetOf(file, exists);
     std::string name;

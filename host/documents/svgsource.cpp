@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace host::svg {
 namespace {
@@ -32,6 +35,40 @@ Bytef* bytesOf(const char* text) {
     return reinterpret_cast<Bytef*>(const_cast<char*>(text));
 }
 
+/// What has been unpacked so far, in blocks, lest growing copy it and take twice its room.
+class Unpacked {
+public:
+    /// Room for the next bytes.
+    void offer(z_stream& stream) {
+        if (blocks_.empty() || used_ == chunkSize) {
+            blocks_.push_back(std::make_unique_for_overwrite<char[]>(chunkSize)); // NOLINT
+            used_ = 0;
+        }
+        stream.next_out = bytesOf(blocks_.back().get() + used_);
+        stream.avail_out = static_cast<uInt>(chunkSize - used_);
+    }
+    void take(const z_stream& stream) { used_ = chunkSize - stream.avail_out; }
+    std::size_t size() const {
+        return blocks_.empty() ? 0 : (blocks_.size() - 1) * chunkSize + used_;
+    }
+    /// @return all of it; nothing is left
+    std::string join() {
+        std::string text;
+        text.reserve(size());
+        const std::size_t whole = size();
+        for (auto& block : blocks_) {
+            text.append(block.get(), std::min(chunkSize, whole - text.size()));
+            block.reset();
+        }
+        return text;
+    }
+    std::string_view start() const { return {blocks_.front().get(), std::min(size(), chunkSize)}; }
+
+private:
+    std::vector<std::unique_ptr<char[]>> blocks_; // NOLINT: not to be filled with zeros first
+    std::size_t used_ = 0;                        ///< of the last one
+};
+
 std::string inflateAll(std::string_view bytes, std::string_view name, std::size_t limit) {
     z_stream stream{};
     if (inflateInit2(&stream, 15 + 16) != Z_OK) {
@@ -40,40 +77,36 @@ std::string inflateAll(std::string_view bytes, std::string_view name, std::size_
     const std::unique_ptr<z_stream, InflateEnd> guard(&stream);
     stream.next_in = bytesOf(bytes.data());
     stream.avail_in = static_cast<uInt>(bytes.size());
+    const auto fail = [&](const std::string& what) {
+        throw DocumentError(name, "the gzip data " + what + " byte " +
+                                      std::to_string(bytes.size() - stream.avail_in));
+    };
 
-    std::string text;
-    std::size_t used = 0;
+    Unpacked text;
     while (true) {
-        if (text.size() - used < chunkSize) {
-            text.resize(std::max(std::min(used * 2, limit + 1), used + chunkSize));
-        }
-        stream.next_out = bytesOf(text.data() + used);
-        stream.avail_out = static_cast<uInt>(text.size() - used);
+        const bool first = text.size() == 0;
+        text.offer(stream);
         const int status = inflate(&stream, Z_NO_FLUSH);
-        const bool first = used == 0;
-        used = text.size() - stream.avail_out;
-        if (used > limit) {
+        text.take(stream);
+        if (text.size() > limit) {
             tooLarge(name, limit);
         }
         // What does not begin like a drawing need not be unpacked to its end.
-        if (first && used > 4 && text.find_first_of("<\xFE\xFF", 0) > chunkSize / 2) {
+        if (first && text.size() > 4 && text.start().find_first_of("<\xFE\xFF") > chunkSize / 2) {
             throw DocumentError(name, "not XML", 1, 1);
         }
         if (status == Z_STREAM_END) {
             // Several gzip members may follow one another; anything else after one is ignored.
             if (stream.avail_in < 2 || stream.next_in[0] != 0x1F || stream.next_in[1] != 0x8B) {
-                break;
+                return text.join();
             }
             inflateReset(&stream);
         } else if (status != Z_OK && status != Z_BUF_ERROR) {
-            throw DocumentError(name, "the gzip data are damaged");
+            fail("are damaged at");
         } else if (stream.avail_in == 0 && stream.avail_out != 0) {
-            throw DocumentError(name, "the gzip data end too early");
+            fail("end too early, after");
         }
     }
-    text.resize(used);
-    text.shrink_to_fit();
-    return text;
 }
 
 std::string deflateAll(std::string_view text) {
@@ -186,22 +219,39 @@ private:
 Source decodeSource(std::string bytes, std::string_view name, std::size_t limit) {
     Source source;
     source.gzipped = bytes.starts_with("\x1F\x8B");
-    source.text = source.gzipped ? inflateAll(bytes, name, limit) : std::move(bytes);
+    source.file = std::move(bytes);
+    source.text =
+        source.gzipped ? inflateAll(source.file, name, limit) : std::exchange(source.file, {});
     if (source.text.size() > limit) {
         tooLarge(name, limit);
     }
     source.encoding = encodingOf(source.text);
     if (!source.encoding.empty()) {
-        source.text = Converter("UTF-8", source.encoding, name).convert(source.text, name, limit);
+        std::string text =
+            Converter("UTF-8", source.encoding, name).convert(source.text, name, limit);
+        if (!source.gzipped) {
+            source.file = std::move(source.text);
+        }
+        source.text = std::move(text);
     }
     return source;
 }
 
 std::string encodeText(std::string text, const Source& source, bool gzip, std::string_view name) {
+    constexpr std::size_t noLimit = std::string::npos - 1;
     if (!source.encoding.empty()) {
-        text = Converter(source.encoding, "UTF-8", name).convert(text, name, std::string::npos - 1);
+        std::string bytes = Converter(source.encoding, "UTF-8", name).convert(text, name, noLimit);
+        if (Converter("UTF-8", source.encoding, name).convert(bytes, name, noLimit) != text) {
+            throw DocumentError(name, "the text cannot be written in the encoding of the file");
+        }
+        text = std::move(bytes);
     }
     return gzip ? deflateAll(text) : text;
+}
+
+std::string repack(const Source& source, std::string_view name) {
+    return source.gzipped ? inflateAll(source.file, name, std::string::npos - 1)
+                          : deflateAll(source.asRead());
 }
 
 } // namespace host::svg

@@ -5,6 +5,8 @@
 #include "host/documents/css.h"
 #include "host/documents/faceeditor.h"
 
+#include <utility>
+
 namespace host::svg {
 
 void Writer::save(const Document& document, const std::filesystem::path& file) const {
@@ -12,10 +14,17 @@ void Writer::save(const Document& document, const std::filesystem::path& file) c
     const bool gzip = css::equalsIgnoringCase(extension, ".svgz") ||
                       css::equalsIgnoringCase(extension, ".gz") ||
                       (source_.gzipped && !css::equalsIgnoringCase(extension, ".svg"));
-    std::string text = document.modified()
-                           ? editFaces(source_.text, document, options_, source_.encoding.empty())
-                           : source_.text;
-    writeFile(file, encodeText(std::move(text), source_, gzip, document.name()));
+    const std::string& name = document.name();
+    if (!document.modified()) {
+        if (gzip == source_.gzipped) {
+            writeFile(file, source_.asRead());
+        } else {
+            writeFile(file, repack(source_, name));
+        }
+        return;
+    }
+    std::string text = editFaces(source_.text, document, options_, source_.encoding.empty());
+    writeFile(file, encodeText(std::move(text), source_, gzip, name));
 }
 
 } // namespace host::svg

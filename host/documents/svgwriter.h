@@ -11,7 +11,7 @@
 namespace host::svg {
 
 /// Files ending in .svgz or .gz are gzipped, those ending in .svg are not; under any other name
-/// the drawing stays as it was.
+/// the drawing stays as it was. With no face replaced, the file is written as it was read.
 class Writer final : public DocumentWriter {
 public:
     Writer(Source source, const SvgOptions& options)

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <ostream>
@@ -65,6 +66,32 @@ const Case cases[] = {
      "<text style='font-family:X;font-family:New Sans'>a</text>"},
     {"ImportantDeclaration", "<text style='font-family:Old!important;font-family:X'>a</text>",
      "Old", "<text style='font-family:New Sans!important;font-family:X'>a</text>"},
+    {"EntitiesAtTheEndOfAStyle",
+     "<g font-weight='bold'><text style=\"font-family:&quot;Old&quot;\">a</text><text>b</text></g>",
+     "Old",
+     "<g font-weight='bold'><text style=\"font-family:'New Sans';font-weight:normal\">a</text>"
+     "<text>b</text></g>"},
+    {"CommentsStay",
+     "<style>.a{font-weight:/*x*/bold;font: bold /*&amp;*/ 1px /* \"A\", */ Old /*y*/, B}</style>"
+     "<text class='a' font-style='/* z */ italic'>a</text>",
+     "Old",
+     "<style>.a{font-weight:/*x*/bold;font: bold /*&amp;*/ 1px /* \"A\", */ New Sans /*y*/, B;"
+     "font-weight:normal}</style><text class='a' font-style='/* z */ italic'>a</text>"},
+    {"TextThatInheritsFromItsUse",
+     "<defs><text id='t'>a<tspan>b</tspan></text></defs><g font-family='Old'><use href='#t'/><text "
+     "font-weight='bold'>c</text></g>",
+     "Old/Regular",
+     "<defs><text id='t' style=\"font-family:'New Sans'\">a<tspan>b</tspan></text></defs>"
+     "<g font-family='Old'><use href='#t'/><text font-weight='bold'>c</text></g>"},
+    {"OnlyWhatWouldGoWrongIsDoneCarefully",
+     "<style>.x tspan{font-weight:bold}</style><text class='x' font-family='Old'>a<tspan>b</tspan>"
+     "</text><text font-family='Old'>c<tspan font-weight='bold'>d</tspan></text>",
+     "Old/Regular",
+     "<style>.x tspan{font-weight:bold}</style><text class='x' font-family='Old'><tspan style=\""
+     "font-family:'New Sans' !important;font-style:normal !important;font-weight:normal !important;"
+     "font-stretch:normal !important\">a</tspan><tspan>b</tspan></text><text font-family='Old'>"
+     "<tspan style=\"font-family:'New Sans'\">c</tspan><tspan font-weight='bold'>d</tspan>"
+     "</text>"},
     {"Rule", "<style>.a { font-family: Old; }\n.b{}</style><text class='a'>a</text>", "Old",
      "<style>.a { font-family: New Sans; }\n.b{}</style><text class='a'>a</text>"},
     {"RuleInCdata",
@@ -196,6 +223,30 @@ TEST(ASavedDrawing, IsUnchangedWhenNothingWasReplaced) {
     const std::string source = "\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!-- x -->" +
                                drawing("<text\n>a</text >\r\n") + "\n\n";
     EXPECT_EQ(saved(readSvg(source, "x.svg")), source);
+}
+
+TEST(ASavedDrawing, IsTheVeryFileWhenNothingWasReplaced) {
+    // The same character in two codes, of which a converter writes one.
+    const std::string twice = "<?xml version='1.0' encoding='windows-31j'?><svg "
+                              "xmlns='http://www.w3.org/2000/svg'><text>\xED\x40\xFA\x5C</text>"
+                              "</svg>";
+    EXPECT_EQ(saved(readSvg(twice, "x.svg")), twice);
+
+    std::string packed(2000, '\0');
+    z_stream stream{};
+    ASSERT_EQ(deflateInit2(&stream, 0, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(twice.data()));
+    stream.avail_in = static_cast<uInt>(twice.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    const Document document = readSvg(packed, "x.svgz");
+    Folder folder;
+    document.save(folder / "same.svgz");
+    EXPECT_EQ(bytesOf(folder / "same.svgz"), packed);
+    EXPECT_EQ(saved(document), twice);
 }
 
 TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
