@@ -17,6 +17,7 @@ ApplicationOptions applicationOptions(const Options& options) {
     ApplicationOptions result;
     result.core.locale = options.locale;
     result.svg.keepGroups = options.keepGroups;
+    result.svg.language = options.locale;
     return result;
 }
 

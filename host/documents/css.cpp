@@ -2,7 +2,9 @@
 // The syntax of style sheets.
 #include "host/documents/css.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace host::css {
@@ -54,6 +56,31 @@ bool startsComment(std::string_view text, std::size_t position) noexcept {
     return text[position] == '/' && position + 1 < text.size() && text[position + 1] == '*';
 }
 
+bool isNameChar(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// The position behind the "url(...)" without quotes that begins at `position`, in which quotes
+/// and "/*" stand for themselves; `position` when none begins there.
+std::size_t skipUrl(std::string_view text, std::size_t position) noexcept {
+    if (!equalsIgnoringCase(text.substr(position, 4), "url(") ||
+        (position != 0 && isNameChar(text[position - 1]))) {
+        return position;
+    }
+    std::size_t end = position + 4;
+    while (end < text.size() && isBlank(text[end])) {
+        ++end;
+    }
+    if (end < text.size() && (text[end] == '"' || text[end] == '\'')) {
+        return position;
+    }
+    while (end < text.size() && text[end] != ')') {
+        end += text[end] == '\\' ? 2 : 1;
+    }
+    return end < text.size() ? end + 1 : text.size();
+}
+
 } // namespace
 
 bool isBlank(char c) noexcept {
@@ -88,6 +115,37 @@ std::size_t skipComment(std::string_view text, std::size_t position) noexcept {
     return end == std::string_view::npos ? text.size() : end + 2;
 }
 
+std::string_view blankComments(std::string_view text, std::string& storage) {
+    if (text.find("/*") == std::string_view::npos) {
+        return text;
+    }
+    storage = text;
+    for (std::size_t i = 0; i < text.size();) {
+        const char c = text[i];
+        if (c == '"' || c == '\'') {
+            i = skipString(text, i);
+        } else if (c == '\\') {
+            i += 2;
+        } else if (startsComment(text, i)) {
+            const std::size_t end = skipComment(text, i);
+            std::fill(storage.begin() + static_cast<std::ptrdiff_t>(i),
+                      storage.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+            i = end;
+        } else {
+            i = std::max(skipUrl(text, i), i + 1);
+        }
+    }
+    return storage;
+}
+
+bool endsSeparated(std::string_view block) noexcept {
+    std::size_t start = 0;
+    for (std::size_t end = 0; (end = findOutside(block, start, ";")) < block.size();) {
+        start = end + 1;
+    }
+    return trim(block.substr(start)).empty();
+}
+
 std::size_t findOutside(std::string_view text, std::size_t position,
                         std::string_view stops) noexcept {
     std::size_t depth = 0;
@@ -106,6 +164,10 @@ std::size_t findOutside(std::string_view text, std::size_t position,
             continue;
         case '/':
             position = startsComment(text, position) ? skipComment(text, position) : position + 1;
+            continue;
+        case 'u':
+        case 'U':
+            position = std::max(skipUrl(text, position), position + 1);
             continue;
         case '(':
         case '[':

@@ -16,8 +16,12 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) noexc
 /// The position after the comment that begins at `position`; the end of the text if it is open.
 std::size_t skipComment(std::string_view text, std::size_t position) noexcept;
 
-/// The position of the first of `stops` outside quotes, comments, escapes and brackets, else the
-/// end of the text.
+/// `text` with blanks in the place of its comments, so that all places stay what they are.
+/// @param storage takes the changed text; `text` itself is the result when it has no comments
+std::string_view blankComments(std::string_view text, std::string& storage);
+
+/// The position of the first of `stops` outside quotes, comments, escapes, brackets and unquoted
+/// "url(...)", else the end of the text.
 std::size_t findOutside(std::string_view text, std::size_t position,
                         std::string_view stops) noexcept;
 
@@ -34,7 +38,8 @@ struct Declaration {
     bool important = false;
 };
 
-/// Walks the declarations of a block or a style attribute; malformed ones are passed over.
+/// Walks the declarations of a block or a style attribute; malformed ones are passed over. Values
+/// keep their comments: see blankComments.
 class DeclarationCursor {
 public:
     explicit DeclarationCursor(std::string_view block) noexcept : rest_(block) {}
@@ -43,5 +48,8 @@ public:
 private:
     std::string_view rest_;
 };
+
+/// Whether another declaration may follow a block as it stands: it is empty or ends in ';'.
+bool endsSeparated(std::string_view block) noexcept;
 
 } // namespace host::css

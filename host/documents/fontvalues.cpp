@@ -5,8 +5,10 @@
 #include "host/documents/css.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <system_error>
 
 namespace host::css {
 namespace {
@@ -86,6 +88,35 @@ bool readStretch(std::string_view text, Value& value) {
     return true;
 }
 
+/// Text of size 0 is not shown. Relative sizes go by the inherited one.
+bool readSize(std::string_view text, Value& value) {
+    static constexpr std::array<std::string_view, 8> keywords{
+        "xx-small", "x-small", "small", "medium", "large", "x-large", "xx-large", "xxx-large"};
+    if (equalsIgnoringCase(text, "larger") || equalsIgnoringCase(text, "smaller")) {
+        value.kind = Value::Kind::Inherit;
+        return true;
+    }
+    if (std::any_of(keywords.begin(), keywords.end(),
+                    [text](std::string_view word) { return equalsIgnoringCase(text, word); }) ||
+        text.find('(') != std::string_view::npos) {
+        return true;
+    }
+    text.remove_prefix(text.starts_with('+') ? 1 : 0);
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc::invalid_argument || number < 0) {
+        return false;
+    }
+    const std::string_view unit(end, static_cast<std::size_t>(text.data() + text.size() - end));
+    if (number == 0 && error == std::errc()) {
+        value.number = 1;
+    } else if (unit == "%" || equalsIgnoringCase(unit, "em") || equalsIgnoringCase(unit, "ex") ||
+               equalsIgnoringCase(unit, "ch")) {
+        value.kind = Value::Kind::Inherit;
+    }
+    return true;
+}
+
 /// Keywords that every property takes. What holds a variable is not known: inherited.
 bool readCommonKeyword(std::string_view text, Value& value) {
     if (equalsIgnoringCase(text, "inherit") || equalsIgnoringCase(text, "unset") ||
@@ -100,13 +131,10 @@ bool readCommonKeyword(std::string_view text, Value& value) {
     return false;
 }
 
-/// The first blank-separated word of a value, taken off it.
+/// The first blank-separated word of a value, taken off it. Blanks in brackets are part of a word.
 std::string_view takeWord(std::string_view& text) {
     text = trim(text);
-    std::size_t end = 0;
-    while (end < text.size() && !isBlank(text[end])) {
-        ++end;
-    }
+    const std::size_t end = findOutside(text, 0, " \t\n\v\f\r");
     const std::string_view word = text.substr(0, end);
     text.remove_prefix(end);
     return word;
@@ -116,6 +144,7 @@ struct Shorthand {
     Value slant{Value::Kind::Initial, 0};
     Value weight{Value::Kind::Initial, 0};
     Value stretch{Value::Kind::Initial, 0};
+    Value size{};
     std::string_view families;
 };
 
@@ -146,6 +175,8 @@ bool readShorthand(std::string_view text, Shorthand& result) {
         } else if (value = {}; readStretch(word, value) && !word.ends_with('%')) {
             result.stretch = value;
         } else {
+            const bool bracketed = word.find('(') != std::string_view::npos;
+            readSize(bracketed ? word : word.substr(0, word.find('/')), result.size);
             rest = trim(rest);
             // "12px / 1.5 Foo" is the same as "12px/1.5 Foo".
             if (word.ends_with('/')) {
@@ -167,8 +198,8 @@ void readFontShorthand(const Declaration& declaration, TextTable& texts,
         result.push_back({property, declaration.important, true, value});
     };
     const auto addAll = [&](Value value) {
-        for (const Property property :
-             {Property::Family, Property::Slant, Property::Weight, Property::Stretch}) {
+        for (const Property property : {Property::Family, Property::Slant, Property::Weight,
+                                        Property::Stretch, Property::Size}) {
             add(property, value);
         }
     };
@@ -193,6 +224,7 @@ void readFontShorthand(const Declaration& declaration, TextTable& texts,
         add(Property::Slant, shorthand.slant);
         add(Property::Weight, shorthand.weight);
         add(Property::Stretch, shorthand.stretch);
+        add(Property::Size, shorthand.size);
     }
 }
 
@@ -257,13 +289,16 @@ bool readPropertyName(std::string_view name, Property& property) noexcept {
         std::string_view name;
         Property property;
     };
-    static constexpr std::array<Entry, 6> entries{{{"font-family", Property::Family},
+    static constexpr std::array<Entry, 8> entries{{{"font-family", Property::Family},
                                                    {"font-style", Property::Slant},
                                                    {"font-weight", Property::Weight},
                                                    {"font-stretch", Property::Stretch},
                                                    {"font-width", Property::Stretch},
-                                                   {"display", Property::Display}}};
-    if ((name.front() | 0x20) != 'f' && (name.front() | 0x20) != 'd') {
+                                                   {"font-size", Property::Size},
+                                                   {"display", Property::Display},
+                                                   {"visibility", Property::Visibility}}};
+    const char first = static_cast<char>(name.front() | 0x20);
+    if (first != 'f' && first != 'd' && first != 'v') {
         return false;
     }
     for (const Entry& entry : entries) {
@@ -297,6 +332,12 @@ bool readValue(Property property, std::string_view text, TextTable& texts, Value
         return readWeight(text, value);
     case Property::Stretch:
         return readStretch(text, value);
+    case Property::Visibility:
+        value.number = equalsIgnoringCase(text, "visible") ? 0 : 1;
+        return value.number == 0 || equalsIgnoringCase(text, "hidden") ||
+               equalsIgnoringCase(text, "collapse");
+    case Property::Size:
+        return readSize(text, value);
     case Property::Display:
         value.number = equalsIgnoringCase(text, "none") ? 1 : 0;
         return true;
@@ -306,7 +347,8 @@ bool readValue(Property property, std::string_view text, TextTable& texts, Value
 
 PropertyDeclarations readDeclarations(std::string_view block, TextTable& texts) {
     PropertyDeclarations result;
-    DeclarationCursor cursor(block);
+    std::string blanked;
+    DeclarationCursor cursor(blankComments(block, blanked));
     for (Declaration declaration; cursor.next(declaration);) {
         Property property{};
         Value value;

@@ -20,11 +20,13 @@ enum class Property : std::uint8_t {
     Slant,
     Weight,
     Stretch,
-    Hint,   ///< "-...-font-specification": a drawing program's own name for the face
-    Display ///< of which only "none" matters
+    Hint,       ///< "-...-font-specification": a drawing program's own name for the face
+    Visibility, ///< of which only matters whether it is "visible"
+    Size,       ///< of which only 0 matters
+    Display     ///< of which only "none" matters
 };
-inline constexpr std::size_t propertyCount = 6;
-/// The properties that make a face and are inherited: all but display.
+inline constexpr std::size_t propertyCount = 8;
+/// The properties that make a face come first; they are inherited.
 inline constexpr std::size_t facePropertyCount = 5;
 
 constexpr std::size_t indexOf(Property property) {
@@ -47,7 +49,7 @@ struct Value {
     enum class Kind : std::uint8_t { Absolute, Inherit, Initial, Up, Down };
     Kind kind = Kind::Absolute;
     /// Family, Hint: text number. Weight: 1 to 1000. Slant: the enumerator. Stretch: thousandths of
-    /// a percent. Display: 1 for none.
+    /// a percent. Visibility, Size, Display: 1 for what hides text.
     std::uint32_t number = 0;
 };
 

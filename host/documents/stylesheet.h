@@ -26,9 +26,12 @@ public:
     virtual std::string_view typeOf(ElementId element) const = 0;
     virtual std::string_view idOf(ElementId element) const = 0;
     virtual std::string_view classesOf(ElementId element) const = 0; ///< blank-separated
-    /// @return false when the element has no such attribute; the name is without a prefix
-    virtual bool attributeOf(ElementId element, std::string_view name,
-                             std::string& value) const = 0;
+    struct NamedValue {
+        std::string_view name; ///< without a prefix; as long-lived as the subject
+        std::string value;
+    };
+    /// All attributes, in their order.
+    virtual std::vector<NamedValue> attributesOf(ElementId element) const = 0;
 };
 
 /// A block of declarations and where it stands.
@@ -59,13 +62,8 @@ public:
     /// Families that come with the document by @font-face, folded by foldFamily.
     const std::unordered_set<std::string>& embeddedFamilies() const noexcept { return embedded_; }
 
-    /// All matches in no particular order. Costs one look-up per id, class and type of the element
-    /// and one test per rule found there.
-    /// @param work counts tests, for callers that limit them
-    void match(const SelectorSubject& subject, ElementId element, std::vector<RuleMatch>& matches,
-               std::size_t& work) const;
-
 private:
+    friend class Matcher;
     struct AttributeTest {
         std::string name;
         char relation = 0; ///< '=', '~', '|', '^', '$', '*', 0 for mere presence
@@ -86,9 +84,6 @@ private:
     };
     class Parser;
 
-    bool matches(const SelectorSubject& subject, ElementId element, const Compound& compound) const;
-    bool matches(const SelectorSubject& subject, ElementId element, const Selector& selector,
-                 std::size_t& work) const;
     void addSelector(Selector selector);
 
     struct Hash {
@@ -108,6 +103,47 @@ private:
     std::vector<std::uint32_t> byNothing_;
     std::unordered_set<std::string> embedded_;
     std::uint32_t sheets_ = 0;
+};
+
+/// Finds the rules that match elements, one element after another. What it has taken apart of an
+/// element, classes and attributes, it keeps for those that stand within.
+class Matcher {
+public:
+    /// @param sheets, subject outlive the matcher
+    Matcher(const StyleSheets& sheets, const SelectorSubject& subject)
+        : sheets_(sheets), subject_(subject) {}
+
+    /// Adds all matches, in no particular order. Costs one look-up per id, class and type of the
+    /// element and one test per rule found there.
+    void match(ElementId element, std::vector<RuleMatch>& matches);
+
+    /// What all of that has cost: the bytes of names and values that were looked at, and as much
+    /// as a few bytes for each test. For callers that limit it.
+    std::size_t work() const noexcept { return work_; }
+
+private:
+    struct Facts {
+        bool classesKnown = false;
+        bool attributesKnown = false;
+        std::unordered_set<std::string_view> classes;
+        std::unordered_map<std::string_view, std::string> attributes;
+    };
+    Facts& factsOf(ElementId element);
+    const std::unordered_set<std::string_view>& classSet(ElementId element,
+                                                         std::string_view classes);
+    const std::string* attribute(ElementId element, std::string_view name);
+    bool hasClass(ElementId element, std::string_view name);
+    bool relates(const StyleSheets::AttributeTest& test, std::string_view value);
+    bool matches(ElementId element, const StyleSheets::Compound& compound);
+    bool matches(ElementId element, const StyleSheets::Selector& selector);
+    void test(const std::vector<std::uint32_t>& candidates, ElementId element,
+              std::vector<RuleMatch>& matches);
+
+    const StyleSheets& sheets_;
+    const SelectorSubject& subject_;
+    std::unordered_map<ElementId, Facts> facts_;
+    ElementId current_ = noElement;
+    std::size_t work_ = 0;
 };
 
 /// Families compare without case.

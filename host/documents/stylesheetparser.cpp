@@ -182,7 +182,8 @@ void StyleSheets::Parser::readAtRule(std::size_t start, const Extent& extent, un
 void StyleSheets::Parser::readFontFace(std::string_view block) {
     std::string family;
     bool hasSource = false;
-    DeclarationCursor cursor(block);
+    std::string blanked;
+    DeclarationCursor cursor(blankComments(block, blanked));
     for (Declaration declaration; cursor.next(declaration);) {
         if (equalsIgnoringCase(declaration.name, "font-family")) {
             const auto families = readFamilies(declaration.value);
@@ -282,6 +283,21 @@ void StyleSheets::Parser::readRule(std::string_view selectors, std::size_t start
             sheets_.addSelector(std::move(selector));
         }
     }
+}
+
+void StyleSheets::addSelector(Selector selector) {
+    const auto number = static_cast<std::uint32_t>(selectors_.size());
+    const Compound& last = selector.compounds.front();
+    if (!last.id.empty()) {
+        byId_[last.id].push_back(number);
+    } else if (!last.classes.empty()) {
+        byClass_[last.classes.front()].push_back(number);
+    } else if (!last.type.empty()) {
+        byType_[last.type].push_back(number);
+    } else {
+        byNothing_.push_back(number);
+    }
+    selectors_.push_back(std::move(selector));
 }
 
 void StyleSheets::addSheet(std::string_view sheet, TextTable& texts) {

@@ -17,7 +17,8 @@ class Builder {
 public:
     Builder(const std::string& source, std::string_view name, const SvgOptions& options)
         : name_(name), options_(options), allowance_(source.size() + referenceAllowance) {
-        drawing_.tree = scan(source, name, {options.maximumDepth, options.keepGroups});
+        drawing_.tree =
+            scan(source, name, {options.maximumDepth, options.keepGroups, options.language});
         drawing_.styles = resolveStyles(drawing_.tree, name);
     }
 
@@ -168,8 +169,8 @@ private:
             return;
         }
         const Style& look = style(piece.element);
-        const bool visible = !look.hidden && !look.unrendered &&
-                             hasVisibleCharacter(std::string_view(text).substr(start));
+        const bool visible =
+            look.showsText() && hasVisibleCharacter(std::string_view(text).substr(start));
         const FaceId face = faceOf(look);
         auto& runs = drawing_.parts.runs;
         if (runs.size() > firstRun && runs.back().face == face) {
@@ -241,7 +242,8 @@ private:
         const std::uint32_t start = tree().pieces[element.firstPiece].textStart;
         const std::size_t length = tree().pieces[element.pieceEnd - 1].textEnd - start;
         if (length > allowance_) {
-            throw DocumentError(name_, "text references repeat too much text");
+            throw errorAt(tree().source, name_, "text references repeat too much text",
+                          tree().elements[id].tagStart);
         }
         allowance_ -= length;
         return std::string_view(tree().text).substr(start, length);

@@ -2,9 +2,12 @@
 // What the scanner keeps of the elements and the text that the parser reports.
 #include "host/documents/svgscanner.h"
 
+#include "host/documents/css.h"
+
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <utility>
 
 namespace host::svg {
@@ -43,17 +46,46 @@ void Scanner::addAttributes(Element& element, unsigned count, const xmlChar** at
         static_cast<std::uint16_t>(tree_.attributes.size() - element.firstAttribute);
 }
 
-void Scanner::interpretAttributes(Element& element, bool& muted) {
-    const auto noteUrls = [this](std::string_view value) {
-        for (std::size_t url = value.find("url("); url != std::string_view::npos;
-             url = value.find("url(", url + 4)) {
-            const std::size_t hash = value.find_first_not_of("'\" ", url + 4);
-            if (hash != std::string_view::npos && value[hash] == '#') {
-                const std::size_t end = value.find_first_of(")'\" ", hash);
-                tree_.references.insert(value.substr(hash + 1, end - hash - 1));
-            }
-        }
+/// Whether a list of languages, as in systemLanguage, has one for the user's.
+bool Scanner::speaks(std::string_view languages) const {
+    const auto folded = [](std::string_view tag) {
+        std::string result = css::foldFamily(css::trim(tag));
+        std::replace(result.begin(), result.end(), '_', '-');
+        return result + '-'; // so that a prefix is one of whole parts
     };
+    const std::string own = folded(limits_.language);
+    for (std::size_t start = 0; start <= languages.size();) {
+        const std::size_t comma = std::min(languages.find(',', start), languages.size());
+        const std::string tag = folded(languages.substr(start, comma - start));
+        if (tag.size() > 1 && (own.starts_with(tag) || tag.starts_with(own))) {
+            return true;
+        }
+        start = comma + 1;
+    }
+    return false;
+}
+
+/// Of the children of a switch the first one is shown that can be shown and whose conditions hold.
+void Scanner::readConditions(Element& element, Open* outer, bool& muted) {
+    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
+        const Attribute& attribute = tree_.attributes[i];
+        if (attribute.name == AttributeName::RequiredExtensions) {
+            muted = muted || !attribute.value.empty();
+        } else if (attribute.name == AttributeName::SystemLanguage) {
+            element.passedOver = element.passedOver || !speaks(attribute.value);
+        }
+    }
+    if (outer == nullptr || outer->tag != Tag::Switch) {
+        return;
+    }
+    const bool drawable = element.tag != Tag::Unknown && element.tag != Tag::FlowRegion &&
+                          element.tag != Tag::Style && element.tag != Tag::Definitions;
+    const bool fits = drawable && !muted && !element.passedOver;
+    element.passedOver = element.passedOver || outer->chosen;
+    outer->chosen = outer->chosen || fits;
+}
+
+void Scanner::interpretAttributes(Element& element) {
     for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
         const Attribute& attribute = tree_.attributes[i];
         switch (attribute.name) {
@@ -69,23 +101,44 @@ void Scanner::interpretAttributes(Element& element, bool& muted) {
         case AttributeName::Extraneous:
             element.transparent = element.topLevel && attribute.value == "self";
             break;
-        case AttributeName::Reference:
-            if (attribute.value.starts_with('#')) {
-                tree_.references.insert(attribute.value.substr(1));
-            }
-            break;
-        case AttributeName::Paint:
-        case AttributeName::Style:
-            noteUrls(attribute.value);
-            break;
-        case AttributeName::RequiredExtensions:
-            muted = muted || !attribute.value.empty();
-            break;
         default:
             break;
         }
     }
     element.layer = element.layer && element.tag == Tag::Group;
+}
+
+void Scanner::noteReferences(const Element& element, References::Scope scope) {
+    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
+        const Attribute& attribute = tree_.attributes[i];
+        switch (attribute.name) {
+        case AttributeName::Reference:
+            // A link leads to its target and does not show it.
+            if (attribute.value.starts_with('#') && element.tag != Tag::Link) {
+                references_.addReference(scope, attribute.value.substr(1));
+            }
+            break;
+        case AttributeName::Paint:
+        case AttributeName::Style:
+            noteUrls(attribute.value, scope, false);
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+/// @param copy whether `text` lives shorter than the tree
+void Scanner::noteUrls(std::string_view text, References::Scope scope, bool copy) {
+    for (std::size_t url = text.find("url("); url != std::string_view::npos;
+         url = text.find("url(", url + 4)) {
+        const std::size_t hash = text.find_first_not_of("'\" ", url + 4);
+        if (hash != std::string_view::npos && text[hash] == '#') {
+            const std::size_t end = text.find_first_of(")'\" ", hash);
+            const std::string_view id = text.substr(hash + 1, end - hash - 1);
+            references_.addReference(scope, copy ? tree_.values.emplace_back(id) : id);
+        }
+    }
 }
 
 /// Text in an SVG font comes with the document, as it does with one that a font-face fetches.
@@ -104,8 +157,26 @@ void Scanner::noteFontFace(std::string_view local, unsigned count, const xmlChar
     }
 }
 
-void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* uri,
-                    unsigned namespaceCount, unsigned attributeCount, const xmlChar** attributes) {
+/// The scope that an element's references are made from.
+References::Scope Scanner::scopeOf(const Element& element, const Open* outer) {
+    const References::Scope around = outer == nullptr ? References::shown : outer->scope;
+    const bool definitions = element.tag == Tag::Definitions;
+    if (!definitions && !element.passedOver && around == References::shown) {
+        return around;
+    }
+    std::string_view id;
+    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size() && id.empty(); ++i) {
+        id = tree_.attributes[i].name == AttributeName::Id ? tree_.attributes[i].value : id;
+    }
+    if (definitions || element.passedOver) {
+        return references_.addDefinitions(id);
+    }
+    return id.empty() ? around : references_.addWithin(around, id);
+}
+
+void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
+                    const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
+                    const xmlChar** attributes) {
     const bool svg = uri == svgUri_;
     const auto known = svg ? tags_.find(name) : tags_.end();
     Element element;
@@ -131,10 +202,13 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
 
     const std::uint32_t tagEnd = place(context);
     element.tagStart = tagStartBefore(tagEnd);
+    if (prefix != nullptr) {
+        element.prefix = static_cast<std::uint32_t>(std::strlen(chars(prefix)) + 1);
+    }
     closePiece(element.tagStart);
     lastTagEnd_ = tagEnd == noPlace ? noPlace : tagEnd + 1;
 
-    const Open* outer = open_.empty() ? nullptr : &open_.back();
+    Open* const outer = open_.empty() ? nullptr : &open_.back();
     const auto id = static_cast<ElementId>(tree_.elements.size());
     if (outer != nullptr) {
         const Element& parent = tree_.elements[outer->element];
@@ -146,9 +220,14 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
     bool muted = (outer != nullptr && outer->muted) || element.tag == Tag::Ignored ||
                  (!svg && outer != nullptr) || element.tag == Tag::Style;
     addAttributes(element, attributeCount, attributes);
-    interpretAttributes(element, muted);
+    readConditions(element, outer, muted);
+    interpretAttributes(element);
+    const References::Scope scope = scopeOf(element, outer);
     if (element.tag == Tag::Ignored) {
         noteFontFace(chars(name), attributeCount, attributes);
+    }
+    if (!muted) {
+        noteReferences(element, scope);
     }
 
     element.firstPiece = static_cast<std::uint32_t>(tree_.pieces.size());
@@ -189,11 +268,12 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
         sheetText_.clear();
         sheetStart_ = lastTagEnd_;
     }
-    const bool keep = !muted && (limits_.keepAll || takesText || element.tag == Tag::FlowRoot ||
-                                 element.tag == Tag::TextReference || element.layer ||
-                                 (element.topLevel && element.tag == Tag::Group));
+    const bool keep =
+        !muted && (limits_.keepAll || takesText || element.tag == Tag::FlowRoot ||
+                   element.tag == Tag::TextReference || element.layer || element.tag == Tag::Use ||
+                   (element.topLevel && element.tag == Tag::Group));
     open_.push_back({id, namespaceCount, keep || outer == nullptr, takesText && !muted, inFrame,
-                     muted, element.tag});
+                     muted, element.tag, scope});
     tree_.elements.push_back(element);
 }
 
@@ -211,6 +291,8 @@ void Scanner::end(xmlParserCtxtPtr context) {
         const std::string_view type = tree_.valueOf(closing.element, AttributeName::Type);
         const std::string_view media = tree_.valueOf(closing.element, AttributeName::Media);
         if ((type.empty() || type.starts_with("text/css")) && css::appliesToScreens(media)) {
+            // Which of them applies to anything is not asked: matching is for fonts alone.
+            noteUrls(sheetText_, References::shown, true);
             tree_.sheets.push_back({std::move(sheetText_), sheetStart_, tagStart});
         }
     }

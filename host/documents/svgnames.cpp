@@ -59,7 +59,7 @@ constexpr std::array<TagName, 49> tags{{
     {"cursor", Tag::Ignored},
 }};
 
-constexpr std::array<AttributeKey, 28> attributes{{
+constexpr std::array<AttributeKey, 31> attributes{{
     {"id", Space::None, AttributeName::Id},
     {"class", Space::None, AttributeName::Class},
     {"style", Space::None, AttributeName::Style},
@@ -67,6 +67,8 @@ constexpr std::array<AttributeKey, 28> attributes{{
     {"font-style", Space::None, AttributeName::FontStyle},
     {"font-weight", Space::None, AttributeName::FontWeight},
     {"font-stretch", Space::None, AttributeName::FontStretch},
+    {"font-size", Space::None, AttributeName::FontSize},
+    {"visibility", Space::None, AttributeName::Visibility},
     {"display", Space::None, AttributeName::Display},
     {"href", Space::None, AttributeName::Reference},
     {"href", Space::Xlink, AttributeName::Reference},
@@ -86,6 +88,7 @@ constexpr std::array<AttributeKey, 28> attributes{{
     {"marker-mid", Space::None, AttributeName::Paint},
     {"marker-end", Space::None, AttributeName::Paint},
     {"requiredExtensions", Space::None, AttributeName::RequiredExtensions},
+    {"systemLanguage", Space::None, AttributeName::SystemLanguage},
     {"media", Space::None, AttributeName::Media},
     {"type", Space::None, AttributeName::Type},
 }};

@@ -19,6 +19,8 @@ struct SvgOptions {
     std::size_t maximumSize = std::size_t{256} << 20;
     /// Deepest nesting of elements.
     unsigned maximumDepth = 256;
+    /// The user's, for text in several languages: a locale's or a web page's name of it.
+    std::string language = "en_US";
 };
 
 /// What is read, and what counts:
@@ -27,8 +29,14 @@ struct SvgOptions {
 ///   layer of its own, which has no name.
 /// - A text frame is a `text` or `flowRoot` element. Text in foreign objects, titles and metadata
 ///   is none.
-/// - Text with display:none is not visible, nor is text in `defs`, `symbol`, `clipPath` and the
-///   like, unless it or the element that holds it is referenced by its id from anywhere.
+/// - Text with display:none, visibility:hidden or font-size:0 is not visible. Of a `switch` the
+///   first child is that can be shown and that is in the user's language or in no one's.
+/// - Text in `defs`, `symbol`, `clipPath` and the like is not visible, unless it or the element
+/// that
+///   holds it is referenced by its id from what is visible itself, or from any style sheet. Shown
+///   by a `use`, it inherits from the first one that shows it; it is one text, with one face, also
+///   where another `use` would give it another. A mask, a pattern or the like of something that is
+///   not displayed counts as referenced all the same.
 /// - Of a family list the first one is the face's family.
 /// No external entity, DTD, style sheet or link is ever opened.
 /// @throws DocumentError for anything that is not a well-formed SVG drawing within the limits

@@ -70,32 +70,78 @@ void Scanner::learnNames() {
 }
 
 void Scanner::raise(std::string_view reason, std::size_t place) const {
-    const std::string_view before = std::string_view(source_).substr(0, place);
-    const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    throw DocumentError(name_, reason, line + 1, place - (before.rfind('\n') + 1) + 1);
+    throw errorAt(source_, name_, reason, place);
+}
+
+/// @param start of a '<' @return the next '<' after it, or the end of the source
+std::size_t Scanner::checkTag(std::size_t start) const {
+    const std::size_t next = std::min(source_.find('<', start + 1), source_.size());
+    if (next - start <= longTag) {
+        return next;
+    }
+    const auto first = static_cast<unsigned char>(source_[start + 1] | 0x20);
+    if (!(first >= 'a' && first <= 'z') && first < 0x80 && source_[start + 1] != '_' &&
+        source_[start + 1] != ':') {
+        return next;
+    }
+    std::size_t count = 0;
+    for (std::size_t i = source_.find_first_of("\"'>", start); i < next && source_[i] != '>';
+         i = source_.find_first_of("\"'>", i + 1)) {
+        if (++count > maximumAttributes) {
+            raise("an element has more than " + std::to_string(maximumAttributes) + " attributes",
+                  start);
+        }
+        i = source_.find(source_[i], i + 1);
+        if (i == std::string::npos) {
+            break;
+        }
+    }
+    return next;
+}
+
+/// The text of an entity is parsed where it is used: any tag in it counts, whatever else it may
+/// seem to be part of there.
+std::size_t Scanner::checkEntity(std::size_t start) const {
+    std::size_t end = start;
+    while (end < source_.size() && source_[end] != '>') {
+        if (source_[end] == '"' || source_[end] == '\'') {
+            end = std::min(source_.find(source_[end], end + 1), source_.size() - 1);
+        }
+        ++end;
+    }
+    for (std::size_t tag = source_.find('<', start + 1); tag < end;) {
+        tag = checkTag(tag);
+    }
+    return std::min(source_.find('<', end), source_.size());
 }
 
 /// libxml2 compares every attribute of an element with every other one, so their number is
 /// limited before it sees them. No '<' can stand in a tag.
 void Scanner::checkLongTags() const {
-    for (std::size_t start = source_.find('<'); start != std::string::npos;) {
-        const std::size_t next = std::min(source_.find('<', start + 1), source_.size());
-        if (next - start > longTag && source_[start + 1] != '!' && source_[start + 1] != '?') {
-            std::size_t count = 0;
-            for (std::size_t i = source_.find_first_of("\"'>", start);
-                 i < next && source_[i] != '>'; i = source_.find_first_of("\"'>", i + 1)) {
-                if (++count > maximumAttributes) {
-                    raise("an element has more than " + std::to_string(maximumAttributes) +
-                              " attributes",
-                          start);
-                }
-                i = source_.find(source_[i], i + 1);
-                if (i == std::string::npos) {
-                    break;
-                }
-            }
+    struct Passage {
+        std::string_view start;
+        std::string_view end;
+    };
+    static constexpr std::array<Passage, 3> passages{
+        {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}}};
+    const std::string_view source = source_;
+    for (std::size_t start = source.find('<'); start < source.size();) {
+        const char kind = start + 1 < source.size() ? source[start + 1] : '\0';
+        if (kind != '!' && kind != '?') {
+            start = checkTag(start);
+            continue;
         }
-        start = next < source_.size() ? next : std::string::npos;
+        const auto passage =
+            std::find_if(passages.begin(), passages.end(), [&](const Passage& candidate) {
+                return source.substr(start, candidate.start.size()) == candidate.start;
+            });
+        if (passage != passages.end()) {
+            start = source.find(passage->end, start + passage->start.size());
+            start = source.find('<', std::min(start, source.size()));
+        } else {
+            start = source.substr(start, 8) == "<!ENTITY" ? checkEntity(start)
+                                                          : source.find('<', start + 1);
+        }
     }
 }
 
@@ -125,6 +171,7 @@ Tree Scanner::run() {
     if (failed_) {
         throw DocumentError(name_, reason_, errorLine_, errorColumn_);
     }
+    tree_.references = references_.takeShown();
     return std::move(tree_);
 }
 
@@ -160,10 +207,15 @@ void Scanner::noteError(void* data, xmlErrorPtr error) {
 
 void Scanner::declareEntity(void* data, const xmlChar* name, int type, const xmlChar* publicId,
                             const xmlChar* systemId, xmlChar* content) {
-    // Others would make libxml2 open files.
     if (type == XML_INTERNAL_GENERAL_ENTITY) {
         xmlSAX2EntityDecl(data, name, type, publicId, systemId, content);
+    } else if (type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY) {
+        // Such entities declare what drawings do without. They are known as empty ones: nothing is
+        // opened for them, and none can be made of others without end.
+        static xmlChar nothing[] = "";
+        xmlSAX2EntityDecl(data, name, XML_INTERNAL_PARAMETER_ENTITY, nullptr, nullptr, nothing);
     }
+    // Others would make libxml2 open files.
 }
 
 xmlEntityPtr Scanner::getEntity(void* data, const xmlChar* name) {
@@ -181,11 +233,11 @@ xmlEntityPtr Scanner::getEntity(void* data, const xmlChar* name) {
     return entity;
 }
 
-void Scanner::startElement(void* data, const xmlChar* name, const xmlChar* /*prefix*/,
+void Scanner::startElement(void* data, const xmlChar* name, const xmlChar* prefix,
                            const xmlChar* uri, int namespaceCount, const xmlChar** /*namespaces*/,
                            int attributeCount, int /*defaultedCount*/, const xmlChar** attributes) {
     guarded(data, [&](Scanner& scanner) {
-        scanner.begin(static_cast<xmlParserCtxtPtr>(data), name, uri,
+        scanner.begin(static_cast<xmlParserCtxtPtr>(data), name, prefix, uri,
                       static_cast<unsigned>(namespaceCount), static_cast<unsigned>(attributeCount),
                       attributes);
     });

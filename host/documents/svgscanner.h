@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/documents/svgnames.h"
+#include "host/documents/svgreferences.h"
 #include "host/documents/svgtree.h"
 
 #include <libxml/parser.h>
@@ -49,6 +50,8 @@ private:
         bool inFrame;
         bool muted; ///< nothing in it counts
         Tag tag;
+        References::Scope scope;
+        bool chosen = false; ///< a switch: one of its children is shown
     };
 
     /// Runs a callback's work. No exception may pass through libxml2: it is told as a failure.
@@ -80,11 +83,19 @@ private:
     void setHandlers();
     void learnNames();
     void checkLongTags() const;
-    void begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* uri,
-               unsigned namespaceCount, unsigned attributeCount, const xmlChar** attributes);
+    std::size_t checkTag(std::size_t start) const;
+    std::size_t checkEntity(std::size_t start) const;
+    void begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
+               const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
+               const xmlChar** attributes);
     void end(xmlParserCtxtPtr context);
     void addAttributes(Element& element, unsigned count, const xmlChar** attributes);
-    void interpretAttributes(Element& element, bool& muted);
+    bool speaks(std::string_view languages) const;
+    References::Scope scopeOf(const Element& element, const Open* outer);
+    void readConditions(Element& element, Open* outer, bool& muted);
+    void interpretAttributes(Element& element);
+    void noteReferences(const Element& element, References::Scope scope);
+    void noteUrls(std::string_view text, References::Scope scope, bool copy);
     void noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes);
     void addText(xmlParserCtxtPtr context, std::string_view text);
     void closePiece(std::uint32_t place);
@@ -111,6 +122,7 @@ private:
     ScanLimits limits_;
     Context context_;
     Tree tree_;
+    References references_;
     std::vector<Open> open_;
     std::unordered_map<const xmlChar*, Tag> tags_;
     std::unordered_map<const xmlChar*, std::array<int, 4>> attributeNames_; ///< by Space; -1: none

@@ -3,9 +3,11 @@
 // to what is marked important; what nobody says is inherited.
 #include "host/documents/svgstyle.h"
 
-#include "host/documents/documenterror.h"
+#include "host/documents/css.h"
 
+#include <algorithm>
 #include <optional>
+#include <string>
 #include <unordered_map>
 
 namespace host::svg {
@@ -15,8 +17,9 @@ using css::indexOf;
 using css::Property;
 using css::Value;
 
-/// Selector tests per document: seconds' worth, hundreds for each of many thousand elements.
-constexpr std::size_t maximumWork = 100'000'000;
+/// What matching may cost per document, as Matcher counts it: seconds' worth, hundreds of tests for
+/// each of many thousand elements.
+constexpr std::size_t maximumWork = 1'000'000'000;
 
 struct Candidate {
     std::uint64_t rank = 0; ///< 0: no declaration; of equal ranks the later one wins
@@ -41,9 +44,16 @@ public:
         for (const Sheet& sheet : tree_.sheets) {
             styles_.sheets.addSheet(sheet.text, styles_.texts);
         }
-        styles_.elements.reserve(tree_.elements.size());
-        for (ElementId id = 0; id < tree_.elements.size(); ++id) {
-            styles_.elements.push_back(resolve(id));
+        styles_.elements.resize(tree_.elements.size());
+        findTargets();
+        resolveAll(0, static_cast<ElementId>(tree_.elements.size()));
+        resolveWaiting();
+        // What no use shows, or only one that is not shown itself.
+        for (const Target& target : targets_) {
+            if (!target.resolved) {
+                resolveTarget(number(target), target.hiddenUse);
+                resolveWaiting();
+            }
         }
         return std::move(styles_);
     }
@@ -66,7 +76,9 @@ private:
         auto found = known.find(text);
         if (found == known.end()) {
             Value value;
-            const bool valid = css::readValue(property, text, styles_.texts, value);
+            std::string blanked;
+            const bool valid =
+                css::readValue(property, css::blankComments(text, blanked), styles_.texts, value);
             found = known.emplace(text, valid ? std::optional(value) : std::nullopt).first;
         }
         if (found->second) {
@@ -100,6 +112,12 @@ private:
             case AttributeName::FontStretch:
                 offerAttribute(candidates, Property::Stretch, attribute.value, id);
                 break;
+            case AttributeName::FontSize:
+                offerAttribute(candidates, Property::Size, attribute.value, id);
+                break;
+            case AttributeName::Visibility:
+                offerAttribute(candidates, Property::Visibility, attribute.value, id);
+                break;
             case AttributeName::Display:
                 offerAttribute(candidates, Property::Display, attribute.value, id);
                 break;
@@ -117,9 +135,10 @@ private:
             return;
         }
         matches_.clear();
-        styles_.sheets.match(tree_, id, matches_, work_);
-        if (work_ > maximumWork) {
-            throw DocumentError(name_, "the style sheets are too large to match");
+        matcher_.match(id, matches_);
+        if (matcher_.work() > maximumWork) {
+            throw errorAt(tree_.source, name_, "the style sheets are too large to match",
+                          tree_.sheets.front().sourceStart);
         }
         for (const css::RuleMatch& match : matches_) {
             for (const auto& declaration : styles_.sheets.block(match.block).declarations) {
@@ -142,11 +161,118 @@ private:
                                             : css::relativeStretch(inherited, up);
     }
 
-    Style resolve(ElementId id) {
+    /// An element in definitions that uses may show. It is resolved when a use that shows it has
+    /// been, so that it can inherit from there.
+    struct Target {
+        ElementId element = noElement;
+        ElementId use = noElement;       ///< the first one that shows it
+        ElementId hiddenUse = noElement; ///< the first one that would but is not shown itself
+        bool resolved = false;
+    };
+    static constexpr std::uint32_t noTarget = 0xFFFFFFFFU;
+
+    std::uint32_t number(const Target& target) const {
+        return static_cast<std::uint32_t>(&target - targets_.data());
+    }
+
+    std::string_view usedId(ElementId id) const {
+        if (tree_.elements[id].tag != Tag::Use) {
+            return {};
+        }
+        const std::string_view reference = tree_.valueOf(id, AttributeName::Reference);
+        return reference.starts_with('#') ? reference.substr(1) : std::string_view();
+    }
+
+    void findTargets() {
+        const auto count = static_cast<ElementId>(tree_.elements.size());
+        for (ElementId id = 0; id < count; ++id) {
+            if (const std::string_view used = usedId(id); !used.empty()) {
+                targetOfId_.emplace(used, noTarget);
+            }
+        }
+        if (targetOfId_.empty()) {
+            return;
+        }
+        targetOf_.resize(count, noTarget);
+        ElementId definitionsEnd = 0;
+        for (ElementId id = 0; id < count; ++id) {
+            const Element& element = tree_.elements[id];
+            if (element.tag == Tag::Definitions) {
+                definitionsEnd = std::max(definitionsEnd, element.subtreeEnd);
+            }
+            const std::string_view* name =
+                id < definitionsEnd ? tree_.find(id, AttributeName::Id) : nullptr;
+            const auto used = name == nullptr ? targetOfId_.end() : targetOfId_.find(*name);
+            if (used != targetOfId_.end() && used->second == noTarget) {
+                used->second = targetOf_[id] = static_cast<std::uint32_t>(targets_.size());
+                targets_.push_back({id});
+            }
+        }
+    }
+
+    /// Resolves the elements of a range, but for targets that have to wait.
+    void resolveAll(ElementId id, ElementId end) {
+        while (id < end) {
+            if (!targetOf_.empty() && targetOf_[id] != noTarget) {
+                id = tree_.elements[id].subtreeEnd;
+                continue;
+            }
+            const ElementId parent = tree_.elements[id].parent;
+            resolveOne(id, parent);
+            ++id;
+        }
+    }
+
+    void resolveOne(ElementId id, ElementId inheritsFrom) {
+        styles_.elements[id] = resolve(id, inheritsFrom);
+        const std::string_view used = targetOf_.empty() ? std::string_view() : usedId(id);
+        if (used.empty()) {
+            return;
+        }
+        const std::uint32_t number = targetOfId_.at(used);
+        const Style& style = styles_.elements[id];
+        if (number == noTarget || style.unrendered) {
+            return;
+        }
+        Target& target = targets_[number];
+        if (style.hidden || style.invisible) {
+            target.hiddenUse = target.hiddenUse == noElement ? id : target.hiddenUse;
+        } else if (target.use == noElement && !target.resolved) {
+            target.use = id;
+            waiting_.push_back(number);
+        }
+    }
+
+    /// @param use the element to inherit from; the target's own parent if there is none
+    void resolveTarget(std::uint32_t number, ElementId use) {
+        Target& target = targets_[number];
+        target.resolved = true;
+        const Element& element = tree_.elements[target.element];
+        resolveOne(target.element, use == noElement ? element.parent : use);
+        resolveAll(target.element + 1, element.subtreeEnd);
+    }
+
+    void resolveWaiting() {
+        while (!waiting_.empty()) {
+            const std::uint32_t number = waiting_.back();
+            waiting_.pop_back();
+            if (!targets_[number].resolved) {
+                resolveTarget(number, targets_[number].use);
+            }
+        }
+    }
+
+    static void inherit(bool& flag, const Candidate& candidate) {
+        if (candidate.rank != 0 && candidate.value.kind != Value::Kind::Inherit) {
+            flag = candidate.value.kind == Value::Kind::Absolute && candidate.value.number == 1;
+        }
+    }
+
+    Style resolve(ElementId id, ElementId inheritsFrom) {
         const Element& element = tree_.elements[id];
         Style style;
-        if (element.parent != noElement) {
-            style = styles_.elements[element.parent];
+        if (inheritsFrom != noElement) {
+            style = styles_.elements[inheritsFrom];
         }
         Candidates candidates;
         collect(id, candidates);
@@ -158,9 +284,11 @@ private:
                 style.origins[i] = candidate.origin;
             }
         }
-        const Candidate& display = candidates[indexOf(Property::Display)];
-        style.hidden = style.hidden || (display.rank != 0 && display.value.number == 1 &&
-                                        display.value.kind == Value::Kind::Absolute);
+        inherit(style.invisible, candidates[indexOf(Property::Visibility)]);
+        inherit(style.sizeless, candidates[indexOf(Property::Size)]);
+        bool none = false;
+        inherit(none, candidates[indexOf(Property::Display)]);
+        style.hidden = style.hidden || none || element.passedOver;
         if (style.unrendered || element.tag == Tag::Definitions) {
             const std::string_view* name = tree_.find(id, AttributeName::Id);
             style.unrendered = name == nullptr || !tree_.references.contains(*name);
@@ -175,7 +303,11 @@ private:
         attributeValues_;
     std::unordered_map<std::string_view, css::PropertyDeclarations> inlineDeclarations_;
     std::vector<css::RuleMatch> matches_;
-    std::size_t work_ = 0;
+    css::Matcher matcher_{styles_.sheets, tree_};
+    std::vector<Target> targets_;         ///< in document order
+    std::vector<std::uint32_t> targetOf_; ///< by element; empty without targets
+    std::unordered_map<std::string_view, std::uint32_t> targetOfId_;
+    std::vector<std::uint32_t> waiting_;
 };
 
 } // namespace

@@ -27,10 +27,13 @@ struct Style {
     /// the slant, the weight, the stretch in thousandths of a percent.
     std::array<std::uint32_t, css::facePropertyCount> values{0, 0, 400, 100000, 0};
     std::array<Origin, css::facePropertyCount> origins;
-    bool hidden = false;     ///< display:none, here or further out
+    bool hidden = false;     ///< display:none or passed over, here or further out
+    bool invisible = false;  ///< visibility:hidden; an element within may be visible again
+    bool sizeless = false;   ///< font-size:0
     bool unrendered = false; ///< in defs or the like, and nothing refers to it
 
     std::uint32_t value(css::Property property) const { return values[css::indexOf(property)]; }
+    bool showsText() const { return !hidden && !unrendered && !invisible && !sizeless; }
     const Origin& origin(css::Property property) const { return origins[css::indexOf(property)]; }
 };
 
@@ -40,6 +43,7 @@ struct Styles {
     std::vector<Style> elements; ///< one per element of the tree
 };
 
+/// What stands in definitions and is shown by a `use` inherits from the first `use` that shows it.
 /// @throws DocumentError when the style sheets ask for unreasonable work
 Styles resolveStyles(const Tree& tree, std::string_view name);
 

@@ -4,6 +4,8 @@
 
 #include "host/documents/xmlsource.h"
 
+#include <algorithm>
+
 namespace host::svg {
 
 const std::string_view* Tree::find(ElementId id, AttributeName name) const {
@@ -22,13 +24,10 @@ std::string_view Tree::valueOf(ElementId element, AttributeName name) const {
     return value == nullptr ? std::string_view() : *value;
 }
 
-std::string_view Tree::typeOf(ElementId element) const {
-    const std::uint32_t tagStart = elements[element].tagStart;
-    if (tagStart == noPlace) {
-        return {};
-    }
-    const std::string_view name = xml::tagName(source, tagStart);
-    return name.substr(name.find(':') + 1);
+std::string_view Tree::typeOf(ElementId id) const {
+    const Element& element = elements[id];
+    return element.tagStart == noPlace ? std::string_view()
+                                       : xml::tagName(source, element.tagStart + element.prefix);
 }
 
 std::string_view Tree::idOf(ElementId element) const {
@@ -39,19 +38,31 @@ std::string_view Tree::classesOf(ElementId element) const {
     return valueOf(element, AttributeName::Class);
 }
 
-bool Tree::attributeOf(ElementId element, std::string_view name, std::string& value) const {
+std::vector<css::SelectorSubject::NamedValue> Tree::attributesOf(ElementId element) const {
+    std::vector<NamedValue> result;
     const std::uint32_t tagStart = elements[element].tagStart;
     if (tagStart == noPlace) {
-        return false;
+        return result;
     }
     xml::AttributeCursor cursor(source, tagStart);
     for (xml::AttributePlace place; cursor.next(place);) {
-        if (place.name.substr(place.name.find(':') + 1) == name) {
-            value = xml::decode(source, place.start, place.end).text;
-            return true;
-        }
+        const std::string_view raw = source.substr(place.start, place.end - place.start);
+        result.push_back({place.name.substr(place.name.find(':') + 1),
+                          raw.find_first_of("&\r") == std::string_view::npos
+                              ? std::string(raw)
+                              : xml::decode(source, place.start, place.end).text});
     }
-    return false;
+    return result;
+}
+
+DocumentError errorAt(std::string_view source, std::string_view name, std::string_view reason,
+                      std::size_t place) {
+    if (place > source.size()) {
+        return {name, reason};
+    }
+    const std::string_view before = source.substr(0, place);
+    const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+    return {name, reason, line + 1, place - (before.rfind('\n') + 1) + 1};
 }
 
 } // namespace host::svg

@@ -3,6 +3,7 @@
 // the pieces of text, all with their places in the source. Everything else is let go at once.
 #pragma once
 
+#include "host/documents/documenterror.h"
 #include "host/documents/stylesheet.h"
 
 #include <cstddef>
@@ -50,6 +51,8 @@ enum class AttributeName : std::uint8_t {
     FontStyle,
     FontWeight,
     FontStretch,
+    FontSize,
+    Visibility,
     Display,
     Space,
     Label,
@@ -60,6 +63,7 @@ enum class AttributeName : std::uint8_t {
     Reference,
     Paint, ///< what may hold "url(#...)"
     RequiredExtensions,
+    SystemLanguage,
     Media,
     Type
 };
@@ -73,6 +77,7 @@ struct Element {
     ElementId parent = noElement;
     ElementId subtreeEnd = 0;         ///< one behind its last descendant
     std::uint32_t tagStart = noPlace; ///< of '<' in the source; noPlace within an entity's text
+    std::uint32_t prefix = 0;         ///< bytes of the namespace prefix in the tag, ':' included
     std::uint32_t firstAttribute = 0;
     std::uint16_t attributeCount = 0;
     Tag tag = Tag::Unknown;
@@ -80,6 +85,7 @@ struct Element {
     bool transparent = false; ///< the root, or such a wrapper
     bool layer = false;       ///< declared to be a layer
     bool preserve = false;    ///< blanks are kept (xml:space)
+    bool passedOver = false;  ///< in another language, or not the one that a switch shows
     std::uint32_t firstPiece = 0;
     std::uint32_t pieceEnd = 0; ///< the pieces of the whole subtree
 };
@@ -106,7 +112,7 @@ struct Tree final : css::SelectorSubject {
     std::vector<Piece> pieces;
     std::string text;
     std::vector<Sheet> sheets;
-    std::unordered_set<std::string_view> references;  ///< ids that something refers to
+    std::unordered_set<std::string_view> references;  ///< ids that something shown refers to
     std::unordered_set<std::string> embeddedFamilies; ///< of SVG fonts, folded
     std::deque<std::string> values; ///< attribute values that are not literally in the source
 
@@ -120,13 +126,18 @@ struct Tree final : css::SelectorSubject {
     std::string_view typeOf(ElementId element) const override;
     std::string_view idOf(ElementId element) const override;
     std::string_view classesOf(ElementId element) const override;
-    bool attributeOf(ElementId element, std::string_view name, std::string& value) const override;
+    std::vector<NamedValue> attributesOf(ElementId element) const override;
 };
 
 struct ScanLimits {
     unsigned maximumDepth = 256;
-    bool keepAll = false; ///< keep elements without text too
+    bool keepAll = false;      ///< keep elements without text too
+    std::string_view language; ///< of the user, such as "de_DE"
 };
+
+/// An error at a place in the source, which may be noPlace.
+DocumentError errorAt(std::string_view source, std::string_view name, std::string_view reason,
+                      std::size_t place);
 
 /// Parses a drawing. @param source UTF-8, zero-terminated, outlives the tree
 /// @throws DocumentError with `name`, line and column

@@ -88,9 +88,9 @@ public:
 
     /// The entry for a face that a document names. Generic and embedded faces are always present.
     /// Others are sought by family and style, then by PostScript name, which some programs write
-    /// in the family's place with the style beside it or not, then by full name. What is not found gets an entry with the
-    /// document's names and the conventional PostScript name, present = false; the same names
-    /// always give the same key.
+    /// in the family's place with the style beside it or not, then by full name. What is not found
+    /// gets an entry with the document's names and the conventional PostScript name, present =
+    /// false; the same names always give the same key.
     FontKey resolve(const Face& face);
 
     /// The face of the desktop with exactly this PostScript name, else with this full name.

@@ -66,8 +66,8 @@ TEST(ABadDrawing, IsRefusedWithFileAndPlace) {
          "^bad.svg:1:1: the encoding is not known"},
         {"<?xml version='1.0' encoding='EUC-JP'?>\n<svg>\xFF\xFF</svg>",
          "^bad.svg:2:6: not text in"},
-        {"\x1F\x8B not gzip at all", "^bad.svg: the gzip data"},
-        {gzip(drawing("")).substr(0, 60), "^bad.svg: the gzip data end too early$"},
+        {"\x1F\x8B not gzip at all", "^bad.svg: the gzip data are damaged at byte [0-9]+$"},
+        {gzip(drawing("")).substr(0, 60), "^bad.svg: the gzip data end too early, after byte 60$"},
         {gzip("no drawing"), "^bad.svg:1:1: not XML$"},
     };
     for (const Case& c : cases) {
@@ -91,6 +91,10 @@ TEST(ABadDrawing, IsRefusedBeforeItCostsMuch) {
         attributes += " a" + std::to_string(i) + "=''";
     }
     EXPECT_THAT(refusal(head + "<g" + attributes + "/></svg>"),
+                ContainsRegex("more than 1000 attributes$"));
+    // In an entity, behind what only looks like a comment from outside.
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ENTITY a '<!--'><!ENTITY b \"<g" + attributes +
+                        "/>\">]>" + head + "&b;</svg>"),
                 ContainsRegex("more than 1000 attributes$"));
 
     std::string namespaces;
@@ -125,7 +129,7 @@ TEST(ABadDrawing, CannotBlowUpThroughEntities) {
 TEST(ABadDrawing, CannotBlowUpThroughReferencedText) {
     EXPECT_THAT(refusal(drawing("<text id='t'>" + repeated("x", 100'000) + "</text><text>" +
                                 repeated("<tref xlink:href='#t'/>", 1000) + "</text>")),
-                ContainsRegex("repeat too much text$"));
+                ContainsRegex("^bad.svg:1:[0-9]+: text references repeat too much text$"));
 }
 
 TEST(ABadDrawing, OpensNoOtherFile) {

@@ -43,5 +43,15 @@ TEST(ADeclaration, IsFoundWhateverStandsAroundIt) {
     EXPECT_EQ(all, "a=url(x;y)|b=';'|c=d\\;e!|f={;}|j=k|");
 }
 
+TEST(ABlock, IsSeparatedFromWhatFollowsItOrNot) {
+    for (const char* text : {"", "  ", "a:b;", "a:b; ", "a:';';", "a:b;/*;"}) {
+        std::string storage;
+        EXPECT_TRUE(endsSeparated(blankComments(text, storage))) << text;
+    }
+    for (const char* text : {"a:b", "a:';", "a:b\\;", "a:(;", "a:b/*;*/", ";a"}) {
+        EXPECT_FALSE(endsSeparated(text)) << text;
+    }
+}
+
 } // namespace
 } // namespace host::css

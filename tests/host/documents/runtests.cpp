@@ -61,7 +61,59 @@ const Case cases[] = {
      "<text font-family='A' display='none'>a</text><g style='display:none'><text display='inline'"
      " font-family='B'>b</text></g><style>.h{display:none}</style><text class='h'>c</text>"
      "<text font-family='D' visibility='hidden'>d</text>",
-     "D/Regular:d"},
+     ""},
+    {"VisibilityIsInheritedAndMayComeBack",
+     "<g visibility='hidden'><text font-family='A'>a<tspan style='visibility:visible' "
+     "font-family='B'>b</tspan></text><text style='visibility:inherit' font-family='C'>c</text>"
+     "<text style='visibility:initial' font-family='D'>d</text></g>"
+     "<text visibility='collapse' font-family='E'>e</text>"
+     "<text visibility='nonsense' font-family='F'>f</text>",
+     "B/Regular:b|D/Regular:d|F/Regular:f"},
+    {"TextOfNoSizeDoesNotCount",
+     "<text font-size='0' font-family='A'>a<tspan font-size='2em'>b</tspan>"
+     "<tspan font-size='1px' font-family='C'>c</tspan></text>"
+     "<text style='font-size:0.0pt' font-family='D'>d</text>"
+     "<text style='font:0px E'>e</text><text style='font:0.5px/0 F'>f</text>"
+     "<text font-size='calc(0px)' font-family='G'>g</text>"
+     "<text font-size='-1' font-family='H'>h</text>",
+     "C/Regular:c|F/Regular:f|G/Regular:g|H/Regular:h"},
+    {"OneAlternativeOfASwitch",
+     "<switch><foreignObject requiredExtensions='x'/><desc>D</desc>"
+     "<text systemLanguage='de' font-family='A'>a</text>"
+     "<text systemLanguage='fr, en' font-family='B'>b</text><text font-family='C'>c</text>"
+     "</switch><text font-family='D'><switch><tspan systemLanguage='en-GB'>d</tspan>"
+     "<tspan font-family='E'>e</tspan></switch></text><switch><text font-family='F'>f</text>"
+     "<text systemLanguage='en' font-family='G'>g</text></switch>"
+     "<text systemLanguage='it' font-family='H'>h</text>",
+     "B/Regular:b|E/Regular:e|F/Regular:f"},
+    {"ReferencesOfWhatIsNotShownShowNothing",
+     "<defs><g><use xlink:href='#a'/></g><g id='r1'><use href='#r2'/></g><g id='r2'>"
+     "<use href='#r1'/></g><text id='a' font-family='A'>a</text><use href='#b'/><g id='u'>"
+     "<use href='#c'/><path clip-path='url(#d)'/></g><text id='b' font-family='B'>b</text>"
+     "<text id='c' font-family='C'>c</text></defs><clipPath id='d'><text font-family='D'>d</text>"
+     "</clipPath><a href='#e'><path/></a><defs><text id='e' font-family='E'>e</text></defs>"
+     "<use href='#u'/><g display='none'><use href='#f'/></g><defs><text id='f' font-family='F'>f"
+     "</text></defs><switch><g/><use href='#b'/></switch>",
+     "C/Regular:c|D/Regular:d"},
+    {"StyleSheetsReferToo",
+     "<style>.clip{clip-path:url(#c1)} .pat { fill : url( '#p1' ) }</style>"
+     "<clipPath id='c1'><text font-family='A'>a</text></clipPath>"
+     "<pattern id='p1'><text font-family='B'>b</text></pattern>"
+     "<mask id='m1'><text font-family='C'>c</text></mask><path class='clip'/><path class='pat'/>",
+     "A/Regular:a|B/Regular:b"},
+    {"UsedTextInheritsFromItsUse",
+     "<defs><text id='t'>a</text><g id='g' font-style='italic'><text>b</text><text id='n' "
+     "font-family='N'>c</text></g></defs><symbol id='s'><text>d</text><use href='#t'/></symbol>"
+     "<g display='none' font-family='H'><use href='#t'/></g>"
+     "<g font-family='X' font-weight='bold'><use href='#t'/><use href='#n'/></g>"
+     "<g font-family='Y'><use xlink:href='#g'/><use href='#t'/></g>"
+     "<style>.u{font-family:Z;font-weight:300}</style><use class='u' href='#s'/>",
+     "X/Bold:a|Y/Italic:b|N/Bold:c|Z/Light:d"},
+    {"UsesInACircle",
+     "<defs><g id='a'><use href='#b'/><text font-family='A'>a</text></g><g id='b' "
+     "font-weight='bold'><use href='#a'/><text>b</text></g></defs>"
+     "<use font-family='X' href='#a'/>",
+     "A/Regular:a|X/Bold:b"},
     {"DefinitionsCountWhereTheyAreUsed",
      "<defs><text font-family='A'>a</text><text id='b' font-family='B'>b</text><g id='c'><text "
      "font-family='C'>c</text></g></defs><symbol id='d'><text font-family='D'>d</text></symbol>"
@@ -98,6 +150,54 @@ TEST(ADrawing, MayDeclareItsNamespacesAsEntities) {
         "<svg xmlns=\"&ns_svg;\"><text style=\"&st0;\">a&more;b&more;</text></svg>",
         "x.svg");
     EXPECT_EQ(visibleRuns(document), "A/Regular:a|A/Bold:m|A/Regular:b|A/Bold:m");
+}
+
+TEST(ADrawing, IsReadWithoutItsParameterEntities) {
+    const std::string body = "<!ENTITY x 'a'> %p;]><svg xmlns='http://www.w3.org/2000/svg'><text "
+                             "font-family='A'>&x;</text></svg>";
+    for (const char* entity : {"'<!ELEMENT e EMPTY>'", "'&#37;p;'", "SYSTEM 'no-such-file.ent'"}) {
+        EXPECT_EQ(visibleRuns(readSvg(
+                      "<!DOCTYPE svg [<!ENTITY % p " + std::string(entity) + ">" + body, "x.svg")),
+                  "A/Regular:a")
+            << entity;
+    }
+}
+
+TEST(ADrawing, ShowsTheAlternativeInTheUsersLanguage) {
+    const struct {
+        const char* language;
+        const char* runs;
+    } alternatives[] = {{"de_AT", "<sans-serif>/Regular:de"},
+                        {"pt_BR", "<sans-serif>/Regular:br"},
+                        {"pt_PT", "<sans-serif>/Regular:pt"},
+                        {"en", "<sans-serif>/Regular:gb"},
+                        {"ja_JP", "<sans-serif>/Regular:?"}};
+    for (const auto& c : alternatives) {
+        SvgOptions options;
+        options.language = c.language;
+        EXPECT_EQ(visibleRuns(read("<switch><text systemLanguage='DE'>de</text><text "
+                                   "systemLanguage='fr,pt-br'>br</text><text systemLanguage='pt'>pt"
+                                   "</text><text systemLanguage='en-GB'>gb</text><text>?</text>"
+                                   "</switch>",
+                                   options)),
+                  c.runs);
+    }
+}
+
+TEST(ADrawing, MayHoldAnyNumberOfQuotesOutsideItsTags) {
+    std::string pairs;
+    for (int i = 0; i < 2000; ++i) {
+        pairs += " a" + std::to_string(i) + "='b'";
+    }
+    const std::string tag = "<g" + pairs + ">";
+    EXPECT_EQ(visibleRuns(readSvg("<?p " + tag + "?><!DOCTYPE svg [<!ENTITY e \"" + pairs +
+                                      "\">]><!-- " + tag + " -->" +
+                                      drawing("<style><![CDATA[/*" + tag +
+                                              "*/text{font-family:A}]]>"
+                                              "</style><text>a</text><!--" +
+                                              tag + "-->"),
+                                  "x.svg")),
+              "A/Regular:a");
 }
 
 TEST(ADrawing, IsReadInItsOwnEncoding) {

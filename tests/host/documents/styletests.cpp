@@ -69,6 +69,12 @@ const Case cases[] = {
      "font-family:C}</style><text data-a='' data-b='x y'>a</text><text lang='de-AT' "
      "data-c='abmyz'>b</text>",
      "A/Bold Italic:a|C/Expanded:b"},
+    {"LongClassLists",
+     "<style>.a.z{font-family:A} .n{font-family:N} .q .z.q>.a{font-weight:bold}</style>"
+     "<g class='q b c d e f g h i j k l m n1 o p q r s t u v w x y aa bb cc dd ee ff gg z'>"
+     "<text class='z a b c d e f g h i j k l m o p q r s t u v w x y aa bb cc dd ee ff gg a a'>a"
+     "</text></g>",
+     "A/Regular:a"},
     {"GroupsOfSelectors", "<style>.x, #y , z{font-family:A}</style><text id='y'>a</text>",
      "A/Regular:a"},
     {"SelectorsThatAreNotKnownMatchNothing",
@@ -137,6 +143,19 @@ const Case cases[] = {
      "Foo/Bold Italic:a"},
     {"CommentsInDeclarations",
      "<text style='/*x*/font-family/*y*/:Foo;/*z:*/font-weight:bold'>a</text>", "Foo/Bold:a"},
+    {"CommentsInValues",
+     "<text style='font-family: /* first, */ Foo/*x*/Bar /* ; */, B;font-weight:bold /* strong */'>"
+     "a</text><style>.b{font:/**/italic 12px /* \"size\" */ 'A/*B*/C'/*}*/}</style>"
+     "<text class='b'>b</text><text font-family='/* c */ D' font-weight='600/*x*/'>c</text>",
+     "Foo Bar/Bold:a|A/*B*/C/Italic:b|D/SemiBold:c"},
+    {"UrlsWithoutQuotesHideNothing",
+     "<style>@font-face{font-family:E;src:url(data:x/*'y)}.a{fill:url( a/*b';\\) );font-family:A}"
+     "</style><text class='a'>a</text><text font-family='E'>b</text>",
+     "A/Regular:a|[E]/Regular:b"},
+    {"BracketsInAShorthand",
+     "<text style='font: calc(1em + 2px) CalcFont'>a</text>"
+     "<text style='font:bold calc(1em + 2px) / calc(1 * 2) Foo, serif'>b</text>",
+     "CalcFont/Regular:a|Foo/Bold:b"},
     {"PostScriptNameAsFamily",
      "<text font-family='Oswald-BoldItalic'>a</text><text font-family='Noto-Sans'>b</text>",
      "Oswald-BoldItalic/Bold Italic:a|Noto-Sans/Regular:b"},
@@ -167,7 +186,47 @@ TEST(AStyleSheet, CostsABoundedAmountOfWork) {
         sheet += "*{font-weight:bold}";
         body += "<text>a</text>";
     }
-    EXPECT_THROW(read(sheet + "</style>" + body), DocumentError);
+    try {
+        read("\n<g/>" + sheet + "</style>" + body);
+        ADD_FAILURE();
+    } catch (const DocumentError& error) {
+        EXPECT_EQ(std::string(error.what()),
+                  "test.svg:2:12: the style sheets are too large to match");
+    }
+}
+
+/// Of each kind as many tests as take a minute when each looks at all there is.
+TEST(AStyleSheet, LooksAtLongAttributesOnce) {
+    std::string byClass;
+    std::string byEnd;
+    std::string classes;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string number = std::to_string(i);
+        byClass += ".k" + number + ".zz{font-family:A}";
+        byEnd += "*[d$=\"z" + number + "\"]{font-family:A}";
+        classes += "k" + number + " ";
+    }
+    std::string body;
+    for (int i = 0; i < 1000; ++i) {
+        body += "<text class='" + classes + "'>a</text>";
+    }
+    EXPECT_EQ(read("<style>" + byClass + "</style>" + body).faces().size(), 1U);
+
+    const std::string path(40'000, 'M');
+    body.clear();
+    for (int i = 0; i < 100; ++i) {
+        body += "<text d='" + path + "z" + std::to_string(i) + "'>a</text>";
+    }
+    const Document document = read("<style>" + byEnd + "</style>" + body);
+    ASSERT_EQ(document.faces().size(), 1U);
+    EXPECT_EQ(document.face(0).family, "A");
+
+    // Where all has to be looked at again and again, there is an end to it.
+    std::string inTheMiddle;
+    for (int i = 0; i < 1000; ++i) {
+        inTheMiddle += "*[d*='MMMMMMMMz" + std::to_string(i) + "x']{font-family:A}";
+    }
+    EXPECT_THROW(read("<style>" + inTheMiddle + "</style>" + body), DocumentError);
 }
 
 TEST(AStyle, KeepsThePostScriptNameThatStandsForTheFamily) {
