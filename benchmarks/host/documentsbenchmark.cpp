@@ -31,7 +31,7 @@ const std::string& drawing() {
             switch (i % 3) {
             case 0:
                 result += "style=\"font-style:normal;font-weight:normal;font-size:" +
-                          std::to_string(i % 97) + "px;line-height:1.25;font-family:'Family " +
+                          std::to_string(8 + i % 97) + "px;line-height:1.25;font-family:'Family " +
                           std::to_string(i % 40) + "';fill:#000000;fill-opacity:1;stroke:none\"";
                 break;
             case 1:

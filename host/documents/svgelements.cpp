@@ -29,7 +29,9 @@ std::string_view Scanner::keep(const xmlChar* start, const xmlChar* end) {
     return tree_.values.emplace_back(value);
 }
 
-void Scanner::addAttributes(Element& element, unsigned count, const xmlChar** attributes) {
+Scanner::AttributeSet Scanner::addAttributes(Element& element, unsigned count,
+                                             const xmlChar** attributes) {
+    AttributeSet present = 0;
     element.firstAttribute = static_cast<std::uint32_t>(tree_.attributes.size());
     for (unsigned i = 0; i < count; ++i, attributes += 5) {
         const auto names = attributeNames_.find(attributes[0]);
@@ -38,12 +40,14 @@ void Scanner::addAttributes(Element& element, unsigned count, const xmlChar** at
         }
         const int name = names->second[static_cast<std::size_t>(spaceOf(attributes[2]))];
         if (name >= 0) {
+            present |= bit(static_cast<AttributeName>(name));
             tree_.attributes.push_back(
                 {static_cast<AttributeName>(name), keep(attributes[3], attributes[4])});
         }
     }
     element.attributeCount =
         static_cast<std::uint16_t>(tree_.attributes.size() - element.firstAttribute);
+    return present;
 }
 
 /// Whether a list of languages, as in systemLanguage, has one for the user's.
@@ -65,8 +69,7 @@ bool Scanner::speaks(std::string_view languages) const {
     return false;
 }
 
-/// Of the children of a switch the first one is shown that can be shown and whose conditions hold.
-void Scanner::readConditions(Element& element, Open* outer, bool& muted) {
+void Scanner::readConditions(Element& element, bool& muted) const {
     for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
         const Attribute& attribute = tree_.attributes[i];
         if (attribute.name == AttributeName::RequiredExtensions) {
@@ -75,14 +78,15 @@ void Scanner::readConditions(Element& element, Open* outer, bool& muted) {
             element.passedOver = element.passedOver || !speaks(attribute.value);
         }
     }
-    if (outer == nullptr || outer->tag != Tag::Switch) {
-        return;
-    }
+}
+
+/// Of the children of a switch the first one is shown that can be shown and whose conditions hold.
+void Scanner::choose(Element& element, Open& switching, bool muted) {
     const bool drawable = element.tag != Tag::Unknown && element.tag != Tag::FlowRegion &&
                           element.tag != Tag::Style && element.tag != Tag::Definitions;
     const bool fits = drawable && !muted && !element.passedOver;
-    element.passedOver = element.passedOver || outer->chosen;
-    outer->chosen = outer->chosen || fits;
+    element.passedOver = element.passedOver || switching.chosen;
+    switching.chosen = switching.chosen || fits;
 }
 
 void Scanner::interpretAttributes(Element& element) {
@@ -219,15 +223,24 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
     element.transparent = outer == nullptr || (element.topLevel && element.tag == Tag::Switch);
     bool muted = (outer != nullptr && outer->muted) || element.tag == Tag::Ignored ||
                  (!svg && outer != nullptr) || element.tag == Tag::Style;
-    addAttributes(element, attributeCount, attributes);
-    readConditions(element, outer, muted);
-    interpretAttributes(element);
+    const AttributeSet present = addAttributes(element, attributeCount, attributes);
+    const auto has = [present](auto... names) { return (present & (bit(names) | ...)) != 0; };
+    using Name = AttributeName;
+    if (has(Name::RequiredExtensions, Name::SystemLanguage)) {
+        readConditions(element, muted);
+    }
+    if (outer != nullptr && outer->tag == Tag::Switch) {
+        choose(element, *outer, muted);
+    }
+    if (has(Name::Space, Name::GroupMode, Name::Layer, Name::Extraneous)) {
+        interpretAttributes(element);
+    }
     const References::Scope scope = scopeOf(element, outer);
+    if (!muted && has(Name::Reference, Name::Paint, Name::Style)) {
+        noteReferences(element, scope);
+    }
     if (element.tag == Tag::Ignored) {
         noteFontFace(chars(name), attributeCount, attributes);
-    }
-    if (!muted) {
-        noteReferences(element, scope);
     }
 
     element.firstPiece = static_cast<std::uint32_t>(tree_.pieces.size());

@@ -73,19 +73,15 @@ void Scanner::raise(std::string_view reason, std::size_t place) const {
     throw errorAt(source_, name_, reason, place);
 }
 
-/// @param start of a '<' @return the next '<' after it, or the end of the source
-std::size_t Scanner::checkTag(std::size_t start) const {
-    const std::size_t next = std::min(source_.find('<', start + 1), source_.size());
-    if (next - start <= longTag) {
-        return next;
-    }
+/// @param start of a tag @param end the next '<', or the end of the source
+void Scanner::countAttributes(std::size_t start, std::size_t end) const {
     const auto first = static_cast<unsigned char>(source_[start + 1] | 0x20);
     if (!(first >= 'a' && first <= 'z') && first < 0x80 && source_[start + 1] != '_' &&
         source_[start + 1] != ':') {
-        return next;
+        return;
     }
     std::size_t count = 0;
-    for (std::size_t i = source_.find_first_of("\"'>", start); i < next && source_[i] != '>';
+    for (std::size_t i = source_.find_first_of("\"'>", start); i < end && source_[i] != '>';
          i = source_.find_first_of("\"'>", i + 1)) {
         if (++count > maximumAttributes) {
             raise("an element has more than " + std::to_string(maximumAttributes) + " attributes",
@@ -96,11 +92,11 @@ std::size_t Scanner::checkTag(std::size_t start) const {
             break;
         }
     }
-    return next;
 }
 
 /// The text of an entity is parsed where it is used: any tag in it counts, whatever else it may
 /// seem to be part of there.
+/// @return the first '<' behind the declaration, or the end of the source
 std::size_t Scanner::checkEntity(std::size_t start) const {
     std::size_t end = start;
     while (end < source_.size() && source_[end] != '>') {
@@ -110,7 +106,11 @@ std::size_t Scanner::checkEntity(std::size_t start) const {
         ++end;
     }
     for (std::size_t tag = source_.find('<', start + 1); tag < end;) {
-        tag = checkTag(tag);
+        const std::size_t next = std::min(source_.find('<', tag + 1), end);
+        if (next - tag > longTag) {
+            countAttributes(tag, next);
+        }
+        tag = next;
     }
     return std::min(source_.find('<', end), source_.size());
 }
@@ -126,9 +126,13 @@ void Scanner::checkLongTags() const {
         {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}}};
     const std::string_view source = source_;
     for (std::size_t start = source.find('<'); start < source.size();) {
-        const char kind = start + 1 < source.size() ? source[start + 1] : '\0';
+        const char kind = source_[start + 1]; // there is a zero behind the source
         if (kind != '!' && kind != '?') {
-            start = checkTag(start);
+            const std::size_t next = std::min(source.find('<', start + 1), source.size());
+            if (next - start > longTag) {
+                countAttributes(start, next);
+            }
+            start = next;
             continue;
         }
         const auto passage =

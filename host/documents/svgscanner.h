@@ -83,16 +83,22 @@ private:
     void setHandlers();
     void learnNames();
     void checkLongTags() const;
-    std::size_t checkTag(std::size_t start) const;
+    void countAttributes(std::size_t start, std::size_t end) const;
     std::size_t checkEntity(std::size_t start) const;
     void begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
                const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
                const xmlChar** attributes);
     void end(xmlParserCtxtPtr context);
-    void addAttributes(Element& element, unsigned count, const xmlChar** attributes);
+    /// Bits by AttributeName, so that most elements are not asked about most attributes.
+    using AttributeSet = std::uint32_t;
+    static constexpr AttributeSet bit(AttributeName name) {
+        return AttributeSet{1} << static_cast<unsigned>(name);
+    }
+    AttributeSet addAttributes(Element& element, unsigned count, const xmlChar** attributes);
     bool speaks(std::string_view languages) const;
     References::Scope scopeOf(const Element& element, const Open* outer);
-    void readConditions(Element& element, Open* outer, bool& muted);
+    void readConditions(Element& element, bool& muted) const;
+    static void choose(Element& element, Open& switching, bool muted);
     void interpretAttributes(Element& element);
     void noteReferences(const Element& element, References::Scope scope);
     void noteUrls(std::string_view text, References::Scope scope, bool copy);

@@ -224,7 +224,7 @@ private:
     }
 
     void resolveOne(ElementId id, ElementId inheritsFrom) {
-        styles_.elements[id] = resolve(id, inheritsFrom);
+        resolve(id, inheritsFrom);
         const std::string_view used = targetOf_.empty() ? std::string_view() : usedId(id);
         if (used.empty()) {
             return;
@@ -268,9 +268,9 @@ private:
         }
     }
 
-    Style resolve(ElementId id, ElementId inheritsFrom) {
+    void resolve(ElementId id, ElementId inheritsFrom) {
         const Element& element = tree_.elements[id];
-        Style style;
+        Style& style = styles_.elements[id];
         if (inheritsFrom != noElement) {
             style = styles_.elements[inheritsFrom];
         }
@@ -293,7 +293,6 @@ private:
             const std::string_view* name = tree_.find(id, AttributeName::Id);
             style.unrendered = name == nullptr || !tree_.references.contains(*name);
         }
-        return style;
     }
 
     const Tree& tree_;
