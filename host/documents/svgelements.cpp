@@ -50,45 +50,6 @@ Scanner::AttributeSet Scanner::addAttributes(Element& element, unsigned count,
     return present;
 }
 
-/// Whether a list of languages, as in systemLanguage, has one for the user's.
-bool Scanner::speaks(std::string_view languages) const {
-    const auto folded = [](std::string_view tag) {
-        std::string result = css::foldFamily(css::trim(tag));
-        std::replace(result.begin(), result.end(), '_', '-');
-        return result + '-'; // so that a prefix is one of whole parts
-    };
-    const std::string own = folded(limits_.language);
-    for (std::size_t start = 0; start <= languages.size();) {
-        const std::size_t comma = std::min(languages.find(',', start), languages.size());
-        const std::string tag = folded(languages.substr(start, comma - start));
-        if (tag.size() > 1 && (own.starts_with(tag) || tag.starts_with(own))) {
-            return true;
-        }
-        start = comma + 1;
-    }
-    return false;
-}
-
-void Scanner::readConditions(Element& element, bool& muted) const {
-    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
-        const Attribute& attribute = tree_.attributes[i];
-        if (attribute.name == AttributeName::RequiredExtensions) {
-            muted = muted || !attribute.value.empty();
-        } else if (attribute.name == AttributeName::SystemLanguage) {
-            element.passedOver = element.passedOver || !speaks(attribute.value);
-        }
-    }
-}
-
-/// Of the children of a switch the first one is shown that can be shown and whose conditions hold.
-void Scanner::choose(Element& element, Open& switching, bool muted) {
-    const bool drawable = element.tag != Tag::Unknown && element.tag != Tag::FlowRegion &&
-                          element.tag != Tag::Style && element.tag != Tag::Definitions;
-    const bool fits = drawable && !muted && !element.passedOver;
-    element.passedOver = element.passedOver || switching.chosen;
-    switching.chosen = switching.chosen || fits;
-}
-
 void Scanner::interpretAttributes(Element& element) {
     for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
         const Attribute& attribute = tree_.attributes[i];
@@ -112,39 +73,6 @@ void Scanner::interpretAttributes(Element& element) {
     element.layer = element.layer && element.tag == Tag::Group;
 }
 
-void Scanner::noteReferences(const Element& element, References::Scope scope) {
-    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
-        const Attribute& attribute = tree_.attributes[i];
-        switch (attribute.name) {
-        case AttributeName::Reference:
-            // A link leads to its target and does not show it.
-            if (attribute.value.starts_with('#') && element.tag != Tag::Link) {
-                references_.addReference(scope, attribute.value.substr(1));
-            }
-            break;
-        case AttributeName::Paint:
-        case AttributeName::Style:
-            noteUrls(attribute.value, scope, false);
-            break;
-        default:
-            break;
-        }
-    }
-}
-
-/// @param copy whether `text` lives shorter than the tree
-void Scanner::noteUrls(std::string_view text, References::Scope scope, bool copy) {
-    for (std::size_t url = text.find("url("); url != std::string_view::npos;
-         url = text.find("url(", url + 4)) {
-        const std::size_t hash = text.find_first_not_of("'\" ", url + 4);
-        if (hash != std::string_view::npos && text[hash] == '#') {
-            const std::size_t end = text.find_first_of(")'\" ", hash);
-            const std::string_view id = text.substr(hash + 1, end - hash - 1);
-            references_.addReference(scope, copy ? tree_.values.emplace_back(id) : id);
-        }
-    }
-}
-
 /// Text in an SVG font comes with the document, as it does with one that a font-face fetches.
 void Scanner::noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes) {
     if (local != "font-face") {
@@ -159,23 +87,6 @@ void Scanner::noteFontFace(std::string_view local, unsigned count, const xmlChar
             }
         }
     }
-}
-
-/// The scope that an element's references are made from.
-References::Scope Scanner::scopeOf(const Element& element, const Open* outer) {
-    const References::Scope around = outer == nullptr ? References::shown : outer->scope;
-    const bool definitions = element.tag == Tag::Definitions;
-    if (!definitions && !element.passedOver && around == References::shown) {
-        return around;
-    }
-    std::string_view id;
-    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size() && id.empty(); ++i) {
-        id = tree_.attributes[i].name == AttributeName::Id ? tree_.attributes[i].value : id;
-    }
-    if (definitions || element.passedOver) {
-        return references_.addDefinitions(id);
-    }
-    return id.empty() ? around : references_.addWithin(around, id);
 }
 
 void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
