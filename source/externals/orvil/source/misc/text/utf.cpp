@@ -5,14 +5,15 @@
 // results and positions.
 #include "misc/text/utf.h"
 
+#include "misc/text/asciiruns.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
-#include <cstring>
-#include <cwchar>
 
 namespace Orvil {
 
+using namespace AsciiRuns;
 using namespace UTF;
 
 namespace {
@@ -44,74 +45,6 @@ constexpr int sequenceLength(UTF8 lead) {
     }
     const int ones = std::countl_one(lead);
     return ones < 6 ? ones : 6;
-}
-
-constexpr std::ptrdiff_t blockSize = 16;
-
-/// The bits of a word of units that no ASCII unit has.
-template <typename Source>
-constexpr std::uint64_t nonAsciiBits = sizeof(Source) == 1 ? 0x8080808080808080U
-                                                           : 0xFF80FF80FF80FF80U;
-template <typename Source>
-constexpr std::ptrdiff_t unitsPerWord = sizeof(std::uint64_t) / sizeof(Source);
-
-template <typename Source>
-std::uint64_t loadWord(const Source* source) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, source, sizeof word);
-    return word;
-}
-
-template <std::ptrdiff_t count, typename Source>
-bool isAscii(const Source* source) {
-    std::uint64_t all = 0;
-    for (std::ptrdiff_t i = 0; i < count; i += unitsPerWord<Source>) {
-        all |= loadWord(source + i);
-    }
-    return (all & nonAsciiBits<Source>) == 0;
-}
-
-template <std::ptrdiff_t count, typename Source, typename Target>
-void copyUnits(const Source* source, Target* target) {
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        target[i] = static_cast<Target>(source[i]);
-    }
-}
-
-/// Copies a block of units of another width, and tells how many at its start are ASCII.
-template <typename Source, typename Target>
-std::ptrdiff_t copyBlock(const Source* source, Target* target) {
-    copyUnits<blockSize>(source, target);
-    for (std::ptrdiff_t i = 0; i < blockSize; i += unitsPerWord<Source>) {
-        const std::uint64_t word = loadWord(source + i) & nonAsciiBits<Source>;
-        if (word != 0) {
-            const int bits = std::endian::native == std::endian::little ? std::countr_zero(word)
-                                                                        : std::countl_zero(word);
-            return i + bits / static_cast<int>(8 * sizeof(Source));
-        }
-    }
-    return blockSize;
-}
-
-/// Advances over ASCII as long as `count` units at a time fit on both sides.
-template <std::ptrdiff_t count, typename Source, typename Target>
-void takeAscii(const Source*& source, const Source* sourceEnd, Target*& target,
-               const Target* targetEnd) {
-    while (sourceEnd - source >= count && targetEnd - target >= count && isAscii<count>(source)) {
-        copyUnits<count>(source, target);
-        source += count;
-        target += count;
-    }
-}
-
-/// The same for what is left, down to single units.
-template <typename Source, typename Target>
-void takeLastAscii(const Source*& source, const Source* sourceEnd, Target*& target,
-                   const Target* targetEnd) {
-    takeAscii<8>(source, sourceEnd, target, targetEnd);
-    while (source != sourceEnd && target != targetEnd && *source < 0x80) {
-        *target++ = static_cast<Target>(*source++);
-    }
 }
 
 /// Reads the sequence at `source`, which is before `end`.
@@ -252,33 +185,6 @@ void takeRuns(const UTF16*& source, const UTF16* sourceEnd, UTF8*& target, const
     takeLastAscii(s, sourceEnd, t, targetEnd);
     source = s;
     target = t;
-}
-
-/// Converts a whole text strictly, piece by piece through a buffer on the stack: no text of the
-/// greatest possible length is ever filled, and a short one costs one allocation at most.
-template <typename Target, typename Source, typename Convert>
-Target convertWhole(const Source* source, std::size_t length, Convert convert) {
-    using Char = typename Target::value_type;
-    using Unit = std::conditional_t<sizeof(Char) == 1, UTF8, UTF16>;
-    std::array<Unit, 512> buffer; // NOLINT: filled by the conversion
-    const Source* const end = source + length;
-    Target text;
-    for (;;) {
-        Unit* target = buffer.data();
-        const ConversionResult result =
-            convert(&source, end, &target, buffer.data() + buffer.size(), strict);
-        if (result != conversionOK && result != targetExhausted) {
-            return {};
-        }
-        const auto produced = static_cast<std::size_t>(target - buffer.data());
-        if (result == targetExhausted && text.empty()) {
-            text.reserve(length + length / 8);
-        }
-        text.append(reinterpret_cast<const Char*>(buffer.data()), produced);
-        if (result == conversionOK) {
-            return text;
-        }
-    }
 }
 
 } // namespace
@@ -469,42 +375,6 @@ ConversionResult ConvertUTF32toUTF16(const UTF32** sourceStart, const UTF32* sou
         ++source;
     }
     return result;
-}
-
-std::string UTF16toUTF8(std::u16string_view text) {
-    return convertWhole<std::string>(text.data(), text.size(), ConvertUTF16toUTF8);
-}
-
-std::u16string UTF8toUTF16(std::string_view text) {
-    return convertWhole<std::u16string>(reinterpret_cast<const UTF8*>(text.data()), text.size(),
-                                        ConvertUTF8toUTF16);
-}
-
-std::u16string makeUTF16(std::string_view text, const std::locale& locale) {
-    std::u16string wide;
-    for (const wchar_t character : makeUNICODE(text, locale)) {
-        wide += static_cast<char16_t>(character);
-    }
-    return wide;
-}
-
-std::wstring makeUNICODE(std::string_view text, const std::locale& locale) {
-    const auto& facet = std::use_facet<std::ctype<wchar_t>>(locale);
-    std::wstring wide;
-    for (const char character : text) {
-        const wchar_t widened = facet.widen(character);
-        wide += static_cast<std::wint_t>(widened) == WEOF ? static_cast<wchar_t>(0xFFFD) : widened;
-    }
-    return wide;
-}
-
-std::string makeASCII(std::wstring_view text, const std::locale& locale) {
-    const auto& facet = std::use_facet<std::ctype<wchar_t>>(locale);
-    std::string narrow;
-    for (const wchar_t character : text) {
-        narrow += facet.narrow(character, '?');
-    }
-    return narrow;
 }
 
 } // namespace Orvil
