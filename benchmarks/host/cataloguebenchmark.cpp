@@ -57,7 +57,7 @@ BENCHMARK(Resolve)->ArgName("missing")->Arg(0)->Arg(1);
 
 void Refresh(benchmark::State& state) {
     const std::vector<host::InstalledFace> faces = madeUp();
-    host::Catalogue catalogue([&faces] { return faces; });
+    host::Catalogue catalogue([&faces] { return std::vector(faces); });
     for (auto _ : state) {
         benchmark::DoNotOptimize(catalogue.refresh());
     }

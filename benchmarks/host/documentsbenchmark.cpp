@@ -69,7 +69,7 @@ void parseOnly() {
 
 void survey() {
     const host::Document document = host::readSvg(drawing(), "x.svg");
-    if (walk(document) != 2 * texts) {
+    if (walk(document) != std::size_t{2} * texts) {
         std::abort();
     }
 }

@@ -18,6 +18,7 @@ const std::string& reply() {
         std::string made = "<cmd version=\"2.0\"><fontRequestReply><fonts>\n";
         for (int i = 0; i < 10000; ++i) {
             const std::string number = std::to_string(i);
+            // NOLINTBEGIN(bugprone-suspicious-missing-comma): long pieces take several lines
             for (const char* piece :
                  {"  <font syncID=\"", "#", "\">\n    <psName>Family-Style", "#",
                   "</psName>\n    <type>OT_TT</type>\n    <familyName>A Family ", "#",
@@ -26,6 +27,7 @@ const std::string& reply() {
                   "    <typeMatchingCount>1</typeMatchingCount>\n"
                   "    <fontInfos><fontInfo><containerID>",
                   "#", "</containerID></fontInfo></fontInfos>\n  </font>\n"}) {
+                // NOLINTEND(bugprone-suspicious-missing-comma)
                 made += *piece == '#' ? number : piece;
             }
         }

@@ -34,7 +34,8 @@ std::size_t Contexts::cutTo(std::size_t depth) noexcept {
 }
 
 PluginNumber Contexts::innermost() noexcept {
-    return stack_.empty() ? noPlugin : *table_.find(stack_.back());
+    const PluginNumber* const plugin = stack_.empty() ? nullptr : table_.find(stack_.back());
+    return plugin == nullptr ? noPlugin : *plugin;
 }
 
 } // namespace host
