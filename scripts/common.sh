@@ -10,6 +10,11 @@ fail() {
     exit 1
 }
 
+misuse() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 64
+}
+
 # as_root: true when this user may install packages; leaves the command to do so with in `sudo`.
 as_root() {
     sudo=()

@@ -4,11 +4,12 @@
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-fresh=false keep=false json=false locale='' save=''
+fresh=false keep=false manager=true json=false locale='' save=''
 while [ $# -gt 0 ]; do
     case $1 in
     --fresh) fresh=true ;;
     --keep-active) keep=true ;;
+    --no-manager) manager=false ;;
     --json) json=true ;;
     --locale) locale=$2; shift ;;
     --save) save=$2; shift ;;
@@ -20,7 +21,10 @@ documents=("$@")
 
 release="$root/build/release"
 sandbox="$root/build/sandbox"
-$fresh && rm -rf "$sandbox"
+mkdir -p "$sandbox"
+exec {lock}<"$sandbox"
+flock --nonblock "$lock" || fail 'another run is using the sandbox; try again when it has ended'
+$fresh && find "$sandbox" -mindepth 1 -maxdepth 1 ! -name debs -exec rm -rf {} +
 mkdir -p "$sandbox"/{home,config,data,cache,state,debs,installed,library}
 mkdir -p -m 700 "$sandbox/runtime"
 
@@ -75,7 +79,8 @@ cp -u "$root"/samples/fonts/*.ttf "$library/clients/mueller-soehne/"
 
 escape() { printf '%s' "$1" | sed 's/&/\&amp;/g; s/</\&lt;/g'; }
 
-# The sample sees the sandbox's fonts alone; other documents also see the machine's and the user's
+# The sample sees the sandbox's fonts alone (so not the folder "xdg", which means the machine's data
+# folders too); other documents also see the machine's and the user's
 # fonts, read only.
 system_fonts=''
 if [ ${#documents[@]} -gt 0 ]; then
@@ -90,8 +95,12 @@ cat >"$sandbox/fonts.conf.new" <<CONF
 <!DOCTYPE fontconfig SYSTEM "fonts.dtd">
 <fontconfig>
   <dir>$(escape "$sandbox")/installed</dir>
-  <dir prefix="xdg">fonts</dir>
+  <dir>$(escape "$sandbox")/data/fonts</dir>
   $system_fonts
+  <alias><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
+  <match target="pattern">
+    <edit name="family" mode="append_last"><string>DejaVu Sans</string></edit>
+  </match>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
 CONF
@@ -100,6 +109,7 @@ mv "$sandbox/fonts.conf.new" "$sandbox/fonts.conf"
 export HOME="$sandbox/home" XDG_CONFIG_HOME="$sandbox/config" XDG_DATA_HOME="$sandbox/data"
 export XDG_CACHE_HOME="$sandbox/cache" XDG_STATE_HOME="$sandbox/state" XDG_RUNTIME_DIR="$sandbox/runtime"
 export XDG_DATA_DIRS="$release/share:${XDG_DATA_DIRS:-/usr/local/share:/usr/share}"
+$manager || export XDG_DATA_DIRS="$sandbox/none"
 export FONTCONFIG_FILE="$sandbox/fonts.conf"
 export PATH="$release/bin:$PATH"
 unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY
@@ -115,6 +125,7 @@ export DBUS_SESSION_BUS_ADDRESS
 $keep || glyphora deactivate --all >/dev/null
 glyphora add "$library" >/dev/null
 
+earlier=$(glyphora history --all | wc -l)
 options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
@@ -122,7 +133,7 @@ $json && options+=(--report json)
 glyphora-host open "${options[@]}" -- "${documents[@]}" || status=$?
 if ! $json; then
     printf '\nWhat the font manager did\n'
-    glyphora history
+    glyphora history --all | tail -n "+$((earlier + 1))" | grep . || echo 'nothing: it was not asked'
 fi
 glyphora quit >/dev/null 2>&1 || true # no document missed a font, so none was started
 exit $status

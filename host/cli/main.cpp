@@ -7,31 +7,33 @@
 
 #include <exception>
 #include <iostream>
-#include <optional>
+#include <string>
 
 namespace {
 
 int run(const host::Options& options, host::Session::Clock::time_point start) {
     const bool json = options.report == host::ReportFormat::Json;
-    // A reader of JSON must not stumble over what plug-ins print.
-    std::optional<host::ReservedOutput> reserved;
-    if (json) {
-        reserved.emplace();
-    }
+    // A reader of the report must not stumble over what plug-ins print.
+    const host::ReservedOutput output(options.quiet ? host::Chatter::Dropped
+                                                    : host::Chatter::ToStandardError);
+    bool written = true;
+    const auto print = [&](const std::string& text) { written = output.write(text) && written; };
     host::ConsoleFrontend frontend(std::cerr);
     host::Session session(options, frontend, start);
     const host::RunReport report = session.run([&](const host::DocumentReport& document) {
         if (!json && !options.quiet) {
-            std::cout << host::textOfDocument(document) << std::flush;
+            print(host::textOfDocument(document));
         }
     });
-    if (options.selfTest && !options.quiet) {
-        std::cout << host::textOfSelfTest(report);
+    if (options.selfTest && !json && !options.quiet) {
+        print(host::textOfSelfTest(report));
     }
     if (options.verbose) {
         std::cerr << host::textOfCalls(report);
     }
-    const bool written = json ? reserved->write(host::jsonOf(report)) : bool(std::cout.flush());
+    if (json) {
+        print(host::jsonOf(report));
+    }
     if (!written) {
         std::cerr << "error: the report could not be written\n";
         return host::exitOutputFailed;

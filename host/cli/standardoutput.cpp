@@ -11,12 +11,16 @@
 
 namespace host {
 
-ReservedOutput::ReservedOutput() {
+ReservedOutput::ReservedOutput(Chatter chatter) {
     std::cout.flush();
     std::fflush(stdout);
     kept_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nothing = chatter == Chatter::Dropped ? open("/dev/null", O_WRONLY | O_CLOEXEC) : -1;
     if (kept_ >= 0) {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
+        dup2(nothing >= 0 ? nothing : STDERR_FILENO, STDOUT_FILENO);
+    }
+    if (nothing >= 0) {
+        close(nothing);
     }
 }
 

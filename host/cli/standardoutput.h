@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Keeps standard output for the report: what plug-ins print goes to standard error meanwhile.
+// Keeps standard output for the report, whatever plug-ins print meanwhile.
 #pragma once
 
 #include <string_view>
 
 namespace host {
 
-/// While it lives, the process' standard output is its standard error, and only write() reaches
-/// what was the standard output before.
+/// What becomes of what plug-ins print.
+enum class Chatter { ToStandardError, Dropped };
+
+/// While it lives, the process' standard output is its standard error, or nothing, and only write()
+/// reaches what was the standard output before.
 class ReservedOutput {
 public:
     /// If the system has no descriptor left, nothing is redirected.
-    ReservedOutput();
+    explicit ReservedOutput(Chatter chatter);
     ReservedOutput(const ReservedOutput&) = delete;
     ReservedOutput& operator=(const ReservedOutput&) = delete;
     ~ReservedOutput();

@@ -8,8 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -96,17 +99,19 @@ void writeThrough(const std::string& target, std::string_view bytes) {
     }
 }
 
-/// Whether standard output or error has been sent to a file: replaced, it would take what the
-/// program has yet to say with it.
+/// Whether this process has the file open for writing, as it has when its standard output or error
+/// was sent there: replaced, the file would take what the program has yet to say with it.
 bool isOwnOutput(const struct stat& file) {
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+    std::error_code ignored;
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd", ignored);
+    return std::any_of(begin(descriptors), end(descriptors), [&](const auto& entry) {
+        const std::string name = entry.path().filename().string();
+        int descriptor = -1;
+        std::from_chars(name.data(), name.data() + name.size(), descriptor);
         struct stat own {};
-        if (::fstat(descriptor, &own) == 0 && own.st_dev == file.st_dev &&
-            own.st_ino == file.st_ino) {
-            return true;
-        }
-    }
-    return false;
+        return ::fstat(descriptor, &own) == 0 && own.st_dev == file.st_dev &&
+               own.st_ino == file.st_ino && (::fcntl(descriptor, F_GETFL) & O_ACCMODE) != O_RDONLY;
+    });
 }
 
 /// A link stays one: what it leads to is replaced, or created if it is not there yet.

@@ -56,7 +56,9 @@ std::string Server::answer(std::string_view command) {
 
 void Server::note(const Answer& answer) {
     const std::string asked =
-        answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
+        answer.fonts == 0
+            ? answer.word + " without fonts" // how the protocol's version is asked for
+            : answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
     std::vector<HistoryEntry> entries{{Deed::asked, asked}};
     if (verbose_) {
         warn(asked + (answer.target ? ", from process " + std::to_string(answer.target->processId)

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
@@ -26,6 +27,15 @@ constexpr const char* fontReply =
 
 class AnAwkwardManager : public testing::Test {
 protected:
+    /// A launched program leads a session of its own: the keeper ends with all that it started.
+    ~AnAwkwardManager() override {
+        std::error_code none; // nothing was launched
+        for (const auto& entry :
+             std::filesystem::directory_iterator(world_.folder() / "keepers", none)) {
+            kill(-std::stoi(entry.path().filename().string()), SIGKILL);
+        }
+    }
+
     /// Opens a drawing with one missing font while a manager runs that does as told, and is started
     /// again whenever it dies.
     Outcome open(const std::string& script) {
@@ -33,8 +43,9 @@ protected:
         world_.write("version", versionReply);
         world_.write("fonts", fontReply);
         const auto keeper = world_.write(
-            "keeper.sh", "cd '" + world_.folder().string() + "'\nuntil '" AWKWARD_MANAGER "' '" +
-                             path.string() + "' journal; do :; done 2>/dev/null\n");
+            "keeper.sh", "cd '" + world_.folder().string() +
+                             "'\nmkdir -p keepers\n: >keepers/$$\nuntil '" AWKWARD_MANAGER "' '" +
+                             path.string() + "' journal; do :; done 2>/dev/null\nrm keepers/$$\n");
         world_.launchInstead("sh " + keeper.string());
         return world_.open({world_.draw("poster.svg", {"Quay Stencil"}).string()});
     }
