@@ -24,7 +24,15 @@ constexpr const char* usage =
     "  PATH=VALUE          set a value; PATH[INDEX]=VALUE sets one of a list\n"
     "  -get=PATH           print only the values that PATH has, inherited ones too\n"
     "Warns on standard error of arguments that are of no use. Fails if a file is refused\n"
-    "or the output cannot be written.\n";
+    "or the output cannot be written.\n"
+    "The same in both forms (a category that inherits has a + or the attribute):\n"
+    "  [server]            <configuration><server>\n"
+    "  host = one            <host>one</host>\n"
+    "  host[1] = two         <host index=\"1\">two</host>\n"
+    "  [server.backup+]      <backup inherit=\"true\">\n"
+    "  port = 80               <port>80</port>\n"
+    "                        </backup></server></configuration>\n"
+    "What has no such form is passed over in both.\n";
 
 constexpr std::string_view getOption = "-get=";
 constexpr std::string_view iniOption = "-readIniFile=";
@@ -125,7 +133,8 @@ int finished() {
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.empty() || arguments.front() == "--help") {
+    const auto isHelp = [](const std::string& text) { return text == "--help" || text == "-h"; };
+    if (arguments.empty() || std::any_of(arguments.begin(), arguments.end(), isHelp)) {
         (arguments.empty() ? std::cerr : std::cout) << usage;
         return arguments.empty() ? 2 : finished();
     }
