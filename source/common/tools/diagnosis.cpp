@@ -1,16 +1,28 @@
 // SPDX-License-Identifier: MIT
-// A second reading of the document, as a stream: only that knows the columns.
+// A reading of the document without a tree of it, which knows the columns.
 #include "diagnosis.h"
 
-#include <libxml/xmlreader.h>
+#include "misc/xml/libxmllimits.h"
+#include "misc/xml/libxmlparser.h"
+#include "misc/xml/libxmlstreamvalidation.h"
+#include "misc/xml/libxmlsupport.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/tree.h>
 #include <libxml/xmlschemas.h>
 
 #include <memory>
+#include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace ProtocolTool {
 
 namespace {
+
+namespace LibXml = Orvil::LibXml;
 
 struct SchemaDeleter {
     void operator()(xmlSchema* schema) const noexcept { xmlSchemaFree(schema); }
@@ -20,64 +32,114 @@ struct SchemaParserDeleter {
         xmlSchemaFreeParserCtxt(context);
     }
 };
-struct ReaderDeleter {
-    void operator()(xmlTextReader* reader) const noexcept { xmlFreeTextReader(reader); }
+struct SchemaValidDeleter {
+    void operator()(xmlSchemaValidCtxt* context) const noexcept { xmlSchemaFreeValidCtxt(context); }
+};
+struct ParserDeleter {
+    void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
 };
 
+/// Of one reading. Stops the parser when there are enough complaints.
 struct Diagnosis {
-    xmlTextReader* reader = nullptr;
+    xmlParserCtxt* parser = nullptr;
     std::vector<Complaint> complaints;
+
+    Complaint here(std::string message) const {
+        return {xmlSAX2GetLineNumber(parser), xmlSAX2GetColumnNumber(parser), std::move(message)};
+    }
+    void add(Complaint complaint) {
+        if (complaints.size() < maximumComplaints) {
+            complaints.push_back(std::move(complaint));
+        }
+        if (complaints.size() == maximumComplaints) {
+            xmlStopParser(parser);
+        }
+    }
 };
 
-void onError(void* context, xmlErrorPtr error) {
-    auto& diagnosis = *static_cast<Diagnosis*>(context);
-    if (diagnosis.complaints.size() >= maximumComplaints) {
-        return;
-    }
-    Complaint complaint;
-    complaint.line = error->line;
-    // Syntax errors know their column; for the schema's the reader tells how far it has read.
-    complaint.column = error->domain == XML_FROM_PARSER || error->domain == XML_FROM_NAMESPACE
-                           ? error->int2
-                           : xmlTextReaderGetParserColumnNumber(diagnosis.reader);
-    complaint.message = error->message == nullptr ? "unknown error" : error->message;
+Complaint toComplaint(const xmlError& error, int line, int column) {
+    Complaint complaint{line, column, error.message == nullptr ? "unknown error" : error.message};
     while (!complaint.message.empty() && complaint.message.back() == '\n') {
         complaint.message.pop_back();
     }
-    diagnosis.complaints.push_back(std::move(complaint));
+    return complaint;
 }
 
-/// Of the node that the reader has come to.
-bool declaresEntities(xmlTextReader* reader) {
-    const xmlNode* const node = xmlTextReaderCurrentNode(reader);
-    return node != nullptr && node->type == XML_DTD_NODE &&
-           reinterpret_cast<const xmlDtd*>(node)->entities != nullptr;
+/// What the parser has as _private while it looks for faults of syntax.
+class Reading : public LibXml::GrowthLimit {
+public:
+    explicit Reading(std::size_t size) : GrowthLimit(size) {}
+    static Diagnosis& of(void* parser) {
+        auto* const context = static_cast<xmlParserCtxt*>(parser);
+        return static_cast<Reading*>(static_cast<GrowthLimit*>(context->_private))->diagnosis;
+    }
+
+    Diagnosis diagnosis;
+};
+
+void onSyntaxError(void* parser, xmlErrorPtr error) {
+    Reading::of(parser).add(toComplaint(*error, error->line, error->int2));
 }
 
-/// What comes up while the whole document is read, with or without a schema.
-std::vector<Complaint> readThrough(const std::string& xml, xmlSchema* schema) {
-    const std::unique_ptr<xmlTextReader, ReaderDeleter> reader(xmlReaderForMemory(
-        xml.data(), static_cast<int>(xml.size()), nullptr, nullptr, XML_PARSE_NONET));
-    if (!reader || (schema != nullptr && xmlTextReaderSetSchema(reader.get(), schema) != 0)) {
+/// The codec takes none.
+void onEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
+              const xmlChar* /*systemId*/, xmlChar* /*content*/) {
+    Diagnosis& diagnosis = Reading::of(parser);
+    diagnosis.add(diagnosis.here("entities must not be declared"));
+    xmlStopParser(diagnosis.parser);
+}
+
+/// The validator does not know where it is, but how far the text has been read.
+void onSchemaError(void* context, xmlErrorPtr error) {
+    auto& diagnosis = *static_cast<Diagnosis*>(context);
+    const Complaint here = diagnosis.here({});
+    diagnosis.add(toComplaint(*error, here.line, here.column));
+}
+
+std::vector<Complaint> findSyntaxErrors(const std::string& xml) {
+    if (xml.size() > Orvil::IXmlParser::maximumDocumentSize) {
+        return {{0, 0,
+                 "the document exceeds the limit of " +
+                     std::to_string(Orvil::IXmlParser::maximumDocumentSize) + " bytes"}};
+    }
+    if (const auto found = LibXml::findManyAttributes(xml)) {
+        return {{found->line, found->column, found->message}};
+    }
+    const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
+    if (!parser) {
+        throw std::bad_alloc();
+    }
+    Reading reading(xml.size());
+    Diagnosis& diagnosis = reading.diagnosis;
+    diagnosis.parser = parser.get();
+    LibXml::ignoreContent(*parser->sax);
+    reading.watch(*parser);
+    parser->sax->entityDecl = onEntity;
+    parser->sax->serror = onSyntaxError;
+    const Orvil::LibXmlDoc declarations(xmlCtxtReadMemory(parser.get(), xml.data(),
+                                                          static_cast<int>(xml.size()), nullptr,
+                                                          nullptr, LibXml::parseOptions));
+    if (!reading.excess().empty()) {
+        diagnosis.add(diagnosis.here(reading.excess()));
+    } else if (!declarations && diagnosis.complaints.empty()) {
+        diagnosis.add(diagnosis.here("the document cannot be read"));
+    }
+    return diagnosis.complaints;
+}
+
+/// Of a document that is well-formed.
+std::vector<Complaint> findSchemaErrors(const std::string& xml, xmlSchema& schema) {
+    const std::unique_ptr<xmlSchemaValidCtxt, SchemaValidDeleter> context(
+        xmlSchemaNewValidCtxt(&schema));
+    if (!context) {
+        throw std::bad_alloc();
+    }
+    const LibXml::Silence silence;
+    Diagnosis diagnosis;
+    xmlSchemaSetValidStructuredErrors(context.get(), onSchemaError, &diagnosis);
+    if (LibXml::validateText(*context, xml, &diagnosis.parser) != 0 &&
+        diagnosis.complaints.empty()) {
         return {{0, 0, "the document cannot be read"}};
-    }
-    Diagnosis diagnosis{reader.get(), {}};
-    xmlTextReaderSetStructuredErrorHandler(reader.get(), onError, &diagnosis);
-    int status = 1;
-    while (status == 1) {
-        status = xmlTextReaderRead(reader.get());
-        if (status == 1 && declaresEntities(reader.get())) {
-            return {{xmlTextReaderGetParserLineNumber(reader.get()),
-                     xmlTextReaderGetParserColumnNumber(reader.get()),
-                     "entities must not be declared"}};
-        }
-    }
-    const bool isGood =
-        status == 0 && (schema == nullptr || xmlTextReaderIsValid(reader.get()) == 1);
-    if (!isGood && diagnosis.complaints.empty()) {
-        diagnosis.complaints.push_back({xmlTextReaderGetParserLineNumber(reader.get()),
-                                        xmlTextReaderGetParserColumnNumber(reader.get()),
-                                        "the document cannot be read"});
     }
     return diagnosis.complaints;
 }
@@ -97,9 +159,8 @@ std::vector<Complaint> diagnose(const std::string& xml, const std::string& schem
     if (!compiled) {
         throw std::runtime_error("the schema does not compile");
     }
-    // Well-formedness first: libxml2's validating reader must not see what is not well-formed.
-    std::vector<Complaint> complaints = readThrough(xml, nullptr);
-    return complaints.empty() ? readThrough(xml, compiled.get()) : complaints;
+    std::vector<Complaint> complaints = findSyntaxErrors(xml);
+    return complaints.empty() ? findSchemaErrors(xml, *compiled) : complaints;
 }
 
 } // namespace ProtocolTool

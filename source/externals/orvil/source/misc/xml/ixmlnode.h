@@ -48,7 +48,9 @@ public:
     virtual IXmlNode* addChild(const std::string& name) = 0;
     /// Appends to the content.
     virtual void setContent(const std::string& text) = 0;
-    /// Replaces the content by the literal text. Makes no CDATA section, despite the name.
+    /// Replaces the content by the literal text. Makes no CDATA section, despite the name. All
+    /// nodes below become invalid, also those that addChild has made: they can only be deleted
+    /// then.
     virtual void setContentCDATA(const std::string& text) = 0;
 
     /// The first child of any kind with exactly this name; null if there is none.

@@ -16,9 +16,11 @@ namespace Orvil {
 /// XmlDocumentHolder, which does. A parse that has thrown leaves nothing to clean up.
 ///
 /// Outside input is bounded: nothing is fetched over a network, no external DTD or entity is read,
-/// and the library's limits hold (256 levels of elements, tenfold growth by entities; entity
-/// references stay nodes of their own without children), besides a document size of
-/// `maximumDocumentSize`. What exceeds them fails to parse, with the reason in the message.
+/// and the library's limits hold (256 levels of elements; entity references stay nodes of their own
+/// without children). Besides, a document has at most `maximumDocumentSize` bytes, unpacked if its
+/// file is compressed, and 256 attributes per element. What its entities and its defaults of
+/// attributes add, wherever they are used, is at most tenfold its size, or 1 MB for a small one.
+/// What exceeds the bounds fails to parse, with the reason in the message.
 ///
 /// Throws: Exception from parse and parseString. Threads: one at a time per parser.
 class IXmlParser : public SmartPointable {
@@ -34,7 +36,9 @@ public:
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.
     virtual IXmlNode* getRootNode() const = 0;
-    /// Writes the document, indented, as UTF-8. A failure is not reported and leaves the old file.
+    /// Writes the document, indented, as UTF-8. The old file is replaced at once and its mode kept;
+    /// in a folder that takes no new files it is overwritten. What a symbolic link leads to is
+    /// written. A failure is not reported and leaves the old file.
     virtual void write(const std::string& fileName) const = 0;
     /// Leaves `text` as it is: serialising to memory is the caller's own business.
     virtual void writeString(std::string& text) const = 0;
@@ -53,8 +57,8 @@ public:
     /// as it is until the document is let go. The document is neither changed nor written, and is
     /// validated from its root. Reading on may throw Exception. 0, as at first, keeps documents
     /// whole; what is there already stays as it is. Always whole are documents that declare
-    /// entities, use prefixes without declaring them, have bytes of zero (as in UTF-16), or
-    /// carriage returns as well as CDATA sections.
+    /// entities or attributes, use prefixes without declaring them, have bytes of zero (as in
+    /// UTF-16), or carriage returns as well as CDATA sections.
     virtual void setPartLevel(int level) = 0;
 };
 

@@ -180,6 +180,7 @@ void LibXmlNode::setContent(const std::string& text) {
 void LibXmlNode::setContentCDATA(const std::string& text) {
     const XmlText encoded(xmlEncodeSpecialChars(nullptr, toXml(text)));
     if (encoded) {
+        firstChild_ = nullptr; // its node is freed, and so are those of the nodes behind it
         xmlNodeSetContent(node_, encoded.get());
     }
 }

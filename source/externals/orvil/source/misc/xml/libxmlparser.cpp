@@ -2,19 +2,19 @@
 // Reading, making and writing of documents with libxml2.
 #include "misc/xml/libxmlparser.h"
 
+#include "misc/xml/libxmlfile.h"
+#include "misc/xml/libxmllimits.h"
 #include "misc/xml/libxmlsupport.h"
 
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 
-#include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <sys/stat.h>
+#include <new>
 #include <system_error>
-#include <unistd.h>
 
 namespace Orvil {
 
@@ -22,12 +22,31 @@ namespace {
 
 void checkSize(std::uintmax_t size, std::uint32_t line) {
     if (size > IXmlParser::maximumDocumentSize) {
-        throw LibXml::failure("LibXml: Document not parsed successfully: document of " +
-                                  std::to_string(size) + " bytes exceeds the limit of " +
-                                  std::to_string(IXmlParser::maximumDocumentSize) + " bytes",
-                              line);
+        throw LibXml::tooLarge("document of " + std::to_string(size) + " bytes", line);
     }
 }
+
+/// The failure of a document that is refused for another reason than libxml2's.
+Exception refused(const std::string& reason, std::uint32_t line) {
+    return LibXml::failure("LibXml: Document not parsed successfully: " + reason, line);
+}
+
+void checkAttributes(const std::string& text) {
+    if (const auto found = LibXml::findManyAttributes(text)) {
+        throw refused("line " + std::to_string(found->line) + ", column " +
+                          std::to_string(found->column) + ": " + found->message,
+                      __LINE__);
+    }
+}
+
+struct ContextDeleter {
+    void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
+};
+using ParserContext = std::unique_ptr<xmlParserCtxt, ContextDeleter>;
+
+struct XmlTextDeleter {
+    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
+};
 
 /// Throws when `read` gives no document.
 template <typename Read>
@@ -43,9 +62,23 @@ LibXmlDoc readDocument(Read read) {
     return document;
 }
 
-struct ContextDeleter {
-    void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
-};
+LibXmlDoc readWhole(const std::string& text) {
+    LibXml::GrowthLimit growth(text.size());
+    return readDocument([&] {
+        const ParserContext context(xmlNewParserCtxt());
+        if (!context) {
+            throw std::bad_alloc();
+        }
+        growth.watch(*context);
+        LibXmlDoc document(xmlCtxtReadMemory(context.get(), text.data(),
+                                             static_cast<int>(text.size()), nullptr, nullptr,
+                                             LibXml::parseOptions));
+        if (!growth.excess().empty()) {
+            throw refused(growth.excess(), __LINE__);
+        }
+        return document.release();
+    });
+}
 
 /// Ends the first pass over a document that has to be whole.
 void stopFirstPass(void* parser) {
@@ -56,6 +89,12 @@ void stopFirstPass(void* parser) {
 
 void onEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
               const xmlChar* /*systemId*/, xmlChar* /*content*/) {
+    stopFirstPass(parser);
+}
+
+void onAttribute(void* parser, const xmlChar* element, const xmlChar* name, int type, int kind,
+                 const xmlChar* value, xmlEnumeration* values) {
+    xmlSAX2AttributeDecl(parser, element, name, type, kind, value, values); // takes the values
     stopFirstPass(parser);
 }
 
@@ -73,7 +112,7 @@ bool suitsParts(const std::string& text) {
     }
     bool mustBeWhole = false;
     readDocument([&]() -> xmlDoc* {
-        const std::unique_ptr<xmlParserCtxt, ContextDeleter> context(
+        const ParserContext context(
             xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
         if (!context) {
             return nullptr;
@@ -82,6 +121,7 @@ bool suitsParts(const std::string& text) {
         LibXml::ignoreContent(*context->sax);
         context->_private = &mustBeWhole;
         context->sax->entityDecl = onEntity;
+        context->sax->attributeDecl = onAttribute;
         if (text.find('\r') != std::string::npos) {
             context->sax->cdataBlock = onCData;
         }
@@ -91,17 +131,6 @@ bool suitsParts(const std::string& text) {
         return context->wellFormed == 0 && !mustBeWhole ? nullptr : document.release();
     });
     return !mustBeWhole;
-}
-
-/// Flushes a closed file to the disk.
-bool syncFile(const std::string& fileName) {
-    const int file = open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        return false;
-    }
-    const bool synced = fsync(file) == 0;
-    close(file);
-    return synced;
 }
 
 } // namespace
@@ -121,23 +150,25 @@ void LibXmlParser::parse(const std::string& fileName) {
     std::error_code ignored; // a file that cannot be measured is left to libxml2 to report
     const auto size = std::filesystem::file_size(fileName, ignored);
     checkSize(ignored ? 0 : size, __LINE__);
-    document_ =
-        readDocument([&] { return xmlReadFile(fileName.c_str(), nullptr, LibXml::parseOptions); });
+    const std::string text = LibXml::readFile(fileName);
+    checkAttributes(text);
+    document_ = readWhole(text);
     createRoot(xmlDocGetRootElement(document_.get()));
 }
 
 void LibXmlParser::parseString(const std::string& text) {
     cleanup();
     checkSize(text.size(), __LINE__);
+    if (text.empty()) {
+        throw LibXml::notParsed(nullptr, __LINE__);
+    }
+    checkAttributes(text);
     if (partLevel_ > 0 && suitsParts(text)) {
         parts_ = std::make_unique<LibXmlParts>(text, partLevel_);
         createRoot(parts_->root());
         return;
     }
-    document_ = readDocument([&] {
-        return xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                             LibXml::parseOptions);
-    });
+    document_ = readWhole(text);
     createRoot(xmlDocGetRootElement(document_.get()));
 }
 
@@ -163,17 +194,13 @@ void LibXmlParser::write(const std::string& fileName) const {
         return;
     }
     const LibXml::Silence silence;
-    xmlDoc* document = rootNode_->getNode()->doc;
-    struct stat status {};
-    if (stat(fileName.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        xmlSaveFormatFileEnc(fileName.c_str(), document, "UTF-8", 1);
-        return;
-    }
-    const std::string beside = fileName + ".part";
-    const bool written = xmlSaveFormatFileEnc(beside.c_str(), document, "UTF-8", 1) >= 0 &&
-                         syncFile(beside) && std::rename(beside.c_str(), fileName.c_str()) == 0;
-    if (!written) {
-        std::remove(beside.c_str());
+    xmlChar* bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(rootNode_->getNode()->doc, &bytes, &size, "UTF-8", 1);
+    const std::unique_ptr<xmlChar, XmlTextDeleter> owned(bytes);
+    if (bytes != nullptr) {
+        LibXml::replaceFile(fileName,
+                            {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)});
     }
 }
 

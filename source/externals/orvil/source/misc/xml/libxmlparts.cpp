@@ -64,7 +64,7 @@ bool LibXmlParts::readOn() {
     }
     const LibXml::Silence silence;
     isAtEnd_ = rest_.empty();
-    const std::string_view piece = LibXml::takePiece(rest_);
+    const std::string_view piece = LibXml::takePiece(rest_, *context_);
     xmlParseChunk(context_.get(), piece.data(), static_cast<int>(piece.size()), isAtEnd_ ? 1 : 0);
     if (LibXml::hasFailed(*context_)) {
         isAtEnd_ = true;

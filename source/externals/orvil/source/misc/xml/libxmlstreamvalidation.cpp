@@ -106,11 +106,14 @@ struct ContextDeleter {
 
 } // namespace
 
-int validateText(xmlSchemaValidCtxt& context, std::string_view text) {
+int validateText(xmlSchemaValidCtxt& context, std::string_view text, xmlParserCtxt** reader) {
     const std::unique_ptr<xmlParserCtxt, ContextDeleter> parser(
         xmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr));
     if (!parser) {
         return -1;
+    }
+    if (reader != nullptr) {
+        *reader = parser.get();
     }
     Forwarder forwarder(context);
     parser->_private = &forwarder;
@@ -124,7 +127,7 @@ int validateText(xmlSchemaValidCtxt& context, std::string_view text) {
     parser->sax->reference = onReference;
     xmlResetLastError();
     while (!text.empty()) {
-        const std::string_view piece = takePiece(text);
+        const std::string_view piece = takePiece(text, *parser);
         xmlParseChunk(parser.get(), piece.data(), static_cast<int>(piece.size()), 0);
     }
     xmlParseChunk(parser.get(), nullptr, 0, 1);

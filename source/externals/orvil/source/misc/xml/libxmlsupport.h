@@ -3,6 +3,7 @@
 #pragma once
 
 #include "misc/exception.h"
+#include "misc/xml/ixmlparser.h"
 
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
@@ -25,6 +26,13 @@ inline Exception notParsed(const xmlError* error, std::uint32_t line) {
     const bool hasMessage = error != nullptr && error->message != nullptr;
     return failure(std::string("LibXml: Document not parsed successfully: ") +
                        (hasMessage ? error->message : "unknown error message"),
+                   line);
+}
+
+/// The failure of a document that outside input may not be; `what` goes before the limit.
+inline Exception tooLarge(const std::string& what, std::uint32_t line) {
+    return failure("LibXml: Document not parsed successfully: " + what + " exceeds the limit of " +
+                       std::to_string(IXmlParser::maximumDocumentSize) + " bytes",
                    line);
 }
 
@@ -51,10 +59,13 @@ inline void ignoreContent(xmlSAXHandler& handler) {
     handler.reference = nullptr;
 }
 
-/// Takes from the front of `rest` what a push parser gets at once. It looks at a tag that is not
-/// complete again with each piece: small pieces would make that slow for a very long one.
-inline std::string_view takePiece(std::string_view& rest) {
-    const std::string_view piece = rest.substr(0, std::size_t{64} << 10U);
+/// Takes from the front of `rest` what the push parser `context` gets at once. It looks at a tag
+/// that is not complete again with each piece, so a piece is as long as what it has not used yet.
+inline std::string_view takePiece(std::string_view& rest, const xmlParserCtxt& context) {
+    const xmlParserInput* const input = context.input;
+    const std::size_t unused =
+        input == nullptr ? 0 : static_cast<std::size_t>(input->end - input->cur);
+    const std::string_view piece = rest.substr(0, std::max(unused, std::size_t{64} << 10U));
     rest.remove_prefix(piece.size());
     return piece;
 }

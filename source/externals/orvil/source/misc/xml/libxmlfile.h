@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// The files that documents are read from and written to.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Orvil::LibXml {
+
+/// What libxml2 would parse for a file name or URL: files may be compressed, and none is read over
+/// a network. Throws Exception when it cannot be read or is longer, unpacked, than
+/// IXmlParser::maximumDocumentSize; then no more than that has been read.
+std::string readFile(const std::string& fileName);
+
+/// Writes a file, or replaces one at once and keeps its mode; a symbolic link stays, and what it
+/// leads to is written. In a folder that takes no new file, or for a file of another owner, the old
+/// one is overwritten, after the room for that has been reserved. False, with the old file as it
+/// was, if it cannot be written.
+bool replaceFile(const std::string& fileName, std::string_view bytes);
+
+} // namespace Orvil::LibXml
