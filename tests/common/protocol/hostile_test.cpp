@@ -96,6 +96,25 @@ TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
     EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::notXml);
 }
 
+TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
+    const std::string dtd =
+        "<!DOCTYPE cmd [<!ATTLIST font syncID CDATA '" + std::string(20'000, 'a') + "'>]>" + head;
+    const std::string start = dtd + "<activationRequestReply><fonts>";
+    const std::string end = "</fonts></activationRequestReply></cmd>";
+    const std::string font = "<font><psName>a</psName></font>";
+    // The schema wants the attribute itself.
+    EXPECT_EQ(outcomeOf(start + repeat(font, 40) + end), Outcome::rejected);
+    EXPECT_EQ(outcomeOf(start + repeat(font, 5'000) + end), Outcome::notXml);
+}
+
+TEST_F(AHostileReply, WithVeryManyAttributesIsNotRead) {
+    std::string attributes;
+    for (int i = 0; i < 100'000; ++i) {
+        attributes += " a" + std::to_string(i) + "=\"\"";
+    }
+    EXPECT_EQ(outcomeOf(reply("1\"" + attributes + " b=\"", "a")), Outcome::notXml);
+}
+
 TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {
     const std::string content = "<buyRequestReply><handled>1</handled></buyRequestReply></cmd>";
     for (const std::string start :

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The program that tries the codec by hand.
+#include "diagnosis.h"
+#include "misc/xml/ixmlparser.h"
+#include "protocolschema.h"
 #include "protocoltool.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <vector>
 
@@ -27,6 +31,14 @@ Outcome run(std::vector<const char*> arguments, const std::string& input = "") {
     const int exitCode =
         ProtocolTool::run(static_cast<int>(arguments.size()), arguments.data(), in, out, err);
     return {exitCode, out.str(), err.str()};
+}
+
+std::string repeat(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
 }
 
 const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
@@ -110,6 +122,10 @@ TEST(TheProtocolTool, DecodesRepliesToJson) {
 }
 
 TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
+    std::string attributes;
+    for (int i = 0; i < 257; ++i) {
+        attributes += " a" + std::to_string(i) + "=''";
+    }
     struct Case {
         std::string document;
         std::string complaint;
@@ -120,7 +136,13 @@ TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
               "standard input:3:2"},
              {head + "\n<nothing/></cmd>", "standard input:2:"},
              {"", "standard input:1:1: "},
-             {"<!DOCTYPE cmd [\n<!ENTITY a 'x'>]>" + head + "</cmd>", "standard input:2:"},
+             {"<!DOCTYPE cmd [\n<!ENTITY a 'x'>]>" + head + "</cmd>",
+              "standard input:2:15: entities must not be declared"},
+             {"<cmd>\n <a" + attributes + "/></cmd>",
+              "standard input:2:2: an element has more than 256 attributes"},
+             {"<!DOCTYPE a [<!ATTLIST b c CDATA '" + std::string(2'000'000, 'c') + "'>]>\n<a>" +
+                  repeat("<b/>", 20) + "</a>",
+              "standard input:2:46: entities or defaults of attributes make the document grow"},
          }) {
         for (const char* const command : {"validate", "decode"}) {
             const Outcome refused = run({command}, each.document);
@@ -128,6 +150,25 @@ TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
             EXPECT_EQ(refused.output, "");
             EXPECT_THAT(refused.errors, StartsWith(each.complaint));
         }
+    }
+}
+
+TEST(TheProtocolTool, DoesNotLookIntoADocumentBeyondTheCodecsLimit) {
+    const std::string huge(Orvil::IXmlParser::maximumDocumentSize + 1, ' ');
+    const auto complaints = ProtocolTool::diagnose(huge, Protocol::schemaText);
+    ASSERT_EQ(complaints.size(), 1U);
+    EXPECT_EQ(complaints[0].message, "the document exceeds the limit of 268435456 bytes");
+}
+
+TEST(TheProtocolTool, SaysTwentyTimesAtMostThatADocumentIsWrong) {
+    const std::string font = "<font syncID='1'>\n<psName>a</psName><count>x</count></font>";
+    for (const int fonts : {1, 100'000}) {
+        const Outcome refused =
+            run({"decode"}, head + "<activationRequestReply><fonts>" + repeat(font, fonts) +
+                                "</fonts></activationRequestReply></cmd>");
+        const auto lines = std::count(refused.errors.begin(), refused.errors.end(), '\n');
+        EXPECT_THAT(refused.errors, StartsWith("standard input:2:"));
+        EXPECT_EQ(lines, fonts == 1 ? 1 : ProtocolTool::maximumComplaints);
     }
 }
 

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// The fixture of the tests of documents.
+#pragma once
+
+#include "misc/exception.h"
+#include "misc/text/strings.h"
+#include "misc/xml/ixmlparser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvilTests {
+
+using namespace Orvil;
+
+/// A document, and a folder for its files that goes with it.
+class AnXmlDocument : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "orvil-xml-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder = pattern;
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    std::string file(const std::string& name, const std::string& content) const {
+        std::string path = (folder / name).string();
+        std::ofstream(path) << content;
+        return path;
+    }
+    IXmlNode* read(const std::string& text) {
+        document->parseString(text);
+        return document->getRootNode();
+    }
+    /// The failure's message, which must carry nothing else, nor be printed.
+    template <typename Action>
+    static std::string failureOf(Action action) {
+        testing::internal::CaptureStderr();
+        constexpr std::string_view prefix = "\n    User Message : ";
+        std::string message = "nothing thrown";
+        try {
+            action();
+        } catch (const Exception& failure) {
+            EXPECT_THAT(
+                failure.descriptionHeader(),
+                testing::StartsWith("Exception in file "
+                                    "'source/externals/orvil/source/misc/xml/libxmlparser' at "));
+            EXPECT_EQ(failure.descriptionCode(), "");
+            message = failure.descriptionMessage().substr(prefix.size());
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        return message;
+    }
+    std::string parseFailure(const std::string& text) {
+        std::string message = failureOf([&] { document->parseString(text); });
+        EXPECT_EQ(document->getRootNode(), nullptr);
+        return message;
+    }
+    static std::string contentOf(const std::filesystem::path& path) {
+        std::ifstream stream(path);
+        return streamToString(stream);
+    }
+    std::vector<std::string> entries() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename().string());
+        }
+        return names;
+    }
+    std::string written() const {
+        const std::string path = (folder / "written.xml").string();
+        document->write(path);
+        return contentOf(path);
+    }
+
+    std::filesystem::path folder;
+    XmlDocumentHolder document;
+};
+
+} // namespace OrvilTests
