@@ -11,7 +11,6 @@
 using namespace Orvil;
 using OrvilTests::AnXmlDocument;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {

@@ -121,6 +121,16 @@ TEST(TheProtocolTool, DecodesRepliesToJson) {
                 HasSubstr("\"reply\": \"activation\""));
 }
 
+TEST(TheProtocolTool, DecodesTextsThatLibxml2sReadersRefuse) {
+    const std::string name = repeat(std::string(99, 'a') + "&amp;", 110'000);
+    const Outcome decoded =
+        run({"decode"}, head + "<activationRequestReply><fonts><font syncID='1'><psName>" + name +
+                            "</psName></font></fonts></activationRequestReply><!--" + name +
+                            "--></cmd>");
+    EXPECT_EQ(decoded.exitCode, 0) << decoded.errors;
+    EXPECT_GT(decoded.output.size(), 11'000'000U);
+}
+
 TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
     std::string attributes;
     for (int i = 0; i < 257; ++i) {
