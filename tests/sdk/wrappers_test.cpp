@@ -129,7 +129,8 @@ TEST_F(AWrapper, GivesEachReferenceBackOnce) {
     const ATE::ITextRange moved = std::move(copy);
     EXPECT_EQ(references, 2);
     EXPECT_TRUE(copy.IsNull()); // NOLINT: what a move leaves behind is what is tested
-    first = first;              // NOLINT: so is self-assignment
+    const ATE::ITextRange& itself = first;
+    first = itself;
     EXPECT_EQ(references, 2);
     first = iterator_.Item();
     EXPECT_EQ(references, 2);
