@@ -31,6 +31,14 @@ public:
             }
         }
     }
+    void forbid(std::initializer_list<const char*> names, const std::string& kind) const {
+        for (const char* const name : names) {
+            if (object_.contains(name)) {
+                throw std::invalid_argument(place_ + ": '" + name + "' has no place in a " + kind +
+                                            " request");
+            }
+        }
+    }
     std::string text(const char* name) const {
         const auto found = object_.find(name);
         if (found == object_.end()) {
@@ -131,9 +139,11 @@ std::string encodeRequest(const Json& request) {
         return Handler::createFontRequest(
             {mustMatch, fonts, members.text("targetApp"), members.text("targetClass")});
     }
+    members.forbid({"targetApp", "targetClass"}, kind);
     if (kind == "show") {
         return Handler::createShowRequest({mustMatch, fonts});
     }
+    members.forbid({"mustMatchFontType"}, kind);
     if (kind == "activation") {
         return Handler::createActivationRequest(Protocol::ActivationRequest(fonts));
     }

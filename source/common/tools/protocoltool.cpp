@@ -22,10 +22,18 @@ namespace ProtocolTool {
 
 namespace {
 
-/// A file that cannot be read.
-class Unreadable : public std::runtime_error {
+/// Wrong usage, or a file that cannot be read.
+class Unusable : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// What the codec complains of, without the place in its source.
+std::string messageOf(const Orvil::Exception& error) {
+    constexpr std::string_view label = "User Message : ";
+    std::string text = error.descriptionMessage();
+    const std::size_t at = text.find(label);
+    return at == std::string::npos ? text : text.substr(at + label.size());
+}
 
 struct Options {
     std::string file = "-";
@@ -54,11 +62,11 @@ public:
         }
         try {
             return action_();
-        } catch (const Unreadable& error) {
+        } catch (const Unusable& error) {
             errors_ << "glyphora-protocol: " << error.what() << '\n';
             return unusable;
         } catch (const Orvil::Exception& error) {
-            errors_ << "glyphora-protocol: " << error.description() << '\n';
+            errors_ << place_ << ": " << messageOf(error) << '\n';
         } catch (const std::exception& error) {
             errors_ << "glyphora-protocol: " << error.what() << '\n';
         }
@@ -68,9 +76,11 @@ public:
 private:
     void addEncode(CLI::App& app) {
         CLI::App* encode = app.add_subcommand("encode", "Write a request as XML");
-        encode->add_option_function<std::string>(
-            "KIND", [this](const std::string& kind) { options_.request["request"] = kind; },
-            "font, show, buy or activation");
+        encode
+            ->add_option_function<std::string>(
+                "KIND", [this](const std::string& kind) { options_.request["request"] = kind; },
+                "font, show, buy or activation")
+            ->check(CLI::IsMember({"font", "show", "buy", "activation"}));
         encode->add_option("--json", options_.json,
                            "Take the whole request from a file of JSON (- for standard input)");
         encode->add_option("--font", options_.fonts,
@@ -105,15 +115,27 @@ private:
     }
 
     int encode() {
+        place_ = "request";
         if (options_.json.empty()) {
+            if (!options_.request.contains("request")) {
+                throw Unusable("encode: name a KIND of request, or --json");
+            }
             addFonts();
         } else if (!options_.request.empty() || !options_.fonts.empty()) {
-            throw std::invalid_argument("--json takes the whole request: give nothing beside it");
+            throw Unusable("--json takes the whole request: give nothing beside it");
         } else {
-            options_.request = Json::parse(read(options_.json));
+            options_.request = parseJson();
         }
         output_ << encodeRequest(options_.request);
         return done;
+    }
+    Json parseJson() {
+        place_ = nameOf(options_.json);
+        try {
+            return Json::parse(read(options_.json));
+        } catch (const Json::parse_error& error) {
+            throw std::invalid_argument(place_ + ": " + error.what());
+        }
     }
     void addFonts() {
         for (const std::string& description : options_.fonts) {
@@ -121,7 +143,7 @@ private:
             for (const std::string& member : CLI::detail::split(description, ',')) {
                 const std::size_t equals = member.find('=');
                 if (equals == std::string::npos) {
-                    throw std::invalid_argument(
+                    throw Unusable(
                         std::string("--font: '").append(member).append("' is not KEY=VALUE"));
                 }
                 font[member.substr(0, equals)] = member.substr(equals + 1);
@@ -133,11 +155,19 @@ private:
     int decode() {
         const std::string xml = read(options_.file);
         const std::string schema = schemaText();
+        place_ = nameOf(options_.file);
         if (!isValid(xml, schema)) {
             return refused;
         }
         Protocol::Handler handler(schema);
-        output_ << describeReply(handler.parseReply(xml)).dump(2) << '\n';
+        try {
+            output_ << describeReply(handler.parseReply(xml)).dump(2) << '\n';
+        } catch (const Orvil::Exception& error) {
+            // The document is valid, so it is one of the other kind.
+            errors_ << place_ << ": " << messageOf(error)
+                    << " (decode reads replies; validate takes requests too)\n";
+            return refused;
+        }
         return done;
     }
     int validate() { return isValid(read(options_.file), schemaText()) ? done : refused; }
@@ -145,7 +175,7 @@ private:
     /// Says what is wrong, as compilers do.
     bool isValid(const std::string& xml, const std::string& schema) {
         const std::vector<Complaint> complaints = diagnose(xml, schema);
-        const std::string name = options_.file == "-" ? "standard input" : options_.file;
+        const std::string name = nameOf(options_.file);
         for (const Complaint& complaint : complaints) {
             errors_ << name << ':' << complaint.line << ':' << complaint.column << ": "
                     << complaint.message << '\n';
@@ -153,6 +183,9 @@ private:
         return complaints.empty();
     }
 
+    static std::string nameOf(const std::string& file) {
+        return file == "-" ? "standard input" : file;
+    }
     std::string schemaText() const {
         return options_.schemaFile.empty() ? Protocol::schemaText : read(options_.schemaFile);
     }
@@ -171,8 +204,8 @@ private:
         }
         // At the end of the data a stream is at its end and not bad.
         if (stream.bad() || (stream.fail() && !stream.eof())) {
-            throw Unreadable(name + ": cannot be read" +
-                             (errno == 0 ? "" : std::string(": ") + std::strerror(errno)));
+            throw Unusable(name + ": cannot be read" +
+                           (errno == 0 ? "" : std::string(": ") + std::strerror(errno)));
         }
         return std::move(text).str();
     }
@@ -182,6 +215,7 @@ private:
     std::ostream& errors_;
     Options options_;
     std::function<int()> action_;
+    std::string place_; // what an error is about
 };
 
 } // namespace
