@@ -163,9 +163,11 @@ private:
         try {
             output_ << describeReply(handler.parseReply(xml)).dump(2) << '\n';
         } catch (const Orvil::Exception& error) {
-            // The document is valid, so it is one of the other kind.
-            errors_ << place_ << ": " << messageOf(error)
-                    << " (decode reads replies; validate takes requests too)\n";
+            const std::string message = messageOf(error);
+            const bool isRequest = message.starts_with("could not parse root node");
+            errors_ << place_ << ": " << message
+                    << (isRequest ? " (decode reads replies; validate takes requests too)" : "")
+                    << '\n';
             return refused;
         }
         return done;
