@@ -7,6 +7,7 @@
 
 #include "misc/text/asciiruns.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -162,7 +163,9 @@ void takeRuns(const UTF16*& source, const UTF16* sourceEnd, UTF8*& target, const
             continue;
         }
         const UTF16* const before = s;
-        while (s != sourceEnd && targetEnd - t >= 3) {
+        // As many as surely fit: one bound to look at instead of two.
+        const UTF16* const fitting = s + std::min(sourceEnd - s, (targetEnd - t) / 3);
+        while (s != fitting) {
             const UTF32 value = *s;
             if (value >= 0x800U && !isSurrogate(value)) {
                 t[0] = static_cast<UTF8>(0xE0U | (value >> 12U));
