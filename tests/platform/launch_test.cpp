@@ -99,12 +99,12 @@ protected:
         return ref.path;
     }
     static OSErr launch(const std::string& path) {
-        FSSpec specification;
-        std::strcpy(specification.path, path.c_str());
+        FSSpec spec;
+        std::strcpy(spec.path, path.c_str());
         LaunchParamBlockRec block;
         block.launchBlockID = extendedBlock;
         block.launchEPBLength = extendedBlockLen;
-        block.launchAppSpec = &specification;
+        block.launchAppSpec = &spec;
         return LaunchApplication(&block);
     }
     TemporaryFolder folder;

@@ -133,13 +133,13 @@ bool CFURLGetFSRef(CFURLRef url, FSRef* ref) {
 }
 
 OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t /*whichInfo*/, void* /*catalogInfo*/,
-                       void* /*name*/, FSSpec* specification, FSRef* /*parent*/) {
+                       void* /*name*/, FSSpec* spec, FSRef* /*parent*/) {
     const scripted::Application* const application = findByPath(ref->path);
     if (application == nullptr) {
         return fnfErr;
     }
     if (application->catalogStatus == noErr) {
-        copyPath(ref->path, specification->path);
+        copyPath(ref->path, spec->path);
     }
     return application->catalogStatus;
 }
