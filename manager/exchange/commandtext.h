@@ -51,8 +51,8 @@ private:
 
 /// Reads a command. Elements that are not known are passed over; of a command whose word is not
 /// known only the word and the frame are looked at. A font that is malformed (a line feed in the
-/// name of a document's font is enough) is passed over up to its end and costs only itself. Throws
-/// MalformedCommand.
+/// name of a document's font is enough) is passed over up to the next line that closes one, and
+/// costs only itself unless its text holds such a line. Throws MalformedCommand.
 Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").

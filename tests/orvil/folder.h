@@ -12,8 +12,7 @@
 class AFolder : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "orvil-config-XXXXXX").string();
+        std::string pattern = (std::filesystem::temp_directory_path() / "orvil-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         folder = pattern;
     }

@@ -2,6 +2,7 @@
 // The fixture of the tests of documents.
 #pragma once
 
+#include "folder.h"
 #include "misc/exception.h"
 #include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
@@ -9,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -21,21 +21,8 @@ namespace OrvilTests {
 using namespace Orvil;
 
 /// A document, and a folder for its files that goes with it.
-class AnXmlDocument : public testing::Test {
+class AnXmlDocument : public AFolder {
 protected:
-    void SetUp() override {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "orvil-xml-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
-    std::string file(const std::string& name, const std::string& content) const {
-        std::string path = (folder / name).string();
-        std::ofstream(path) << content;
-        return path;
-    }
     IXmlNode* read(const std::string& text) {
         document->parseString(text);
         return document->getRootNode();
@@ -81,7 +68,6 @@ protected:
         return contentOf(path);
     }
 
-    std::filesystem::path folder;
     XmlDocumentHolder document;
 };
 

@@ -123,7 +123,7 @@ OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desired
                     DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 /// Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and tell the
 /// event's class and ID as one native OSType; "rtid" and "tran" are of type typeSInt32; "addr" is
-/// the target of an event that was made here and is not told of one that came in.
+/// the target of an event that was made here; of one that came in it is what the sender put there.
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 
