@@ -239,12 +239,18 @@ TEST_F(TheProgram, ScansWhenAFolderChanges) {
 TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     serve();
-    // The path now holds no database, as after a disk fault; the server's own file is gone.
+    // An answer tells that the server has opened its index, the lock that its first scan is not at
+    // work on it.
+    EXPECT_EQ(askFor("Nobody", "count"), "0");
     const std::string database = sandbox_.places().database();
-    std::filesystem::remove(database + "-wal");
-    std::filesystem::remove(database + "-shm");
-    std::filesystem::remove(database);
-    writeBytes(database, "this is not a database, and long enough to be looked at as one");
+    {
+        const manager::FileLock noScan(sandbox_.places().scanLock());
+        // As after a disk fault: the path now holds no database, the server's own file is gone.
+        writeBytes(database + ".new", "no database, and long enough to be looked at as one");
+        std::filesystem::remove(database + "-wal");
+        std::filesystem::remove(database + "-shm");
+        std::filesystem::rename(database + ".new", database);
+    }
     EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << server_->output();
     // By the server or by its scan, whichever comes first.
     const std::filesystem::directory_iterator files(std::filesystem::path(database).parent_path());
