@@ -2,6 +2,8 @@
 // The syntax of style sheets.
 #include "host/documents/css.h"
 
+#include "host/documents/utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -16,28 +18,6 @@ int hexDigit(char c) noexcept {
     }
     const char lower = static_cast<char>(c | 0x20);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-void appendUtf8(std::string& text, std::uint32_t code) {
-    const auto put = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (code == 0 || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
-        code = 0xFFFD;
-    }
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6);
-        put(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    } else {
-        put(0xF0 | code >> 18);
-        put(0x80 | (code >> 12 & 0x3F));
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    }
 }
 
 std::size_t skipString(std::string_view text, std::size_t position) noexcept {

@@ -2,6 +2,8 @@
 // Looking at XML as text.
 #include "host/documents/xmlsource.h"
 
+#include "host/documents/utf8.h"
+
 #include <algorithm>
 #include <array>
 
@@ -20,25 +22,6 @@ struct Entity {
 };
 constexpr std::array<Entity, 5> predefined{
     {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
-
-void appendUtf8(std::string& text, std::uint32_t code) {
-    const auto put = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6);
-        put(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    } else {
-        put(0xF0 | (code >> 18 & 7));
-        put(0x80 | (code >> 12 & 0x3F));
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    }
-}
 
 /// The text of a reference without '&' and ';'. @return false for an entity that is not known
 bool appendReference(std::string_view name, std::string& text) {

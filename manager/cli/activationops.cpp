@@ -7,6 +7,7 @@
 #include "manager/cli/arguments.h"
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/report.h"
 #include "manager/exchange/candidates.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
@@ -21,6 +22,8 @@
 namespace manager {
 
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 ContainerId resolve(Library& library, const Activation& activation, const std::string& name) {
     CandidateFinder finder(library, activation);
@@ -142,7 +145,6 @@ int statusCommand(const Places& places, bool json) {
     const LibraryCounts counts = library->counts("/");
     const auto active = activation.active(warn);
     if (json) {
-        using Json = nlohmann::ordered_json;
         Json document = {{"server", server ? Json(*server) : Json(nullptr)},
                          {"folders", folders.size()},
                          {"files", counts.files},
@@ -155,7 +157,7 @@ int statusCommand(const Places& places, bool json) {
                                           {"name", container.name},
                                           {"files", container.files}});
         }
-        std::puts(document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
+        printJson(document);
         return exitSuccess;
     }
     std::printf("server: %s\n",
@@ -173,10 +175,19 @@ int statusCommand(const Places& places, bool json) {
     return exitSuccess;
 }
 
-int historyCommand(const Places& places, bool all) {
-    for (const std::string& line : readHistory(places, all)) {
-        std::puts(line.c_str());
+int historyCommand(const Places& places, bool all, bool json) {
+    const auto entries = readHistory(places, all);
+    if (!json) {
+        for (const PastDeed& entry : entries) {
+            std::puts(lineText(entry).c_str());
+        }
+        return exitSuccess;
     }
+    Json document = Json::array();
+    for (const auto& [seconds, deed, text] : entries) {
+        document.push_back({{"time", isoTime(seconds)}, {"deed", deed}, {"text", text}});
+    }
+    printJson(document);
     return exitSuccess;
 }
 

@@ -15,6 +15,6 @@ int activateCommand(const Places& places, const std::vector<std::string>& names)
 /// With no names: everything.
 int deactivateCommand(const Places& places, const std::vector<std::string>& names);
 int statusCommand(const Places& places, bool json);
-int historyCommand(const Places& places, bool all);
+int historyCommand(const Places& places, bool all, bool json);
 
 } // namespace manager

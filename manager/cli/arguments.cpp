@@ -42,8 +42,9 @@ public:
         try {
             app_.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
-            if (argc > 1 && argv[1][0] != '-' && app_.get_subcommands().empty()) {
-                warn("unknown command '" + std::string(argv[1]) + "'; see glyphora --help");
+            if (argc > 1 && error.get_exit_code() != 0 && app_.get_subcommands().empty()) {
+                warn(std::string(argv[1][0] == '-' ? "unknown option '" : "unknown command '") +
+                     argv[1] + "'; see glyphora --help");
                 return exitUsage;
             }
             return app_.exit(error) == 0 ? exitSuccess : exitUsage;
@@ -90,9 +91,13 @@ private:
         command("status", "Tell what runs, what there is and what is active",
                 [this](const Places& places) { return statusCommand(places, options_.json); })
             ->add_flag("--json", options_.json, "Print it as JSON");
-        command("history", "Tell what was done since the server was last started",
-                [this](const Places& places) { return historyCommand(places, options_.all); })
-            ->add_flag("--all", options_.all, "Tell all that is kept");
+        CLI::App* history =
+            command("history", "Tell what was done since the server was last started",
+                    [this](const Places& places) {
+                        return historyCommand(places, options_.all, options_.json);
+                    });
+        history->add_flag("--all", options_.all, "Tell all that is kept");
+        history->add_flag("--json", options_.json, "Print it as JSON");
     }
 
     void addActivationCommands() {

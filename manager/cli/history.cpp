@@ -8,13 +8,13 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace manager {
 
@@ -28,23 +28,17 @@ std::string historyPath(const Places& places) {
     return places.own() + "/history";
 }
 
-std::string timeText(std::int64_t seconds) {
+using BreakDown = std::tm*(const std::time_t*, std::tm*);
+
+std::string timeText(std::int64_t seconds, BreakDown* breakDown, const char* format) {
     const auto time = static_cast<std::time_t>(seconds);
-    std::tm local{};
+    std::tm parts{};
     std::array<char, 32> text{};
-    if (localtime_r(&time, &local) == nullptr ||
-        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &local) == 0) {
+    if (breakDown(&time, &parts) == nullptr ||
+        std::strftime(text.data(), text.size(), format, &parts) == 0) {
         return std::to_string(seconds);
     }
     return text.data();
-}
-
-std::string lineText(std::int64_t seconds, std::string_view deed, const std::string& text) {
-    std::string line = timeText(seconds) + "  ";
-    if (deed == "failed") {
-        line += "failed: ";
-    }
-    return line + text;
 }
 
 } // namespace
@@ -72,7 +66,7 @@ void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
     }
 }
 
-std::vector<std::string> readHistory(const Places& places, bool all) {
+std::vector<PastDeed> readHistory(const Places& places, bool all) {
     std::string text;
     for (const char* part : {".old", ""}) {
         const std::string path = historyPath(places) + part;
@@ -80,20 +74,30 @@ std::vector<std::string> readHistory(const Places& places, bool all) {
             text += readFile(path, std::size_t{64} << 20U);
         }
     }
-    std::vector<std::string> lines;
+    std::vector<PastDeed> entries;
     for (const std::string_view line : splitLines(text)) {
-        const auto fields = splitFields(line);
+        auto fields = splitFields(line);
         const auto seconds =
             fields && fields->size() == 3 ? toNumber<std::int64_t>((*fields)[0]) : std::nullopt;
         if (!seconds) {
             continue; // cut off by a full disk or a crash
         }
         if ((*fields)[1] == "started" && !all) {
-            lines.clear();
+            entries.clear();
         }
-        lines.push_back(lineText(*seconds, (*fields)[1], (*fields)[2]));
+        entries.push_back({*seconds, std::move((*fields)[1]), std::move((*fields)[2])});
     }
-    return lines;
+    return entries;
+}
+
+std::string lineText(const PastDeed& entry) {
+    return timeText(entry.seconds, localtime_r, "%Y-%m-%d %H:%M:%S") +
+           (entry.deed == deedNames[static_cast<std::size_t>(Deed::failed)] ? "  failed: " : "  ") +
+           entry.text;
+}
+
+std::string isoTime(std::int64_t seconds) {
+    return timeText(seconds, gmtime_r, "%Y-%m-%dT%H:%M:%SZ");
 }
 
 } // namespace manager

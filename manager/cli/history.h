@@ -4,6 +4,7 @@
 
 #include "manager/library/places.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,8 +26,21 @@ struct HistoryEntry {
 };
 void recordDeeds(const Places& places, std::span<const HistoryEntry> entries);
 
-/// The entries as lines for people, without line ends, oldest first: those since the server was
-/// last started, or all that are kept. Throws Error.
-std::vector<std::string> readHistory(const Places& places, bool all);
+/// An entry as it was kept.
+struct PastDeed {
+    std::int64_t seconds = 0; ///< since 1970
+    std::string deed;         ///< the name of a Deed; another program version may have more
+    std::string text;
+};
+
+/// The entries, oldest first: those since the server was last started, or all that are kept.
+/// Throws Error.
+std::vector<PastDeed> readHistory(const Places& places, bool all);
+
+/// An entry as a line for people, in local time, without a line end.
+std::string lineText(const PastDeed& entry);
+
+/// A time in seconds since 1970 as ISO 8601 has it, in UTC.
+std::string isoTime(std::int64_t seconds);
 
 } // namespace manager

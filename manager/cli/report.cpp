@@ -31,8 +31,8 @@ void printContainers(Library& library, const Activation& activation) {
     }
 }
 
-void printJson(Library& library, const Activation& activation,
-               const std::vector<std::string>& folders) {
+void printAll(Library& library, const Activation& activation,
+              const std::vector<std::string>& folders) {
     using Json = nlohmann::ordered_json;
     Json document = {{"folders", Json::array()},
                      {"containers", Json::array()},
@@ -52,8 +52,7 @@ void printJson(Library& library, const Activation& activation,
                                           {"faces", container.faces},
                                           {"active", activation.isActive(container.id)}});
     }
-    // File names need not be UTF-8.
-    std::puts(document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
+    printJson(document);
 }
 
 } // namespace
@@ -66,6 +65,12 @@ std::string counted(std::int64_t number, std::string_view noun) {
     return std::to_string(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
 }
 
+void printJson(const nlohmann::ordered_json& document) {
+    // Names of files need not be UTF-8.
+    std::puts(
+        document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace).c_str());
+}
+
 void printLibrary(Library& library, const Activation& activation,
                   const std::vector<std::string>& folders, Listing listing) {
     switch (listing) {
@@ -76,7 +81,7 @@ void printLibrary(Library& library, const Activation& activation,
         printContainers(library, activation);
         break;
     case Listing::json:
-        printJson(library, activation, folders);
+        printAll(library, activation, folders);
         break;
     }
 }

@@ -5,6 +5,7 @@
 #include "manager/activation/activation.h"
 #include "manager/library/library.h"
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,5 +23,8 @@ void printLibrary(Library& library, const Activation& activation,
 
 /// "1 face", "2 faces".
 std::string counted(std::int64_t number, std::string_view noun);
+
+/// Prints a document to standard output; bytes that are not UTF-8 become U+FFFD.
+void printJson(const nlohmann::ordered_json& document);
 
 } // namespace manager

@@ -311,6 +311,10 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     EXPECT_EQ(status["active"][0]["id"], 1);
     EXPECT_THAT(glyphora({"history", "--all"}).output, HasSubstr("activated Lato & Co"));
     EXPECT_THAT(glyphora({"history"}).output, HasSubstr("fontRequest: 1 font"));
+    const auto history = nlohmann::json::parse(glyphora({"history", "--json"}).output);
+    EXPECT_EQ(history[0]["deed"], "started");
+    EXPECT_EQ(history[1]["text"], "fontRequest: 1 font");
+    EXPECT_THAT(std::string(history[1]["time"]), testing::MatchesRegex("[0-9-]+T[0-9:]+Z"));
 
     const struct {
         std::vector<std::string> arguments;
@@ -318,7 +322,8 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         std::string message;
     } cases[] = {
         {{}, 2, "subcommand is required"},
-        {{"dance"}, 2, "dance"},
+        {{"dance"}, 2, "unknown command 'dance'"},
+        {{"--dance"}, 2, "unknown option '--dance'"},
         {{"add"}, 2, "required"},
         {{"deactivate"}, 2, "--all"},
         {{"--help"}, 0, "font manager"},
