@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Suites of the document host: notifiers, timers, menus, documents, art, fonts.
 // Every call is [main-thread] and answers kBadParameterErr for a null or unknown handle, result
-// pointer or text, kWrongThreadErr off the main thread, and kNotRunningErr after the shut-down,
+// pointer or text, for an index (from 0) out of range and a buffer of less than one byte;
+// kWrongThreadErr off the main thread, and kNotRunningErr while the plug-in handles no message,
 // beside what is said of it. Texts are UTF-8; texts that go in are copied by the host.
 #pragma once
 
@@ -27,6 +28,7 @@ struct AINotifierSuite {
 /// "AI Timer Suite" 1003
 struct AITimerSuite {
     /// Registers an active timer that fires every `period` ticks (1/60 s) while the host is idle.
+    /// kBadParameterErr: a period below 1.
     AIErr (*AddTimer)(SPPluginRef self, const char* name, std::int32_t period,
                       AITimerHandle* timer);
     AIErr (*SetTimerActive)(AITimerHandle timer, AIBoolean active);
@@ -55,7 +57,8 @@ struct AIMenuSuite {
     /// kBadParameterErr: no such group.
     AIErr (*AddMenuItem)(SPPluginRef self, const char* name, const char* groupName,
                          const char* itemText, std::int32_t options, AIMenuItemHandle* item);
-    /// Makes a new group that opens as a sub-menu of `parent`.
+    /// Makes a new group that opens as a sub-menu of `parent`. kBadParameterErr: a group has this
+    /// name already.
     AIErr (*AddMenuGroupAsSubMenu)(const char* name, std::int32_t options, AIMenuItemHandle parent,
                                    AIMenuGroup* group);
     AIErr (*CountMenuGroups)(std::int32_t* count);
@@ -107,7 +110,7 @@ struct AITextFrameSuite {
 /// How a font is made and whether the host has it.
 struct AIFontStyleRecord {
     std::int32_t technology = 0; ///< 0: PostScript outlines, 1: TrueType outlines, else unknown
-    AIBoolean isOpenType = 0;    ///< the file is an OpenType (or plain TrueType-housed) font
+    AIBoolean isOpenType = 0;    ///< not for plain TrueType: that has no layout tables
     AIBoolean isPresent = 0;     ///< 0 when the document names the font and the host lacks it
 };
 
@@ -132,7 +135,7 @@ struct AIFontSuite {
     AIErr (*GetFontStyle)(AIFontKey key, AIFontStyleRecord* record);
     /// Finds a present font by its PostScript name, else by its user-visible name, else by "family
     /// style". Called with kAIAnyFontTechnology, kAINoFontScript and kAIMatchAllFontNames.
-    /// kNoSuchFontErr: none.
+    /// kBadParameterErr: other numbers; kNoSuchFontErr: none.
     AIErr (*FindFont)(const char* name, std::int32_t technology, std::int32_t script,
                       std::int32_t match, AIFontKey* key);
     /// The fonts that the host has, in a stable order.
@@ -144,8 +147,8 @@ using AIUnicodeStringHandle = struct AIUnicodeString*;
 
 /// "AI Unicode String Suite" 1006: immutable texts kept by the host.
 struct AIUnicodeStringSuite {
-    /// Makes a text of `size` bytes of UTF-8. kBadParameterErr: not valid UTF-8. `*text` is owned
-    /// by the caller until Destroy.
+    /// Makes a text of `size` bytes of UTF-8; `bytes` may be null for none. kBadParameterErr: not
+    /// valid UTF-8. `*text` is owned by the caller until Destroy.
     AIErr (*CreateFromUTF8)(const char* bytes, std::size_t size, AIUnicodeStringHandle* text);
     AIErr (*Destroy)(AIUnicodeStringHandle text);
     /// `*bytes` (`*size` of them, then a zero) is owned by the host and valid as long as the text.

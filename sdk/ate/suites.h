@@ -35,6 +35,7 @@ struct TextRunsIteratorSuite {
     ATEErr (*IsDone)(TextRunsIteratorRef iterator, AIBoolean* done);
     /// The current run; an error when done.
     ATEErr (*Item)(TextRunsIteratorRef iterator, TextRangeRef* range);
+    /// An error when done.
     ATEErr (*Next)(TextRunsIteratorRef iterator);
 };
 
@@ -51,6 +52,7 @@ struct ArrayFontRefSuite {
     ATEErr (*AddRef)(ArrayFontRefRef array);
     ATEErr (*Release)(ArrayFontRefRef array);
     ATEErr (*GetSize)(ArrayFontRefRef array, std::int32_t* size);
+    /// `index` counts from 0; an error when out of range.
     ATEErr (*Item)(ArrayFontRefRef array, std::int32_t index, FontRef* font);
 };
 

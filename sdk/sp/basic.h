@@ -17,6 +17,7 @@ struct SPBasicSuite {
     /// [any-thread] Allocates `size` bytes, owned by the caller until FreeBlock.
     /// kOutOfMemoryErr: `*block` is null.
     SPErr (*AllocateBlock)(std::size_t size, void** block);
-    /// [any-thread] Frees a block; null is allowed.
+    /// [any-thread] Frees a block; null is allowed. kBadParameterErr: not a block of AllocateBlock,
+    /// or freed before.
     SPErr (*FreeBlock)(void* block);
 };

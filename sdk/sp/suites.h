@@ -10,6 +10,7 @@ using SPAccessRef = struct SPAccess*;
 /// "SP Access Suite" 3
 struct SPAccessSuite {
     /// [main-thread] Keeps `plugin` loaded. `*access` is the caller's until ReleasePlugin.
+    /// kBadParameterErr: not a loaded plug-in.
     SPErr (*AcquirePlugin)(SPPluginRef plugin, SPAccessRef* access);
     /// [main-thread] kBadParameterErr: not a live access reference.
     SPErr (*ReleasePlugin)(SPAccessRef access);
@@ -18,6 +19,6 @@ struct SPAccessSuite {
 /// "SP Plug-ins Suite" 4
 struct SPPluginsSuite {
     /// [main-thread] Names the plug-in in the host's lists and messages. The text (UTF-8) is
-    /// copied.
+    /// copied. kBadParameterErr: not a loaded plug-in, or not UTF-8.
     SPErr (*SetPluginName)(SPPluginRef plugin, const char* name);
 };

@@ -61,7 +61,7 @@ AIErr GlyphoraPlugin::StartupPlugin(SPInterfaceMessage* message) {
         return error;
     }
     const SPPluginRef self = GetPluginRef();
-    // The check does not work without the first two either, but only the third is looked at.
+    // The check needs the first alone, but only the third one's result is looked at.
     sAINotifier->AddNotifier(self, kNotifierName, kAIDocumentOpenedNotifier,
                              &check_.documentOpenedNotifier);
     sAINotifier->AddNotifier(self, kNotifierName, kAIApplicationStartedNotifier,

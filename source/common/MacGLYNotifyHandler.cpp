@@ -6,6 +6,7 @@
 #include "transport.h"
 
 #include <exception>
+#include <utility>
 
 namespace GLY {
 
@@ -26,12 +27,13 @@ MacGLYNotifyHandler::~MacGLYNotifyHandler() {
 
 void MacGLYNotifyHandler::start() {
     const AEEventHandlerUPP routine = NewAEEventHandlerUPP(HandleEvent);
-    AEInstallEventHandler(newsClass, typeWildCard, routine, static_cast<IGLYNotifyHandler*>(this),
-                          false);
-    if (eventHandler_ != nullptr) {
-        DisposeAEEventHandlerUPP(eventHandler_); // of an earlier start, replaced just now
+    if (AEInstallEventHandler(newsClass, typeWildCard, routine,
+                              static_cast<IGLYNotifyHandler*>(this), false) == noErr) {
+        // That of an earlier start was replaced just now.
+        DisposeAEEventHandlerUPP(std::exchange(eventHandler_, routine));
+    } else {
+        DisposeAEEventHandlerUPP(routine);
     }
-    eventHandler_ = routine;
     if (!daemon_) {
         daemon_ = std::make_unique<BSDNotification::Daemon>();
         daemon_->addListener(libraryChangedName);
@@ -77,8 +79,8 @@ OSErr MacGLYNotifyHandler::HandleEvent(const AppleEvent* event, AppleEvent* /*re
     if (handler == nullptr || (eventID != setsChanged && eventID != fontsChanged)) {
         return noErr;
     }
-    // The sender is told of no error, and the dispatcher that called is no C++. Observers throw
-    // the host's error codes too.
+    // The dispatcher would tell the sender of what it catches; that is not the sender's concern.
+    // Observers throw the host's error codes too.
     constexpr const char* context = "MacGLYNotifyHandler-HandleEvent";
     try {
         static_cast<IGLYNotifyHandler*>(handler)->notifiyAll(changeText);

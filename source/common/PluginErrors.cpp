@@ -17,7 +17,7 @@ namespace {
 constexpr std::int32_t kErrorStrings = 16050;
 constexpr std::int32_t kCodeEntrySize = 10;
 constexpr std::int32_t kMessageSize = 128;
-/// Longer messages are shown as they stand.
+/// Messages of this length or more are shown as they stand.
 constexpr std::size_t kFormattedMessageLimit = 120;
 /// Greater codes are four characters.
 constexpr AIErr kGreatestNumericCode = 16384;
@@ -73,6 +73,7 @@ AIErr codeOfEntry(const char* entry) {
     return FourChars(code);
 }
 
+// An alert is UTF-8: what is no printable character is shown as a question mark.
 std::string textOfCode(AIErr error) {
     if (error <= kGreatestNumericCode) {
         return std::to_string(error);

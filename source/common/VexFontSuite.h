@@ -33,6 +33,7 @@ public:
 
     /// Launches the font manager if need be, and asks it for the missing ones of `fonts`; the
     /// records take up the answer. Also asks when none is missing. Returns the finished exchange.
+    /// Throws Orvil::Exception, too, for a font element of the answer that cannot be read.
     static GLY::GLYFontRequestEvent requestFonts(const FontInfos& fonts);
 
     /// Sets the font `newName` on every run whose font has the PostScript name `oldPsName`. Throws
