@@ -15,6 +15,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -64,7 +65,8 @@ std::vector<std::string> exportedSymbols(const char* path) {
 /// The module's code, mapped while this lives.
 class Code {
 public:
-    Code() : library_(dlopen(kModule, RTLD_NOW | RTLD_LOCAL)) {
+    explicit Code(const std::string& path = kModule)
+        : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
         EXPECT_NE(library_, nullptr) << dlerror();
     }
     Code(const Code&) = delete;
@@ -91,31 +93,21 @@ private:
     void* library_;
 };
 
-/// Occupies the pages at an address, if they are free, so that nothing else is mapped there.
-class Occupied {
+/// The module's file once more, in memory: the loader takes it for another one.
+class Copy {
 public:
-    explicit Occupied(const char* address)
-        : page_(mmap(const_cast<char*>(address), size(), PROT_NONE,
-                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0)),
-          holds_(page_ == address) {
-        if (page_ != MAP_FAILED && !holds_) {
-            munmap(page_, size());
-        }
+    Copy() : file_(memfd_create("module", MFD_CLOEXEC)) {
+        std::ifstream original(kModule, std::ios::binary);
+        std::ofstream(path(), std::ios::binary) << original.rdbuf();
     }
-    Occupied(const Occupied&) = delete;
-    Occupied& operator=(const Occupied&) = delete;
-    ~Occupied() {
-        if (holds_) {
-            munmap(page_, size());
-        }
-    }
-    bool holds() const { return holds_; }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+    ~Copy() { close(file_); }
+
+    std::string path() const { return "/proc/self/fd/" + std::to_string(file_); }
 
 private:
-    static std::size_t size() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
-
-    void* page_;
-    bool holds_;
+    int file_;
 };
 
 TEST(TheModule, ExportsItsEntryPointAndNothingElse) {
@@ -134,23 +126,20 @@ TEST(TheModule, WorksOnAtAnotherAddress) {
     scripted::Host host;
     const AIFontKey present = host.addFont("Present", "Regular", true);
     host.addLayer().addText({{present}});
-    const char* oldBase = nullptr;
     {
-        const Code code;
-        oldBase = code.base();
-        host.entry = code.entry();
+        auto oldCode = std::make_unique<Code>();
+        host.entry = oldCode->entry();
         ASSERT_EQ(host.send("SP Interface", "Startup"), kNoErr);
         ASSERT_EQ(host.send("SP Access", "Unload"), kNoErr);
-    }
-    ASSERT_FALSE(Code::isMapped());
-    ASSERT_THAT(host.acquired, IsEmpty());
-    ASSERT_NE(host.globals, nullptr);
-    {
-        // The dispatch table that the object still points to is gone for good.
-        const Occupied gap(oldBase);
-        ASSERT_TRUE(gap.holds());
-        const Code code;
-        ASSERT_NE(code.base(), oldBase);
+        ASSERT_THAT(host.acquired, IsEmpty());
+        ASSERT_NE(host.globals, nullptr);
+        // Mapped while the old code still is, so elsewhere. The dispatch table that the object
+        // still points to is gone with the old.
+        const Copy copy;
+        const Code code(copy.path());
+        ASSERT_NE(code.base(), oldCode->base());
+        oldCode.reset();
+        ASSERT_FALSE(Code::isMapped());
         host.entry = code.entry();
         EXPECT_EQ(host.send("SP Access", "Reload"), kNoErr);
         host.calls.clear();
