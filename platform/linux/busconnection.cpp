@@ -13,16 +13,19 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <iostream>
 #include <optional>
+#include <system_error>
 
 namespace platform {
 
 namespace {
 
-constexpr int kBusCallTimeoutMilliseconds = 15'000;
+constexpr std::chrono::milliseconds kBusCallTimeout{15'000};
 
 /// Runs in GDBus' worker thread, for every message in both directions.
 GDBusMessage* filterMessage(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
@@ -104,17 +107,38 @@ std::shared_ptr<BusConnection> BusConnection::open(const std::string& address,
     // A context of its own, so that nothing of the connection is ever queued on the program's main
     // loop, which may not run.
     ContextHandle context(g_main_context_new());
-    const SignalMask mask; // the first connection makes GDBus' worker thread
-    g_main_context_push_thread_default(context.get());
+    const ObjectHandle<GCancellable> cancellable(g_cancellable_new());
     ErrorSlot error;
-    ObjectHandle<GDBusConnection> connection(g_dbus_connection_new_for_address_sync(
-        address.c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, error.out()));
-    g_main_context_pop_thread_default(context.get());
+    const auto connect = [&] {
+        g_main_context_push_thread_default(context.get());
+        ObjectHandle<GDBusConnection> opened(g_dbus_connection_new_for_address_sync(
+            address.c_str(),
+            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+            nullptr, cancellable.get(), error.out()));
+        g_main_context_pop_thread_default(context.get());
+        return opened;
+    };
+    // On a thread of its own, since it has no time-out: a bus that accepts and keeps silent must
+    // neither hold the program for ever nor keep its signals from it.
+    ObjectHandle<GDBusConnection> connection;
+    try {
+        std::future<ObjectHandle<GDBusConnection>> opening;
+        {
+            const SignalMask mask; // also for GDBus' worker thread, which this one makes
+            opening = std::async(std::launch::async, connect);
+        }
+        if (opening.wait_for(kBusCallTimeout) == std::future_status::timeout) {
+            g_cancellable_cancel(cancellable.get());
+        }
+        connection = opening.get();
+    } catch (const std::system_error& failure) {
+        reason = failure.what();
+        return nullptr;
+    }
     if (!connection) {
-        reason = error.message();
+        reason = g_cancellable_is_cancelled(cancellable.get()) != 0 ? "it does not answer"
+                                                                    : error.message();
         return nullptr;
     }
     g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
@@ -137,7 +161,7 @@ VariantHandle BusConnection::callBus(const char* method, GVariant* arguments, co
     return VariantHandle(g_dbus_connection_call_sync(
         get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
         arguments, G_VARIANT_TYPE(replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        kBusCallTimeoutMilliseconds, nullptr, error.out()));
+        static_cast<int>(kBusCallTimeout.count()), nullptr, error.out()));
 }
 
 SessionBus& SessionBus::instance() {

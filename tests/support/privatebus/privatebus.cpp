@@ -21,7 +21,10 @@ constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 /// Between fork and exec: nothing but async-signal-safe calls.
 [[noreturn]] void becomeDaemon(pid_t parent, int addressPipe, const char* addressOption) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
     if (getppid() == parent) {
         dup2(addressPipe, STDOUT_FILENO);
         dup2(open("/dev/null", O_WRONLY), STDERR_FILENO); // limits that it could not raise
@@ -80,7 +83,7 @@ void PrivateBus::stop() {
     if (daemon_ <= 0) {
         return;
     }
-    kill(daemon_, SIGKILL);
+    kill(daemon_, SIGTERM); // so that it removes its socket
     while (waitpid(daemon_, nullptr, 0) < 0 && errno == EINTR) {
     }
     daemon_ = -1;
