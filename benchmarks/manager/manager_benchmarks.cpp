@@ -223,7 +223,7 @@ void activateContainers(benchmark::State& state) {
     for (auto _ : state) {
         for (const ActivationOutcome& outcome : activation.activate(containers)) {
             if (!outcome.success) {
-                state.SkipWithError(outcome.problem.c_str());
+                state.SkipWithError(outcome.problems.front().c_str());
             }
         }
         state.PauseTiming();

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Batches of activations, recovery, and the late touch.
+// Batches of activations, and what is active.
 #include "manager/activation/activation.h"
 
 #include "manager/activation/desktopfonts.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
-#include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <set>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace manager {
@@ -28,21 +27,40 @@ SetRecord recordOf(const ContainerFonts& container) {
     return record;
 }
 
-void findInvisible(const SetRecord& record, const std::string& folder,
-                   const std::set<std::string>& visible, ActivationOutcome& outcome) {
+/// Tells what is wrong with files of a container, each a line; of one that is lost whole the first
+/// file's line stands for all.
+void tell(std::vector<std::string> problems, std::size_t files, ActivationOutcome& outcome) {
+    if (problems.size() == files && files > 1) {
+        problems.resize(1);
+        problems.front() +=
+            "; none of the container's " + std::to_string(files) + " files is shown";
+    }
+    std::move(problems.begin(), problems.end(), std::back_inserter(outcome.problems));
+}
+
+/// The names of the files of a set that the desktop does not see, and what is to be told of them.
+std::set<std::string> findInvisible(const SetRecord& record, const std::string& folder,
+                                    const std::set<std::string>& visible,
+                                    std::vector<std::string>& problems) {
+    std::set<std::string> invisible;
     for (const SetFile& file : record.files) {
         const std::string path = folder + "/" + file.name;
         if (visible.contains(path)) {
             continue;
         }
-        outcome.success = false;
-        outcome.invisible.insert(file.name);
-        if (outcome.problem.empty()) {
-            outcome.problem =
-                path + (isFontFolder(folder)
-                            ? ": was in place, but fontconfig shows no font of it"
-                            : ": was in place, but fontconfig does not look at this folder");
-        }
+        invisible.insert(file.name);
+        problems.push_back(path +
+                           (isFontFolder(folder)
+                                ? ": was in place, but fontconfig shows no font of it"
+                                : ": was in place, but fontconfig does not look at this folder"));
+    }
+    return invisible;
+}
+
+void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string& problem) {
+    outcome.problems.push_back(problem);
+    for (const SetFile& file : wanted.files) {
+        outcome.lost.insert(file.name);
     }
 }
 
@@ -50,19 +68,49 @@ void findInvisible(const SetRecord& record, const std::string& folder,
 
 Activation::Activation(const Places& places, StepObserver observer)
     : folders_(places.fonts(), std::move(observer)) {
-    makeFolders(places.fonts());
+    makeFolders(folders_.staging().path());
 }
 
 FileLock Activation::lock() const {
+    makeFolders(folders_.staging().path()); // a person may have tidied up
     return FileLock(folders_.root() + "/.lock");
 }
 
-bool Activation::isActive(ContainerId id, const std::string& fileName) const {
-    return isActive(id) && access((folders_.folder(id) + "/" + fileName).c_str(), F_OK) == 0;
+std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
+    try {
+        auto record = readSetRecord(folders_.folder(id));
+        return record && record->state == SetState::active ? std::move(record) : std::nullopt;
+    } catch (const Error&) {
+        return std::nullopt; // told when something is done with the set
+    }
 }
 
-bool Activation::isActive(ContainerId id) const {
-    return access((folders_.folder(id) + "/" + setRecordName).c_str(), F_OK) == 0;
+std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {
+    auto record = recordInPlace(id);
+    return record ? std::move(record->files) : std::vector<SetFile>();
+}
+
+bool Activation::isActive(const Container& container) const {
+    const auto record = recordInPlace(container.id);
+    return record && isSetOf(*record, container.name, container.folder);
+}
+
+std::set<std::string> Activation::activeFiles(const ContainerFonts& container) const {
+    std::set<std::string> names;
+    const auto record = recordInPlace(container.id);
+    const SetRecord wanted = recordOf(container);
+    if (!record || !isSetOf(*record, wanted.name, libraryFolder(wanted))) {
+        return names;
+    }
+    const FilesByName inPlace(*record);
+    const std::string folder = folders_.folder(container.id) + "/";
+    for (const SetFile& file : wanted.files) {
+        const SetFile* known = inPlace.find(file.name);
+        if (known != nullptr && *known == file && access((folder + file.name).c_str(), F_OK) == 0) {
+            names.insert(file.name);
+        }
+    }
+    return names;
 }
 
 std::vector<ContainerId> Activation::setsOnDisk() const {
@@ -96,24 +144,32 @@ Activation::active(const std::function<void(const std::string&)>& report) const 
     return result;
 }
 
-void Activation::putOnDisk(std::span<const SetRecord> records,
-                           std::span<ActivationOutcome> outcomes) {
+void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes) {
     std::vector<std::size_t> prepared;
     std::vector<ContainerId> ids;
     for (std::size_t i = 0; i < records.size(); ++i) {
+        ActivationOutcome& outcome = outcomes[i];
+        if (records[i].files.empty()) {
+            fail(outcome, records[i], "container " + toText(records[i].id) + ": has no fonts");
+            continue;
+        }
+        const std::size_t files = records[i].files.size();
         try {
-            if (records[i].files.empty()) {
-                throw Error("container " + toText(records[i].id) + ": has no fonts");
+            std::vector<LostFile> lost;
+            std::vector<std::string> problems;
+            const SetFolders::Progress progress = folders_.begin(records[i], lost);
+            for (LostFile& file : lost) {
+                outcome.lost.insert(std::move(file.name));
+                problems.push_back(std::move(file.problem));
             }
-            const SetFolders::Progress progress = folders_.begin(records[i]);
-            outcomes[i].success = true;
-            outcomes[i].changed = progress == SetFolders::Progress::updated;
+            tell(std::move(problems), files, outcome);
+            outcome.changed = progress == SetFolders::Progress::updated;
             if (progress == SetFolders::Progress::prepared) {
                 prepared.push_back(i);
                 ids.push_back(records[i].id);
             }
         } catch (const Error& error) {
-            outcomes[i].problem = error.what();
+            fail(outcome, records[i], error.what());
         }
     }
     if (prepared.empty()) {
@@ -133,20 +189,11 @@ void Activation::putOnDisk(std::span<const SetRecord> records,
             folders_.place(records[i].id);
             outcomes[i].changed = true;
         } catch (const Error& error) {
-            outcomes[i] = {false, false, {}, error.what()};
+            fail(outcomes[i], records[i], error.what());
             folders_.discard(records[i].id);
         }
     }
     folders_.syncPlaced();
-}
-
-std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {
-    try {
-        const auto record = readSetRecord(folders_.folder(id));
-        return record ? record->files : std::vector<SetFile>();
-    } catch (const Error&) {
-        return {}; // told when something is done with the set
-    }
 }
 
 std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFonts> containers) {
@@ -155,6 +202,7 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
         return outcomes;
     }
     const FileLock held = lock();
+    beginChange();
     std::vector<SetRecord> records(containers.size());
     std::transform(containers.begin(), containers.end(), records.begin(), recordOf);
     std::vector<std::vector<SetFile>> before(containers.size());
@@ -163,51 +211,61 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     putOnDisk(records, outcomes);
 
     const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
-    if (std::none_of(outcomes.begin(), outcomes.end(), isChanged)) {
-        return outcomes;
-    }
-    unsettled_ = true;
-    reloadDesktopFonts();
-    const std::set<std::string> visible = visibleFontFiles(folders_.root());
+    const bool changed = std::any_of(outcomes.begin(), outcomes.end(), isChanged);
+    endChange(changed);
     bool tookAway = false;
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        if (!outcomes[i].changed) {
-            continue;
-        }
-        const std::string folder = folders_.folder(records[i].id);
-        changedFolders_.push_back(folder);
-        findInvisible(records[i], folder, visible, outcomes[i]);
-        if (!outcomes[i].success) {
-            takeInvisibleAway(records[i], outcomes[i]);
-            outcomes[i].changed = filesInPlace(records[i].id) != before[i];
-            tookAway = true;
+    if (changed) {
+        reloadDesktopFonts();
+        const std::set<std::string> visible = visibleFontFiles(folders_.root());
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (!outcomes[i].changed) {
+                continue;
+            }
+            const std::string folder = folders_.folder(records[i].id);
+            changedFolders_.push_back(folder);
+            std::vector<std::string> problems;
+            const auto invisible = findInvisible(records[i], folder, visible, problems);
+            tell(std::move(problems), records[i].files.size(), outcomes[i]);
+            if (!invisible.empty()) {
+                takeAway(invisible, records[i], outcomes[i]);
+                outcomes[i].changed = filesInPlace(records[i].id) != before[i];
+                tookAway = true;
+            }
         }
     }
     if (tookAway) {
         reloadDesktopFonts();
     }
+    for (ActivationOutcome& outcome : outcomes) {
+        outcome.success = outcome.problems.empty();
+    }
     return outcomes;
 }
 
-void Activation::takeInvisibleAway(SetRecord record, ActivationOutcome& outcome) {
-    std::erase_if(record.files,
-                  [&](const SetFile& file) { return outcome.invisible.contains(file.name); });
+void Activation::takeAway(const std::set<std::string>& names, SetRecord& record,
+                          ActivationOutcome& outcome) {
+    outcome.lost.insert(names.begin(), names.end());
+    std::erase_if(record.files, [&](const SetFile& file) { return names.contains(file.name); });
     try {
         if (record.files.empty()) {
             bool leftBehind = false;
-            folders_.remove(record.id, &leftBehind);
+            if (folders_.remove(record.id, &leftBehind)) {
+                folders_.syncRemoved(std::span(&record.id, 1));
+            }
         } else {
-            folders_.begin(record);
+            std::vector<LostFile> lost; // nothing more: the rest is in place
+            folders_.begin(record, lost);
         }
     } catch (const Error& error) {
-        outcome.problem.append("; ").append(error.what());
+        outcome.problems.emplace_back(error.what());
     }
 }
 
 std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerId> containers) {
     std::vector<ActivationOutcome> outcomes(containers.size());
     const FileLock held = lock();
-    bool changed = false;
+    beginChange();
+    std::vector<ContainerId> removed;
     for (std::size_t i = 0; i < containers.size(); ++i) {
         const std::string folder = folders_.folder(containers[i]);
         ActivationOutcome& outcome = outcomes[i];
@@ -216,50 +274,36 @@ std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerI
             outcome.changed = folders_.remove(containers[i], &leftBehind);
             outcome.success = outcome.changed;
             if (!outcome.changed) {
-                outcome.problem = "container " + toText(containers[i]) + ": is not active";
-            } else if (leftBehind) {
-                outcome.problem = folder + ": kept, it holds files that are not this program's";
+                outcome.problems.push_back("container " + toText(containers[i]) +
+                                           ": is not active");
+                continue;
+            }
+            removed.push_back(containers[i]);
+            if (leftBehind) {
+                outcome.problems.push_back(folder +
+                                           ": kept, it holds files that are not this program's");
                 changedFolders_.push_back(folder);
             }
         } catch (const Error& error) {
-            outcome.problem = error.what();
-        }
-        changed = changed || outcome.changed;
-    }
-    if (changed) {
-        unsettled_ = true;
-        reloadDesktopFonts();
-    }
-    return outcomes;
-}
-
-void Activation::recover(const std::function<void(const std::string&)>& report) {
-    const FileLock held = lock();
-    folders_.clearStaging();
-    for (const ContainerId id : setsOnDisk()) {
-        try {
-            folders_.recover(id, [&](const std::string& text) {
-                unsettled_ = true;
-                report(text);
-            });
-        } catch (const Error& error) {
-            report(error.what());
+            outcome.problems.emplace_back(error.what());
         }
     }
-    // Also after a crash between a change and its reload.
+    endChange(!removed.empty());
+    if (removed.empty()) {
+        return outcomes;
+    }
+    try {
+        folders_.syncRemoved(removed);
+    } catch (const Error& error) {
+        for (ActivationOutcome& outcome : outcomes) {
+            if (outcome.success) {
+                outcome.success = false;
+                outcome.problems.emplace_back(error.what());
+            }
+        }
+    }
     reloadDesktopFonts();
-}
-
-void Activation::settle() {
-    const auto touch = [](const std::string& folder) {
-        // A folder that went meanwhile needs no touch.
-        utimensat(AT_FDCWD, folder.c_str(), nullptr, 0);
-    };
-    touch(folders_.root());
-    std::for_each(changedFolders_.begin(), changedFolders_.end(), touch);
-    changedFolders_.clear();
-    unsettled_ = false;
-    reloadDesktopFonts(); // the touch has outdated the caches: write them once more for everybody
+    return outcomes;
 }
 
 } // namespace manager

@@ -7,6 +7,7 @@
 #include "manager/activation/setfolder.h"
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -22,12 +23,13 @@ struct ContainerFonts {
 };
 
 struct ActivationOutcome {
-    bool success = false; ///< the desktop sees every file of the container
+    bool success = false; ///< the desktop sees every file of the container, as it was wanted
     bool changed = false; ///< the files that lie there for it are not those of before
-    /// Names of files, without their folder, that were put in place and not seen by the desktop.
-    /// They were taken away again, so that nothing counts as active that is not.
-    std::set<std::string> invisible;
-    std::string problem; ///< "PATH: ..." when it failed, or what was left behind
+    /// Names of files, without their folder, that are not active as they were wanted: they could
+    /// not be put in place, or the desktop did not see them and they were taken away again, so that
+    /// nothing counts as active that is not. All of them when none is.
+    std::set<std::string> lost;
+    std::vector<std::string> problems; ///< "PATH: ..." per thing that failed or was left behind
 };
 
 struct ActiveContainer {
@@ -43,20 +45,25 @@ public:
     /// Throws Error.
     explicit Activation(const Places& places, StepObserver observer = {});
 
-    /// Whether a font file of a container is active.
-    [[nodiscard]] bool isActive(ContainerId id, const std::string& fileName) const;
-    [[nodiscard]] bool isActive(ContainerId id) const;
+    /// Whether a set of this container is active, whichever of its files are. A set of another
+    /// container under its number does not count.
+    [[nodiscard]] bool isActive(const Container& container) const;
+    /// The names of the container's files that are active just as `container` has them; older
+    /// copies are not.
+    [[nodiscard]] std::set<std::string> activeFiles(const ContainerFonts& container) const;
     /// Those on disk, by number. A record that cannot be read is told to `report`.
     [[nodiscard]] std::vector<ActiveContainer>
     active(const std::function<void(const std::string&)>& report) const;
 
-    /// Activates a batch, each container in it once, with one reload for all of it. A file that the
-    /// desktop does not see costs only itself. Never throws for one container's fault.
+    /// Activates a batch, each container in it once, with one reload for all of it. A file that
+    /// cannot be had or that the desktop does not see costs only itself. Never throws for one
+    /// container's fault.
     std::vector<ActivationOutcome> activate(std::span<const ContainerFonts> containers);
     std::vector<ActivationOutcome> deactivate(std::span<const ContainerId> containers);
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
-    /// the files that cannot be had), sets that were leaving go. Told to `report`, a line each.
+    /// the files that cannot be had), sets that were leaving go. Told to `report`, a line each. A
+    /// change that a killed process did not settle is unsettled again.
     void recover(const std::function<void(const std::string&)>& report);
 
     /// Whether settle() is due about a second after the last change.
@@ -68,9 +75,13 @@ public:
 private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::vector<ContainerId> setsOnDisk() const;
-    void putOnDisk(std::span<const SetRecord> records, std::span<ActivationOutcome> outcomes);
+    [[nodiscard]] std::optional<SetRecord> recordInPlace(ContainerId id) const;
     [[nodiscard]] std::vector<SetFile> filesInPlace(ContainerId id) const;
-    void takeInvisibleAway(SetRecord record, ActivationOutcome& outcome);
+    void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);
+    void takeAway(const std::set<std::string>& names, SetRecord& record,
+                  ActivationOutcome& outcome);
+    void beginChange();
+    void endChange(bool changed);
 
     SetFolders folders_;
     std::vector<std::string> changedFolders_;

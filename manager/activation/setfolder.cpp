@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The steps on disk of putting and removing a set.
+// The steps on disk of putting a set in place and bringing it up to date.
 #include "manager/activation/setfolder.h"
 
+#include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
@@ -9,88 +10,28 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <set>
-#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace manager {
 
 namespace {
 
-bool exists(const std::string& path) {
-    struct stat status {};
-    return lstat(path.c_str(), &status) == 0;
-}
-
-void removeTree(const std::string& path) {
-    std::error_code code;
-    std::filesystem::remove_all(path, code);
-    if (code) {
-        throw systemError(path, "cannot be removed", code.value());
+// A set that was put there when the number was another container's must not be changed into this.
+void checkIsSetOf(const std::string& place, const SetRecord& current, const SetRecord& wanted) {
+    if (isSetOf(current, wanted.name, libraryFolder(wanted))) {
+        return;
     }
-}
-
-void copyFile(const std::string& source, const std::string& target) {
-    const Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!from) {
-        throw systemError(source, "cannot be read", errno);
-    }
-    const Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-    if (!to) {
-        throw systemError(target, "cannot be written", errno);
-    }
-    char block[65536];
-    for (;;) {
-        const ssize_t count = read(from.get(), block, sizeof block);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            throw systemError(source, "cannot be read", errno);
-        }
-        if (count == 0) {
-            break;
-        }
-        for (ssize_t done = 0; done < count;) {
-            const ssize_t written =
-                write(to.get(), block + done, static_cast<std::size_t>(count - done));
-            if (written < 0 && errno != EINTR) {
-                throw systemError(target, "cannot be written", errno);
-            }
-            done += std::max<ssize_t>(written, 0);
-        }
-    }
-    if (fsync(to.get()) != 0) {
-        throw systemError(target, "cannot be written", errno);
-    }
-}
-
-// Takes the place `target` without replacing what may have come there meanwhile.
-bool renameToFree(const std::string& source, const std::string& target) {
-    if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
-        return true;
-    }
-    // Not every file system knows how not to replace.
-    return (errno == EINVAL || errno == ENOSYS) && !exists(target) &&
-           rename(source.c_str(), target.c_str()) == 0;
-}
-
-const SetFile* find(const SetRecord& record, const std::string& name) {
-    const auto position = std::find_if(record.files.begin(), record.files.end(),
-                                       [&](const SetFile& file) { return file.name == name; });
-    return position == record.files.end() ? nullptr : &*position;
-}
-
-void removeFile(const std::string& path) {
-    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
-        throw systemError(path, "cannot be removed", errno);
-    }
+    const auto describe = [](const SetRecord& record) {
+        return record.name + " (of " + libraryFolder(record) + ")";
+    };
+    const std::string number = toText(wanted.id);
+    throw Error(place + ": holds " + describe(current) + ", but container " + number + " is " +
+                describe(wanted) + "; run \"glyphora deactivate " + number + "\" first");
 }
 
 } // namespace
 
-// Linked where the file system allows: no second copy on disk, and nothing to sync. A link to the
-// file itself, never a symbolic one: those stay listed after their target went.
 void SetFolders::stage(const SetFile& file, const std::string& folder) const {
     step("stage file");
     FileStamp stamp;
@@ -102,28 +43,34 @@ void SetFolders::stage(const SetFile& file, const std::string& folder) const {
     if (stamp != file.stamp) {
         throw Error(file.source + ": has changed since it was scanned; run \"glyphora scan\"");
     }
-    const std::string target = folder + "/" + file.name;
-    removeFile(target);
-    if (linkat(AT_FDCWD, file.source.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-        copyFile(file.source, target);
-    }
+    linkOrCopy(file.source, folder + "/" + file.name);
 }
 
-void SetFolders::prepare(const SetRecord& wanted) {
-    const std::string prepared = staging(wanted.id);
+SetFolders::Progress SetFolders::prepare(SetRecord& wanted, std::vector<LostFile>& lost) {
+    const std::string prepared = staging_.folder(wanted.id);
     step("make staging folder");
-    removeTree(prepared);
-    makeFolders(prepared);
-    try {
-        for (const SetFile& file : wanted.files) {
+    staging_.makeFolder(wanted.id);
+    std::erase_if(wanted.files, [&](const SetFile& file) {
+        try {
             stage(file, prepared);
+            return false;
+        } catch (const Error& error) {
+            lost.push_back({file.name, error.what()});
+            return true;
         }
+    });
+    if (wanted.files.empty()) {
+        discard(wanted.id);
+        return Progress::unchanged;
+    }
+    try {
         step("write record");
-        writeSetRecord(prepared, wanted);
+        writeSetRecordFile(prepared + "/" + setRecordName, wanted);
     } catch (const Error&) {
         discard(wanted.id);
         throw;
     }
+    return Progress::prepared;
 }
 
 void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
@@ -139,21 +86,21 @@ void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
         return;
     }
     for (const ContainerId id : sets) {
-        syncFile(staging(id) + "/" + setRecordName);
-        syncFolder(staging(id));
+        syncFile(staging_.folder(id) + "/" + setRecordName);
+        syncFolder(staging_.folder(id));
     }
 }
 
 void SetFolders::place(ContainerId id) {
     step("move into place");
-    if (!renameToFree(staging(id), folder(id))) {
+    if (!renameToFree(staging_.folder(id), folder(id))) {
         throw systemError(folder(id), "cannot be put in place", errno);
     }
 }
 
 void SetFolders::discard(ContainerId id) noexcept {
     std::error_code ignored;
-    std::filesystem::remove_all(staging(id), ignored);
+    std::filesystem::remove_all(staging_.folder(id), ignored);
 }
 
 void SetFolders::syncPlaced() const {
@@ -161,45 +108,79 @@ void SetFolders::syncPlaced() const {
     syncFolder(root_);
 }
 
-bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
+SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wanted,
+                                        std::vector<LostFile>& lost) {
     const std::string place = folder(wanted.id);
-    std::vector<SetFile> missing;
-    for (const SetFile& file : wanted.files) {
-        const SetFile* known = find(current, file.name);
-        if (known == nullptr || *known != file || !exists(place + "/" + file.name)) {
-            missing.push_back(file);
+    const std::string prepared = staging_.folder(wanted.id);
+    const FilesByName known(current);
+    const auto isThere = [&](const SetFile& file) { return exists(place + "/" + file.name); };
+    const auto isUpToDate = [&](const SetFile& file) {
+        const SetFile* before = known.find(file.name);
+        return before != nullptr && *before == file && isThere(file);
+    };
+
+    std::vector<SetFile> files;
+    std::vector<std::string> staged;
+    for (SetFile& file : wanted.files) {
+        if (isUpToDate(file)) {
+            files.push_back(std::move(file));
+            continue;
+        }
+        const SetFile* before = known.find(file.name);
+        try {
+            if (before == nullptr && isThere(file)) {
+                throw Error(place + "/" + file.name + ": is in the way and not this program's");
+            }
+            if (staged.empty()) {
+                step("make staging folder");
+                staging_.makeFolder(wanted.id);
+            }
+            stage(file, prepared);
+            staged.push_back(file.name);
+            files.push_back(std::move(file));
+        } catch (const Error& error) {
+            lost.push_back({file.name, error.what()});
+            if (before != nullptr && isThere(file)) {
+                files.push_back(*before); // an older copy is better than none
+                files.back().leaving = false;
+            }
         }
     }
+    wanted.files = std::move(files);
+    if (wanted.files.empty()) {
+        wanted.files = current.files;
+        return Progress::unchanged;
+    }
+
     SetRecord both = wanted;
+    bool replaces = false;
+    for (SetFile& file : both.files) {
+        const SetFile* before = known.find(file.name);
+        if (before != nullptr && *before != file && isThere(file)) {
+            file.stamp = {}; // until it is moved nobody knows which of the two lies there
+            replaces = true;
+        }
+    }
     std::vector<std::string> obsolete;
+    const FilesByName stays(wanted);
     for (const SetFile& file : current.files) {
-        if (find(wanted, file.name) == nullptr) {
+        if (stays.find(file.name) == nullptr) {
             both.files.push_back(file);
             both.files.back().leaving = true;
             obsolete.push_back(file.name);
         }
     }
-    if (missing.empty() && obsolete.empty() && current == wanted) {
-        return false;
-    }
-
-    const std::string prepared = staging(wanted.id);
-    step("make staging folder");
-    removeTree(prepared);
-    makeFolders(prepared);
-    for (const SetFile& file : missing) {
-        if (find(current, file.name) == nullptr && exists(place + "/" + file.name)) {
-            throw Error(place + "/" + file.name + ": is in the way and not this program's");
-        }
-        stage(file, prepared);
+    if (staged.empty() && obsolete.empty() && current == wanted) {
+        return Progress::unchanged;
     }
     // From here on a crash is mended forwards: the record tells what is to be there.
     step("write record");
-    replaceSetRecord(place, both);
-    for (const SetFile& file : missing) {
+    staging_.replaceRecord(place, both);
+    for (const std::string& name : staged) {
         step("move file into place");
-        const std::string target = place + "/" + file.name;
-        if (rename((prepared + "/" + file.name).c_str(), target.c_str()) != 0) {
+        const std::string source = std::string(prepared).append("/").append(name);
+        const std::string target = std::string(place).append("/").append(name);
+        if (rename(source.c_str(), target.c_str()) != 0) {
             throw systemError(target, "cannot be put in place", errno);
         }
     }
@@ -207,87 +188,35 @@ bool SetFolders::update(const SetRecord& current, const SetRecord& wanted) {
         step("remove obsolete file");
         removeFile(std::string(place).append("/").append(name));
     }
-    if (!obsolete.empty()) {
+    if (replaces || !obsolete.empty()) {
         step("write record");
-        replaceSetRecord(place, wanted);
+        staging_.replaceRecord(place, wanted);
     }
     step("sync");
     syncFolder(place);
-    removeTree(prepared);
-    return true;
+    discard(wanted.id);
+    return Progress::updated;
 }
 
-SetFolders::Progress SetFolders::begin(const SetRecord& wanted) {
+SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost) {
     const std::string place = folder(wanted.id);
-    if (const auto current = readSetRecord(place)) {
-        return update(*current, wanted) ? Progress::updated : Progress::unchanged;
-    }
-    if (exists(place) && rmdir(place.c_str()) != 0) {
-        throw Error(place + ": is in the way and not this program's");
-    }
-    prepare(wanted);
-    return Progress::prepared;
-}
-
-bool SetFolders::remove(ContainerId id, bool* leftBehind) {
-    const std::string place = folder(id);
-    auto record = readSetRecord(place);
-    if (!record) {
-        return false;
-    }
-    step("mark as leaving");
-    record->state = SetState::leaving;
-    replaceSetRecord(place, *record);
-    for (const SetFile& file : record->files) {
-        step("remove file");
-        removeFile(place + "/" + file.name);
-    }
-    step("remove record");
-    removeFile(place + "/" + setRecordName);
-    step("remove folder");
-    *leftBehind = rmdir(place.c_str()) != 0 && errno != ENOENT;
-    step("sync");
-    syncFolder(root_);
-    return true;
-}
-
-void SetFolders::recover(ContainerId id, const std::function<void(const std::string&)>& report) {
-    const std::string place = folder(id);
-    const auto record = readSetRecord(place);
-    if (!record) {
-        rmdir(place.c_str()); // an empty one is what a removal left; any other is not ours
-        return;
+    auto current = readSetRecord(place);
+    if (current && current->state == SetState::active) {
+        checkIsSetOf(place, *current, wanted);
+        return update(*current, wanted, lost);
     }
     bool leftBehind = false;
-    if (record->state == SetState::leaving) {
-        remove(id, &leftBehind);
-        report(place + ": removed, as was begun");
-        return;
+    removeWhole(wanted.id, &leftBehind); // when that was begun
+    if (exists(place)) {
+        if (!isFolder(place)) {
+            throw Error(place + ": is in the way and not this program's");
+        }
+        removeLeftRecords(place);
+        if (rmdir(place.c_str()) != 0) { // files that are not the manager's lie there
+            return update({wanted.id, wanted.name, SetState::active, {}}, wanted, lost);
+        }
     }
-    SetRecord wanted = *record;
-    std::erase_if(wanted.files, [&](const SetFile& file) {
-        if (file.leaving) {
-            return true;
-        }
-        if (exists(place + "/" + file.name)) {
-            return false;
-        }
-        try {
-            return stampOf(file.source) != file.stamp;
-        } catch (const Error&) {
-            return true;
-        }
-    });
-    if (wanted.files.empty()) {
-        remove(id, &leftBehind);
-        report(place + ": removed, its fonts are gone");
-    } else if (update(*record, wanted)) {
-        report(place + ": completed, as was begun");
-    }
-}
-
-void SetFolders::clearStaging() {
-    removeTree(root_ + "/.staging");
+    return prepare(wanted, lost);
 }
 
 } // namespace manager

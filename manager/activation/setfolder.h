@@ -4,25 +4,33 @@
 #pragma once
 
 #include "manager/activation/setrecord.h"
+#include "manager/activation/setstaging.h"
 
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace manager {
 
 /// Told of each step on disk before it is made. Tests end the process there.
 using StepObserver = std::function<void(std::string_view step)>;
 
-/// The folder that holds all sets, with a hidden folder in it where sets are prepared: so both are
-/// on one file system, and fontconfig passes the hidden one over.
+/// A file that could not be put in place.
+struct LostFile {
+    std::string name;    ///< without its folder
+    std::string problem; ///< "PATH: ..."
+};
+
+/// The folder that holds all sets, with a hidden folder in it where sets are prepared.
 class SetFolders {
 public:
     SetFolders(std::string root, StepObserver observer)
-        : root_(std::move(root)), observer_(std::move(observer)) {}
+        : root_(std::move(root)), staging_(root_), observer_(std::move(observer)) {}
 
     [[nodiscard]] const std::string& root() const { return root_; }
+    [[nodiscard]] const SetStaging& staging() const { return staging_; }
     [[nodiscard]] std::string folder(ContainerId id) const { return root_ + "/" + toText(id); }
 
     /// What is left to do after begin().
@@ -30,9 +38,12 @@ public:
 
     /// Makes the set hold exactly `wanted.files`, each linked or copied from its source. A set that
     /// is in place is brought up to date; files there that are not the manager's stay. A new one is
-    /// prepared aside. Throws Error: a source that is missing or not as stamped, a foreign file or
-    /// folder in the way.
-    Progress begin(const SetRecord& wanted);
+    /// prepared aside. A file that cannot be had (a source that is missing or not as stamped, a
+    /// foreign file in the way) costs only itself: it is added to `lost`, and `wanted` then tells
+    /// what the set holds instead: its older copy, or nothing. When all are lost, nothing changes
+    /// and `wanted` has no files or those of before. Throws Error: no folder can be had, or another
+    /// container's set is in the way.
+    Progress begin(SetRecord& wanted, std::vector<LostFile>& lost);
     /// Syncs prepared sets to the disk, many of them in one go. Throws Error.
     void syncPrepared(std::span<const ContainerId> sets) const;
     /// Moves a prepared set into place. Throws Error.
@@ -42,14 +53,15 @@ public:
     /// Syncs what was placed. Throws Error.
     void syncPlaced() const;
 
-    /// Takes the set away. Foreign files stay, and the folder with them; `leftBehind` is set then.
-    /// False: there was no such set. Throws Error.
+    /// Takes the set away; it needs no space on the disk. Foreign files stay, and the folder with
+    /// them; `leftBehind` is set then. False: there was no such set. Throws Error; the set is
+    /// active then as it was, as far as its files are there.
     bool remove(ContainerId id, bool* leftBehind);
+    /// Syncs what was removed, in one go. Throws Error.
+    void syncRemoved(std::span<const ContainerId> sets) const;
 
     /// Finishes what a crash interrupted in one set; see Activation::recover.
     void recover(ContainerId id, const std::function<void(const std::string&)>& report);
-    /// Removes what was being prepared when the process ended.
-    void clearStaging();
 
 private:
     void step(std::string_view name) const {
@@ -57,14 +69,13 @@ private:
             observer_(name);
         }
     }
-    [[nodiscard]] std::string staging(ContainerId id) const {
-        return root_ + "/.staging/" + toText(id);
-    }
     void stage(const SetFile& file, const std::string& folder) const;
-    void prepare(const SetRecord& wanted);
-    bool update(const SetRecord& current, const SetRecord& wanted);
+    Progress prepare(SetRecord& wanted, std::vector<LostFile>& lost);
+    Progress update(const SetRecord& current, SetRecord& wanted, std::vector<LostFile>& lost);
+    bool removeWhole(ContainerId id, bool* leftBehind);
 
     std::string root_;
+    SetStaging staging_;
     StepObserver observer_;
 };
 

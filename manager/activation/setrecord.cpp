@@ -5,6 +5,7 @@
 
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
+#include "manager/library/fontfile.h"
 
 #include <cerrno>
 #include <string_view>
@@ -68,9 +69,21 @@ std::string recordText(const SetRecord& record) {
 
 } // namespace
 
+std::string libraryFolder(const SetRecord& record) {
+    return record.files.empty() ? std::string() : folderOf(record.files.front().source);
+}
+
+bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder) {
+    // Case and blanks may change with the file that a family takes its name from.
+    return nameKey(record.name) == nameKey(name) && libraryFolder(record) == folder;
+}
+
 std::optional<SetRecord> readSetRecord(const std::string& folder) {
-    const std::string path = folder + "/" + setRecordName;
-    if (access(path.c_str(), F_OK) != 0 && errno == ENOENT) {
+    return readSetRecordFile(folder + "/" + setRecordName);
+}
+
+std::optional<SetRecord> readSetRecordFile(const std::string& path) {
+    if (access(path.c_str(), F_OK) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         return std::nullopt;
     }
     const std::string text = readFile(path, maximumLength);
@@ -90,12 +103,8 @@ std::optional<SetRecord> readSetRecord(const std::string& folder) {
     return record;
 }
 
-void replaceSetRecord(const std::string& folder, const SetRecord& record) {
-    replaceFile(folder + "/" + setRecordName, recordText(record));
-}
-
-void writeSetRecord(const std::string& folder, const SetRecord& record) {
-    writeFile(folder + "/" + setRecordName, recordText(record));
+void writeSetRecordFile(const std::string& path, const SetRecord& record) {
+    writeFile(path, recordText(record));
 }
 
 } // namespace manager

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The record that lies in the folder of an active container: which files there are the manager's.
-// It is the journal as well: what it lists is to be there, and a set marked as leaving is to go.
+// It is the journal as well: what it lists is to be there. A set that is to go loses it first.
 #pragma once
 
 #include "manager/library/library.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace manager {
@@ -17,11 +19,12 @@ constexpr const char* setRecordName = ".glyphora-set";
 struct SetFile {
     std::string name;     ///< in the set's folder
     std::string source;   ///< in the library
-    FileStamp stamp;      ///< of the source when it was taken
+    FileStamp stamp;      ///< of the source when it was taken; all 0 while it is being replaced
     bool leaving = false; ///< no longer wanted; it may have gone already
     bool operator==(const SetFile&) const = default;
 };
 
+/// `leaving`: earlier versions began a removal with it, which is to be finished.
 enum class SetState { active, leaving };
 
 struct SetRecord {
@@ -32,12 +35,36 @@ struct SetRecord {
     bool operator==(const SetRecord&) const = default;
 };
 
+/// The files of a record by name. Refers to the record.
+class FilesByName {
+public:
+    explicit FilesByName(const SetRecord& record) {
+        for (const SetFile& file : record.files) {
+            files_.emplace(file.name, &file);
+        }
+    }
+    /// nullptr: it has none of this name.
+    [[nodiscard]] const SetFile* find(std::string_view name) const {
+        const auto position = files_.find(name);
+        return position == files_.end() ? nullptr : position->second;
+    }
+
+private:
+    std::unordered_map<std::string_view, const SetFile*> files_;
+};
+
+/// The folder of the library that the set's files come from; empty when it has none.
+std::string libraryFolder(const SetRecord& record);
+/// Whether the set is that of the container of this name in this folder of the library. Its number
+/// does not tell: numbers begin anew with a new index.
+bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder);
+
 /// The record of the set in `folder`; nullopt when there is none. Throws Error (file, line).
 std::optional<SetRecord> readSetRecord(const std::string& folder);
+/// The same from a file of any name.
+std::optional<SetRecord> readSetRecordFile(const std::string& path);
 
-/// Replaces the record atomically. Throws Error.
-void replaceSetRecord(const std::string& folder, const SetRecord& record);
-/// Writes the record of a folder that is not in place yet, unsynced. Throws Error.
-void writeSetRecord(const std::string& folder, const SetRecord& record);
+/// Writes a record, unsynced. Throws Error.
+void writeSetRecordFile(const std::string& path, const SetRecord& record);
 
 } // namespace manager

@@ -73,16 +73,20 @@ int finish(const Places& places, Activation& activation,
     int status = exitSuccess;
     bool changed = false;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        changed = changed || outcomes[i].changed;
-        if (!outcomes[i].problem.empty()) {
-            warn(outcomes[i].problem);
+        const auto& [success, outcomeChanged, lost, problems] = outcomes[i];
+        changed = changed || outcomeChanged;
+        for (const std::string& problem : problems) {
+            warn(problem);
+            if (!success) {
+                recordDeed(places, Deed::failed, problem);
+            }
         }
-        if (!outcomes[i].success) {
-            recordDeed(places, Deed::failed, outcomes[i].problem);
-            status = exitFailure;
-        } else {
+        if (success || outcomeChanged) { // also what was done in part
             recordDeed(places, Deed::done, texts[i]);
             std::puts(texts[i].c_str());
+        }
+        if (!success) {
+            status = exitFailure;
         }
     }
     if (changed) {

@@ -25,9 +25,8 @@ void printFolders(Library& library, const std::vector<std::string>& folders) {
 void printContainers(Library& library, const Activation& activation) {
     for (const Container& container : library.containers()) {
         std::printf("%6s  %-8s  %s, %s, %s\n", toText(container.id).c_str(),
-                    activation.isActive(container.id) ? "active" : "inactive",
-                    container.name.c_str(), counted(container.faces, "face").c_str(),
-                    container.path().c_str());
+                    activation.isActive(container) ? "active" : "inactive", container.name.c_str(),
+                    counted(container.faces, "face").c_str(), container.path().c_str());
     }
 }
 
@@ -50,7 +49,7 @@ void printAll(Library& library, const Activation& activation,
                                           {"name", container.name},
                                           {"path", container.path()},
                                           {"faces", container.faces},
-                                          {"active", activation.isActive(container.id)}});
+                                          {"active", activation.isActive(container)}});
     }
     printJson(document);
 }

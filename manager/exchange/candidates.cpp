@@ -57,14 +57,14 @@ std::vector<Candidate> CandidateFinder::find(const CommandFont& font) {
     }
     std::vector<Candidate> found;
     for (FaceMatch& face : faces) { // those of one container stand together
-        const auto holder = container(face.container);
-        if (!holder) {
+        const auto& [container, activeFiles] = holder(face.container);
+        if (!container) {
             continue;
         }
-        Candidate candidate{std::move(face), *holder, false, true};
-        candidate.active = activation_.isActive(holder->id, candidate.face.fileName);
+        Candidate candidate{std::move(face), *container, false, true};
+        candidate.active = activeFiles.contains(candidate.face.fileName);
         candidate.typeMatches = !font.type || *font.type == candidate.face.type;
-        if (found.empty() || found.back().container.id != holder->id) {
+        if (found.empty() || found.back().container.id != container->id) {
             found.push_back(std::move(candidate));
         } else if (isBetter(candidate, found.back())) {
             found.back() = std::move(candidate);
@@ -74,10 +74,14 @@ std::vector<Candidate> CandidateFinder::find(const CommandFont& font) {
     return found;
 }
 
-std::optional<Container> CandidateFinder::container(ContainerId id) {
-    const auto [entry, isNew] = containers_.try_emplace(static_cast<std::int32_t>(id));
+const CandidateFinder::Holder& CandidateFinder::holder(ContainerId id) {
+    const auto [entry, isNew] = holders_.try_emplace(static_cast<std::int32_t>(id));
+    auto& [container, activeFiles] = entry->second;
     if (isNew) {
-        entry->second = library_.container(id);
+        container = library_.container(id);
+        if (container && activation_.isActive(*container)) {
+            activeFiles = activation_.activeFiles({id, container->name, library_.files(id)});
+        }
     }
     return entry->second;
 }

@@ -6,6 +6,8 @@
 #include "manager/exchange/commandtext.h"
 #include "manager/library/library.h"
 
+#include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -16,7 +18,7 @@ namespace manager {
 struct Candidate {
     FaceMatch face; ///< of several in the container the best
     Container container;
-    bool active = false;
+    bool active = false;      ///< with this file, as the index has it
     bool typeMatches = false; ///< of the wanted type; true when any will do
 };
 
@@ -32,15 +34,21 @@ public:
     std::vector<Candidate> find(const CommandFont& font);
 
     /// nullopt: unknown, or without fonts.
-    std::optional<Container> container(ContainerId id);
+    std::optional<Container> container(ContainerId id) { return holder(id).container; }
 
     /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme".
     static std::string describe(const Candidate& candidate);
 
 private:
+    struct Holder {
+        std::optional<Container> container;
+        std::set<std::string> activeFiles;
+    };
+    const Holder& holder(ContainerId id);
+
     Library& library_;
     const Activation& activation_;
-    std::unordered_map<std::int32_t, std::optional<Container>> containers_;
+    std::unordered_map<std::int32_t, Holder> holders_;
 };
 
 } // namespace manager

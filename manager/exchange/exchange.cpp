@@ -33,9 +33,8 @@ public:
         outcomes_ = activation.activate(fonts);
         for (std::size_t i = 0; i < outcomes_.size(); ++i) {
             answer.changed = answer.changed || outcomes_[i].changed;
-            if (!outcomes_[i].success) {
-                answer.problems.push_back(outcomes_[i].problem);
-            }
+            const std::vector<std::string>& problems = outcomes_[i].problems;
+            answer.problems.insert(answer.problems.end(), problems.begin(), problems.end());
             if (outcomes_[i].changed) {
                 answer.done.push_back("activated " + containers_[i].name + " (container " +
                                       toText(containers_[i].id) + ", " + containers_[i].path() +
@@ -48,11 +47,11 @@ public:
         return positions_.contains(static_cast<std::int32_t>(id));
     }
 
-    /// Whether a file of a container in the batch is visible now; every file when no name is given.
+    /// Whether a file of a container in the batch is active now; every file when no name is given.
     [[nodiscard]] bool succeeded(ContainerId id, const std::string& fileName) const {
         const ActivationOutcome& outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
-        const bool partly = !outcome.invisible.empty() && !fileName.empty();
-        return outcome.success || (partly && !outcome.invisible.contains(fileName));
+        const bool partly = !outcome.lost.empty() && !fileName.empty();
+        return outcome.success || (partly && !outcome.lost.contains(fileName));
     }
 
 private:
@@ -146,7 +145,8 @@ std::string calledName(const CommandFont& asked) {
 /// What an activation request is to activate.
 struct Choice {
     std::optional<Container> container;
-    std::string fileName; ///< the font's own file there; empty: it is not known, all files count
+    std::string fileName;  ///< the font's own file there; empty: it is not known, all files count
+    bool holdsFont = true; ///< false: others hold the font, the container named does not
 };
 
 /// Answers one command.
@@ -228,12 +228,13 @@ private:
         }
     }
 
-    // For fonts whose container could not be activated: the best of the others.
+    // For fonts that their container does not show: the best of the others.
     ActivationBatch tryOthers(std::vector<Choice>& chosen, const ActivationBatch& first) {
         ActivationBatch second;
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             Choice& choice = chosen[i];
-            if (!choice.container || first.succeeded(choice.container->id, choice.fileName)) {
+            if (!choice.container ||
+                (choice.holdsFont && first.succeeded(choice.container->id, choice.fileName))) {
                 continue;
             }
             for (const Candidate& candidate : finder_.find(command_.fonts[i])) {
@@ -257,7 +258,8 @@ private:
         bool success = false;
         if (choice.container) {
             const ContainerId id = choice.container->id;
-            success = (second.holds(id) ? second : first).succeeded(id, choice.fileName);
+            success = choice.holdsFont &&
+                      (second.holds(id) ? second : first).succeeded(id, choice.fileName);
         }
         reply_.beginFont();
         if (font.syncId) {
@@ -278,8 +280,10 @@ private:
                 const auto own = std::find_if(
                     candidates.begin(), candidates.end(),
                     [&](const Candidate& candidate) { return candidate.container.id == *id; });
-                return {std::move(container),
-                        own == candidates.end() ? std::string() : own->face.fileName};
+                if (own == candidates.end()) {
+                    return {std::move(container), {}, candidates.empty()};
+                }
+                return {std::move(container), own->face.fileName};
             }
         }
         if (candidates.empty()) {

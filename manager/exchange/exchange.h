@@ -37,9 +37,10 @@ struct Answer {
 /// fontRequest: a face in exactly one container is activated; one in several is reported with all
 /// of them and asks for the window; one in none has count 0 and the requested type, or none. A
 /// font keeps the PostScript name that it was asked for by. activationRequest: activates the
-/// container named or, when there is none or the font does not become visible, the best other one
-/// by PostScript name (CandidateFinder::find tells which is best). showRequest, buyRequest: tell
-/// what is held; nothing is opened or bought.
+/// container named; when there is none, it does not hold the font or the font does not become
+/// visible, the best other one by PostScript name (CandidateFinder::find tells which is best), and
+/// answers with that. A font that nobody holds is judged by the whole container named. showRequest,
+/// buyRequest: tell what is held; nothing is opened or bought.
 Answer answerCommand(Library& library, Activation& activation, std::string_view command);
 
 /// A reply that says only what went wrong.

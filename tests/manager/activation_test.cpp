@@ -7,21 +7,26 @@
 #include "tests/manager/sandbox.h"
 
 #include <algorithm>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fontconfig/fontconfig.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <set>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace manager;
 using namespace managertest;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 namespace {
 
@@ -59,6 +64,10 @@ protected:
             reports_.push_back(text);
         });
     }
+    // Of both files, as the library has them now.
+    std::set<std::string> activeFiles() {
+        return Activation(sandbox_.places()).activeFiles(fonts());
+    }
 
     [[nodiscard]] std::string set() const { return sandbox_.places().fonts() + "/7"; }
     // What another program sees, that starts now.
@@ -89,10 +98,10 @@ protected:
 
 TEST_F(AnActivation, MakesFontsVisibleAndIsTakenBackWhole) {
     const auto outcome = activate(fonts());
-    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_TRUE(outcome.success) << testing::PrintToString(outcome.problems);
     EXPECT_TRUE(outcome.changed);
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
-    EXPECT_TRUE(Activation(sandbox_.places()).isActive(container, "one.ttf"));
+    EXPECT_TRUE(activeFiles().contains("one.ttf"));
 
     const auto again = activate(fonts());
     EXPECT_TRUE(again.success);
@@ -131,7 +140,7 @@ TEST_F(AnActivation, CopiesFilesOfAnotherFileSystem) {
     const std::string copied = readBytes(set() + "/far.ttf");
     const std::string original = readBytes(font);
     std::filesystem::remove_all(folder);
-    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_TRUE(outcome.success) << testing::PrintToString(outcome.problems);
     EXPECT_EQ(copied, original);
     EXPECT_THAT(visibleFamilies(), ElementsAre("Far"));
 }
@@ -143,22 +152,74 @@ TEST_F(AnActivation, FollowsTheContainerWhenItGrowsAndShrinks) {
     addFont("one.ttf.new", "One Anew");
     std::filesystem::rename(sandbox_.library() + "/one.ttf.new", sandbox_.library() + "/one.ttf");
     const auto outcome = activate(fonts({"one.ttf", "three.ttf"}));
-    EXPECT_TRUE(outcome.success) << outcome.problem;
+    EXPECT_TRUE(outcome.success) << testing::PrintToString(outcome.problems);
     EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Three"));
     EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf", "three.ttf"));
 }
 
-TEST_F(AnActivation, FailsClearlyWhenALibraryFileIsGoneOrHasChanged) {
-    const ContainerFonts wanted = fonts();
-    sandbox_.write("two.ttf", "changed");
-    EXPECT_THAT(activate(wanted).problem, HasSubstr("/two.ttf: has changed since it was scanned"));
-    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+TEST_F(AnActivation, LosesOnlyTheFilesThatAreGoneOrHaveChanged) {
+    ContainerFonts wanted = fonts();
+    const std::string two = sandbox_.write("two.ttf", "changed");
+    for (const char* problem :
+         {"/two.ttf: has changed since it was scanned", "/two.ttf: cannot be read"}) {
+        const auto outcome = activate(wanted);
+        EXPECT_FALSE(outcome.success);
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr(problem)));
+        EXPECT_THAT(outcome.lost, ElementsAre("two.ttf"));
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+        std::filesystem::remove(two);
+    }
+    deactivate();
+
+    std::filesystem::remove(sandbox_.library() + "/one.ttf");
     const auto outcome = activate(wanted);
-    EXPECT_FALSE(outcome.success);
     EXPECT_FALSE(outcome.changed);
-    EXPECT_THAT(outcome.problem, HasSubstr("/two.ttf: cannot be read"));
-    EXPECT_THAT(visibleFamilies(), IsEmpty());
+    EXPECT_THAT(outcome.lost, ElementsAre("one.ttf", "two.ttf"));
     EXPECT_FALSE(std::filesystem::exists(set()));
+
+    addFont("one.ttf", "One Anew");
+    addFont("two.ttf", "Two");
+    activate(fonts());
+    std::filesystem::remove(two);
+    wanted = fonts({"one.ttf"});
+    wanted.files.push_back({two, {}});
+    EXPECT_THAT(activate(wanted).lost, ElementsAre("two.ttf"));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Two")) << "the older copy is kept";
+}
+
+TEST_F(AnActivation, CountsOnlyWhatIsActiveAsTheLibraryHasIt) {
+    activate(fonts());
+    EXPECT_THAT(activeFiles(), ElementsAre("one.ttf", "two.ttf"));
+    sandbox_.write("one.ttf", makeFont({"Other", "Regular", "Other", "", "", false, {}}) + "more");
+    EXPECT_THAT(activeFiles(), ElementsAre("two.ttf")) << "another size, if not another time";
+    std::filesystem::remove(set() + "/two.ttf");
+    EXPECT_THAT(activeFiles(), IsEmpty());
+    EXPECT_TRUE(activate(fonts()).success);
+    EXPECT_THAT(visibleFamilies(), ElementsAre("Other", "Two"));
+    EXPECT_THAT(activeFiles(), ElementsAre("one.ttf", "two.ttf"));
+}
+
+TEST_F(AnActivation, NeverChangesASetIntoThatOfAnotherContainer) {
+    activate(fonts());
+    addFont("there/three.ttf", "Three");
+    ContainerFonts elsewhere = fonts({"there/three.ttf"});
+    ContainerFonts another = fonts({"one.ttf"});
+    another.name = "Another";
+    for (const ContainerFonts& wanted : {elsewhere, another}) {
+        const auto outcome = activate(wanted);
+        EXPECT_FALSE(outcome.changed);
+        EXPECT_THAT(outcome.problems,
+                    ElementsAre(testing::AllOf(HasSubstr("/7: holds Both (of "),
+                                               HasSubstr("container 7 is " + wanted.name))));
+        const Activation activation(sandbox_.places());
+        EXPECT_THAT(activation.activeFiles(wanted), IsEmpty());
+        EXPECT_FALSE(activation.isActive(
+            {container, wanted.name, folderOf(wanted.files.front().path), "", 1}));
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    }
+    ContainerFonts renamed = fonts();
+    renamed.name = "BOTH";
+    EXPECT_TRUE(activate(renamed).success) << "families differ neither by case nor by blanks";
 }
 
 TEST_F(AnActivation, TakesTheDataFolderHoweverItIsWritten) {
@@ -166,7 +227,7 @@ TEST_F(AnActivation, TakesTheDataFolderHoweverItIsWritten) {
     environment.set("XDG_DATA_HOME", sandbox_.root() + "//other/../data/./");
     Activation activation(Places::fromEnvironment());
     const ContainerFonts wanted = fonts();
-    EXPECT_EQ(activation.activate(std::span(&wanted, 1)).at(0).problem, "");
+    EXPECT_THAT(activation.activate(std::span(&wanted, 1)).at(0).problems, IsEmpty());
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
 }
 
@@ -176,11 +237,12 @@ TEST_F(AnActivation, ShowsTheOthersWhenFontconfigShowsNothingOfAFile) {
         const auto outcome = activate(fonts());
         EXPECT_FALSE(outcome.success);
         EXPECT_EQ(outcome.changed, round == 0);
-        EXPECT_THAT(outcome.invisible, ElementsAre("one.ttf"));
-        EXPECT_THAT(outcome.problem, HasSubstr("/one.ttf: was in place, but fontconfig shows no"));
+        EXPECT_THAT(outcome.lost, ElementsAre("one.ttf"));
+        EXPECT_THAT(outcome.problems,
+                    ElementsAre(HasSubstr("/one.ttf: was in place, but fontconfig shows no")));
         EXPECT_THAT(visibleFamilies(), ElementsAre("Two"));
-        EXPECT_FALSE(Activation(sandbox_.places()).isActive(container, "one.ttf"));
-        EXPECT_TRUE(Activation(sandbox_.places()).isActive(container, "two.ttf"));
+        EXPECT_FALSE(activeFiles().contains("one.ttf"));
+        EXPECT_TRUE(activeFiles().contains("two.ttf"));
     }
 }
 
@@ -201,7 +263,7 @@ TEST_F(AnActivation, LeavesNothingWhenTheDesktopsSettingsKeepTheFontsFromSight) 
         const auto outcome = activate(fonts());
         EXPECT_FALSE(outcome.success);
         EXPECT_FALSE(outcome.changed);
-        EXPECT_THAT(outcome.problem, HasSubstr(problem));
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr(problem)));
         EXPECT_FALSE(std::filesystem::exists(set()));
     }
 }
@@ -209,20 +271,60 @@ TEST_F(AnActivation, LeavesNothingWhenTheDesktopsSettingsKeepTheFontsFromSight) 
 TEST_F(AnActivation, LeavesForeignFilesAloneWhereverTheyAre) {
     std::filesystem::create_directories(set());
     writeBytes(set() + "/mine.txt", "mine");
-    EXPECT_THAT(activate(fonts()).problem, HasSubstr("/7: is in the way"));
-    EXPECT_EQ(readBytes(set() + "/mine.txt"), "mine");
     recover();
-    EXPECT_EQ(readBytes(set() + "/mine.txt"), "mine");
+    EXPECT_TRUE(activate(fonts()).success) << "beside files that are not in the way";
+    EXPECT_THAT(deactivate().problems, ElementsAre(HasSubstr("kept")));
+    EXPECT_THAT(entries(set()), ElementsAre("mine.txt"));
 
     std::filesystem::remove_all(set());
-    activate(fonts({"one.ttf"}));
+    writeBytes(set(), "mine");
+    EXPECT_THAT(activate(fonts()).problems, ElementsAre(HasSubstr("/7: is in the way")));
+    std::filesystem::remove(set());
+
+    std::filesystem::create_directory(set());
     writeBytes(set() + "/two.ttf", "mine");
-    EXPECT_THAT(activate(fonts()).problem, HasSubstr("/two.ttf: is in the way"));
+    EXPECT_THAT(activate(fonts()).problems, ElementsAre(HasSubstr("/two.ttf: is in the way")));
+    EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf", "two.ttf"));
     const auto outcome = deactivate();
     EXPECT_TRUE(outcome.success);
-    EXPECT_THAT(outcome.problem, HasSubstr("kept"));
+    EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("kept")));
     EXPECT_THAT(entries(set()), ElementsAre("two.ttf"));
     EXPECT_EQ(readBytes(set() + "/two.ttf"), "mine");
+}
+
+TEST_F(AnActivation, ClearsWhatAnInterruptedReplacementOfTheRecordLeft) {
+    const std::string left = set() + "/" + setRecordName + ".4711.new";
+    const std::vector<std::function<void()>> ways = {
+        [&] { recover(); },
+        [&] { EXPECT_THAT(deactivate().problems, IsEmpty()); },
+        [&] {
+            std::filesystem::remove(set() + "/" + setRecordName);
+            std::filesystem::remove(set() + "/one.ttf");
+            std::filesystem::remove(set() + "/two.ttf");
+            activate(fonts());
+        },
+    };
+    for (const auto& way : ways) {
+        activate(fonts());
+        writeBytes(left, "half a record");
+        way();
+        EXPECT_FALSE(std::filesystem::exists(left));
+    }
+}
+
+TEST_F(AnActivation, IsTakenBackOnAFullDisk) {
+    activate(fonts());
+    // Nothing can be written to any file.
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const auto outcome = deactivate();
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_THAT(outcome.problems, IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(set()));
 }
 
 TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
@@ -231,7 +333,7 @@ TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
     writeBytes(
         set() + "/" + setRecordName,
         "glyphora-set 1\nset\t7\tactive\tX\nfile\t../../../../library/victim.ttf\t/x\t1\t1\t1\n");
-    EXPECT_THAT(deactivate().problem, HasSubstr(".glyphora-set: line 3: "));
+    EXPECT_THAT(deactivate().problems, ElementsAre(HasSubstr(".glyphora-set: line 3: ")));
     EXPECT_TRUE(std::filesystem::exists(victim));
 }
 
@@ -249,6 +351,19 @@ TEST_F(AnActivation, TouchesTheFolderAfterwardsForProgramsThatCompareSeconds) {
     ASSERT_EQ(stat(root.c_str(), &status), 0);
     EXPECT_GT(status.st_mtim.tv_sec, 1000);
     EXPECT_FALSE(activation.isUnsettled());
+}
+
+TEST_F(AnActivation, IsUnsettledAgainAfterAProcessThatDidNotSettle) {
+    for (const bool killed : {true, false}) {
+        Activation activation(sandbox_.places());
+        const auto ignore = [](const std::string&) {};
+        activation.recover(ignore); // finds the first round's
+        EXPECT_EQ(activation.isUnsettled(), !killed);
+        activation.settle();
+        activation.recover(ignore);
+        EXPECT_FALSE(activation.isUnsettled());
+        activate(fonts());
+    }
 }
 
 // Ends the process before the step of this number, as a crash would. Returns whether it came to it.
@@ -289,7 +404,7 @@ protected:
             EXPECT_TRUE(seen == before || seen == after)
                 << "step " << steps << ": " << testing::PrintToString(seen);
             const std::string staging = sandbox_.places().fonts() + "/.staging";
-            EXPECT_TRUE(!std::filesystem::exists(staging) || entries(staging).empty());
+            EXPECT_THAT(entries(staging), Each(StartsWith("unsettled.")));
             reports_.clear();
             recover();
             EXPECT_THAT(reports_, IsEmpty()) << "step " << steps;
@@ -311,6 +426,27 @@ TEST_F(ACrash, WhileBringingASetUpToDateIsMendedForwards) {
                     activate(fonts({"one.ttf", "three.ttf"}), observer);
                 },
                 {"One", "Two"}, {"One", "Three"});
+}
+
+TEST_F(ACrash, WhileReplacingAFileNeverLetsTheOldOneCount) {
+    const std::string one = sandbox_.library() + "/one.ttf";
+    const std::string old = readBytes(one);
+    bool crashed = true;
+    for (int step = 0; crashed; ++step) {
+        sandbox_.write("one.new", old);
+        std::filesystem::rename(sandbox_.library() + "/one.new", one);
+        activate(fonts());
+        sandbox_.write("one.new", makeFont({"One Anew", "Regular", "Anew", "", "", false, {}}));
+        std::filesystem::rename(sandbox_.library() + "/one.new", one);
+        crashed = crashAt(step, [&](const StepObserver& observer) { activate(fonts(), observer); });
+        const auto isNew = [&] { return readBytes(set() + "/one.ttf") != old; };
+        const auto counts = [&] { return activeFiles().contains("one.ttf"); };
+        EXPECT_TRUE(isNew() || !counts()) << "step " << step;
+        recover();
+        EXPECT_EQ(isNew(), counts()) << "step " << step;
+        EXPECT_TRUE(isNew() || crashed) << "step " << step;
+        EXPECT_EQ(visibleFamilies().size(), 2U);
+    }
 }
 
 TEST_F(ACrash, WhileDeactivatingIsFinished) {

@@ -89,7 +89,7 @@ TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
                             std::pair("fontInfo", id + info)));
     EXPECT_TRUE(answer_.changed);
     EXPECT_THAT(answer_.done, ElementsAre(HasSubstr("activated Lato")));
-    EXPECT_TRUE(activation_.isActive(*toContainerId(id), "lato-r.ttf"));
+    EXPECT_TRUE(activation_.isActive(*library_.container(*toContainerId(id))));
 
     askForOne("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Bold"}}));
     EXPECT_FALSE(answer_.changed);
@@ -162,15 +162,33 @@ TEST_F(AnExchange, SaysThatNobodyHoldsAFont) {
     EXPECT_THAT(answer_.problems, IsEmpty());
 }
 
-TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivated) {
+TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivatedAndActivatesTheOthersOfItsContainer) {
     std::filesystem::remove(sandbox_.library() + "/one/lato.ttf");
-    const ReplyNode root = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Regular"}}));
-    const ReplyNode& reply = *root.all("font").at(0);
-    EXPECT_EQ(reply.value("count"), "1");
-    EXPECT_EQ(reply.value("isActive"), "0");
-    EXPECT_EQ(reply.value("activationSuccessfull"), "0");
+    const ReplyNode root = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Regular"}}) +
+                                                  font({{"syncID", "2"}, {"psName", "Lato-Bold"}}));
+    for (const auto& [position, active] : {std::pair(0U, "1"), std::pair(1U, "0")}) {
+        const ReplyNode& reply = *root.all("font").at(position);
+        EXPECT_EQ(reply.value("count"), "1");
+        EXPECT_EQ(reply.value("isActive"), active);
+        EXPECT_EQ(reply.value("activationSuccessfull"), active);
+    }
     EXPECT_THAT(root.value("error"), HasSubstr("/one/lato.ttf: cannot be read"));
+    std::filesystem::remove(sandbox_.library() + "/odd/m.ttf");
+    EXPECT_EQ(
+        askForOne("fontRequest", font({{"syncID", "1"}, {"psName", "Mueller"}})).value("isActive"),
+        "0");
     EXPECT_FALSE(answer_.changed);
+}
+
+TEST_F(AnExchange, RenewsWhatWasReplacedInTheLibraryUnderTheSameName) {
+    const std::string asked = font({{"syncID", "1"}, {"psName", "Mueller"}});
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    add("odd/m.ttf", {"M\xC3\xBCller & S\xC3\xB6hne <Co>", "Book", "Mueller", "", "", true, {}});
+    scan();
+    EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "0");
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    EXPECT_TRUE(answer_.changed);
+    EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "1");
 }
 
 TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
@@ -215,9 +233,8 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
         const char* psName;
         std::string activated;
     } cases[] = {
-        {"", "Both", openType},    {"0", "Both", openType},
-        {"999", "Both", openType}, {plain, "Both", plain},
-        {"x", "Nobody", "x"},      {idOf("Lato-Bold"), "Both", idOf("Lato-Bold")},
+        {"", "Both", openType}, {"0", "Both", openType}, {"999", "Both", openType},
+        {plain, "Both", plain}, {"x", "Nobody", "x"},    {idOf("Lato-Bold"), "Both", openType},
     };
     for (const auto& [containerId, psName, activated] : cases) {
         activation_.deactivate(std::vector{*toContainerId(plain), *toContainerId(openType)});
@@ -229,6 +246,8 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
         EXPECT_EQ(reply.value("activationSuccessfull"), known ? "1" : "0");
         EXPECT_EQ(root.all("error").empty(), known);
     }
+    // The last one's own container as well: it was named, though it does not hold the font.
+    EXPECT_EQ(askForOne("showRequest", font({{"psName", "Lato-Bold"}})).value("isActive"), "1");
 }
 
 TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// Steps on disk that sets are made of, with their errors turned into exceptions.
+#pragma once
+
+#include <string>
+
+namespace manager {
+
+/// Whether anything has this name; links are not followed.
+bool exists(const std::string& path);
+/// Whether it is a folder itself, not a link to one.
+bool isFolder(const std::string& path);
+
+/// Removes a file; one that is not there is no error. Throws Error.
+void removeFile(const std::string& path);
+/// Removes a folder and all in it; one that is not there is no error. Throws Error.
+void removeTree(const std::string& path);
+
+/// Makes `target` a hard link to the file behind `source` where the file system allows: no second
+/// copy on disk, and nothing to sync. A synced copy elsewhere. Never a symbolic link: those stay
+/// listed after their target went. Replaces what lies at `target`. Throws Error, and then leaves
+/// nothing there.
+void linkOrCopy(const std::string& source, const std::string& target);
+
+/// Takes the name `target` without replacing what may have come there meanwhile. False, with errno
+/// set: it did not.
+bool renameToFree(const std::string& source, const std::string& target);
+
+} // namespace manager

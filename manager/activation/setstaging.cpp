@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// What lies in the staging folder, by its names.
+#include "manager/activation/setstaging.h"
+
+#include "manager/activation/filesteps.h"
+#include "manager/library/error.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <string_view>
+#include <unistd.h>
+
+namespace manager {
+
+namespace {
+
+constexpr std::string_view markBeginning = "unsettled.";
+
+std::string markPath(const std::string& folder) {
+    return folder + "/" + std::string(markBeginning) + std::to_string(getpid());
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code code;
+    for (std::filesystem::directory_iterator entry(folder, code), end; !code && entry != end;
+         entry.increment(code)) {
+        names.push_back(entry->path().filename().string());
+    }
+    if (code && code != std::errc::no_such_file_or_directory &&
+        code != std::errc::not_a_directory) {
+        throw systemError(folder, "cannot be read", code.value());
+    }
+    return names;
+}
+
+} // namespace
+
+void SetStaging::makeFolder(ContainerId id) const {
+    removeTree(folder(id));
+    makeFolders(folder(id));
+}
+
+void SetStaging::replaceRecord(const std::string& place, const SetRecord& record) const {
+    const std::string written = folder(record.id) + ".record";
+    const std::string target = place + "/" + setRecordName;
+    try {
+        writeSetRecordFile(written, record);
+        syncFile(written);
+        if (rename(written.c_str(), target.c_str()) != 0) {
+            throw systemError(target, "cannot be replaced", errno);
+        }
+    } catch (const Error&) {
+        unlink(written.c_str());
+        throw;
+    }
+    syncFolder(place);
+}
+
+std::vector<ContainerId> SetStaging::takenRecords() const {
+    std::vector<ContainerId> ids;
+    for (std::string_view name : namesIn(path_)) {
+        if (name.ends_with(takenEnding)) {
+            name.remove_suffix(std::string_view(takenEnding).size());
+            if (const auto id = toContainerId(name)) {
+                ids.push_back(*id);
+            }
+        }
+    }
+    return ids;
+}
+
+void SetStaging::markUnsettled() const noexcept {
+    const Descriptor mark(open(markPath(path_).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+}
+
+void SetStaging::unmarkUnsettled() const noexcept {
+    unlink(markPath(path_).c_str());
+}
+
+bool SetStaging::clear() const {
+    bool unsettled = false;
+    for (const std::string& name : namesIn(path_)) {
+        unsettled = unsettled || name.starts_with(markBeginning);
+        if (!name.ends_with(takenEnding)) {
+            removeTree(path_ + "/" + name);
+        }
+    }
+    return unsettled;
+}
+
+void removeLeftRecords(const std::string& place) {
+    const std::string beginning = std::string(setRecordName) + ".";
+    for (const std::string& name : namesIn(place)) {
+        if (name.starts_with(beginning) && name.ends_with(".new")) {
+            removeFile(std::string(place).append("/").append(name));
+        }
+    }
+}
+
+} // namespace manager
