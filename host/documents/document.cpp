@@ -33,8 +33,9 @@ FaceId Document::intern(const Face& face) {
         return found->second;
     }
     const auto id = static_cast<FaceId>(parts_.faces.size());
+    // `face` may be one of them itself, and is gone from its place when they move.
     parts_.faces.push_back(face);
-    givenFaces_.emplace(face, id);
+    givenFaces_.emplace(parts_.faces.back(), id);
     return id;
 }
 

@@ -54,8 +54,10 @@ void Scanner::noteReferences(const Element& element, References::Scope scope) {
         const Attribute& attribute = tree_.attributes[i];
         switch (attribute.name) {
         case AttributeName::Reference:
-            // A link leads to its target and does not show it.
-            if (attribute.value.starts_with('#') && element.tag != Tag::Link) {
+            // A link leads to its target and does not show it; of a text that a tref names only the
+            // characters are taken.
+            if (attribute.value.starts_with('#') && element.tag != Tag::Link &&
+                element.tag != Tag::TextReference) {
                 references_.addReference(scope, attribute.value.substr(1));
             }
             break;
@@ -71,14 +73,22 @@ void Scanner::noteReferences(const Element& element, References::Scope scope) {
 
 /// @param copy whether `text` lives shorter than the tree
 void Scanner::noteUrls(std::string_view text, References::Scope scope, bool copy) {
-    for (std::size_t url = text.find("url("); url != std::string_view::npos;
-         url = text.find("url(", url + 4)) {
-        const std::size_t hash = text.find_first_not_of("'\" ", url + 4);
-        if (hash != std::string_view::npos && text[hash] == '#') {
-            const std::size_t end = text.find_first_of(")'\" ", hash);
-            const std::string_view id = text.substr(hash + 1, end - hash - 1);
-            references_.addReference(scope, copy ? tree_.values.emplace_back(id) : id);
+    std::size_t position = 0;
+    while ((position = text.find("url(", position)) != std::string_view::npos) {
+        position = std::min(text.find_first_not_of("'\" ", position + 4), text.size());
+        if (position == text.size() || text[position] != '#') {
+            continue;
         }
+        // At the end of the text any "url(" is closed. No id is read twice.
+        const std::size_t end =
+            std::min(text.find_first_of("()'\" \t\r\n\f", position), text.size());
+        const std::string_view id = text.substr(position + 1, end - position - 1);
+        if (!copy) {
+            references_.addReference(scope, id);
+        } else if (!references_.isShown(id)) {
+            references_.addReference(scope, tree_.values.emplace_back(id));
+        }
+        position = end;
     }
 }
 

@@ -29,14 +29,16 @@ struct SvgOptions {
 ///   layer of its own, which has no name.
 /// - A text frame is a `text` or `flowRoot` element. Text in foreign objects, titles and metadata
 ///   is none.
-/// - Text with display:none, visibility:hidden or font-size:0 is not visible. Of a `switch` the
-///   first child is that can be shown and that is in the user's language or in no one's.
+/// - Text with display:none, visibility:hidden or font-size:0 is not visible. What an element
+/// around
+///   a text hides, a `use` of the text itself shows nevertheless. Of a `switch` the first child is
+///   visible that can be shown and that is in the user's language or in no one's.
 /// - Text in `defs`, `symbol`, `clipPath` and the like is not visible, unless it or the element
-/// that
-///   holds it is referenced by its id from what is visible itself, or from any style sheet. Shown
-///   by a `use`, it inherits from the first one that shows it; it is one text, with one face, also
-///   where another `use` would give it another. A mask, a pattern or the like of something that is
-///   not displayed counts as referenced all the same.
+///   that holds it is referenced by its id from what is visible itself, or from any style sheet. A
+///   `tref` takes the characters of a text alone, so it shows no other one. Shown by a `use`, a
+///   text inherits from the first one that shows it; it is one text, with one face, also where
+///   another `use` would give it another. A mask, a pattern or the like of something that is not
+///   displayed counts as referenced all the same.
 /// - Of a family list the first one is the face's family.
 /// No external entity, DTD, style sheet or link is ever opened.
 /// @throws DocumentError for anything that is not a well-formed SVG drawing within the limits

@@ -26,6 +26,9 @@ public:
 
     void addReference(Scope from, std::string_view id);
 
+    /// Whether something shown is known to refer to an id.
+    bool isShown(std::string_view id) const { return shown_.contains(id); }
+
     /// The ids that shown scopes refer to. To be called once, at the end.
     std::unordered_set<std::string_view> takeShown();
 

@@ -128,8 +128,8 @@ std::string deflateAll(std::string_view text) {
     return bytes;
 }
 
-/// The encoding by iconv's name; empty for UTF-8 and what contains itself in it.
-std::string encodingOf(std::string_view bytes) {
+/// The encoding by iconv's name; empty for UTF-8 and for ASCII, which is part of it.
+std::string encodingOf(std::string_view bytes, bool& ascii) {
     struct Mark {
         std::string_view start;
         const char* encoding;
@@ -157,8 +157,12 @@ std::string encodingOf(std::string_view bytes) {
     declaration = declaration.substr(open);
     std::string name(declaration.substr(1, declaration.find(declaration.front(), 1) - 1));
     // The declaration could be read, so the text is not in an encoding of wider units.
-    for (const std::string_view plain : {"utf-8", "utf8", "us-ascii", "ascii", "utf-16", "utf-16le",
-                                         "utf-16be", "ucs-2", "utf-32", "unicode", ""}) {
+    ascii = css::equalsIgnoringCase(name, "us-ascii") || css::equalsIgnoringCase(name, "ascii");
+    if (ascii) {
+        return {};
+    }
+    for (const std::string_view plain :
+         {"utf-8", "utf8", "utf-16", "utf-16le", "utf-16be", "ucs-2", "utf-32", "unicode", ""}) {
         if (css::equalsIgnoringCase(name, plain)) {
             return {};
         }
@@ -225,7 +229,7 @@ Source decodeSource(std::string bytes, std::string_view name, std::size_t limit)
     if (source.text.size() > limit) {
         tooLarge(name, limit);
     }
-    source.encoding = encodingOf(source.text);
+    source.encoding = encodingOf(source.text, source.ascii);
     if (!source.encoding.empty()) {
         std::string text =
             Converter("UTF-8", source.encoding, name).convert(source.text, name, limit);

@@ -13,8 +13,11 @@ struct Source {
     std::string text;     ///< UTF-8, with the mark at its start if the file has one
     std::string file;     ///< as it was read; empty when that is the text
     std::string encoding; ///< of the file, by iconv's name; empty for UTF-8
+    bool ascii = false;   ///< declared to be ASCII: nothing else may be written into it
     bool gzipped = false;
 
+    /// Whether any character may be written into the text as it is.
+    bool takesAll() const { return encoding.empty() && !ascii; }
     const std::string& asRead() const { return file.empty() ? text : file; }
 };
 

@@ -51,7 +51,7 @@ public:
         // What no use shows, or only one that is not shown itself.
         for (const Target& target : targets_) {
             if (!target.resolved) {
-                resolveTarget(number(target), target.hiddenUse);
+                resolveTarget(number(target), target.defined ? target.hiddenUse : noElement);
                 resolveWaiting();
             }
         }
@@ -161,10 +161,12 @@ private:
                                             : css::relativeStretch(inherited, up);
     }
 
-    /// An element in definitions that uses may show. It is resolved when a use that shows it has
-    /// been, so that it can inherit from there.
+    /// An element that uses name. In definitions, and where what is around it hides it, it is shown
+    /// by them alone: it is then resolved when a use that shows it has been, so that it can inherit
+    /// from there.
     struct Target {
         ElementId element = noElement;
+        bool defined = false;            ///< it stands in definitions
         ElementId use = noElement;       ///< the first one that shows it
         ElementId hiddenUse = noElement; ///< the first one that would but is not shown itself
         bool resolved = false;
@@ -200,25 +202,34 @@ private:
             if (element.tag == Tag::Definitions) {
                 definitionsEnd = std::max(definitionsEnd, element.subtreeEnd);
             }
-            const std::string_view* name =
-                id < definitionsEnd ? tree_.find(id, AttributeName::Id) : nullptr;
+            const std::string_view* name = tree_.find(id, AttributeName::Id);
             const auto used = name == nullptr ? targetOfId_.end() : targetOfId_.find(*name);
             if (used != targetOfId_.end() && used->second == noTarget) {
                 used->second = targetOf_[id] = static_cast<std::uint32_t>(targets_.size());
-                targets_.push_back({id});
+                targets_.push_back({id, id < definitionsEnd});
             }
         }
+    }
+
+    /// Whether a target whose parent has been resolved is shown by uses alone.
+    bool waits(const Target& target) const {
+        const ElementId parent = tree_.elements[target.element].parent;
+        return target.defined || (parent != noElement && (styles_.elements[parent].hidden ||
+                                                          styles_.elements[parent].invisible));
     }
 
     /// Resolves the elements of a range, but for targets that have to wait.
     void resolveAll(ElementId id, ElementId end) {
         while (id < end) {
             if (!targetOf_.empty() && targetOf_[id] != noTarget) {
-                id = tree_.elements[id].subtreeEnd;
-                continue;
+                Target& target = targets_[targetOf_[id]];
+                if (waits(target)) {
+                    id = tree_.elements[id].subtreeEnd;
+                    continue;
+                }
+                target.resolved = true;
             }
-            const ElementId parent = tree_.elements[id].parent;
-            resolveOne(id, parent);
+            resolveOne(id, tree_.elements[id].parent);
             ++id;
         }
     }

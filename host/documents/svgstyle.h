@@ -43,7 +43,8 @@ struct Styles {
     std::vector<Style> elements; ///< one per element of the tree
 };
 
-/// What stands in definitions and is shown by a `use` inherits from the first `use` that shows it.
+/// What stands in definitions, or in what is hidden, and is shown by a `use` inherits from the
+/// first `use` that shows it.
 /// @throws DocumentError when the style sheets ask for unreasonable work
 Styles resolveStyles(const Tree& tree, std::string_view name);
 

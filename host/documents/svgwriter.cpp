@@ -23,7 +23,7 @@ void Writer::save(const Document& document, const std::filesystem::path& file) c
         }
         return;
     }
-    std::string text = editFaces(source_.text, document, options_, source_.encoding.empty());
+    std::string text = editFaces(source_.text, document, options_, source_.takesAll());
     writeFile(file, encodeText(std::move(text), source_, gzip, name));
 }
 

@@ -132,6 +132,17 @@ TEST(ABadDrawing, CannotBlowUpThroughReferencedText) {
                 ContainsRegex("^bad.svg:1:[0-9]+: text references repeat too much text$"));
 }
 
+/// Each would take the rest of the text for its id, gigabytes in all.
+TEST(ADrawing, MayHoldAnyNumberOfUrlsThatAreNotClosed) {
+    const std::string urls = repeated("url(#", 100'000);
+    EXPECT_EQ(visibleRuns(read("<style>/*" + urls + "*/ .m{mask:url(#m)} .c{mask: url(#c" +
+                               "</style><g style='" + urls +
+                               "'/><mask id='m'><text "
+                               "font-family='M'>m</text></mask><mask id='c'><text font-family='C'>c"
+                               "</text></mask>")),
+              "M/Regular:m|C/Regular:c");
+}
+
 TEST(ABadDrawing, OpensNoOtherFile) {
     Folder folder;
     write(folder / "other.txt", "<text xmlns='http://www.w3.org/2000/svg'>secret</text>");

@@ -201,6 +201,25 @@ TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
                                "\\E4 \"'>\xE4</text></svg>");
 }
 
+TEST(AReplacedFace, IsEscapedInAFileThatIsSaidToBeAscii) {
+    for (const std::string name : {"us-ascii", "ASCII"}) {
+        const std::string head = "<?xml version='1.0' encoding='" + name +
+                                 "'?><svg xmlns='http://www.w3.org/2000/svg'><text font-family='";
+        Document document = readSvg(head + "Old'>a</text></svg>", "x.svg");
+        replaceAll(document, "Old", newFace("M\xC3\xBCller"));
+        EXPECT_EQ(saved(document), head + "\"M\\FC ller\"'>a</text></svg>");
+    }
+}
+
+TEST(AReplacedFace, MayBeOneOfTheDocument) {
+    Document document = read("<text font-family='A'>a</text><text font-family='B'>b</text>"
+                             "<text font-family='C'>c</text><text font-family='D'>d</text>");
+    for (RunId id = 1; id < document.runs().size(); ++id) {
+        document.replaceFace(id, document.face(0));
+    }
+    EXPECT_EQ(visibleRuns(document), "A/Regular:a|A/Regular:b|A/Regular:c|A/Regular:d");
+}
+
 TEST(AReplacedFace, OfRunsThatDifferIsToldApart) {
     Document document = read("<g font-family='Old'><text>a</text><text>b</text></g>");
     document.replaceFace(0, newFace("A"));

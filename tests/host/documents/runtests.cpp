@@ -54,7 +54,7 @@ const Case cases[] = {
     {"ReferencedText",
      "<defs><text id='t' font-family='B'>x<tspan>y</tspan></text></defs>"
      "<text font-family='A'>a<tref xlink:href='#t'/><tref xlink:href='#none'/>b</text>",
-     "B/Regular:xy|A/Regular:axyb"},
+     "A/Regular:axyb"},
     {"CdataAndEntities", "<text font-family='A'><![CDATA[<a>]]>&lt;&#98;&gt;<!-- c --></text>",
      "A/Regular:<a><b>"},
     {"HiddenTextDoesNotCount",
@@ -109,6 +109,17 @@ const Case cases[] = {
      "<g font-family='Y'><use xlink:href='#g'/><use href='#t'/></g>"
      "<style>.u{font-family:Z;font-weight:300}</style><use class='u' href='#s'/>",
      "X/Bold:a|Y/Italic:b|N/Bold:c|Z/Light:d"},
+    {"UsesShowWhatOnlyItsSurroundingsHide",
+     "<g display='none'><text id='t' font-family='A'>a</text><text font-family='X'>x</text></g>"
+     "<use href='#t'/><g style='visibility:hidden;font-style:italic'><g><text id='u' "
+     "font-family='B'>b</text></g></g><g font-weight='bold'><use href='#u'/></g>"
+     "<text id='v' font-family='C' display='none'>c</text><use href='#v'/>"
+     "<g display='none'><text id='w' font-family='D'>d</text><use href='#w'/></g>"
+     "<use href='#e'/><g font-style='italic'><text id='e' font-family='E'>e</text></g>"
+     "<switch><g/><g font-family='F'><text id='f'>f</text></g></switch><g font-family='G'>"
+     "<use href='#f'/></g><g visibility='hidden' font-family='H'><text id='h' "
+     "visibility='visible'>h</text><use href='#h'/></g>",
+     "A/Regular:a|B/Bold:b|E/Italic:e|G/Regular:f|H/Regular:h"},
     {"UsesInACircle",
      "<defs><g id='a'><use href='#b'/><text font-family='A'>a</text></g><g id='b' "
      "font-weight='bold'><use href='#a'/><text>b</text></g></defs>"
