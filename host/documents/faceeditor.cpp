@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Decides which edits put the replaced faces of a document into its source, and checks the result
 // by reading it again: what came out in another face than it should is edited in the careful way
-// instead, by a span around each replaced piece.
+// instead, by a span around each replaced piece. Where the drawing's own rules would catch a span,
+// the element around the piece is changed, and what else it holds is given its old face.
 #include "host/documents/faceeditor.h"
 
 #include "host/documents/facedtext.h"
 #include "host/documents/faceedits.h"
+#include "host/documents/spanrules.h"
 #include "host/documents/svgdrawing.h"
 
 #include <algorithm>
@@ -90,8 +92,9 @@ private:
     /// From now on edits in the careful way the pieces that came out wrong; all of them when that
     /// cannot help, since some other text came out wrong.
     void beCareful(const std::vector<std::size_t>& wrong, bool all) {
-        all = all || std::any_of(wrong.begin(), wrong.end(),
-                                 [this](std::size_t piece) { return wanted_[piece] == nullptr; });
+        all = all || spansAreCaught() ||
+              std::any_of(wrong.begin(), wrong.end(),
+                          [this](std::size_t piece) { return wanted_[piece] == nullptr; });
         if (all) {
             careful_.assign(careful_.size(), true);
         }
@@ -182,6 +185,7 @@ private:
 
     std::string edit() {
         FaceEdits edits(source_, drawing_.tree, drawing_.styles, unicode_);
+        done_.assign(wanted_.size(), false);
         std::map<DeclarationKey, Use> uses;
         for (std::size_t i = 0; i < wanted_.size(); ++i) {
             for (const Property property : faceProperties) {
@@ -213,10 +217,10 @@ private:
             }
         }
         for (std::size_t i = 0; i < left.size(); ++i) {
-            if (!left[i].empty()) {
+            if (!left[i].empty() && !done_[i]) {
                 editElement(edits, left, i);
             }
-            if (wanted_[i] != nullptr && careful_[i]) {
+            if (!done_[i] && wanted_[i] != nullptr && careful_[i]) {
                 editCarefully(edits, i);
             }
         }
@@ -272,7 +276,95 @@ private:
             drawing_.tree.elements[piece.element].tagStart == noPlace) {
             fail("text that stands in an entity cannot be given another font");
         }
-        edits.wrap(piece, values, important);
+        if (spansAreCaught()) {
+            giveToElement(edits, number, values, important);
+        } else {
+            edits.wrap(piece, values, important);
+        }
+    }
+
+    bool spansAreCaught() {
+        if (!spansAreCaught_) {
+            spansAreCaught_ =
+                std::any_of(drawing_.tree.sheets.begin(), drawing_.tree.sheets.end(),
+                            [](const Sheet& sheet) { return css::hasRulesForSpans(sheet.text); });
+        }
+        return *spansAreCaught_;
+    }
+
+    /// Gives values to the element of a piece, and the old ones to the elements within it whose
+    /// text is not replaced.
+    void giveToElement(FaceEdits& edits, std::size_t number, const FaceEdits::Values& values,
+                       bool important) {
+        const ElementId id = drawing_.tree.pieces[number].element;
+        const Element& element = drawing_.tree.elements[id];
+        for (std::size_t i = element.firstPiece; i < element.pieceEnd; ++i) {
+            if (drawing_.tree.pieces[i].element == id && counts(drawing_, i)) {
+                if (wanted_[i] == nullptr || *wanted_[i] != *wanted_[number]) {
+                    fail("text beside other text cannot be given another font: the drawing's style "
+                         "sheets have rules that would catch the span around it");
+                }
+                done_[i] = true;
+            }
+        }
+        important = important || std::any_of(values.begin(), values.end(), [&](const auto& item) {
+                        return styleOf(number).origin(item.first).important;
+                    });
+        edits.addToElement(id, values, important);
+        for (ElementId inner = id + 1; inner < element.subtreeEnd;
+             inner = drawing_.tree.elements[inner].subtreeEnd) {
+            if (keepsFaces(inner)) {
+                restore(edits, id, inner, values);
+            }
+        }
+    }
+
+    /// Whether an element holds text that is not replaced, and none of its own that is.
+    bool keepsFaces(ElementId id) const {
+        const Element& element = drawing_.tree.elements[id];
+        bool keeps = false;
+        for (std::size_t i = element.firstPiece; i < element.pieceEnd; ++i) {
+            if (wanted_[i] == nullptr) {
+                keeps = keeps || counts(drawing_, i);
+            } else if (drawing_.tree.pieces[i].element == id) {
+                return false; // which is edited itself
+            }
+        }
+        return keeps;
+    }
+
+    /// Declares in an element what it has inherited through one further out.
+    void restore(FaceEdits& edits, ElementId outer, ElementId id, const FaceEdits::Values& values) {
+        const Style& style = drawing_.styles.elements[id];
+        FaceEdits::Values old;
+        for (const auto& item : values) {
+            const Property property = item.first;
+            if (!declaredInside(outer, style.origin(property))) {
+                old.emplace(property, oldValue(property, style));
+            }
+        }
+        if (!old.empty() && drawing_.tree.elements[id].tagStart == noPlace) {
+            fail("text that stands in an entity cannot keep its font");
+        }
+        if (!old.empty()) {
+            edits.addToElement(id, old, false);
+        }
+    }
+
+    NewValue oldValue(Property property, const Style& style) const {
+        if (property != Property::Family && property != Property::Hint) {
+            return {{}, false, style.value(property)};
+        }
+        const auto names = css::readFamilies(drawing_.styles.texts[style.value(property)]);
+        if (names.empty()) {
+            return {};
+        }
+        // A hint without quotes looks like a list.
+        NewValue value{names.front().name, names.front().generic, 0};
+        for (std::size_t i = 1; property == Property::Hint && i < names.size(); ++i) {
+            value.family.append(", ").append(names[i].name);
+        }
+        return value;
     }
 
     void editCarefully(FaceEdits& edits, std::size_t number) {
@@ -300,6 +392,8 @@ private:
     std::vector<const Face*> wanted_; ///< by piece
     std::vector<bool> careful_;       ///< by piece
     std::vector<bool> shared_;        ///< by element: holds text that must keep its face
+    std::vector<bool> done_;          ///< by piece: edited with its element
+    std::optional<bool> spansAreCaught_;
 };
 
 } // namespace

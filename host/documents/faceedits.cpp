@@ -89,7 +89,7 @@ std::string FaceEdits::valueText(Property property, const NewValue& value,
     static constexpr std::array<std::string_view, 3> slants{"normal", "italic", "oblique"};
     switch (property) {
     case Property::Family:
-        return familyText(value, context, true);
+        return value.family.empty() ? "initial" : familyText(value, context, true);
     case Property::Hint:
         return css::quoted(value.family, context.cssQuote(), !unicode_);
     case Property::Slant:

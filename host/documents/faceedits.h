@@ -17,7 +17,8 @@ namespace host::svg {
 
 /// What one property of some text is to become.
 struct NewValue {
-    std::string family; ///< Property::Family: the family; Property::Hint: the hint's text
+    /// Property::Family: the family, empty for the initial one; Property::Hint: the hint's text.
+    std::string family;
     bool generic = false;
     std::uint32_t number = 0; ///< of the other properties, as in Style::values
 

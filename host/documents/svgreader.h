@@ -29,10 +29,9 @@ struct SvgOptions {
 ///   layer of its own, which has no name.
 /// - A text frame is a `text` or `flowRoot` element. Text in foreign objects, titles and metadata
 ///   is none.
-/// - Text with display:none, visibility:hidden or font-size:0 is not visible. What an element
-/// around
-///   a text hides, a `use` of the text itself shows nevertheless. Of a `switch` the first child is
-///   visible that can be shown and that is in the user's language or in no one's.
+/// - Text with display:none, visibility:hidden or font-size:0 is not visible. What only an element
+///   around it hides, a `use` of the text itself shows all the same. Of a `switch` the first child
+///   is visible that can be shown and that is in the user's language or in no one's.
 /// - Text in `defs`, `symbol`, `clipPath` and the like is not visible, unless it or the element
 ///   that holds it is referenced by its id from what is visible itself, or from any style sheet. A
 ///   `tref` takes the characters of a text alone, so it shows no other one. Shown by a `use`, a

@@ -2,6 +2,7 @@
 // Writing names the way style sheets can read them back.
 #include "host/documents/css.h"
 #include "host/documents/fontvalues.h"
+#include "host/documents/spanrules.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,23 @@ TEST(ABlock, IsSeparatedFromWhatFollowsItOrNot) {
     }
     for (const char* text : {"a:b", "a:';", "a:b\\;", "a:(;", "a:b/*;*/", ";a"}) {
         EXPECT_FALSE(endsSeparated(text)) << text;
+    }
+}
+
+TEST(ARule, CatchesSpansOrDoesNot) {
+    for (const char* sheet :
+         {"tspan{fill:red}", "a{} b, .x > s|flowSpan {fill:red}", "/*a*/*{a:b}",
+          "tspan{font:1px A}", "@media print{@supports(a:b){text *{a:b}}}", "tspan.a+tspan.b{a:b}",
+          "@import 'x';.a:first-child{a:b}", "[style*='x']{a:b}", "} ;tspan{font-weight:bold;a:b",
+          "tspan{x{a:b}}"}) {
+        EXPECT_TRUE(hasRulesForSpans(sheet)) << sheet;
+    }
+    for (const char* sheet :
+         {"", "text{fill:red}", "tspan{font-weight:bold;font-family:A}",
+          "tspan.a, .b,#c, t[d],[style][e]{a:b}", "tspan text{a:b}", "/*tspan{a:b}*/",
+          "a{b:'tspan{c:d}'}", "@font-face{font-family:A;src:url(x)}", ":root{--a:b}",
+          "text:hover,g+text{a:b}", "{", "@"}) {
+        EXPECT_FALSE(hasRulesForSpans(sheet)) << sheet;
     }
 }
 

@@ -154,6 +154,32 @@ const Case cases[] = {
      "Old",
      "<text id='t' font-family='B'>x</text><text font-family='New Sans'><tref "
      "xlink:href='#t'/></text>"},
+    {"RulesThatWouldCatchASpanSpareIt",
+     "<style>tspan{fill:red;font-size:50px}</style><g font-family='Old, serif'><text>a<tspan "
+     "font-weight='bold'>b</tspan>c<tspan>d<tspan font-family='X' style='font-weight:300'>e"
+     "</tspan></tspan></text></g>",
+     "Old/Regular",
+     "<style>tspan{fill:red;font-size:50px}</style><g font-family='Old, serif'><text style=\""
+     "font-family:'New Sans', serif\">a<tspan font-weight='bold' style=\"font-family:'Old', serif"
+     "\">b</tspan>c<tspan style=\"font-family:'New Sans', serif\">d<tspan font-family='X' "
+     "style='font-weight:300'>e</tspan></tspan></text></g>"},
+    {"RulesThatWouldCatchASpanSpareItWhenCareful",
+     "<style>*{fill:red} text[style]{font-style:italic}</style><text font-family='Old'>a<tspan "
+     "font-weight='bold'>b</tspan></text>",
+     "Old/Regular",
+     "<style>*{fill:red} text[style]{font-style:italic}</style><text font-family='Old' style=\""
+     "font-family:'New Sans' !important;font-style:normal !important;font-weight:normal !important;"
+     "font-stretch:normal !important\">a<tspan font-weight='bold' style=\"font-family:'Old';"
+     "font-style:normal;font-stretch:normal\">b</tspan></text>"},
+    {"HintsStayWhereRulesSpareASpan",
+     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-specification:'Old, "
+     "Bold'\">"
+     "a<tspan font-weight='bold'>b</tspan></text>",
+     "Old/Regular",
+     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-specification:'Old, Bold';"
+     "font-family:'New Sans';-inkscape-font-specification:'New Sans, Normal'\">a<tspan font-weight="
+     "'bold' style=\"font-family:'Old';-inkscape-font-specification:'Old, "
+     "Bold'\">b</tspan></text>"},
     {"SelectorsThatWouldCatchTheSpanMakeItCareful",
      "<style>tspan{font-weight:bold}</style><text font-family='Old'>a<tspan>b</tspan></text>",
      "Old/Regular",
@@ -225,6 +251,18 @@ TEST(AReplacedFace, OfRunsThatDifferIsToldApart) {
     document.replaceFace(0, newFace("A"));
     document.replaceFace(1, newFace("B"));
     EXPECT_EQ(visibleRuns(readSvg(saved(document), "x.svg")), "A/Regular:a|B/Regular:b");
+}
+
+TEST(AReplacedFace, IsRefusedWhereOnlyASpanWouldDoThatRulesWouldCatch) {
+    Document document = read("<style>tspan{fill:red}</style><text font-family='Old'>a<tspan "
+                             "font-weight='bold'>b</tspan>c</text>");
+    document.replaceFace(0, newFace());
+    try {
+        saved(document);
+        ADD_FAILURE();
+    } catch (const DocumentError& error) {
+        EXPECT_NE(std::string(error.what()).find("would catch the span"), std::string::npos);
+    }
 }
 
 TEST(AReplacedFace, InAnEntityIsRefusedAndTheFileKept) {
