@@ -52,7 +52,8 @@ ContainerId resolve(Library& library, const Activation& activation, const std::s
     return families.front();
 }
 
-std::vector<ContainerId> resolveActive(const Activation& activation, const std::string& name) {
+std::vector<ContainerId> resolveActive(const Places& places, const Activation& activation,
+                                       const std::string& name) {
     if (const auto id = toContainerId(name)) {
         return {*id};
     }
@@ -60,6 +61,17 @@ std::vector<ContainerId> resolveActive(const Activation& activation, const std::
     for (const ActiveContainer& container : activation.active(warn)) {
         if (nameKey(container.name) == nameKey(name)) {
             ids.push_back(container.id);
+        }
+    }
+    if (ids.empty()) {
+        // A collection goes by the name of its file; its families only the library knows.
+        bool emptied = false;
+        const auto library = openForUse(places, &emptied);
+        for (const ContainerId id : library->findContainers(name)) {
+            if (const auto container = library->container(id);
+                container && activation.isActive(*container)) {
+                ids.push_back(id);
+            }
         }
     }
     if (ids.empty()) {
@@ -89,9 +101,11 @@ int finish(const Places& places, Activation& activation,
             status = exitFailure;
         }
     }
+    std::fflush(stdout);
     if (changed) {
-        std::fflush(stdout);
         postLibraryChanged();
+    }
+    if (activation.isUnsettled()) { // also by what was put in place and taken away again
         std::this_thread::sleep_for(std::chrono::milliseconds(1100));
         activation.settle();
     }
@@ -128,9 +142,13 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
             ids.push_back(container.id);
         }
     }
+    std::set<ContainerId> known(ids.begin(), ids.end());
     for (const std::string& name : names) {
-        const auto named = resolveActive(activation, name);
-        ids.insert(ids.end(), named.begin(), named.end());
+        for (const ContainerId id : resolveActive(places, activation, name)) {
+            if (known.insert(id).second) {
+                ids.push_back(id);
+            }
+        }
     }
     std::vector<std::string> texts;
     texts.reserve(ids.size());

@@ -21,6 +21,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 extern char** environ; // NOLINT(readability-redundant-declaration)
 
@@ -245,6 +246,19 @@ public:
         }
     }
 
+    /// Settles what run() left unsettled; up to settleDelay later, and needs no bus.
+    void settle() {
+        Activation& activation = server_.activation();
+        if (!activation.isUnsettled()) {
+            return;
+        }
+        settleTimer_.startUnlessRunning(settleDelay);
+        while (!settleTimer_.takeExpired()) {
+            poll(nullptr, 0, settleTimer_.shorten(-1));
+        }
+        activation.settle();
+    }
+
 private:
     void waitForAnything() {
         std::array<pollfd, 3> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
@@ -299,19 +313,21 @@ private:
 int serveCommand(const Places& places, bool verbose) {
     Descriptor signals = readSignals();
     // The signature first: whoever launched this process sees it, and its events wait for us.
-    const Registration registration;
-    if (registration.status() == kPLAlreadyRunningErr) {
+    std::optional<Registration> registration(std::in_place);
+    if (registration->status() == kPLAlreadyRunningErr) {
         warn("a server is running already");
         return exitSuccess;
     }
-    if (registration.status() != noErr) {
+    if (registration->status() != noErr) {
         throw Error("serve: the session bus cannot be reached (status " +
-                    std::to_string(registration.status()) + ")");
+                    std::to_string(registration->status()) + ")");
     }
     makeFolders(places.own());
     recordDeed(places, Deed::started, "server started, process " + std::to_string(getpid()));
     Loop loop(places, verbose, std::move(signals));
     loop.run();
+    registration.reset(); // another server may begin: the rest is done on the disk alone
+    loop.settle();
     recordDeed(places, Deed::stopped, "server stopped");
     return exitSuccess;
 }

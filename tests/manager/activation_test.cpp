@@ -354,11 +354,11 @@ TEST_F(AnActivation, TouchesTheFolderAfterwardsForProgramsThatCompareSeconds) {
 }
 
 TEST_F(AnActivation, IsUnsettledAgainAfterAProcessThatDidNotSettle) {
-    for (const bool killed : {true, false}) {
+    for (const bool expected : {false, true}) {
         Activation activation(sandbox_.places());
         const auto ignore = [](const std::string&) {};
-        activation.recover(ignore); // finds the first round's
-        EXPECT_EQ(activation.isUnsettled(), !killed);
+        activation.recover(ignore); // the second round's finds what the first left
+        EXPECT_EQ(activation.isUnsettled(), expected);
         activation.settle();
         activation.recover(ignore);
         EXPECT_FALSE(activation.isUnsettled());

@@ -259,21 +259,27 @@ TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
     }));
 }
 
-TEST_F(TheProgram, RunsOnceAndEndsWhenToldTo) {
+TEST_F(TheProgram, RunsOnceAndEndsSettledWhenToldTo) {
     const std::vector<std::pair<const char*, std::function<void()>>> ways = {
         {"quit", [&] { EXPECT_EQ(glyphora({"quit"}).status, 0); }},
         {"SIGTERM", [&] { kill(server_->process(), SIGTERM); }},
         {"SIGINT", [&] { kill(server_->process(), SIGINT); }},
         {"the bus", [&] { bus_.stop(); }},
     };
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    const std::string sets = sandbox_.places().fonts();
     for (const auto& [name, end] : ways) {
+        std::filesystem::remove_all(sets + "/1");
         serve();
+        EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1") << name;
         const Ending second = glyphora({"serve"});
         EXPECT_EQ(second.status, 0) << name;
         EXPECT_THAT(second.output, HasSubstr("a server is running already"));
         end();
         const Ending ending = server_->wait();
         EXPECT_EQ(ending.status, 0) << name << ": " << ending.output;
+        // Nothing is noted as under way.
+        EXPECT_TRUE(std::filesystem::is_empty(sets + "/.staging")) << name;
     }
     EXPECT_EQ(glyphora({"quit"}).status, 1);
 }
@@ -295,6 +301,9 @@ TEST_F(TheProgram, TakesUpAfterBeingKilled) {
 
 TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     sandbox_.write("fonts/bad.otf", "bad");
+    sandbox_.write("fonts/pair.ttc",
+                   makeCollection({{"Pair", "Regular", "Pair", "", "", true, {}},
+                                   {"Pair", "Bold", "Pair-Bold", "", "", true, {}}}));
     const Ending added = glyphora({"add", sandbox_.library()});
     EXPECT_THAT(added.output, HasSubstr("glyphora: " + sandbox_.library() + "/fonts/bad.otf: "));
     EXPECT_EQ(glyphora({"activate", "Lato-Bold"}).status, 0);
@@ -332,6 +341,9 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"activate", "Nobody"}, 1, "Nobody: no container"},
         {{"activate", "77"}, 1, "container 77: not in the library"},
         {{"deactivate", "77"}, 1, "container 77: is not active"},
+        {{"deactivate", "Pair"}, 1, "Pair: no active container"},
+        {{"activate", "Pair"}, 0, "activated pair.ttc (container 2, "},
+        {{"deactivate", "2", "1", "PAIR", "lato & co"}, 0, "deactivated container 2\ndeactivated"},
         {{"serve", "x"}, 2, "x"},
     };
     for (const auto& [arguments, expected, message] : cases) {
