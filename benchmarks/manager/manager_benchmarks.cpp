@@ -193,9 +193,8 @@ BENCHMARK(scanTheMachinesFontsAgain)->Unit(benchmark::kMillisecond)->UseRealTime
 void openAndCheckTheIndex(benchmark::State& state) {
     LargeLibrary& large = largeLibrary();
     for (auto _ : state) {
-        bool emptied = false;
         benchmark::DoNotOptimize(
-            openLibrary(large.temporary.places(), &emptied, [](const std::string&) {}));
+            openLibrary(large.temporary.places(), {}, [](const std::string&) {}));
     }
 }
 BENCHMARK(openAndCheckTheIndex)->Unit(benchmark::kMillisecond);

@@ -95,7 +95,7 @@ int finish(const Places& places, Activation& activation,
         }
         if (success || outcomeChanged) { // also what was done in part
             recordDeed(places, Deed::done, texts[i]);
-            std::puts(texts[i].c_str());
+            printLine(texts[i]);
         }
         if (!success) {
             status = exitFailure;
@@ -115,8 +115,7 @@ int finish(const Places& places, Activation& activation,
 } // namespace
 
 int activateCommand(const Places& places, const std::vector<std::string>& names) {
-    bool emptied = false;
-    const auto library = openForUse(places, &emptied);
+    const auto library = openScanned(places);
     Activation activation(places);
     std::vector<ContainerFonts> fonts;
     std::vector<std::string> texts;
@@ -159,8 +158,7 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
 }
 
 int statusCommand(const Places& places, bool json) {
-    bool emptied = false;
-    const auto library = openForUse(places, &emptied);
+    const auto library = openScanned(places);
     const Activation activation(places);
     const auto server = findServer();
     const auto folders = readFolders(places);
@@ -191,7 +189,8 @@ int statusCommand(const Places& places, bool json) {
     std::printf("active: %s\n",
                 counted(static_cast<std::int64_t>(active.size()), "container").c_str());
     for (const ActiveContainer& container : active) {
-        std::printf("%6s  %s, %s\n", toText(container.id).c_str(), container.name.c_str(),
+        std::printf("%6s  %s, %s\n", toText(container.id).c_str(),
+                    printable(container.name).c_str(),
                     counted(static_cast<std::int64_t>(container.files), "file").c_str());
     }
     return exitSuccess;
@@ -201,7 +200,7 @@ int historyCommand(const Places& places, bool all, bool json) {
     const auto entries = readHistory(places, all);
     if (!json) {
         for (const PastDeed& entry : entries) {
-            std::puts(lineText(entry).c_str());
+            printLine(lineText(entry));
         }
         return exitSuccess;
     }

@@ -6,9 +6,12 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/server.h"
+#include "manager/library/error.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <exception>
 #include <functional>
 
@@ -128,13 +131,24 @@ private:
     Action action_;
 };
 
+// What was asked for is not done before it is written.
+void finishOutput() {
+    errno = 0;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        throw errno != 0 ? systemError("standard output", "cannot be written", errno)
+                         : Error("standard output: cannot be written");
+    }
+}
+
 } // namespace
 
 int runCommandLine(int argc, char** argv) {
     // A reader that went away is met as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        return CommandLine().run(argc, argv);
+        const int status = CommandLine().run(argc, argv);
+        finishOutput();
+        return status;
     } catch (const std::exception& error) {
         warn(error.what());
         return exitFailure;

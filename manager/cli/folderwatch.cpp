@@ -2,50 +2,116 @@
 // inotify watches, one per folder.
 #include "manager/cli/folderwatch.h"
 
+#include "manager/library/fontfile.h"
+
+#include <algorithm>
 #include <array>
-#include <cstdint>
+#include <cerrno>
 #include <cstring>
-#include <string_view>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace manager {
 
 namespace {
 
-constexpr std::uint32_t heardEvents = IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM |
-                                      IN_DELETE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+constexpr std::uint32_t contentEvents = IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM |
+                                        IN_DELETE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+constexpr std::uint32_t arrivalEvents =
+    IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+constexpr std::uint32_t appearance = IN_CREATE | IN_MOVED_TO;
+
+bool isLink(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
 
 } // namespace
 
 FolderWatch::FolderWatch(const Places& places)
-    : own_(places.own()), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
-      ownWatch_(inotify_ ? inotify_add_watch(inotify_.get(), own_.c_str(), IN_MOVED_TO) : -1) {}
+    : own_(places.own()), list_(nameOf(places.folders())),
+      inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    watch({}, {});
+}
 
-FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders) {
-    std::map<std::string, int> wanted;
+// nullptr: it cannot be watched. A folder that is watched already keeps its watch.
+FolderWatch::Interest* FolderWatch::add(Interests& interests, const std::string& path,
+                                        std::uint32_t events) const {
+    const int id = inotify_ ? inotify_add_watch(inotify_.get(), path.c_str(),
+                                                events | IN_ONLYDIR | IN_MASK_ADD)
+                            : -1;
+    return id < 0 ? nullptr : &interests.try_emplace(id, Interest{path, false, {}}).first->second;
+}
+
+// A folder does not hear that one above it is moved, so those are asked themselves. When it is away
+// the nearest folder above it that there is hears of the next step of its return.
+void FolderWatch::addWay(Interests& interests, const std::string& root) const {
+    bool here = folders_.contains(root);
+    for (std::string path = root; path != "/";) {
+        const std::string name = nameOf(path);
+        path = folderOf(path);
+        Interest* interest = add(interests, path, here ? IN_MOVE_SELF : arrivalEvents);
+        if (interest != nullptr && !here) {
+            interest->names.insert(name);
+            here = true;
+        }
+    }
+}
+
+FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
+                                       const std::vector<std::string>& roots) {
+    Interests wanted;
     Result result;
+    folders_.clear();
     for (const std::string& folder : folders) {
-        // Adding a folder that is watched already gives its watch again.
-        const int id =
-            inotify_ ? inotify_add_watch(inotify_.get(), folder.c_str(), heardEvents) : -1;
-        if (id < 0) {
-            ++result.missed;
-            continue;
-        }
-        wanted.emplace(folder, id);
-        const auto known = watches_.find(folder);
-        if (known == watches_.end() || known->second != id) {
-            ++result.added; // new, or another folder of the same name
-        } else {
-            watches_.erase(known);
+        if (Interest* interest = add(wanted, folder, contentEvents)) {
+            interest->contents = true;
+            folders_.insert(folder);
+        } else if (!inotify_ || errno != ENOENT) {
+            ++result.missed; // one that is gone is of no interest
         }
     }
-    for (const auto& [folder, id] : watches_) {
-        inotify_rm_watch(inotify_.get(), id);
+    for (const std::string& root : roots) {
+        addWay(wanted, root);
     }
-    watches_ = std::move(wanted);
+    if (Interest* own = add(wanted, own_, IN_MOVED_TO)) {
+        own->names.insert(list_);
+    }
+    for (const auto& [id, interest] : wanted) {
+        const auto known = interests_.find(id);
+        const bool same = known != interests_.end() && known->second.path == interest.path &&
+                          known->second.contents >= interest.contents &&
+                          std::includes(known->second.names.begin(), known->second.names.end(),
+                                        interest.names.begin(), interest.names.end());
+        result.added += same ? 0 : 1;
+    }
+    for (const auto& [id, interest] : interests_) {
+        if (!wanted.contains(id)) {
+            inotify_rm_watch(inotify_.get(), id);
+        }
+    }
+    interests_ = std::move(wanted);
     return result;
+}
+
+bool FolderWatch::isOfInterest(const Interest& interest, std::uint32_t events,
+                               std::string_view name) const {
+    if (name.empty()) { // of the folder itself
+        return interest.contents || (events & IN_ATTRIB) == 0;
+    }
+    if (interest.names.contains(std::string(name))) {
+        return true;
+    }
+    if (!interest.contents || name.front() == '.') {
+        return false;
+    }
+    if ((events & IN_ISDIR) != 0 || hasFontFileName(name)) {
+        return true;
+    }
+    // Left are links to folders.
+    const std::string path = interest.path + "/" + std::string(name);
+    return folders_.contains(path) || ((events & appearance) != 0 && isLink(path));
 }
 
 bool FolderWatch::drain() {
@@ -60,11 +126,12 @@ bool FolderWatch::drain() {
             inotify_event event{};
             std::memcpy(&event, block.data() + position, sizeof event);
             const char* name = block.data() + position + sizeof event;
-            if (event.wd != ownWatch_) {
-                heard = heard || (event.mask & IN_IGNORED) == 0;
-            } else if (event.len > 0 && std::string_view(name) == "folders") {
-                heard = true;
-            }
+            const auto interest = interests_.find(event.wd);
+            const bool lost = (event.mask & IN_Q_OVERFLOW) != 0;
+            const bool ended = (event.mask & IN_IGNORED) != 0;
+            heard = heard || lost ||
+                    (!ended && interest != interests_.end() &&
+                     isOfInterest(interest->second, event.mask, event.len > 0 ? name : ""));
             position += static_cast<ssize_t>(sizeof event + event.len);
         }
     }

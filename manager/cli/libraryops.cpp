@@ -4,6 +4,7 @@
 
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
+#include "manager/cli/knownsets.h"
 #include "manager/library/folders.h"
 
 #include <algorithm>
@@ -21,12 +22,13 @@ FontReaderLimits readerLimits() {
     return limits;
 }
 
-// Comes before anything that connects to the bus: the readers are forked.
+// Comes before anything that connects to the bus: the readers are forked. exitFailure when a
+// recorded folder could not be read.
 int scan(const Places& places, bool quiet, bool changedAlready) {
     makeFolders(places.own());
     const FileLock lock(places.scanLock());
-    bool emptied = false;
-    const auto library = openForUse(places, &emptied);
+    const auto library = openForUse(places);
+    const bool owed = library->isScanOwed();
     const std::vector<std::string> folders = readFolders(places);
     const bool showProgress = !quiet && isatty(STDERR_FILENO) != 0;
     UpdateProgress progress;
@@ -50,22 +52,33 @@ int scan(const Places& places, bool quiet, bool changedAlready) {
                     counted(static_cast<std::int64_t>(report.read), "font file").c_str(),
                     report.unchanged, report.removed);
     }
-    if (report.changed() || emptied || changedAlready) {
+    if (report.changed() || owed || changedAlready) {
         postLibraryChanged();
     }
-    return exitSuccess;
+    return report.unreadFolders == 0 ? exitSuccess : exitFailure;
 }
 
 } // namespace
 
-std::unique_ptr<Library> openForUse(const Places& places, bool* emptied) {
-    return openLibrary(places, emptied, warn);
+std::unique_ptr<Library> openForUse(const Places& places) {
+    return openLibrary(
+        places, [&] { return containersOnDisk(places); }, warn);
+}
+
+std::unique_ptr<Library> openScanned(const Places& places) {
+    auto library = openForUse(places);
+    if (library->isScanOwed()) {
+        library.reset();
+        scan(places, true, false);
+        library = openForUse(places);
+    }
+    return library;
 }
 
 int addCommand(const Places& places, const std::vector<std::string>& folders) {
     const auto added = addFolders(places, folders);
     for (const std::string& folder : added) {
-        std::printf("added %s\n", folder.c_str());
+        printLine("added " + folder);
     }
     return scan(places, false, !added.empty());
 }
@@ -73,9 +86,10 @@ int addCommand(const Places& places, const std::vector<std::string>& folders) {
 int removeCommand(const Places& places, const std::vector<std::string>& folders) {
     const auto removed = removeFolders(places, folders);
     for (const std::string& folder : removed) {
-        std::printf("removed %s\n", folder.c_str());
+        printLine("removed " + folder);
     }
-    return scan(places, false, !removed.empty());
+    scan(places, false, !removed.empty()); // what it meets in other folders is no fault of this
+    return exitSuccess;
 }
 
 int scanCommand(const Places& places, bool quiet) {
@@ -83,16 +97,7 @@ int scanCommand(const Places& places, bool quiet) {
 }
 
 int listCommand(const Places& places, Listing listing) {
-    bool emptied = false;
-    {
-        const auto library = openForUse(places, &emptied);
-        if (!emptied) {
-            printLibrary(*library, Activation(places), readFolders(places), listing);
-            return exitSuccess;
-        }
-    }
-    scan(places, true, true);
-    const auto library = openForUse(places, &emptied);
+    const auto library = openScanned(places);
     printLibrary(*library, Activation(places), readFolders(places), listing);
     return exitSuccess;
 }

@@ -18,15 +18,16 @@ void printFolders(Library& library, const std::vector<std::string>& folders) {
         if (counts.problems != 0) {
             line += ", " + counted(counts.problems, "bad file");
         }
-        std::puts(line.c_str());
+        printLine(line);
     }
 }
 
 void printContainers(Library& library, const Activation& activation) {
     for (const Container& container : library.containers()) {
         std::printf("%6s  %-8s  %s, %s, %s\n", toText(container.id).c_str(),
-                    activation.isActive(container) ? "active" : "inactive", container.name.c_str(),
-                    counted(container.faces, "face").c_str(), container.path().c_str());
+                    activation.isActive(container) ? "active" : "inactive",
+                    printable(container.name).c_str(), counted(container.faces, "face").c_str(),
+                    printable(container.path()).c_str());
     }
 }
 
@@ -56,8 +57,34 @@ void printAll(Library& library, const Activation& activation,
 
 } // namespace
 
-void warn(const std::string& text) {
-    std::fprintf(stderr, "glyphora: %s\n", text.c_str());
+std::string printable(std::string_view text) {
+    static constexpr std::string_view digits = "0123456789abcdef";
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        // U+0080 to U+009F, of which some terminals take orders too.
+        const bool upper = byte == 0xC2 && i + 1 < text.size() &&
+                           (static_cast<unsigned char>(text[i + 1]) & 0xE0U) == 0x80U;
+        if (byte == '\n') {
+            result += "\\n";
+        } else if (byte == '\t') {
+            result += "\\t";
+        } else if (upper || byte < 0x20 || byte == 0x7F) {
+            const auto code = upper ? static_cast<unsigned char>(text[++i]) : byte;
+            result.append("\\x").append(1, digits[code >> 4U]).append(1, digits[code & 0xFU]);
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+void printLine(std::string_view text) {
+    std::puts(printable(text).c_str());
+}
+
+void warn(std::string_view text) {
+    std::fprintf(stderr, "glyphora: %s\n", printable(text).c_str());
 }
 
 std::string counted(std::int64_t number, std::string_view noun) {

@@ -12,8 +12,13 @@
 
 namespace manager {
 
-/// "glyphora: TEXT" on standard error.
-void warn(const std::string& text);
+/// `text` for a line that people read: control characters, which file names may hold, are written
+/// \n, \t and \xNN, so that they neither end the line nor steer a terminal.
+std::string printable(std::string_view text);
+
+/// A line on standard output, and "glyphora: TEXT" on standard error; both made printable.
+void printLine(std::string_view text);
+void warn(std::string_view text);
 
 enum class Listing { folders, containers, json };
 

@@ -6,6 +6,7 @@
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
 #include "manager/library/error.h"
+#include "manager/library/folders.h"
 
 #include <algorithm>
 #include <exception>
@@ -29,9 +30,9 @@ Server::Server(const Places& places, bool verbose)
 }
 
 void Server::openLibrary() {
-    bool emptied = false;
-    library_ = openForUse(places_, &emptied);
-    scanNeeded_ = scanNeeded_ || emptied;
+    library_.reset(); // its files may be those of an index that was moved aside
+    library_ = openForUse(places_);
+    scanNeeded_ = scanNeeded_ || library_->isScanOwed();
 }
 
 std::string Server::answer(std::string_view command) {
@@ -99,14 +100,15 @@ void Server::tellOthers() {
 
 bool Server::watchFolders(FolderWatch& watch) {
     try {
-        if (library_) {
-            const auto [added, missed] = watch.watch(library_->directories());
-            if (missed != 0) {
-                warn(counted(static_cast<std::int64_t>(missed), "folder") +
-                     " cannot be watched; run \"glyphora scan\" after changes there");
-            }
-            return added != 0;
+        if (!library_ || library_->isReplaced()) {
+            openLibrary();
         }
+        const auto [added, missed] = watch.watch(library_->directories(), readFolders(places_));
+        if (missed != 0) {
+            warn(counted(static_cast<std::int64_t>(missed), "folder") +
+                 " cannot be watched; run \"glyphora scan\" after changes there");
+        }
+        return added != 0;
     } catch (const Error& error) {
         warn(error.what());
     }

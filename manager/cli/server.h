@@ -25,13 +25,14 @@ public:
     /// Tells others of changes; to be called when no sender waits for an answer any more.
     void tellOthers();
 
-    /// Whether the folders are to be scanned because the index had to be begun anew; asked once.
+    /// Whether the folders are to be scanned because the index was begun anew; asked once.
     bool takeScanNeed() {
         const bool needed = scanNeeded_;
         scanNeeded_ = false;
         return needed;
     }
-    /// Watches the folders that the index knows by now. Whether there are new ones among them.
+    /// Watches the folders that the index knows by now, and for those recorded folders that are
+    /// away. Whether there is something new among them.
     bool watchFolders(FolderWatch& watch);
 
     [[nodiscard]] Activation& activation() { return activation_; }

@@ -116,7 +116,14 @@ public:
             due_ = Clock::now() + after;
         }
     }
-    void restart(std::chrono::milliseconds after) { due_ = Clock::now() + after; }
+    /// Starts anew, but puts what was due already off to `longest` from its first start at most.
+    void restart(std::chrono::milliseconds after, std::chrono::milliseconds longest) {
+        const auto now = Clock::now();
+        if (!due_) {
+            latest_ = now + longest;
+        }
+        due_ = std::min(now + after, latest_);
+    }
     bool takeExpired() {
         if (!due_ || *due_ > Clock::now()) {
             return false;
@@ -136,6 +143,7 @@ public:
 
 private:
     std::optional<Clock::time_point> due_;
+    Clock::time_point latest_;
 };
 
 /// What the event handlers reach through their reference constant.
@@ -218,8 +226,10 @@ private:
 
 // Other programs compare times in whole seconds.
 constexpr std::chrono::milliseconds settleDelay{1100};
-// A copy of many files into a folder is scanned once it has come to rest.
+// A copy of many files into a folder is scanned once it has come to rest, or now and then while it
+// does not.
 constexpr std::chrono::milliseconds scanDelay{1000};
+constexpr std::chrono::milliseconds longestScanDelay{5000};
 
 class Loop {
 public:
@@ -232,6 +242,7 @@ public:
         const EventHandler quit(FourCharCode("aevt"), FourCharCode("quit"), handleQuit, &context);
         server_.watchFolders(watch_);
         scan_.start();
+        server_.takeScanNeed(); // met by this scan
         while (!context.quit) {
             waitForAnything();
             if (PLDispatchPendingEvents() < 0) {
@@ -284,10 +295,10 @@ private:
     void look() {
         // What changed in a new folder between its scan and its watch is found by another scan.
         if (scan_.hasEnded() && server_.watchFolders(watch_)) {
-            scanTimer_.restart(std::chrono::milliseconds(0));
+            scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
         }
         if (watch_.drain() || server_.takeScanNeed()) {
-            scanTimer_.restart(scanDelay);
+            scanTimer_.restart(scanDelay, longestScanDelay);
         }
         if (!scan_.isRunning() && scanTimer_.takeExpired()) {
             scan_.start();

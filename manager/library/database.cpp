@@ -2,6 +2,8 @@
 // SQLite calls with their errors turned into exceptions.
 #include "manager/library/database.h"
 
+#include <system_error>
+
 namespace manager {
 
 Statement::Statement(Database& database, const char* sql) : database_(&database) {
@@ -73,12 +75,12 @@ bool Statement::isNull(int column) const {
     return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
 }
 
-Database::Database(const std::string& path) : path_(path) {
+Database::Database(const std::string& path, MissingFile missing) : path_(path) {
     sqlite3* handle = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &handle,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE |
-                                         SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
+    const int create = missing == MissingFile::isMade ? SQLITE_OPEN_CREATE : 0;
+    const int code = sqlite3_open_v2(
+        path.c_str(), &handle,
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | create, nullptr);
     handle_.reset(handle);
     if (code != SQLITE_OK) {
         fail(code);
@@ -98,9 +100,15 @@ void Database::run(const char* sql) {
 }
 
 void Database::fail(int code) const {
-    const std::string text =
+    std::string text =
         path_ + ": " + (handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code));
     const int kind = code & 0xFF;
+    // Kept from an earlier call, and so of no meaning, with errors of other kinds.
+    const bool fromSystem = kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN || kind == SQLITE_FULL;
+    const int reason = handle_ && fromSystem ? sqlite3_system_errno(handle_.get()) : 0;
+    if (reason != 0) {
+        text.append(": ").append(std::generic_category().message(reason));
+    }
     if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
         throw DamagedDatabase(text);
     }

@@ -59,17 +59,20 @@ private:
     Statement& statement_;
 };
 
+/// What to do when there is no such file.
+enum class MissingFile { isMade, isAnError };
+
 /// One connection; used from one thread. Waits up to ten seconds for another writer.
 class Database {
 public:
-    /// Throws Error; DamagedDatabase when the file is none. The file is made when missing.
-    explicit Database(const std::string& path);
+    /// Throws Error; DamagedDatabase when the file is none.
+    explicit Database(const std::string& path, MissingFile missing = MissingFile::isMade);
 
     void run(const char* sql);
     [[nodiscard]] std::int64_t lastRow() const { return sqlite3_last_insert_rowid(handle_.get()); }
     [[nodiscard]] const std::string& path() const { return path_; }
     [[nodiscard]] sqlite3* handle() const { return handle_.get(); }
-    /// Throws the error of a call that did not succeed.
+    /// Throws the error of a call that did not succeed, with the system's reason where it has one.
     [[noreturn]] void fail(int code) const;
 
 private:

@@ -39,11 +39,6 @@ std::string canonical(const std::string& folder) {
     return path.string();
 }
 
-bool liesUnder(std::string_view path, std::string_view folder) {
-    return path == folder || folder == "/" ||
-           (path.starts_with(folder) && path.size() > folder.size() && path[folder.size()] == '/');
-}
-
 // Two commands may run at a time; the list is read and replaced under this lock.
 FileLock lockFolders(const Places& places) {
     makeFolders(places.own());
@@ -76,6 +71,13 @@ std::vector<std::string> readFolders(const Places& places) {
 std::vector<std::string> addFolders(const Places& places, std::span<const std::string> folders) {
     std::vector<std::string> paths;
     std::transform(folders.begin(), folders.end(), std::back_inserter(paths), canonical);
+    std::error_code code;
+    const std::string active = std::filesystem::weakly_canonical(places.fonts(), code).string();
+    for (const std::string& path : paths) {
+        if (!code && liesUnder(path, active)) {
+            throw Error(path + ": cannot be added: it holds the active fonts");
+        }
+    }
 
     const FileLock lock = lockFolders(places);
     std::vector<std::string> recorded = readFolders(places);

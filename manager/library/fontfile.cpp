@@ -32,7 +32,7 @@ public:
         : path_(path), file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status {};
         if (!file_ || fstat(file_.get(), &status) != 0) {
-            throw systemError(path, "cannot be read", errno);
+            throw UnreadableNow(systemError(path, "cannot be read", errno).what());
         }
         if (!S_ISREG(status.st_mode)) {
             throw Error(path + ": not a regular file");
@@ -50,7 +50,7 @@ public:
             throw error("ends at byte " + std::to_string(size_) + " inside " + what);
         }
         if (pread(file_.get(), result.data(), Count, offset) != static_cast<ssize_t>(Count)) {
-            throw error("cannot be read at byte " + std::to_string(offset));
+            throw UnreadableNow(path_ + ": cannot be read at byte " + std::to_string(offset));
         }
         return result;
     }

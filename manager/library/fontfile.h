@@ -2,6 +2,8 @@
 // What one font file holds: its faces with their names and technology.
 #pragma once
 
+#include "manager/library/error.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -39,6 +41,13 @@ struct FontFileContents {
     bool operator==(const FontFileContents&) const = default;
 };
 
+/// The file could not be read for a reason outside of it (rights, the disk, memory), which may
+/// pass.
+class UnreadableNow : public Error {
+public:
+    using Error::Error;
+};
+
 /// The greatest font file that is read. Larger ones are refused by name.
 constexpr std::int64_t maximumFontFileSize = 512LL * 1024 * 1024;
 
@@ -48,7 +57,8 @@ bool hasFontFileName(std::string_view name);
 
 /// Reads a file's faces with fontconfig's scanner, so that they bear the names by which the desktop
 /// will know them. Throws Error ("PATH: what is wrong and where") for anything that is no whole
-/// font. The time for a hostile file is not bounded here; see FontReader.
+/// font, UnreadableNow for one that could not be looked at. The time for a hostile file is not
+/// bounded here; see FontReader.
 FontFileContents readFontFile(const std::string& path);
 
 /// Family or style reduced for comparison: case folded, blanks dropped.

@@ -42,6 +42,9 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
+constexpr std::string_view lastingWord = "lasting";
+constexpr std::string_view passingWord = "passing";
+
 std::string encode(const FontFileContents& contents) {
     std::string text = joinFields({"file", contents.collection ? "1" : "0"});
     for (const FaceRecord& face : contents.faces) {
@@ -54,6 +57,10 @@ std::string encode(const FontFileContents& contents) {
     return text + "\n";
 }
 
+std::string encode(std::string_view kind, std::string_view problem) {
+    return joinFields({"problem", kind, problem}) + "\n";
+}
+
 // The text comes from a process of this program, but one that may have been taken over by the file
 // it read: nothing in it is trusted.
 std::optional<FontFileOutcome> decode(std::string_view text) {
@@ -64,8 +71,8 @@ std::optional<FontFileOutcome> decode(std::string_view text) {
             return std::nullopt;
         }
         const std::string& kind = fields->front();
-        if (kind == "problem" && fields->size() == 2) {
-            return std::move((*fields)[1]);
+        if (kind == "problem" && fields->size() == 3) {
+            return FontFileProblem{std::move((*fields)[2]), (*fields)[1] == lastingWord};
         }
         if (kind == "file" && fields->size() == 2) {
             contents.collection = (*fields)[1] == "1";
@@ -125,9 +132,11 @@ void limitMemory(std::size_t bytes) {
         try {
             answer = encode(read(path));
         } catch (const std::bad_alloc&) {
-            answer = joinFields({"problem", path + ": reading it takes too much memory"}) + "\n";
+            answer = encode(passingWord, path + ": reading it takes too much memory");
+        } catch (const UnreadableNow& problem) {
+            answer = encode(passingWord, problem.what());
         } catch (const std::exception& problem) {
-            answer = joinFields({"problem", problem.what()}) + "\n";
+            answer = encode(lastingWord, problem.what());
         }
         if (!sendAll(socket, answer)) {
             _exit(1);
@@ -172,7 +181,8 @@ public:
         if (count < 0 && errno == EINTR) {
             return std::nullopt;
         }
-        gone = count <= 0 || answer_.size() > maximumAnswer;
+        ended_ = count <= 0;
+        gone = ended_ || answer_.size() > maximumAnswer;
         if (gone) {
             return std::nullopt;
         }
@@ -187,8 +197,14 @@ public:
         return outcome;
     }
 
-    /// Kills the process and tells how it ended ("" when it lived on).
-    std::string end() {
+    /// How a reader came to its end.
+    struct Ending {
+        std::string text;       ///< " (the signal)", or empty
+        bool ofTheFile = false; ///< the file did it, and would do it again
+    };
+
+    /// Kills the process unless it has ended by itself.
+    Ending end() {
         if (process_ <= 0) {
             return {};
         }
@@ -197,10 +213,15 @@ public:
         while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
         }
         process_ = -1;
-        if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL) {
-            return std::string(" (") + strsignal(WTERMSIG(status)) + ")";
+        const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        if (signal == 0 || (signal == SIGKILL && !ended_)) {
+            return {{}, true};
         }
-        return {};
+        // Others come from outside: memory ran out, the disk failed under a mapped file, somebody
+        // ended the scan.
+        const bool fault =
+            signal == SIGSEGV || signal == SIGILL || signal == SIGFPE || signal == SIGABRT;
+        return {std::string(" (") + strsignal(signal) + ")", fault};
     }
 
     [[nodiscard]] int socket() const { return socket_.get(); }
@@ -215,6 +236,7 @@ private:
     std::size_t position_ = 0;
     Clock::time_point deadline_;
     std::string answer_;
+    bool ended_ = false;
 };
 
 /// Hands the files out and gathers the answers.
@@ -253,10 +275,12 @@ private:
         }
     }
 
-    void replace(ReaderSlot& reader, const std::string& why) {
+    enum class Cause { end, timeOut };
+    void replace(ReaderSlot& reader, Cause cause, const std::string& why) {
         const std::size_t position = reader->position();
-        const std::string ending = reader->end();
-        receive_(position, paths_[position] + ": " + why + ending);
+        const auto ending = reader->end();
+        receive_(position, FontFileProblem{paths_[position] + ": " + why + ending.text,
+                                           cause == Cause::end && ending.ofTheFile});
         reader = std::make_unique<Reader>(limits_.memory, read_);
         give(reader);
     }
@@ -268,7 +292,7 @@ private:
             receive_(reader->position(), std::move(*outcome));
             give(reader);
         } else if (gone) {
-            replace(reader, "the font reader ended while reading it");
+            replace(reader, Cause::end, "the font reader ended while reading it");
         }
     }
 
@@ -296,8 +320,9 @@ private:
             if (sockets[i].revents != 0) {
                 take(readers_[i]);
             } else if (readers_[i]->deadline() <= now) {
-                replace(readers_[i], "reading it took longer than " +
-                                         std::to_string(limits_.timePerFile.count()) + " ms");
+                replace(readers_[i], Cause::timeOut,
+                        "reading it took longer than " +
+                            std::to_string(limits_.timePerFile.count()) + " ms");
             }
         }
         return true;

@@ -14,8 +14,12 @@
 
 namespace manager {
 
-/// A file's contents, or why it has none ("PATH: ...").
-using FontFileOutcome = std::variant<FontFileContents, std::string>;
+/// Why a file has no contents.
+struct FontFileProblem {
+    std::string text;     ///< "PATH: ..."
+    bool lasting = false; ///< it lies in the file: as long as that is the same, so is this
+};
+using FontFileOutcome = std::variant<FontFileContents, FontFileProblem>;
 
 struct FontReaderLimits {
     unsigned processes = 2;

@@ -20,11 +20,18 @@ namespace {
 constexpr const char* faceColumns = "SELECT face.container, face.type, face.postscript_name, "
                                     "face.family, face.style, file.path FROM ";
 
-Database openPrepared(const Places& places) {
+Database openPrepared(const Places& places, const TableFiller& fill, MissingFile missing) {
     makeFolders(places.own());
-    Database database(places.database());
-    prepareSchema(database);
+    Database database(places.database(), missing);
+    prepareSchema(database, fill);
     return database;
+}
+
+void keepKnown(Database& database, const KnownContainers& known) {
+    for (const auto& [id, name, folder, file] : known ? known() : std::vector<KnownContainer>()) {
+        keepContainer(database, {static_cast<std::int64_t>(id), folder, file,
+                                 file.empty() ? nameKey(name) : std::string(), name});
+    }
 }
 
 std::int64_t inodeOf(const std::string& path) {
@@ -81,8 +88,9 @@ std::optional<ContainerId> toContainerId(std::string_view text) {
     return static_cast<ContainerId>(*number);
 }
 
-Library::Library(const Places& places)
-    : database_(openPrepared(places)), inode_(inodeOf(places.database())),
+Library::Library(const Places& places, const TableFiller& fill, MissingFile missing)
+    : places_(places), database_(openPrepared(places, fill, missing)),
+      inode_(inodeOf(places.database())),
       byPostScriptName_(database_,
                         (std::string(faceColumns) + "face JOIN file ON file.id = face.file "
                                                     "WHERE face.postscript_name = ? "
@@ -197,7 +205,13 @@ std::vector<std::string> Library::directories() {
 }
 
 std::vector<std::string> Library::problems() {
-    return texts(database_, "SELECT problem FROM file WHERE problem IS NOT NULL ORDER BY path");
+    return texts(database_, "SELECT problem FROM file WHERE problem IS NOT NULL "
+                            "UNION SELECT problem FROM walk_problem ORDER BY problem");
+}
+
+bool Library::isScanOwed() {
+    Statement statement(database_, "SELECT scan_owed FROM state");
+    return statement.step() && statement.number(0) != 0;
 }
 
 bool Library::isReplaced() const {
@@ -212,22 +226,27 @@ void Library::check() {
     }
 }
 
-std::unique_ptr<Library> openLibrary(const Places& places, bool* emptied,
+std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers& known,
                                      const std::function<void(const std::string&)>& report) {
-    *emptied = false;
-    const auto open = [&] {
-        auto library = std::make_unique<Library>(places);
+    const auto open = [&](MissingFile missing) {
+        const auto keep = [&](Database& fresh) { keepKnown(fresh, known); };
+        auto library = std::make_unique<Library>(places, keep, missing);
         library->check();
         return library;
     };
     try {
-        return open();
+        return open(MissingFile::isAnError);
     } catch (const DamagedDatabase&) { // NOLINT(bugprone-empty-catch): mended below
+    } catch (const Error&) {
+        if (access(places.database().c_str(), F_OK) == 0 || errno != ENOENT) {
+            throw;
+        }
     }
+    // Begun under the lock alone, so that nobody begins another one while this one is moved aside.
     const FileLock lock(places.database() + ".lock");
     std::string damage;
     try {
-        return open(); // another process was quicker
+        return open(MissingFile::isMade); // or another process was quicker
     } catch (const DamagedDatabase& error) {
         damage = error.what();
     }
@@ -238,11 +257,12 @@ std::unique_ptr<Library> openLibrary(const Places& places, bool* emptied,
             throw systemError(places.database(), "is damaged and cannot be moved aside", errno);
         }
     }
-    auto library = std::make_unique<Library>(places);
-    salvageContainers(library->database(), aside);
-    report(damage + "; moved to " + nameOf(aside) + " and made anew from the recorded folders");
-    *emptied = true;
-    return library;
+    report(damage + "; moved to " + nameOf(aside) + ", the recorded folders are scanned anew");
+    // What is active comes first: it has its number on disk.
+    return std::make_unique<Library>(places, [&](Database& fresh) {
+        keepKnown(fresh, known);
+        salvageContainers(fresh, aside);
+    });
 }
 
 } // namespace manager

@@ -6,6 +6,7 @@
 #include "manager/library/database.h"
 #include "manager/library/fontfile.h"
 #include "manager/library/places.h"
+#include "manager/library/schema.h"
 #include "manager/library/walk.h"
 
 #include <cstdint>
@@ -37,6 +38,16 @@ struct FaceMatch {
     std::string fileName; ///< without its folder
 };
 
+/// A container whose number is known from elsewhere than the index.
+struct KnownContainer {
+    ContainerId id{};
+    std::string name;   ///< as in Container
+    std::string folder; ///< empty: only the number is known, and is not to be given to another
+    std::string file;
+};
+/// Asked when an index is begun anew.
+using KnownContainers = std::function<std::vector<KnownContainer>()>;
+
 /// What the library holds together: one family in one folder, or one collection file.
 struct Container {
     ContainerId id{};
@@ -64,8 +75,9 @@ struct LibraryCounts {
 /// when it is damaged.
 class Library {
 public:
-    /// Opens the index, or makes an empty one.
-    explicit Library(const Places& places);
+    /// Opens the index, or makes one that `fill` may fill.
+    explicit Library(const Places& places, const TableFiller& fill = {},
+                     MissingFile missing = MissingFile::isMade);
 
     /// The faces of a PostScript name (exact), by container.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
@@ -86,8 +98,11 @@ public:
     [[nodiscard]] LibraryCounts counts(const std::string& folder);
     /// Folders that the last scan walked.
     [[nodiscard]] std::vector<std::string> directories();
-    /// "PATH: ..." of each bad file.
+    /// "PATH: ..." of each bad file, and of what the last scan could not look at.
     [[nodiscard]] std::vector<std::string> problems();
+    /// Whether the index was begun anew and no scan of the folders has filled it since. It says
+    /// nothing about what the folders hold then.
+    [[nodiscard]] bool isScanOwed();
 
     /// Whether the index file was replaced since it was opened; open anew then.
     [[nodiscard]] bool isReplaced() const;
@@ -95,8 +110,10 @@ public:
     void check();
 
     [[nodiscard]] Database& database() { return database_; }
+    [[nodiscard]] const Places& places() const { return places_; }
 
 private:
+    Places places_;
     Database database_;
     std::int64_t inode_ = 0;
     Statement byPostScriptName_;
@@ -105,10 +122,11 @@ private:
     Statement faceCount_;
 };
 
-/// Opens the library. A damaged index is moved aside and an empty one begun with the old numbers of
-/// the containers, as far as they can be read; `report` is told so in one line, and `*emptied`
-/// is set: the folders are to be scanned again.
-std::unique_ptr<Library> openLibrary(const Places& places, bool* emptied,
+/// Opens the library. A missing index is begun with the numbers of the `known` containers. A
+/// damaged one is moved aside, which `report` is told in one line, and begun anew in the same way,
+/// with the old numbers of the other containers as far as they can be read. See
+/// Library::isScanOwed.
+std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers& known,
                                      const std::function<void(const std::string&)>& report);
 
 } // namespace manager

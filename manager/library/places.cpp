@@ -141,6 +141,11 @@ FileLock::FileLock(const std::string& path)
     }
 }
 
+bool liesUnder(std::string_view path, std::string_view folder) {
+    return path == folder || folder == "/" ||
+           (path.starts_with(folder) && path.size() > folder.size() && path[folder.size()] == '/');
+}
+
 std::string folderOf(std::string_view path) {
     const std::size_t slash = path.rfind('/');
     return slash == std::string_view::npos || slash == 0 ? "/" : std::string(path.substr(0, slash));

@@ -73,6 +73,9 @@ private:
     Descriptor file_;
 };
 
+/// Whether an absolute path is the folder itself or lies in it, by their names.
+bool liesUnder(std::string_view path, std::string_view folder);
+
 /// The folder part and the last part of an absolute path.
 std::string folderOf(std::string_view path);
 std::string nameOf(std::string_view path);

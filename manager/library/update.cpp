@@ -17,8 +17,12 @@ namespace {
 
 struct KnownFile {
     FileStamp stamp;
+    std::string problem; ///< empty: it holds fonts
     bool found = false;
 };
+
+// The size of no file: what was not read is not known by its stamp, and is read again.
+constexpr std::int64_t sizeOfUnread = -1;
 
 /// Writes results to the index.
 class Writer {
@@ -42,17 +46,20 @@ public:
 
     void write(const FoundFile& file, const FontFileOutcome& outcome) {
         remove(file.path);
-        const auto* contents = std::get_if<FontFileContents>(&outcome);
         addFile_.bind(1, file.path).bind(2, file.stamp.size);
         addFile_.bind(3, file.stamp.changed).bind(4, file.stamp.inode);
-        if (contents == nullptr) {
-            addFile_.bindNull(5).bind(6, std::get<std::string>(outcome)).run();
+        if (const auto* problem = std::get_if<FontFileProblem>(&outcome)) {
+            if (!problem->lasting) {
+                addFile_.bind(2, sizeOfUnread);
+            }
+            addFile_.bindNull(5).bind(6, problem->text).run();
             return;
         }
-        const std::int64_t container = containerOf(file.path, *contents);
+        const auto& contents = std::get<FontFileContents>(outcome);
+        const std::int64_t container = containerOf(file.path, contents);
         addFile_.bind(5, container).bindNull(6).run();
         const std::int64_t id = database_.lastRow();
-        for (const FaceRecord& face : contents->faces) {
+        for (const FaceRecord& face : contents.faces) {
             writeFace(id, container, face);
         }
     }
@@ -103,10 +110,11 @@ private:
 
 std::unordered_map<std::string, KnownFile> knownFiles(Database& database) {
     std::unordered_map<std::string, KnownFile> known;
-    Statement statement(database, "SELECT path, size, changed, inode FROM file");
+    Statement statement(database, "SELECT path, size, changed, inode, problem FROM file");
     while (statement.step()) {
         known.emplace(statement.text(0),
-                      KnownFile{{statement.number(1), statement.number(2), statement.number(3)}});
+                      KnownFile{{statement.number(1), statement.number(2), statement.number(3)},
+                                statement.text(4)});
     }
     return known;
 }
@@ -130,17 +138,26 @@ void writeDirectories(Database& database, const std::vector<std::string>& direct
     }
 }
 
-std::vector<std::string> problemsExcept(Library& library, std::span<const std::string> paths) {
-    const std::set<std::string_view> excepted(paths.begin(), paths.end());
-    Statement read(library.database(),
-                   "SELECT path, problem FROM file WHERE problem IS NOT NULL ORDER BY path");
-    std::vector<std::string> problems;
+/// Replaces the walk's problems, and sorts them into new and known ones.
+void writeWalkProblems(Database& database, const std::vector<std::string>& problems,
+                       UpdateReport& report) {
+    std::set<std::string> known;
+    Statement read(database, "SELECT problem FROM walk_problem");
     while (read.step()) {
-        if (!excepted.contains(read.text(0))) {
-            problems.push_back(read.text(1));
-        }
+        known.insert(read.text(0));
     }
-    return problems;
+    read.reset();
+    for (const std::string& problem : problems) {
+        (known.contains(problem) ? report.knownProblems : report.problems).push_back(problem);
+    }
+    if (known == std::set<std::string>(problems.begin(), problems.end())) {
+        return;
+    }
+    database.run("DELETE FROM walk_problem");
+    Statement add(database, "INSERT OR IGNORE INTO walk_problem (problem) VALUES (?)");
+    for (const std::string& problem : problems) {
+        add.bind(1, problem).run();
+    }
 }
 
 // A portion large enough to make commits cheap, small enough not to keep readers of the index from
@@ -150,22 +167,26 @@ constexpr std::size_t portionSize = 500;
 } // namespace
 
 UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
-                           const FontReaderLimits& limits, const UpdateProgress& progress) {
+                           const FontReaderLimits& limits, const UpdateProgress& progress,
+                           const FontFileFunction& read) {
     Database& database = library.database();
-    FoundFiles found = findFontFiles(folders);
+    const FoundFiles found = findFontFiles(folders, library.places().fonts());
     UpdateReport report;
-    report.problems = std::move(found.problems);
+    report.unreadFolders = found.unreadRoots;
 
     std::vector<std::string> paths;
     std::vector<const FoundFile*> files;
+    auto known = knownFiles(database);
     {
-        auto known = knownFiles(database);
         for (const FoundFile& file : found.files) {
             const auto position = known.find(file.path);
             if (position != known.end()) {
                 position->second.found = true;
                 if (position->second.stamp == file.stamp) {
                     ++report.unchanged;
+                    if (!position->second.problem.empty()) {
+                        report.knownProblems.push_back(position->second.problem);
+                    }
                     continue;
                 }
             }
@@ -181,9 +202,9 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
             }
         }
         writeDirectories(database, found.directories);
+        writeWalkProblems(database, found.problems, report);
         transaction.commit();
     }
-    report.knownProblems = problemsExcept(library, paths);
 
     // Fonts are read side by side and come in any order, but are written in the order of their
     // paths: the same folders get the same container numbers, whatever machine reads them.
@@ -191,33 +212,49 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
     std::vector<std::pair<std::size_t, FontFileOutcome>> portion;
     std::size_t next = 0;
     Writer writer(library);
-    const auto writePortion = [&] {
-        Transaction transaction(database);
-        for (const auto& [position, outcome] : portion) {
-            writer.write(*files[position], outcome);
-            if (const auto* problem = std::get_if<std::string>(&outcome)) {
-                report.problems.push_back(*problem);
-            }
+    const auto write = [&](const FoundFile& file, const FontFileOutcome& outcome) {
+        const auto* problem = std::get_if<FontFileProblem>(&outcome);
+        const auto before = known.find(file.path);
+        if (problem != nullptr && !problem->lasting && before != known.end() &&
+            before->second.problem == problem->text) {
+            report.knownProblems.push_back(problem->text);
+            ++report.unchanged;
+            return;
         }
-        transaction.commit();
-        report.read += portion.size();
-        portion.clear();
-        if (progress) {
-            progress(report.read, paths.size());
+        writer.write(file, outcome);
+        ++report.read;
+        if (problem != nullptr) {
+            report.problems.push_back(problem->text);
         }
     };
-    readFontFiles(paths, limits, [&](std::size_t position, FontFileOutcome outcome) {
+    enum class Portion { another, last };
+    const auto writePortion = [&](Portion which) {
+        Transaction transaction(database);
+        for (const auto& [position, outcome] : portion) {
+            write(*files[position], outcome);
+        }
+        if (which == Portion::last) {
+            database.run("UPDATE state SET scan_owed = 0");
+        }
+        transaction.commit();
+        if (progress && !portion.empty()) {
+            progress(next, paths.size());
+        }
+        portion.clear();
+    };
+    const auto receive = [&](std::size_t position, FontFileOutcome outcome) {
         early.emplace(position, std::move(outcome));
         while (!early.empty() && early.begin()->first == next) {
             portion.emplace_back(next++, std::move(early.begin()->second));
             early.erase(early.begin());
             if (portion.size() == portionSize) {
-                writePortion();
+                writePortion(Portion::another);
             }
         }
-    });
-    if (!portion.empty()) {
-        writePortion();
+    };
+    readFontFiles(paths, limits, receive, read);
+    if (!portion.empty() || library.isScanOwed()) {
+        writePortion(Portion::last);
     }
     return report;
 }

@@ -15,10 +15,12 @@ namespace manager {
 
 struct UpdateReport {
     std::size_t read = 0;      ///< files that were new or changed
-    std::size_t unchanged = 0; ///< files passed over because size, time and inode are as known
+    std::size_t unchanged = 0; ///< files passed over because size, time and inode are as known, or
+                               ///< that could not be read for the same passing reason again
     std::size_t removed = 0;   ///< files that are gone
+    std::size_t unreadFolders = 0;          ///< of those to be walked
     std::vector<std::string> problems;      ///< "PATH: ..." of what was found bad this time
-    std::vector<std::string> knownProblems; ///< of bad files that have not changed since
+    std::vector<std::string> knownProblems; ///< of what was bad already and is so still
 
     [[nodiscard]] bool changed() const { return read != 0 || removed != 0; }
 };
@@ -27,9 +29,12 @@ struct UpdateReport {
 using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
 
 /// Walks the folders and reads what is new or changed (see readFontFiles for where it may be
-/// called). The index is written in portions, so that others can read it meanwhile, and what was
-/// written stays when the process ends early. Containers keep their numbers. Throws Error.
+/// called). The folder of the active fonts is passed over. The index is written in portions, so
+/// that others can read it meanwhile, and what was written stays when the process ends early.
+/// Containers keep their numbers. What was in the way of reading a file and may pass is tried again
+/// each time. Throws Error.
 UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
-                           const FontReaderLimits& limits, const UpdateProgress& progress = {});
+                           const FontReaderLimits& limits, const UpdateProgress& progress = {},
+                           const FontFileFunction& read = readFontFile);
 
 } // namespace manager

@@ -4,9 +4,11 @@
 
 #include "manager/library/error.h"
 #include "manager/library/fontfile.h"
+#include "manager/library/places.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <dirent.h>
 #include <memory>
 #include <set>
@@ -32,7 +34,12 @@ constexpr unsigned maximumDepth = 100;
 
 class Walk {
 public:
-    explicit Walk(std::span<const std::string> roots) {
+    Walk(std::span<const std::string> roots, const std::string& passedOver)
+        : passedOver_(realPath(passedOver)) {
+        struct stat status {};
+        if (!passedOver_.empty() && stat(passedOver_.c_str(), &status) == 0) {
+            visited_.insert({status.st_dev, status.st_ino});
+        }
         // Last in, first out: the roots are visited in their order.
         for (auto root = roots.rbegin(); root != roots.rend(); ++root) {
             waiting_.push_back({*root, 0});
@@ -59,6 +66,18 @@ private:
         unsigned depth;
     };
 
+    // Empty when there is nothing there.
+    static std::string realPath(const std::string& path) {
+        const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr),
+                                                          std::free);
+        return real ? real.get() : std::string();
+    }
+
+    // The folder itself is met by its inode; this is for ways that lead past it into its depth.
+    [[nodiscard]] bool isPassedOver(const std::string& path) const {
+        return !passedOver_.empty() && liesUnder(realPath(path), passedOver_);
+    }
+
     void problem(const std::string& path, const char* what, int code) {
         found_.problems.emplace_back(systemError(path, what, code).what());
     }
@@ -68,6 +87,10 @@ private:
         struct stat status {};
         if (!directory || fstat(dirfd(directory.get()), &status) != 0) {
             problem(place.path, "the folder cannot be read", errno);
+            found_.unreadRoots += place.depth == 0 ? 1 : 0;
+            return;
+        }
+        if (place.depth == 0 && isPassedOver(place.path)) {
             return;
         }
         if (!visited_.insert({status.st_dev, status.st_ino}).second) {
@@ -107,6 +130,9 @@ private:
             }
             return;
         }
+        if (entry.d_type == DT_LNK && isPassedOver(path)) {
+            return;
+        }
         if (S_ISDIR(status.st_mode)) {
             auto& target = entry.d_type == DT_LNK ? linked_ : waiting_;
             target.push_back({std::move(path), place.depth + 1});
@@ -117,6 +143,7 @@ private:
         }
     }
 
+    std::string passedOver_;
     FoundFiles found_;
     std::vector<Place> waiting_;
     std::vector<Place> linked_;
@@ -136,8 +163,8 @@ FileStamp stampOf(const std::string& path) {
     return stampOf(status);
 }
 
-FoundFiles findFontFiles(std::span<const std::string> roots) {
-    return Walk(roots).run();
+FoundFiles findFontFiles(std::span<const std::string> roots, const std::string& passedOver) {
+    return Walk(roots, passedOver).run();
 }
 
 } // namespace manager

@@ -2,6 +2,7 @@
 // Finds the font files under folders.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -29,10 +30,12 @@ struct FoundFiles {
     std::vector<FoundFile> files;         ///< those named like fonts, by path
     std::vector<std::string> directories; ///< every folder that was looked at
     std::vector<std::string> problems;    ///< "PATH: ..." of what could not be looked at
+    std::size_t unreadRoots = 0;          ///< roots among that
 };
 
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;
-/// hidden entries are passed over. Problems are gathered, not thrown.
-FoundFiles findFontFiles(std::span<const std::string> roots);
+/// hidden entries are passed over, and so is what lies in `passedOver`, by whatever way it is
+/// reached. Problems are gathered, not thrown.
+FoundFiles findFontFiles(std::span<const std::string> roots, const std::string& passedOver = {});
 
 } // namespace manager

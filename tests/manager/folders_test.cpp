@@ -122,6 +122,26 @@ TEST_F(AFolderWalk, NamesAFolderThatIsAwayAndGoesOn) {
         findFontFiles(std::vector{sandbox_.library() + "/away", sandbox_.library() + "/a"});
     EXPECT_THAT(names(found), ElementsAre("a/one.ttf"));
     EXPECT_THAT(found.problems, ElementsAre(HasSubstr("/away: the folder cannot be read")));
+    EXPECT_EQ(found.unreadRoots, 1U);
+}
+
+TEST_F(AFolderWalk, PassesOverWhatIsActiveByWhateverWayItIsReached) {
+    namespace fs = std::filesystem;
+    const std::string active = sandbox_.library() + "/fonts/active";
+    sandbox_.write("fonts/own.ttf", "x");
+    sandbox_.write("fonts/active/1/copy.ttf", "x");
+    fs::create_directory_symlink("fonts/active", sandbox_.library() + "/linked");
+    fs::create_directory_symlink("fonts/active/1", sandbox_.library() + "/deep");
+    fs::create_symlink("fonts/active/1/copy.ttf", sandbox_.library() + "/link.ttf");
+    EXPECT_THAT(names(findFontFiles(std::vector{sandbox_.library()}, active)),
+                ElementsAre("fonts/own.ttf"));
+    EXPECT_THAT(names(findFontFiles(std::vector{active, active + "/1"}, active)), IsEmpty());
+    EXPECT_THAT(names(findFontFiles(std::vector{active}, active + "/2")),
+                ElementsAre("fonts/active/1/copy.ttf"));
+
+    fs::create_directories(places_.fonts() + "/1");
+    EXPECT_THROW(addFolders(places_, std::vector{places_.fonts() + "/1"}), Error);
+    EXPECT_THAT(addFolders(places_, std::vector{places_.data + "/fonts"}), testing::SizeIs(1));
 }
 
 } // namespace

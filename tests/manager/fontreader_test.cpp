@@ -8,10 +8,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <new>
 #include <unistd.h>
 
 using namespace manager;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -22,6 +24,15 @@ protected:
         if (path == "crash") {
             std::signal(SIGSEGV, SIG_DFL);
             raise(SIGSEGV);
+        }
+        if (path == "killed") {
+            raise(SIGKILL);
+        }
+        if (path == "large") {
+            throw std::bad_alloc();
+        }
+        if (path == "closed") {
+            throw UnreadableNow("closed: no permission");
         }
         if (path == "hang") {
             for (;;) {
@@ -61,8 +72,8 @@ protected:
     }
 
     static std::string problem(const FontFileOutcome& outcome) {
-        const auto* text = std::get_if<std::string>(&outcome);
-        return text != nullptr ? *text : "none";
+        const auto* problem = std::get_if<FontFileProblem>(&outcome);
+        return problem == nullptr ? "none" : problem->text + (problem->lasting ? "" : " (now)");
     }
 
     // Long enough that only the file that hangs for ever can meet it.
@@ -83,6 +94,9 @@ TEST_F(AFontReader, ThatDiesCostsItsFileAlone) {
     EXPECT_THAT(problem(outcomes.at("crash")), HasSubstr("crash: the font reader ended"));
     EXPECT_THAT(problem(outcomes.at("vanish")), HasSubstr("vanish: the font reader ended"));
     EXPECT_THAT(problem(outcomes.at("nameless")), HasSubstr("nameless: the font reader ended"));
+    for (const char* path : {"crash", "vanish", "nameless"}) {
+        EXPECT_THAT(problem(outcomes.at(path)), Not(HasSubstr("(now)")));
+    }
     for (const char* path : {"a", "b", "c"}) {
         EXPECT_EQ(problem(outcomes.at(path)), "none");
     }
@@ -91,7 +105,15 @@ TEST_F(AFontReader, ThatDiesCostsItsFileAlone) {
 TEST_F(AFontReader, ThatHangsIsEndedAndReplaced) {
     timePerFile_ = std::chrono::milliseconds(300);
     const auto outcomes = read({"hang"});
-    EXPECT_EQ(problem(outcomes.at("hang")), "hang: reading it took longer than 300 ms");
+    EXPECT_EQ(problem(outcomes.at("hang")), "hang: reading it took longer than 300 ms (now)");
+}
+
+TEST_F(AFontReader, TellsWhatMayPassFromWhatLiesInTheFile) {
+    const auto outcomes = read({"killed", "large", "closed"});
+    EXPECT_EQ(problem(outcomes.at("killed")),
+              "killed: the font reader ended while reading it (Killed) (now)");
+    EXPECT_EQ(problem(outcomes.at("large")), "large: reading it takes too much memory (now)");
+    EXPECT_EQ(problem(outcomes.at("closed")), "closed: no permission (now)");
 }
 
 } // namespace

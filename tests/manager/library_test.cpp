@@ -46,12 +46,14 @@ protected:
         }
         return result;
     }
-    std::unique_ptr<Library> open(bool* emptied) {
-        return openLibrary(sandbox_.places(), emptied,
-                           [this](const std::string& text) { reports_.push_back(text); });
+    std::unique_ptr<Library> open() {
+        return openLibrary(
+            sandbox_.places(), [this] { return known_; },
+            [this](const std::string& text) { reports_.push_back(text); });
     }
 
     Sandbox sandbox_;
+    std::vector<KnownContainer> known_;
     std::vector<std::string> reports_;
     std::unique_ptr<Library> library_ = std::make_unique<Library>(sandbox_.places());
 };
@@ -209,14 +211,15 @@ TEST_F(ALibrary, ThatIsDamagedIsMovedAsideAndKeepsWhatCanBeRead) {
         }
         writeBytes(path, damaged);
         reports_.clear();
-        bool emptied = false;
-        library_ = open(&emptied);
-        EXPECT_TRUE(emptied);
+        library_ = open();
+        EXPECT_TRUE(library_->isScanOwed());
         EXPECT_THAT(reports_, ElementsAre(HasSubstr(path + ": ")));
         EXPECT_THAT(reports_.front(), HasSubstr("moved to library.db.damaged-"));
+        library_ = open();
+        EXPECT_TRUE(library_->isScanOwed()) << "also for those who open it after that";
         scan();
+        EXPECT_FALSE(library_->isScanOwed());
         EXPECT_THAT(containerNames(), UnorderedElementsAre("Test Sans@/a", "Two@/b"));
-        EXPECT_TRUE(std::filesystem::exists(path));
         library_.reset();
     }
 
@@ -226,24 +229,97 @@ TEST_F(ALibrary, ThatIsDamagedIsMovedAsideAndKeepsWhatCanBeRead) {
     std::string tail = whole;
     tail.replace(name / 4096 * 4096, 8, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF");
     writeBytes(path, tail);
-    bool emptied = false;
-    library_ = open(&emptied);
-    ASSERT_TRUE(emptied);
+    library_ = open();
+    ASSERT_TRUE(library_->isScanOwed());
     scan();
     EXPECT_EQ(ids(), before);
+}
+
+TEST_F(ALibrary, BegunAnewGivesNoNumberToAnotherContainer) {
+    const std::string folder = sandbox_.library() + "/a";
+    add("a/0.ttf", {"Zero", "Regular", "Zero", "", "", false, {}});
+    add("a/one.ttf", {});
+    sandbox_.write("a/pair.ttc", makeCollection({{}}));
+    known_ = {{ContainerId{7}, "TEST sans", folder, ""},
+              {ContainerId{3}, "pair.ttc", folder, "pair.ttc"},
+              {ContainerId{12}, "", "", ""}};
+    const std::string path = sandbox_.places().database();
+    for (const char* way : {"missing", "damaged"}) {
+        library_.reset();
+        std::filesystem::remove(path);
+        if (std::string_view(way) == "damaged") {
+            writeBytes(path, "no database at all, but a text that is long enough to look at");
+        }
+        library_ = open();
+        EXPECT_TRUE(library_->isScanOwed()) << way;
+        scan();
+        EXPECT_EQ(ids(), (std::map<std::string, ContainerId>{
+                             {"Zero" + folder, ContainerId{13}},
+                             {"Test Sans" + folder, ContainerId{7}},
+                             {"pair.ttc" + folder + "/pair.ttc", ContainerId{3}}}))
+            << way;
+    }
+}
+
+TEST_F(ALibrary, TriesAgainWhatMayHavePassed) {
+    const std::string closed = sandbox_.write("closed.ttf", makeFont({}));
+    const std::string gate = sandbox_.root() + "/open";
+    const auto scanThroughGate = [&] {
+        const auto read = [&](const std::string& path) {
+            if (!std::filesystem::exists(gate)) {
+                throw UnreadableNow(path + ": closed");
+            }
+            return readFontFile(path);
+        };
+        return updateLibrary(*library_, std::vector{sandbox_.library()}, FontReaderLimits{}, {},
+                             read);
+    };
+    EXPECT_THAT(scanThroughGate().problems, ElementsAre(closed + ": closed"));
+    const UpdateReport again = scanThroughGate();
+    EXPECT_FALSE(again.changed());
+    EXPECT_THAT(again.problems, IsEmpty());
+    EXPECT_THAT(again.knownProblems, ElementsAre(closed + ": closed"));
+
+    writeBytes(gate, "");
+    EXPECT_TRUE(scanThroughGate().changed());
+    EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(1));
+    EXPECT_THAT(library_->problems(), IsEmpty());
+}
+
+TEST_F(ALibrary, KeepsWhatTheWalkCouldNotLookAt) {
+    const std::string link = sandbox_.library() + "/link.ttf";
+    std::filesystem::create_symlink("nothing.ttf", link);
+    EXPECT_THAT(scan().problems, ElementsAre(HasSubstr(link)));
+    const UpdateReport again = scan();
+    EXPECT_THAT(again.problems, IsEmpty());
+    EXPECT_THAT(again.knownProblems, ElementsAre(HasSubstr(link)));
+    EXPECT_THAT(library_->problems(), ElementsAre(HasSubstr(link)));
+    std::filesystem::remove(link);
+    scan();
+    EXPECT_THAT(library_->problems(), IsEmpty());
+}
+
+TEST_F(ALibrary, OfTheVersionBeforeIsTakenOver) {
+    add("one.ttf", {});
+    sandbox_.write("bad.ttf", "bad");
+    scan();
+    const auto before = ids();
+    library_->database().run("DROP TABLE state; DROP TABLE walk_problem; PRAGMA user_version=1");
+    library_ = open();
+    EXPECT_TRUE(library_->isScanOwed());
+    EXPECT_EQ(ids(), before);
+    EXPECT_EQ(scan().unchanged, 1U) << "bad files may have been those of a bad hour";
 }
 
 TEST_F(ALibrary, OfANewerVersionOrAnotherProgramIsLeftAlone) {
     library_->database().run("PRAGMA user_version=99");
     library_.reset();
-    bool emptied = false;
-    EXPECT_THROW(open(&emptied), Error);
+    EXPECT_THROW(open(), Error);
     {
         Database database(sandbox_.places().database());
         database.run("PRAGMA application_id=1");
     }
-    EXPECT_THROW(open(&emptied), Error);
-    EXPECT_FALSE(emptied);
+    EXPECT_THROW(open(), Error);
     EXPECT_THAT(reports_, IsEmpty());
 }
 

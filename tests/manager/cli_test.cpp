@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Parts of the program apart from its processes: lines for people, the watch on folders, what the
+// sets on disk tell.
+#include "manager/activation/setrecord.h"
+#include "manager/cli/folderwatch.h"
+#include "manager/cli/knownsets.h"
+#include "manager/cli/report.h"
+#include "tests/manager/sandbox.h"
+
+#include <filesystem>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <sys/stat.h>
+#include <tuple>
+
+using namespace manager;
+using namespace managertest;
+namespace fs = std::filesystem;
+
+namespace {
+
+TEST(ALineForPeople, ShowsControlCharacters) {
+    const struct {
+        std::string text;
+        std::string shown;
+    } cases[] = {
+        {"M\u00fcller & S\u00f6hne \\ \u4e2d", "M\u00fcller & S\u00f6hne \\ \u4e2d"},
+        {"two\nlines\tand\rmore", "two\\nlines\\tand\\x0dmore"},
+        {"\x1b[2J\x7f", "\\x1b[2J\\x7f"},
+        {"\xc2\x9b"
+         "2J\xc2\xa0",
+         "\\x9b2J\xc2\xa0"},
+        {"cut \xc2", "cut \xc2"},
+    };
+    for (const auto& [text, shown] : cases) {
+        EXPECT_EQ(printable(text), shown);
+    }
+}
+
+TEST(ASetOnDisk, TellsItsContainer) {
+    const Sandbox sandbox;
+    const std::string fonts = sandbox.places().fonts() + "/";
+    for (const auto& [id, name, file] :
+         {std::tuple{4, "Test Sans", "one.ttf"}, std::tuple{9, "pair.ttc", "pair.ttc"}}) {
+        fs::create_directories(fonts + std::to_string(id));
+        writeSetRecordFile(fonts + std::to_string(id) + "/" + setRecordName,
+                           {ContainerId{id},
+                            name,
+                            SetState::active,
+                            {{file, std::string("/library/a/") + file, {1, 2, 3}, false}}});
+    }
+    fs::create_directories(fonts + "11"); // of somebody else
+    fs::create_directories(fonts + "12");
+    writeBytes(fonts + "12/" + setRecordName, "rubbish");
+
+    std::map<int, std::string> told;
+    for (const auto& [id, name, folder, file] : containersOnDisk(sandbox.places())) {
+        told[static_cast<int>(id)] = name + "," + folder + "," + file;
+    }
+    EXPECT_EQ(told,
+              (std::map<int, std::string>{
+                  {4, "Test Sans,/library/a,"}, {9, "pair.ttc,/library/a,pair.ttc"}, {12, ",,"}}));
+}
+
+class AFolderWatch : public testing::Test {
+protected:
+    AFolderWatch() {
+        fs::create_directories(sandbox_.places().own());
+        fs::create_directories(root_);
+    }
+    void watch() {
+        const bool here = fs::is_directory(root_);
+        watch_.watch(here ? std::vector{root_} : std::vector<std::string>(), {root_});
+        watch_.drain();
+    }
+    bool hears(const std::function<void()>& deed) {
+        deed();
+        return watch_.drain();
+    }
+
+    Sandbox sandbox_;
+    std::string root_ = sandbox_.library() + "/volume/fonts";
+    FolderWatch watch_{sandbox_.places()};
+};
+
+TEST_F(AFolderWatch, HearsOfFontsAndFoldersAlone) {
+    const std::string font = root_ + "/a.ttf";
+    watch();
+    const struct {
+        const char* deed;
+        std::function<void()> run;
+        bool heard;
+    } cases[] = {
+        {"a font comes", [&] { writeBytes(font, "x"); }, true},
+        {"it may be read", [&] { chmod(font.c_str(), 0600); }, true},
+        {"a log is written", [&] { writeBytes(root_ + "/log.txt", "x"); }, false},
+        {"and goes", [&] { fs::remove(root_ + "/log.txt"); }, false},
+        {"a hidden copy", [&] { writeBytes(root_ + "/.a.ttf", "x"); }, false},
+        {"moves into place", [&] { fs::rename(root_ + "/.a.ttf", font); }, true},
+        {"a folder", [&] { fs::create_directory(root_ + "/more"); }, true},
+        {"a link to one", [&] { fs::create_directory_symlink("more", root_ + "/link"); }, true},
+        {"a font goes", [&] { fs::remove(font); }, true},
+        {"a neighbour", [&] { writeBytes(sandbox_.library() + "/volume/b.ttf", "x"); }, false},
+        {"the list", [&] { replaceFile(sandbox_.places().folders(), "x"); }, true},
+    };
+    for (const auto& [deed, run, heard] : cases) {
+        EXPECT_EQ(hears(run), heard) << deed;
+    }
+}
+
+TEST_F(AFolderWatch, HearsThatARootGoesAndComesBack) {
+    const std::string volume = sandbox_.library() + "/volume";
+    watch();
+    EXPECT_TRUE(hears([&] { fs::rename(volume, volume + ".away"); })) << "with what is above it";
+    watch();
+    EXPECT_FALSE(hears([&] { fs::create_directory(sandbox_.library() + "/other"); }));
+    EXPECT_TRUE(hears([&] { fs::create_directory(volume); })) << "the first step";
+    watch();
+    EXPECT_TRUE(hears([&] { fs::remove(volume); })) << "and back";
+    watch();
+    EXPECT_TRUE(hears([&] { fs::rename(volume + ".away", volume); }));
+    watch();
+    EXPECT_TRUE(hears([&] { writeBytes(root_ + "/a.ttf", "x"); }));
+    EXPECT_TRUE(hears([&] { fs::rename(root_, root_ + ".away"); }));
+    watch();
+    EXPECT_TRUE(hears([&] { fs::rename(root_ + ".away", root_); }));
+}
+
+} // namespace
