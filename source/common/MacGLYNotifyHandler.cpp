@@ -26,12 +26,12 @@ MacGLYNotifyHandler::~MacGLYNotifyHandler() {
 }
 
 void MacGLYNotifyHandler::start() {
-    const AEEventHandlerUPP routine = NewAEEventHandlerUPP(HandleEvent);
+    AEEventHandlerUPP routine = NewAEEventHandlerUPP(HandleEvent);
     if (AEInstallEventHandler(newsClass, typeWildCard, routine,
                               static_cast<IGLYNotifyHandler*>(this), false) == noErr) {
-        // That of an earlier start was replaced just now.
-        DisposeAEEventHandlerUPP(std::exchange(eventHandler_, routine));
-    } else {
+        std::swap(eventHandler_, routine); // that of an earlier start was replaced just now
+    }
+    if (routine != nullptr) {
         DisposeAEEventHandlerUPP(routine);
     }
     if (!daemon_) {
