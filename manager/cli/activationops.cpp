@@ -65,8 +65,7 @@ std::vector<ContainerId> resolveActive(const Places& places, const Activation& a
     }
     if (ids.empty()) {
         // A collection goes by the name of its file; its families only the library knows.
-        bool emptied = false;
-        const auto library = openForUse(places, &emptied);
+        const auto library = openScanned(places);
         for (const ContainerId id : library->findContainers(name)) {
             if (const auto container = library->container(id);
                 container && activation.isActive(*container)) {
