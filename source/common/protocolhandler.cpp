@@ -33,7 +33,7 @@ FontList parseFonts(const Orvil::IXmlNode* node) {
 void refuseEntities(const Orvil::IXmlNode* root) {
     const auto* const node = dynamic_cast<const Orvil::LibXmlNode*>(root);
     const xmlDtd* const dtd = node == nullptr ? nullptr : node->getNode()->doc->intSubset;
-    if (dtd != nullptr && dtd->entities != nullptr) {
+    if (dtd != nullptr && (dtd->entities != nullptr || dtd->pentities != nullptr)) {
         throw failure("a reply must not declare entities", __LINE__);
     }
 }

@@ -3,6 +3,7 @@
 #include "xmldocument.h"
 
 using namespace Orvil;
+using testing::AllOf;
 using testing::HasSubstr;
 
 namespace {
@@ -125,6 +126,53 @@ TEST_F(AnXmlDocumentFromOutside, HasABoundedNumberOfAttributesPerElement) {
     EXPECT_EQ(read(declared + "<a>b</a>")->getContent(), "b");
     EXPECT_THAT(parseFailure(declared + "<a>" + std::string(70'000, ' ') + "</a>"),
                 HasSubstr("cannot be in this encoding"));
+}
+
+TEST_F(AnXmlDocumentFromOutside, HasBoundedNumbersOfNamespacesAndNames) {
+    const auto repeat = [](const std::string& before, int count, const std::string& behind) {
+        std::string text;
+        for (int i = 0; i < count; ++i) {
+            text += before + std::to_string(i) + behind;
+        }
+        return text;
+    };
+    const std::string one = "<a" + repeat(" xmlns:p", 200, "='u'");
+    const std::string most = "<r>\n" + one + "/>" + one + "><b" + repeat(" xmlns:q", 56, "='u'");
+    struct Case {
+        std::string start;
+        std::string before;
+        std::string behind;
+        std::string end;
+    };
+    const std::vector<Case> names{{"<r>", "<n", "/>", "</r>"},
+                                  {"<r>", "<?n", "?>", "</r>"},
+                                  {"<!DOCTYPE r [", "<!ELEMENT n", " ANY>", "]><r/>"},
+                                  {"<!DOCTYPE r [", "<!ENTITY n", " 'x'>", "]><r/>"},
+                                  {"<!DOCTYPE r [", "<!ATTLIST r n", " CDATA #IMPLIED>", "]><r/>"}};
+    for (const int partLevel : {0, 1}) {
+        document->setPartLevel(partLevel);
+        EXPECT_EQ(read(most + "/></a>c</r>")->getContent(), "\nc");
+        EXPECT_THAT(parseFailure(most + " xmlns='u'/></a></r>"),
+                    AllOf(HasSubstr("successfully: line 2, column "),
+                          HasSubstr(": more than 256 declarations of namespaces hold")));
+    }
+    for (const Case& each : names) {
+        EXPECT_THAT(parseFailure(each.start + repeat(each.before, 100'001, each.behind) + each.end),
+                    HasSubstr(": more than 100000 different names"))
+            << each.before;
+    }
+    EXPECT_THAT(parseFailure("<r>" + repeat("<n12345678901234567890", 70'000, "/>") + "</r>"),
+                HasSubstr(": names and defaults of attributes take more than 1 MB"));
+    std::string defaults = "<!DOCTYPE r [";
+    for (char name = 'a'; name < 'g'; ++name) {
+        const std::string value(9'000'000, name); // libxml2 cannot keep all of them
+        defaults += std::string("<!ATTLIST r ") + name + " CDATA '" + value + "'>";
+    }
+    EXPECT_THAT(parseFailure(defaults + "]><r/>"), HasSubstr("take more than 1 MB"));
+    // Behind a fault nothing is counted: there a large document is not read on.
+    const std::string faulty = "<r><b></c></r>x";
+    EXPECT_THAT(parseFailure(faulty), HasSubstr("Extra content"));
+    EXPECT_THAT(parseFailure(faulty + std::string(1'000'000, ' ')), HasSubstr("tag mismatch"));
 }
 
 TEST_F(AnXmlDocumentFromOutside, ReadsNothingBesideItself) {

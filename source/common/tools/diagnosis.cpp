@@ -66,25 +66,29 @@ Complaint toComplaint(const xmlError& error, int line, int column) {
 }
 
 /// What the parser has as _private while it looks for faults of syntax.
-class Reading : public LibXml::GrowthLimit {
+class Reading : public LibXml::DocumentLimit {
 public:
-    explicit Reading(std::size_t size) : GrowthLimit(size) {}
-    static Diagnosis& of(void* parser) {
+    explicit Reading(std::size_t size) : DocumentLimit(size) {}
+    static Reading& of(void* parser) {
         auto* const context = static_cast<xmlParserCtxt*>(parser);
-        return static_cast<Reading*>(static_cast<GrowthLimit*>(context->_private))->diagnosis;
+        return *static_cast<Reading*>(static_cast<DocumentLimit*>(context->_private));
     }
 
     Diagnosis diagnosis;
 };
 
 void onSyntaxError(void* parser, xmlErrorPtr error) {
-    Reading::of(parser).add(toComplaint(*error, error->line, error->int2));
+    Reading& reading = Reading::of(parser);
+    reading.diagnosis.add(toComplaint(*error, error->line, error->int2));
+    if (reading.mustStopAt(*error)) {
+        xmlStopParser(static_cast<xmlParserCtxt*>(parser));
+    }
 }
 
 /// The codec takes none.
 void onEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
               const xmlChar* /*systemId*/, xmlChar* /*content*/) {
-    Diagnosis& diagnosis = Reading::of(parser);
+    Diagnosis& diagnosis = Reading::of(parser).diagnosis;
     diagnosis.add(diagnosis.here("entities must not be declared"));
     xmlStopParser(diagnosis.parser);
 }

@@ -4,11 +4,13 @@
 #include "protocolhandler.h"
 #include "protocolschema.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
 using namespace Protocol;
+using testing::HasSubstr;
 
 namespace {
 
@@ -37,7 +39,8 @@ protected:
         Outcome outcome = Outcome::accepted;
         try {
             handler_.parseReply(xml);
-        } catch (const Orvil::Exception&) {
+        } catch (const Orvil::Exception& failure) {
+            message_ = failure.descriptionMessage();
             outcome = Outcome::notXml;
         } catch (const std::runtime_error&) {
             outcome = Outcome::rejected;
@@ -50,6 +53,7 @@ protected:
     }
 
     Handler handler_{schemaText};
+    std::string message_; // of the last outcome that is notXml
 };
 
 } // namespace
@@ -72,10 +76,30 @@ TEST_F(AHostileReply, WithBombsOfEntitiesIsNotRead) {
     const std::string recursive = "<!ENTITY m \"&n;\"><!ENTITY n \"&m;\">";
     const std::string external = "<!ENTITY m SYSTEM \"file:///etc/passwd\">";
     const std::string parameter = "<!ENTITY % m SYSTEM \"file:///etc/passwd\">%m;<!ENTITY m 'x'>";
-    for (const std::string& entities : {nested, large, recursive, external, parameter}) {
-        const std::string dtd = "<!DOCTYPE cmd [" + entities + "]>";
+    const std::string loop = "Detected an entity reference loop";
+    const std::string growth = "make the document grow by more than 13002090 bytes";
+    const std::string refusal = "a reply must not declare entities"; // the codec's own
+    struct Case {
+        std::string entities;
+        std::string reasonInText;
+        std::string reasonInAttribute;
+    };
+    for (const Case& each :
+         std::vector<Case>{{nested, loop, loop},
+                           {large, growth, growth},
+                           {recursive, loop, loop},
+                           {external, refusal, "Attribute references external entity 'm'"},
+                           {parameter, refusal, refusal}}) {
+        const std::string dtd = "<!DOCTYPE cmd [" + each.entities + "]>";
         EXPECT_EQ(outcomeOf(dtd + reply("1", repeat("&m;", 100'000))), Outcome::notXml);
+        EXPECT_THAT(message_, HasSubstr(each.reasonInText));
         EXPECT_EQ(outcomeOf(dtd + reply(repeat("&m;", 100'000), "a")), Outcome::notXml);
+        EXPECT_THAT(message_, HasSubstr(each.reasonInAttribute));
+    }
+    // Nor is one that has no need of them.
+    for (const std::string entity : {"<!ENTITY m 'x'>", "<!ENTITY % m 'x'>"}) {
+        EXPECT_EQ(outcomeOf("<!DOCTYPE cmd [" + entity + "]>" + reply("1", "a")), Outcome::notXml);
+        EXPECT_THAT(message_, HasSubstr(refusal));
     }
 }
 
@@ -113,6 +137,32 @@ TEST_F(AHostileReply, WithVeryManyAttributesIsNotRead) {
         attributes += " a" + std::to_string(i) + "=\"\"";
     }
     EXPECT_EQ(outcomeOf(reply("1\"" + attributes + " b=\"", "a")), Outcome::notXml);
+}
+
+TEST_F(AHostileReply, WithVeryManyNamespacesOrNamesIsNotRead) {
+    std::string namespaces;
+    std::string names;
+    for (int i = 0; i < 100'001; ++i) {
+        const std::string number = std::to_string(i);
+        namespaces += (i % 255 == 0 ? "<a xmlns:p" : " xmlns:p") + number +
+                      (i % 255 == 254 ? "='u'>" : "='u'");
+        names += "<n" + number + "/>";
+    }
+    EXPECT_EQ(outcomeOf(head + namespaces + ">" + repeat("<p0:a/>", 40'000)), Outcome::notXml);
+    EXPECT_THAT(message_, HasSubstr("more than 256 declarations of namespaces"));
+    EXPECT_EQ(outcomeOf(head + names + "</cmd>"), Outcome::notXml);
+    EXPECT_THAT(message_, HasSubstr("more than 100000 different names"));
+}
+
+TEST_F(AHostileReply, WithATextInVeryManyPiecesIsReadOrRefused) {
+    for (const std::string pair : {"x<![CDATA[y]]>", "x<!-- -->y"}) {
+        const ReplyContainer read = handler_.parseReply(reply("1", repeat(pair, 600'000)));
+        EXPECT_EQ(read.activationReply->fonts.front().psName, repeat("xy", 600'000));
+    }
+    // With a carriage return, the document is kept as a tree.
+    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 10))), Outcome::accepted);
+    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 600'000))), Outcome::notXml);
+    EXPECT_THAT(message_, HasSubstr("the text of the element in line 1 is in too many pieces"));
 }
 
 TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {

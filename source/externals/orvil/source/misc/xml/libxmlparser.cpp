@@ -27,14 +27,23 @@ void checkSize(std::uintmax_t size, std::uint32_t line) {
 }
 
 /// The failure of a document that is refused for another reason than libxml2's.
-Exception refused(const std::string& reason, std::uint32_t line) {
-    return LibXml::failure("LibXml: Document not parsed successfully: " + reason, line);
+Exception refused(const LibXml::Excess& excess, std::uint32_t line) {
+    return LibXml::failure("LibXml: Document not parsed successfully: line " +
+                               std::to_string(excess.line) + ", column " +
+                               std::to_string(excess.column) + ": " + excess.message,
+                           line);
 }
 
 void checkAttributes(const std::string& text) {
     if (const auto found = LibXml::findManyAttributes(text)) {
-        throw refused("line " + std::to_string(found->line) + ", column " +
-                          std::to_string(found->column) + ": " + found->message,
+        throw refused(*found, __LINE__);
+    }
+}
+
+/// Throws, unless it is empty, the reason why the parser was stopped.
+void checkExcess(xmlParserCtxt& parser, const std::string& excess) {
+    if (!excess.empty()) {
+        throw refused({xmlSAX2GetLineNumber(&parser), xmlSAX2GetColumnNumber(&parser), excess},
                       __LINE__);
     }
 }
@@ -63,27 +72,32 @@ LibXmlDoc readDocument(Read read) {
 }
 
 LibXmlDoc readWhole(const std::string& text) {
-    LibXml::GrowthLimit growth(text.size());
+    LibXml::DocumentLimit limit(text.size());
     return readDocument([&] {
         const ParserContext context(xmlNewParserCtxt());
         if (!context) {
             throw std::bad_alloc();
         }
-        growth.watch(*context);
+        limit.watch(*context);
         LibXmlDoc document(xmlCtxtReadMemory(context.get(), text.data(),
                                              static_cast<int>(text.size()), nullptr, nullptr,
                                              LibXml::parseOptions));
-        if (!growth.excess().empty()) {
-            throw refused(growth.excess(), __LINE__);
-        }
+        checkExcess(*context, limit.excess());
         return document.release();
     });
 }
 
+/// What a document in parts is looked through for before.
+struct FirstPass : LibXml::DocumentLimit {
+    using DocumentLimit::DocumentLimit;
+    bool mustBeWhole = false;
+};
+
 /// Ends the first pass over a document that has to be whole.
 void stopFirstPass(void* parser) {
     auto* const context = static_cast<xmlParserCtxt*>(parser);
-    *static_cast<bool*>(context->_private) = true;
+    auto* const limit = static_cast<LibXml::DocumentLimit*>(context->_private);
+    static_cast<FirstPass*>(limit)->mustBeWhole = true;
     xmlStopParser(context);
 }
 
@@ -110,7 +124,7 @@ bool suitsParts(const std::string& text) {
     if (text.find('\0') != std::string::npos) {
         return false;
     }
-    bool mustBeWhole = false;
+    FirstPass pass(text.size());
     readDocument([&]() -> xmlDoc* {
         const ParserContext context(
             xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
@@ -119,18 +133,19 @@ bool suitsParts(const std::string& text) {
         }
         xmlCtxtUseOptions(context.get(), LibXml::parseOptions);
         LibXml::ignoreContent(*context->sax);
-        context->_private = &mustBeWhole;
+        pass.watch(*context);
         context->sax->entityDecl = onEntity;
         context->sax->attributeDecl = onAttribute;
         if (text.find('\r') != std::string::npos) {
             context->sax->cdataBlock = onCData;
         }
         xmlParseDocument(context.get());
-        mustBeWhole = mustBeWhole || context->nsWellFormed == 0;
+        pass.mustBeWhole = pass.mustBeWhole || context->nsWellFormed == 0;
         LibXmlDoc document(context->myDoc);
-        return context->wellFormed == 0 && !mustBeWhole ? nullptr : document.release();
+        checkExcess(*context, pass.excess());
+        return context->wellFormed == 0 && !pass.mustBeWhole ? nullptr : document.release();
     });
-    return !mustBeWhole;
+    return !pass.mustBeWhole;
 }
 
 } // namespace

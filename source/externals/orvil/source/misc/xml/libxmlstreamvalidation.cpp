@@ -17,8 +17,11 @@ namespace Orvil::LibXml {
 namespace {
 
 /// Between the parser, which has it as _private, and the validator. The parser tells a text in
-/// short pieces, and the validator copies what it has of a text for each: that would take it a time
-/// quadratic in the length, so the pieces are joined here.
+/// pieces, which entities, CDATA sections and comments divide besides, and the validator copies
+/// what it has of a text for each: that would take it a time quadratic in the length, so all pieces
+/// between two tags are joined here. To the validator, CDATA sections are other than text in that
+/// they must not stand between elements even if they are blank; so what has one among its pieces is
+/// told as one.
 class Forwarder {
 public:
     explicit Forwarder(xmlSchemaValidCtxt& context)
@@ -36,11 +39,8 @@ public:
     }
 
     void add(bool isCData, const xmlChar* text, int length) {
-        if (isPending_ && isCData != isCData_) {
-            flush();
-        }
         isPending_ = true;
-        isCData_ = isCData;
+        hasCData_ = hasCData_ || isCData;
         text_.append(reinterpret_cast<const char*>(text), static_cast<std::size_t>(length));
     }
     /// The validator, for what is no text.
@@ -55,10 +55,11 @@ public:
 private:
     void flush() {
         if (isPending_) {
-            const auto tell = isCData_ ? handler_->cdataBlock : handler_->characters;
+            const auto tell = hasCData_ ? handler_->cdataBlock : handler_->characters;
             tell(target_, reinterpret_cast<const xmlChar*>(text_.data()),
                  static_cast<int>(text_.size()));
             isPending_ = false;
+            hasCData_ = false;
             text_.clear();
         }
     }
@@ -68,7 +69,7 @@ private:
     xmlSchemaSAXPlugStruct* plug_;
     std::string text_;
     bool isPending_ = false;
-    bool isCData_ = false;
+    bool hasCData_ = false; // in the pending text
     bool hasReferences_ = false;
 };
 

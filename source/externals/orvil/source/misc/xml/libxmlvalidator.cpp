@@ -37,6 +37,50 @@ std::string formatMessage(const char* format, va_list arguments) {
     return buffer.data();
 }
 
+xmlNode* nextInTree(xmlNode* node, const xmlNode* root) {
+    if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
+        return node->children;
+    }
+    while (node != root && node->next == nullptr) {
+        node = node->parent;
+    }
+    return node == root ? nullptr : node->next;
+}
+
+/// What the validator copies while it joins the text of the element: all that it has so far, for
+/// each piece. Elements with others inside have no text that matters to it.
+double bytesToCopy(const xmlNode& element) {
+    double pieces = 0;
+    double bytes = 0;
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        if (child->type == XML_ELEMENT_NODE) {
+            return 0;
+        }
+        if (child->type == XML_TEXT_NODE || child->type == XML_CDATA_SECTION_NODE) {
+            ++pieces;
+            bytes += xmlStrlen(child->content);
+        }
+    }
+    return pieces > 1 ? pieces / 2 * bytes : 0;
+}
+
+/// In a tree, CDATA sections and comments divide texts, and the validator takes a time quadratic in
+/// the number of pieces. Throws when that would be seconds.
+void checkPieces(xmlNode* root) {
+    constexpr double allowed = 1e10; // bytes
+    double copied = 0;
+    for (xmlNode* node = root; node != nullptr; node = nextInTree(node, root)) {
+        const bool isDivided = node->type == XML_ELEMENT_NODE && node->children != node->last;
+        copied += isDivided ? bytesToCopy(*node) : 0;
+        if (copied > allowed) {
+            throw LibXml::failure(
+                "LibXml: Document not validated: the text of the element in line " +
+                    std::to_string(xmlGetLineNo(node)) + " is in too many pieces",
+                __LINE__);
+        }
+    }
+}
+
 } // namespace
 
 void LibXmlSchemaValidator::SchemaDeleter::operator()(xmlSchema* schema) const noexcept {
@@ -94,9 +138,14 @@ bool LibXmlSchemaValidator::doValidate(IXmlNode* node) {
     }
     xmlSchemaSetValidErrors(context.get(), onError, onWarning, this);
     const std::string_view text = libXmlNode->textOfParts();
-    const int result = text.empty()
-                           ? xmlSchemaValidateOneElement(context.get(), libXmlNode->getWholeNode())
-                           : LibXml::validateText(*context, text);
+    int result = 0;
+    if (text.empty()) {
+        xmlNode* const element = libXmlNode->getWholeNode();
+        checkPieces(element);
+        result = xmlSchemaValidateOneElement(context.get(), element);
+    } else {
+        result = LibXml::validateText(*context, text);
+    }
     if (result < 0) {
         throw LibXml::failure("LibXml: Could not create validation context", __LINE__);
     }
