@@ -7,6 +7,7 @@
 #include "host/core/text.h"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 namespace host {
@@ -128,6 +129,8 @@ DocumentReport Session::openOne(const std::filesystem::path& file) {
         showToPlugins(document, report);
     } catch (const DocumentError& problem) {
         report.error = problem.what();
+    } catch (const std::bad_alloc&) {
+        report.error = file.string() + ": too large for the memory that there is";
     } catch (const std::exception& problem) {
         report.error = file.string() + ": " + problem.what();
     }
@@ -166,6 +169,9 @@ void Session::save(const OpenDocument& document, DocumentReport& report) {
         report.savedAs = options_.save->string();
     } catch (const DocumentError& problem) {
         report.error = problem.what();
+    } catch (const std::bad_alloc&) {
+        report.error =
+            options_.save->string() + ": too large to be made in the memory that there is";
     }
 }
 

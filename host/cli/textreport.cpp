@@ -5,12 +5,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <string_view>
 
 namespace host {
 
 namespace {
 
 constexpr std::size_t columnCount = 5;
+/// Columns are not made wider for the sake of a longer text in one line.
+constexpr std::size_t widestColumn = 60;
 using Line = std::array<std::string, columnCount>;
 
 /// The width on a terminal: characters, not bytes. Wide characters are few in font names.
@@ -20,12 +24,41 @@ std::size_t widthOf(const std::string& text) {
     }));
 }
 
-/// Names come from outside: what would move the cursor is shown as "?".
-std::string printable(const std::string& text) {
-    std::string result = text;
-    std::replace_if(
-        result.begin(), result.end(),
-        [](char byte) { return static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F; }, '?');
+/// Characters beyond ASCII that move the cursor or turn the text around it.
+bool isControl(std::uint32_t code) {
+    return code < 0xA0 || code == 0x61C || code == 0x200E || code == 0x200F ||
+           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+/// Names come from outside: what would move the cursor or turn text around is shown as "?", and so
+/// is what is no UTF-8.
+std::string printable(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < 0x80) {
+            result += byte < 0x20 || byte == 0x7F ? '?' : text[i];
+            ++i;
+            continue;
+        }
+        const std::size_t length = byte < 0xC2 || byte > 0xF4 ? 1
+                                   : byte < 0xE0              ? 2
+                                   : byte < 0xF0              ? 3
+                                                              : 4;
+        std::size_t end = i + 1;
+        std::uint32_t code = byte & (0x7FU >> length);
+        while (end < std::min(i + length, text.size()) &&
+               (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+            code = code << 6 | (static_cast<unsigned char>(text[end++]) & 0x3FU);
+        }
+        if (length == 1 || end != i + length || isControl(code)) {
+            result += '?';
+        } else {
+            result += text.substr(i, length);
+        }
+        i = end;
+    }
     return result;
 }
 
@@ -43,7 +76,8 @@ std::string tableOf(const std::vector<Line>& lines) {
     std::array<std::size_t, columnCount> widths{};
     for (const Line& line : lines) {
         for (std::size_t column = 0; column < columnCount; ++column) {
-            widths[column] = std::max(widths[column], widthOf(line[column]));
+            widths[column] =
+                std::max(widths[column], std::min(widthOf(line[column]), widestColumn));
         }
     }
     std::string text;
@@ -52,7 +86,8 @@ std::string tableOf(const std::vector<Line>& lines) {
         for (std::size_t column = 0; column < columnCount; ++column) {
             text += ' ' + line[column];
             if (column + 1 < columnCount) {
-                text.append(widths[column] - widthOf(line[column]) + 1, ' ');
+                const std::size_t width = widthOf(line[column]);
+                text.append(width < widths[column] ? widths[column] - width + 1 : 1, ' ');
             }
         }
         text += '\n';

@@ -219,7 +219,8 @@ void readFontShorthand(const Declaration& declaration, TextTable& texts,
     Shorthand shorthand;
     Value family;
     if (readShorthand(declaration.value, shorthand) &&
-        readValue(Property::Family, shorthand.families, texts, family)) {
+        readValue(Property::Family, shorthand.families, texts, family) &&
+        family.kind == Value::Kind::Absolute) { // "inherit" is no family
         add(Property::Family, family);
         add(Property::Slant, shorthand.slant);
         add(Property::Weight, shorthand.weight);

@@ -121,6 +121,9 @@ bool Matcher::matches(ElementId element, const StyleSheets::Compound& compound) 
            std::all_of(compound.attributes.begin(), compound.attributes.end(),
                        [&](const StyleSheets::AttributeTest& test) {
                            const std::string* value = attribute(element, test.name);
+                           if (value == nullptr && test.orPrefixed) {
+                               value = attribute(element, ":" + test.name);
+                           }
                            return value != nullptr && relates(test, *value);
                        });
 }

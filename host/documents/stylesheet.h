@@ -27,7 +27,8 @@ public:
     virtual std::string_view idOf(ElementId element) const = 0;
     virtual std::string_view classesOf(ElementId element) const = 0; ///< blank-separated
     struct NamedValue {
-        std::string_view name; ///< without a prefix; as long-lived as the subject
+        std::string_view name; ///< without its prefix, but with ':' if it has one; as long-lived as
+                               ///< the subject
         std::string value;
     };
     /// All attributes, in their order.
@@ -65,8 +66,9 @@ public:
 private:
     friend class Matcher;
     struct AttributeTest {
-        std::string name;
-        char relation = 0; ///< '=', '~', '|', '^', '$', '*', 0 for mere presence
+        std::string name;        ///< as in NamedValue
+        bool orPrefixed = false; ///< in any namespace or none
+        char relation = 0;       ///< '=', '~', '|', '^', '$', '*', 0 for mere presence
         std::string value;
     };
     struct Compound {

@@ -249,8 +249,14 @@ void StyleSheets::Parser::readRule(std::string_view selectors, std::size_t start
                         test.value = unquoted(inside.substr(equals + 1));
                     }
                     name = trim(name);
-                    test.name = unescape(name.substr(name.rfind('|') + 1));
+                    const std::size_t bar = name.rfind('|');
+                    test.name = unescape(name.substr(bar + 1)); // npos + 1 is none
                     valid = valid && !test.name.empty();
+                    // Which namespace a prefix stands for is not asked.
+                    test.orPrefixed = name.starts_with("*|");
+                    if (bar != std::string_view::npos && bar != 0 && !test.orPrefixed) {
+                        test.name.insert(0, 1, ':');
+                    }
                     compound.attributes.push_back(std::move(test));
                     ++classes;
                 } else if (reader.accept(':')) {

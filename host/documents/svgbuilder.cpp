@@ -17,8 +17,9 @@ class Builder {
 public:
     Builder(const std::string& source, std::string_view name, const SvgOptions& options)
         : name_(name), options_(options), allowance_(source.size() + referenceAllowance) {
-        drawing_.tree =
-            scan(source, name, {options.maximumDepth, options.keepGroups, options.language});
+        drawing_.tree = scan(
+            source, name,
+            {options.maximumDepth, options.maximumElements, options.keepGroups, options.language});
         drawing_.styles = resolveStyles(drawing_.tree, name);
     }
 
@@ -135,17 +136,6 @@ private:
         node.runCount = static_cast<std::uint32_t>(drawing_.parts.runs.size()) - firstRun;
     }
 
-    /// The element that begins a line of its own: a paragraph, or a span that is a line.
-    ElementId paragraphOf(ElementId id) const {
-        for (; id != noElement && !tree().isFrame(id); id = tree().elements[id].parent) {
-            if (tree().elements[id].tag == Tag::FlowPara ||
-                tree().valueOf(id, AttributeName::Role) == "line") {
-                return id;
-            }
-        }
-        return noElement;
-    }
-
     void addPiece(std::uint32_t number, RunId firstRun) {
         const Piece& piece = tree().pieces[number];
         std::string_view characters =
@@ -155,14 +145,14 @@ private:
         }
         std::string& text = drawing_.parts.text;
         std::size_t start = text.size();
-        if (const ElementId paragraph = paragraphOf(piece.element); paragraph != noElement) {
-            if (lastParagraph_ != noElement && lastParagraph_ != paragraph &&
+        if (piece.paragraph != noElement) {
+            if (lastParagraph_ != noElement && lastParagraph_ != piece.paragraph &&
                 start != frameStart_) {
                 dropLastBlank(firstRun);
                 start = text.size();
                 text += '\n';
             }
-            lastParagraph_ = paragraph;
+            lastParagraph_ = piece.paragraph;
         }
         appendCollapsed(characters, tree().elements[piece.element].preserve);
         if (text.size() == start) {
@@ -224,7 +214,7 @@ private:
         if (!target.starts_with('#')) {
             return {};
         }
-        if (elementOfId_.empty()) {
+        if (!std::exchange(idsKnown_, true)) {
             for (ElementId element = 0; element < tree().elements.size(); ++element) {
                 if (const auto* name = tree().find(element, AttributeName::Id)) {
                     elementOfId_.emplace(*name, element);
@@ -258,7 +248,11 @@ private:
         const auto [place, added] =
             faces_.try_emplace(key, static_cast<FaceId>(drawing_.parts.faces.size()));
         if (added) {
-            Face face = makeFace(tree(), drawing_.styles, look);
+            const auto [family, unknown] = families_.try_emplace(key.front());
+            if (unknown) {
+                family->second = faceOfFamilies(tree(), drawing_.styles, key.front());
+            }
+            Face face = styledFace(family->second, look);
             // Different family lists may begin with the same family.
             const auto [same, newFace] = distinctFaces_.try_emplace(face, place->second);
             place->second = same->second;
@@ -283,7 +277,9 @@ private:
     std::uint32_t lastPiece_ = 0; ///< that added to the last run
     ElementId lastParagraph_ = noElement;
     std::size_t allowance_;
+    bool idsKnown_ = false;
     std::unordered_map<std::string_view, ElementId> elementOfId_;
+    std::unordered_map<std::uint32_t, Face> families_; ///< by number of the family list
     std::map<std::array<std::uint32_t, 4>, FaceId> faces_;
     std::unordered_map<Face, FaceId, FaceHash> distinctFaces_;
     std::array<std::uint32_t, 4> lastKey_{noElement, 0, 0, 0};

@@ -29,7 +29,11 @@ Drawing readDrawing(const std::string& source, std::string_view name, const SvgO
 /// False for text of blanks, joiners, direction marks and the like alone.
 bool hasVisibleCharacter(std::string_view text);
 
-/// The face that values of the font properties make.
-Face makeFace(const Tree& tree, const Styles& styles, const Style& look);
+/// The face that a family list gives by its first family, in normal weight, slant and stretch.
+/// @param families by its text number
+Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t families);
+
+/// The face of a family in the weight, slant and stretch that a style has.
+Face styledFace(Face face, const Style& look);
 
 } // namespace host::svg

@@ -26,7 +26,9 @@ std::string_view Scanner::keep(const xmlChar* start, const xmlChar* end) {
         notAfter(value.data() + value.size(), source_.data() + source_.size())) {
         return value;
     }
-    return tree_.values.emplace_back(value);
+    const auto known = keptValues_.find(value);
+    return known != keptValues_.end() ? *known
+                                      : *keptValues_.insert(tree_.values.emplace_back(value)).first;
 }
 
 Scanner::AttributeSet Scanner::addAttributes(Element& element, unsigned count,
@@ -73,6 +75,14 @@ void Scanner::interpretAttributes(Element& element) {
     element.layer = element.layer && element.tag == Tag::Group;
 }
 
+bool Scanner::isLine(const Element& element) const {
+    return std::any_of(tree_.attributes.begin() + element.firstAttribute, tree_.attributes.end(),
+                       [](const Attribute& attribute) {
+                           return attribute.name == AttributeName::Role &&
+                                  attribute.value == "line";
+                       });
+}
+
 /// Text in an SVG font comes with the document, as it does with one that a font-face fetches.
 void Scanner::noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes) {
     if (local != "font-face") {
@@ -106,6 +116,11 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
     if (open_.size() >= limits_.maximumDepth) {
         fail(context,
              "elements are nested more than " + std::to_string(limits_.maximumDepth) + " deep");
+        return;
+    }
+    if (tree_.elements.size() >= limits_.maximumElements) {
+        fail(context, "more than " + std::to_string(limits_.maximumElements) +
+                          " elements hold text or are shown as art");
         return;
     }
     namespaces_ += namespaceCount;
@@ -157,6 +172,10 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
     element.firstPiece = static_cast<std::uint32_t>(tree_.pieces.size());
     bool takesText = false;
     bool inFrame = outer != nullptr && outer->inFrame;
+    ElementId paragraph = inFrame ? outer->paragraph : noElement;
+    if (element.tag == Tag::FlowPara || (inFrame && has(Name::Role) && isLine(element))) {
+        paragraph = id;
+    }
     switch (element.tag) {
     case Tag::Text:
     case Tag::FlowRoot:
@@ -177,7 +196,7 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
         break;
     case Tag::TextReference:
         if (inFrame && !muted) {
-            tree_.pieces.push_back({id, static_cast<std::uint32_t>(tree_.text.size()),
+            tree_.pieces.push_back({id, paragraph, static_cast<std::uint32_t>(tree_.text.size()),
                                     static_cast<std::uint32_t>(tree_.text.size()), noPlace,
                                     noPlace});
         }
@@ -196,8 +215,8 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
         !muted && (limits_.keepAll || takesText || element.tag == Tag::FlowRoot ||
                    element.tag == Tag::TextReference || element.layer || element.tag == Tag::Use ||
                    (element.topLevel && element.tag == Tag::Group));
-    open_.push_back({id, namespaceCount, keep || outer == nullptr, takesText && !muted, inFrame,
-                     muted, element.tag, scope});
+    open_.push_back({id, paragraph, namespaceCount, keep || outer == nullptr, takesText && !muted,
+                     inFrame, muted, element.tag, scope});
     tree_.elements.push_back(element);
 }
 
@@ -247,7 +266,7 @@ void Scanner::addText(xmlParserCtxtPtr context, std::string_view text) {
     }
     if (!pieceOpen_) {
         const auto start = static_cast<std::uint32_t>(tree_.text.size());
-        tree_.pieces.push_back({current.element, start, start,
+        tree_.pieces.push_back({current.element, current.paragraph, start, start,
                                 context == context_.get() ? lastTagEnd_ : noPlace, noPlace});
         pieceOpen_ = true;
     }

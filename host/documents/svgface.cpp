@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace host::svg {
 namespace {
@@ -21,9 +22,20 @@ std::size_t styleInPostScriptName(std::string_view family) {
                : std::string_view::npos;
 }
 
+/// No font's family is longer, by far, and many faces may have the same one.
+constexpr std::size_t longestFamily = 255;
+
 /// A family that is written with escapes may hold line ends, which no font's name does and which
 /// would end a line of whatever tells of it.
 std::string inOneLine(std::string family) {
+    if (family.size() > longestFamily) {
+        std::size_t end = longestFamily;
+        while ((static_cast<unsigned char>(family[end]) & 0xC0U) == 0x80U && end > 0) {
+            --end; // of a character all or nothing
+        }
+        family.resize(end);
+        family.shrink_to_fit();
+    }
     std::replace_if(
         family.begin(), family.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
     return family;
@@ -31,32 +43,37 @@ std::string inOneLine(std::string family) {
 
 } // namespace
 
-Face makeFace(const Tree& tree, const Styles& styles, const Style& look) {
+Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t number) {
     Face face;
-    face.weight = static_cast<int>(look.value(css::Property::Weight));
-    face.slant = static_cast<Slant>(look.value(css::Property::Slant));
-    face.stretch = look.value(css::Property::Stretch) / 1000.0;
-
-    const auto families = css::readFamilies(styles.texts[look.value(css::Property::Family)]);
+    auto families = css::readFamilies(styles.texts[number]);
     if (families.empty() || families.front().generic) {
         face.family = families.empty() ? "sans-serif" : families.front().name;
         face.origin = FaceOrigin::Generic;
-    } else {
-        face.family = inOneLine(families.front().name);
-        const std::string folded = css::foldFamily(face.family);
-        if (styles.sheets.embeddedFamilies().contains(folded) ||
-            tree.embeddedFamilies.contains(folded)) {
-            face.origin = FaceOrigin::Embedded;
-        } else if (const std::size_t style = styleInPostScriptName(face.family);
-                   style != std::string_view::npos) {
-            face.postScriptName = face.family;
-            const StyleWords words = readStyleWords(std::string_view(face.family).substr(style));
-            if (words.complete && face.weight == 400 && face.slant == Slant::Upright &&
-                face.stretch == 100) {
-                face.weight = words.weight;
-                face.slant = words.slant;
-                face.stretch = words.stretch;
-            }
+        return face;
+    }
+    const std::string folded = css::foldFamily(families.front().name);
+    face.family = inOneLine(std::move(families.front().name));
+    if (styles.sheets.embeddedFamilies().contains(folded) ||
+        tree.embeddedFamilies.contains(folded)) {
+        face.origin = FaceOrigin::Embedded;
+    } else if (styleInPostScriptName(face.family) != std::string_view::npos) {
+        face.postScriptName = face.family;
+    }
+    return face;
+}
+
+Face styledFace(Face face, const Style& look) {
+    face.weight = static_cast<int>(look.value(css::Property::Weight));
+    face.slant = static_cast<Slant>(look.value(css::Property::Slant));
+    face.stretch = look.value(css::Property::Stretch) / 1000.0;
+    if (!face.postScriptName.empty() && face.weight == 400 && face.slant == Slant::Upright &&
+        face.stretch == 100) {
+        const StyleWords words = readStyleWords(
+            std::string_view(face.family).substr(styleInPostScriptName(face.family)));
+        if (words.complete) {
+            face.weight = words.weight;
+            face.slant = words.slant;
+            face.stretch = words.stretch;
         }
     }
     face.style = styleText(face.weight, face.slant, face.stretch);

@@ -19,6 +19,8 @@ struct SvgOptions {
     std::size_t maximumSize = std::size_t{256} << 20;
     /// Deepest nesting of elements.
     unsigned maximumDepth = 256;
+    /// Most elements that hold text, or groups and other art that are kept.
+    std::size_t maximumElements = 2'000'000;
     /// The user's, for text in several languages: a locale's or a web page's name of it.
     std::string language = "en_US";
 };

@@ -9,6 +9,7 @@
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -18,6 +19,32 @@ namespace {
 constexpr std::size_t referenceCost = 128; // in bytes: a parser of its own may be set up for each
 constexpr std::size_t maximumEntityText = std::size_t{32} << 20; // bytes of all references together
 constexpr std::size_t longTag = 4096; // bytes, below which attributes are few
+
+const std::string manyAttributes =
+    "an element has more than " + std::to_string(maximumAttributes) + " attributes";
+
+/// @param tag from its '<' up to the next one or further
+bool hasManyAttributes(std::string_view tag) {
+    if (tag.size() <= longTag) {
+        return false;
+    }
+    const auto first = static_cast<unsigned char>(tag[1] | 0x20);
+    if (!(first >= 'a' && first <= 'z') && first < 0x80 && tag[1] != '_' && tag[1] != ':') {
+        return false;
+    }
+    std::size_t count = 0;
+    for (std::size_t i = tag.find_first_of("\"'>"); i < tag.size() && tag[i] != '>';
+         i = tag.find_first_of("\"'>", i + 1)) {
+        if (++count > maximumAttributes) {
+            return true;
+        }
+        i = tag.find(tag[i], i + 1);
+        if (i == std::string_view::npos) {
+            break;
+        }
+    }
+    return false;
+}
 
 } // namespace
 
@@ -44,6 +71,7 @@ void Scanner::setHandlers() {
     sax.getParameterEntity = all.getParameterEntity;
     sax.getEntity = getEntity;
     sax.entityDecl = declareEntity;
+    sax.attributeDecl = declareAttribute;
     sax.startElementNs = startElement;
     sax.endElementNs = endElement;
     sax.characters = characters;
@@ -73,50 +101,20 @@ void Scanner::raise(std::string_view reason, std::size_t place) const {
     throw errorAt(source_, name_, reason, place);
 }
 
-/// @param start of a tag @param end the next '<', or the end of the source
-void Scanner::countAttributes(std::size_t start, std::size_t end) const {
-    const auto first = static_cast<unsigned char>(source_[start + 1] | 0x20);
-    if (!(first >= 'a' && first <= 'z') && first < 0x80 && source_[start + 1] != '_' &&
-        source_[start + 1] != ':') {
-        return;
+/// Where a markup declaration ends, or the one of the document type goes on with inner ones. What
+/// stands in its literals is none of its own.
+std::size_t Scanner::declarationEnd(std::size_t start) const {
+    std::size_t end = source_.find_first_of("\"'[>", start);
+    while (end < source_.size() && (source_[end] == '"' || source_[end] == '\'')) {
+        end = std::min(source_.find(source_[end], end + 1), source_.size() - 1);
+        end = source_.find_first_of("\"'[>", end + 1);
     }
-    std::size_t count = 0;
-    for (std::size_t i = source_.find_first_of("\"'>", start); i < end && source_[i] != '>';
-         i = source_.find_first_of("\"'>", i + 1)) {
-        if (++count > maximumAttributes) {
-            raise("an element has more than " + std::to_string(maximumAttributes) + " attributes",
-                  start);
-        }
-        i = source_.find(source_[i], i + 1);
-        if (i == std::string::npos) {
-            break;
-        }
-    }
-}
-
-/// The text of an entity is parsed where it is used: any tag in it counts, whatever else it may
-/// seem to be part of there.
-/// @return the first '<' behind the declaration, or the end of the source
-std::size_t Scanner::checkEntity(std::size_t start) const {
-    std::size_t end = start;
-    while (end < source_.size() && source_[end] != '>') {
-        if (source_[end] == '"' || source_[end] == '\'') {
-            end = std::min(source_.find(source_[end], end + 1), source_.size() - 1);
-        }
-        ++end;
-    }
-    for (std::size_t tag = source_.find('<', start + 1); tag < end;) {
-        const std::size_t next = std::min(source_.find('<', tag + 1), end);
-        if (next - tag > longTag) {
-            countAttributes(tag, next);
-        }
-        tag = next;
-    }
-    return std::min(source_.find('<', end), source_.size());
+    return std::min(end, source_.size());
 }
 
 /// libxml2 compares every attribute of an element with every other one, so their number is
-/// limited before it sees them. No '<' can stand in a tag.
+/// limited before it sees them: here, in declareEntity and in declareAttribute. No '<' can stand in
+/// a tag.
 void Scanner::checkLongTags() const {
     struct Passage {
         std::string_view start;
@@ -129,8 +127,8 @@ void Scanner::checkLongTags() const {
         const char kind = source_[start + 1]; // there is a zero behind the source
         if (kind != '!' && kind != '?') {
             const std::size_t next = std::min(source.find('<', start + 1), source.size());
-            if (next - start > longTag) {
-                countAttributes(start, next);
+            if (hasManyAttributes(source.substr(start, next - start))) {
+                raise(manyAttributes, start);
             }
             start = next;
             continue;
@@ -143,8 +141,7 @@ void Scanner::checkLongTags() const {
             start = source.find(passage->end, start + passage->start.size());
             start = source.find('<', std::min(start, source.size()));
         } else {
-            start = source.substr(start, 8) == "<!ENTITY" ? checkEntity(start)
-                                                          : source.find('<', start + 1);
+            start = source.find('<', declarationEnd(start));
         }
     }
 }
@@ -212,7 +209,20 @@ void Scanner::noteError(void* data, xmlErrorPtr error) {
 void Scanner::declareEntity(void* data, const xmlChar* name, int type, const xmlChar* publicId,
                             const xmlChar* systemId, xmlChar* content) {
     if (type == XML_INTERNAL_GENERAL_ENTITY) {
-        xmlSAX2EntityDecl(data, name, type, publicId, systemId, content);
+        // The text is parsed where it is used, so any tag in it counts, whatever it seems to be
+        // part of here. References to single characters are resolved in it already.
+        guarded(data, [&](Scanner& scanner) {
+            const std::string_view text = chars(content);
+            for (std::size_t tag = text.find('<'); tag < text.size();) {
+                const std::size_t next = std::min(text.find('<', tag + 1), text.size());
+                if (hasManyAttributes(text.substr(tag, next - tag))) {
+                    scanner.fail(static_cast<xmlParserCtxtPtr>(data), manyAttributes);
+                    return;
+                }
+                tag = next;
+            }
+            xmlSAX2EntityDecl(data, name, type, publicId, systemId, content);
+        });
     } else if (type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY) {
         // Such entities declare what drawings do without. They are known as empty ones: nothing is
         // opened for them, and none can be made of others without end.
@@ -220,6 +230,24 @@ void Scanner::declareEntity(void* data, const xmlChar* name, int type, const xml
         xmlSAX2EntityDecl(data, name, XML_INTERNAL_PARAMETER_ENTITY, nullptr, nullptr, nothing);
     }
     // Others would make libxml2 open files.
+}
+
+/// Every element of the name gets the attributes that have defaults.
+void Scanner::declareAttribute(void* data, const xmlChar* element, const xmlChar* /*name*/,
+                               int /*type*/, int /*kind*/, const xmlChar* value,
+                               xmlEnumerationPtr tree) {
+    xmlFreeEnumeration(tree);
+    if (value == nullptr) {
+        return;
+    }
+    guarded(data, [&](Scanner& scanner) {
+        Defaults& defaults = scanner.defaults_[element];
+        defaults.bytes += std::strlen(chars(value));
+        if (++defaults.count > maximumDefaults || defaults.bytes > maximumDefaultText) {
+            scanner.fail(static_cast<xmlParserCtxtPtr>(data),
+                         "the document type gives an element too many attributes");
+        }
+    });
 }
 
 xmlEntityPtr Scanner::getEntity(void* data, const xmlChar* name) {

@@ -13,15 +13,19 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace host::svg {
 
-constexpr std::size_t maximumAttributes = 1000; // of one element
-constexpr std::size_t maximumNamespaces = 1024; // in scope
+constexpr std::size_t maximumAttributes = 1000;  // of one element
+constexpr std::size_t maximumNamespaces = 1024;  // in scope
+constexpr std::size_t maximumDefaults = 24;      // of one element, by the document type
+constexpr std::size_t maximumDefaultText = 1000; // of one element, in bytes
 
 struct ContextDeleter {
     void operator()(xmlParserCtxtPtr context) const {
@@ -44,6 +48,7 @@ public:
 private:
     struct Open {
         ElementId element;
+        ElementId paragraph; ///< as Piece has it
         std::uint32_t namespaces;
         bool keep;
         bool takesText; ///< its character data is text of the drawing
@@ -65,6 +70,8 @@ private:
         }
         try {
             work(*scanner);
+        } catch (const std::bad_alloc&) {
+            scanner->fail(parser, "too large for the memory that there is");
         } catch (const std::exception& error) {
             scanner->fail(parser, error.what());
         }
@@ -77,14 +84,15 @@ private:
     static void characters(void* context, const xmlChar* text, int length);
     static void declareEntity(void* context, const xmlChar* name, int type, const xmlChar* publicId,
                               const xmlChar* systemId, xmlChar* content);
+    static void declareAttribute(void* context, const xmlChar* element, const xmlChar* name,
+                                 int type, int kind, const xmlChar* value, xmlEnumerationPtr tree);
     static xmlEntityPtr getEntity(void* context, const xmlChar* name);
     static void noteError(void* context, xmlErrorPtr error);
 
     void setHandlers();
     void learnNames();
     void checkLongTags() const;
-    void countAttributes(std::size_t start, std::size_t end) const;
-    std::size_t checkEntity(std::size_t start) const;
+    std::size_t declarationEnd(std::size_t start) const;
     void begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
                const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
                const xmlChar** attributes);
@@ -100,6 +108,7 @@ private:
     void readConditions(Element& element, bool& muted) const;
     static void choose(Element& element, Open& switching, bool muted);
     void interpretAttributes(Element& element);
+    bool isLine(const Element& element) const;
     void noteReferences(const Element& element, References::Scope scope);
     void noteUrls(std::string_view text, References::Scope scope, bool copy);
     void noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes);
@@ -123,6 +132,11 @@ private:
     static void stop(xmlParserCtxtPtr context);
     [[noreturn]] void raise(std::string_view reason, std::size_t place) const;
 
+    struct Defaults {
+        std::size_t count = 0;
+        std::size_t bytes = 0;
+    };
+
     const std::string& source_;
     std::string_view name_;
     ScanLimits limits_;
@@ -132,6 +146,8 @@ private:
     std::vector<Open> open_;
     std::unordered_map<const xmlChar*, Tag> tags_;
     std::unordered_map<const xmlChar*, std::array<int, 4>> attributeNames_; ///< by Space; -1: none
+    std::unordered_map<const xmlChar*, Defaults> defaults_;                 ///< by name of element
+    std::unordered_set<std::string_view> keptValues_; ///< the tree's, each once
     const xmlChar* svgUri_ = nullptr;
     const xmlChar* xlinkUri_ = nullptr;
     const xmlChar* xmlUri_ = nullptr;

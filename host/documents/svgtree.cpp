@@ -47,7 +47,8 @@ std::vector<css::SelectorSubject::NamedValue> Tree::attributesOf(ElementId eleme
     xml::AttributeCursor cursor(source, tagStart);
     for (xml::AttributePlace place; cursor.next(place);) {
         const std::string_view raw = source.substr(place.start, place.end - place.start);
-        result.push_back({place.name.substr(place.name.find(':') + 1),
+        const std::size_t colon = place.name.find(':');
+        result.push_back({place.name.substr(colon == std::string_view::npos ? 0 : colon),
                           raw.find_first_of("&\r") == std::string_view::npos
                               ? std::string(raw)
                               : xml::decode(source, place.start, place.end).text});

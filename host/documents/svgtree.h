@@ -93,6 +93,9 @@ struct Element {
 /// Character data between two tags.
 struct Piece {
     ElementId element = noElement;
+    /// Within its frame, the element around it that begins a line: a paragraph, or a span that is
+    /// one.
+    ElementId paragraph = noElement;
     std::uint32_t textStart = 0; ///< in Tree::text
     std::uint32_t textEnd = 0;
     std::uint32_t sourceStart = noPlace; ///< noPlace when it is not literally in the source
@@ -131,8 +134,9 @@ struct Tree final : css::SelectorSubject {
 
 struct ScanLimits {
     unsigned maximumDepth = 256;
-    bool keepAll = false;      ///< keep elements without text too
-    std::string_view language; ///< of the user, such as "de_DE"
+    std::size_t maximumElements = 2'000'000; ///< of the tree
+    bool keepAll = false;                    ///< keep elements without text too
+    std::string_view language;               ///< of the user, such as "de_DE"
 };
 
 /// An error at a place in the source, which may be noPlace.

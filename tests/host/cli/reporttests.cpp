@@ -68,6 +68,27 @@ TEST(AReport, IsATableWithAlignedColumns) {
     EXPECT_EQ(textOfDocument({}), "");
 }
 
+TEST(AReport, ShowsNoCharacterThatMovesTheCursorOrTurnsText) {
+    DocumentReport document = documentWith({});
+    for (const auto& [name, shown] :
+         {std::pair{"a\xC2\x9B"
+                    "31m",
+                    "a?31m"},
+          std::pair{"\xE2\x80\xAEgvs", "?gvs"},
+          std::pair{"\xE2\x81\xA6\xE2\x80\x8F\xD8\x9C", "???"}, std::pair{"\x9B\xC3", "??"},
+          std::pair{"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
+                    "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"}}) {
+        document.file = name;
+        EXPECT_EQ(textOfDocument(document), std::string(shown) + "\n  no text\n");
+    }
+}
+
+TEST(AReport, GrowsByItsNamesAndNotByTheLongestOne) {
+    std::vector<FaceOutcome> faces(4000, outcome("A", FaceState::Missing, FaceState::Missing));
+    faces.front().family = std::string(100'000, 'x');
+    EXPECT_LT(textOfDocument(documentWith(faces)).size(), 1'000'000U);
+}
+
 TEST(AReport, IsValidJsonWhateverBytesItHolds) {
     RunReport report;
     report.documents.push_back(

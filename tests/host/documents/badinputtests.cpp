@@ -97,6 +97,26 @@ TEST(ABadDrawing, IsRefusedBeforeItCostsMuch) {
                         "/>\">]>" + head + "&b;</svg>"),
                 ContainsRegex("more than 1000 attributes$"));
 
+    // Behind a literal that looks like the start of a comment; made of references; by default.
+    EXPECT_THAT(refusal("<!DOCTYPE svg SYSTEM \"<!--\">" + head + "<g" + attributes + "/></svg>"),
+                ContainsRegex("more than 1000 attributes$"));
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ENTITY b \"&#60;g" + attributes + "/&#x3e;\">]>" + head +
+                        "&b;</svg>"),
+                ContainsRegex("^bad.svg:1:[0-9]+: an element has more than 1000 attributes$"));
+    std::string defaults;
+    for (int i = 0; i < 900; ++i) {
+        defaults += " a" + std::to_string(i) + " CDATA ''";
+    }
+    EXPECT_THAT(refusal("<!DOCTYPE svg [<!ATTLIST g" + defaults + ">]>" + head +
+                        repeated("<g/>", 40'000) + "</svg>"),
+                ContainsRegex("^bad.svg:1:[0-9]+: the document type gives .* too many attributes"));
+
+    SvgOptions few;
+    few.maximumElements = 1000;
+    EXPECT_THAT(refusal(drawing("\n<text>" + repeated("<tspan/>", 2000) + "</text>"), few),
+                ContainsRegex("^bad.svg:2:[0-9]+: more than 1000 elements hold text"));
+    EXPECT_EQ(refusal(drawing(repeated("<path/>", 2000)), few), "read: ");
+
     std::string namespaces;
     for (int i = 0; i < 900; ++i) {
         namespaces += " xmlns:n" + std::to_string(i) + "='u'";
@@ -141,6 +161,21 @@ TEST(ADrawing, MayHoldAnyNumberOfUrlsThatAreNotClosed) {
                                "font-family='M'>m</text></mask><mask id='c'><text font-family='C'>c"
                                "</text></mask>")),
               "M/Regular:m|C/Regular:c");
+}
+
+/// Each would look through all elements for the id that none has.
+TEST(ADrawing, MayReferToTextThatIsNotThere) {
+    EXPECT_EQ(refusal(drawing("<text>" + repeated("<tref xlink:href='#t'/>", 50'000) + "</text>")),
+              "read: ");
+}
+
+/// Of an attribute that the document type gives them all, they share the value.
+TEST(ADrawing, MayGetAttributesByDefault) {
+    EXPECT_EQ(visibleRuns(readSvg("<!DOCTYPE svg [<!ATTLIST svg xmlns CDATA #FIXED 'http://www.w3."
+                                  "org/2000/svg'><!ATTLIST text font-family CDATA 'A' x (a|b) 'a'>"
+                                  "]><svg><text>a</text><text font-family='B'>b</text></svg>",
+                                  "x.svg")),
+              "A/Regular:a|B/Regular:b");
 }
 
 TEST(ABadDrawing, OpensNoOtherFile) {

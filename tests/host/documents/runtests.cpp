@@ -232,6 +232,22 @@ TEST(ADrawing, MayHoldImagesLargerThanTheParsersOwnLimits) {
               "A/Regular:a");
 }
 
+TEST(AFamily, IsReadOnceAndCutToTheLengthThatNamesHave) {
+    std::string list = std::string(100'000, 'x') + "\xC3\xBC";
+    for (int i = 0; i < 100'000; ++i) {
+        list += ",B";
+    }
+    std::string spans;
+    for (int i = 1000; i < 3000; ++i) {
+        spans += "<tspan font-stretch='100." + std::to_string(i) + "%'>a</tspan>";
+    }
+    const Document document = read("<text font-family='" + list + "'>" + spans + "</text>");
+    EXPECT_EQ(document.faces().size(), 201U); // by thousandths
+    EXPECT_EQ(document.face(0).family, std::string(255, 'x'));
+    const std::string name = std::string(254, 'x');
+    EXPECT_EQ(read("<text font-family='" + name + "\xC3\xBC'>a</text>").face(0).family, name);
+}
+
 TEST(ADocument, InternsItsFaces) {
     std::string body;
     for (int i = 0; i < 100; ++i) {

@@ -69,6 +69,11 @@ const Case cases[] = {
      "font-family:C}</style><text data-a='' data-b='x y'>a</text><text lang='de-AT' "
      "data-c='abmyz'>b</text>",
      "A/Bold Italic:a|C/Expanded:b"},
+    {"NamespacesInAttributeSelectors",
+     "<style>[label]{font-family:A} [ink|label]{font-weight:bold} [*|label]{font-style:italic} "
+     "[|id]{font-stretch:expanded}</style><text ink:label='x'>a</text><text label='x' id='i'>b"
+     "</text>",
+     "<sans-serif>/Bold Italic:a|A/Expanded Italic:b"},
     {"LongClassLists",
      "<style>.a.z{font-family:A} .n{font-family:N} .q .z.q>.a{font-weight:bold}</style>"
      "<g class='q b c d e f g h i j k l m n1 o p q r s t u v w x y aa bb cc dd ee ff gg z'>"
@@ -102,8 +107,10 @@ const Case cases[] = {
      "<text style='font:bold 12px/14px Foo;font-weight:300'>a</text>", "Foo/Light:a"},
     {"ShorthandOfTheSystem", "<text style='font-family:Foo;font:menu'>a</text>",
      "<sans-serif>/Regular:a"},
-    {"ShorthandWithoutFamilyIsNone", "<text style='font-family:Foo;font:12px'>a</text>",
-     "Foo/Regular:a"},
+    {"ShorthandWithoutFamilyIsNone",
+     "<text style='font-family:Foo;font:12px'>a</text>"
+     "<text style='font-family:Foo;font:bold 12px inherit'>b</text>",
+     "Foo/Regular:a|Foo/Regular:b"},
     {"RelativeWeights",
      "<g font-weight='300'><text font-family='A' font-weight='bolder'>a</text>"
      "<text font-family='A' font-weight='lighter'>b</text></g>"
