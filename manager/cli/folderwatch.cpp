@@ -2,12 +2,17 @@
 // inotify watches, one per folder.
 #include "manager/cli/folderwatch.h"
 
+#include "manager/library/error.h"
+#include "manager/library/fields.h"
 #include "manager/library/fontfile.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
+#include <fcntl.h>
+#include <iterator>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,12 +32,69 @@ bool isLink(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
+constexpr const char* mountInfo = "/proc/self/mountinfo";
+
+// Blanks, line ends and backslashes stand there as \\ and three octal digits.
+std::string withoutEscapes(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned code = 0;
+        if (text[i] == '\\' && i + 3 < text.size() &&
+            std::from_chars(&text[i + 1], &text[i + 1] + 3, code, 8).ptr == &text[i + 1] + 3) {
+            plain += static_cast<char>(code);
+            i += 3;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
 } // namespace
+
+Mounts readMounts(std::string_view text) {
+    Mounts mounts;
+    for (std::string_view line : splitLines(text)) {
+        // number, parent, device, root, path, ...
+        std::array<std::string_view, 5> fields;
+        for (std::string_view& field : fields) {
+            field = line.substr(0, line.find(' '));
+            line.remove_prefix(std::min(line.size(), field.size() + 1));
+        }
+        if (fields[4].starts_with('/')) {
+            mounts.emplace(fields[0], withoutEscapes(fields[4]));
+        }
+    }
+    return mounts;
+}
+
+bool isMountChangedNear(const Mounts& before, const Mounts& after,
+                        const std::vector<std::string>& folders) {
+    Mounts changed;
+    std::set_symmetric_difference(before.begin(), before.end(), after.begin(), after.end(),
+                                  std::inserter(changed, changed.end()));
+    return std::any_of(changed.begin(), changed.end(), [&](const auto& mount) {
+        return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+            return liesUnder(mount.second, folder) || liesUnder(folder, mount.second);
+        });
+    });
+}
 
 FolderWatch::FolderWatch(const Places& places)
     : own_(places.own()), list_(nameOf(places.folders())),
-      inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+      inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      mountInfo_(open(mountInfo, O_RDONLY | O_CLOEXEC)) {
+    checkMounts();
     watch({}, {});
+}
+
+void FolderWatch::checkMounts() {
+    try {
+        Mounts now = readMounts(readFile(mountInfo, std::size_t{64} << 20U));
+        mountHeard_ = mountHeard_ || isMountChangedNear(mounts_, now, roots_);
+        mounts_ = std::move(now);
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): then nothing is heard of mounts
+    }
 }
 
 // nullptr: it cannot be watched. A folder that is watched already keeps its watch.
@@ -61,6 +123,7 @@ void FolderWatch::addWay(Interests& interests, const std::string& root) const {
 
 FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
                                        const std::vector<std::string>& roots) {
+    roots_ = roots;
     Interests wanted;
     Result result;
     folders_.clear();
@@ -115,7 +178,7 @@ bool FolderWatch::isOfInterest(const Interest& interest, std::uint32_t events,
 }
 
 bool FolderWatch::drain() {
-    bool heard = false;
+    bool heard = std::exchange(mountHeard_, false);
     alignas(inotify_event) std::array<char, 16384> block{};
     for (;;) {
         const ssize_t count = read(inotify_.get(), block.data(), block.size());

@@ -10,11 +10,19 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace manager {
 
-/// Watches folders by inotify. Used from one thread.
+/// The file systems that a process sees: mount number and path, of text as in /proc/self/mountinfo.
+using Mounts = std::set<std::pair<std::string, std::string>>;
+Mounts readMounts(std::string_view text);
+/// Whether what differs between the two lies at, in or above one of the folders.
+bool isMountChangedNear(const Mounts& before, const Mounts& after,
+                        const std::vector<std::string>& folders);
+
+/// Watches folders by inotify, and what is mounted there. Used from one thread.
 class FolderWatch {
 public:
     /// Without inotify nothing is heard; a scan by hand still works.
@@ -29,6 +37,11 @@ public:
     /// Watches exactly these folders, the list of recorded folders, and the way to each of `roots`:
     /// that it goes, and when it is away, that it comes back.
     Result watch(const std::vector<std::string>& folders, const std::vector<std::string>& roots);
+    /// Polls with POLLPRI, once for each time that file systems were mounted or unmounted: inotify
+    /// says nothing of it. checkMounts is to be called then. -1 where that cannot be had.
+    [[nodiscard]] int mountDescriptor() const { return mountInfo_.get(); }
+    /// Looks at the list alone: a file system may be slow to answer.
+    void checkMounts();
     /// Takes what was heard; whether a scan is called for. What happens to names that are neither
     /// folders nor fonts calls for none.
     bool drain();
@@ -50,6 +63,10 @@ private:
     std::string own_;
     std::string list_; ///< the name in it of the list of recorded folders
     Descriptor inotify_;
+    Descriptor mountInfo_;
+    Mounts mounts_;
+    bool mountHeard_ = false;
+    std::vector<std::string> roots_;
     Interests interests_;
     std::set<std::string> folders_; ///< the paths whose contents are of interest
 };

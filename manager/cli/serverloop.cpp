@@ -272,13 +272,17 @@ public:
 
 private:
     void waitForAnything() {
-        std::array<pollfd, 3> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
+        std::array<pollfd, 4> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
                                           {signals_.get(), POLLIN, 0},
-                                          {watch_.descriptor(), POLLIN, 0}}};
+                                          {watch_.descriptor(), POLLIN, 0},
+                                          {watch_.mountDescriptor(), POLLPRI, 0}}};
         // A scan that is due while one runs waits for the end of that, which is a signal.
         const int settle = settleTimer_.shorten(-1);
         poll(sources.data(), sources.size(),
              scan_.isRunning() ? settle : scanTimer_.shorten(settle));
+        if (sources[3].revents != 0) {
+            watch_.checkMounts();
+        }
     }
 
     // Whether one of them means the end.

@@ -64,6 +64,30 @@ TEST(ASetOnDisk, TellsItsContainer) {
                   {4, "Test Sans,/library/a,"}, {9, "pair.ttc,/library/a,pair.ttc"}, {12, ",,"}}));
 }
 
+TEST(AListOfMounts, TellsOfChangesNearAFolder) {
+    const std::string base = "21 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                             "30 21 0:22 / /proc rw - proc proc rw\n";
+    const struct {
+        const char* added;
+        bool near;
+    } cases[] = {
+        {"", false},
+        {"40 21 8:2 / /media rw - ext4 d rw\n", true},
+        {"40 21 8:2 / /media/my\\040disk/fonts/more rw - ext4 d rw\n", true},
+        {"40 21 8:2 / /media/my\\040disk rw - ext4 d rw\n", true},
+        {"40 21 8:2 / /media/my\\040disk/other rw - ext4 d rw\n", false},
+        {"40 21 8:2 / /media/my rw - ext4 d rw\n", false},
+        {"40 21\n\n", false},
+    };
+    for (const auto& [added, near] : cases) {
+        const Mounts before = readMounts(base);
+        const Mounts after = readMounts(base + added);
+        const std::vector<std::string> folders = {"/srv", "/media/my disk/fonts"};
+        EXPECT_EQ(isMountChangedNear(before, after, folders), near) << added;
+        EXPECT_EQ(isMountChangedNear(after, before, folders), near) << added;
+    }
+}
+
 class AFolderWatch : public testing::Test {
 protected:
     AFolderWatch() {
