@@ -61,6 +61,7 @@ void parseFontChild(Orvil::IXmlNode& child, Protocol::Font& font) {
     }
 }
 
+/// Passes over texts, so that a reply may be indented.
 void parseFont(const Orvil::IXmlNode& node, Protocol::Font& font) {
     for (Orvil::IXmlNode* child = node.getFirstTagChild(); child != nullptr;
          child = child->getNextTagNode()) {

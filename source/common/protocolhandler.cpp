@@ -4,6 +4,7 @@
 
 #include "misc/xml/ixmlparser.h"
 #include "misc/xml/libxmlparser.h"
+#include "protocolelements.h"
 #include "protocolfailure.h"
 
 #include <boost/make_shared.hpp>
@@ -21,8 +22,8 @@ namespace {
 /// The fonts that stand below `node`; none when it is null.
 FontList parseFonts(const Orvil::IXmlNode* node) {
     FontList fonts;
-    for (Orvil::IXmlNode* child = node == nullptr ? nullptr : node->getFirstTagChild();
-         child != nullptr; child = child->getNextTagNode()) {
+    for (Orvil::IXmlNode* child = node == nullptr ? nullptr : firstElement(*node); child != nullptr;
+         child = nextElement(*child)) {
         fonts.push_back(HandlerHelpers::parseFont(child));
     }
     return fonts;
@@ -86,8 +87,8 @@ boost::shared_ptr<FontReply> HandlerInternal::parseFontReply(Orvil::IXmlNode* no
     constexpr int childrenRead = 2;
     bool showWindow = false;
     FontList fonts;
-    const Orvil::IXmlNode* child = node->getFirstTagChild();
-    for (int i = 0; i < childrenRead && child != nullptr; ++i, child = child->getNextTagNode()) {
+    const Orvil::IXmlNode* child = firstElement(*node);
+    for (int i = 0; i < childrenRead && child != nullptr; ++i, child = nextElement(*child)) {
         const std::string name = child->getName();
         if (name == "showWindow") {
             showWindow = HandlerHelpers::parseBoolean(child->getContent());
@@ -99,18 +100,18 @@ boost::shared_ptr<FontReply> HandlerInternal::parseFontReply(Orvil::IXmlNode* no
 }
 
 boost::shared_ptr<ShowReply> HandlerInternal::parseShowReply(Orvil::IXmlNode* node) {
-    return boost::make_shared<ShowReply>(parseFonts(node->getFirstTagChild()));
+    return boost::make_shared<ShowReply>(parseFonts(firstElement(*node)));
 }
 
 boost::shared_ptr<BuyReply> HandlerInternal::parseBuyReply(Orvil::IXmlNode* node) {
-    const Orvil::IXmlNode* const handled = node->getFirstTagChild();
+    const Orvil::IXmlNode* const handled = firstElement(*node);
     Font font;
     font.handled = handled != nullptr && HandlerHelpers::parseBoolean(handled->getContent());
     return boost::make_shared<BuyReply>(font);
 }
 
 boost::shared_ptr<ActivationReply> HandlerInternal::parseActivationReply(Orvil::IXmlNode* node) {
-    return boost::make_shared<ActivationReply>(parseFonts(node->getFirstTagChild()));
+    return boost::make_shared<ActivationReply>(parseFonts(firstElement(*node)));
 }
 
 Handler::Handler(const std::string& schema)
@@ -131,7 +132,7 @@ ReplyContainer Handler::parseReply(const std::string& xml) {
     refuseEntities(root);
     validate(internal_->validator(), root);
     ReplyContainer reply;
-    parseKind(root->getFirstTagChild(), reply);
+    parseKind(firstElement(*root), reply);
     return reply;
 }
 

@@ -28,8 +28,8 @@ public:
     HandlerHelpers() = delete;
 
     /// Reads a font element: the attribute syncID and the element children in any order; of
-    /// several of one name the last counts. Throws Orvil::Exception for an unknown child, a type or
-    /// a number that cannot be read.
+    /// several of one name the last counts, but the entries of all fontInfos are taken. Throws
+    /// Orvil::Exception for an unknown child, a type or a number that cannot be read.
     static Font parseFont(Orvil::IXmlNode* node);
     /// Reads an entry of the font infos: its first two element children, whatever they are called.
     /// Throws Orvil::Exception when there are fewer.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading of numbers, truth values, font elements and their infos.
+#include "protocolelements.h"
 #include "protocolfailure.h"
 #include "protocolfields.h"
 #include "protocolhandler.h"
@@ -24,8 +25,8 @@ std::uint32_t parseCount(const std::string& text, const std::string& element, st
 }
 
 void parseFontInfos(const Orvil::IXmlNode& node, std::list<Font::Info>& infos) {
-    for (Orvil::IXmlNode* entry = node.getFirstTagChild(); entry != nullptr;
-         entry = entry->getNextTagNode()) {
+    for (Orvil::IXmlNode* entry = firstElement(node); entry != nullptr;
+         entry = nextElement(*entry)) {
         infos.push_back(HandlerHelpers::parseFontInfo(entry));
     }
 }
@@ -76,16 +77,16 @@ unsigned safeParse<unsigned>(const std::string& text, bool& ok) {
 Font HandlerHelpers::parseFont(Orvil::IXmlNode* node) {
     Font font;
     font.syncID = node->getAttribute("syncID", "");
-    for (Orvil::IXmlNode* child = node->getFirstTagChild(); child != nullptr;
-         child = child->getNextTagNode()) {
+    for (Orvil::IXmlNode* child = firstElement(*node); child != nullptr;
+         child = nextElement(*child)) {
         parseFontChild(*child, font);
     }
     return font;
 }
 
 Font::Info HandlerHelpers::parseFontInfo(Orvil::IXmlNode* node) {
-    const Orvil::IXmlNode* const name = node->getFirstTagChild();
-    const Orvil::IXmlNode* const value = name == nullptr ? nullptr : name->getNextTagNode();
+    const Orvil::IXmlNode* const name = firstElement(*node);
+    const Orvil::IXmlNode* const value = name == nullptr ? nullptr : nextElement(*name);
     if (value == nullptr) {
         throw failure("could not parse <" + node->getName() + ">: name and value expected",
                       __LINE__);

@@ -148,20 +148,32 @@ std::vector<Complaint> findSchemaErrors(const std::string& xml, xmlSchema& schem
     return diagnosis.complaints;
 }
 
-void ignore(void* /*context*/, xmlErrorPtr /*error*/) {}
+/// Of a schema; the column is rarely known.
+void onFirstError(void* complaint, xmlErrorPtr error) {
+    auto& first = *static_cast<Complaint*>(complaint);
+    if (first.message.empty()) {
+        first = toComplaint(*error, error->line, 0);
+    }
+}
 
 } // namespace
+
+BadSchema::BadSchema(Complaint first)
+    : runtime_error("the schema does not compile"), complaint(std::move(first)) {}
 
 std::vector<Complaint> diagnose(const std::string& xml, const std::string& schema) {
     const std::unique_ptr<xmlSchemaParserCtxt, SchemaParserDeleter> context(
         xmlSchemaNewMemParserCtxt(schema.data(), static_cast<int>(schema.size())));
     std::unique_ptr<xmlSchema, SchemaDeleter> compiled;
+    Complaint first;
     if (context) {
-        xmlSchemaSetParserStructuredErrors(context.get(), ignore, nullptr);
+        const LibXml::Silence silence;
+        xmlSchemaSetParserStructuredErrors(context.get(), onFirstError, &first);
         compiled.reset(xmlSchemaParse(context.get()));
     }
     if (!compiled) {
-        throw std::runtime_error("the schema does not compile");
+        const std::vector<Complaint> faults = findSyntaxErrors(schema);
+        throw BadSchema(faults.empty() ? first : faults.front());
     }
     std::vector<Complaint> complaints = findSyntaxErrors(xml);
     return complaints.empty() ? findSchemaErrors(xml, *compiled) : complaints;

@@ -2,6 +2,7 @@
 // Where and why a protocol document is wrong.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,17 @@ struct Complaint {
 };
 
 /// What is wrong with the document by XML and by the schema (the text of one); empty when nothing
-/// is. At most `maximumComplaints`. Throws std::runtime_error when the schema does not compile.
+/// is. At most `maximumComplaints`. Throws BadSchema when the schema does not compile.
 std::vector<Complaint> diagnose(const std::string& xml, const std::string& schema);
+
+struct BadSchema : std::runtime_error {
+    explicit BadSchema(Complaint first);
+    Complaint complaint; ///< the first that there is about the schema
+};
+
+/// Where the codec stops in a reply that is valid: at the first font that it does not take, or else
+/// at the kind of reply. `message` says which font that is, or is empty.
+Complaint findRefusal(const std::string& xml);
 
 constexpr std::size_t maximumComplaints = 20;
 

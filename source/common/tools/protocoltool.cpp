@@ -10,6 +10,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -153,8 +155,8 @@ private:
     }
 
     int decode() {
-        const std::string xml = read(options_.file);
         const std::string schema = schemaText();
+        const std::string xml = read(options_.file);
         place_ = nameOf(options_.file);
         if (!isValid(xml, schema)) {
             return refused;
@@ -163,32 +165,58 @@ private:
         try {
             output_ << describeReply(handler.parseReply(xml)).dump(2) << '\n';
         } catch (const Orvil::Exception& error) {
-            const std::string message = messageOf(error);
-            const bool isRequest = message.starts_with("could not parse root node");
-            errors_ << place_ << ": " << message
-                    << (isRequest ? " (decode reads replies; validate takes requests too)" : "")
-                    << '\n';
+            Complaint complaint = findRefusal(xml);
+            complaint.message += messageOf(error);
+            if (isOfRequest(complaint.message)) {
+                complaint.message += " (decode reads replies; validate takes requests too)";
+            }
+            print(place_, complaint);
             return refused;
         }
         return done;
     }
-    int validate() { return isValid(read(options_.file), schemaText()) ? done : refused; }
+    static bool isOfRequest(const std::string& message) {
+        static constexpr std::array kinds = {"fontRequest", "showRequest", "buyRequest",
+                                             "activationRequest"};
+        return std::any_of(kinds.begin(), kinds.end(), [&](const std::string& kind) {
+            return message == "could not parse root node '" + kind + "'";
+        });
+    }
+    int validate() {
+        const std::string schema = schemaText();
+        return isValid(read(options_.file), schema) ? done : refused;
+    }
 
     /// Says what is wrong, as compilers do.
     bool isValid(const std::string& xml, const std::string& schema) {
-        const std::vector<Complaint> complaints = diagnose(xml, schema);
-        const std::string name = nameOf(options_.file);
-        for (const Complaint& complaint : complaints) {
-            errors_ << name << ':' << complaint.line << ':' << complaint.column << ": "
-                    << complaint.message << '\n';
+        try {
+            const std::vector<Complaint> complaints = diagnose(xml, schema);
+            for (const Complaint& complaint : complaints) {
+                print(nameOf(options_.file), complaint);
+            }
+            return complaints.empty();
+        } catch (const BadSchema& error) {
+            print(nameOf(options_.schemaFile), error.complaint);
+            throw Unusable(error.what());
         }
-        return complaints.empty();
+    }
+    void print(const std::string& file, const Complaint& complaint) {
+        errors_ << file << ':';
+        for (const int number : {complaint.line, complaint.column}) {
+            if (number > 0) {
+                errors_ << number << ':';
+            }
+        }
+        errors_ << ' ' << complaint.message << '\n';
     }
 
     static std::string nameOf(const std::string& file) {
         return file == "-" ? "standard input" : file;
     }
     std::string schemaText() const {
+        if (options_.file == "-" && options_.schemaFile == "-") {
+            throw Unusable("standard input cannot be both the document and its schema");
+        }
         return options_.schemaFile.empty() ? Protocol::schemaText : read(options_.schemaFile);
     }
     std::string read(const std::string& name) const {

@@ -93,7 +93,7 @@ TEST(AReplyDocument, OfAFontRequestIsReadFromItsFirstTwoChildren) {
                                   {"<other/>" + window + fonts, true, 0},
                                   {"<other/>" + fonts + window, false, 1},
                                   {"<showWindow>yes</showWindow>" + fonts, false, 1},
-                                  {"<!-- --> " + fonts + " <?p i?>" + window, false, 1},
+                                  {"<!-- --> " + fonts + " <?p i?>" + window, true, 1},
                                   {window, true, 0},
                                   {"", false, 0}};
     for (const Case& each : cases) {
@@ -102,6 +102,25 @@ TEST(AReplyDocument, OfAFontRequestIsReadFromItsFirstTwoChildren) {
         EXPECT_EQ(reply.fontReply->showWindow, each.showWindow) << each.children;
         EXPECT_EQ(reply.fontReply->fonts.size(), each.fontCount) << each.children;
     }
+}
+
+TEST(AReplyDocument, MayHaveProcessingInstructionsEverywhere) {
+    std::string content = "<fontRequestReply><showWindow>1</showWindow><fonts>" + fontText +
+                          fontText + "</fonts></fontRequestReply>";
+    for (std::size_t at = content.find('<'); at != std::string::npos;) {
+        content.insert(at, "<?count x?>");
+        at = content.find('<', at + 12);
+    }
+    const ReplyContainer reply = parseStrictly(content);
+    EXPECT_TRUE(reply.fontReply->showWindow);
+    EXPECT_EQ(reply.fontReply->fonts, (FontList{soundFont(), soundFont()}));
+    for (const char* const kind : {"showRequestReply", "activationRequestReply"}) {
+        EXPECT_EQ(setPointers(parseStrictly(std::string("<?a?><") + kind + "><?b?><fonts><?c?>" +
+                                            fontText + "<?d?></fonts><?e?></" + kind + "><?f?>")),
+                  1);
+    }
+    EXPECT_TRUE(parseStrictly("<buyRequestReply><?a?><handled>1</handled></buyRequestReply>")
+                    .buyReply->font.handled);
 }
 
 TEST(AReplyDocument, GivesPositionsAndNotNamesTheirMeaning) {

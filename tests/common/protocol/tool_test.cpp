@@ -9,7 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <sstream>
+#include <unistd.h>
 #include <vector>
 
 using testing::HasSubstr;
@@ -163,6 +167,28 @@ TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
     }
 }
 
+TEST(TheProtocolTool, SaysWhichFontOfAValidReplyBreaksARule) {
+    const std::string good = "<font syncID='1'><psName>a</psName><type>TT</type></font>\n";
+    const std::string bad = "<font syncID='7'><psName>a</psName><type>all</type></font>\n";
+    const Outcome refused =
+        run({"decode"}, head + "<?pi?>\n<showRequestReply><fonts>\n" + repeat(good, 70'000) + bad +
+                            good + bad + "</fonts></showRequestReply></cmd>");
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_EQ(refused.output, "");
+    EXPECT_EQ(refused.errors, "standard input:70003:17: font 70001 (syncID '7'): type of font must "
+                              "not be 'all' in Replies\n");
+    // The kind is refused where it stands, and only a request is told apart.
+    std::string schema = testing::TempDir() + "protocol-tool-XXXXXX";
+    const int descriptor = mkstemp(schema.data());
+    ASSERT_GE(descriptor, 0);
+    close(descriptor);
+    std::ofstream(schema) << "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                             "<xs:element name='cmd'/></xs:schema>";
+    EXPECT_EQ(run({"decode", "--schema", schema.c_str()}, "<cmd>\n <other/></cmd>").errors,
+              "standard input:2:8: could not parse root node 'other'\n");
+    std::remove(schema.c_str());
+}
+
 TEST(TheProtocolTool, DoesNotLookIntoADocumentBeyondTheCodecsLimit) {
     const std::string huge(Orvil::IXmlParser::maximumDocumentSize + 1, ' ');
     const auto complaints = ProtocolTool::diagnose(huge, Protocol::schemaText);
@@ -215,11 +241,19 @@ TEST(TheProtocolTool, TellsBadRequestsFromBadUsage) {
               1,
               "'targetApp' must be a text"},
              {{"encode", "--json", "-"}, R"({"mustMatchFontType": 1})", 1, "must be true or false"},
-             {{"decode", "--schema", "-"}, "no schema", 1, "the schema does not compile"},
+             {{"decode", "--schema", "-"}, "", 2, "both the document and its schema"},
+             {{"decode", "--schema", "-", "/dev/null"},
+              "no\nschema",
+              2,
+              "standard input:1:1: Start tag expected"},
+             {{"validate", "--schema", "-", "/dev/null"},
+              "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n<xs:nothing/></xs:schema>",
+              2,
+              "standard input:2: "},
              {{"decode"},
               run({"encode", "buy", "--font", "syncID=1,psName=P"}).output,
               1,
-              "standard input: could not parse root node 'buyRequest' (decode reads replies"},
+              ": could not parse root node 'buyRequest' (decode reads replies"},
              {{"decode", "/no/such/file"}, "", 2, "/no/such/file: cannot be read: No such file"},
              {{"validate", "/"}, "", 2, "/: cannot be read"},
              {{"decode", "--unknown"}, "", 2, "--unknown"},

@@ -12,8 +12,7 @@ namespace Orvil::ConfigurationReading {
 
 namespace {
 
-constexpr const char* sourceFile =
-    "source/externals/orvil/source/misc/configuration/configurationreader";
+constexpr const char* sourceFile = "source/externals/orvil/source/misc/configuration/readersupport";
 
 } // namespace
 

@@ -43,9 +43,9 @@ public:
     bool join();
     /// Lets a running thread go on by itself. The object must still outlive it, or destroy it.
     bool detach();
-    /// Cancels the thread and waits for its end. False if not created, or if there was nothing left
-    /// to cancel. Called by run() itself it does not wait, and the cancellation is acted on later.
-    /// Not a cancellation point.
+    /// Cancels the thread and waits for its end. False if not created, or if it was detached and
+    /// has ended; true also for one that has ended and not been joined. Called by run() itself it
+    /// does not wait, and the cancellation is acted on later. Not a cancellation point.
     bool destroy();
 
     bool isRunning() const { return running_; }

@@ -15,6 +15,10 @@ IXmlNode* firstTagFrom(IXmlNode* node) {
 
 } // namespace
 
+bool IXmlNode::isElement() const {
+    return !isText() && !isComment();
+}
+
 IXmlNode* IXmlNode::getFirstTagChild() const {
     return firstTagFrom(getFirstChild());
 }

@@ -11,7 +11,9 @@ namespace Orvil {
 /// in a document. Texts are UTF-8. The nodes that the getters return belong to the document's
 /// parser and live until it lets its document go (IXmlParser::cleanup); each is made once, so the
 /// same place always gives the same object. addChild alone hands its result to the caller.
-/// Threads: one thread at a time per document. Throws: std::bad_alloc only.
+/// Threads: one thread at a time per document. Throws: std::bad_alloc; of a document that is kept
+/// in parts (IXmlParser::setPartLevel), also Exception from whatever reads on: hasChildren,
+/// hasNextNode, getContent, and what gives children and siblings.
 class IXmlNode {
 public:
     IXmlNode() = default;
@@ -58,6 +60,9 @@ public:
     /// In document order, of every kind.
     virtual std::vector<IXmlNode*> getChildren() const;
     virtual std::vector<IXmlNode*> getChildren(const std::string& name) const;
+
+    /// Other than text and comments, processing instructions and references to entities are none.
+    virtual bool isElement() const;
 };
 
 } // namespace Orvil

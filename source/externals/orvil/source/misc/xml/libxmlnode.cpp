@@ -105,6 +105,10 @@ bool LibXmlNode::isComment() const {
     return node_ != nullptr && node_->type == XML_COMMENT_NODE;
 }
 
+bool LibXmlNode::isElement() const {
+    return node_ != nullptr && node_->type == XML_ELEMENT_NODE;
+}
+
 IXmlNode* LibXmlNode::getParent() const {
     return parent_;
 }

@@ -73,6 +73,7 @@ public:
     bool hasNextNode() const override;
     bool isText() const override;
     bool isComment() const override;
+    bool isElement() const override;
     IXmlNode* getParent() const override;
     IXmlNode* getFirstChild() const override;
     IXmlNode* getNextNode() const override;
