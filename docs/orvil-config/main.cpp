@@ -18,7 +18,8 @@ namespace {
 
 constexpr const char* usage =
     "usage: orvil-config ARGUMENT...\n"
-    "Applies the arguments in their order and prints every value as PATH[INDEX]=VALUE.\n"
+    "Applies the arguments in their order and prints every category as PATH. (PATH+. if it\n"
+    "inherits) and every value as PATH[INDEX]=VALUE.\n"
     "  -readIniFile=FILE   read an INI file\n"
     "  -readXmlFile=FILE   read an XML file\n"
     "  PATH=VALUE          set a value; PATH[INDEX]=VALUE sets one of a list\n"
@@ -50,13 +51,17 @@ void printValues(const Orvil::Configuration& store, const std::string& path) {
     }
 }
 
-/// Prints the whole tree: of each category first its properties, then its categories, by name.
+/// Prints the whole tree: of each category first itself, then its properties, then its categories,
+/// by name.
 void printTree(const Orvil::Configuration& store) {
     std::vector<std::string> pending{""};
     while (!pending.empty()) {
         const std::string path = pending.back();
         pending.pop_back();
         const std::string prefix = path.empty() ? "" : path + ".";
+        if (!path.empty()) {
+            std::cout << path << (store.isInheriting(path) ? "+.\n" : ".\n");
+        }
         for (const std::string& name : sorted(store.getSubProperties(path))) {
             printValues(store, prefix + name);
         }

@@ -39,8 +39,13 @@ protected:
 TEST_F(TheExampleProgram, PrintsTheTreeThatItsArgumentsMake) {
     const std::string ini = file("a.ini", "[b]\nx=1\n[b.in+]\ny=2\n");
     EXPECT_EQ(run("-readIniFile=" + ini + " 'a.list[1]=z' top=t z=last"),
-              "top[0]=t\nz[0]=last\na.list[0]=\na.list[1]=z\nb.x[0]=1\nb.in.y[0]=2\n");
+              "top[0]=t\nz[0]=last\na+.\na.list[0]=\na.list[1]=z\nb.\nb.x[0]=1\nb.in+.\n"
+              "b.in.y[0]=2\n");
     EXPECT_EQ(status, 0);
+    EXPECT_EQ(run("-readIniFile=" + file("b.ini", "[empty+]\n[plain]\n") + " -readXmlFile=" +
+                  file("b.xml", "<configuration><c inherit='true'><!-- --></c></configuration>")),
+              "c+.\nempty+.\nplain.\n")
+        << "nothing in them";
     EXPECT_EQ(run("-readIniFile=" + ini + " -get=b.in.x"), "b.in.x[0]=1\n") << "inherited";
     EXPECT_THAT(run(""), StartsWith("usage: "));
     EXPECT_EQ(status, 2);

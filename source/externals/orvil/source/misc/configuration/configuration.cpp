@@ -362,6 +362,12 @@ std::vector<std::string> Configuration::getSubCategories(std::string_view path) 
     return childNames(path, false);
 }
 
+bool Configuration::isInheriting(std::string_view path) const {
+    const ScopedLock<Mutex> locked(lock_);
+    const ConfigCategory* const category = findCategory(root_, path);
+    return category != nullptr && category->inherit;
+}
+
 Configuration::ConfigNode* Configuration::findNode(ConfigCategory* start, std::string_view path,
                                                    bool useInheritance) {
     if (start == nullptr || path.empty()) {

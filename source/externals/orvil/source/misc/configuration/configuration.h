@@ -109,6 +109,8 @@ public:
     /// order.
     std::vector<std::string> getSubProperties(std::string_view path) const;
     std::vector<std::string> getSubCategories(std::string_view path) const;
+    /// Whether the category (found without inheritance) inherits; false if there is none.
+    bool isInheriting(std::string_view path) const;
 
 private:
     static ConfigNode* findNode(ConfigCategory* start, std::string_view path, bool useInheritance);

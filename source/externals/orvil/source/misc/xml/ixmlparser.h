@@ -21,7 +21,11 @@ namespace Orvil {
 /// file is compressed, 256 attributes per element, 256 declarations of namespaces that hold in one
 /// place, and 100,000 different names, of some 1 MB in all. What its entities and its defaults of
 /// attributes add, wherever they are used, is at most tenfold its size, or 1 MB for a small one.
-/// What exceeds the bounds fails to parse, with the reason in the message.
+/// What exceeds the bounds fails to parse, with the reason in the message. So do a document with
+/// too many attributes in what only looks like a start tag, in a comment or a CDATA section, and
+/// one of more than 64 KiB in an encoding that is not UTF-8, UTF-16 or known to keep the characters
+/// of ASCII. In a document of more than 1 MB, the first fault is told, otherwise libxml2's last
+/// one.
 ///
 /// Throws: Exception from parse and parseString. Threads: one at a time per parser.
 class IXmlParser : public SmartPointable {
@@ -37,9 +41,11 @@ public:
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.
     virtual IXmlNode* getRootNode() const = 0;
-    /// Writes the document, indented, as UTF-8. The old file is replaced at once and its mode kept;
-    /// in a folder that takes no new files it is overwritten. What a symbolic link leads to is
-    /// written. A failure is not reported and leaves the old file.
+    /// Writes the document, indented, as UTF-8. The old file is replaced at once and its mode kept.
+    /// In a folder that takes no new files, or if the owner of a new one cannot be that of the old,
+    /// it is overwritten in place. What a symbolic link leads to is written. A failure is not
+    /// reported and leaves the old file, except where it is overwritten: if the file system cannot
+    /// reserve the room beforehand, or fails later all the same, it may be left half-written.
     virtual void write(const std::string& fileName) const = 0;
     /// Leaves `text` as it is: serialising to memory is the caller's own business.
     virtual void writeString(std::string& text) const = 0;

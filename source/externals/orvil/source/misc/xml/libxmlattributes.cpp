@@ -54,12 +54,18 @@ std::string declaredEncoding(std::string_view text) {
     return std::string(text.substr(open + 1, text.find(text[open], open + 1) - open - 1));
 }
 
-/// No byte of another character looks like a bracket, a quote or a sign of equality.
+/// No byte of another character looks like a bracket, a quote or a sign of equality. That holds for
+/// every encoding with one of these prefixes; many with others of "CP" and "IBM" are EBCDIC.
 bool keepsAscii(const std::string& name) {
     static constexpr std::array prefixes = {
-        "UTF-8",  "UTF8",        "US-ASCII", "ASCII",   "ISO-8859-", "ISO8859-",
-        "LATIN1", "windows-125", "CP125",    "KOI8-",   "EUC-",      "Shift_JIS",
-        "SJIS",   "GB2312",      "GBK",      "GB18030", "Big5"};
+        "UTF-8",    "UTF8",        "US-ASCII",    "ASCII",       "ANSI_X3.4",   "ISO-8859-",
+        "ISO8859-", "ISO_8859",    "LATIN1",      "LATIN2",      "csISOLatin",  "macintosh",
+        "MAC-",     "windows-125", "windows-874", "windows-31J", "windows-936", "CP125",
+        "CP437",    "CP77",        "CP85",        "CP86",        "CP874",       "CP932",
+        "CP936",    "CP949",       "CP950",       "IBM437",      "IBM77",       "IBM85",
+        "IBM86",    "IBM874",      "KOI8-",       "TIS-620",     "TIS620",      "EUC-",
+        "UHC",      "Shift_JIS",   "SJIS",        "GB2312",      "GBK",         "GB18030",
+        "Big5"};
     return name.empty() || std::any_of(prefixes.begin(), prefixes.end(), [&](const char* prefix) {
                return strncasecmp(name.c_str(), prefix, std::strlen(prefix)) == 0;
            });

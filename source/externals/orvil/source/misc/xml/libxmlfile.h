@@ -14,8 +14,10 @@ std::string readFile(const std::string& fileName);
 
 /// Writes a file, or replaces one at once and keeps its mode; a symbolic link stays, and what it
 /// leads to is written. In a folder that takes no new file, or for a file of another owner, the old
-/// one is overwritten, after the room for that has been reserved. False, with the old file as it
-/// was, if it cannot be written.
+/// one is overwritten, after the room for that has been reserved where the file system can. False
+/// if it cannot be written. Then the old file is as it was, except if overwriting it failed midway:
+/// for lack of room that was not reserved, or by an error of the device. A device or a pipe just
+/// gets the bytes.
 bool replaceFile(const std::string& fileName, std::string_view bytes);
 
 } // namespace Orvil::LibXml
