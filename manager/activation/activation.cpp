@@ -213,28 +213,34 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
     const bool changed = std::any_of(outcomes.begin(), outcomes.end(), isChanged);
     endChange(changed);
-    bool tookAway = false;
+    std::vector<std::string> reduced;
     if (changed) {
-        reloadDesktopFonts();
+        std::vector<std::string> folders;
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (outcomes[i].changed) {
+                folders.push_back(folders_.folder(records[i].id));
+            }
+        }
+        changedFolders_.insert(changedFolders_.end(), folders.begin(), folders.end());
+        showChanges(folders);
         const std::set<std::string> visible = visibleFontFiles(folders_.root());
         for (std::size_t i = 0; i < records.size(); ++i) {
             if (!outcomes[i].changed) {
                 continue;
             }
             const std::string folder = folders_.folder(records[i].id);
-            changedFolders_.push_back(folder);
             std::vector<std::string> problems;
             const auto invisible = findInvisible(records[i], folder, visible, problems);
             tell(std::move(problems), records[i].files.size(), outcomes[i]);
             if (!invisible.empty()) {
                 takeAway(invisible, records[i], outcomes[i]);
                 outcomes[i].changed = filesInPlace(records[i].id) != before[i];
-                tookAway = true;
+                reduced.push_back(folder);
             }
         }
     }
-    if (tookAway) {
-        reloadDesktopFonts();
+    if (!reduced.empty()) {
+        showChanges(reduced);
     }
     for (ActivationOutcome& outcome : outcomes) {
         outcome.success = outcome.problems.empty();
@@ -266,6 +272,7 @@ std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerI
     const FileLock held = lock();
     beginChange();
     std::vector<ContainerId> removed;
+    std::vector<std::string> kept;
     for (std::size_t i = 0; i < containers.size(); ++i) {
         const std::string folder = folders_.folder(containers[i]);
         ActivationOutcome& outcome = outcomes[i];
@@ -282,7 +289,7 @@ std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerI
             if (leftBehind) {
                 outcome.problems.push_back(folder +
                                            ": kept, it holds files that are not this program's");
-                changedFolders_.push_back(folder);
+                kept.push_back(folder);
             }
         } catch (const Error& error) {
             outcome.problems.emplace_back(error.what());
@@ -302,7 +309,8 @@ std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerI
             }
         }
     }
-    reloadDesktopFonts();
+    changedFolders_.insert(changedFolders_.end(), kept.begin(), kept.end());
+    showChanges(kept);
     return outcomes;
 }
 

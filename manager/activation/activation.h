@@ -80,6 +80,8 @@ private:
     void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);
+    /// Has the desktop read what changed in the root and in these folders of sets.
+    void showChanges(std::span<const std::string> folders) const;
     void beginChange();
     void endChange(bool changed);
 

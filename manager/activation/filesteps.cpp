@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -89,6 +90,12 @@ void linkOrCopy(const std::string& source, const std::string& target) {
         unlink(target.c_str());
         throw;
     }
+}
+
+void touchFolder(const std::string& path) {
+    timespec times[2]{{0, UTIME_OMIT}, {}};
+    clock_gettime(CLOCK_REALTIME, &times[1]);
+    utimensat(AT_FDCWD, path.c_str(), times, 0);
 }
 
 bool renameToFree(const std::string& source, const std::string& target) {

@@ -22,6 +22,11 @@ void removeTree(const std::string& path);
 /// nothing there.
 void linkOrCopy(const std::string& source, const std::string& target);
 
+/// Gives a folder the present time, to the nanosecond. What the kernel writes counts in ticks, so
+/// that a cache made between two changes of one tick would be believed for good. One that is not
+/// there is no error.
+void touchFolder(const std::string& path);
+
 /// Takes the name `target` without replacing what may have come there meanwhile. False, with errno
 /// set: it did not.
 bool renameToFree(const std::string& source, const std::string& target);

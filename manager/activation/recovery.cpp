@@ -2,11 +2,11 @@
 // What a crash left behind, and the late touch that is due after every change.
 #include "manager/activation/activation.h"
 #include "manager/activation/desktopfonts.h"
+#include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <utility>
 
 namespace manager {
 
@@ -23,6 +23,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
         try {
             folders_.recover(id, [&](const std::string& text) {
                 changed = true;
+                changedFolders_.push_back(folders_.folder(id));
                 report(text);
             });
         } catch (const Error& error) {
@@ -31,7 +32,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
     }
     endChange(changed);
     // Also after a crash between a change and its reload.
-    reloadDesktopFonts();
+    showChanges(changedFolders_);
 }
 
 // The mark is there before the first change, so that a process killed after it is found out.
@@ -47,16 +48,16 @@ void Activation::endChange(bool changed) {
 }
 
 void Activation::settle() {
-    const auto touch = [](const std::string& folder) {
-        // A folder that went meanwhile needs no touch.
-        utimensat(AT_FDCWD, folder.c_str(), nullptr, 0);
-    };
-    touch(folders_.root());
-    std::for_each(changedFolders_.begin(), changedFolders_.end(), touch);
-    changedFolders_.clear();
+    const std::vector<std::string> folders = std::exchange(changedFolders_, {});
     unsettled_ = false;
     folders_.staging().unmarkUnsettled();
-    reloadDesktopFonts(); // the touch has outdated the caches: write them once more for everybody
+    showChanges(folders); // the touch has outdated the caches: writes them once more for everybody
+}
+
+void Activation::showChanges(std::span<const std::string> folders) const {
+    touchFolder(folders_.root());
+    std::for_each(folders.begin(), folders.end(), touchFolder);
+    reloadDesktopFonts();
 }
 
 } // namespace manager

@@ -3,11 +3,16 @@
 #include "manager/cli/announce.h"
 
 #include "manager/library/error.h"
+#include "manager/library/places.h"
 #include "platform/appleevents.h"
 #include "platform/notify.h"
 #include "platform/processes.h"
 
+#include <cerrno>
 #include <cstring>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace manager {
 
@@ -65,7 +70,32 @@ std::optional<std::int32_t> findServer() {
     return std::nullopt;
 }
 
+namespace {
+
+/// Waits, no longer than a few seconds, for the end of a process.
+class ProcessEnd {
+public:
+    explicit ProcessEnd(std::int32_t processId)
+        : process_(static_cast<int>(syscall(SYS_pidfd_open, processId, 0))) {}
+    void await() const {
+        pollfd ended{process_.get(), POLLIN, 0};
+        while (process_ && poll(&ended, 1, patienceMilliseconds) < 0 && errno == EINTR) {
+        }
+    }
+
+private:
+    static constexpr int patienceMilliseconds = 5000;
+
+    Descriptor process_;
+};
+
+} // namespace
+
 void askServerToQuit() {
+    std::optional<ProcessEnd> end;
+    if (const auto server = findServer()) {
+        end.emplace(*server);
+    }
     OwnedDesc address;
     OwnedDesc event;
     OwnedDesc reply;
@@ -83,6 +113,10 @@ void askServerToQuit() {
     }
     if (status != noErr) {
         throw Error("the server did not answer (status " + std::to_string(status) + ")");
+    }
+    // Whoever starts the next one must not meet this one still leaving.
+    if (end) {
+        end->await();
     }
 }
 

@@ -21,8 +21,8 @@ bool sendLibraryChanged(const ChangeTarget& target);
 /// The process id of the running server, if there is one.
 std::optional<std::int32_t> findServer();
 
-/// Asks the running server to quit and returns once it has said yes. Throws Error when there is
-/// none.
+/// Asks the running server to quit and returns once it has ended; after some seconds also when it
+/// said yes and has not. Throws Error when there is none.
 void askServerToQuit();
 
 } // namespace manager

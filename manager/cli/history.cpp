@@ -30,6 +30,21 @@ std::string historyPath(const Places& places) {
 
 using BreakDown = std::tm*(const std::time_t*, std::tm*);
 
+bool isFull(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && status.st_size > maximumSize;
+}
+
+void putAside(const std::string& path) {
+    try {
+        const FileLock lock(path + ".lock");
+        if (isFull(path)) { // or another process was quicker, and the file is a new one
+            static_cast<void>(rename(path.c_str(), (path + ".old").c_str()));
+        }
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it grows on
+    }
+}
+
 std::string timeText(std::int64_t seconds, BreakDown* breakDown, const char* format) {
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};
@@ -50,9 +65,8 @@ void recordDeed(const Places& places, Deed deed, std::string_view text) {
 
 void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
     const std::string path = historyPath(places);
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0 && status.st_size > maximumSize) {
-        static_cast<void>(rename(path.c_str(), (path + ".old").c_str()));
+    if (isFull(path)) {
+        putAside(path);
     }
     const Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));

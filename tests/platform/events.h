@@ -131,6 +131,18 @@ public:
         ASSERT_NE(reply, nullptr);
         g_variant_unref(reply);
     }
+    bool hasOwner(const std::string& name) {
+        GVariant* reply = g_dbus_connection_call_sync(
+            connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            "NameHasOwner", g_variant_new("(s)", name.c_str()), G_VARIANT_TYPE("(b)"),
+            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        gboolean owned = FALSE;
+        if (reply != nullptr) {
+            g_variant_get(reply, "(b)", &owned);
+            g_variant_unref(reply);
+        }
+        return owned != FALSE;
+    }
 
 private:
     GDBusConnection* connection_;

@@ -2,8 +2,8 @@
 // Texts, desktop entries by identifier, and starting what they name.
 #include "platform/launchservices.h"
 #include "platform/processes.h"
-#include "tests/platform/temporaryfolder.h"
 #include "tests/support/privatebus/privatebus.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gio/gio.h>
 #include <gmock/gmock.h>
@@ -20,10 +20,10 @@
 
 namespace {
 
-using platformtest::TemporaryFolder;
-using platformtest::Variable;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
+using testsupport::TemporaryFolder;
+using testsupport::Variable;
 
 struct Release {
     void operator()(CFTypeRef object) const { CFRelease(object); }

@@ -2,8 +2,8 @@
 // Where there is no session bus: a private one that ends with the program that started it.
 #include "tests/platform/events.h"
 #include "tests/platform/peerprocess.h"
-#include "tests/platform/temporaryfolder.h"
 #include "tests/support/privatebus/privatebus.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gio/gio.h>
 #include <gmock/gmock.h>
@@ -15,9 +15,9 @@ namespace {
 
 using platformtest::PeerProcess;
 using platformtest::RawConnection;
-using platformtest::TemporaryFolder;
-using platformtest::Variable;
 using testing::HasSubstr;
+using testsupport::TemporaryFolder;
+using testsupport::Variable;
 
 struct Surroundings {
     const char* name;

@@ -47,7 +47,7 @@ TEST_F(AWalkOverTheProcesses, MeetsEveryApplicationOnce) {
     EXPECT_EQ(found.at(one.processID()).processSignature, FourCharCode("QGLY"));
     EXPECT_EQ(found.at(many.processID()).processSignature, FourCharCode("3D _"));
     many.kill();
-    PLUnregisterApplication();
+    PLUnregisterApplication(); // a round trip to the bus, which meets the end of the other on it
     EXPECT_EQ(walk().size(), 1U);
 }
 
@@ -65,6 +65,12 @@ TEST_F(AWalkOverTheProcesses, PassesOverLiarsAndTheDead) {
     EXPECT_EQ(info.processSignature, FourCharCode("PEER"));
     first.kill();
     second.kill();
+    // The bus may answer a question before it looks at those that have hung up.
+    const auto isOnTheBus = [&liar](const PeerProcess& peer) {
+        return liar.hasOwner(platform::busNameOf({FourCharCode("PEER"), peer.processID()}));
+    };
+    while (isOnTheBus(first) || isOnTheBus(second)) {
+    }
     EXPECT_EQ(GetProcessInformation(&psn, &info), procNotFound) << "it has ended";
     EXPECT_EQ(GetNextProcess(&psn), procNotFound) << "it was listed, and has ended";
     EXPECT_EQ(psn.lowLongOfPSN, kNoProcess);
@@ -81,17 +87,21 @@ TEST_F(AWalkOverTheProcesses, TellsTheNameGivenAtTheRegistration) {
     ASSERT_EQ(nameless.readLine(), "0");
     ASSERT_EQ(PLRegisterApplication(FourCharCode("SELF"), kPLOneInstance, "Selbst \xC3\xBC"),
               noErr);
+    const std::string kernelName = "platform_test_p"; // cut by the kernel
     std::map<std::int32_t, std::string> names;
     ProcessSerialNumber psn;
     while (GetNextProcess(&psn) == noErr) {
         char buffer[256];
         ProcessInfoRec info;
         info.processName = buffer;
-        ASSERT_EQ(GetProcessInformation(&psn, &info), noErr);
+        // The kernel's name stands for one that is not told in time.
+        do {
+            ASSERT_EQ(GetProcessInformation(&psn, &info), noErr);
+        } while (info.processID != nameless.processID() && buffer == kernelName);
         names[info.processID] = buffer;
     }
     EXPECT_EQ(names[named.processID()], longName.substr(0, 255));
-    EXPECT_EQ(names[nameless.processID()], "platform_test_p") << "as the kernel cuts it";
+    EXPECT_EQ(names[nameless.processID()], kernelName);
     EXPECT_EQ(names[getpid()], "Selbst \xC3\xBC");
 }
 

@@ -17,11 +17,11 @@ namespace {
 
 constexpr int models = 2000;
 
-/// Set GLYPHORA_SEED to run a failure again.
+/// The same models in every run, so that no run passes or fails by luck. Set GLYPHORA_SEED to a
+/// number to look further.
 unsigned makeSeed() {
     const char* const given = std::getenv("GLYPHORA_SEED");
-    return given == nullptr ? std::random_device()()
-                            : static_cast<unsigned>(std::strtoul(given, nullptr, 10));
+    return given == nullptr ? 20'261 : static_cast<unsigned>(std::strtoul(given, nullptr, 10));
 }
 
 /// Makes models and writes them by hand, independent of the codec.

@@ -7,6 +7,7 @@
 #include "host/cli/options.h"
 #include "host/cli/sabotage.h"
 #include "programrun.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <sstream>
 
@@ -105,8 +106,8 @@ TEST_F(ACommandLine, MayAskForHelp) {
 
 TEST(ThePlugin, IsLookedForAroundTheProgram) {
     namespace fs = std::filesystem;
-    const fs::path root = fs::path(testing::TempDir()) / "glyphora-search";
-    fs::remove_all(root);
+    const testsupport::TemporaryFolder folder;
+    const fs::path root = folder / "root";
     const fs::path program = root / "bin";
     fs::create_directories(program);
     EXPECT_EQ(findPluginNear(program), std::nullopt);
@@ -117,7 +118,6 @@ TEST(ThePlugin, IsLookedForAroundTheProgram) {
     setenv("GLYPHORA_PLUGIN", "/somewhere/else.aip", 1);
     EXPECT_EQ(findPlugin(), "/somewhere/else.aip");
     unsetenv("GLYPHORA_PLUGIN");
-    fs::remove_all(root);
 }
 
 TEST(AFault, IsBuiltInOnlyWhereThereIsSuchAThing) {

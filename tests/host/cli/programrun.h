@@ -24,11 +24,14 @@ struct ProgramResult {
     std::string errors;
 };
 
-/// A folder of its own, with drawings in it, and no plug-in in the environment.
+/// A folder of its own, with drawings in it, and neither plug-in nor bus in the environment.
 class ProgramFixture : public ::testing::Test {
 protected:
     ProgramFixture() {
-        unsetenv("GLYPHORA_PLUGIN");
+        for (const char* name :
+             {"GLYPHORA_PLUGIN", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"}) {
+            unsetenv(name);
+        }
         std::string pattern = testing::TempDir() + "/glyphora-host-XXXXXX";
         folder = mkdtemp(pattern.data());
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Real bundles: finding, loading, unloading and loading them again.
 #include "recordingfrontend.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -39,8 +40,7 @@ protected:
         return {};
     }
     fs::path makeFolder(const std::string& name, const std::vector<std::string>& modules) {
-        const fs::path folder = fs::path(testing::TempDir()) / "glyphora-bundles" / name;
-        fs::remove_all(folder);
+        const fs::path folder = folder_ / name;
         fs::create_directories(folder / "Contents" / "Linux");
         for (const std::string& module : modules) {
             std::ofstream(folder / "Contents" / "Linux" / module) << "not code";
@@ -50,6 +50,9 @@ protected:
 
     RecordingFrontend frontend;
     Core core{frontend};
+
+private:
+    testsupport::TemporaryFolder folder_;
 };
 
 TEST_F(ABundle, ThatCannotBeLoadedSaysWhy) {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // String lists: what a file says, and what is said of a bad one.
 #include "host/core/stringlists.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace host {
 namespace {
@@ -84,9 +84,10 @@ TEST(AStringList, LosesOnlyItsTailWhenItIsCutAnywhere) {
 }
 
 TEST(TheStringListsOfABundle, AreReadFromItsFolder) {
-    const auto folder = std::filesystem::path(testing::TempDir()) / "glyphora-string-lists";
+    const testsupport::TemporaryFolder place;
+    const auto folder = place / "lists";
     std::filesystem::create_directories(folder / "3.strings");
-    std::ofstream(folder / "1.strings") << "1 = one\nnonsense\n";
+    place.write("lists/1.strings", "1 = one\nnonsense\n");
     std::vector<std::string> problems;
     StringLists lists(folder, [&](std::string_view problem) { problems.emplace_back(problem); });
 
@@ -100,7 +101,6 @@ TEST(TheStringListsOfABundle, AreReadFromItsFolder) {
     EXPECT_THAT(problems,
                 ElementsAre((folder / "1.strings").string() + ":2: expected \"index = text\"",
                             (folder / "3.strings").string() + ": cannot be read"));
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace

@@ -59,6 +59,16 @@ protected:
     void activate(const std::string& file, const char* name) {
         std::filesystem::copy_file(file, folder_ / name);
         std::filesystem::rename(folder_ / name, folder_ / "fonts/set" / name);
+        touch();
+    }
+    void deactivate(const char* name) {
+        std::filesystem::remove(folder_ / "fonts/set" / name);
+        touch();
+    }
+    // As it does also: the kernel's own times are too coarse to tell quick changes apart.
+    void touch() {
+        std::filesystem::last_write_time(folder_ / "fonts/set",
+                                         std::filesystem::file_time_type::clock::now());
     }
     static Face dejaVu(int weight) {
         Face face;
@@ -100,7 +110,7 @@ TEST_F(APrivateFontWorld, IsEmptyAtFirstAndNoticesEveryActivation) {
     EXPECT_EQ(face.weight, 400);
     EXPECT_EQ(face.file, (folder_ / "fonts/set/a.ttf").string());
 
-    std::filesystem::remove(folder_ / "fonts/set/a.ttf");
+    deactivate("a.ttf");
     EXPECT_TRUE(catalogue.refresh());
     EXPECT_FALSE(catalogue.entry(regular)->present);
     EXPECT_EQ(catalogue.faces().size(), 1U);

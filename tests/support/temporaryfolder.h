@@ -9,13 +9,13 @@
 #include <stdexcept>
 #include <string>
 
-namespace platformtest {
+namespace testsupport {
 
 class TemporaryFolder {
 public:
     TemporaryFolder() {
         std::string pattern =
-            (std::filesystem::temp_directory_path() / "glyphora-platform-XXXXXX").string();
+            (std::filesystem::temp_directory_path() / "glyphora-test-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("no temporary folder");
         }
@@ -61,4 +61,4 @@ private:
     std::optional<std::string> previous_;
 };
 
-} // namespace platformtest
+} // namespace testsupport
