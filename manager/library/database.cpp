@@ -2,9 +2,41 @@
 // SQLite calls with their errors turned into exceptions.
 #include "manager/library/database.h"
 
+#include "manager/library/places.h"
+
+#include <fcntl.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace manager {
+
+namespace {
+
+bool may(int what, const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), what, AT_EACCESS) == 0;
+}
+
+// The log of a database is made beside it, also for reading. Where nothing can be made and no log
+// is left, the file alone is all there is.
+bool isReadOnly(const std::string& path) {
+    return may(R_OK, path) && !may(W_OK, folderOf(path)) && !may(F_OK, path + "-wal");
+}
+
+std::string immutableUri(const std::string& path) {
+    static constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string uri = "file:";
+    for (const char c : path) {
+        if (c == '%' || c == '?' || c == '#') {
+            const auto byte = static_cast<unsigned char>(c);
+            uri.append(1, '%').append(1, digits[byte >> 4U]).append(1, digits[byte & 0xFU]);
+        } else {
+            uri += c;
+        }
+    }
+    return uri + "?immutable=1";
+}
+
+} // namespace
 
 Statement::Statement(Database& database, const char* sql) : database_(&database) {
     sqlite3_stmt* statement = nullptr;
@@ -77,15 +109,21 @@ bool Statement::isNull(int column) const {
 
 Database::Database(const std::string& path, MissingFile missing) : path_(path) {
     sqlite3* handle = nullptr;
-    const int create = missing == MissingFile::isMade ? SQLITE_OPEN_CREATE : 0;
-    const int code = sqlite3_open_v2(
-        path.c_str(), &handle,
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | create, nullptr);
+    const bool readOnly = isReadOnly(path);
+    const int writing =
+        SQLITE_OPEN_READWRITE | (missing == MissingFile::isMade ? SQLITE_OPEN_CREATE : 0);
+    const int code = sqlite3_open_v2((readOnly ? immutableUri(path) : path).c_str(), &handle,
+                                     (readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : writing) |
+                                         SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+                                     nullptr);
     handle_.reset(handle);
     if (code != SQLITE_OK) {
         fail(code);
     }
     sqlite3_busy_timeout(handle, 10'000);
+    if (readOnly) {
+        return;
+    }
     // A log beside the file lets the server read while a scan writes.
     run("PRAGMA journal_mode=WAL");
     run("PRAGMA synchronous=NORMAL");

@@ -65,7 +65,8 @@ enum class MissingFile { isMade, isAnError };
 /// One connection; used from one thread. Waits up to ten seconds for another writer.
 class Database {
 public:
-    /// Throws Error; DamagedDatabase when the file is none.
+    /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to
+    /// it can be read only.
     explicit Database(const std::string& path, MissingFile missing = MissingFile::isMade);
 
     void run(const char* sql);

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 using namespace manager;
@@ -309,6 +311,34 @@ TEST_F(ALibrary, OfTheVersionBeforeIsTakenOver) {
     EXPECT_TRUE(library_->isScanOwed());
     EXPECT_EQ(ids(), before);
     EXPECT_EQ(scan().unchanged, 1U) << "bad files may have been those of a bad hour";
+}
+
+TEST_F(ALibrary, InAFolderThatCannotBeWrittenToCanBeRead) {
+    add("one.ttf", {});
+    scan();
+    library_.reset();
+    const std::string own = sandbox_.places().own();
+    const auto user = geteuid();
+    for (const std::string& path : {sandbox_.root(), sandbox_.places().data, own}) {
+        chmod(path.c_str(), 0555);
+    }
+    chmod(sandbox_.places().database().c_str(), 0444);
+    if (user == 0) {
+        ASSERT_EQ(seteuid(65534), 0); // nothing holds root up
+    }
+    try {
+        library_ = open();
+        EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(1));
+        EXPECT_FALSE(library_->isScanOwed());
+        EXPECT_THROW(library_->database().run("DELETE FROM file"), Error);
+    } catch (const Error& error) {
+        ADD_FAILURE() << error.what();
+    }
+    library_.reset();
+    EXPECT_EQ(seteuid(user), 0);
+    for (const std::string& path : {sandbox_.root(), sandbox_.places().data, own}) {
+        chmod(path.c_str(), 0755);
+    }
 }
 
 TEST_F(ALibrary, OfANewerVersionOrAnotherProgramIsLeftAlone) {
