@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         const host::svg::Source source =
             host::svg::decodeSource(bytes, "fuzz.svg", options.maximumSize);
-        host::svg::editFaces(source.text, document, options, source.encoding.empty());
+        host::svg::editFaces(source.text, document, options, source.takesAll());
     } catch (const host::DocumentError&) {
         // What is no drawing is refused; nothing else may happen.
     }
