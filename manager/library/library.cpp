@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -234,19 +235,20 @@ std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers
         library->check();
         return library;
     };
+    // Nobody looks at an index that another process has only begun, or is moving aside.
+    std::optional<FileLock> lock;
     try {
-        return open(MissingFile::isAnError);
-    } catch (const DamagedDatabase&) { // NOLINT(bugprone-empty-catch): mended below
+        makeFolders(places.own());
+        lock.emplace(places.database() + ".lock");
     } catch (const Error&) {
-        if (access(places.database().c_str(), F_OK) == 0 || errno != ENOENT) {
+        if (access(places.database().c_str(), R_OK) != 0) {
             throw;
         }
+        return open(MissingFile::isAnError); // as it is: where nothing can be written
     }
-    // Begun under the lock alone, so that nobody begins another one while this one is moved aside.
-    const FileLock lock(places.database() + ".lock");
     std::string damage;
     try {
-        return open(MissingFile::isMade); // or another process was quicker
+        return open(MissingFile::isMade);
     } catch (const DamagedDatabase& error) {
         damage = error.what();
     }

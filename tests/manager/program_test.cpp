@@ -164,10 +164,15 @@ protected:
                "<psName>" +
                psName + "</psName>\n</font>\n</cmd>\n";
     }
-    // The value of an element of the only font in the reply.
+    // The value of an element of the only font in the reply, or the reply itself when it has none.
     static std::string askFor(const std::string& psName, const char* element) {
         const auto reply = send(request(psName));
-        return reply ? parseFolded(*reply).all("font").at(0)->value(element) : "no reply";
+        if (!reply) {
+            return "no reply";
+        }
+        const auto folded = parseFolded(*reply);
+        const auto fonts = folded.all("font");
+        return fonts.empty() ? *reply : fonts[0]->value(element);
     }
 
     testsupport::PrivateBus bus_;
