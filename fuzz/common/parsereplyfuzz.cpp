@@ -8,6 +8,7 @@
 #include "protocolhandler.h"
 #include "protocolschema.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -45,15 +46,21 @@ void parse(Protocol::Handler& handler, const std::string& xml) {
     }
 }
 
-/// What the schema has against the text, if it is parsed and can be told.
+/// What the schema has against the text, if it is parsed and can be told. In a tree it may have the
+/// same against each piece of a text that sections, comments or instructions divide: that counts
+/// once.
 std::vector<std::string> errorsOf(Orvil::IXmlValidator& validator, const std::string& xml,
                                   int partLevel) {
     const Orvil::XmlDocumentHolder document;
     document->setPartLevel(partLevel);
     try {
         document->parseString(xml);
-        return validator.validate(document->getRootNode()) ? std::vector<std::string>()
-                                                           : validator.getErrors();
+        if (validator.validate(document->getRootNode())) {
+            return {};
+        }
+        std::vector<std::string> errors = validator.getErrors();
+        errors.erase(std::unique(errors.begin(), errors.end()), errors.end());
+        return errors;
     } catch (const Orvil::Exception&) {
         return {"not told"};
     }
