@@ -15,7 +15,7 @@ namespace {
 using css::Property;
 
 constexpr std::array<std::string_view, css::facePropertyCount> propertyNames{
-    "font-family", "font-style", "font-weight", "font-stretch", "-inkscape-font-specification"};
+    "font-family", "font-style", "font-weight", "font-stretch", ""}; // hints keep their own name
 
 struct StretchName {
     std::uint32_t stretch;
@@ -247,7 +247,7 @@ std::string FaceEdits::hintName(ElementId element) const {
             return std::string(declaration.name);
         }
     }
-    return std::string(propertyNames[css::indexOf(Property::Hint)]);
+    return {};
 }
 
 std::string FaceEdits::declarations(ElementId element, const Values& values, bool important,
@@ -265,9 +265,13 @@ std::string FaceEdits::declarations(ElementId element, const Values& values, boo
                 text.append(", ").append(familyText(fallback, context, false));
             }
         }
+        // Empty for a hint where the drawing gives none: then there is nothing to keep true.
         const std::string name = property == Property::Hint
                                      ? hintName(element)
                                      : std::string(propertyNames[css::indexOf(property)]);
+        if (name.empty()) {
+            continue;
+        }
         result.append(result.empty() ? "" : ";").append(name).append(":").append(text);
         result += important ? " !important" : "";
     }

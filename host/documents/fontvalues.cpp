@@ -284,7 +284,7 @@ bool readPropertyName(std::string_view name, Property& property) noexcept {
     }
     if (name.front() == '-') {
         property = Property::Hint;
-        return name.ends_with("-font-specification");
+        return name.starts_with("-inkscape-font-");
     }
     struct Entry {
         std::string_view name;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading desktop entries by the rules of the Desktop Entry and Base Directory specifications.
+// Reading desktop entries by the rules that desktops share for entries and base directories.
 #include "desktopentry.h"
 
 #include <cstdlib>

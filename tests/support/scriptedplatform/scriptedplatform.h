@@ -90,7 +90,7 @@ public:
     std::map<std::string, Application> applications; ///< by bundle identifier
     std::vector<std::string> lookUps;                ///< bundle identifiers asked for, in order
     std::vector<CFStringEncoding> encodings;         ///< of the texts that were made
-    std::vector<LaunchParamBlockRec> launches;       ///< without their specifications
+    std::vector<LaunchParamBlockRec> launches;       ///< without the specs they point to
     std::vector<std::string> launchedPaths;
     std::vector<std::string> shown; ///< what CFShow printed
     int walks = 0;                  ///< walks over the processes that were begun
