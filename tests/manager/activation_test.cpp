@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Activation on disk: what the desktop sees, what a crash leaves, what is never touched.
-#include "manager/activation/activation.h"
+// Activation on disk: what the desktop sees, and what is never touched.
 #include "manager/activation/desktopfonts.h"
 #include "manager/library/error.h"
-#include "tests/manager/fontmaker.h"
-#include "tests/manager/sandbox.h"
+#include "tests/manager/activationfixture.h"
 
 #include <algorithm>
 #include <csignal>
@@ -22,79 +20,11 @@
 
 using namespace manager;
 using namespace managertest;
-using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 namespace {
-
-constexpr auto container = static_cast<ContainerId>(7);
-
-class AnActivation : public testing::Test {
-protected:
-    AnActivation() {
-        addFont("one.ttf", "One");
-        addFont("two.ttf", "Two");
-    }
-    ~AnActivation() override { FcFini(); }
-
-    void addFont(const std::string& file, const std::string& name) {
-        sandbox_.write(file, makeFont({name, "Regular", name, "", "", false, {}}));
-    }
-    ContainerFonts fonts(const std::vector<std::string>& files = {"one.ttf", "two.ttf"}) {
-        ContainerFonts result{container, "Both", {}};
-        for (const std::string& file : files) {
-            const std::string path = sandbox_.library() + "/" + file;
-            result.files.push_back({path, stampOf(path)});
-        }
-        return result;
-    }
-    ActivationOutcome activate(const ContainerFonts& wanted, StepObserver observer = {}) {
-        Activation activation(sandbox_.places(), std::move(observer));
-        return activation.activate(std::span(&wanted, 1)).at(0);
-    }
-    ActivationOutcome deactivate(StepObserver observer = {}) {
-        Activation activation(sandbox_.places(), std::move(observer));
-        return activation.deactivate(std::span(&container, 1)).at(0);
-    }
-    void recover() {
-        Activation(sandbox_.places()).recover([this](const std::string& text) {
-            reports_.push_back(text);
-        });
-    }
-    // Of both files, as the library has them now.
-    std::set<std::string> activeFiles() {
-        return Activation(sandbox_.places()).activeFiles(fonts());
-    }
-
-    [[nodiscard]] std::string set() const { return sandbox_.places().fonts() + "/7"; }
-    // What another program sees, that starts now.
-    static std::vector<std::string> visibleFamilies() {
-        FcInitReinitialize();
-        std::vector<std::string> families;
-        const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
-        for (int i = 0; all != nullptr && i < all->nfont; ++i) {
-            FcChar8* family = nullptr;
-            FcPatternGetString(all->fonts[i], FC_FAMILY, 0, &family);
-            families.emplace_back(reinterpret_cast<const char*>(family));
-        }
-        std::sort(families.begin(), families.end());
-        return families;
-    }
-    static std::vector<std::string> entries(const std::string& folder) {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            names.push_back(entry.path().filename().string());
-        }
-        std::sort(names.begin(), names.end());
-        return names;
-    }
-
-    Sandbox sandbox_;
-    std::vector<std::string> reports_;
-};
 
 TEST_F(AnActivation, MakesFontsVisibleAndIsTakenBackWhole) {
     const auto outcome = activate(fonts());
@@ -364,104 +294,6 @@ TEST_F(AnActivation, IsUnsettledAgainAfterAProcessThatDidNotSettle) {
         EXPECT_FALSE(activation.isUnsettled());
         activate(fonts());
     }
-}
-
-// Ends the process before the step of this number, as a crash would. Returns whether it came to it.
-bool crashAt(int number, const std::function<void(StepObserver)>& action) {
-    const pid_t child = fork();
-    if (child == 0) {
-        int count = 0;
-        action([&](std::string_view) {
-            if (count++ == number) {
-                _exit(42);
-            }
-        });
-        _exit(0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_TRUE(WEXITSTATUS(status) == 42 || WEXITSTATUS(status) == 0);
-    return WEXITSTATUS(status) == 42;
-}
-
-class ACrash : public AnActivation {
-protected:
-    using Families = std::vector<std::string>;
-
-    // Runs the action with a crash at each of its steps in turn, each time from the state that
-    // `prepare` makes, and checks that recovery leaves one of the two whole states.
-    void tryEachStep(const std::function<void()>& prepare,
-                     const std::function<void(StepObserver)>& action, const Families& before,
-                     const Families& after) {
-        int steps = 0;
-        for (bool crashed = true; crashed; ++steps) {
-            deactivate();
-            prepare();
-            crashed = crashAt(steps, action);
-            recover();
-            const Families seen = visibleFamilies();
-            EXPECT_TRUE(seen == before || seen == after)
-                << "step " << steps << ": " << testing::PrintToString(seen);
-            const std::string staging = sandbox_.places().fonts() + "/.staging";
-            EXPECT_THAT(entries(staging), Each(StartsWith("unsettled.")));
-            reports_.clear();
-            recover();
-            EXPECT_THAT(reports_, IsEmpty()) << "step " << steps;
-        }
-        EXPECT_GT(steps, 4);
-        EXPECT_EQ(visibleFamilies(), after); // the last round had no crash
-    }
-};
-
-TEST_F(ACrash, WhileActivatingLeavesAllOrNothing) {
-    tryEachStep([] {}, [&](const StepObserver& observer) { activate(fonts(), observer); }, {},
-                {"One", "Two"});
-}
-
-TEST_F(ACrash, WhileBringingASetUpToDateIsMendedForwards) {
-    addFont("three.ttf", "Three");
-    tryEachStep([&] { activate(fonts()); },
-                [&](const StepObserver& observer) {
-                    activate(fonts({"one.ttf", "three.ttf"}), observer);
-                },
-                {"One", "Two"}, {"One", "Three"});
-}
-
-TEST_F(ACrash, WhileReplacingAFileNeverLetsTheOldOneCount) {
-    const std::string one = sandbox_.library() + "/one.ttf";
-    const std::string old = readBytes(one);
-    bool crashed = true;
-    for (int step = 0; crashed; ++step) {
-        sandbox_.write("one.new", old);
-        std::filesystem::rename(sandbox_.library() + "/one.new", one);
-        activate(fonts());
-        sandbox_.write("one.new", makeFont({"One Anew", "Regular", "Anew", "", "", false, {}}));
-        std::filesystem::rename(sandbox_.library() + "/one.new", one);
-        crashed = crashAt(step, [&](const StepObserver& observer) { activate(fonts(), observer); });
-        const auto isNew = [&] { return readBytes(set() + "/one.ttf") != old; };
-        const auto counts = [&] { return activeFiles().contains("one.ttf"); };
-        EXPECT_TRUE(isNew() || !counts()) << "step " << step;
-        recover();
-        EXPECT_EQ(isNew(), counts()) << "step " << step;
-        EXPECT_TRUE(isNew() || crashed) << "step " << step;
-        EXPECT_EQ(visibleFamilies().size(), 2U);
-    }
-}
-
-TEST_F(ACrash, WhileDeactivatingIsFinished) {
-    tryEachStep([&] { activate(fonts()); },
-                [&](const StepObserver& observer) { deactivate(observer); }, {"One", "Two"}, {});
-}
-
-TEST_F(ACrash, ThatLeftASetWithoutItsFilesIsMendedAsFarAsTheLibraryGoes) {
-    activate(fonts());
-    std::filesystem::remove(set() + "/one.ttf");
-    std::filesystem::remove(set() + "/two.ttf");
-    std::filesystem::remove(sandbox_.library() + "/two.ttf");
-    recover();
-    EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
-    EXPECT_THAT(reports_, ElementsAre(HasSubstr("/7: completed")));
 }
 
 } // namespace

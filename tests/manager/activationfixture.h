@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// A container of two fonts, and what of it is active.
+#pragma once
+
+#include "manager/activation/activation.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/manager/sandbox.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fontconfig/fontconfig.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace managertest {
+
+inline constexpr auto container = static_cast<manager::ContainerId>(7);
+
+class AnActivation : public testing::Test {
+protected:
+    AnActivation() {
+        addFont("one.ttf", "One");
+        addFont("two.ttf", "Two");
+    }
+    ~AnActivation() override { FcFini(); }
+
+    void addFont(const std::string& file, const std::string& name) {
+        sandbox_.write(file, makeFont({name, "Regular", name, "", "", false, {}}));
+    }
+    manager::ContainerFonts fonts(const std::vector<std::string>& files = {"one.ttf", "two.ttf"}) {
+        manager::ContainerFonts result{container, "Both", {}};
+        for (const std::string& file : files) {
+            const std::string path = sandbox_.library() + "/" + file;
+            result.files.push_back({path, manager::stampOf(path)});
+        }
+        return result;
+    }
+    manager::ActivationOutcome activate(const manager::ContainerFonts& wanted,
+                                        manager::StepObserver observer = {}) {
+        manager::Activation activation(sandbox_.places(), std::move(observer));
+        return activation.activate(std::span(&wanted, 1)).at(0);
+    }
+    manager::ActivationOutcome deactivate(manager::StepObserver observer = {}) {
+        manager::Activation activation(sandbox_.places(), std::move(observer));
+        return activation.deactivate(std::span(&container, 1)).at(0);
+    }
+    void recover() {
+        manager::Activation(sandbox_.places()).recover([this](const std::string& text) {
+            reports_.push_back(text);
+        });
+    }
+    // Of both files, as the library has them now.
+    std::set<std::string> activeFiles() {
+        return manager::Activation(sandbox_.places()).activeFiles(fonts());
+    }
+
+    [[nodiscard]] std::string set() const { return sandbox_.places().fonts() + "/7"; }
+    // What another program sees, that starts now.
+    static std::vector<std::string> visibleFamilies() {
+        FcInitReinitialize();
+        std::vector<std::string> families;
+        const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
+        for (int i = 0; all != nullptr && i < all->nfont; ++i) {
+            FcChar8* family = nullptr;
+            FcPatternGetString(all->fonts[i], FC_FAMILY, 0, &family);
+            families.emplace_back(reinterpret_cast<const char*>(family));
+        }
+        std::sort(families.begin(), families.end());
+        return families;
+    }
+    static std::vector<std::string> entries(const std::string& folder) {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    Sandbox sandbox_;
+    std::vector<std::string> reports_;
+};
+
+} // namespace managertest
