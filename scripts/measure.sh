@@ -8,7 +8,7 @@ set -euo pipefail
 need_packages build test
 build release
 mapfile -t programs < <(find "$root/build/release/bin" -maxdepth 1 -type f \
-    -perm -u+x \( -name '*_benchmark' -o -name '*_benchmarks' \) | sort)
+    -perm -u+x -name '*_benchmark' | sort)
 [ ${#programs[@]} -gt 0 ] || fail 'no benchmark was built'
 for program in "${programs[@]}"; do
     printf '\n== %s\n' "$(basename "$program")"

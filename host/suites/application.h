@@ -4,7 +4,7 @@
 #pragma once
 
 #include "host/core/core.h"
-#include "host/documents/svgreader.h"
+#include "host/documents/svg/svgreader.h"
 #include "host/suites/fontlist.h"
 #include "host/suites/opendocuments.h"
 #include "host/suites/textengine.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What the readers make of files, texts and arguments, quirks included.
-#include "folder.h"
 #include "misc/configuration/configurationreader.h"
 #include "misc/exception.h"
+#include "tests/support/folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

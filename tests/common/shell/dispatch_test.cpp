@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which operation each message reaches, and what the base class answers to it.
-#include "recordingplugin.h"
+#include "tests/support/plugin/recordingplugin.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

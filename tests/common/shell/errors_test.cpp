@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the user is told of an error, and when.
-#include "recordingplugin.h"
+#include "tests/support/plugin/recordingplugin.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // Texts in the host's language, and the texts of the bundle themselves.
 #include "GLYLanguageMgr.h"
 
-#include "startedplugin.h"
+#include "tests/support/plugin/startedplugin.h"
 
 #include <set>
 

@@ -3,8 +3,8 @@
 // helpers that go with it.
 #include "AppContext.h"
 #include "SDKAboutPluginsHelper.h"
-#include "failingnew.h"
-#include "recordingplugin.h"
+#include "tests/support/plugin/failingnew.h"
+#include "tests/support/plugin/recordingplugin.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// A drawing as reader and writer share it: tree, styles, and the document made of them. The same
+// source always gives the same runs in the same order, so a writer can read it again.
+#pragma once
+
+#include "host/documents/document.h"
+#include "host/documents/svg/svgreader.h"
+#include "host/documents/svg/svgstyle.h"
+#include "host/documents/svg/svgtree.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host::svg {
+
+inline constexpr RunId noRun = 0xFFFFFFFFU;
+
+struct Drawing {
+    Tree tree;
+    Styles styles;
+    DocumentParts parts;
+    std::vector<RunId> runOfPiece; ///< noRun for a piece of which no character is left
+};
+
+/// @param source UTF-8, outlives the result @throws DocumentError
+Drawing readDrawing(const std::string& source, std::string_view name, const SvgOptions& options);
+
+/// False for text of blanks, joiners, direction marks and the like alone.
+bool hasVisibleCharacter(std::string_view text);
+
+/// The face that a family list gives by its first family, in normal weight, slant and stretch.
+/// @param families by its text number
+Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t families);
+
+/// The face of a family in the weight, slant and stretch that a style has.
+Face styledFace(Face face, const Style& look);
+
+} // namespace host::svg

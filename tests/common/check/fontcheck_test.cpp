@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+// The font check from the host's notification to what is sent to the font manager.
+#include "GLYNotifyHandler.h"
+#include "VexFontSuite.h"
+#include "tests/support/plugin/startedplugin.h"
+#include "tests/support/scriptedplatform/scriptedplatform.h"
+
+#include <stdexcept>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+namespace {
+
+constexpr OSType kNews = FourCharCode("FILC");
+constexpr OSType kAnyID = FourCharCode("****");
+
+std::string reply(const std::string& version, const std::string& rest = {}) {
+    return "<cmd>answer</cmd>\n<protocolVersion>" + version + "</protocolVersion>\n" + rest +
+           "</cmd>\n";
+}
+
+class AFontCheck : public AStartedPlugin {
+protected:
+    AFontCheck() {
+        host.strings[17000] = {{3, "no launch"}, {4, "bad version"}};
+        host.addLayer().addText({{missing}, {present}});
+        platform.processes.push_back({FourCharCode("QGLY"), 77, 0});
+        platform.answers = {scripted::textAnswer(reply("2.0")),
+                            scripted::textAnswer(reply("2.0", "<showWindow>1</showWindow>\n"))};
+        platform.answers[1].effect = [this] { listened = platform.hasHandler(kNews, kAnyID); };
+    }
+    ~AFontCheck() override {
+        EXPECT_FALSE(platform.hasHandler(kNews, kAnyID));
+        EXPECT_EQ(platform.liveRoutines, 0);
+        EXPECT_EQ(platform.liveDescriptors, 0);
+    }
+    AIErr openDocument() { return host.notify(host.notifierOf("AI Document Opened Notifier")); }
+
+    scripted::Platform platform;
+    AIFontKey missing = host.addFont("Missing", "Bold", false);
+    AIFontKey present = host.addFont("Present", "Regular", true);
+    bool listened = false;
+};
+
+TEST_F(AFontCheck, LeavesTheFontManagerAloneWhenNothingIsMissing) {
+    host.layers.clear();
+    host.addLayer().addText({{present}});
+    platform.processes.clear();
+    EXPECT_EQ(openDocument(), kNoErr);
+    EXPECT_EQ(platform.walks, 0);
+    EXPECT_THAT(platform.sent, IsEmpty());
+    EXPECT_THAT(host.messageAlerts, IsEmpty());
+}
+
+TEST_F(AFontCheck, AsksForTheMissingFontsWhileItListens) {
+    EXPECT_EQ(openDocument(), kNoErr);
+    ASSERT_EQ(platform.sent.size(), 2U);
+    EXPECT_THAT(platform.sent[0].directText(), StartsWith("<cmd>showRequest</cmd>\n"));
+    const std::string request = platform.sent[1].directText();
+    EXPECT_THAT(request, StartsWith("<cmd>fontRequest</cmd>\n"));
+    EXPECT_THAT(request, HasSubstr("<psName>Missing-Bold</psName>"));
+    EXPECT_THAT(request, Not(HasSubstr("Present")));
+    EXPECT_TRUE(listened);
+    EXPECT_EQ(platform.registered.size(), 1U);
+    EXPECT_THAT(host.messageAlerts, IsEmpty());
+}
+
+TEST_F(AFontCheck, StartsAnewWithEveryDocument) {
+    openDocument();
+    platform.answers.push_back(scripted::textAnswer(reply("2.0")));
+    openDocument();
+    EXPECT_EQ(platform.sent.size(), 4U);
+    EXPECT_EQ(platform.registered.size(), 2U);
+}
+
+TEST_F(AFontCheck, TellsTheUserThatTheFontManagerCannotBeLaunched) {
+    platform.processes.clear();
+    host.fail("GetNextLayer", 81); // the survey's own code is answered
+    EXPECT_EQ(openDocument(), 81);
+    EXPECT_THAT(host.messageAlerts, ElementsAre("no launch"));
+    EXPECT_THAT(platform.sent, IsEmpty());
+}
+
+TEST_F(AFontCheck, StopsSilentlyAtAnOldProtocol) {
+    host.fail("GetNextLayer", 81);
+    for (const char* version : {"1.9", "0.0", "abc", ""}) {
+        SCOPED_TRACE(version);
+        platform.sent.clear();
+        platform.answers = {scripted::textAnswer(reply(version))};
+        EXPECT_EQ(openDocument(), kNoErr);
+        EXPECT_EQ(platform.sent.size(), 1U);
+    }
+    platform.sent.clear();
+    platform.answers = {scripted::failedAnswer(procNotFound)};
+    EXPECT_EQ(openDocument(), kNoErr);
+    EXPECT_EQ(platform.sent.size(), 20U); // the attempts of the one exchange
+    EXPECT_THAT(host.messageAlerts, IsEmpty());
+    EXPECT_THAT(platform.registered, IsEmpty());
+}
+
+TEST_F(AFontCheck, AnswersTheSurveysCode) {
+    host.fail("GetNextLayer", 81);
+    EXPECT_EQ(openDocument(), 81);
+    EXPECT_EQ(platform.sent.size(), 2U);
+}
+
+TEST_F(AFontCheck, StopsListeningWhenTheRequestIsNotAnswered) {
+    platform.answers = {scripted::textAnswer(reply("2.0")), scripted::failedAnswer(procNotFound)};
+    EXPECT_EQ(openDocument(), kNoErr);
+    EXPECT_EQ(platform.sent.size(), 21U);
+}
+
+TEST_F(AFontCheck, PrintsAStandardExceptionAndPassesItOn) {
+    platform.answers[1] = scripted::textAnswer(
+        reply("2.0", "<font><syncID>Missing-Bold-Bold</syncID><count>abc</count></font>\n"));
+    CaptureStdout();
+    std::string what;
+    try {
+        openDocument();
+        ADD_FAILURE() << "not passed on";
+    } catch (const std::exception& failure) {
+        what = failure.what();
+    }
+    EXPECT_EQ(GetCapturedStdout(), "ERROR:" + what + "\n");
+    EXPECT_THAT(what, HasSubstr("could not parse <count> 'abc'"));
+}
+
+TEST_F(AFontCheck, CannotGoOnWhereItCannotListen) {
+    platform.registerStatus = 1;
+    CaptureStdout();
+    EXPECT_THROW(openDocument(), std::runtime_error);
+    EXPECT_EQ(GetCapturedStdout(), "ERROR:token could not be registered\n");
+    EXPECT_EQ(platform.sent.size(), 1U);
+    EXPECT_TRUE(platform.hasHandler(kNews, kAnyID)) << "what had begun stays until the next check";
+    GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end();
+}
+
+TEST_F(AFontCheck, PassesOnWhatTheSurveyThrows) {
+    host.fail("GetTextRange", 82);
+    CaptureStdout();
+    EXPECT_THROW(openDocument(), std::exception);
+    EXPECT_THAT(GetCapturedStdout(), StartsWith("ERROR:"));
+    EXPECT_THAT(platform.sent, IsEmpty());
+}
+
+TEST_F(AFontCheck, TakesTheAnswerIntoTheSharedRecords) {
+    VexFontSuite::FontInfos fonts;
+    ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
+    platform.answers = {scripted::textAnswer(
+        reply("2.0", "<font>\n<syncID>Missing-Bold-Bold</syncID>\n<psName>Missing-Bold</psName>\n"
+                     "<familyName>Missing</familyName>\n<count>1</count>\n<isActive>1</isActive>\n"
+                     "</font>\n<showWindow>1</showWindow>\n"))};
+    const GLY::GLYFontRequestEvent request = VexFontSuite::requestFonts(fonts);
+    EXPECT_EQ(request.succeeded, 1);
+    EXPECT_EQ(request.showWindow, 1);
+    ASSERT_EQ(request.fonts.size(), 1U);
+    EXPECT_EQ(request.fonts[0], fonts[0]);
+    EXPECT_EQ(VexFontSuite::getNumMissingFonts(fonts), 0);
+    EXPECT_EQ(fonts[0]->installed, 1);
+}
+
+TEST_F(AFontCheck, AsksAlsoForNothing) {
+    platform.answers = {scripted::textAnswer(reply("2.0"))};
+    EXPECT_EQ(VexFontSuite::requestFonts({}).succeeded, 1);
+    ASSERT_EQ(platform.sent.size(), 1U);
+    EXPECT_THAT(platform.sent[0].directText(), Not(HasSubstr("<font>")));
+}
+
+} // namespace

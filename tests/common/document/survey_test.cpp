@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+// Which fonts of a document are found, and what is written down about them.
+#include "VexFontSuite.h"
+#include "tests/support/plugin/startedplugin.h"
+
+#include "ate/itext.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+using GLY::GLYFontInfo;
+using Infos = VexFontSuite::FontInfos;
+
+std::vector<std::string> namesOf(const Infos& fonts) {
+    std::vector<std::string> names;
+    for (const auto& info : fonts) {
+        names.push_back(info->font.psName);
+    }
+    return names;
+}
+
+class ASurvey : public AStartedPlugin {
+protected:
+    std::vector<std::string> names() {
+        Infos fonts;
+        EXPECT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
+        return namesOf(fonts);
+    }
+
+    AIFontKey alpha = host.addFont("Alpha", "Regular", true);
+    AIFontKey beta = host.addFont("Beta", "Regular", false);
+    AIFontKey gamma = host.addFont("Gamma", "Regular", true);
+};
+
+TEST_F(ASurvey, OfADocumentWithoutTextIsEmpty) {
+    EXPECT_THAT(names(), IsEmpty());
+    host.addLayer();
+    host.addLayer().addGroup();
+    host.addLayer().addText({});
+    host.addLayer().addText({{}, {}});
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(ASurvey, SeesEveryFontOfEveryRunOfEveryFrame) {
+    AIArt& first = host.addLayer();
+    first.addText({{gamma}});
+    first.addOther(5);
+    first.addText({{beta}, {gamma, alpha}, {gamma}});
+    host.addLayer().addText({{host.addFont("Aleph", "Regular", true)}});
+    EXPECT_THAT(names(),
+                ElementsAre("Aleph-Regular", "Alpha-Regular", "Beta-Regular", "Gamma-Regular"));
+}
+
+TEST_F(ASurvey, DoesNotLookIntoNestedGroups) {
+    AIArt& top = host.addLayer();
+    AIArt& nested = top.addGroup();
+    nested.addText({{alpha}});
+    nested.addGroup().addText({{beta}});
+    top.addText({{gamma}});
+    EXPECT_THAT(names(), ElementsAre("Gamma-Regular"));
+}
+
+TEST_F(ASurvey, KeepsTheFirstFontOfAFamily) {
+    AIArt& top = host.addLayer();
+    top.addText({{host.addFont("Beta", "Bold", true)}, {beta}, {host.addFont("beta", "x", true)}});
+    EXPECT_THAT(names(), ElementsAre("Beta-Bold", "beta-x")); // byte by byte
+}
+
+TEST_F(ASurvey, AddsToWhatIsThereAndSortsAllOfIt) {
+    host.addLayer().addText({{gamma}, {alpha}});
+    Infos fonts;
+    for (const char* family : {"Zeta", "Beta"}) {
+        Orvil::SmartPointer<GLYFontInfo> info(new GLYFontInfo);
+        info->font.familyName = family;
+        info->font.psName = std::string("old ") + family;
+        fonts.push_back(info);
+    }
+    EXPECT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
+    EXPECT_THAT(namesOf(fonts),
+                ElementsAre("Alpha-Regular", "old Beta", "Gamma-Regular", "old Zeta"));
+}
+
+TEST_F(ASurvey, WritesDownWhatTheHostTells) {
+    struct Case {
+        AIFontFace face;
+        const char* style;
+        const char* syncID;
+        int type;
+    };
+    const auto face = [](std::string style, std::int32_t technology, bool openType, bool present) {
+        AIFontFace result{"Ps", std::move(style), "Fam", "User Name", {}};
+        result.style = {technology, AIBoolean{openType}, AIBoolean{present}};
+        return result;
+    };
+    const Case cases[] = {
+        {face("Bold", 0, false, true), "Bold", "Ps-Bold", 0},
+        {face("Bold", 0, true, false), "Bold", "Ps-Bold", 2},
+        {face("Bold", 1, false, true), "Bold", "Ps-Bold", 1},
+        {face("Bold", 1, true, true), "Bold", "Ps-Bold", 3},
+        {face("Bold", 5, true, true), "Bold", "Ps-Bold", 4},
+        {face("Bold", -1, false, true), "Bold", "Ps-Bold", 4},
+        {face("", 1, false, false), "Regular", "Ps-", 1},
+    };
+    for (const Case& c : cases) {
+        host.layers.clear();
+        host.addLayer().addText({{host.addFont(c.face)}});
+        Infos fonts;
+        ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
+        ASSERT_EQ(fonts.size(), 1U);
+        const GLYFontInfo& info = *fonts[0];
+        EXPECT_EQ(info.font.psName, "Ps");
+        EXPECT_EQ(info.font.familyName, "Fam");
+        EXPECT_EQ(info.font.styleName, c.style);
+        EXPECT_EQ(info.font.syncID, c.syncID);
+        EXPECT_EQ(info.font.type, c.type);
+        EXPECT_EQ(info.font.isActive, c.face.style.isPresent != 0);
+        EXPECT_EQ(info.hostName, "User Name");
+        EXPECT_EQ(info.installed, 0);
+    }
+}
+
+TEST_F(ASurvey, CutsLongNames) {
+    const std::string name(5000, 'n');
+    host.addLayer().addText({{host.addFont({name, name, name, name, {}})}});
+    Infos fonts;
+    ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
+    const std::string cut(999, 'n');
+    EXPECT_EQ(fonts[0]->font.psName, cut);
+    EXPECT_EQ(fonts[0]->font.styleName, cut);
+    EXPECT_EQ(fonts[0]->font.familyName, cut);
+    EXPECT_EQ(fonts[0]->hostName, cut);
+    EXPECT_EQ(fonts[0]->font.syncID, cut + "-" + cut);
+}
+
+TEST_F(ASurvey, AsksForAFontsNamesOnce) {
+    AIArt& top = host.addLayer();
+    for (int i = 0; i < 50; ++i) {
+        top.addText({{alpha}, {beta, alpha}});
+    }
+    EXPECT_EQ(names().size(), 2U);
+    EXPECT_EQ(host.callsOf("GetFontFamilyName"), 2);
+}
+
+// Which steps of the host may fail, and what is left of the survey then. The document: two layers,
+// the first with alpha and beta, the second with gamma.
+TEST_F(ASurvey, EndsOrGoesOnWithAFailingHost) {
+    AIArt& top = host.addLayer();
+    top.addText({{alpha}});
+    top.addText({{beta}});
+    host.addLayer().addText({{gamma}});
+    struct Case {
+        const char* call;
+        int nth;
+        AIErr result;
+        std::vector<std::string> found;
+    };
+    const std::vector<std::string> all{"Alpha-Regular", "Beta-Regular", "Gamma-Regular"};
+    const Case cases[] = {
+        {"GetFirstLayer", 1, 61, {}},
+        {"GetNextLayer", 1, 61, {all[0], all[1]}},
+        {"GetNextLayer", 2, 61, all},
+        {"GetFirstArtOfLayer", 1, 0, {all[2]}},
+        {"GetArtType", 1, 61, {}},              // the first top group
+        {"GetArtType", 2, 0, {all[2]}},         // its first child: the group ends there
+        {"GetArtType", 3, 0, {all[0], all[2]}}, // its second child
+        {"GetArtType", 4, 61, {}},              // the second top group
+        {"GetArtFirstChild", 1, 0, {all[2]}},
+        {"GetArtSibling", 1, 0, {all[0], all[2]}},
+        {"GetArtParent", 1, 0, all},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.call) + " " + std::to_string(c.nth));
+        host.fail(c.call, 61, c.nth);
+        Infos fonts;
+        EXPECT_EQ(VexFontSuite::getMissingFontInfos(fonts), c.result);
+        EXPECT_EQ(namesOf(fonts), c.found);
+        host.fail(c.call, 0);
+    }
+}
+
+TEST_F(ASurvey, ThrowsWhatTheTextEngineReportsAndHoldsNothing) {
+    host.addLayer().addText({{alpha}, {beta}});
+    for (const char* call :
+         {"GetATETextFrame", "GetTextRange", "GetTextRunsIterator", "IsDone", "Item",
+          "HasLocalCharFeatures", "GetCharInspector", "GetFont", "GetSize", "FontItem", "Next"}) {
+        host.fail(call, 62, 1);
+        Infos fonts;
+        try {
+            VexFontSuite::getMissingFontInfos(fonts);
+            ADD_FAILURE() << call << " was not reported";
+        } catch (const ATE::Exception& failure) {
+            EXPECT_EQ(failure.error, 62) << call;
+        }
+        EXPECT_THAT(fonts, IsEmpty());
+        EXPECT_EQ(host.text.liveReferences(), 0) << call;
+    }
+}
+
+TEST(TheCounts, TellStatesApart) {
+    Infos fonts;
+    EXPECT_EQ(VexFontSuite::getNumMissingFonts(fonts), 0);
+    EXPECT_EQ(VexFontSuite::getNumFontsNotInstalled(fonts), 0);
+    for (const auto& [isActive, installed] :
+         {std::pair(true, 1), std::pair(true, 1), std::pair(false, 1), std::pair(true, 0),
+          std::pair(true, 0), std::pair(true, 0)}) {
+        Orvil::SmartPointer<GLYFontInfo> info(new GLYFontInfo);
+        info->font.isActive = isActive;
+        info->installed = installed;
+        fonts.push_back(info);
+    }
+    EXPECT_EQ(VexFontSuite::getNumMissingFonts(fonts), 1);
+    EXPECT_EQ(VexFontSuite::getNumFontsNotInstalled(fonts), 3);
+}
+
+} // namespace

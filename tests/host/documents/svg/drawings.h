@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// Small drawings for the tests of the document model, and short ways to say what is in them.
+#pragma once
+
+#include "host/documents/svg/svgreader.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace host::test {
+
+/// A drawing around `body`, with the namespaces that bodies here use.
+inline std::string drawing(std::string_view body) {
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" "
+           "xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
+           "xmlns:ink=\"http://www.inkscape.org/namespaces/inkscape\" "
+           "xmlns:sodi=\"http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd\">" +
+           std::string(body) + "</svg>";
+}
+
+inline Document read(std::string_view body, const SvgOptions& options = {}) {
+    return readSvg(drawing(body), "test.svg", options);
+}
+
+/// "family/style:text" of each visible run, joined by "|"; generic families in angle brackets,
+/// embedded ones in square ones.
+inline std::string visibleRuns(const Document& document) {
+    std::string result;
+    for (const TextRun& run : document.runs()) {
+        if (!run.visible) {
+            continue;
+        }
+        const Face& face = document.faceOf(run);
+        std::string family = face.family;
+        if (face.origin != FaceOrigin::Named) {
+            family = face.origin == FaceOrigin::Generic ? "<" + family + ">" : "[" + family + "]";
+        }
+        result += (result.empty() ? "" : "|") + family + "/" + face.style + ":" +
+                  std::string(document.text(run));
+    }
+    return result;
+}
+
+/// A folder that goes with the test.
+class Folder {
+public:
+    Folder() : path_(std::filesystem::temp_directory_path() / "glyphora-XXXXXX") {
+        std::string name = path_.string();
+        path_ = ::mkdtemp(name.data());
+    }
+    ~Folder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+inline std::string bytesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline void write(const std::filesystem::path& file, std::string_view bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+} // namespace host::test
