@@ -2,7 +2,7 @@
 // The fixture of the tests of documents.
 #pragma once
 
-#include "folder.h"
+#include "tests/support/folder.h"
 #include "misc/exception.h"
 #include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
