@@ -21,8 +21,8 @@
 
 namespace {
 
-constexpr const char* kServe = "--serve";
-constexpr const char* kName = "org.glyphora.benchmark.Changed";
+constexpr const char* serveOption = "--serve";
+constexpr const char* postedName = "org.glyphora.benchmark.Changed";
 
 OSErr echo(const AppleEvent* event, AppleEvent* reply, void* refCon) {
     auto& buffer = *static_cast<std::string*>(refCon);
@@ -59,7 +59,7 @@ public:
     Server() : process_(fork()) {
         if (process_ == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            execl("/proc/self/exe", "platform_benchmark", kServe, static_cast<char*>(nullptr));
+            execl("/proc/self/exe", "platform_benchmark", serveOption, static_cast<char*>(nullptr));
             _exit(1);
         }
         while (findEcho().lowLongOfPSN == kNoProcess) {
@@ -148,16 +148,16 @@ BENCHMARK(findProcess)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond)->UseRealTi
 
 void postNotification(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        notify_post(kName);
+        notify_post(postedName);
     }
 }
 BENCHMARK(postNotification)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void postAndCheck(benchmark::State& state) {
     int token = 0;
-    notify_register_check(kName, &token);
+    notify_register_check(postedName, &token);
     for ([[maybe_unused]] auto _ : state) {
-        notify_post(kName);
+        notify_post(postedName);
         int check = 0;
         while (check == 0) {
             notify_check(token, &check);
@@ -169,7 +169,7 @@ BENCHMARK(postAndCheck)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void checkWithoutNews(benchmark::State& state) {
     int token = 0;
-    notify_register_check(kName, &token);
+    notify_register_check(postedName, &token);
     int check = 0;
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(notify_check(token, &check));
@@ -211,7 +211,7 @@ BENCHMARK(tryEmptySemaphore);
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::string_view(argv[1]) == kServe) {
+    if (argc == 2 && std::string_view(argv[1]) == serveOption) {
         return serve();
     }
     benchmark::Initialize(&argc, argv);

@@ -16,7 +16,7 @@ namespace manager {
 namespace {
 
 SetRecord recordOf(const ContainerFonts& container) {
-    SetRecord record{container.id, container.name, SetState::active, {}};
+    SetRecord record{container.id, container.name, SetState::Active, {}};
     std::set<std::string> names;
     for (const LibraryFile& file : container.files) {
         // Files of a container share a folder, so their names differ.
@@ -79,7 +79,7 @@ FileLock Activation::lock() const {
 std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
     try {
         auto record = readSetRecord(folders_.folder(id));
-        return record && record->state == SetState::active ? std::move(record) : std::nullopt;
+        return record && record->state == SetState::Active ? std::move(record) : std::nullopt;
     } catch (const Error&) {
         return std::nullopt; // told when something is done with the set
     }
@@ -163,8 +163,8 @@ void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOut
                 problems.push_back(std::move(file.problem));
             }
             tell(std::move(problems), files, outcome);
-            outcome.changed = progress == SetFolders::Progress::updated;
-            if (progress == SetFolders::Progress::prepared) {
+            outcome.changed = progress == SetFolders::Progress::Updated;
+            if (progress == SetFolders::Progress::Prepared) {
                 prepared.push_back(i);
                 ids.push_back(records[i].id);
             }

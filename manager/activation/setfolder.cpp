@@ -61,7 +61,7 @@ SetFolders::Progress SetFolders::prepare(SetRecord& wanted, std::vector<LostFile
     });
     if (wanted.files.empty()) {
         discard(wanted.id);
-        return Progress::unchanged;
+        return Progress::Unchanged;
     }
     try {
         step("write record");
@@ -70,7 +70,7 @@ SetFolders::Progress SetFolders::prepare(SetRecord& wanted, std::vector<LostFile
         discard(wanted.id);
         throw;
     }
-    return Progress::prepared;
+    return Progress::Prepared;
 }
 
 void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
@@ -149,7 +149,7 @@ SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wan
     wanted.files = std::move(files);
     if (wanted.files.empty()) {
         wanted.files = current.files;
-        return Progress::unchanged;
+        return Progress::Unchanged;
     }
 
     SetRecord both = wanted;
@@ -171,7 +171,7 @@ SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wan
         }
     }
     if (staged.empty() && obsolete.empty() && current == wanted) {
-        return Progress::unchanged;
+        return Progress::Unchanged;
     }
     // From here on a crash is mended forwards: the record tells what is to be there.
     step("write record");
@@ -195,13 +195,13 @@ SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wan
     step("sync");
     syncFolder(place);
     discard(wanted.id);
-    return Progress::updated;
+    return Progress::Updated;
 }
 
 SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost) {
     const std::string place = folder(wanted.id);
     auto current = readSetRecord(place);
-    if (current && current->state == SetState::active) {
+    if (current && current->state == SetState::Active) {
         checkIsSetOf(place, *current, wanted);
         return update(*current, wanted, lost);
     }
@@ -213,7 +213,7 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
         }
         removeLeftRecords(place);
         if (rmdir(place.c_str()) != 0) { // files that are not the manager's lie there
-            return update({wanted.id, wanted.name, SetState::active, {}}, wanted, lost);
+            return update({wanted.id, wanted.name, SetState::Active, {}}, wanted, lost);
         }
     }
     return prepare(wanted, lost);

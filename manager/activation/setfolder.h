@@ -34,7 +34,7 @@ public:
     [[nodiscard]] std::string folder(ContainerId id) const { return root_ + "/" + toText(id); }
 
     /// What is left to do after begin().
-    enum class Progress { unchanged, updated, prepared };
+    enum class Progress { Unchanged, Updated, Prepared };
 
     /// Makes the set hold exactly `wanted.files`, each linked or copied from its source. A set that
     /// is in place is brought up to date; files there that are not the manager's stay. A new one is

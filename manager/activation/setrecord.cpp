@@ -36,7 +36,7 @@ bool readLine(std::string_view line, SetRecord& record) {
             return false;
         }
         record.id = *id;
-        record.state = parts[2] == "active" ? SetState::active : SetState::leaving;
+        record.state = parts[2] == "active" ? SetState::Active : SetState::Leaving;
         record.name = parts[3];
         return true;
     }
@@ -58,7 +58,7 @@ std::string recordText(const SetRecord& record) {
     std::string text(header);
     text += '\n';
     text += joinFields({"set", toText(record.id),
-                        record.state == SetState::active ? "active" : "leaving", record.name});
+                        record.state == SetState::Active ? "active" : "leaving", record.name});
     for (const SetFile& file : record.files) {
         text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
                             std::to_string(file.stamp.size), std::to_string(file.stamp.changed),

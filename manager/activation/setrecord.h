@@ -25,12 +25,12 @@ struct SetFile {
 };
 
 /// `leaving`: earlier versions began a removal with it, which is to be finished.
-enum class SetState { active, leaving };
+enum class SetState { Active, Leaving };
 
 struct SetRecord {
     ContainerId id{};
     std::string name; ///< the container's, for people
-    SetState state = SetState::active;
+    SetState state = SetState::Active;
     std::vector<SetFile> files;
     bool operator==(const SetRecord&) const = default;
 };

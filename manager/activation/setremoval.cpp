@@ -66,7 +66,7 @@ void SetFolders::recover(ContainerId id, const std::function<void(const std::str
     const std::string place = folder(id);
     const auto record = readSetRecord(place);
     bool leftBehind = false;
-    if (!record || record->state == SetState::leaving) {
+    if (!record || record->state == SetState::Leaving) {
         if (removeWhole(id, &leftBehind)) {
             report(place + ": removed, as was begun");
         } else if (isFolder(place)) {
@@ -100,7 +100,7 @@ void SetFolders::recover(ContainerId id, const std::function<void(const std::str
     if (wanted.files.empty()) {
         removeWhole(id, &leftBehind);
         report(place + ": removed, its fonts are gone");
-    } else if (update(*record, wanted, lost) == Progress::updated) {
+    } else if (update(*record, wanted, lost) == Progress::Updated) {
         report(place + ": completed, as was begun");
     }
     for (const LostFile& file : lost) {

@@ -89,11 +89,11 @@ int finish(const Places& places, Activation& activation,
         for (const std::string& problem : problems) {
             warn(problem);
             if (!success) {
-                recordDeed(places, Deed::failed, problem);
+                recordDeed(places, Deed::Failed, problem);
             }
         }
         if (success || outcomeChanged) { // also what was done in part
-            recordDeed(places, Deed::done, texts[i]);
+            recordDeed(places, Deed::Done, texts[i]);
             printLine(texts[i]);
         }
         if (!success) {

@@ -75,9 +75,9 @@ private:
                 [this](const Places& places) { return scanCommand(places, options_.quiet); })
             ->add_flag("--quiet", options_.quiet, "Print new problems alone");
         CLI::App* list = command("list", "List the recorded folders", [this](const Places& places) {
-            return listCommand(places, options_.json         ? Listing::json
-                                       : options_.containers ? Listing::containers
-                                                             : Listing::folders);
+            return listCommand(places, options_.json         ? Listing::Json
+                                       : options_.containers ? Listing::Containers
+                                                             : Listing::Folders);
         });
         list->add_flag("--json", options_.json, "Print everything as JSON");
         list->add_flag("--containers", options_.containers, "List what the folders hold");

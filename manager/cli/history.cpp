@@ -106,7 +106,7 @@ std::vector<PastDeed> readHistory(const Places& places, bool all) {
 
 std::string lineText(const PastDeed& entry) {
     return timeText(entry.seconds, localtime_r, "%Y-%m-%d %H:%M:%S") +
-           (entry.deed == deedNames[static_cast<std::size_t>(Deed::failed)] ? "  failed: " : "  ") +
+           (entry.deed == deedNames[static_cast<std::size_t>(Deed::Failed)] ? "  failed: " : "  ") +
            entry.text;
 }
 

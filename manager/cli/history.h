@@ -13,7 +13,7 @@
 namespace manager {
 
 /// What an entry tells.
-enum class Deed { started, asked, done, undecided, failed, stopped };
+enum class Deed { Started, Asked, Done, Undecided, Failed, Stopped };
 
 /// Appends one entry; a file above a megabyte is put aside first (one such is kept). A history that
 /// cannot be written is no reason to stop: nothing is thrown.

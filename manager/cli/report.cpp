@@ -100,13 +100,13 @@ void printJson(const nlohmann::ordered_json& document) {
 void printLibrary(Library& library, const Activation& activation,
                   const std::vector<std::string>& folders, Listing listing) {
     switch (listing) {
-    case Listing::folders:
+    case Listing::Folders:
         printFolders(library, folders);
         break;
-    case Listing::containers:
+    case Listing::Containers:
         printContainers(library, activation);
         break;
-    case Listing::json:
+    case Listing::Json:
         printAll(library, activation, folders);
         break;
     }

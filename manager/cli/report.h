@@ -20,7 +20,7 @@ std::string printable(std::string_view text);
 void printLine(std::string_view text);
 void warn(std::string_view text);
 
-enum class Listing { folders, containers, json };
+enum class Listing { Folders, Containers, Json };
 
 /// Prints the recorded folders with what they hold.
 void printLibrary(Library& library, const Activation& activation,

@@ -25,7 +25,7 @@ Server::Server(const Places& places, bool verbose)
     openLibrary();
     activation_.recover([this](const std::string& text) {
         warn(text);
-        recordDeed(places_, Deed::done, text);
+        recordDeed(places_, Deed::Done, text);
     });
 }
 
@@ -50,7 +50,7 @@ std::string Server::answer(std::string_view command) {
         return failureReply("", damage.what());
     } catch (const std::exception& error) {
         warn(error.what());
-        recordDeed(places_, Deed::failed, error.what());
+        recordDeed(places_, Deed::Failed, error.what());
         return failureReply("", error.what());
     }
 }
@@ -60,7 +60,7 @@ void Server::note(const Answer& answer) {
         answer.fonts == 0
             ? answer.word + " without fonts" // how the protocol's version is asked for
             : answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
-    std::vector<HistoryEntry> entries{{Deed::asked, asked}};
+    std::vector<HistoryEntry> entries{{Deed::Asked, asked}};
     if (verbose_) {
         warn(asked + (answer.target ? ", from process " + std::to_string(answer.target->processId)
                                     : std::string()));
@@ -73,9 +73,9 @@ void Server::note(const Answer& answer) {
             }
         }
     };
-    take(Deed::done, answer.done, verbose_);
-    take(Deed::undecided, answer.undecided, verbose_);
-    take(Deed::failed, answer.problems, true);
+    take(Deed::Done, answer.done, verbose_);
+    take(Deed::Undecided, answer.undecided, verbose_);
+    take(Deed::Failed, answer.problems, true);
     recordDeeds(places_, entries);
     changed_ = changed_ || answer.changed;
     if (answer.target) {

@@ -338,12 +338,12 @@ int serveCommand(const Places& places, bool verbose) {
                     std::to_string(registration->status()) + ")");
     }
     makeFolders(places.own());
-    recordDeed(places, Deed::started, "server started, process " + std::to_string(getpid()));
+    recordDeed(places, Deed::Started, "server started, process " + std::to_string(getpid()));
     Loop loop(places, verbose, std::move(signals));
     loop.run();
     registration.reset(); // another server may begin: the rest is done on the disk alone
     loop.settle();
-    recordDeed(places, Deed::stopped, "server stopped");
+    recordDeed(places, Deed::Stopped, "server stopped");
     return exitSuccess;
 }
 

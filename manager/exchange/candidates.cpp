@@ -11,12 +11,12 @@ namespace {
 
 int typeRank(FontType type) {
     switch (type) {
-    case FontType::openTypePostScript:
-    case FontType::openTypeTrueType:
+    case FontType::OpenTypePostScript:
+    case FontType::OpenTypeTrueType:
         return 0;
-    case FontType::trueType:
+    case FontType::TrueType:
         return 1;
-    case FontType::type1:
+    case FontType::Type1:
         break;
     }
     return 2;
@@ -24,13 +24,13 @@ int typeRank(FontType type) {
 
 const char* technology(FontType type) {
     switch (type) {
-    case FontType::type1:
+    case FontType::Type1:
         return "PostScript";
-    case FontType::trueType:
+    case FontType::TrueType:
         return "TrueType";
-    case FontType::openTypePostScript:
+    case FontType::OpenTypePostScript:
         return "OpenType PostScript";
-    case FontType::openTypeTrueType:
+    case FontType::OpenTypeTrueType:
         break;
     }
     return "OpenType TrueType";

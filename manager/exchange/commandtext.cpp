@@ -12,17 +12,17 @@ namespace manager {
 namespace {
 
 constexpr std::array<std::pair<std::string_view, CommandKind>, 4> commandWords = {{
-    {"fontRequest", CommandKind::fontRequest},
-    {"activationRequest", CommandKind::activationRequest},
-    {"showRequest", CommandKind::showRequest},
-    {"buyRequest", CommandKind::buyRequest},
+    {"fontRequest", CommandKind::FontRequest},
+    {"activationRequest", CommandKind::ActivationRequest},
+    {"showRequest", CommandKind::ShowRequest},
+    {"buyRequest", CommandKind::BuyRequest},
 }};
 
 constexpr std::array<std::pair<std::string_view, FontType>, 4> typeKeywords = {{
-    {"T1", FontType::type1},
-    {"TT", FontType::trueType},
-    {"OT_T1", FontType::openTypePostScript},
-    {"OT_TT", FontType::openTypeTrueType},
+    {"T1", FontType::Type1},
+    {"TT", FontType::TrueType},
+    {"OT_T1", FontType::OpenTypePostScript},
+    {"OT_TT", FontType::OpenTypeTrueType},
 }};
 
 struct Element {
@@ -195,13 +195,13 @@ private:
     }
 
     void checkFont(const CommandFont& font) const {
-        if (command_.kind == CommandKind::fontRequest && !font.syncId) {
+        if (command_.kind == CommandKind::FontRequest && !font.syncId) {
             throw wrong("a font without <syncID>");
         }
         const bool named = font.postScriptName ||
-                           (command_.kind == CommandKind::fontRequest && font.familyName) ||
-                           (command_.kind == CommandKind::activationRequest && font.containerId);
-        if (command_.kind != CommandKind::unknown && !named) {
+                           (command_.kind == CommandKind::FontRequest && font.familyName) ||
+                           (command_.kind == CommandKind::ActivationRequest && font.containerId);
+        if (command_.kind != CommandKind::Unknown && !named) {
             throw wrong("a font without <psName>");
         }
     }

@@ -26,10 +26,10 @@ struct CommandFont {
     std::optional<std::string> containerId;
 };
 
-enum class CommandKind { fontRequest, activationRequest, showRequest, buyRequest, unknown };
+enum class CommandKind { FontRequest, ActivationRequest, ShowRequest, BuyRequest, Unknown };
 
 struct Command {
-    CommandKind kind = CommandKind::unknown;
+    CommandKind kind = CommandKind::Unknown;
     std::string word;
     std::optional<std::string> targetClass; ///< four bytes: the class of the events to send back
     std::optional<std::int32_t> targetPid;  ///< the process to send them to

@@ -160,17 +160,17 @@ public:
 
     std::string run() {
         switch (command_.kind) {
-        case CommandKind::fontRequest:
+        case CommandKind::FontRequest:
             answerFontRequest();
             break;
-        case CommandKind::activationRequest:
+        case CommandKind::ActivationRequest:
             answerActivationRequest();
             break;
-        case CommandKind::showRequest:
-        case CommandKind::buyRequest:
+        case CommandKind::ShowRequest:
+        case CommandKind::BuyRequest:
             answerWithoutActing();
             break;
-        case CommandKind::unknown:
+        case CommandKind::Unknown:
             answer_.problems.push_back("command, line 1: unknown command word '" + command_.word +
                                        "'");
             break;
@@ -303,7 +303,7 @@ private:
                 reply_.flag("isActive", candidates.front().active);
                 reply_.element("containerID", toText(candidates.front().container.id));
             }
-            if (command_.kind == CommandKind::buyRequest) {
+            if (command_.kind == CommandKind::BuyRequest) {
                 reply_.flag("handled", false);
             }
             reply_.endFont();

@@ -111,7 +111,7 @@ Database::Database(const std::string& path, MissingFile missing) : path_(path) {
     sqlite3* handle = nullptr;
     const bool readOnly = isReadOnly(path);
     const int writing =
-        SQLITE_OPEN_READWRITE | (missing == MissingFile::isMade ? SQLITE_OPEN_CREATE : 0);
+        SQLITE_OPEN_READWRITE | (missing == MissingFile::IsMade ? SQLITE_OPEN_CREATE : 0);
     const int code = sqlite3_open_v2((readOnly ? immutableUri(path) : path).c_str(), &handle,
                                      (readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : writing) |
                                          SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,

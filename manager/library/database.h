@@ -60,14 +60,14 @@ private:
 };
 
 /// What to do when there is no such file.
-enum class MissingFile { isMade, isAnError };
+enum class MissingFile { IsMade, IsAnError };
 
 /// One connection; used from one thread. Waits up to ten seconds for another writer.
 class Database {
 public:
     /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to
     /// it can be read only.
-    explicit Database(const std::string& path, MissingFile missing = MissingFile::isMade);
+    explicit Database(const std::string& path, MissingFile missing = MissingFile::IsMade);
 
     void run(const char* sql);
     [[nodiscard]] std::int64_t lastRow() const { return sqlite3_last_insert_rowid(handle_.get()); }

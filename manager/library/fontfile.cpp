@@ -100,7 +100,7 @@ void checkTables(const Source& source, std::int64_t start) {
     }
 }
 
-enum class Wrapping { single, collection };
+enum class Wrapping { Single, Collection };
 
 // More fonts in one file than anybody ships; keeps a forged count from costing minutes.
 constexpr std::uint32_t maximumFontsInCollection = 4096;
@@ -154,18 +154,18 @@ Wrapping checkWhole(const Source& source) {
     const std::uint32_t magic = number32(start.data());
     if (magic == tag("ttcf")) {
         checkCollection(source);
-        return Wrapping::collection;
+        return Wrapping::Collection;
     }
     if (magic == 0x00010000 || magic == tag("OTTO") || magic == tag("true")) {
         checkTables(source, 0);
-        return Wrapping::single;
+        return Wrapping::Single;
     }
     if (start[0] == 0x80 && start[1] == 1) {
         checkType1Segments(source);
-        return Wrapping::single;
+        return Wrapping::Single;
     }
     if (start[0] == '%' && start[1] == '!') {
-        return Wrapping::single;
+        return Wrapping::Single;
     }
     throw source.error("not a TrueType, OpenType or Type 1 font (byte 0)");
 }
@@ -184,13 +184,13 @@ std::optional<FontType> typeOf(const FcPattern* pattern) {
         // Layout tables make the difference between plain TrueType and OpenType.
         const bool layout =
             textOf(pattern, FC_CAPABILITY, 0).find("otlayout:") != std::string::npos;
-        return layout ? FontType::openTypeTrueType : FontType::trueType;
+        return layout ? FontType::OpenTypeTrueType : FontType::TrueType;
     }
     if (format == "CFF") {
-        return FontType::openTypePostScript;
+        return FontType::OpenTypePostScript;
     }
     if (format == "Type 1" || format == "CID Type 1") {
-        return FontType::type1;
+        return FontType::Type1;
     }
     return std::nullopt;
 }
@@ -232,7 +232,7 @@ bool hasFontFileName(std::string_view name) {
 FontFileContents readFontFile(const std::string& path) {
     const Source source(path);
     FontFileContents contents;
-    contents.collection = checkWhole(source) == Wrapping::collection;
+    contents.collection = checkWhole(source) == Wrapping::Collection;
 
     const FontSet set(FcFontSetCreate());
     int count = 0;

@@ -13,10 +13,10 @@ namespace manager {
 
 /// A font's technology. The numbers are kept in the index.
 enum class FontType : std::uint8_t {
-    type1 = 0,
-    trueType = 1,
-    openTypePostScript = 2,
-    openTypeTrueType = 3,
+    Type1 = 0,
+    TrueType = 1,
+    OpenTypePostScript = 2,
+    OpenTypeTrueType = 3,
 };
 
 /// A family and the style under it. Faces carry several in parallel: typographic, legacy, other
@@ -29,7 +29,7 @@ struct FaceName {
 
 struct FaceRecord {
     std::uint32_t index = 0; ///< as fontconfig numbers them: named instance in the upper 16 bits
-    FontType type = FontType::trueType;
+    FontType type = FontType::TrueType;
     std::string postScriptName;  ///< may be empty
     std::vector<FaceName> names; ///< at least one; the first is the one to show
     bool operator==(const FaceRecord&) const = default;

@@ -79,7 +79,7 @@ std::optional<FontFileOutcome> decode(std::string_view text) {
         } else if (kind == "face" && fields->size() == 4) {
             const auto index = toNumber<std::uint32_t>((*fields)[1]);
             const auto type = toNumber<std::uint8_t>((*fields)[2]);
-            if (!index || !type || *type > static_cast<std::uint8_t>(FontType::openTypeTrueType)) {
+            if (!index || !type || *type > static_cast<std::uint8_t>(FontType::OpenTypeTrueType)) {
                 return std::nullopt;
             }
             contents.faces.push_back(
@@ -275,12 +275,12 @@ private:
         }
     }
 
-    enum class Cause { end, timeOut };
+    enum class Cause { End, TimeOut };
     void replace(ReaderSlot& reader, Cause cause, const std::string& why) {
         const std::size_t position = reader->position();
         const auto ending = reader->end();
         receive_(position, FontFileProblem{paths_[position] + ": " + why + ending.text,
-                                           cause == Cause::end && ending.ofTheFile});
+                                           cause == Cause::End && ending.ofTheFile});
         reader = std::make_unique<Reader>(limits_.memory, read_);
         give(reader);
     }
@@ -292,7 +292,7 @@ private:
             receive_(reader->position(), std::move(*outcome));
             give(reader);
         } else if (gone) {
-            replace(reader, Cause::end, "the font reader ended while reading it");
+            replace(reader, Cause::End, "the font reader ended while reading it");
         }
     }
 
@@ -320,7 +320,7 @@ private:
             if (sockets[i].revents != 0) {
                 take(readers_[i]);
             } else if (readers_[i]->deadline() <= now) {
-                replace(readers_[i], Cause::timeOut,
+                replace(readers_[i], Cause::TimeOut,
                         "reading it took longer than " +
                             std::to_string(limits_.timePerFile.count()) + " ms");
             }

@@ -244,11 +244,11 @@ std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers
         if (access(places.database().c_str(), R_OK) != 0) {
             throw;
         }
-        return open(MissingFile::isAnError); // as it is: where nothing can be written
+        return open(MissingFile::IsAnError); // as it is: where nothing can be written
     }
     std::string damage;
     try {
-        return open(MissingFile::isMade);
+        return open(MissingFile::IsMade);
     } catch (const DamagedDatabase& error) {
         damage = error.what();
     }

@@ -31,7 +31,7 @@ std::optional<ContainerId> toContainerId(std::string_view text);
 /// One face that a look-up found.
 struct FaceMatch {
     ContainerId container{};
-    FontType type = FontType::trueType;
+    FontType type = FontType::TrueType;
     std::string postScriptName;
     std::string familyName;
     std::string styleName;
@@ -77,7 +77,7 @@ class Library {
 public:
     /// Opens the index, or makes one that `fill` may fill.
     explicit Library(const Places& places, const TableFiller& fill = {},
-                     MissingFile missing = MissingFile::isMade);
+                     MissingFile missing = MissingFile::IsMade);
 
     /// The faces of a PostScript name (exact), by container.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);

@@ -137,7 +137,7 @@ void salvageContainers(Database& fresh, const std::string& damagedPath) {
                             "SELECT id, folder, file, family_key, name FROM container "
                             "WHERE id BETWEEN 1 AND 2147483647"}) {
         try {
-            Database damaged(damagedPath, MissingFile::isAnError);
+            Database damaged(damagedPath, MissingFile::IsAnError);
             Statement read(damaged, sql);
             while (read.step()) {
                 keepContainer(fresh, {read.number(0), read.text(1), read.text(2), read.text(3),

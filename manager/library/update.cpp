@@ -227,13 +227,13 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
             report.problems.push_back(problem->text);
         }
     };
-    enum class Portion { another, last };
+    enum class Portion { Another, Last };
     const auto writePortion = [&](Portion which) {
         Transaction transaction(database);
         for (const auto& [position, outcome] : portion) {
             write(*files[position], outcome);
         }
-        if (which == Portion::last) {
+        if (which == Portion::Last) {
             database.run("UPDATE state SET scan_owed = 0");
         }
         transaction.commit();
@@ -248,13 +248,13 @@ UpdateReport updateLibrary(Library& library, std::span<const std::string> folder
             portion.emplace_back(next++, std::move(early.begin()->second));
             early.erase(early.begin());
             if (portion.size() == portionSize) {
-                writePortion(Portion::another);
+                writePortion(Portion::Another);
             }
         }
     };
     readFontFiles(paths, limits, receive, read);
     if (!portion.empty() || library.isScanOwed()) {
-        writePortion(Portion::last);
+        writePortion(Portion::Last);
     }
     return report;
 }

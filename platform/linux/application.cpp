@@ -18,22 +18,21 @@ using platform::VariantHandle;
 
 namespace {
 
-enum class Ownership { ours, anothers, unknown };
+enum class Ownership { Ours, Anothers, Unknown };
 
 Ownership requestName(const BusConnection& connection, const std::string& name) {
-    constexpr std::uint32_t kDoNotQueue = 4;
-    constexpr std::uint32_t kPrimaryOwner = 1;
-    constexpr std::uint32_t kAlreadyOwner = 4;
+    constexpr std::uint32_t doNotQueue = 4;
+    constexpr std::uint32_t primaryOwner = 1;
+    constexpr std::uint32_t alreadyOwner = 4;
     ErrorSlot error;
     const VariantHandle reply = connection.callBus(
-        "RequestName", g_variant_new("(su)", name.c_str(), kDoNotQueue), "(u)", error);
+        "RequestName", g_variant_new("(su)", name.c_str(), doNotQueue), "(u)", error);
     if (!reply) {
-        return Ownership::unknown;
+        return Ownership::Unknown;
     }
     std::uint32_t result = 0;
     g_variant_get(reply.get(), "(u)", &result);
-    return result == kPrimaryOwner || result == kAlreadyOwner ? Ownership::ours
-                                                              : Ownership::anothers;
+    return result == primaryOwner || result == alreadyOwner ? Ownership::Ours : Ownership::Anothers;
 }
 
 void releaseName(const BusConnection& connection, const std::string& name) {
@@ -45,12 +44,12 @@ OSStatus requestNames(const BusConnection& connection, OSType signature, PLInsta
     const std::string single = platform::busNameOf(signature);
     if (instances == kPLOneInstance) {
         const Ownership ownership = requestName(connection, single);
-        if (ownership != Ownership::ours) {
-            return ownership == Ownership::anothers ? OSStatus{kPLAlreadyRunningErr}
+        if (ownership != Ownership::Ours) {
+            return ownership == Ownership::Anothers ? OSStatus{kPLAlreadyRunningErr}
                                                     : OSStatus{connectionInvalid};
         }
     }
-    if (requestName(connection, platform::busNameOf({signature, getpid()})) == Ownership::ours) {
+    if (requestName(connection, platform::busNameOf({signature, getpid()})) == Ownership::Ours) {
         return noErr;
     }
     if (instances == kPLOneInstance) {
@@ -71,7 +70,7 @@ void dispatch(IncomingEvent incoming) {
     const platform::Event& told = incoming.event;
     const auto handler = platform::HandlerTable::instance().find(told.eventClass, told.eventID);
     if (!handler) {
-        return incoming.answer.refuse(platform::kErrorNotHandled,
+        return incoming.answer.refuse(platform::errorNotHandled,
                                       "the application has no handler for this event");
     }
     OwnedEvent event;
@@ -99,7 +98,7 @@ OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const ch
     if (inbox.isOpen() || (name != nullptr && g_utf8_validate(name, -1, nullptr) == 0)) {
         return paramErr;
     }
-    auto connection = platform::SessionBus::instance().connect(platform::WithoutBus::startOne);
+    auto connection = platform::SessionBus::instance().connect(platform::WithoutBus::StartOne);
     if (!connection) {
         return connectionInvalid;
     }

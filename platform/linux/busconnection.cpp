@@ -25,7 +25,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::chrono::milliseconds kBusCallTimeout{15'000};
+constexpr std::chrono::milliseconds busCallTimeout{15'000};
 
 /// Runs in GDBus' worker thread, for every message in both directions.
 GDBusMessage* filterMessage(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
@@ -128,7 +128,7 @@ std::shared_ptr<BusConnection> BusConnection::open(const std::string& address,
             const SignalMask mask; // also for GDBus' worker thread, which this one makes
             opening = std::async(std::launch::async, connect);
         }
-        if (opening.wait_for(kBusCallTimeout) == std::future_status::timeout) {
+        if (opening.wait_for(busCallTimeout) == std::future_status::timeout) {
             g_cancellable_cancel(cancellable.get());
         }
         connection = opening.get();
@@ -161,7 +161,7 @@ VariantHandle BusConnection::callBus(const char* method, GVariant* arguments, co
     return VariantHandle(g_dbus_connection_call_sync(
         get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
         arguments, G_VARIANT_TYPE(replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        static_cast<int>(kBusCallTimeout.count()), nullptr, error.out()));
+        static_cast<int>(busCallTimeout.count()), nullptr, error.out()));
 }
 
 SessionBus& SessionBus::instance() {
@@ -183,7 +183,7 @@ std::shared_ptr<BusConnection> SessionBus::connect(WithoutBus withoutBus) {
         connection_ = BusConnection::open(*address, reason);
         why = "the session bus at " + *address + " cannot be reached (" + reason + ")";
     }
-    if (!connection_ && withoutBus == WithoutBus::startOne) {
+    if (!connection_ && withoutBus == WithoutBus::StartOne) {
         connection_ = openPrivateBus(why, startedAddress_);
     }
     if (connection_) {

@@ -50,8 +50,8 @@ private:
 };
 
 enum class WithoutBus {
-    fail,
-    startOne, ///< start a private bus for this process and say so on standard error
+    Fail,
+    StartOne, ///< start a private bus for this process and say so on standard error
 };
 
 /// The connection of this process, made when first asked for and made again when the bus went away
@@ -61,7 +61,7 @@ public:
     static SessionBus& instance();
 
     /// Null when there is no bus.
-    std::shared_ptr<BusConnection> connect(WithoutBus withoutBus = WithoutBus::fail);
+    std::shared_ptr<BusConnection> connect(WithoutBus withoutBus = WithoutBus::Fail);
     /// The connection made last, which may have been hung up since; null before the first.
     std::shared_ptr<BusConnection> current();
     /// Where the private bus is that this process started; empty when it started none. The

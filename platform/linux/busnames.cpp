@@ -8,8 +8,8 @@ namespace platform {
 
 namespace {
 
-constexpr std::string_view kPrefix = "org.glyphora.AppleEvents1.";
-constexpr std::string_view kInstance = ".instance";
+constexpr std::string_view prefix = "org.glyphora.AppleEvents1.";
+constexpr std::string_view instanceElement = ".instance";
 
 constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -19,7 +19,7 @@ constexpr bool isLetter(char c) {
 }
 
 std::string escaped(OSType signature) {
-    constexpr std::string_view kHexadecimal = "0123456789abcdef";
+    constexpr std::string_view hexadecimal = "0123456789abcdef";
     std::string text;
     for (const unsigned shift : {24U, 16U, 8U, 0U}) {
         const auto byte = static_cast<unsigned char>(signature >> shift);
@@ -27,7 +27,7 @@ std::string escaped(OSType signature) {
         if (isLetter(character) || (isDigit(character) && !text.empty())) {
             text += character;
         } else {
-            text += {'_', kHexadecimal[byte >> 4U], kHexadecimal[byte & 15U]};
+            text += {'_', hexadecimal[byte >> 4U], hexadecimal[byte & 15U]};
         }
     }
     return text;
@@ -57,25 +57,25 @@ std::optional<OSType> unescaped(std::string_view text) {
 } // namespace
 
 std::string busNameOf(OSType signature) {
-    return std::string(kPrefix) + escaped(signature);
+    return std::string(prefix) + escaped(signature);
 }
 
 std::string busNameOf(const InstanceName& instance) {
-    return busNameOf(instance.signature) + std::string(kInstance) +
+    return busNameOf(instance.signature) + std::string(instanceElement) +
            std::to_string(instance.processID);
 }
 
 std::optional<InstanceName> parseInstanceName(std::string_view busName) {
-    if (!busName.starts_with(kPrefix)) {
+    if (!busName.starts_with(prefix)) {
         return std::nullopt;
     }
-    const std::string_view rest = busName.substr(kPrefix.size());
-    const std::size_t end = rest.find(kInstance);
+    const std::string_view rest = busName.substr(prefix.size());
+    const std::size_t end = rest.find(instanceElement);
     if (end == std::string_view::npos) {
         return std::nullopt;
     }
     const auto signature = unescaped(rest.substr(0, end));
-    const std::string_view digits = rest.substr(end + kInstance.size());
+    const std::string_view digits = rest.substr(end + instanceElement.size());
     InstanceName instance{signature.value_or(0), 0};
     std::from_chars(digits.data(), digits.data() + digits.size(), instance.processID);
     // Comparing with what we would have made refuses every other spelling at once.

@@ -68,7 +68,7 @@ void CFShow(CFTypeRef object) {
         return;
     }
     const auto* shown = static_cast<const CoreObject*>(object);
-    if (shown->kind == CoreObject::Kind::string) {
+    if (shown->kind == CoreObject::Kind::String) {
         std::cerr << shown->text + "\n";
         return;
     }
@@ -78,11 +78,11 @@ void CFShow(CFTypeRef object) {
 
 void CFRelease(CFTypeRef object) {
     switch (static_cast<const CoreObject*>(object)->kind) {
-    case CoreObject::Kind::string: {
+    case CoreObject::Kind::String: {
         const std::unique_ptr<const PLString> released(static_cast<CFStringRef>(object));
         break;
     }
-    case CoreObject::Kind::url: {
+    case CoreObject::Kind::Url: {
         const std::unique_ptr<const PLUrl> released(static_cast<CFURLRef>(object));
         break;
     }

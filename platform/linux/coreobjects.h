@@ -11,7 +11,7 @@ namespace platform {
 
 /// What every CFTypeRef points to, so that CFShow and CFRelease can tell the kinds apart.
 struct CoreObject {
-    enum class Kind { string, url };
+    enum class Kind { String, Url };
     const Kind kind;
     const std::string text; ///< UTF-8; of a URL, the file's absolute path
 };
@@ -19,10 +19,10 @@ struct CoreObject {
 } // namespace platform
 
 struct PLString : platform::CoreObject {
-    explicit PLString(std::string value) : CoreObject{Kind::string, std::move(value)} {}
+    explicit PLString(std::string value) : CoreObject{Kind::String, std::move(value)} {}
 };
 struct PLUrl : platform::CoreObject {
-    explicit PLUrl(std::string path) : CoreObject{Kind::url, std::move(path)} {}
+    explicit PLUrl(std::string path) : CoreObject{Kind::Url, std::move(path)} {}
 };
 
 // A pointer to either is a pointer to its CoreObject, also by way of const void*.

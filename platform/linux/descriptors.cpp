@@ -18,8 +18,8 @@ using platform::eventOf;
 namespace {
 
 /// These five are fields of the event; they are told as attributes but cannot be set as such.
-constexpr std::array kComputedAttributes = {keyEventClassAttr, keyEventIDAttr, keyAddressAttr,
-                                            keyReturnIDAttr, keyTransactionIDAttr};
+constexpr std::array computedAttributes = {keyEventClassAttr, keyEventIDAttr, keyAddressAttr,
+                                           keyReturnIDAttr, keyTransactionIDAttr};
 
 bool isValidData(const void* data, Size size) {
     return size >= 0 && (data != nullptr || size == 0);
@@ -147,8 +147,8 @@ OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, con
     if (filled == nullptr) {
         return errAENotAEDesc;
     }
-    if (std::find(kComputedAttributes.begin(), kComputedAttributes.end(), keyword) !=
-        kComputedAttributes.end()) {
+    if (std::find(computedAttributes.begin(), computedAttributes.end(), keyword) !=
+        computedAttributes.end()) {
         return paramErr;
     }
     return put(*filled, filled->attributes, keyword, type, data, size);

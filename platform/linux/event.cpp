@@ -37,7 +37,7 @@ bool EventItems::put(EventItem item) {
 }
 
 bool EventItems::append(EventItem item) {
-    if (items_.size() >= kMaximumCount) {
+    if (items_.size() >= maximumCount) {
         return false;
     }
     wireSize_ += wireSizeFor(g_bytes_get_size(item.data.get()));

@@ -23,7 +23,7 @@ struct EventItem {
 class EventItems {
 public:
     /// More than any application puts; keeps the search through an event of a hostile peer short.
-    static constexpr std::size_t kMaximumCount = 1024;
+    static constexpr std::size_t maximumCount = 1024;
 
     const std::vector<EventItem>& all() const { return items_; }
     /// The first item with `keyword` (typeWildCard: the first of all), or null.
@@ -39,9 +39,9 @@ public:
 
     /// The bytes that an item with `size` bytes of data takes on the bus.
     static constexpr std::size_t wireSizeFor(std::size_t size) {
-        constexpr std::size_t kHeader = 12; // keyword, type and length
-        constexpr std::size_t kAlignment = 8;
-        return (kHeader + size + kAlignment - 1) / kAlignment * kAlignment;
+        constexpr std::size_t header = 12; // keyword, type and length
+        constexpr std::size_t alignment = 8;
+        return (header + size + alignment - 1) / alignment * alignment;
     }
 
 private:

@@ -20,7 +20,7 @@ PendingAnswer::PendingAnswer(GDBusConnection* connection, GDBusMessage* call)
 }
 
 PendingAnswer::~PendingAnswer() {
-    refuse(kErrorEnded, "the application gave no answer");
+    refuse(errorEnded, "the application gave no answer");
 }
 
 void PendingAnswer::give(GVariant* body) {
@@ -156,9 +156,9 @@ void EventInbox::accept(IncomingEvent incoming) {
     if (!connection_ || connection_->get() != incoming.answer.connection()) {
         return; // closed in between: the answer says so
     }
-    if (queue_.size() >= kMaximumWaiting || size > kMaximumWaitingBytes - queuedBytes_) {
+    if (queue_.size() >= maximumWaiting || size > maximumWaitingBytes - queuedBytes_) {
         lock.unlock();
-        return incoming.answer.refuse(kErrorLimitsExceeded,
+        return incoming.answer.refuse(errorLimitsExceeded,
                                       "too many events wait for this application already");
     }
     queue_.push_back(std::move(incoming));
@@ -173,18 +173,18 @@ bool EventInbox::takeEvent(GDBusConnection* connection, GDBusMessage* message) {
         return false;
     }
     const char* interface = g_dbus_message_get_interface(message);
-    const bool atOurPath = g_strcmp0(g_dbus_message_get_path(message), kEventPath) == 0;
+    const bool atOurPath = g_strcmp0(g_dbus_message_get_path(message), eventPath) == 0;
     const bool isProperties =
         atOurPath && g_strcmp0(interface, "org.freedesktop.DBus.Properties") == 0;
     const bool isEvent =
-        g_strcmp0(interface, kEventInterface) == 0 || (atOurPath && interface == nullptr);
+        g_strcmp0(interface, eventInterface) == 0 || (atOurPath && interface == nullptr);
     if (!isEvent && !isProperties) {
         return false; // GDBus answers what every process answers
     }
     PendingAnswer answer(connection, message);
     const auto name = nameOn(connection);
     if (!name) {
-        answer.refuse(kErrorEnded, "this process is not registered as an application");
+        answer.refuse(errorEnded, "this process is not registered as an application");
         return true;
     }
 
@@ -198,22 +198,22 @@ bool EventInbox::takeEvent(GDBusConnection* connection, GDBusMessage* message) {
         if (isGet) {
             g_variant_get(body, "(&s&s)", &owner, &property);
         }
-        if (g_strcmp0(owner, kEventInterface) == 0 && g_strcmp0(property, kNameProperty) == 0) {
+        if (g_strcmp0(owner, eventInterface) == 0 && g_strcmp0(property, nameProperty) == 0) {
             answer.give(g_variant_new("(v)", g_variant_new_string(name->c_str())));
         } else {
-            answer.refuse(kErrorInvalidArguments, std::string("the only property is ") +
-                                                      kNameProperty + " of " + kEventInterface +
-                                                      ", and it can only be read by Get");
+            answer.refuse(errorInvalidArguments, std::string("the only property is ") +
+                                                     nameProperty + " of " + eventInterface +
+                                                     ", and it can only be read by Get");
         }
         return true;
     }
     if (!atOurPath) {
-        answer.refuse(kErrorUnknownObject, std::string("events are taken at ") + kEventPath);
+        answer.refuse(errorUnknownObject, std::string("events are taken at ") + eventPath);
         return true;
     }
-    if (g_strcmp0(member, kEventMethod) != 0) {
-        answer.refuse(kErrorUnknownMethod,
-                      std::string(kEventInterface) + " has only the method " + kEventMethod);
+    if (g_strcmp0(member, eventMethod) != 0) {
+        answer.refuse(errorUnknownMethod,
+                      std::string(eventInterface) + " has only the method " + eventMethod);
         return true;
     }
     Event event;

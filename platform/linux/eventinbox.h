@@ -44,8 +44,8 @@ struct IncomingEvent {
 class EventInbox {
 public:
     /// What may wait before further events are refused.
-    static constexpr std::size_t kMaximumWaiting = 4096;
-    static constexpr std::size_t kMaximumWaitingBytes = 256UL * 1024 * 1024;
+    static constexpr std::size_t maximumWaiting = 4096;
+    static constexpr std::size_t maximumWaitingBytes = 256UL * 1024 * 1024;
 
     static EventInbox& instance();
 

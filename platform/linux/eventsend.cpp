@@ -18,16 +18,16 @@ using platform::Peer;
 
 namespace {
 
-constexpr std::int64_t kTicksPerSecond = 60;
-constexpr std::int64_t kDefaultTimeoutTicks = 15 * kTicksPerSecond;
+constexpr std::int64_t ticksPerSecond = 60;
+constexpr std::int64_t defaultTimeoutTicks = 15 * ticksPerSecond;
 
 /// In milliseconds, rounded up; as GDBus takes it.
 int timeoutOf(std::int32_t ticks) {
     if (ticks == kNoTimeOut) {
         return G_MAXINT;
     }
-    const std::int64_t counted = ticks == kAEDefaultTimeout ? kDefaultTimeoutTicks : ticks;
-    const std::int64_t milliseconds = (counted * 1000 + kTicksPerSecond - 1) / kTicksPerSecond;
+    const std::int64_t counted = ticks == kAEDefaultTimeout ? defaultTimeoutTicks : ticks;
+    const std::int64_t milliseconds = (counted * 1000 + ticksPerSecond - 1) / ticksPerSecond;
     return static_cast<int>(std::min<std::int64_t>(milliseconds, G_MAXINT - 1));
 }
 
@@ -107,8 +107,8 @@ OSStatus AESend(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
         return errAETimeout; // nobody else could answer: there is no use in waiting for it
     }
     const ObjectHandle<GDBusMessage> call(
-        g_dbus_message_new_method_call(peer.busName.c_str(), platform::kEventPath,
-                                       platform::kEventInterface, platform::kEventMethod));
+        g_dbus_message_new_method_call(peer.busName.c_str(), platform::eventPath,
+                                       platform::eventInterface, platform::eventMethod));
     g_dbus_message_set_body(call.get(), platform::eventBody(*sent));
     return waits ? sendAndWait(*connection, call.get(), timeoutOf(timeOutInTicks), reply)
                  : sendOnly(*connection, call.get());

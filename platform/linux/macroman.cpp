@@ -12,9 +12,9 @@ namespace platform {
 
 namespace {
 
-constexpr unsigned kFirstListed = 0x80;
+constexpr unsigned firstListed = 0x80;
 
-constexpr std::array<char16_t, 128> kUpperHalf = {
+constexpr std::array<char16_t, 128> upperHalf = {
     0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, // 0x80
     0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5, 0x00E7, 0x00E9, 0x00E8, //
     0x00EA, 0x00EB, 0x00ED, 0x00EC, 0x00EE, 0x00EF, 0x00F1, 0x00F3, // 0x90
@@ -40,12 +40,12 @@ std::string macRomanToUtf8(std::string_view text) {
     converted.reserve(text.size());
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
-        if (byte < kFirstListed) {
+        if (byte < firstListed) {
             converted += character;
             continue;
         }
         std::array<char, 6> buffer{};
-        const int length = g_unichar_to_utf8(kUpperHalf[byte - kFirstListed], buffer.data());
+        const int length = g_unichar_to_utf8(upperHalf[byte - firstListed], buffer.data());
         converted.append(buffer.data(), static_cast<std::size_t>(length));
     }
     return converted;
@@ -56,15 +56,15 @@ std::optional<std::string> utf8ToMacRoman(const std::string& text) {
     converted.reserve(text.size());
     for (const char* at = text.c_str(); *at != '\0'; at = g_utf8_next_char(at)) {
         const gunichar character = g_utf8_get_char(at);
-        if (character < kFirstListed) {
+        if (character < firstListed) {
             converted += static_cast<char>(character);
             continue;
         }
-        const auto* found = std::find(kUpperHalf.begin(), kUpperHalf.end(), character);
-        if (found == kUpperHalf.end()) {
+        const auto* found = std::find(upperHalf.begin(), upperHalf.end(), character);
+        if (found == upperHalf.end()) {
             return std::nullopt;
         }
-        converted += static_cast<char>(kFirstListed + (found - kUpperHalf.begin()));
+        converted += static_cast<char>(firstListed + (found - upperHalf.begin()));
     }
     return converted;
 }

@@ -11,32 +11,32 @@ namespace platform {
 
 namespace {
 
-constexpr const char* kPath = "/org/glyphora/Notify1";
-constexpr const char* kMember = "Posted";
+constexpr const char* objectPath = "/org/glyphora/Notify1";
+constexpr const char* signalMember = "Posted";
 
-constexpr unsigned kIndexBits = 12;
-constexpr std::uint32_t kIndexMask = (1U << kIndexBits) - 1;
+constexpr unsigned indexBits = 12;
+constexpr std::uint32_t indexMask = (1U << indexBits) - 1;
 /// What of a slot's uses fits into a token (an int that is not negative) beside its index.
-constexpr std::uint32_t kUseMask = std::numeric_limits<std::int32_t>::max() >> kIndexBits;
-static_assert(Notifications::kMaximumTokens == kIndexMask + 1);
+constexpr std::uint32_t useMask = std::numeric_limits<std::int32_t>::max() >> indexBits;
+static_assert(Notifications::maximumTokens == indexMask + 1);
 
-constexpr std::uint64_t kGenerationUnit = std::uint64_t{1} << 32U;
-constexpr std::uint64_t kSeenMask = kGenerationUnit - 1;
+constexpr std::uint64_t generationUnit = std::uint64_t{1} << 32U;
+constexpr std::uint64_t seenMask = generationUnit - 1;
 
 constexpr bool inUse(std::uint64_t state) {
-    return (state & kGenerationUnit) != 0;
+    return (state & generationUnit) != 0;
 }
 /// How often the slot has been in use, as the token tells it.
 constexpr std::uint32_t useOf(std::uint64_t state) {
-    return static_cast<std::uint32_t>(state >> 33U) & kUseMask;
+    return static_cast<std::uint32_t>(state >> 33U) & useMask;
 }
 constexpr bool belongsTo(std::uint64_t state, int token) {
-    return inUse(state) && useOf(state) == static_cast<std::uint32_t>(token) >> kIndexBits;
+    return inUse(state) && useOf(state) == static_cast<std::uint32_t>(token) >> indexBits;
 }
 
 GVariant* matchRule(std::string_view name) {
     const std::string rule = "type='signal',interface='" + std::string(name) + "',member='" +
-                             kMember + "',path='" + kPath + "'";
+                             signalMember + "',path='" + objectPath + "'";
     return g_variant_new("(s)", rule.c_str());
 }
 
@@ -80,9 +80,9 @@ int Notifications::add(const BusConnection& connection, const std::string& text)
         ++name.tokens;
         slot.name.store(&name, std::memory_order_relaxed);
         const std::uint64_t used =
-            ((state & ~kSeenMask) + kGenerationUnit) | name.posted.load(std::memory_order_acquire);
+            ((state & ~seenMask) + generationUnit) | name.posted.load(std::memory_order_acquire);
         slot.state.store(used, std::memory_order_release);
-        return static_cast<int>(useOf(used) << kIndexBits | index);
+        return static_cast<int>(useOf(used) << indexBits | index);
     }
     return -1;
 }
@@ -91,20 +91,20 @@ bool Notifications::check(int token, bool& posted) {
     if (token < 0) {
         return false;
     }
-    Slot& slot = slots_[static_cast<std::uint32_t>(token) & kIndexMask];
+    Slot& slot = slots_[static_cast<std::uint32_t>(token) & indexMask];
     std::uint64_t state = slot.state.load(std::memory_order_acquire);
     for (;;) {
         if (!belongsTo(state, token)) {
             return false;
         }
         const Name* name = slot.name.load(std::memory_order_relaxed);
-        const auto seen = static_cast<std::uint32_t>(state & kSeenMask);
+        const auto seen = static_cast<std::uint32_t>(state & seenMask);
         posted = name->posted.load(std::memory_order_acquire) != seen;
         if (!posted) {
             return true;
         }
         // Fails when another thread checked, or gave the slot to another token, in between.
-        const std::uint64_t taken = (state & ~kSeenMask) | (seen + 1U);
+        const std::uint64_t taken = (state & ~seenMask) | (seen + 1U);
         if (slot.state.compare_exchange_weak(state, taken, std::memory_order_acq_rel,
                                              std::memory_order_acquire)) {
             return true;
@@ -117,13 +117,13 @@ bool Notifications::remove(int token, const BusConnection* connection) {
         return false;
     }
     const std::scoped_lock lock(registration_);
-    Slot& slot = slots_[static_cast<std::uint32_t>(token) & kIndexMask];
+    Slot& slot = slots_[static_cast<std::uint32_t>(token) & indexMask];
     std::uint64_t state = slot.state.load(std::memory_order_acquire);
     do {
         if (!belongsTo(state, token)) {
             return false;
         }
-    } while (!slot.state.compare_exchange_weak(state, state + kGenerationUnit,
+    } while (!slot.state.compare_exchange_weak(state, state + generationUnit,
                                                std::memory_order_acq_rel));
     Name* name = slot.name.load(std::memory_order_relaxed);
     if (--name->tokens > 0 || connection == nullptr || name->matchedOn != connection->serial()) {
@@ -137,8 +137,8 @@ bool Notifications::remove(int token, const BusConnection* connection) {
 
 bool Notifications::takePosting(GDBusMessage* message) {
     if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_SIGNAL ||
-        g_strcmp0(g_dbus_message_get_path(message), kPath) != 0 ||
-        g_strcmp0(g_dbus_message_get_member(message), kMember) != 0) {
+        g_strcmp0(g_dbus_message_get_path(message), objectPath) != 0 ||
+        g_strcmp0(g_dbus_message_get_member(message), signalMember) != 0) {
         return false;
     }
     const char* text = g_dbus_message_get_interface(message);
@@ -221,8 +221,8 @@ std::uint32_t notify_post(const char* name) {
     platform::ErrorSlot error;
     // Flushed, so that a program may post as its last deed.
     const bool sent =
-        g_dbus_connection_emit_signal(connection->get(), nullptr, platform::kPath, name,
-                                      platform::kMember, nullptr, error.out()) != 0 &&
+        g_dbus_connection_emit_signal(connection->get(), nullptr, platform::objectPath, name,
+                                      platform::signalMember, nullptr, error.out()) != 0 &&
         g_dbus_connection_flush_sync(connection->get(), nullptr, error.out()) != 0;
     return sent ? NOTIFY_STATUS_OK : NOTIFY_STATUS_FAILED;
 }

@@ -22,7 +22,7 @@ namespace platform {
 /// Any thread; takePosting runs in the bus thread and never waits for the bus.
 class Notifications {
 public:
-    static constexpr std::size_t kMaximumTokens = 4096;
+    static constexpr std::size_t maximumTokens = 4096;
 
     static Notifications& instance();
 
@@ -60,7 +60,7 @@ private:
     std::mutex registration_; ///< held during calls to the bus
     std::mutex names_;        ///< guards the map's shape; never held during a call
     std::map<std::string, Name, std::less<>> byName_;
-    std::array<Slot, kMaximumTokens> slots_;
+    std::array<Slot, maximumTokens> slots_;
 };
 
 } // namespace platform

@@ -25,7 +25,7 @@ namespace platform {
 
 namespace {
 
-constexpr int kStartTimeoutMilliseconds = 10'000;
+constexpr int startTimeoutMilliseconds = 10'000;
 
 class Descriptor {
 public:
@@ -53,10 +53,10 @@ struct Started {
 /// Between fork and exec: nothing but async-signal-safe calls.
 [[noreturn]] void becomeDaemon(const char* program, char* const* arguments, pid_t parent,
                                int addressPipe) {
-    constexpr int kCannotRun = 127;
+    constexpr int cannotRun = 127;
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (getppid() != parent) { // ended before the signal was asked for
-        _exit(kCannotRun);
+        _exit(cannotRun);
     }
     setsid(); // an interrupt typed at the terminal is for the program, not for its bus
     sigset_t none;
@@ -69,7 +69,7 @@ struct Started {
     dup2(nothing, STDERR_FILENO);
     dup2(pipe, STDOUT_FILENO);
     execv(program, arguments);
-    _exit(kCannotRun);
+    _exit(cannotRun);
 }
 
 /// The first line written to `pipe`; empty when there is none in time.
@@ -78,7 +78,7 @@ std::string readLine(int pipe) {
     std::array<char, 512> buffer{};
     while (line.find('\n') == std::string::npos) {
         pollfd watched{pipe, POLLIN, 0};
-        const int ready = poll(&watched, 1, kStartTimeoutMilliseconds);
+        const int ready = poll(&watched, 1, startTimeoutMilliseconds);
         if (ready < 0 && errno == EINTR) {
             continue;
         }

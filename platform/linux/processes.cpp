@@ -20,9 +20,9 @@ using platform::InstanceName;
 
 namespace {
 
-constexpr std::size_t kNameSize = 256;
+constexpr std::size_t nameSize = 256;
 /// A process that is stopped must not hold up one that only wants its name.
-constexpr int kNameTimeoutMilliseconds = 500;
+constexpr int nameTimeoutMilliseconds = 500;
 
 /// A serial number is the signature and the process id. That order of a walk: id, then signature.
 bool isBefore(const InstanceName& a, const InstanceName& b) {
@@ -72,10 +72,10 @@ std::string nameOf(const BusConnection& connection, const InstanceName& instance
     }
     platform::ErrorSlot error;
     const platform::VariantHandle reply(g_dbus_connection_call_sync(
-        connection.get(), platform::busNameOf(instance).c_str(), platform::kEventPath,
+        connection.get(), platform::busNameOf(instance).c_str(), platform::eventPath,
         "org.freedesktop.DBus.Properties", "Get",
-        g_variant_new("(ss)", platform::kEventInterface, platform::kNameProperty),
-        G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, kNameTimeoutMilliseconds, nullptr,
+        g_variant_new("(ss)", platform::eventInterface, platform::nameProperty),
+        G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, nameTimeoutMilliseconds, nullptr,
         error.out()));
     std::string name;
     if (reply) {
@@ -91,8 +91,8 @@ std::string nameOf(const BusConnection& connection, const InstanceName& instance
 
 /// Cut between characters when it is too long.
 void tellName(std::string name, char* buffer) {
-    if (name.size() >= kNameSize) {
-        const char* end = g_utf8_find_prev_char(name.c_str(), name.c_str() + kNameSize);
+    if (name.size() >= nameSize) {
+        const char* end = g_utf8_find_prev_char(name.c_str(), name.c_str() + nameSize);
         name.resize(end != nullptr ? static_cast<std::size_t>(end - name.c_str()) : 0);
     }
     std::memcpy(buffer, name.c_str(), name.size() + 1);

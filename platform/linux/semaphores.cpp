@@ -34,16 +34,16 @@ struct OpaqueMPSemaphore {
 
 namespace {
 
-constexpr MPSemaphoreCount kGreatestMaximum = 32767;
+constexpr MPSemaphoreCount greatestMaximum = 32767;
 
 timespec deadlineAfter(Duration milliseconds) {
-    constexpr long kNanosecondsPerSecond = 1'000'000'000;
+    constexpr long nanosecondsPerSecond = 1'000'000'000;
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
     time.tv_sec += milliseconds / 1000;
     time.tv_nsec += (milliseconds % 1000) * 1'000'000L;
-    if (time.tv_nsec >= kNanosecondsPerSecond) {
-        time.tv_nsec -= kNanosecondsPerSecond;
+    if (time.tv_nsec >= nanosecondsPerSecond) {
+        time.tv_nsec -= nanosecondsPerSecond;
         ++time.tv_sec;
     }
     return time;
@@ -69,7 +69,7 @@ int take(sem_t& semaphore, Duration timeout) {
 
 OSStatus MPCreateSemaphore(MPSemaphoreCount maximumValue, MPSemaphoreCount initialValue,
                            MPSemaphoreID* semaphore) {
-    if (semaphore == nullptr || maximumValue < 1 || maximumValue > kGreatestMaximum ||
+    if (semaphore == nullptr || maximumValue < 1 || maximumValue > greatestMaximum ||
         initialValue > maximumValue) {
         return paramErr;
     }

@@ -7,18 +7,18 @@
 
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-constexpr std::int64_t kTicksPerSecond = 60;
+constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr std::int64_t ticksPerSecond = 60;
 /// From 1970-01-01 to 2001-01-01, both 00:00:00 UTC.
-constexpr double kSecondsBefore2001 = 978'307'200.0;
+constexpr double secondsBefore2001 = 978'307'200.0;
 
 } // namespace
 
 std::uint32_t TickCount() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<std::uint32_t>(now.tv_sec * kTicksPerSecond +
-                                      now.tv_nsec * kTicksPerSecond / kNanosecondsPerSecond);
+    return static_cast<std::uint32_t>(now.tv_sec * ticksPerSecond +
+                                      now.tv_nsec * ticksPerSecond / nanosecondsPerSecond);
 }
 
 void Delay(std::uint32_t ticks, std::uint32_t* finalTicks) {
@@ -26,9 +26,9 @@ void Delay(std::uint32_t ticks, std::uint32_t* finalTicks) {
     clock_gettime(CLOCK_MONOTONIC, &until);
     // Rounded up, so that the tick count has advanced by `ticks` at least.
     const std::int64_t nanoseconds =
-        until.tv_nsec + (ticks * kNanosecondsPerSecond + kTicksPerSecond - 1) / kTicksPerSecond;
-    until.tv_sec += nanoseconds / kNanosecondsPerSecond;
-    until.tv_nsec = nanoseconds % kNanosecondsPerSecond;
+        until.tv_nsec + (ticks * nanosecondsPerSecond + ticksPerSecond - 1) / ticksPerSecond;
+    until.tv_sec += nanoseconds / nanosecondsPerSecond;
+    until.tv_nsec = nanoseconds % nanosecondsPerSecond;
     while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
     }
     if (finalTicks != nullptr) {
@@ -39,6 +39,6 @@ void Delay(std::uint32_t ticks, std::uint32_t* finalTicks) {
 double CFAbsoluteTimeGetCurrent() {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    return static_cast<double>(now.tv_sec) - kSecondsBefore2001 +
-           static_cast<double>(now.tv_nsec) / static_cast<double>(kNanosecondsPerSecond);
+    return static_cast<double>(now.tv_sec) - secondsBefore2001 +
+           static_cast<double>(now.tv_nsec) / static_cast<double>(nanosecondsPerSecond);
 }

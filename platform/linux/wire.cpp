@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-constexpr auto kMaximumSize = static_cast<std::size_t>(kAEMaximumEventSize);
+constexpr auto maximumSize = static_cast<std::size_t>(kAEMaximumEventSize);
 
 GVariant* itemsVariant(const EventItems& items) {
     GVariantBuilder builder;
@@ -27,9 +27,9 @@ GVariant* itemsVariant(const EventItems& items) {
 
 WireFault readItems(GVariant* array, const char* what, EventItems& items) {
     const gsize count = g_variant_n_children(array);
-    if (count > EventItems::kMaximumCount) {
-        return {kErrorLimitsExceeded, std::to_string(count) + " " + what + "; at most " +
-                                          std::to_string(EventItems::kMaximumCount) + " are taken"};
+    if (count > EventItems::maximumCount) {
+        return {errorLimitsExceeded, std::to_string(count) + " " + what + "; at most " +
+                                         std::to_string(EventItems::maximumCount) + " are taken"};
     }
     for (gsize i = 0; i < count; ++i) {
         const VariantHandle child(g_variant_get_child_value(array, i));
@@ -49,17 +49,17 @@ WireFault checkSignature(GVariant* body, std::string_view wanted, const char* wh
     if (found == wanted) {
         return {};
     }
-    return {kErrorInvalidArguments, std::string(what) + " (" + std::string(wanted) + "), not of (" +
-                                        std::string(found) + ")"};
+    return {errorInvalidArguments, std::string(what) + " (" + std::string(wanted) + "), not of (" +
+                                       std::string(found) + ")"};
 }
 
 WireFault checkSize(const Event& event) {
-    if (event.wireSize() <= kMaximumSize) {
+    if (event.wireSize() <= maximumSize) {
         return {};
     }
-    return {kErrorLimitsExceeded, "the event takes " + std::to_string(event.wireSize()) +
-                                      " bytes; at most " + std::to_string(kMaximumSize) +
-                                      " are taken"};
+    return {errorLimitsExceeded, "the event takes " + std::to_string(event.wireSize()) +
+                                     " bytes; at most " + std::to_string(maximumSize) +
+                                     " are taken"};
 }
 
 } // namespace
@@ -78,7 +78,7 @@ GVariant* replyBody(const EventItems& items) {
 }
 
 WireFault readEvent(GVariant* body, Event& event) {
-    WireFault fault = checkSignature(body, kEventSignature, "Handle takes arguments of");
+    WireFault fault = checkSignature(body, eventSignature, "Handle takes arguments of");
     if (fault.errorName != nullptr) {
         return fault;
     }
@@ -96,7 +96,7 @@ WireFault readEvent(GVariant* body, Event& event) {
 }
 
 WireFault readReply(GVariant* body, Event& reply) {
-    WireFault fault = checkSignature(body, kReplySignature, "Handle answers with values of");
+    WireFault fault = checkSignature(body, replySignature, "Handle answers with values of");
     if (fault.errorName != nullptr) {
         return fault;
     }
@@ -106,21 +106,21 @@ WireFault readReply(GVariant* body, Event& reply) {
 }
 
 OSStatus statusOfErrorName(std::string_view name) {
-    static constexpr std::array kStatuses = std::to_array<std::pair<std::string_view, OSErr>>({
-        {kErrorNotHandled, errAEEventNotHandled},
-        {kErrorEnded, connectionInvalid},
-        {kErrorInvalidArguments, errAECorruptData},
-        {kErrorLimitsExceeded, memFullErr},
-        {kErrorUnknownMethod, errAEEventNotHandled},
-        {kErrorUnknownObject, errAEEventNotHandled},
+    static constexpr std::array statuses = std::to_array<std::pair<std::string_view, OSErr>>({
+        {errorNotHandled, errAEEventNotHandled},
+        {errorEnded, connectionInvalid},
+        {errorInvalidArguments, errAECorruptData},
+        {errorLimitsExceeded, memFullErr},
+        {errorUnknownMethod, errAEEventNotHandled},
+        {errorUnknownObject, errAEEventNotHandled},
         {"org.freedesktop.DBus.Error.UnknownInterface", errAEEventNotHandled},
         {"org.freedesktop.DBus.Error.ServiceUnknown", procNotFound},
         {"org.freedesktop.DBus.Error.NameHasNoOwner", procNotFound},
     });
-    const auto* found = std::find_if(kStatuses.begin(), kStatuses.end(),
+    const auto* found = std::find_if(statuses.begin(), statuses.end(),
                                      [name](const auto& entry) { return entry.first == name; });
     // What is left, NoReply and Disconnected above all, means that the peer went away.
-    return found != kStatuses.end() ? found->second : OSErr{connectionInvalid};
+    return found != statuses.end() ? found->second : OSErr{connectionInvalid};
 }
 
 OSStatus statusOfError(const GError* error) {

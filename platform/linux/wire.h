@@ -15,20 +15,20 @@
 
 namespace platform {
 
-inline constexpr const char* kEventInterface = "org.glyphora.AppleEvent1";
-inline constexpr const char* kEventPath = "/org/glyphora/AppleEvents1";
-inline constexpr const char* kEventMethod = "Handle";
-inline constexpr std::string_view kEventSignature = "uunia(uuay)a(uuay)";
-inline constexpr std::string_view kReplySignature = "a(uuay)";
+inline constexpr const char* eventInterface = "org.glyphora.AppleEvent1";
+inline constexpr const char* eventPath = "/org/glyphora/AppleEvents1";
+inline constexpr const char* eventMethod = "Handle";
+inline constexpr std::string_view eventSignature = "uunia(uuay)a(uuay)";
+inline constexpr std::string_view replySignature = "a(uuay)";
 /// A property of the interface, for other processes' ProcessInfoRec::processName.
-inline constexpr const char* kNameProperty = "ApplicationName";
+inline constexpr const char* nameProperty = "ApplicationName";
 
-inline constexpr const char* kErrorNotHandled = "org.glyphora.AppleEvents1.Error.NotHandled";
-inline constexpr const char* kErrorEnded = "org.glyphora.AppleEvents1.Error.Ended";
-inline constexpr const char* kErrorInvalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
-inline constexpr const char* kErrorLimitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
-inline constexpr const char* kErrorUnknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
-inline constexpr const char* kErrorUnknownObject = "org.freedesktop.DBus.Error.UnknownObject";
+inline constexpr const char* errorNotHandled = "org.glyphora.AppleEvents1.Error.NotHandled";
+inline constexpr const char* errorEnded = "org.glyphora.AppleEvents1.Error.Ended";
+inline constexpr const char* errorInvalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
+inline constexpr const char* errorLimitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
+inline constexpr const char* errorUnknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
+inline constexpr const char* errorUnknownObject = "org.freedesktop.DBus.Error.UnknownObject";
 
 /// The body of the call, floating; shares the event's data.
 GVariant* eventBody(const Event& event);

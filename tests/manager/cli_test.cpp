@@ -48,7 +48,7 @@ TEST(ASetOnDisk, TellsItsContainer) {
         writeSetRecordFile(fonts + std::to_string(id) + "/" + setRecordName,
                            {ContainerId{id},
                             name,
-                            SetState::active,
+                            SetState::Active,
                             {{file, std::string("/library/a/") + file, {1, 2, 3}, false}}});
     }
     fs::create_directories(fonts + "11"); // of somebody else

@@ -36,12 +36,12 @@ const std::string sample = "<cmd>fontRequest</cmd>\n"
 
 TEST(ACommand, IsReadByLinesWithItsValuesAsTheyStand) {
     const Command command = parseCommand(sample);
-    EXPECT_EQ(command.kind, CommandKind::fontRequest);
+    EXPECT_EQ(command.kind, CommandKind::FontRequest);
     EXPECT_EQ(command.targetPid, 4711);
     EXPECT_EQ(command.targetClass, "FILC");
     ASSERT_THAT(command.fonts, SizeIs(2));
     EXPECT_EQ(command.fonts[0].syncId, "a <b> & c</syncID>");
-    EXPECT_EQ(command.fonts[0].type, FontType::openTypePostScript);
+    EXPECT_EQ(command.fonts[0].type, FontType::OpenTypePostScript);
     EXPECT_EQ(command.fonts[0].familyName, "M\xC3\xBCller & S\xC3\xB6hne");
     EXPECT_EQ(command.fonts[0].styleName, "");
     EXPECT_EQ(command.fonts[0].containerId, std::nullopt);
@@ -51,9 +51,9 @@ TEST(ACommand, IsReadByLinesWithItsValuesAsTheyStand) {
 
 TEST(ACommand, MayNameNoFontsAndHoldElementsOfLaterVersions) {
     const Command command = parseCommand("<cmd>showRequest</cmd>\n<later>x</later>\n</cmd>");
-    EXPECT_EQ(command.kind, CommandKind::showRequest);
+    EXPECT_EQ(command.kind, CommandKind::ShowRequest);
     EXPECT_THAT(command.fonts, IsEmpty());
-    EXPECT_EQ(parseCommand("<cmd>dance</cmd>\n</cmd>\n\n").kind, CommandKind::unknown);
+    EXPECT_EQ(parseCommand("<cmd>dance</cmd>\n</cmd>\n\n").kind, CommandKind::Unknown);
 }
 
 TEST(ACommand, CutAnywhereIsRefusedWithTheLineWhereItEnds) {

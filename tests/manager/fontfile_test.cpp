@@ -38,7 +38,7 @@ TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
     const auto contents = readFontFile(dejavu("DejaVuSansCondensed-Bold"));
     ASSERT_EQ(contents.faces.size(), 1U);
     EXPECT_FALSE(contents.collection);
-    EXPECT_EQ(contents.faces[0].type, FontType::openTypeTrueType);
+    EXPECT_EQ(contents.faces[0].type, FontType::OpenTypeTrueType);
     EXPECT_EQ(contents.faces[0].postScriptName, "DejaVuSansCondensed-Bold");
     EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"DejaVu Sans", "Condensed Bold"},
                                                      FaceName{"DejaVu Sans Condensed", "Bold"}));
@@ -46,9 +46,9 @@ TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
 
 TEST_F(AFontFile, IsTrueTypeWithoutLayoutTablesAndOpenTypeWithThem) {
     FontRecipe recipe;
-    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::trueType);
+    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::TrueType);
     recipe.layout = true;
-    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::openTypeTrueType);
+    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::OpenTypeTrueType);
 }
 
 TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
@@ -60,7 +60,7 @@ TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
     EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Müller & Söhne", "Regular"}));
     EXPECT_EQ(contents.faces[1].postScriptName, "Other-Bold");
     EXPECT_EQ(contents.faces[1].index, 1U);
-    EXPECT_EQ(contents.faces[1].type, FontType::openTypeTrueType);
+    EXPECT_EQ(contents.faces[1].type, FontType::OpenTypeTrueType);
 }
 
 TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {

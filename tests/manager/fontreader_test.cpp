@@ -46,15 +46,15 @@ protected:
             throw Error("refuse: line 1:\tbad\nthing\\");
         }
         if (path == "nameless") {
-            return {false, {{0, FontType::type1, "X", {}}}};
+            return {false, {{0, FontType::Type1, "X", {}}}};
         }
         return good(path);
     }
 
     static FontFileContents good(const std::string& path) {
         return {true,
-                {{65537, FontType::openTypePostScript, path, {{"A\tB", ""}, {"C\\D", "E\nF"}}},
-                 {1, FontType::type1, "", {{"Ä", "Ö"}}}}};
+                {{65537, FontType::OpenTypePostScript, path, {{"A\tB", ""}, {"C\\D", "E\nF"}}},
+                 {1, FontType::Type1, "", {{"Ä", "Ö"}}}}};
     }
 
     std::map<std::string, FontFileOutcome> read(const std::vector<std::string>& paths) {

@@ -98,14 +98,14 @@ TEST(ADescriptor, RefusesBadArguments) {
 }
 
 TEST(AnEvent, HoldsNoMoreThanItsLimit) {
-    constexpr Size kHeader = 16; // of one parameter, with the padding of its data
+    constexpr Size header = 16; // of one parameter, with the padding of its data
     TestEvent event("NONE", "echo");
     const std::vector<char> data(kAEMaximumEventSize);
     const auto put = [&](AEKeyword keyword, Size size) {
         return AEPutParamPtr(event.event(), keyword, typeChar, data.data(), size);
     };
     EXPECT_EQ(put(keyDirectObject, kAEMaximumEventSize), memFullErr);
-    EXPECT_EQ(put(keyDirectObject, kAEMaximumEventSize - kHeader), noErr);
+    EXPECT_EQ(put(keyDirectObject, kAEMaximumEventSize - header), noErr);
     EXPECT_EQ(put(FourCharCode("more"), 0), memFullErr);
     EXPECT_EQ(AEPutAttributePtr(event.event(), FourCharCode("more"), typeChar, "", 0), memFullErr);
     EXPECT_EQ(put(keyDirectObject, 10), noErr) << "replacing makes room";

@@ -73,8 +73,8 @@ TEST(AText, IsRefusedWhereItDoesNotFit) {
         << "no Cyrillic in MacRoman";
 }
 
-constexpr const char* kIdentifier = "org.glyphora.test.Launcher3";
-constexpr const char* kFile = "applications/org.glyphora.test.Launcher3.desktop";
+constexpr const char* desktopIdentifier = "org.glyphora.test.Launcher3";
+constexpr const char* testFile = "applications/org.glyphora.test.Launcher3.desktop";
 
 std::string entry(const std::string& lines) {
     return "[Desktop Entry]\nType=Application\nName=The Launcher\n" + lines + "\n";
@@ -82,7 +82,7 @@ std::string entry(const std::string& lines) {
 
 class ADesktopEntry : public testing::Test {
 protected:
-    static std::string find(const std::string& identifier = kIdentifier) {
+    static std::string find(const std::string& identifier = desktopIdentifier) {
         FSRef ref;
         CFURLRef url = nullptr;
         const OSStatus status = LSFindApplicationForInfo(
@@ -113,16 +113,16 @@ protected:
                     (folder / "a").string() + ":relative:" + (folder / "b").string()};
 };
 
-const std::string kNotFound = "error -10814";
+const std::string notFound = "error -10814";
 
 TEST_F(ADesktopEntry, IsFoundInTheFoldersOfTheMoment) {
-    EXPECT_EQ(find(), kNotFound);
-    const std::string inB = folder.write(std::string("b/") + kFile, entry("Exec=true"));
+    EXPECT_EQ(find(), notFound);
+    const std::string inB = folder.write(std::string("b/") + testFile, entry("Exec=true"));
     EXPECT_EQ(find(), inB) << "made after the first look";
-    const std::string inA = folder.write(std::string("a/") + kFile, entry("Exec=true"));
+    const std::string inA = folder.write(std::string("a/") + testFile, entry("Exec=true"));
     EXPECT_EQ(find(), inA);
     const std::string atHome =
-        folder.write(std::string("home/") + kFile, entry("Exec=true\nNoDisplay=true"));
+        folder.write(std::string("home/") + testFile, entry("Exec=true\nNoDisplay=true"));
     EXPECT_EQ(find(), atHome);
     home.set((folder / "elsewhere").string());
     system.set((folder / "b").string());
@@ -133,21 +133,21 @@ TEST_F(ADesktopEntry, CountsOnlyWhenItCanBeStarted) {
     for (const char* lines :
          {"Exec=true\nHidden=true", "Exec=true\nTryExec=/nonexistent/program",
           "Exec=/nonexistent/program", "Exec=\"unbalanced", "Comment=No Exec"}) {
-        const std::string path = folder.write(std::string("home/") + kFile, entry(lines));
-        EXPECT_EQ(find(), kNotFound) << lines;
+        const std::string path = folder.write(std::string("home/") + testFile, entry(lines));
+        EXPECT_EQ(find(), notFound) << lines;
         EXPECT_EQ(launch(path), fnfErr) << lines;
     }
-    folder.write(std::string("home/") + kFile, "\x7F"
-                                               "ELF no entry at all");
-    EXPECT_EQ(find(), kNotFound);
+    folder.write(std::string("home/") + testFile, "\x7F"
+                                                  "ELF no entry at all");
+    EXPECT_EQ(find(), notFound);
     folder.write("home/applications/sub/evil.desktop", entry("Exec=true"));
     for (const char* identifier : {"", "sub/evil", "../applications/sub/evil"}) {
-        EXPECT_EQ(find(identifier), kNotFound) << identifier;
+        EXPECT_EQ(find(identifier), notFound) << identifier;
     }
 }
 
 TEST_F(ADesktopEntry, ChecksArguments) {
-    const Text text = textOf(kIdentifier);
+    const Text text = textOf(desktopIdentifier);
     EXPECT_EQ(LSFindApplicationForInfo(FourCharCode("QGLY"), text.get(), nullptr, nullptr, nullptr),
               paramErr);
     EXPECT_EQ(LSFindApplicationForInfo(kLSUnknownCreator, nullptr, nullptr, nullptr, nullptr),
@@ -186,7 +186,7 @@ TEST_F(ADesktopEntry, StartsItsProgramApartFromThisProcess) {
     chmod(script.c_str(), 0700);
     std::filesystem::create_directory(folder / "work");
     const std::string path =
-        folder.write(std::string("home/") + kFile,
+        folder.write(std::string("home/") + testFile,
                      entry("Exec=\"" + script +
                            "\" --flag %U \"two words\" %i %c %% x%fy %k\nIcon=glyph\nPath=" +
                            (folder / "work").string()));

@@ -12,8 +12,8 @@ namespace {
 using platformtest::RawConnection;
 using platformtest::TestEvent;
 
-constexpr const char* kPath = "/org/glyphora/AppleEvents1";
-constexpr const char* kInterface = "org.glyphora.AppleEvent1";
+constexpr const char* objectPath = "/org/glyphora/AppleEvents1";
+constexpr const char* testInterface = "org.glyphora.AppleEvent1";
 
 struct BadCall {
     const char* name;
@@ -49,32 +49,32 @@ TEST_P(AMalformedCall, IsRefusedByName) {
     EXPECT_EQ(PLWaitForEvents(-1), 1) << "good ones still come in";
 }
 
-const std::string kInvalid = "org.freedesktop.DBus.Error.InvalidArgs: ";
+const std::string invalid = "org.freedesktop.DBus.Error.InvalidArgs: ";
 
 INSTANTIATE_TEST_SUITE_P(
     Call, AMalformedCall,
     testing::Values(
-        BadCall{"WithoutArguments", kPath, kInterface, "Handle", nullptr,
-                kInvalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of ()"},
-        BadCall{"OfAnotherType", kPath, kInterface, "Handle", "('text',)",
-                kInvalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of (s)"},
-        BadCall{"WithOneArgumentMore", kPath, kInterface, "Handle",
+        BadCall{"WithoutArguments", objectPath, testInterface, "Handle", nullptr,
+                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of ()"},
+        BadCall{"OfAnotherType", objectPath, testInterface, "Handle", "('text',)",
+                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of (s)"},
+        BadCall{"WithOneArgumentMore", objectPath, testInterface, "Handle",
                 "(uint32 1, uint32 2, int16 3, 4, @a(uuay) [], @a(uuay) [], 5)",
-                kInvalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of "
-                           "(uunia(uuay)a(uuay)i)"},
-        BadCall{"OfAnotherMethod", kPath, kInterface, "Mangle", nullptr,
+                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of "
+                          "(uunia(uuay)a(uuay)i)"},
+        BadCall{"OfAnotherMethod", objectPath, testInterface, "Mangle", nullptr,
                 "org.freedesktop.DBus.Error.UnknownMethod: org.glyphora.AppleEvent1 has only the "
                 "method Handle"},
-        BadCall{"WithoutInterface", kPath, nullptr, "Mangle", nullptr,
+        BadCall{"WithoutInterface", objectPath, nullptr, "Mangle", nullptr,
                 "org.freedesktop.DBus.Error.UnknownMethod: org.glyphora.AppleEvent1 has only the "
                 "method Handle"},
-        BadCall{"ElsewhereInTheProcess", "/org/glyphora", kInterface, "Handle", nullptr,
+        BadCall{"ElsewhereInTheProcess", "/org/glyphora", testInterface, "Handle", nullptr,
                 "org.freedesktop.DBus.Error.UnknownObject: events are taken at "
                 "/org/glyphora/AppleEvents1"},
-        BadCall{"OfAnotherProperty", kPath, "org.freedesktop.DBus.Properties", "Get",
+        BadCall{"OfAnotherProperty", objectPath, "org.freedesktop.DBus.Properties", "Get",
                 "('org.glyphora.AppleEvent1', 'Age')",
-                kInvalid + "the only property is ApplicationName of org.glyphora.AppleEvent1, and "
-                           "it can only be read by Get"}),
+                invalid + "the only property is ApplicationName of org.glyphora.AppleEvent1, and "
+                          "it can only be read by Get"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 class AnExcessiveCall : public WithAnApplication {
@@ -92,15 +92,15 @@ protected:
             }
             return g_variant_builder_end(&builder);
         };
-        return stranger.errorOf(busName, kPath, kInterface, "Handle",
+        return stranger.errorOf(busName, objectPath, testInterface, "Handle",
                                 g_variant_new("(uuni@a(uuay)@a(uuay))", 1U, 2U, 3, 4,
                                               items(parameterSizes), items(attributeSizes)));
     }
 };
 
 TEST_F(AnExcessiveCall, IsRefusedWithTheLimit) {
-    constexpr gsize kHalf = kAEMaximumEventSize / 2;
-    EXPECT_EQ(errorOf({kHalf}, {kHalf}),
+    constexpr gsize half = kAEMaximumEventSize / 2;
+    EXPECT_EQ(errorOf({half}, {half}),
               "org.freedesktop.DBus.Error.LimitsExceeded: the event takes 67108896 bytes; at most "
               "67108864 are taken");
     EXPECT_EQ(errorOf(std::vector<gsize>(1025), {}),
@@ -110,22 +110,22 @@ TEST_F(AnExcessiveCall, IsRefusedWithTheLimit) {
 
 TEST_F(AnExcessiveCall, CostsOnlyItsSenderTheConnection) {
     // An array above the bus' own limit: the daemon hangs up on whoever sends it.
-    constexpr gsize kHalf = kAEMaximumEventSize / 2;
-    EXPECT_NE(errorOf({kHalf, kHalf, kHalf}, {}), "");
+    constexpr gsize half = kAEMaximumEventSize / 2;
+    EXPECT_NE(errorOf({half, half, half}, {}), "");
     EXPECT_EQ(TestEvent("SELF", "echo").send(kNoTimeOut, kAENoReply), noErr);
     EXPECT_EQ(PLWaitForEvents(-1), 1);
 }
 
 TEST_F(AnExcessiveCall, FindsTheQueueFull) {
-    constexpr int kWaiting = 4096;
-    for (int i = 0; i < kWaiting; ++i) {
+    constexpr int waiting = 4096;
+    for (int i = 0; i < waiting; ++i) {
         ASSERT_EQ(TestEvent("SELF", "echo").send(kNoTimeOut, kAENoReply), noErr);
     }
     // By the answer to this call the bus has passed all of them on.
     ASSERT_EQ(TestEvent("NONE", "echo").send(), procNotFound);
     EXPECT_EQ(errorOf({}, {}), "org.freedesktop.DBus.Error.LimitsExceeded: too many events wait "
                                "for this application already");
-    EXPECT_EQ(PLDispatchPendingEvents(), kWaiting);
+    EXPECT_EQ(PLDispatchPendingEvents(), waiting);
 }
 
 /// Answers the next call with a body of its own choice.

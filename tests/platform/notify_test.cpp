@@ -16,7 +16,7 @@ namespace {
 
 using platformtest::PeerProcess;
 
-constexpr const char* kName = "org.glyphora.test.FontLibraryChanged";
+constexpr const char* postedName = "org.glyphora.test.FontLibraryChanged";
 
 class ANotification : public testing::Test {
 protected:
@@ -50,20 +50,20 @@ protected:
 };
 
 TEST_F(ANotification, GivesOneCheckPerPosting) {
-    const int early = tokenFor(kName);
+    const int early = tokenFor(postedName);
     const int other = tokenFor("org.glyphora.test.Other");
     EXPECT_FALSE(posted(early));
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
     settle();
-    const int late = tokenFor(kName);
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
+    const int late = tokenFor(postedName);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
     settle();
     EXPECT_EQ(countOf(early), 3);
     EXPECT_EQ(countOf(late), 1);
     EXPECT_EQ(countOf(other), 0);
     EXPECT_EQ(notify_cancel(early), NOTIFY_STATUS_OK);
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
     settle();
     EXPECT_EQ(countOf(late), 1) << "the name is still wanted by the other token";
     EXPECT_EQ(notify_cancel(late), NOTIFY_STATUS_OK);
@@ -71,10 +71,10 @@ TEST_F(ANotification, GivesOneCheckPerPosting) {
 }
 
 TEST_F(ANotification, IsNotLostAmongThousandsFromTwoProcesses) {
-    constexpr int kEach = 2000;
-    PeerProcess first({"post", kName, std::to_string(kEach)});
-    PeerProcess second({"post", kName, std::to_string(kEach)});
-    const int token = tokenFor(kName);
+    constexpr int timesEach = 2000;
+    PeerProcess first({"post", postedName, std::to_string(timesEach)});
+    PeerProcess second({"post", postedName, std::to_string(timesEach)});
+    const int token = tokenFor(postedName);
     for (PeerProcess* peer : {&first, &second}) {
         EXPECT_EQ(peer->readLine(), "ready");
         peer->prompt();
@@ -84,7 +84,7 @@ TEST_F(ANotification, IsNotLostAmongThousandsFromTwoProcesses) {
     std::vector<std::thread> readers;
     for (int i = 0; i < 2; ++i) {
         readers.emplace_back([&] {
-            while (seen < 2 * kEach) {
+            while (seen < 2 * timesEach) {
                 posted(token) ? void(++seen) : std::this_thread::yield();
             }
         });
@@ -95,7 +95,7 @@ TEST_F(ANotification, IsNotLostAmongThousandsFromTwoProcesses) {
     EXPECT_EQ(first.readLine(), "posted");
     EXPECT_EQ(second.readLine(), "posted");
     settle();
-    EXPECT_EQ(seen, 2 * kEach);
+    EXPECT_EQ(seen, 2 * timesEach);
     EXPECT_EQ(countOf(token), 0);
     notify_cancel(token);
 }
@@ -113,34 +113,34 @@ TEST_F(ANotification, NeedsALegalNameAndAKnownToken) {
         EXPECT_EQ(notify_cancel(unknown), NOTIFY_STATUS_INVALID_TOKEN) << unknown;
     }
     EXPECT_EQ(check, 5);
-    const int first = tokenFor(kName);
+    const int first = tokenFor(postedName);
     EXPECT_EQ(notify_cancel(first), NOTIFY_STATUS_OK);
     EXPECT_EQ(notify_cancel(first), NOTIFY_STATUS_INVALID_TOKEN);
-    const int second = tokenFor(kName);
+    const int second = tokenFor(postedName);
     EXPECT_EQ(notify_check(first, &check), NOTIFY_STATUS_INVALID_TOKEN) << "its place is reused";
     notify_cancel(second);
 }
 
 TEST_F(ANotification, GoesOnOverANewBus) {
-    const int token = tokenFor(kName);
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
+    const int token = tokenFor(postedName);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
     settle();
     bus.stop();
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_FAILED);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_FAILED);
     int failed = -1;
-    EXPECT_EQ(notify_register_check(kName, &failed), NOTIFY_STATUS_FAILED);
+    EXPECT_EQ(notify_register_check(postedName, &failed), NOTIFY_STATUS_FAILED);
     const testsupport::PrivateBus another;
-    EXPECT_EQ(notify_post(kName), NOTIFY_STATUS_OK);
+    EXPECT_EQ(notify_post(postedName), NOTIFY_STATUS_OK);
     settle();
     EXPECT_EQ(countOf(token), 2) << "one on each bus";
     EXPECT_EQ(notify_cancel(token), NOTIFY_STATUS_OK);
 }
 
 TEST_F(ANotification, IsNotCountedFromLookAlikes) {
-    const int token = tokenFor(kName);
+    const int token = tokenFor(postedName);
     platformtest::RawConnection stranger(bus.address());
     const auto emit = [&](const char* path, const char* member) {
-        g_dbus_connection_emit_signal(stranger.get(), nullptr, path, kName, member, nullptr,
+        g_dbus_connection_emit_signal(stranger.get(), nullptr, path, postedName, member, nullptr,
                                       nullptr);
     };
     emit("/org/glyphora/Notify2", "Posted");

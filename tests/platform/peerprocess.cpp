@@ -32,7 +32,7 @@ PeerProcess::PeerProcess(std::vector<std::string> arguments, Errors errors) {
         if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
             throw std::runtime_error("no pipe for the second process");
         }
-        if (standard != STDERR_FILENO || errors == Errors::captured) {
+        if (standard != STDERR_FILENO || errors == Errors::Captured) {
             posix_spawn_file_actions_adddup2(&actions, pipe[standard == 0 ? 0 : 1], standard);
         }
     }

@@ -12,9 +12,9 @@ namespace platformtest {
 /// Runs the program platform_test_peer; kills and reaps it at the end.
 class PeerProcess {
 public:
-    enum class Errors { shown, captured };
+    enum class Errors { Shown, Captured };
 
-    explicit PeerProcess(std::vector<std::string> arguments, Errors errors = Errors::shown);
+    explicit PeerProcess(std::vector<std::string> arguments, Errors errors = Errors::Shown);
     ~PeerProcess();
     PeerProcess(const PeerProcess&) = delete;
     PeerProcess& operator=(const PeerProcess&) = delete;

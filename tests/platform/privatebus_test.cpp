@@ -46,7 +46,7 @@ protected:
 
 TEST_P(ASessionWithoutABus, HasOneForAsLongAsTheProgramLives) {
     for (const bool killed : {false, true}) {
-        PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::captured);
+        PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::Captured);
         ASSERT_EQ(peer.readLine(), "0");
         const std::string said = peer.readErrorLine();
         const std::string beforeAddress =
@@ -81,7 +81,7 @@ TEST(ASessionWithABusInItsRuntimeFolder, NeedsNoAddress) {
     const testsupport::PrivateBus bus("unix:path=" + (folder / "bus").string());
     const Variable address("DBUS_SESSION_BUS_ADDRESS", std::nullopt);
     const Variable runtime("XDG_RUNTIME_DIR", (folder / "").string());
-    PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::captured);
+    PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::Captured);
     ASSERT_EQ(peer.readLine(), "0");
     platformtest::TestEvent event("PEER", "who ");
     EXPECT_EQ(event.send(), noErr);
@@ -92,7 +92,7 @@ TEST(ASessionWithoutADaemon, HasNoServices) {
     const Variable address("DBUS_SESSION_BUS_ADDRESS", std::nullopt);
     const Variable runtime("XDG_RUNTIME_DIR", std::nullopt);
     const Variable programs("PATH", "/nonexistent");
-    PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::captured);
+    PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::Captured);
     EXPECT_EQ(peer.readLine(), std::to_string(connectionInvalid));
     EXPECT_THAT(peer.readErrorLine(),
                 HasSubstr("there is no session bus, and no private bus could be started: "

@@ -59,18 +59,18 @@ TEST_F(ASemaphore, FailsToSignalAtTheMaximumAndLosesNothing) {
 }
 
 TEST_F(ASemaphore, HandsEverySignalToExactlyOneWaiter) {
-    constexpr int kThreads = 3;
-    constexpr int kEach = 20'000;
+    constexpr int threadCount = 3;
+    constexpr int timesEach = 20'000;
     make(50, 0); // small, so that signallers run into the maximum
     std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
+    for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([this] {
-            for (int given = 0; given < kEach;) {
+            for (int given = 0; given < timesEach;) {
                 MPSignalSemaphore(semaphore) == noErr ? void(++given) : std::this_thread::yield();
             }
         });
         threads.emplace_back([this] {
-            for (int taken = 0; taken < kEach; ++taken) {
+            for (int taken = 0; taken < timesEach; ++taken) {
                 EXPECT_EQ(MPWaitOnSemaphore(semaphore, kDurationForever), noErr);
             }
         });

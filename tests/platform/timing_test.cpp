@@ -25,9 +25,9 @@ TEST(TheClock, CountsFromTheYear2001) {
     const double before = sinceEpoch();
     const double told = CFAbsoluteTimeGetCurrent();
     const double after = sinceEpoch();
-    constexpr double kRounding = 1e-5;
-    EXPECT_GE(told, before - kRounding);
-    EXPECT_LE(told, after + kRounding);
+    constexpr double rounding = 1e-5;
+    EXPECT_GE(told, before - rounding);
+    EXPECT_LE(told, after + rounding);
 }
 
 } // namespace

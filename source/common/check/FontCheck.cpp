@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr std::int32_t kCannotLaunchText = 3;
-constexpr std::int32_t kBadVersionText = 4;
-constexpr unsigned kNeededProtocolMajor = 2;
-constexpr unsigned kNeededProtocolMinor = 0;
+constexpr std::int32_t cannotLaunchText = 3;
+constexpr std::int32_t badVersionText = 4;
+constexpr unsigned neededProtocolMajor = 2;
+constexpr unsigned neededProtocolMinor = 0;
 
 void alert(std::int32_t textIndex) {
     sADMBasic->MessageAlert(GLYLanguageMgr::getLanguageMgr()->getString(textIndex).c_str());
@@ -49,19 +49,19 @@ AIErr GlyphoraPlugin::checkFonts() {
         return result;
     }
     if (GLY::GLYController::LaunchGlyphora() != noErr) {
-        alert(kCannotLaunchText);
+        alert(cannotLaunchText);
         return result;
     }
     if (GLY::GLYController::CheckRunningVersion() != 0) {
-        alert(kBadVersionText);
+        alert(badVersionText);
         return result;
     }
 
     GLY::GLYFontInfoEvent info;
     info.build();
     info.send();
-    if (!GLY::GLYController::checkForNeededProtocolVersion(info.replyVersion, kNeededProtocolMajor,
-                                                           kNeededProtocolMinor)) {
+    if (!GLY::GLYController::checkForNeededProtocolVersion(info.replyVersion, neededProtocolMajor,
+                                                           neededProtocolMinor)) {
         return kNoErr;
     }
 

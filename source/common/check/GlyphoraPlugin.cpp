@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr const char* kPluginName = "Glyphora for Illustrator CS4";
-constexpr const char* kNotifierName = "GlyphoraPlugin";
-constexpr const char* kTimerName = "CloseTheDoc";
-constexpr std::int32_t kTimerPeriod = 300; ///< ticks of 1/60 s
+constexpr const char* pluginName = "Glyphora for Illustrator CS4";
+constexpr const char* notifierName = "GlyphoraPlugin";
+constexpr const char* timerName = "CloseTheDoc";
+constexpr std::int32_t timerPeriod = 300; ///< ticks of 1/60 s
 
 void throwOnError(AIErr error) {
     if (error != kNoErr) {
@@ -44,7 +44,7 @@ __attribute__((no_sanitize("vptr"))) void GlyphoraPlugin::FixupVTable(Plugin* pl
 }
 
 GlyphoraPlugin::GlyphoraPlugin(SPPluginRef pluginRef) noexcept : Plugin(pluginRef) {
-    SetPluginName(kPluginName);
+    SetPluginName(pluginName);
 }
 
 GlyphoraPlugin::GlyphoraPlugin(State&& state, CheckState&& check) noexcept
@@ -62,13 +62,13 @@ AIErr GlyphoraPlugin::StartupPlugin(SPInterfaceMessage* message) {
     }
     const SPPluginRef self = GetPluginRef();
     // The check needs the first alone, but only the third one's result is looked at.
-    sAINotifier->AddNotifier(self, kNotifierName, kAIDocumentOpenedNotifier,
+    sAINotifier->AddNotifier(self, notifierName, kAIDocumentOpenedNotifier,
                              &check_.documentOpenedNotifier);
-    sAINotifier->AddNotifier(self, kNotifierName, kAIApplicationStartedNotifier,
+    sAINotifier->AddNotifier(self, notifierName, kAIApplicationStartedNotifier,
                              &check_.applicationStartedNotifier);
-    throwOnError(sAINotifier->AddNotifier(self, kNotifierName, kAIDocumentChangedNotifier,
+    throwOnError(sAINotifier->AddNotifier(self, notifierName, kAIDocumentChangedNotifier,
                                           &check_.documentChangedNotifier));
-    throwOnError(sAITimer->AddTimer(self, kTimerName, kTimerPeriod, &check_.closeTheDocTimer));
+    throwOnError(sAITimer->AddTimer(self, timerName, timerPeriod, &check_.closeTheDocTimer));
     sAITimer->SetTimerActive(check_.closeTheDocTimer, 0);
     return kNoErr;
 }
@@ -120,8 +120,7 @@ void GlyphoraPlugin::restoreTimer() {
         const char* name = nullptr;
         if (sAITimer->GetNthTimer(i, &timer) == kNoErr &&
             sAITimer->GetTimerPlugin(timer, &owner) == kNoErr && owner == GetPluginRef() &&
-            sAITimer->GetTimerName(timer, &name) == kNoErr &&
-            std::string_view(name) == kTimerName) {
+            sAITimer->GetTimerName(timer, &name) == kNoErr && std::string_view(name) == timerName) {
             check_.closeTheDocTimer = timer;
         }
     }

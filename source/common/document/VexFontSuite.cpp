@@ -20,8 +20,8 @@ using GLY::GLYFontInfo;
 using Order = GLYFontInfo::SDescendingInfoSort;
 using NameCall = AIErr (*)(AIFontKey, char*, std::int32_t);
 
-constexpr std::size_t kNameSize = 1000;
-constexpr std::int32_t kNoTechnology = -1;
+constexpr std::size_t nameSize = 1000;
+constexpr std::int32_t noTechnology = -1;
 
 AIFontKey keyOf(const ATE::IFont& font) {
     AIFontKey key = nullptr;
@@ -30,8 +30,8 @@ AIFontKey keyOf(const ATE::IFont& font) {
 
 // Longer names are cut; one that cannot be read is empty.
 std::string readName(NameCall call, AIFontKey key) {
-    std::array<char, kNameSize> buffer{};
-    call(key, buffer.data(), static_cast<std::int32_t>(kNameSize));
+    std::array<char, nameSize> buffer{};
+    call(key, buffer.data(), static_cast<std::int32_t>(nameSize));
     buffer.back() = '\0';
     return buffer.data();
 }
@@ -59,7 +59,7 @@ Orvil::SmartPointer<GLYFontInfo> describe(AIFontKey key) {
         font.styleName = "Regular";
     }
     AIFontStyleRecord record;
-    record.technology = kNoTechnology;
+    record.technology = noTechnology;
     sAIFont->GetFontStyle(key, &record);
     font.type = typeOf(record);
     font.isActive = record.isPresent != 0;

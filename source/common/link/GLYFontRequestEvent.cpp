@@ -39,19 +39,19 @@ void parseFontChild(Orvil::IXmlNode& child, Protocol::Font& font) {
     const std::string name = child.getName();
     const FontField field = Protocol::findFontField(name);
     switch (field) {
-    case FontField::type:
+    case FontField::Type:
         font.type = GLYFontInfo::typeStringToEnum(child.getContent());
         break;
-    case FontField::syncID:
+    case FontField::SyncID:
         font.syncID = child.getContent();
         break;
-    case FontField::count:
+    case FontField::Count:
         font.count = parseCount(child, name);
         break;
-    case FontField::typeMatchingCount:
+    case FontField::TypeMatchingCount:
         font.typeMatchingCount = parseCount(child, name);
         break;
-    case FontField::fontInfo:
+    case FontField::FontInfo:
         font.fontInfos.push_back(Protocol::HandlerHelpers::parseFontInfo(&child));
         break;
     default:

@@ -45,7 +45,7 @@ bool makeEvent(const std::string& command, Descriptor& event) {
                          static_cast<Size>(command.size())) == noErr;
 }
 
-enum class Outcome { answered, failed, hopeless };
+enum class Outcome { Answered, Failed, Hopeless };
 
 /// `status` is the last one there was, also of earlier attempts: it decides what follows an
 /// exception.
@@ -59,22 +59,22 @@ Outcome attempt(const Descriptor& event, OSStatus& status, std::string& result) 
             status = AEGetParamPtr(reply.get(), typeWildCard, typeChar, nullptr, nullptr, 0, &size);
         }
         if (status != noErr) {
-            return Outcome::failed;
+            return Outcome::Failed;
         }
         if (size <= 0) {
-            return Outcome::hopeless;
+            return Outcome::Hopeless;
         }
         std::string text(static_cast<std::size_t>(size), '\0');
         status =
             AEGetParamPtr(reply.get(), typeWildCard, typeChar, nullptr, text.data(), size, nullptr);
         if (status != noErr) {
-            return Outcome::failed;
+            return Outcome::Failed;
         }
         foldReply(text);
         result = std::move(text);
-        return Outcome::answered;
+        return Outcome::Answered;
     } catch (const std::exception&) {
-        return status == noErr ? Outcome::hopeless : Outcome::failed;
+        return status == noErr ? Outcome::Hopeless : Outcome::Failed;
     }
 }
 
@@ -90,11 +90,11 @@ std::string exchangeCommand(const std::string& command) {
         OSStatus status = noErr;
         for (int count = 0; count < maximumAttempts; ++count) {
             const Outcome outcome = attempt(event, status, result);
-            if (outcome == Outcome::answered) {
+            if (outcome == Outcome::Answered) {
                 break;
             }
             Delay(pauseInTicks, nullptr);
-            if (outcome == Outcome::hopeless) {
+            if (outcome == Outcome::Hopeless) {
                 break;
             }
         }

@@ -11,49 +11,49 @@ namespace Protocol {
 
 FontField findFontField(std::string_view name) {
     static const std::unordered_map<std::string_view, FontField> fields{
-        {"type", FontField::type},
-        {"syncID", FontField::syncID},
-        {"psName", FontField::psName},
-        {"styleName", FontField::styleName},
-        {"familyName", FontField::familyName},
-        {"count", FontField::count},
-        {"isActive", FontField::isActive},
-        {"typeMatchingCount", FontField::typeMatchingCount},
-        {"isTypeMatchingActive", FontField::isTypeMatchingActive},
-        {"typeMatchingContainerID", FontField::typeMatchingContainerID},
-        {"fontInfo", FontField::fontInfo},
-        {"fontInfos", FontField::fontInfos},
-        {"containerID", FontField::containerID},
-        {"activationSuccessfull", FontField::activationSuccessful},
+        {"type", FontField::Type},
+        {"syncID", FontField::SyncID},
+        {"psName", FontField::PsName},
+        {"styleName", FontField::StyleName},
+        {"familyName", FontField::FamilyName},
+        {"count", FontField::Count},
+        {"isActive", FontField::IsActive},
+        {"typeMatchingCount", FontField::TypeMatchingCount},
+        {"isTypeMatchingActive", FontField::IsTypeMatchingActive},
+        {"typeMatchingContainerID", FontField::TypeMatchingContainerID},
+        {"fontInfo", FontField::FontInfo},
+        {"fontInfos", FontField::FontInfos},
+        {"containerID", FontField::ContainerID},
+        {"activationSuccessfull", FontField::ActivationSuccessful},
     };
     const auto found = fields.find(name);
-    return found == fields.end() ? FontField::unknown : found->second;
+    return found == fields.end() ? FontField::Unknown : found->second;
 }
 
 bool setPlainField(Font& font, FontField field, std::string&& text) {
     switch (field) {
-    case FontField::psName:
+    case FontField::PsName:
         font.psName = std::move(text);
         return true;
-    case FontField::styleName:
+    case FontField::StyleName:
         font.styleName = std::move(text);
         return true;
-    case FontField::familyName:
+    case FontField::FamilyName:
         font.familyName = std::move(text);
         return true;
-    case FontField::typeMatchingContainerID:
+    case FontField::TypeMatchingContainerID:
         font.typeMatchingContainerID = std::move(text);
         return true;
-    case FontField::containerID:
+    case FontField::ContainerID:
         font.containerID = std::move(text);
         return true;
-    case FontField::isActive:
+    case FontField::IsActive:
         font.isActive = HandlerHelpers::parseBoolean(text);
         return true;
-    case FontField::isTypeMatchingActive:
+    case FontField::IsTypeMatchingActive:
         font.isTypeMatchingActive = HandlerHelpers::parseBoolean(text);
         return true;
-    case FontField::activationSuccessful:
+    case FontField::ActivationSuccessful:
         font.activationSuccessful = HandlerHelpers::parseBoolean(text);
         return true;
     default:

@@ -10,24 +10,24 @@
 namespace Protocol {
 
 enum class FontField {
-    unknown,
-    type,
-    syncID,
-    psName,
-    styleName,
-    familyName,
-    count,
-    isActive,
-    typeMatchingCount,
-    isTypeMatchingActive,
-    typeMatchingContainerID,
-    fontInfo,
-    fontInfos,
-    containerID,
-    activationSuccessful, ///< "activationSuccessfull" on the wire
+    Unknown,
+    Type,
+    SyncID,
+    PsName,
+    StyleName,
+    FamilyName,
+    Count,
+    IsActive,
+    TypeMatchingCount,
+    IsTypeMatchingActive,
+    TypeMatchingContainerID,
+    FontInfo,
+    FontInfos,
+    ContainerID,
+    ActivationSuccessful, ///< "activationSuccessfull" on the wire
 };
 
-/// FontField::unknown for every name that is none of them.
+/// FontField::Unknown for every name that is none of them.
 FontField findFontField(std::string_view name);
 
 /// Sets a field that is a name, an identifier or a truth value, as every reply has it in the same

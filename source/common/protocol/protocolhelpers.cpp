@@ -35,16 +35,16 @@ void parseFontChild(const Orvil::IXmlNode& child, Font& font) {
     const std::string name = child.getName();
     const FontField field = findFontField(name);
     switch (field) {
-    case FontField::type:
+    case FontField::Type:
         font.type = Font::stringToType(child.getContent());
         break;
-    case FontField::count:
+    case FontField::Count:
         font.count = parseCount(child.getContent(), name, 1071);
         break;
-    case FontField::typeMatchingCount:
+    case FontField::TypeMatchingCount:
         font.typeMatchingCount = parseCount(child.getContent(), name, 1082);
         break;
-    case FontField::fontInfos:
+    case FontField::FontInfos:
         parseFontInfos(child, font.fontInfos);
         break;
     default:

@@ -32,13 +32,13 @@ using FontChildren = std::span<const FontChild>;
 
 std::string textOf(const Font& font, FontField field) {
     switch (field) {
-    case FontField::type:
+    case FontField::Type:
         return Font::typeToString(font.type);
-    case FontField::psName:
+    case FontField::PsName:
         return font.psName;
-    case FontField::familyName:
+    case FontField::FamilyName:
         return font.familyName;
-    case FontField::styleName:
+    case FontField::StyleName:
         return font.styleName;
     default:
         return font.containerID;
@@ -117,10 +117,10 @@ private:
 } // namespace
 
 std::string Handler::createFontRequest(const FontRequest& request) {
-    static const FontChild children[] = {{"psName", FontField::psName},
-                                         {"type", FontField::type},
-                                         {"familyName", FontField::familyName},
-                                         {"styleName", FontField::styleName}};
+    static const FontChild children[] = {{"psName", FontField::PsName},
+                                         {"type", FontField::Type},
+                                         {"familyName", FontField::FamilyName},
+                                         {"styleName", FontField::StyleName}};
     RequestDocument document("fontRequest");
     document.flag("mustMatchFontType", request.mustMatchFontType);
     document.optionalElement("targetApp", request.targetApp);
@@ -130,9 +130,9 @@ std::string Handler::createFontRequest(const FontRequest& request) {
 }
 
 std::string Handler::createShowRequest(const ShowRequest& request) {
-    static const FontChild children[] = {{"containerID", FontField::containerID},
-                                         {"psName", FontField::psName},
-                                         {"type", FontField::type}};
+    static const FontChild children[] = {{"containerID", FontField::ContainerID},
+                                         {"psName", FontField::PsName},
+                                         {"type", FontField::Type}};
     RequestDocument document("showRequest");
     document.flag("mustMatchFontType", request.mustMatchFontType);
     document.fonts(request.fonts, children);
@@ -140,15 +140,15 @@ std::string Handler::createShowRequest(const ShowRequest& request) {
 }
 
 std::string Handler::createBuyRequest(const BuyRequest& request) {
-    static const FontChild children[] = {{"psName", FontField::psName}};
+    static const FontChild children[] = {{"psName", FontField::PsName}};
     RequestDocument document("buyRequest");
     document.font(request.font, children);
     return document.serialise();
 }
 
 std::string Handler::createActivationRequest(const ActivationRequest& request) {
-    static const FontChild children[] = {{"containerID", FontField::containerID},
-                                         {"psName", FontField::psName}};
+    static const FontChild children[] = {{"containerID", FontField::ContainerID},
+                                         {"psName", FontField::PsName}};
     RequestDocument document("activationRequest");
     document.fonts(request.fonts, children);
     return document.serialise();

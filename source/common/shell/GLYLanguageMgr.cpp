@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr std::int32_t kEnglishStrings = 17000;
-constexpr std::int32_t kGermanStrings = 18000;
+constexpr std::int32_t englishStrings = 17000;
+constexpr std::int32_t germanStrings = 18000;
 
 std::array<char, 64> appLocale() {
     std::array<char, 64> locale{};
@@ -29,13 +29,13 @@ struct LocaleList {
 };
 
 std::int32_t listOfLocale(std::string_view locale) {
-    constexpr std::array lists{LocaleList{"de_DE", kGermanStrings},
-                               LocaleList{"en_US", kEnglishStrings}};
+    constexpr std::array lists{LocaleList{"de_DE", germanStrings},
+                               LocaleList{"en_US", englishStrings}};
     const auto found = std::find_if(lists.begin(), lists.end(), [locale](const LocaleList& list) {
         return list.locale == locale;
     });
     // Every other locale reads English, Austrian German included.
-    return found != lists.end() ? found->listID : kEnglishStrings;
+    return found != lists.end() ? found->listID : englishStrings;
 }
 
 } // namespace

@@ -16,7 +16,7 @@ Plugin* gPlugin = nullptr;
 
 namespace {
 
-constexpr std::int32_t kAboutStrings = 16600;
+constexpr std::int32_t aboutStrings = 16600;
 
 std::time_t secondsSinceEpoch() {
     return std::time(nullptr);
@@ -139,8 +139,8 @@ std::int32_t Plugin::GetPluginName(char* buffer, std::int32_t length) const {
 AIErr Plugin::About(SPInterfaceMessage* /*message*/) {
     std::array<char, 256> title{};
     std::array<char, 256> text{};
-    sADMBasic->GetIndexString(state_.pluginRef, kAboutStrings, 1, title.data(), title.size());
-    sADMBasic->GetIndexString(state_.pluginRef, kAboutStrings, 2, text.data(), text.size());
+    sADMBasic->GetIndexString(state_.pluginRef, aboutStrings, 1, title.data(), title.size());
+    sADMBasic->GetIndexString(state_.pluginRef, aboutStrings, 2, text.data(), text.size());
     sADMBasic->AboutBox(state_.pluginRef, title.data(), text.data());
     return kNoErr;
 }

@@ -89,8 +89,8 @@ constexpr std::array routes{
     Route{"Workspace Manager", "Default Woskspace", call<&Plugin::WorkspaceDefault>},
 };
 
-constexpr std::size_t kSlots = std::bit_ceil(routes.size() * 4);
-constexpr std::size_t kNoRoute = routes.size();
+constexpr std::size_t slotCount = std::bit_ceil(routes.size() * 4);
+constexpr std::size_t noRoute = routes.size();
 
 // FNV-1a over both texts.
 constexpr std::size_t slotOf(std::string_view caller, std::string_view selector) {
@@ -100,16 +100,16 @@ constexpr std::size_t slotOf(std::string_view caller, std::string_view selector)
             hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
         }
     }
-    return hash % kSlots;
+    return hash % slotCount;
 }
 
 constexpr auto slots = [] {
-    std::array<std::uint8_t, kSlots> table{};
-    table.fill(kNoRoute);
+    std::array<std::uint8_t, slotCount> table{};
+    table.fill(noRoute);
     for (std::size_t i = 0; i < routes.size(); ++i) {
         std::size_t slot = slotOf(routes[i].caller, routes[i].selector);
-        while (table[slot] != kNoRoute) {
-            slot = (slot + 1) % kSlots;
+        while (table[slot] != noRoute) {
+            slot = (slot + 1) % slotCount;
         }
         table[slot] = static_cast<std::uint8_t>(i);
     }
@@ -117,8 +117,8 @@ constexpr auto slots = [] {
 }();
 
 Operation findOperation(std::string_view caller, std::string_view selector) {
-    for (std::size_t slot = slotOf(caller, selector); slots[slot] != kNoRoute;
-         slot = (slot + 1) % kSlots) {
+    for (std::size_t slot = slotOf(caller, selector); slots[slot] != noRoute;
+         slot = (slot + 1) % slotCount) {
         const Route& route = routes[slots[slot]];
         if (route.selector == selector && route.caller == caller) {
             return route.operation;

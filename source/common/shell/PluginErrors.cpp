@@ -14,15 +14,15 @@
 
 namespace {
 
-constexpr std::int32_t kErrorStrings = 16050;
-constexpr std::int32_t kCodeEntrySize = 10;
-constexpr std::int32_t kMessageSize = 128;
+constexpr std::int32_t errorStrings = 16050;
+constexpr std::int32_t codeEntrySize = 10;
+constexpr std::int32_t messageSize = 128;
 /// Messages of this length or more are shown as they stand.
-constexpr std::size_t kFormattedMessageLimit = 120;
+constexpr std::size_t formattedMessageLimit = 120;
 /// Greater codes are four characters.
-constexpr AIErr kGreatestNumericCode = 16384;
+constexpr AIErr greatestNumericCode = 16384;
 
-constexpr std::array kQuietErrors{
+constexpr std::array quietErrors{
     FourChars("FMT?"), FourChars("RFSE"), FourChars("AFTR"), FourChars("VALD"),
     FourChars("MOOT"), FourChars("TRSH"), FourChars("CHEK"), FourChars("CHIT"),
     FourChars("TLTK"), FourChars("pFls"), FourChars("S!Fd"), FourChars("!Acq"),
@@ -35,7 +35,7 @@ public:
     AlertSuite() noexcept {
         const void* suite = nullptr;
         if (sADMBasic == nullptr && sSPBasic != nullptr &&
-            sSPBasic->AcquireSuite(kName, kVersion, &suite) == kNoErr) {
+            sSPBasic->AcquireSuite(postedName, version, &suite) == kNoErr) {
             sADMBasic = static_cast<const ADMBasicSuite*>(suite);
             borrowed_ = true;
         }
@@ -44,22 +44,22 @@ public:
     AlertSuite& operator=(const AlertSuite&) = delete;
     ~AlertSuite() {
         if (borrowed_) {
-            sSPBasic->ReleaseSuite(kName, kVersion);
+            sSPBasic->ReleaseSuite(postedName, version);
             sADMBasic = nullptr;
         }
     }
     explicit operator bool() const noexcept { return sADMBasic != nullptr; }
 
 private:
-    static constexpr const char* kName = "ADM Basic Suite";
-    static constexpr std::int32_t kVersion = 2;
+    static constexpr const char* postedName = "ADM Basic Suite";
+    static constexpr std::int32_t version = 2;
 
     bool borrowed_ = false;
 };
 
 bool readEntry(SPPluginRef pluginRef, std::int32_t index, char* buffer, std::int32_t length) {
     std::fill_n(buffer, length, '\0');
-    return sADMBasic->GetIndexString(pluginRef, kErrorStrings, index, buffer, length) == kNoErr &&
+    return sADMBasic->GetIndexString(pluginRef, errorStrings, index, buffer, length) == kNoErr &&
            buffer[0] != '\0';
 }
 
@@ -75,7 +75,7 @@ AIErr codeOfEntry(const char* entry) {
 
 // An alert is UTF-8: what is no printable character is shown as a question mark.
 std::string textOfCode(AIErr error) {
-    if (error <= kGreatestNumericCode) {
+    if (error <= greatestNumericCode) {
         return std::to_string(error);
     }
     std::string text;
@@ -113,7 +113,7 @@ std::string formatMessage(std::string_view message, std::string_view argument) {
 } // namespace
 
 bool Plugin::FilterError(AIErr error) noexcept {
-    return std::find(kQuietErrors.begin(), kQuietErrors.end(), error) != kQuietErrors.end();
+    return std::find(quietErrors.begin(), quietErrors.end(), error) != quietErrors.end();
 }
 
 bool Plugin::FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer, std::int32_t length) {
@@ -121,10 +121,10 @@ bool Plugin::FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer, std::int3
         return false;
     }
     // Odd entries hold codes, each before its message; the last message of all is the catch-all.
-    std::array<char, kCodeEntrySize> code{};
+    std::array<char, codeEntrySize> code{};
     std::int32_t index = 1;
     std::int32_t messageIndex = 0;
-    while (readEntry(pluginRef, index, code.data(), kCodeEntrySize)) {
+    while (readEntry(pluginRef, index, code.data(), codeEntrySize)) {
         messageIndex = index + 1;
         if (codeOfEntry(code.data()) == error) {
             break;
@@ -143,12 +143,12 @@ void Plugin::DefaultError(SPPluginRef pluginRef, AIErr error) {
         return;
     }
     const AlertSuite suite;
-    std::array<char, kMessageSize> buffer{};
-    if (!suite || !FindMsg(pluginRef, error, buffer.data(), kMessageSize)) {
+    std::array<char, messageSize> buffer{};
+    if (!suite || !FindMsg(pluginRef, error, buffer.data(), messageSize)) {
         return;
     }
     const std::string_view message(buffer.data(), strnlen(buffer.data(), buffer.size()));
-    const std::string text = message.size() < kFormattedMessageLimit
+    const std::string text = message.size() < formattedMessageLimit
                                  ? formatMessage(message, textOfCode(error))
                                  : std::string(message);
     sADMBasic->ErrorAlert(text.c_str());

@@ -68,7 +68,7 @@ Suites::Suites() noexcept : Suites(importSuites.data()) {}
 
 Suites::Suites(const SuiteRow* importTable) noexcept
     : requiredCount_(countRows(importTable)), importSuites_(importTable) {
-    if (importTable[requiredCount_].version == kOptionalSuitesFollow) {
+    if (importTable[requiredCount_].version == optionalSuitesFollow) {
         optionalCount_ = countRows(importTable + requiredCount_ + 1);
     }
     error_ = AcquireSuites();

@@ -17,7 +17,7 @@ struct SuiteRow {
 
 /// In the version column of the row that ends the required suites: optional ones follow, up to a
 /// further row without a name.
-constexpr std::int32_t kOptionalSuitesFollow = FourChars("OPTS");
+constexpr std::int32_t optionalSuitesFollow = FourChars("OPTS");
 
 /// Needed before all others, acquired first and released first; without an ending row.
 extern const std::span<const SuiteRow> gBasicSuites;

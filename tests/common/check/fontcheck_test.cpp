@@ -17,8 +17,8 @@ using testing::internal::GetCapturedStdout;
 
 namespace {
 
-constexpr OSType kNews = FourCharCode("FILC");
-constexpr OSType kAnyID = FourCharCode("****");
+constexpr OSType news = FourCharCode("FILC");
+constexpr OSType anyID = FourCharCode("****");
 
 std::string reply(const std::string& version, const std::string& rest = {}) {
     return "<cmd>answer</cmd>\n<protocolVersion>" + version + "</protocolVersion>\n" + rest +
@@ -33,10 +33,10 @@ protected:
         platform.processes.push_back({FourCharCode("QGLY"), 77, 0});
         platform.answers = {scripted::textAnswer(reply("2.0")),
                             scripted::textAnswer(reply("2.0", "<showWindow>1</showWindow>\n"))};
-        platform.answers[1].effect = [this] { listened = platform.hasHandler(kNews, kAnyID); };
+        platform.answers[1].effect = [this] { listened = platform.hasHandler(news, anyID); };
     }
     ~AFontCheck() override {
-        EXPECT_FALSE(platform.hasHandler(kNews, kAnyID));
+        EXPECT_FALSE(platform.hasHandler(news, anyID));
         EXPECT_EQ(platform.liveRoutines, 0);
         EXPECT_EQ(platform.liveDescriptors, 0);
     }
@@ -137,7 +137,7 @@ TEST_F(AFontCheck, CannotGoOnWhereItCannotListen) {
     EXPECT_THROW(openDocument(), std::runtime_error);
     EXPECT_EQ(GetCapturedStdout(), "ERROR:token could not be registered\n");
     EXPECT_EQ(platform.sent.size(), 1U);
-    EXPECT_TRUE(platform.hasHandler(kNews, kAnyID)) << "what had begun stays until the next check";
+    EXPECT_TRUE(platform.hasHandler(news, anyID)) << "what had begun stays until the next check";
     GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end();
 }
 

@@ -26,7 +26,7 @@ using testing::internal::GetCapturedStdout;
 
 namespace {
 
-const char* const kModule = GLYPHORA_MODULE;
+const char* const modulePath = GLYPHORA_MODULE;
 
 /// Reads `T` from a place in a file's bytes; the file must hold it.
 template <typename T>
@@ -65,7 +65,7 @@ std::vector<std::string> exportedSymbols(const char* path) {
 /// The module's code, mapped while this lives.
 class Code {
 public:
-    explicit Code(const std::string& path = kModule)
+    explicit Code(const std::string& path = modulePath)
         : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
         EXPECT_NE(library_, nullptr) << dlerror();
     }
@@ -82,7 +82,7 @@ public:
         return static_cast<const char*>(info.dli_fbase);
     }
     static bool isMapped() {
-        void* const library = dlopen(kModule, RTLD_NOW | RTLD_NOLOAD);
+        void* const library = dlopen(modulePath, RTLD_NOW | RTLD_NOLOAD);
         if (library != nullptr) {
             dlclose(library);
         }
@@ -97,7 +97,7 @@ private:
 class Copy {
 public:
     Copy() : file_(memfd_create("module", MFD_CLOEXEC)) {
-        std::ifstream original(kModule, std::ios::binary);
+        std::ifstream original(modulePath, std::ios::binary);
         std::ofstream(path(), std::ios::binary) << original.rdbuf();
     }
     Copy(const Copy&) = delete;
@@ -111,7 +111,7 @@ private:
 };
 
 TEST(TheModule, ExportsItsEntryPointAndNothingElse) {
-    EXPECT_THAT(exportedSymbols(kModule), ElementsAre("PluginMain"));
+    EXPECT_THAT(exportedSymbols(modulePath), ElementsAre("PluginMain"));
 }
 
 TEST(TheModule, IsReallyUnmapped) {

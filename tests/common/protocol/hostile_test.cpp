@@ -32,18 +32,18 @@ std::string reply(const std::string& syncID, const std::string& psName) {
 
 class AHostileReply : public testing::Test {
 protected:
-    enum class Outcome { accepted, notXml, rejected };
+    enum class Outcome { Accepted, NotXml, Rejected };
 
     Outcome outcomeOf(const std::string& xml) {
         testing::internal::CaptureStderr();
-        Outcome outcome = Outcome::accepted;
+        Outcome outcome = Outcome::Accepted;
         try {
             handler_.parseReply(xml);
         } catch (const Orvil::Exception& failure) {
             message_ = failure.descriptionMessage();
-            outcome = Outcome::notXml;
+            outcome = Outcome::NotXml;
         } catch (const std::runtime_error&) {
-            outcome = Outcome::rejected;
+            outcome = Outcome::Rejected;
         }
         testing::internal::GetCapturedStderr();
         return outcome;
@@ -60,9 +60,9 @@ protected:
 
 TEST_F(AHostileReply, CutAtAnyByteIsNotXml) {
     const std::string whole = "<?xml version=\"1.0\"?>" + reply("1", "\xc3\xa4&amp;<![CDATA[b]]>");
-    ASSERT_EQ(outcomeOf(whole), Outcome::accepted);
+    ASSERT_EQ(outcomeOf(whole), Outcome::Accepted);
     for (std::size_t length = 0; length < whole.size(); ++length) {
-        EXPECT_EQ(outcomeOf(whole.substr(0, length)), Outcome::notXml) << length;
+        EXPECT_EQ(outcomeOf(whole.substr(0, length)), Outcome::NotXml) << length;
     }
 }
 
@@ -91,24 +91,24 @@ TEST_F(AHostileReply, WithBombsOfEntitiesIsNotRead) {
                            {external, refusal, "Attribute references external entity 'm'"},
                            {parameter, refusal, refusal}}) {
         const std::string dtd = "<!DOCTYPE cmd [" + each.entities + "]>";
-        EXPECT_EQ(outcomeOf(dtd + reply("1", repeat("&m;", 100'000))), Outcome::notXml);
+        EXPECT_EQ(outcomeOf(dtd + reply("1", repeat("&m;", 100'000))), Outcome::NotXml);
         EXPECT_THAT(message_, HasSubstr(each.reasonInText));
-        EXPECT_EQ(outcomeOf(dtd + reply(repeat("&m;", 100'000), "a")), Outcome::notXml);
+        EXPECT_EQ(outcomeOf(dtd + reply(repeat("&m;", 100'000), "a")), Outcome::NotXml);
         EXPECT_THAT(message_, HasSubstr(each.reasonInAttribute));
     }
     // Nor is one that has no need of them.
     for (const std::string entity : {"<!ENTITY m 'x'>", "<!ENTITY % m 'x'>"}) {
-        EXPECT_EQ(outcomeOf("<!DOCTYPE cmd [" + entity + "]>" + reply("1", "a")), Outcome::notXml);
+        EXPECT_EQ(outcomeOf("<!DOCTYPE cmd [" + entity + "]>" + reply("1", "a")), Outcome::NotXml);
         EXPECT_THAT(message_, HasSubstr(refusal));
     }
 }
 
 TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
-    EXPECT_EQ(outcomeOf(head + repeat("<a>", 1'000'000)), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(head + repeat("<a>", 1'000'000)), Outcome::NotXml);
     EXPECT_EQ(outcomeOf(head + repeat("<a>", 200) + repeat("</a>", 200) + "</cmd>"),
-              Outcome::rejected);
+              Outcome::Rejected);
     const std::string name = repeat(std::string(1'000, 'a'), 100'000);
-    EXPECT_EQ(outcomeOf(head + "<" + name + "/></cmd>"), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(head + "<" + name + "/></cmd>"), Outcome::NotXml);
     // A text of that size is only a text.
     const std::string xml = reply("1", name);
     EXPECT_EQ(handler_.parseReply(xml).activationReply->fonts.front().psName.size(), name.size());
@@ -117,7 +117,7 @@ TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
     EXPECT_EQ(handler_.parseReply(reply("1", pieces)).activationReply->fonts.front().psName.size(),
               12'000 * 1'001U);
     // Beyond the limit of a document.
-    EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::NotXml);
 }
 
 TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
@@ -127,8 +127,8 @@ TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
     const std::string end = "</fonts></activationRequestReply></cmd>";
     const std::string font = "<font><psName>a</psName></font>";
     // The schema wants the attribute itself.
-    EXPECT_EQ(outcomeOf(start + repeat(font, 40) + end), Outcome::rejected);
-    EXPECT_EQ(outcomeOf(start + repeat(font, 5'000) + end), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(start + repeat(font, 40) + end), Outcome::Rejected);
+    EXPECT_EQ(outcomeOf(start + repeat(font, 5'000) + end), Outcome::NotXml);
 }
 
 TEST_F(AHostileReply, WithVeryManyAttributesIsNotRead) {
@@ -136,7 +136,7 @@ TEST_F(AHostileReply, WithVeryManyAttributesIsNotRead) {
     for (int i = 0; i < 100'000; ++i) {
         attributes += " a" + std::to_string(i) + "=\"\"";
     }
-    EXPECT_EQ(outcomeOf(reply("1\"" + attributes + " b=\"", "a")), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(reply("1\"" + attributes + " b=\"", "a")), Outcome::NotXml);
 }
 
 TEST_F(AHostileReply, WithVeryManyNamespacesOrNamesIsNotRead) {
@@ -148,9 +148,9 @@ TEST_F(AHostileReply, WithVeryManyNamespacesOrNamesIsNotRead) {
                       (i % 255 == 254 ? "='u'>" : "='u'");
         names += "<n" + number + "/>";
     }
-    EXPECT_EQ(outcomeOf(head + namespaces + ">" + repeat("<p0:a/>", 40'000)), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(head + namespaces + ">" + repeat("<p0:a/>", 40'000)), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("more than 256 declarations of namespaces"));
-    EXPECT_EQ(outcomeOf(head + names + "</cmd>"), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(head + names + "</cmd>"), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("more than 100000 different names"));
 }
 
@@ -160,8 +160,8 @@ TEST_F(AHostileReply, WithATextInVeryManyPiecesIsReadOrRefused) {
         EXPECT_EQ(read.activationReply->fonts.front().psName, repeat("xy", 600'000));
     }
     // With a carriage return, the document is kept as a tree.
-    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 10))), Outcome::accepted);
-    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 600'000))), Outcome::notXml);
+    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 10))), Outcome::Accepted);
+    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 600'000))), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("the text of the element in line 1 is in too many pieces"));
 }
 
@@ -170,22 +170,22 @@ TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {
     for (const std::string start :
          {"<cmd>", "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_2.0\">",
           "<cmd xmlns:p=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">"}) {
-        EXPECT_EQ(outcomeOf(start + content), Outcome::rejected) << start;
+        EXPECT_EQ(outcomeOf(start + content), Outcome::Rejected) << start;
     }
     EXPECT_EQ(outcomeOf(head + "<buyRequestReply xmlns=\"\"><handled>1</handled></buyRequestReply>"
                                "</cmd>"),
-              Outcome::rejected);
+              Outcome::Rejected);
     EXPECT_EQ(outcomeOf("<p:cmd xmlns:p=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">"
                         "<p:buyRequestReply><p:handled>1</p:handled></p:buyRequestReply></p:cmd>"),
-              Outcome::accepted);
+              Outcome::Accepted);
 }
 
 TEST_F(AHostileReply, OfBadBytesIsNotXml) {
     for (const std::string bytes : {"\xff", "\xc3", "\xed\xa0\x80", "\x01", "\xc0\x80", "&#0;",
                                     "&#xD800;", "&#xFFFF;", "&nbsp;", "<", "]]>"}) {
-        EXPECT_EQ(outcomeOf(reply("1", bytes)), Outcome::notXml) << bytes;
+        EXPECT_EQ(outcomeOf(reply("1", bytes)), Outcome::NotXml) << bytes;
     }
-    EXPECT_EQ(outcomeOf(reply("1", std::string(1, '\0'))), Outcome::notXml);
-    EXPECT_EQ(outcomeOf(""), Outcome::notXml);
-    EXPECT_EQ(outcomeOf("<!-- only -->"), Outcome::notXml);
+    EXPECT_EQ(outcomeOf(reply("1", std::string(1, '\0'))), Outcome::NotXml);
+    EXPECT_EQ(outcomeOf(""), Outcome::NotXml);
+    EXPECT_EQ(outcomeOf("<!-- only -->"), Outcome::NotXml);
 }

@@ -18,54 +18,53 @@ struct MessageCase {
     AIErr baseAnswer;
 };
 
-constexpr AIErr kUnhandled = kUnhandledMsgErr;
+constexpr AIErr unhandled = kUnhandledMsgErr;
 
 const MessageCase cases[] = {
     {"SP Access", "Unload", "UnloadPlugin", 0},
     {"SP Access", "Reload", "ReloadPlugin", 0},
     {"SP Interface", "About", "About", 0},
-    {"SP Properties", "Acquire", "AcquireProperty", kUnhandled},
-    {"SP Properties", "Release", "ReleaseProperty", kUnhandled},
+    {"SP Properties", "Acquire", "AcquireProperty", unhandled},
+    {"SP Properties", "Release", "ReleaseProperty", unhandled},
     {"Action Manager", "Do Action", "GoAction", 0},
-    {"AI Menu", "AI Go", "GoMenuItem", kUnhandled},
-    {"AI Menu", "AI Update", "UpdateMenuItem", kUnhandled},
-    {"AI Filter", "AI Get Parameters", "GetFilterParameters", kUnhandled},
-    {"AI Filter", "AI Go", "GoFilter", kUnhandled},
-    {"AI Plugin Group", "AI Notify Edits", "PluginGroupNotify", kUnhandled},
-    {"AI Plugin Group", "AI Update", "PluginGroupUpdate", kUnhandled},
-    {"AI File Format", "AI Get Parameters", "GetFileFormatParameters", kUnhandled},
-    {"AI File Format", "AI Go", "GoFileFormat", kUnhandled},
-    {"AI File Format", "AI Check", "CheckFileFormat", kUnhandled},
-    {"AI File Format", "AI Update AI140", "FileFormatUpdate", kUnhandled},
-    {"AI File Format", "Do Action", "SetFileFormatParameters", kUnhandled},
-    {"AI Tool", "AI Edit Options", "EditTool", kUnhandled},
-    {"AI Tool", "AI Track Cursor", "TrackToolCursor", kUnhandled},
-    {"AI Tool", "AI Mouse Down", "ToolMouseDown", kUnhandled},
-    {"AI Tool", "AI Mouse Drag", "ToolMouseDrag", kUnhandled},
-    {"AI Tool", "AI Mouse Up", "ToolMouseUp", kUnhandled},
-    {"AI Tool", "AI Select", "SelectTool", kUnhandled},
-    {"AI Tool", "AI Deselect", "DeselectTool", kUnhandled},
+    {"AI Menu", "AI Go", "GoMenuItem", unhandled},
+    {"AI Menu", "AI Update", "UpdateMenuItem", unhandled},
+    {"AI Filter", "AI Get Parameters", "GetFilterParameters", unhandled},
+    {"AI Filter", "AI Go", "GoFilter", unhandled},
+    {"AI Plugin Group", "AI Notify Edits", "PluginGroupNotify", unhandled},
+    {"AI Plugin Group", "AI Update", "PluginGroupUpdate", unhandled},
+    {"AI File Format", "AI Get Parameters", "GetFileFormatParameters", unhandled},
+    {"AI File Format", "AI Go", "GoFileFormat", unhandled},
+    {"AI File Format", "AI Check", "CheckFileFormat", unhandled},
+    {"AI File Format", "AI Update AI140", "FileFormatUpdate", unhandled},
+    {"AI File Format", "Do Action", "SetFileFormatParameters", unhandled},
+    {"AI Tool", "AI Edit Options", "EditTool", unhandled},
+    {"AI Tool", "AI Track Cursor", "TrackToolCursor", unhandled},
+    {"AI Tool", "AI Mouse Down", "ToolMouseDown", unhandled},
+    {"AI Tool", "AI Mouse Drag", "ToolMouseDrag", unhandled},
+    {"AI Tool", "AI Mouse Up", "ToolMouseUp", unhandled},
+    {"AI Tool", "AI Select", "SelectTool", unhandled},
+    {"AI Tool", "AI Deselect", "DeselectTool", unhandled},
     {"AI Tool", "AI Reselect", "ReselectTool", 0},
     {"AI Tool", "AI Decrease Diameter", "DecreaseDiameter", 0},
     {"AI Tool", "AI Increase Diameter", "IncreaseDiameter", 0},
-    {"AI Live Effect", "AI Live Effect Edit Parameters", "EditLiveEffectParameters", kUnhandled},
-    {"AI Live Effect", "AI Live Effect Go Live", "GoLiveEffect", kUnhandled},
-    {"AI Live Effect", "AI Live Effect Interpolate Parameters", "LiveEffectInterpolate",
-     kUnhandled},
-    {"AI Live Effect", "AI Live Effect Input Type", "LiveEffectGetInputType", kUnhandled},
-    {"AI Live Effect", "AI Live Effect Scale Parameters", "LiveEffectScaleParameters", kUnhandled},
+    {"AI Live Effect", "AI Live Effect Edit Parameters", "EditLiveEffectParameters", unhandled},
+    {"AI Live Effect", "AI Live Effect Go Live", "GoLiveEffect", unhandled},
+    {"AI Live Effect", "AI Live Effect Interpolate Parameters", "LiveEffectInterpolate", unhandled},
+    {"AI Live Effect", "AI Live Effect Input Type", "LiveEffectGetInputType", unhandled},
+    {"AI Live Effect", "AI Live Effect Scale Parameters", "LiveEffectScaleParameters", unhandled},
     {"AI Live Effect", "AI Live Effect Convert Color Space", "LiveEffectConvertColorSpace",
-     kUnhandled},
-    {"AI Live Effect", "AI Live Effect Adjust Colors", "LiveEffectAdjustColors", kUnhandled},
-    {"AI Live Effect", "AI Live Effect Handle Merge", "LiveEffectHandleMerge", kUnhandled},
-    {"AI Timer", "AI Go", "GoTimer", kUnhandled},
-    {"AI Clipboard", "AI Go", "GoClipboard", kUnhandled},
-    {"AI Clipboard", "AI Can Copy", "CanCopyClipboard", kUnhandled},
-    {"AI Clipboard", "AI Clone", "CloneClipboard", kUnhandled},
-    {"AI Clipboard", "AI Dispose", "DisposeClipboard", kUnhandled},
-    {"Workspace Manager", "Write Woskspace", "WorkspaceWrite", kUnhandled},
-    {"Workspace Manager", "Restore Woskspace", "WorkspaceRestore", kUnhandled},
-    {"Workspace Manager", "Default Woskspace", "WorkspaceDefault", kUnhandled},
+     unhandled},
+    {"AI Live Effect", "AI Live Effect Adjust Colors", "LiveEffectAdjustColors", unhandled},
+    {"AI Live Effect", "AI Live Effect Handle Merge", "LiveEffectHandleMerge", unhandled},
+    {"AI Timer", "AI Go", "GoTimer", unhandled},
+    {"AI Clipboard", "AI Go", "GoClipboard", unhandled},
+    {"AI Clipboard", "AI Can Copy", "CanCopyClipboard", unhandled},
+    {"AI Clipboard", "AI Clone", "CloneClipboard", unhandled},
+    {"AI Clipboard", "AI Dispose", "DisposeClipboard", unhandled},
+    {"Workspace Manager", "Write Woskspace", "WorkspaceWrite", unhandled},
+    {"Workspace Manager", "Restore Woskspace", "WorkspaceRestore", unhandled},
+    {"Workspace Manager", "Default Woskspace", "WorkspaceDefault", unhandled},
 };
 
 class AMessage : public testing::Test {
@@ -112,7 +111,7 @@ TEST_F(AMessage, OfAnUnknownPairIsNotHandled) {
     };
     for (const auto& [caller, selector] : pairs) {
         auto record = host.message<SPInterfaceMessage>();
-        EXPECT_EQ(plugin.Message(caller, selector, &record), kUnhandled) << caller << selector;
+        EXPECT_EQ(plugin.Message(caller, selector, &record), unhandled) << caller << selector;
     }
     EXPECT_THAT(plugin.calls, IsEmpty());
 }
@@ -159,15 +158,15 @@ TEST_F(ANotification, EndsWithAFailedPostStartUp) {
 }
 
 TEST_F(ANotification, GoesOnAfterAPostStartUpThatIsNotHandled) {
-    plugin.postStartupResult = kUnhandled;
+    plugin.postStartupResult = unhandled;
     EXPECT_EQ(send("AI Application Started Notifier", "AI Notify"), kNoErr);
     EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin", "Notify"));
 }
 
 TEST_F(ANotification, WithAnotherSelectorIsNotHandled) {
-    EXPECT_EQ(send("AI Document Opened Notifier", "AI Go"), kUnhandled);
+    EXPECT_EQ(send("AI Document Opened Notifier", "AI Go"), unhandled);
     EXPECT_THAT(operations(), IsEmpty());
-    EXPECT_EQ(send("AI Application Started Notifier", "AI Go"), kUnhandled);
+    EXPECT_EQ(send("AI Application Started Notifier", "AI Go"), unhandled);
     EXPECT_THAT(operations(), ElementsAre("PostStartupPlugin"));
 }
 

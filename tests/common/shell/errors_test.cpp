@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr std::int32_t kErrors = 16050;
+constexpr std::int32_t errors = 16050;
 
 std::time_t now = 0;
 
@@ -20,8 +20,8 @@ class AnError : public testing::Test {
 protected:
     AnError() {
         sSPBasic = host.basic();
-        host.strings[kErrors] = {{1, "ABCD"}, {2, "four letters: %s"}, {3, "-50"}, {4, "number %s"},
-                                 {5, "0"},    {6, "other %s"}};
+        host.strings[errors] = {{1, "ABCD"}, {2, "four letters: %s"}, {3, "-50"}, {4, "number %s"},
+                                {5, "0"},    {6, "other %s"}};
         now = 1000;
         Plugin::clock = [] { return now; };
     }
@@ -98,7 +98,7 @@ TEST_F(AnError, FindsItsMessageByTheCodeBeforeIt) {
     Suites::fAcquiredCount = 1;
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.list));
-        host.strings[kErrors] = c.list;
+        host.strings[errors] = c.list;
         std::array<char, 128> buffer{};
         buffer.fill('x');
         EXPECT_EQ(Plugin::FindMsg(&host.plugin, c.error, buffer.data(), 128), c.message != nullptr);
@@ -116,15 +116,15 @@ TEST_F(AnError, IsFormattedOnlyIntoAMessageBelowTheLimit) {
         {"no place for it", "no place for it"},
     };
     for (const auto& [message, text] : cases) {
-        host.strings[kErrors] = {{1, "5"}, {2, message}};
+        host.strings[errors] = {{1, "5"}, {2, message}};
         EXPECT_THAT(shown(5), ElementsAre(text));
     }
 }
 
 TEST_F(AnError, IsNotShownWithoutAMessageOrASuite) {
-    host.strings[kErrors] = {};
+    host.strings[errors] = {};
     EXPECT_THAT(shown(5), IsEmpty());
-    host.strings[kErrors] = {{1, "5"}, {2, "five"}};
+    host.strings[errors] = {{1, "5"}, {2, "five"}};
     host.missingAcquisition = static_cast<int>(host.acquisitions.size()) + 1;
     EXPECT_THAT(shown(5), IsEmpty());
     sSPBasic = nullptr;

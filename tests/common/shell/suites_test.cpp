@@ -133,7 +133,7 @@ protected:
     const void* unknown = nullptr;
     const void* last = nullptr;
     std::array<SuiteRow, 6> rows{{{"AI Art Suite", 1014, &required},
-                                  {nullptr, kOptionalSuitesFollow, nullptr},
+                                  {nullptr, optionalSuitesFollow, nullptr},
                                   {"AI Path Suite", 1008, &first},
                                   {"AI Path Suite", 999, &unknown},
                                   {"AI Tool Suite", 1010, &last},

@@ -17,7 +17,7 @@ namespace testsupport {
 
 namespace {
 
-constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
+constexpr const char* environmentVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 /// Between fork and exec: nothing but async-signal-safe calls.
 [[noreturn]] void becomeDaemon(pid_t parent, int addressPipe, const char* addressOption) {
@@ -46,7 +46,7 @@ std::string readLine(int pipe) {
 } // namespace
 
 PrivateBus::PrivateBus(const std::string& listenAddress) {
-    if (const char* previous = std::getenv(kVariable)) {
+    if (const char* previous = std::getenv(environmentVariable)) {
         previousAddress_ = previous;
     }
     std::array<int, 2> pipe{};
@@ -67,15 +67,15 @@ PrivateBus::PrivateBus(const std::string& listenAddress) {
         stop();
         throw std::runtime_error("dbus-daemon could not be started");
     }
-    setenv(kVariable, address_.c_str(), 1);
+    setenv(environmentVariable, address_.c_str(), 1);
 }
 
 PrivateBus::~PrivateBus() {
     stop();
     if (previousAddress_) {
-        setenv(kVariable, previousAddress_->c_str(), 1);
+        setenv(environmentVariable, previousAddress_->c_str(), 1);
     } else {
-        unsetenv(kVariable);
+        unsetenv(environmentVariable);
     }
 }
 

@@ -43,8 +43,8 @@ namespace {
 
 using ATE::ATEErr;
 
-constexpr ATEErr kDeadReference = 1;
-constexpr ATEErr kOutOfRange = 2;
+constexpr ATEErr deadReference = 1;
+constexpr ATEErr outOfRange = 2;
 
 bool isDead(const TextObject* object, const char* call) {
     if (object != nullptr && object->count > 0) {
@@ -57,7 +57,7 @@ bool isDead(const TextObject* object, const char* call) {
 template <typename T>
 ATEErr addRef(T* object) {
     if (isDead(object, "AddRef")) {
-        return kDeadReference;
+        return deadReference;
     }
     ++object->count;
     return 0;
@@ -66,7 +66,7 @@ ATEErr addRef(T* object) {
 template <typename T>
 ATEErr release(T* object) {
     if (isDead(object, "Release")) {
-        return kDeadReference;
+        return deadReference;
     }
     --object->count;
     return 0;
@@ -75,7 +75,7 @@ ATEErr release(T* object) {
 // The checks that every call begins with; 0 to go on.
 ATEErr enter(const char* call, const TextObject* object) {
     if (isDead(object, call)) {
-        return kDeadReference;
+        return deadReference;
     }
     return Host::current().enter(call);
 }
@@ -157,7 +157,7 @@ const ATE::TextRangeSuite ateTextRangeTable = {
                                         ATE::CharFeaturesRef features) -> ATEErr {
         ATEErr error = enter("ReplaceOrAddLocalCharFeatures", range);
         if (error == 0 && isDead(features, "ReplaceOrAddLocalCharFeatures")) {
-            error = kDeadReference;
+            error = deadReference;
         }
         for (std::size_t run = range->firstRun; error == 0 && run < range->endRun; ++run) {
             range->art->runs[run] = {features->font};
@@ -180,7 +180,7 @@ const ATE::TextRunsIteratorSuite ateRunsTable = {
             return error;
         }
         if (iterator->run >= iterator->endRun) {
-            return kOutOfRange;
+            return outOfRange;
         }
         *range = make<ATE::TextRangeObject>();
         (*range)->art = iterator->art;
@@ -222,7 +222,7 @@ const ATE::ArrayFontRefSuite ateFontArrayTable = {
             return error;
         }
         if (index < 0 || static_cast<std::size_t>(index) >= array->fonts.size()) {
-            return kOutOfRange;
+            return outOfRange;
         }
         *font = Host::current().text.fontOf(array->fonts[static_cast<std::size_t>(index)]);
         return 0;

@@ -14,7 +14,7 @@ namespace {
 /// At which libxml2 takes some tenths of a second at most, were it all one tag.
 constexpr std::size_t largestUnreadable = std::size_t{64} << 10U; // bytes
 
-enum class Encoding { likeAscii, utf16le, utf16be, other };
+enum class Encoding { LikeAscii, Utf16le, Utf16be, Other };
 
 /// As libxml2 tells from the first bytes.
 Encoding detect(std::string_view text) {
@@ -24,20 +24,20 @@ Encoding detect(std::string_view text) {
         Encoding encoding;
     };
     static constexpr std::array signatures = {
-        Signature{"\0\0\0<"sv, Encoding::other},
-        Signature{"<\0\0\0"sv, Encoding::other},
-        Signature{"\0\0<\0"sv, Encoding::other},
-        Signature{"\0<\0\0"sv, Encoding::other},
-        Signature{"\x4C\x6F\xA7\x94"sv, Encoding::other}, // EBCDIC
-        Signature{"<\0?\0"sv, Encoding::utf16le},
-        Signature{"\0<\0?"sv, Encoding::utf16be},
-        Signature{"\xFF\xFE"sv, Encoding::utf16le},
-        Signature{"\xFE\xFF"sv, Encoding::utf16be},
+        Signature{"\0\0\0<"sv, Encoding::Other},
+        Signature{"<\0\0\0"sv, Encoding::Other},
+        Signature{"\0\0<\0"sv, Encoding::Other},
+        Signature{"\0<\0\0"sv, Encoding::Other},
+        Signature{"\x4C\x6F\xA7\x94"sv, Encoding::Other}, // EBCDIC
+        Signature{"<\0?\0"sv, Encoding::Utf16le},
+        Signature{"\0<\0?"sv, Encoding::Utf16be},
+        Signature{"\xFF\xFE"sv, Encoding::Utf16le},
+        Signature{"\xFE\xFF"sv, Encoding::Utf16be},
     };
     const auto* const found =
         std::find_if(signatures.begin(), signatures.end(),
                      [&](const Signature& each) { return text.starts_with(each.bytes); });
-    return found == signatures.end() ? Encoding::likeAscii : found->encoding;
+    return found == signatures.end() ? Encoding::LikeAscii : found->encoding;
 }
 
 /// The name in the XML declaration; empty without one.
@@ -141,13 +141,13 @@ std::size_t findTag(std::string_view text) {
 
 std::optional<Excess> findManyAttributes(std::string_view text) {
     const Encoding encoding = detect(text);
-    const bool isWide = encoding == Encoding::utf16le || encoding == Encoding::utf16be;
-    const std::string narrowed = isWide ? narrow(text, encoding == Encoding::utf16le) : "";
+    const bool isWide = encoding == Encoding::Utf16le || encoding == Encoding::Utf16be;
+    const std::string narrowed = isWide ? narrow(text, encoding == Encoding::Utf16le) : "";
     const std::string_view readable = isWide ? narrowed : text;
     const std::string declared = declaredEncoding(readable);
     const bool isReadable =
         isWide ? declared.empty() || strncasecmp(declared.c_str(), "UTF-16", 6) == 0
-               : encoding != Encoding::other && keepsAscii(declared);
+               : encoding != Encoding::Other && keepsAscii(declared);
     if (!isReadable) {
         return text.size() <= largestUnreadable
                    ? std::nullopt

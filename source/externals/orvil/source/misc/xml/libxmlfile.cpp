@@ -124,11 +124,11 @@ private:
     Descriptor file_;
 };
 
-enum class Outcome { done, failed, notAllowed };
+enum class Outcome { Done, Failed, NotAllowed };
 
 Outcome outcomeOfErrno() {
     const bool isRefused = errno == EACCES || errno == EPERM || errno == EROFS || errno == EBUSY;
-    return isRefused ? Outcome::notAllowed : Outcome::failed;
+    return isRefused ? Outcome::NotAllowed : Outcome::Failed;
 }
 
 /// `old` is null for a new file.
@@ -142,16 +142,16 @@ Outcome replace(const std::filesystem::path& target, const struct stat* old,
         return outcomeOfErrno();
     }
     if (!writeAll(file.get(), bytes)) {
-        return Outcome::failed;
+        return Outcome::Failed;
     }
     if (old != nullptr && (fchown(file.get(), old->st_uid, old->st_gid) != 0 ||
                            fchmod(file.get(), old->st_mode & allOfMode) != 0)) {
-        return Outcome::notAllowed;
+        return Outcome::NotAllowed;
     }
     if (fsync(file.get()) != 0) {
-        return Outcome::failed;
+        return Outcome::Failed;
     }
-    return file.rename(target) ? Outcome::done : outcomeOfErrno();
+    return file.rename(target) ? Outcome::Done : outcomeOfErrno();
 }
 
 bool overwrite(const std::filesystem::path& target, std::string_view bytes) {
@@ -218,8 +218,8 @@ bool replaceFile(const std::string& fileName, std::string_view bytes) {
         return false;
     }
     const Outcome outcome = replace(*target, exists ? &status : nullptr, bytes);
-    return outcome == Outcome::done ||
-           (exists && outcome == Outcome::notAllowed && overwrite(*target, bytes));
+    return outcome == Outcome::Done ||
+           (exists && outcome == Outcome::NotAllowed && overwrite(*target, bytes));
 }
 
 } // namespace Orvil::LibXml
