@@ -282,24 +282,22 @@ bool readPropertyName(std::string_view name, Property& property) noexcept {
     if (name.empty()) {
         return false;
     }
-    if (name.front() == '-') {
-        property = Property::Hint;
-        return name.starts_with("-inkscape-font-");
-    }
     struct Entry {
         std::string_view name;
         Property property;
     };
-    static constexpr std::array<Entry, 8> entries{{{"font-family", Property::Family},
-                                                   {"font-style", Property::Slant},
-                                                   {"font-weight", Property::Weight},
-                                                   {"font-stretch", Property::Stretch},
-                                                   {"font-width", Property::Stretch},
-                                                   {"font-size", Property::Size},
-                                                   {"display", Property::Display},
-                                                   {"visibility", Property::Visibility}}};
+    static constexpr std::array<Entry, 9> entries{
+        {{"font-family", Property::Family},
+         {"font-style", Property::Slant},
+         {"font-weight", Property::Weight},
+         {"font-stretch", Property::Stretch},
+         {"font-width", Property::Stretch},
+         {"font-size", Property::Size},
+         {"display", Property::Display},
+         {"visibility", Property::Visibility},
+         {"-inkscape-font-specification", Property::Hint}}};
     const char first = static_cast<char>(name.front() | 0x20);
-    if (first != 'f' && first != 'd' && first != 'v') {
+    if (first != 'f' && first != 'd' && first != 'v' && first != '-') {
         return false;
     }
     for (const Entry& entry : entries) {

@@ -20,7 +20,7 @@ enum class Property : std::uint8_t {
     Slant,
     Weight,
     Stretch,
-    Hint,       ///< "-inkscape-font-...": the drawing program's own name for the face
+    Hint,       ///< "-inkscape-font-specification": the drawing program's own name for the face
     Visibility, ///< of which only matters whether it is "visible"
     Size,       ///< of which only 0 matters
     Display     ///< of which only "none" matters

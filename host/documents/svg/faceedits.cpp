@@ -15,7 +15,7 @@ namespace {
 using css::Property;
 
 constexpr std::array<std::string_view, css::facePropertyCount> propertyNames{
-    "font-family", "font-style", "font-weight", "font-stretch", ""}; // hints keep their own name
+    "font-family", "font-style", "font-weight", "font-stretch", "-inkscape-font-specification"};
 
 struct StretchName {
     std::uint32_t stretch;
@@ -230,26 +230,6 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
     return true;
 }
 
-std::string FaceEdits::hintName(ElementId element) const {
-    const Origin& origin = styles_.elements[element].origin(Property::Hint);
-    std::string block;
-    if (origin.kind == Origin::Kind::Rule) {
-        const css::RuleBlock& rule = styles_.sheets.block(origin.block);
-        block = tree_.sheets[rule.sheet].text.substr(rule.start, rule.end - rule.start);
-    } else if (origin.kind == Origin::Kind::Inline) {
-        block = tree_.valueOf(origin.element, AttributeName::Style);
-    }
-    std::string blanked;
-    css::DeclarationCursor cursor(css::blankComments(block, blanked));
-    for (css::Declaration declaration; cursor.next(declaration);) {
-        Property property{};
-        if (css::readPropertyName(declaration.name, property) && property == Property::Hint) {
-            return std::string(declaration.name);
-        }
-    }
-    return {};
-}
-
 std::string FaceEdits::declarations(ElementId element, const Values& values, bool important,
                                     const Context& context) const {
     std::string result;
@@ -265,14 +245,10 @@ std::string FaceEdits::declarations(ElementId element, const Values& values, boo
                 text.append(", ").append(familyText(fallback, context, false));
             }
         }
-        // Empty for a hint where the drawing gives none: then there is nothing to keep true.
-        const std::string name = property == Property::Hint
-                                     ? hintName(element)
-                                     : std::string(propertyNames[css::indexOf(property)]);
-        if (name.empty()) {
-            continue;
-        }
-        result.append(result.empty() ? "" : ";").append(name).append(":").append(text);
+        result.append(result.empty() ? "" : ";")
+            .append(propertyNames[css::indexOf(property)])
+            .append(":")
+            .append(text);
         result += important ? " !important" : "";
     }
     return context.escape(result);

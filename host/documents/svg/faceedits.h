@@ -57,8 +57,6 @@ private:
     std::string familyText(const NewValue& value, const Context& context, bool quoteAlways) const;
     std::string valueText(css::Property property, const NewValue& value,
                           const Context& context) const;
-    /// The name that the drawing gives the hint of an element; empty when it gives none.
-    std::string hintName(ElementId element) const;
     std::string declarations(ElementId element, const Values& values, bool important,
                              const Context& context) const;
 

@@ -57,11 +57,12 @@ TEST(ARule, CatchesSpansOrDoesNot) {
          {"tspan{fill:red}", "a{} b, .x > s|flowSpan {fill:red}", "/*a*/*{a:b}",
           "tspan{font:1px A}", "@media print{@supports(a:b){text *{a:b}}}", "tspan.a+tspan.b{a:b}",
           "@import 'x';.a:first-child{a:b}", "[style*='x']{a:b}", "} ;tspan{font-weight:bold;a:b",
-          "tspan{x{a:b}}"}) {
+          "tspan{x{a:b}}", "tspan{-inkscape-font:A}"}) {
         EXPECT_TRUE(hasRulesForSpans(sheet)) << sheet;
     }
     for (const char* sheet :
-         {"", "text{fill:red}", "tspan{font-weight:bold;font-family:A}",
+         {"", "text{fill:red}",
+          "tspan{font-weight:bold;font-family:A;-inkscape-font-specification:A}",
           "tspan.a, .b,#c, t[d],[style][e]{a:b}", "tspan text{a:b}", "/*tspan{a:b}*/",
           "a{b:'tspan{c:d}'}", "@font-face{font-family:A;src:url(x)}", ":root{--a:b}",
           "text:hover,g+text{a:b}", "{", "@"}) {

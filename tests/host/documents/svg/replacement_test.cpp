@@ -103,10 +103,16 @@ const Case cases[] = {
     {"WeightAndSlantWithIt",
      "<text font-family='Old' font-weight='bold' style='font-style:italic'>a</text>", "Old",
      "<text font-family='New Sans' font-weight='normal' style='font-style:normal'>a</text>"},
-    {"TheHintWithIt", "<text style=\"font-family:Old;-inkscape-font-hint:'Old, Bold'\">a</text>",
-     "Old",
-     "<text style=\"font-family:New Sans;-inkscape-font-hint:'New Sans, Normal'\">a"
+    {"TheHintWithIt",
+     "<text style=\"font-family:Old;-inkscape-font-specification:'Old, Bold'\">a</text>", "Old",
+     "<text style=\"font-family:New Sans;-inkscape-font-specification:'New Sans, Normal'\">a"
      "</text>"},
+    {"NoPropertyThatBeginsAsTheHint",
+     "<text style=\"font-family:Old;-inkscape-font-specification:A;-inkscape-font-specifications:B;"
+     "-inkscape-font:C\">a</text>",
+     "Old",
+     "<text style=\"font-family:New Sans;-inkscape-font-specification:'New Sans, Normal';"
+     "-inkscape-font-specifications:B;-inkscape-font:C\">a</text>"},
     {"PostScriptNameAsFamily", "<text font-family='Old-Bold'>a</text>", "Old-Bold",
      "<text font-family='New Sans'>a</text>"},
     {"NoDeclarationAtAll", "<text x='1'>a</text><text font-family='B'>b</text>", "sans-serif",
@@ -172,13 +178,12 @@ const Case cases[] = {
      "font-stretch:normal !important\">a<tspan font-weight='bold' style=\"font-family:'Old';"
      "font-style:normal;font-stretch:normal\">b</tspan></text>"},
     {"HintsStayWhereRulesSpareASpan",
-     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-hint:'Old, "
-     "Bold'\">"
-     "a<tspan font-weight='bold'>b</tspan></text>",
+     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-specification:'Old, "
+     "Bold'\">a<tspan font-weight='bold'>b</tspan></text>",
      "Old/Regular",
-     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-hint:'Old, Bold';"
-     "font-family:'New Sans';-inkscape-font-hint:'New Sans, Normal'\">a<tspan font-weight="
-     "'bold' style=\"font-family:'Old';-inkscape-font-hint:'Old, "
+     "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-specification:'Old, Bold';"
+     "font-family:'New Sans';-inkscape-font-specification:'New Sans, Normal'\">a<tspan font-weight="
+     "'bold' style=\"font-family:'Old';-inkscape-font-specification:'Old, "
      "Bold'\">b</tspan></text>"},
     {"SelectorsThatWouldCatchTheSpanMakeItCareful",
      "<style>tspan{font-weight:bold}</style><text font-family='Old'>a<tspan>b</tspan></text>",

@@ -13,7 +13,7 @@ const std::string sample =
     "\"<tspan>&#65;</tspan>\">"
     "]>\n<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\">"
     "<style><![CDATA[@font-face{font-family:E;src:url(data:x)} g > .a[x~='b'], #i{font:italic "
-    "bold 12px/1 'M\\FC ller', serif !important;-inkscape-font-hint:'A, B'}]]></style>"
+    "bold 12px/1 'M\\FC ller', serif !important;-inkscape-font-specification:'A, B'}]]></style>"
     "<defs><text id=\"t\">d&amp;</text></defs><g id=\"i\" font-family=\"A,&quot;B&quot;\">"
     "<text class=\"a\" style=\"font-weight:bolder;font-family:'C&#38;D'\">x &e; "
     "<tspan dy='1'>\xC3\xA4</tspan><!-- c --><tref xlink:href=\"#t\"/>&e;</text>"
