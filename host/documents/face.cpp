@@ -35,34 +35,14 @@ constexpr std::array<WeightWord, 9> weightNames{{{100, "Thin"},
                                                  {800, "ExtraBold"},
                                                  {900, "Black"}}};
 
-struct StretchWord {
-    double stretch;
-    std::string_view word;
-};
-constexpr std::array<StretchWord, 9> stretchNames{{{50, "UltraCondensed"},
-                                                   {62.5, "ExtraCondensed"},
-                                                   {75, "Condensed"},
-                                                   {87.5, "SemiCondensed"},
-                                                   {100, ""},
-                                                   {112.5, "SemiExpanded"},
-                                                   {125, "Expanded"},
-                                                   {150, "ExtraExpanded"},
-                                                   {200, "UltraExpanded"}}};
-
 enum class Axis { Weight, Slant, Stretch, None };
 struct StyleWord {
     std::string_view word;
     Axis axis;
     double value;
 };
-// Longer words stand before those they begin with.
-constexpr std::array<StyleWord, 60> styleWords{{
-    {"ultracondensed", Axis::Stretch, 50},
-    {"extracondensed", Axis::Stretch, 62.5},
-    {"semicondensed", Axis::Stretch, 87.5},
-    {"ultraexpanded", Axis::Stretch, 200},
-    {"extraexpanded", Axis::Stretch, 150},
-    {"semiexpanded", Axis::Stretch, 112.5},
+// Beside the names of widths. Longer words stand before those they begin with.
+constexpr std::array<StyleWord, 52> styleWords{{
     {"semicond", Axis::Stretch, 87.5},
     {"semiext", Axis::Stretch, 112.5},
     {"semicn", Axis::Stretch, 87.5},
@@ -74,11 +54,9 @@ constexpr std::array<StyleWord, 60> styleWords{{
     {"demilight", Axis::Weight, 300},
     {"extrabold", Axis::Weight, 800},
     {"ultrabold", Axis::Weight, 800},
-    {"condensed", Axis::Stretch, 75},
     {"compressed", Axis::Stretch, 62.5},
     {"semibold", Axis::Weight, 600},
     {"demibold", Axis::Weight, 600},
-    {"expanded", Axis::Stretch, 125},
     {"extended", Axis::Stretch, 125},
     {"hairline", Axis::Weight, 100},
     {"oblique", Axis::Slant, 2},
@@ -119,6 +97,18 @@ constexpr std::array<StyleWord, 60> styleWords{{
     {"o", Axis::Slant, 2},
 }};
 
+/// The width whose name a text in lower case begins with, nullptr for none.
+const NamedStretch* namedStretchAtStart(std::string_view text) {
+    const auto* const found = std::find_if(
+        namedStretches.begin(), namedStretches.end(), [text](const NamedStretch& stretch) {
+            const std::string_view word = stretch.word;
+            return !word.empty() && word.size() <= text.size() &&
+                   std::equal(word.begin(), word.end(), text.begin(),
+                              [](char a, char b) { return lower(a) == b; });
+        });
+    return found == namedStretches.end() ? nullptr : found;
+}
+
 } // namespace
 
 std::size_t FaceHash::operator()(const Face& face) const noexcept {
@@ -158,9 +148,9 @@ bool isGenericFamily(std::string_view family) {
 
 std::string styleText(int weight, Slant slant, double stretch) {
     const auto width =
-        std::min_element(stretchNames.begin(), stretchNames.end(),
-                         [stretch](const StretchWord& a, const StretchWord& b) {
-                             return std::abs(a.stretch - stretch) < std::abs(b.stretch - stretch);
+        std::min_element(namedStretches.begin(), namedStretches.end(),
+                         [stretch](const NamedStretch& a, const NamedStretch& b) {
+                             return std::abs(a.percent - stretch) < std::abs(b.percent - stretch);
                          });
     const auto heaviness = static_cast<std::size_t>(std::clamp((weight + 50) / 100, 1, 9) - 1);
     const std::array<std::string_view, 3> words{width->word, weightNames[heaviness].word,
@@ -198,6 +188,11 @@ StyleWords readStyleWords(std::string_view style) {
                text.end());
     std::string_view rest = text;
     while (!rest.empty()) {
+        if (const NamedStretch* const width = namedStretchAtStart(rest)) {
+            result.stretch = width->percent;
+            rest.remove_prefix(width->word.size());
+            continue;
+        }
         const auto word =
             std::find_if(styleWords.begin(), styleWords.end(),
                          [rest](const StyleWord& w) { return rest.starts_with(w.word); });

@@ -2,6 +2,7 @@
 // A typeface as a document names it: the common coin of the document model and the font catalogue.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -45,6 +46,25 @@ std::string styleText(int weight, Slant slant, double stretch);
 /// The conventional PostScript name: family without blanks, "-", style without blanks. "Regular" is
 /// written too and stands for an empty style.
 std::string conventionalPostScriptName(std::string_view family, std::string_view style);
+
+/// A width that has a name.
+struct NamedStretch {
+    double percent;
+    std::string_view keyword; ///< of style sheets
+    std::string_view word;    ///< in the name of a style; nothing for the normal width
+};
+/// From narrow to wide.
+inline constexpr std::array<NamedStretch, 9> namedStretches{{
+    {50, "ultra-condensed", "UltraCondensed"},
+    {62.5, "extra-condensed", "ExtraCondensed"},
+    {75, "condensed", "Condensed"},
+    {87.5, "semi-condensed", "SemiCondensed"},
+    {100, "normal", ""},
+    {112.5, "semi-expanded", "SemiExpanded"},
+    {125, "expanded", "Expanded"},
+    {150, "extra-expanded", "ExtraExpanded"},
+    {200, "ultra-expanded", "UltraExpanded"},
+}};
 
 /// What the words of a style name say about a face.
 struct StyleWords {

@@ -5,7 +5,6 @@
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -27,13 +26,10 @@ using Handle = std::unique_ptr<T, Deleter>;
 
 /// Fontconfig counts widths in whole percent; style sheets have halves between them.
 double stretchOf(double width) {
-    static constexpr std::array<double, 9> stretches{50, 62.5, 75, 87.5, 100, 112.5, 125, 150, 200};
-    for (const double stretch : stretches) {
-        if (std::abs(stretch - width) < 1.0) {
-            return stretch;
-        }
-    }
-    return width;
+    const auto named =
+        std::find_if(namedStretches.begin(), namedStretches.end(),
+                     [width](const NamedStretch& s) { return std::abs(s.percent - width) < 1.0; });
+    return named == namedStretches.end() ? width : named->percent;
 }
 
 class PatternReader {

@@ -36,11 +36,6 @@ bool startsComment(std::string_view text, std::size_t position) noexcept {
     return text[position] == '/' && position + 1 < text.size() && text[position + 1] == '*';
 }
 
-bool isNameChar(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '_' || static_cast<unsigned char>(c) >= 0x80;
-}
-
 /// The position behind the "url(...)" without quotes that begins at `position`, in which quotes
 /// and "/*" stand for themselves; `position` when none begins there.
 std::size_t skipUrl(std::string_view text, std::size_t position) noexcept {
@@ -65,6 +60,11 @@ std::size_t skipUrl(std::string_view text, std::size_t position) noexcept {
 
 bool isBlank(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool isNameChar(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
 
 std::string_view trim(std::string_view text) noexcept {

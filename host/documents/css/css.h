@@ -10,6 +10,8 @@
 namespace host::css {
 
 bool isBlank(char c) noexcept;
+/// Of an identifier without escapes.
+bool isNameChar(char c) noexcept;
 std::string_view trim(std::string_view text) noexcept;
 bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) noexcept;
 

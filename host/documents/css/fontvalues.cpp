@@ -3,8 +3,11 @@
 #include "host/documents/css/fontvalues.h"
 
 #include "host/documents/css/css.h"
+#include "host/documents/css/families.h"
+#include "host/documents/face.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -13,260 +16,115 @@
 namespace host::css {
 namespace {
 
-struct StretchKeyword {
-    std::string_view name;
-    std::uint32_t stretch;
-};
-constexpr std::array<StretchKeyword, 9> stretchKeywords{{{"ultra-condensed", 50000},
-                                                         {"extra-condensed", 62500},
-                                                         {"condensed", 75000},
-                                                         {"semi-condensed", 87500},
-                                                         {"normal", 100000},
-                                                         {"semi-expanded", 112500},
-                                                         {"expanded", 125000},
-                                                         {"extra-expanded", 150000},
-                                                         {"ultra-expanded", 200000}}};
+std::uint32_t thousandths(double percent) {
+    return static_cast<std::uint32_t>(std::lround(percent * 1000));
+}
 
 /// A number with nothing but `unit` behind it.
-bool readNumber(std::string_view text, std::string_view unit, double& number) {
+std::optional<double> readNumber(std::string_view text, std::string_view unit) {
     if (text.size() > 30 || !text.ends_with(unit)) {
-        return false;
+        return std::nullopt;
     }
     const std::string digits(text.substr(0, text.size() - unit.size()));
     if (digits.empty() || digits.find_first_not_of("0123456789.+") != std::string::npos) {
-        return false;
+        return std::nullopt;
     }
     char* end = nullptr;
-    number = std::strtod(digits.c_str(), &end);
-    return *end == '\0' && std::isfinite(number);
+    const double number = std::strtod(digits.c_str(), &end);
+    return *end == '\0' && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
-bool readWeight(std::string_view text, Value& value) {
-    if (equalsIgnoringCase(text, "bolder") || equalsIgnoringCase(text, "lighter")) {
-        value.kind = text.size() == 6 ? Value::Kind::Up : Value::Kind::Down;
-        return true;
+constexpr Value absolute(std::uint32_t number) {
+    return {Value::Kind::Absolute, number};
+}
+
+std::optional<Value> readWeight(std::string_view text) {
+    if (equalsIgnoringCase(text, "bolder")) {
+        return Value{Value::Kind::Up};
     }
-    double number = 0;
+    if (equalsIgnoringCase(text, "lighter")) {
+        return Value{Value::Kind::Down};
+    }
     if (equalsIgnoringCase(text, "normal")) {
-        number = 400;
-    } else if (equalsIgnoringCase(text, "bold")) {
-        number = 700;
-    } else if (!readNumber(text, "", number) || number < 1 || number > 1000) {
-        return false;
+        return absolute(400);
     }
-    value.number = static_cast<std::uint32_t>(std::lround(number));
-    return true;
+    if (equalsIgnoringCase(text, "bold")) {
+        return absolute(700);
+    }
+    const auto number = readNumber(text, "");
+    if (!number || *number < 1 || *number > 1000) {
+        return std::nullopt;
+    }
+    return absolute(static_cast<std::uint32_t>(std::lround(*number)));
 }
 
-bool readSlant(std::string_view text, Value& value) {
+std::optional<Value> readSlant(std::string_view text) {
+    const auto value = [](Slant slant) { return absolute(static_cast<std::uint32_t>(slant)); };
+    if (equalsIgnoringCase(text, "normal")) {
+        return value(Slant::Upright);
+    }
+    if (equalsIgnoringCase(text, "italic")) {
+        return value(Slant::Italic);
+    }
     // An angle may follow the word.
     const std::string_view word = text.substr(0, text.find_first_of(" \t\n\r"));
-    const auto slant = equalsIgnoringCase(text, "normal")    ? Slant::Upright
-                       : equalsIgnoringCase(text, "italic")  ? Slant::Italic
-                       : equalsIgnoringCase(word, "oblique") ? Slant::Oblique
-                                                             : static_cast<Slant>(0xFF);
-    value.number = static_cast<std::uint32_t>(slant);
-    return value.number != 0xFF;
+    return equalsIgnoringCase(word, "oblique") ? std::optional(value(Slant::Oblique))
+                                               : std::nullopt;
 }
 
-bool readStretch(std::string_view text, Value& value) {
-    if (equalsIgnoringCase(text, "wider") || equalsIgnoringCase(text, "narrower")) {
-        value.kind = text.size() == 5 ? Value::Kind::Up : Value::Kind::Down;
-        return true;
+std::optional<Value> readStretch(std::string_view text) {
+    if (equalsIgnoringCase(text, "wider")) {
+        return Value{Value::Kind::Up};
     }
-    for (const StretchKeyword& keyword : stretchKeywords) {
-        if (equalsIgnoringCase(text, keyword.name)) {
-            value.number = keyword.stretch;
-            return true;
+    if (equalsIgnoringCase(text, "narrower")) {
+        return Value{Value::Kind::Down};
+    }
+    for (const NamedStretch& stretch : namedStretches) {
+        if (equalsIgnoringCase(text, stretch.keyword)) {
+            return absolute(thousandths(stretch.percent));
         }
     }
-    double number = 0;
-    if (!readNumber(text, "%", number) || number > 1000000) {
-        return false;
-    }
-    value.number = static_cast<std::uint32_t>(std::lround(number * 1000));
-    return true;
+    const auto number = readNumber(text, "%");
+    return number && *number <= 1000000 ? std::optional(absolute(thousandths(*number)))
+                                        : std::nullopt;
 }
 
 /// Text of size 0 is not shown. Relative sizes go by the inherited one.
-bool readSize(std::string_view text, Value& value) {
+std::optional<Value> readSize(std::string_view text) {
     static constexpr std::array<std::string_view, 8> keywords{
         "xx-small", "x-small", "small", "medium", "large", "x-large", "xx-large", "xxx-large"};
     if (equalsIgnoringCase(text, "larger") || equalsIgnoringCase(text, "smaller")) {
-        value.kind = Value::Kind::Inherit;
-        return true;
+        return Value{Value::Kind::Inherit};
     }
     if (std::any_of(keywords.begin(), keywords.end(),
                     [text](std::string_view word) { return equalsIgnoringCase(text, word); }) ||
         text.find('(') != std::string_view::npos) {
-        return true;
+        return absolute(0);
     }
     text.remove_prefix(text.starts_with('+') ? 1 : 0);
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error == std::errc::invalid_argument || number < 0) {
-        return false;
+        return std::nullopt;
+    }
+    if (number == 0 && error == std::errc()) {
+        return absolute(1);
     }
     const std::string_view unit(end, static_cast<std::size_t>(text.data() + text.size() - end));
-    if (number == 0 && error == std::errc()) {
-        value.number = 1;
-    } else if (unit == "%" || equalsIgnoringCase(unit, "em") || equalsIgnoringCase(unit, "ex") ||
-               equalsIgnoringCase(unit, "ch")) {
-        value.kind = Value::Kind::Inherit;
-    }
-    return true;
+    const bool relative = unit == "%" || equalsIgnoringCase(unit, "em") ||
+                          equalsIgnoringCase(unit, "ex") || equalsIgnoringCase(unit, "ch");
+    return relative ? Value{Value::Kind::Inherit} : absolute(0);
 }
 
-/// Keywords that every property takes. What holds a variable is not known: inherited.
-bool readCommonKeyword(std::string_view text, Value& value) {
-    if (equalsIgnoringCase(text, "inherit") || equalsIgnoringCase(text, "unset") ||
-        text.find("var(") != std::string_view::npos) {
-        value.kind = Value::Kind::Inherit;
-        return true;
+std::optional<Value> readVisibility(std::string_view text) {
+    if (equalsIgnoringCase(text, "visible")) {
+        return absolute(0);
     }
-    if (equalsIgnoringCase(text, "initial") || equalsIgnoringCase(text, "revert")) {
-        value.kind = Value::Kind::Initial;
-        return true;
-    }
-    return false;
-}
-
-/// The first blank-separated word of a value, taken off it. Blanks in brackets are part of a word.
-std::string_view takeWord(std::string_view& text) {
-    text = trim(text);
-    const std::size_t end = findOutside(text, 0, " \t\n\v\f\r");
-    const std::string_view word = text.substr(0, end);
-    text.remove_prefix(end);
-    return word;
-}
-
-struct Shorthand {
-    Value slant{Value::Kind::Initial, 0};
-    Value weight{Value::Kind::Initial, 0};
-    Value stretch{Value::Kind::Initial, 0};
-    Value size{};
-    std::string_view families;
-};
-
-/// `font: style variant weight stretch size[/line-height] families`
-bool readShorthand(std::string_view text, Shorthand& result) {
-    std::string_view rest = text;
-    while (true) {
-        const std::string_view word = takeWord(rest);
-        if (word.empty()) {
-            return false;
-        }
-        Value value;
-        if (equalsIgnoringCase(word, "normal") || equalsIgnoringCase(word, "small-caps")) {
-            continue;
-        }
-        double size = 0;
-        const bool number = readNumber(word, "", size);
-        // A bare number is a weight until the size came, and a bare size is not valid before the
-        // families; "font: 12 Foo" is written nevertheless, so only a plausible weight is one.
-        if (readWeight(word, value) && (!number || (size >= 100 && !trim(rest).empty()))) {
-            result.weight = value;
-        } else if (value = {}; readSlant(word, value)) {
-            result.slant = value;
-            std::string_view ahead = rest;
-            if (takeWord(ahead).ends_with("deg")) {
-                rest = ahead;
-            }
-        } else if (value = {}; readStretch(word, value) && !word.ends_with('%')) {
-            result.stretch = value;
-        } else {
-            const bool bracketed = word.find('(') != std::string_view::npos;
-            readSize(bracketed ? word : word.substr(0, word.find('/')), result.size);
-            rest = trim(rest);
-            // "12px / 1.5 Foo" is the same as "12px/1.5 Foo".
-            if (word.ends_with('/')) {
-                takeWord(rest);
-            } else if (rest.starts_with('/')) {
-                if (takeWord(rest).size() == 1) {
-                    takeWord(rest);
-                }
-            }
-            result.families = trim(rest);
-            return !result.families.empty();
-        }
-    }
-}
-
-void readFontShorthand(const Declaration& declaration, TextTable& texts,
-                       PropertyDeclarations& result) {
-    const auto add = [&](Property property, Value value) {
-        result.push_back({property, declaration.important, true, value});
-    };
-    const auto addAll = [&](Value value) {
-        for (const Property property : {Property::Family, Property::Slant, Property::Weight,
-                                        Property::Stretch, Property::Size}) {
-            add(property, value);
-        }
-    };
-    Value common;
-    if (readCommonKeyword(declaration.value, common)) {
-        addAll(common);
-        return;
-    }
-    static constexpr std::array<std::string_view, 6> systemFonts{
-        "caption", "icon", "menu", "message-box", "small-caption", "status-bar"};
-    if (std::any_of(systemFonts.begin(), systemFonts.end(), [&](std::string_view name) {
-            return equalsIgnoringCase(declaration.value, name);
-        })) {
-        addAll({Value::Kind::Initial, 0});
-        return;
-    }
-    Shorthand shorthand;
-    Value family;
-    if (readShorthand(declaration.value, shorthand) &&
-        readValue(Property::Family, shorthand.families, texts, family) &&
-        family.kind == Value::Kind::Absolute) { // "inherit" is no family
-        add(Property::Family, family);
-        add(Property::Slant, shorthand.slant);
-        add(Property::Weight, shorthand.weight);
-        add(Property::Stretch, shorthand.stretch);
-        add(Property::Size, shorthand.size);
-    }
+    const bool hides = equalsIgnoringCase(text, "hidden") || equalsIgnoringCase(text, "collapse");
+    return hides ? std::optional(absolute(1)) : std::nullopt;
 }
 
 } // namespace
-
-std::vector<FamilyName> readFamilies(std::string_view list) {
-    std::vector<FamilyName> result;
-    for (std::size_t position = 0; position < list.size();) {
-        const std::size_t comma = findOutside(list, position, ",");
-        const std::string_view part = trim(list.substr(position, comma - position));
-        position = comma + 1;
-        if (part.empty()) {
-            continue;
-        }
-        FamilyName family;
-        family.start = static_cast<std::size_t>(part.data() - list.data());
-        family.end = family.start + part.size();
-        const char quote = part.front();
-        if (quote == '"' || quote == '\'') {
-            const bool closed = part.size() > 1 && part.back() == quote;
-            family.name = unescape(part.substr(1, part.size() - (closed ? 2 : 1)));
-        } else {
-            // Words of an unquoted name are joined by one blank.
-            const std::string name = unescape(part);
-            for (const char c : name) {
-                if (!isBlank(c)) {
-                    family.name += c;
-                } else if (!family.name.empty() && family.name.back() != ' ') {
-                    family.name += ' ';
-                }
-            }
-        }
-        family.name = std::string(trim(family.name));
-        if (!family.name.empty()) {
-            // Quoted generic names are written by programs that mean the generic family.
-            family.generic = isGenericFamily(family.name);
-            result.push_back(std::move(family));
-        }
-    }
-    return result;
-}
 
 std::uint32_t TextTable::add(std::string_view text) {
     const auto found = numbers_.find(text);
@@ -278,10 +136,7 @@ std::uint32_t TextTable::add(std::string_view text) {
     return number;
 }
 
-bool readPropertyName(std::string_view name, Property& property) noexcept {
-    if (name.empty()) {
-        return false;
-    }
+std::optional<Property> propertyNamed(std::string_view name) noexcept {
     struct Entry {
         std::string_view name;
         Property property;
@@ -296,76 +151,59 @@ bool readPropertyName(std::string_view name, Property& property) noexcept {
          {"display", Property::Display},
          {"visibility", Property::Visibility},
          {"-inkscape-font-specification", Property::Hint}}};
-    const char first = static_cast<char>(name.front() | 0x20);
-    if (first != 'f' && first != 'd' && first != 'v' && first != '-') {
-        return false;
-    }
     for (const Entry& entry : entries) {
         if (equalsIgnoringCase(name, entry.name)) {
-            property = entry.property;
-            return true;
+            return entry.property;
         }
     }
-    return false;
+    return std::nullopt;
 }
 
-bool readValue(Property property, std::string_view text, TextTable& texts, Value& value) {
-    value = {};
+std::optional<Value> readCommonKeyword(std::string_view text) {
+    if (equalsIgnoringCase(text, "inherit") || equalsIgnoringCase(text, "unset") ||
+        text.find("var(") != std::string_view::npos) {
+        return Value{Value::Kind::Inherit};
+    }
+    if (equalsIgnoringCase(text, "initial") || equalsIgnoringCase(text, "revert")) {
+        return Value{Value::Kind::Initial};
+    }
+    return std::nullopt;
+}
+
+std::optional<Value> readOwnValue(Property property, std::string_view text) {
+    switch (property) {
+    case Property::Slant:
+        return readSlant(text);
+    case Property::Weight:
+        return readWeight(text);
+    case Property::Stretch:
+        return readStretch(text);
+    case Property::Visibility:
+        return readVisibility(text);
+    case Property::Size:
+        return readSize(text);
+    case Property::Display:
+        return absolute(equalsIgnoringCase(text, "none") ? 1 : 0);
+    case Property::Family:
+    case Property::Hint:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<Value> readValue(Property property, std::string_view text, TextTable& texts) {
     text = trim(text);
     if (text.empty()) {
-        return false;
+        return std::nullopt;
     }
-    if (readCommonKeyword(text, value)) {
-        return true;
+    if (const auto common = readCommonKeyword(text)) {
+        return common;
     }
-    switch (property) {
-    case Property::Family:
-        value.number = texts.add(text);
-        return !readFamilies(text).empty();
-    case Property::Hint:
-        value.number = texts.add(text);
-        return true;
-    case Property::Slant:
-        return readSlant(text, value);
-    case Property::Weight:
-        return readWeight(text, value);
-    case Property::Stretch:
-        return readStretch(text, value);
-    case Property::Visibility:
-        value.number = equalsIgnoringCase(text, "visible") ? 0 : 1;
-        return value.number == 0 || equalsIgnoringCase(text, "hidden") ||
-               equalsIgnoringCase(text, "collapse");
-    case Property::Size:
-        return readSize(text, value);
-    case Property::Display:
-        value.number = equalsIgnoringCase(text, "none") ? 1 : 0;
-        return true;
+    if (property == Property::Hint ||
+        (property == Property::Family && !readFamilies(text).empty())) {
+        return absolute(texts.add(text));
     }
-    return false;
-}
-
-PropertyDeclarations readDeclarations(std::string_view block, TextTable& texts) {
-    PropertyDeclarations result;
-    std::string blanked;
-    DeclarationCursor cursor(blankComments(block, blanked));
-    for (Declaration declaration; cursor.next(declaration);) {
-        Property property{};
-        Value value;
-        if (equalsIgnoringCase(declaration.name, "font")) {
-            readFontShorthand(declaration, texts, result);
-        } else if (readPropertyName(declaration.name, property) &&
-                   readValue(property, declaration.value, texts, value)) {
-            result.push_back({property, declaration.important, false, value});
-        }
-    }
-    return result;
-}
-
-std::size_t familiesInShorthand(std::string_view value) {
-    Shorthand shorthand;
-    return readShorthand(value, shorthand)
-               ? static_cast<std::size_t>(shorthand.families.data() - value.data())
-               : std::string_view::npos;
+    return readOwnValue(property, text);
 }
 
 int relativeWeight(int inherited, bool bolder) noexcept {
@@ -377,19 +215,15 @@ int relativeWeight(int inherited, bool bolder) noexcept {
 
 std::uint32_t relativeStretch(std::uint32_t inherited, bool wider) noexcept {
     if (wider) {
-        for (const StretchKeyword& keyword : stretchKeywords) {
-            if (keyword.stretch > inherited) {
-                return keyword.stretch;
-            }
-        }
-        return inherited;
+        const auto next = std::find_if(
+            namedStretches.begin(), namedStretches.end(),
+            [inherited](const NamedStretch& s) { return thousandths(s.percent) > inherited; });
+        return next == namedStretches.end() ? inherited : thousandths(next->percent);
     }
-    for (auto keyword = stretchKeywords.rbegin(); keyword != stretchKeywords.rend(); ++keyword) {
-        if (keyword->stretch < inherited) {
-            return keyword->stretch;
-        }
-    }
-    return inherited;
+    const auto next = std::find_if(
+        namedStretches.rbegin(), namedStretches.rend(),
+        [inherited](const NamedStretch& s) { return thousandths(s.percent) < inherited; });
+    return next == namedStretches.rend() ? inherited : thousandths(next->percent);
 }
 
 } // namespace host::css

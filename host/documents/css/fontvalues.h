@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The font properties of style sheets: reading their values, and the tables that make equal values
+// The font properties of style sheets: reading their values, and the table that makes equal texts
 // equal numbers, so that a hundred thousand runs compare and copy in a word.
 #pragma once
 
-#include "host/documents/face.h"
-
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -32,17 +30,6 @@ inline constexpr std::size_t facePropertyCount = 5;
 constexpr std::size_t indexOf(Property property) {
     return static_cast<std::size_t>(property);
 }
-
-/// One family of a list. `start` and `end` bound it, quotes included, in the text it was read from.
-struct FamilyName {
-    std::string name;
-    bool generic = false;
-    std::size_t start = 0;
-    std::size_t end = 0;
-};
-
-/// Lenient as drawing programs need it: unquoted names may hold digits and signs anywhere.
-std::vector<FamilyName> readFamilies(std::string_view list);
 
 /// What a declaration says about one property.
 struct Value {
@@ -76,29 +63,21 @@ private:
     std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> numbers_;
 };
 
-struct PropertyDeclaration {
-    Property property;
-    bool important;
-    bool shorthand; ///< from `font`
-    Value value;
-};
-using PropertyDeclarations = std::vector<PropertyDeclaration>;
+/// The property of a name, `font` apart; nothing for one that does not matter here.
+[[nodiscard]] std::optional<Property> propertyNamed(std::string_view name) noexcept;
 
-/// The property of a name, `font` apart. @return false for one that does not matter here
-bool readPropertyName(std::string_view name, Property& property) noexcept;
+/// Nothing for a value that is not one of the property's, and which is ignored for that.
+[[nodiscard]] std::optional<Value> readValue(Property property, std::string_view text,
+                                             TextTable& texts);
 
-/// @return false for a value that is not one of the property's, which is then ignored
-bool readValue(Property property, std::string_view text, TextTable& texts, Value& value);
-
-/// All that a block says about the properties above, in its order, `font` taken apart.
-PropertyDeclarations readDeclarations(std::string_view block, TextTable& texts);
-
-/// Where the family list begins in the value of `font`; npos if there is none.
-std::size_t familiesInShorthand(std::string_view value);
+/// The same without the keywords that every property takes, and for all but family and hint.
+[[nodiscard]] std::optional<Value> readOwnValue(Property property, std::string_view text);
+/// The keywords that every property takes. What holds a variable is not known: inherited.
+[[nodiscard]] std::optional<Value> readCommonKeyword(std::string_view text);
 
 /// The weight that `bolder` or `lighter` makes of an inherited one.
-int relativeWeight(int inherited, bool bolder) noexcept;
+[[nodiscard]] int relativeWeight(int inherited, bool bolder) noexcept;
 /// The same of `wider` and `narrower`, in thousandths of a percent.
-std::uint32_t relativeStretch(std::uint32_t inherited, bool wider) noexcept;
+[[nodiscard]] std::uint32_t relativeStretch(std::uint32_t inherited, bool wider) noexcept;
 
 } // namespace host::css

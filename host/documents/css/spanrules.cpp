@@ -16,9 +16,8 @@ constexpr unsigned maximumNesting = 16; // of conditional blocks
 bool saysMoreThanAFace(std::string_view block) {
     DeclarationCursor cursor(block);
     for (Declaration declaration; cursor.next(declaration);) {
-        Property property{};
-        if (!readPropertyName(declaration.name, property) ||
-            indexOf(property) >= facePropertyCount) {
+        const auto property = propertyNamed(declaration.name);
+        if (!property || indexOf(*property) >= facePropertyCount) {
             return true;
         }
     }

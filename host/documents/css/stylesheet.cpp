@@ -71,7 +71,7 @@ bool Matcher::hasClass(ElementId element, std::string_view name) {
     return hasWord(classes, name);
 }
 
-bool Matcher::relates(const StyleSheets::AttributeTest& test, std::string_view value) {
+bool Matcher::relates(const AttributeTest& test, std::string_view value) {
     const std::string_view wanted = test.value;
     work_ += wanted.size();
     switch (test.relation) {
@@ -98,7 +98,7 @@ bool Matcher::relates(const StyleSheets::AttributeTest& test, std::string_view v
     }
 }
 
-bool Matcher::matches(ElementId element, const StyleSheets::Compound& compound) {
+bool Matcher::matches(ElementId element, const Compound& compound) {
     work_ += testCost;
     if (!compound.type.empty()) {
         const std::string_view type = subject_.typeOf(element);
@@ -119,7 +119,7 @@ bool Matcher::matches(ElementId element, const StyleSheets::Compound& compound) 
     return std::all_of(compound.classes.begin(), compound.classes.end(),
                        [&](const std::string& name) { return hasClass(element, name); }) &&
            std::all_of(compound.attributes.begin(), compound.attributes.end(),
-                       [&](const StyleSheets::AttributeTest& test) {
+                       [&](const AttributeTest& test) {
                            const std::string* value = attribute(element, test.name);
                            if (value == nullptr && test.orPrefixed) {
                                value = attribute(element, ":" + test.name);
@@ -128,11 +128,11 @@ bool Matcher::matches(ElementId element, const StyleSheets::Compound& compound) 
                        });
 }
 
-bool Matcher::matches(ElementId element, const StyleSheets::Selector& selector) {
+bool Matcher::matches(ElementId element, const Selector& selector) {
     // Compounds joined by ">" form rigid segments; between segments any number of elements may
     // stand. Taking the innermost place for each segment is never worse than another one, so no
     // choice is ever taken back across segments.
-    const std::vector<StyleSheets::Compound>& compounds = selector.compounds;
+    const std::vector<Compound>& compounds = selector.compounds;
     for (std::size_t segment = 0; segment < compounds.size();) {
         std::size_t segmentEnd = segment + 1;
         while (compounds[segmentEnd - 1].childOf && segmentEnd < compounds.size()) {
@@ -168,7 +168,7 @@ bool Matcher::matches(ElementId element, const StyleSheets::Selector& selector) 
 void Matcher::test(const std::vector<std::uint32_t>& candidates, ElementId element,
                    std::vector<RuleMatch>& matches) {
     for (const std::uint32_t number : candidates) {
-        const StyleSheets::Selector& selector = sheets_.selectors_[number];
+        const Selector& selector = sheets_.selectors_[number];
         if (this->matches(element, selector)) {
             matches.push_back({selector.block, selector.specificity, number});
         }

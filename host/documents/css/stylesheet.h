@@ -2,7 +2,8 @@
 // Style sheets: the rules that say something about fonts, and which of them match an element.
 #pragma once
 
-#include "host/documents/css/fontvalues.h"
+#include "host/documents/css/declarations.h"
+#include "host/documents/css/selector.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -65,25 +66,6 @@ public:
 
 private:
     friend class Matcher;
-    struct AttributeTest {
-        std::string name;        ///< as in NamedValue
-        bool orPrefixed = false; ///< in any namespace or none
-        char relation = 0;       ///< '=', '~', '|', '^', '$', '*', 0 for mere presence
-        std::string value;
-    };
-    struct Compound {
-        std::string type; ///< empty for any
-        std::string id;
-        std::vector<std::string> classes;
-        std::vector<AttributeTest> attributes;
-        bool root = false;
-        bool childOf = false; ///< the compound to its left is its parent, not any ancestor
-    };
-    struct Selector {
-        std::vector<Compound> compounds; ///< from right to left
-        std::uint32_t specificity = 0;
-        std::uint32_t block = 0;
-    };
     class Parser;
 
     void addSelector(Selector selector);
@@ -135,9 +117,9 @@ private:
                                                          std::string_view classes);
     const std::string* attribute(ElementId element, std::string_view name);
     bool hasClass(ElementId element, std::string_view name);
-    bool relates(const StyleSheets::AttributeTest& test, std::string_view value);
-    bool matches(ElementId element, const StyleSheets::Compound& compound);
-    bool matches(ElementId element, const StyleSheets::Selector& selector);
+    bool relates(const AttributeTest& test, std::string_view value);
+    bool matches(ElementId element, const Compound& compound);
+    bool matches(ElementId element, const Selector& selector);
     void test(const std::vector<std::uint32_t>& candidates, ElementId element,
               std::vector<RuleMatch>& matches);
 

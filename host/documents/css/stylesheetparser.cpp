@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Takes style sheets apart: rules, at-rules, selectors.
+// Takes style sheets apart: rules and at-rules.
 #include "host/documents/css/stylesheetparser.h"
+
+#include "host/documents/css/families.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,91 +12,6 @@ namespace {
 
 /// Deepest nesting of conditional blocks.
 constexpr unsigned maximumNesting = 16;
-
-bool isNameChar(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '_' || static_cast<unsigned char>(c) >= 0x80;
-}
-
-/// Reads the compounds of one selector from left to right.
-class SelectorReader {
-public:
-    explicit SelectorReader(std::string_view text) : rest_(trim(text)) {}
-
-    bool atEnd() const { return rest_.empty(); }
-    char front() const { return rest_.front(); }
-    bool accept(char c) {
-        if (rest_.empty() || rest_.front() != c) {
-            return false;
-        }
-        rest_.remove_prefix(1);
-        return true;
-    }
-    bool startsCompound() const {
-        return !rest_.empty() &&
-               (isNameChar(rest_.front()) || rest_.front() == '\\' ||
-                std::string_view("*|#.[:").find(rest_.front()) != std::string_view::npos);
-    }
-    /// Blanks and comments. @return whether there were any
-    bool skipBlanks() {
-        const std::size_t before = rest_.size();
-        while (!rest_.empty()) {
-            if (isBlank(rest_.front())) {
-                rest_.remove_prefix(1);
-            } else if (rest_.starts_with("/*")) {
-                rest_.remove_prefix(skipComment(rest_, 0));
-            } else {
-                break;
-            }
-        }
-        return rest_.size() != before;
-    }
-    std::string name() {
-        std::size_t end = 0;
-        while (end < rest_.size() && (isNameChar(rest_[end]) || rest_[end] == '\\')) {
-            if (rest_[end++] != '\\' || end == rest_.size()) {
-                continue;
-            }
-            const auto isHex = [](char c) {
-                return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f');
-            };
-            if (!isHex(rest_[end])) {
-                ++end;
-                continue;
-            }
-            const std::size_t first = end;
-            while (end < rest_.size() && end < first + 6 && isHex(rest_[end])) {
-                ++end;
-            }
-            end += end < rest_.size() && isBlank(rest_[end]) ? 1U : 0U;
-        }
-        std::string result = unescape(rest_.substr(0, end));
-        rest_.remove_prefix(end);
-        return result;
-    }
-    /// The inside of "[...]", up to which '[' has been read.
-    bool bracketed(std::string_view& inside) {
-        const std::size_t end = findOutside(rest_, 0, "]");
-        if (end == rest_.size()) {
-            return false;
-        }
-        inside = rest_.substr(0, end);
-        rest_.remove_prefix(end + 1);
-        return true;
-    }
-
-private:
-    std::string_view rest_;
-};
-
-std::string unquoted(std::string_view text) {
-    text = trim(text);
-    if (text.size() > 1 && (text.front() == '"' || text.front() == '\'') &&
-        text.back() == text.front()) {
-        text = text.substr(1, text.size() - 2);
-    }
-    return unescape(text);
-}
 
 } // namespace
 
@@ -209,85 +126,11 @@ void StyleSheets::Parser::readRule(std::string_view selectors, std::size_t start
 
     for (std::size_t position = 0; position <= selectors.size();) {
         const std::size_t comma = findOutside(selectors, position, ",");
-        SelectorReader reader(selectors.substr(position, comma - position));
+        if (auto selector = readSelector(selectors.substr(position, comma - position))) {
+            selector->block = block;
+            sheets_.addSelector(std::move(*selector));
+        }
         position = comma + 1;
-
-        Selector selector;
-        selector.block = block;
-        std::uint32_t ids = 0;
-        std::uint32_t classes = 0;
-        std::uint32_t types = 0;
-        bool valid = true;
-        bool childOf = false;
-        reader.skipBlanks();
-        while (valid && !reader.atEnd()) {
-            Compound compound;
-            compound.childOf = childOf;
-            valid = reader.startsCompound();
-            while (valid && reader.startsCompound()) {
-                if (reader.accept('#')) {
-                    compound.id = reader.name();
-                    valid = !compound.id.empty();
-                    ++ids;
-                } else if (reader.accept('.')) {
-                    compound.classes.push_back(reader.name());
-                    valid = !compound.classes.back().empty();
-                    ++classes;
-                } else if (reader.accept('[')) {
-                    std::string_view inside;
-                    valid = reader.bracketed(inside);
-                    AttributeTest test;
-                    const std::size_t equals = inside.find('=');
-                    std::string_view name = inside.substr(0, equals);
-                    if (equals != std::string_view::npos) {
-                        test.relation = '=';
-                        if (!name.empty() &&
-                            std::string_view("~|^$*").find(name.back()) != std::string_view::npos) {
-                            test.relation = name.back();
-                            name.remove_suffix(1);
-                        }
-                        test.value = unquoted(inside.substr(equals + 1));
-                    }
-                    name = trim(name);
-                    const std::size_t bar = name.rfind('|');
-                    test.name = unescape(name.substr(bar + 1)); // npos + 1 is none
-                    valid = valid && !test.name.empty();
-                    // Which namespace a prefix stands for is not asked.
-                    test.orPrefixed = name.starts_with("*|");
-                    if (bar != std::string_view::npos && bar != 0 && !test.orPrefixed) {
-                        test.name.insert(0, 1, ':');
-                    }
-                    compound.attributes.push_back(std::move(test));
-                    ++classes;
-                } else if (reader.accept(':')) {
-                    valid = reader.name() == "root";
-                    compound.root = true;
-                    ++classes;
-                } else if (reader.accept('*')) {
-                    compound.type.clear();
-                } else if (reader.accept('|')) {
-                    // What stood before it was a namespace prefix.
-                    types -= compound.type.empty() ? 0U : 1U;
-                    compound.type.clear();
-                } else {
-                    compound.type = reader.name();
-                    ++types;
-                    valid = !compound.type.empty();
-                }
-            }
-            selector.compounds.push_back(std::move(compound));
-            reader.skipBlanks();
-            childOf = reader.accept('>');
-            reader.skipBlanks();
-            // A combinator must have something to its right.
-            valid = valid && !(childOf && reader.atEnd());
-        }
-        if (valid && !selector.compounds.empty()) {
-            std::reverse(selector.compounds.begin(), selector.compounds.end());
-            const auto capped = [](std::uint32_t count) { return std::min(count, 0x3FFU); };
-            selector.specificity = capped(ids) << 20 | capped(classes) << 10 | capped(types);
-            sheets_.addSelector(std::move(selector));
-        }
     }
 }
 

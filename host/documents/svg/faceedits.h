@@ -3,6 +3,7 @@
 // declarations, a style attribute made longer, a span put around text.
 #pragma once
 
+#include "host/documents/svg/facevalues.h"
 #include "host/documents/svg/svgstyle.h"
 #include "host/documents/svg/xmlsource.h"
 
@@ -15,16 +16,6 @@
 
 namespace host::svg {
 
-/// What one property of some text is to become.
-struct NewValue {
-    /// Property::Family: the family, empty for the initial one; Property::Hint: the hint's text.
-    std::string family;
-    bool generic = false;
-    std::uint32_t number = 0; ///< of the other properties, as in Style::values
-
-    bool operator==(const NewValue&) const = default;
-};
-
 /// Collects edits of a source and applies them all at once.
 class FaceEdits {
 public:
@@ -33,7 +24,8 @@ public:
         : source_(source), tree_(tree), styles_(styles), unicode_(unicode) {}
 
     /// Changes the declaration that `origin` tells of. @return false when it cannot be done there
-    bool changeDeclaration(css::Property property, const Origin& origin, const NewValue& value);
+    [[nodiscard]] bool changeDeclaration(css::Property property, const Origin& origin,
+                                         const NewValue& value);
 
     using Values = std::map<css::Property, NewValue>;
     /// Puts declarations into the style attribute of an element, after all others, so that they
@@ -50,15 +42,18 @@ private:
         std::size_t end;
         std::string text;
     };
-    struct Context; ///< where a text goes, and what that demands of it
 
+    bool changeInRule(css::Property property, const Origin& origin, const NewValue& value);
     bool changeInBlock(std::size_t start, std::size_t end, css::Property property,
-                       const Origin& origin, const NewValue& value, const Context& context);
-    std::string familyText(const NewValue& value, const Context& context, bool quoteAlways) const;
-    std::string valueText(css::Property property, const NewValue& value,
-                          const Context& context) const;
+                       const Origin& origin, const NewValue& value, const TextPlace& place);
+    /// @param list a family list within the decoded text @return false when it names none
+    bool changeFirstFamily(const xml::DecodedText& decoded, std::size_t listStart,
+                           std::string_view list, const NewValue& value, const TextPlace& place);
+    /// @param from, to in the decoded text
+    void replace(const xml::DecodedText& decoded, std::size_t from, std::size_t to,
+                 std::string text);
     std::string declarations(ElementId element, const Values& values, bool important,
-                             const Context& context) const;
+                             const TextPlace& place) const;
 
     const std::string& source_;
     const Tree& tree_;

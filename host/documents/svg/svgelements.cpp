@@ -3,6 +3,7 @@
 #include "host/documents/svg/svgscanner.h"
 
 #include "host/documents/css/css.h"
+#include "host/documents/css/families.h"
 
 #include <algorithm>
 #include <cstring>

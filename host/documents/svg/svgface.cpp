@@ -2,6 +2,8 @@
 // Makes a face of the values that the cascade gave.
 #include "host/documents/svg/svgdrawing.h"
 
+#include "host/documents/css/families.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>

@@ -75,11 +75,11 @@ private:
         auto& known = attributeValues_[indexOf(property)];
         auto found = known.find(text);
         if (found == known.end()) {
-            Value value;
             std::string blanked;
-            const bool valid =
-                css::readValue(property, css::blankComments(text, blanked), styles_.texts, value);
-            found = known.emplace(text, valid ? std::optional(value) : std::nullopt).first;
+            found = known
+                        .emplace(text, css::readValue(property, css::blankComments(text, blanked),
+                                                      styles_.texts))
+                        .first;
         }
         if (found->second) {
             offer(candidates, {property, false, false, *found->second}, attributeRank,

@@ -138,19 +138,4 @@ DecodedText decode(std::string_view source, std::size_t start, std::size_t end) 
     return result;
 }
 
-std::string escape(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        const auto entity = std::find_if(predefined.begin(), predefined.end(),
-                                         [c](const Entity& e) { return e.character == c; });
-        if (entity != predefined.end()) {
-            result.append("&").append(entity->name).append(";");
-        } else {
-            result += c;
-        }
-    }
-    return result;
-}
-
 } // namespace host::xml

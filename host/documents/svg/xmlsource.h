@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Looking at XML as text: the places of attributes in a tag, character data with the way back to
-// the source, escaping. For well-formed source only: a parser has been over it.
+// the source. For well-formed source only: a parser has been over it.
 #pragma once
 
 #include <cstddef>
@@ -55,8 +55,5 @@ struct DecodedText {
 /// Resolves character references and the five predefined entities; takes CDATA sections as they
 /// stand and leaves comments and processing instructions out.
 DecodedText decode(std::string_view source, std::size_t start, std::size_t end);
-
-/// Escapes for character data and for attribute values in either quote.
-std::string escape(std::string_view text);
 
 } // namespace host::xml

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writing names the way style sheets can read them back.
 #include "host/documents/css/css.h"
-#include "host/documents/css/fontvalues.h"
+#include "host/documents/css/families.h"
 #include "host/documents/css/spanrules.h"
 
 #include <gtest/gtest.h>
