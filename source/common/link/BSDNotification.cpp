@@ -2,12 +2,10 @@
 // The readers of change notifications and the daemon that owns them.
 #include "BSDNotification.h"
 
-#include "misc/exception.h"
 #include "platform/notify.h"
 
 #include <exception>
 #include <stdexcept>
-#include <utility>
 
 namespace BSDNotification {
 
@@ -17,23 +15,12 @@ Registration::Registration(const std::string& name) {
     }
 }
 
-Registration::Registration(Registration&& other) noexcept
-    : token_(std::exchange(other.token_, none)) {}
-
 Registration::~Registration() {
-    cancel();
+    notify_cancel(token_);
 }
 
-void Registration::cancel() noexcept {
-    const int token = std::exchange(token_, none);
-    if (token != none) {
-        notify_cancel(token);
-    }
-}
-
-Daemon::ReadingThread::ReadingThread(Registration registration)
-    : registration_(std::move(registration)),
-      marks_(Orvil::SafeFIFOBuffer<int>::unboundedCapacity) {}
+Daemon::ReadingThread::ReadingThread(const std::string& name)
+    : registration_(name), marks_(Orvil::SafeFIFOBuffer<int>::unboundedCapacity) {}
 
 Daemon::ReadingThread::~ReadingThread() {
     if (!stop()) {
@@ -78,7 +65,7 @@ Daemon::~Daemon() {
 }
 
 void Daemon::addListener(const std::string& name) {
-    const Orvil::SmartPointer<ReadingThread> reader(new ReadingThread(Registration(name)));
+    const Orvil::SmartPointer<ReadingThread> reader(new ReadingThread(name));
     readers_[name] = reader;
     reader->start(false, -1);
 }
@@ -92,8 +79,7 @@ void Daemon::removeListener(const std::string& name) {
     if (found == readers_.end() || !found->second || !found->second->stop()) {
         return;
     }
-    found->second->cancel();
-    readers_.erase(found);
+    readers_.erase(found); // and with the reader its registration
 }
 
 bool Daemon::hasFired(const std::string& name) {

@@ -19,20 +19,15 @@ class Registration {
 public:
     /// Throws std::runtime_error "token could not be registered".
     explicit Registration(const std::string& name);
-    Registration(Registration&& other) noexcept;
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
-    Registration& operator=(Registration&&) = delete;
+    /// Cancels the token.
     ~Registration();
 
     int token() const noexcept { return token_; }
-    /// Cancels the token; once.
-    void cancel() noexcept;
 
 private:
-    int token_ = none;
-
-    static constexpr int none = -1;
+    int token_ = 0;
 };
 
 /// Threads: the main thread. Its readers' threads are its own business.
@@ -62,7 +57,8 @@ private:
 /// Polls about a thousand times a second until it is told to stop, which needs no wake-up then.
 class Daemon::ReadingThread : public Orvil::Thread, public Orvil::SmartPointable {
 public:
-    explicit ReadingThread(Registration registration);
+    /// Throws std::runtime_error "token could not be registered".
+    explicit ReadingThread(const std::string& name);
     ReadingThread(const ReadingThread&) = delete;
     ReadingThread& operator=(const ReadingThread&) = delete;
     /// Stops the thread and waits for it, so that it outlives nothing that it uses, and cancels the
@@ -75,8 +71,6 @@ public:
     bool checkMessage(int& mark);
     /// Asks the thread to end and waits for it; false when it cannot be joined. Main thread.
     bool stop();
-    /// Ends the watching; the thread must have stopped.
-    void cancel() noexcept { registration_.cancel(); }
 
 private:
     void poll();

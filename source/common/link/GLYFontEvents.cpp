@@ -14,35 +14,37 @@ namespace {
 
 using Records = std::vector<Orvil::SmartPointer<GLYFontInfo>>;
 
-/// The first record of each name or identifier. The keys are the records' own texts.
+/// The first record of each PostScript name. The keys are the records' own texts.
 using RecordIndex = std::unordered_map<std::string_view, GLYFontInfo*>;
 
-RecordIndex indexBy(std::string Protocol::Font::*key, const Records& records) {
+RecordIndex indexByPostScriptName(const Records& records) {
     RecordIndex index;
     index.reserve(records.size());
     for (const auto& record : records) {
-        index.try_emplace(record->font.*key, record.get());
+        index.try_emplace(record->font.psName, record.get());
     }
     return index;
 }
 
-/// The record of the font element whose child `element` holds the key; null if there is none.
-GLYFontInfo* findRecord(const RecordIndex& index, const Orvil::IXmlNode& font,
-                        const std::string& element) {
-    const Orvil::IXmlNode* const key = font.getFirstChild(element);
-    if (key == nullptr) {
+/// The record that a font element of a reply is about; null if there is none.
+GLYFontInfo* findRecord(const RecordIndex& index, const Orvil::IXmlNode& font) {
+    const Orvil::IXmlNode* const name = font.getFirstChild("psName");
+    if (name == nullptr) {
         return nullptr;
     }
-    const auto found = index.find(key->getContent());
+    const auto found = index.find(name->getContent());
     return found == index.end() ? nullptr : found->second;
 }
 
-template <typename Visit>
-void forEachFont(const Orvil::IXmlNode& root, Visit visit) {
-    for (const Orvil::IXmlNode* child = root.getFirstChild(); child != nullptr;
+/// Takes over what the answer to a show request tells of a font.
+void takeTypeAndCount(const Orvil::IXmlNode& font, GLYFontInfo& record) {
+    for (const Orvil::IXmlNode* child = font.getFirstChild(); child != nullptr;
          child = child->getNextNode()) {
-        if (child->getName() == "font") {
-            visit(*child);
+        const std::string name = child->getName();
+        if (name == "type") {
+            record.font.type = GLYFontInfo::typeStringToEnum(child->getContent());
+        } else if (name == "count") {
+            record.font.count = static_cast<std::uint32_t>(parse<int>(child->getContent()));
         }
     }
 }
@@ -61,27 +63,15 @@ void GLYFontActivateEvent::build() {
     command = text.finish();
 }
 
-// The answers are looked at and nothing is taken from them: only another request tells what is
-// active. The result is null for that reason, even of a perfect reply.
+// Nothing is taken from the answer, and the result is null even of a perfect one: only another
+// request tells what is active.
 Orvil::IXmlNode* GLYFontActivateEvent::parseResult() {
     constexpr const char* context = "GLYController-GLYFontActivateEvent::parseResult";
     const Orvil::IXmlNode* const root = GLYEvent::parseResult();
     Logger::log("starting parsing message", context, 0);
-    if (root == nullptr) {
-        return nullptr;
+    if (root != nullptr) {
+        Logger::log("end parsing message", context, 0);
     }
-    const RecordIndex index = indexBy(&Protocol::Font::containerID, fonts);
-    forEachFont(*root, [&index](const Orvil::IXmlNode& font) {
-        if (findRecord(index, font, "containerID") == nullptr) {
-            return;
-        }
-        for (const Orvil::IXmlNode* child = font.getFirstChild(); child != nullptr;
-             child = child->getNextNode()) {
-            static_cast<void>(child->getName());
-            static_cast<void>(child->getContent());
-        }
-    });
-    Logger::log("end parsing message", context, 0);
     return nullptr;
 }
 
@@ -105,22 +95,15 @@ Orvil::IXmlNode* GLYFontInfoEvent::parseResult() {
     if (root == nullptr) {
         return nullptr;
     }
-    const RecordIndex index = indexBy(&Protocol::Font::psName, fonts);
-    forEachFont(*root, [&index](const Orvil::IXmlNode& font) {
-        GLYFontInfo* const record = findRecord(index, font, "psName");
-        if (record == nullptr) {
-            return;
+    const RecordIndex index = indexByPostScriptName(fonts);
+    for (const Orvil::IXmlNode* child = root->getFirstChild(); child != nullptr;
+         child = child->getNextNode()) {
+        GLYFontInfo* const record =
+            child->getName() == "font" ? findRecord(index, *child) : nullptr;
+        if (record != nullptr) {
+            takeTypeAndCount(*child, *record);
         }
-        for (const Orvil::IXmlNode* child = font.getFirstChild(); child != nullptr;
-             child = child->getNextNode()) {
-            const std::string name = child->getName();
-            if (name == "type") {
-                record->font.type = GLYFontInfo::typeStringToEnum(child->getContent());
-            } else if (name == "count") {
-                record->font.count = static_cast<std::uint32_t>(parse<int>(child->getContent()));
-            }
-        }
-    });
+    }
     return root;
 }
 

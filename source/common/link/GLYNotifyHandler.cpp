@@ -73,11 +73,9 @@ void BasicGLYNotifyHandler::clearNotifiers() {
 }
 
 void BasicGLYNotifyHandler::notifiyAll(const std::string& text) {
-    const Orvil::XmlDocumentHolder parser;
-    if (parser) {
+    // Refuses what is not XML. Whatever the command is, everybody gets the whole text.
+    if (const Orvil::XmlDocumentHolder parser; parser) {
         parser->parseString(text);
-        // Whatever the command is, everybody gets the whole text.
-        static_cast<void>(parser->getRootNode()->getAttribute("cmd", ""));
     }
 
     for (IGLYChangeNotifier* const notifier : toRemove_) {
