@@ -8,8 +8,6 @@
 #include "VexFontSuite.h"
 #include "suitepointers.h"
 
-#include <utility>
-
 namespace {
 
 constexpr std::int32_t cannotLaunchText = 3;
@@ -21,23 +19,14 @@ void alert(std::int32_t textIndex) {
     sADMBasic->MessageAlert(GLYLanguageMgr::getLanguageMgr()->getString(textIndex).c_str());
 }
 
-/// Library changes are listened for from its making to end(), or until an exception destroys it.
-/// When start() itself throws, what it has begun stays begun until the next check.
+/// Library changes are listened for while it lives. When start() itself throws, what it has begun
+/// stays begun until the next check.
 class ListeningScope {
 public:
     ListeningScope() { GLY::NotifiyHandlerFactory::getNotifyHandler(false)->start(); }
     ListeningScope(const ListeningScope&) = delete;
     ListeningScope& operator=(const ListeningScope&) = delete;
-    ~ListeningScope() { end(); }
-
-    void end() {
-        if (std::exchange(listening_, false)) {
-            GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end();
-        }
-    }
-
-private:
-    bool listening_ = true;
+    ~ListeningScope() { GLY::NotifiyHandlerFactory::getNotifyHandler(false)->end(); }
 };
 
 } // namespace
@@ -57,6 +46,8 @@ AIErr GlyphoraPlugin::checkFonts() {
         return result;
     }
 
+    // A show request without fonts shows nothing: it is the smallest question that every manager
+    // answers with its protocol version, asked before one that might be misread is sent.
     GLY::GLYFontInfoEvent info;
     info.build();
     info.send();
@@ -65,9 +56,10 @@ AIErr GlyphoraPlugin::checkFonts() {
         return kNoErr;
     }
 
-    ListeningScope listening;
-    // The answer updates the records that the request shares with `fonts`.
-    const GLY::GLYFontRequestEvent request = VexFontSuite::requestFonts(fonts);
-    listening.end(); // before the exchanges and the records go
+    GLY::GLYFontRequestEvent request; // like the records, it is still there when listening ends
+    {
+        const ListeningScope listening;
+        request = VexFontSuite::requestFonts(fonts); // the answer updates the shared records
+    }
     return result;
 }

@@ -99,7 +99,9 @@ std::int32_t VexFontSuite::getNumFontsNotInstalled(FontInfos fonts) {
 }
 
 GLY::GLYFontRequestEvent VexFontSuite::requestFonts(const FontInfos& fonts) {
-    GLY::GLYController::LaunchGlyphora(); // a failure shows in the exchange
+    // Also when that was done a moment ago: fonts can be asked for again at any time, and the user
+    // may have quit the font manager in between. A failure shows in the exchange.
+    GLY::GLYController::LaunchGlyphora();
     GLY::GLYFontRequestEvent request;
     std::copy_if(fonts.begin(), fonts.end(), std::back_inserter(request.fonts),
                  [](const auto& info) { return !info->font.isActive; });

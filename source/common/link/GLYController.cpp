@@ -45,6 +45,9 @@ OSStatus launch(const FSSpec& application) {
     return LaunchApplication(&block);
 }
 
+/// Polls without a pause, on purpose: the host is blocked all the same, nothing tells of a process
+/// that has registered itself, and each look at the list costs a round trip of its own. A process
+/// that has not shown up in time is left to the first exchange, which tries for another 10 s.
 void awaitGlyphora() {
     const double start = CFAbsoluteTimeGetCurrent();
     ProcessInfoRec info;

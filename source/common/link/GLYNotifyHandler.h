@@ -40,6 +40,8 @@ public:
     virtual void notifiyAll(const std::string& text) = 0;
     /// Sends a command to the font manager and returns its reply, folded into one XML document;
     /// empty on failure. Blocks, for some 10 s when the font manager is not there. Never throws.
+    /// Commands travel through the handler of the news because both need the same platform: this
+    /// is the one object that knows how to reach the font manager, either way.
     virtual std::string SendToGly(const std::string& command) = 0;
     /// Always false.
     virtual bool WaitForLaunch() = 0;

@@ -5,8 +5,12 @@
 #include "tests/support/plugin/startedplugin.h"
 #include "tests/support/scriptedplatform/scriptedplatform.h"
 
+#include <libxml/tree.h>
+
 #include <stdexcept>
 
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -114,6 +118,16 @@ TEST_F(AFontCheck, StopsListeningWhenTheRequestIsNotAnswered) {
     platform.answers = {scripted::textAnswer(reply("2.0")), scripted::failedAnswer(procNotFound)};
     EXPECT_EQ(openDocument(), kNoErr);
     EXPECT_EQ(platform.sent.size(), 21U);
+}
+
+TEST_F(AFontCheck, KeepsTheAnswersUntilItListensNoMore) {
+    static std::vector<bool> listenedWhenFreed;
+    xmlDeregisterNodeDefault([](xmlNode*) {
+        listenedWhenFreed.push_back(scripted::Platform::current()->hasHandler(kNews, kAnyID));
+    });
+    openDocument();
+    xmlDeregisterNodeDefault(nullptr);
+    EXPECT_THAT(listenedWhenFreed, AllOf(Not(IsEmpty()), Each(false)));
 }
 
 TEST_F(AFontCheck, PrintsAStandardExceptionAndPassesItOn) {
