@@ -91,7 +91,8 @@ TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
     EXPECT_THAT(answer_.done, ElementsAre(HasSubstr("activated Lato")));
     EXPECT_TRUE(activation_.isActive(*library_.container(*toContainerId(id))));
 
-    askForOne("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Bold"}}));
+    const ReplyNode again = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Bold"}}));
+    EXPECT_EQ(again.value("showWindow"), "0");
     EXPECT_FALSE(answer_.changed);
 }
 
@@ -207,6 +208,15 @@ TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
         EXPECT_THAT(answer_.problems, ElementsAre(HasSubstr("/x/both.ttf: cannot be read")));
         activation_.deactivate(std::vector{*toContainerId(other)});
     }
+}
+
+TEST_F(AnExchange, DoesNotChooseAContainerAgainThatHasFailed) {
+    // The better one of the two: it comes first whenever the font is looked up.
+    std::filesystem::remove(sandbox_.library() + "/y/both.ttf");
+    const ReplyNode reply = askForOne("activationRequest",
+                                      font({{"containerID", idOf("Both", 1)}, {"psName", "Both"}}));
+    EXPECT_EQ(reply.value("containerID"), idOf("Both", 0));
+    EXPECT_EQ(reply.value("activationSuccessfull"), "1");
 }
 
 TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {

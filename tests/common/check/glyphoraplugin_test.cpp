@@ -104,6 +104,8 @@ TEST_F(GlyphoraAtWork, FindsItsHandlesAgainAfterAReload) {
         std::make_unique<AITimer>(AITimer{&host.otherPlugin, "CloseTheDoc", 1, true}));
     host.timers.push_back(std::make_unique<AITimer>(AITimer{&host.plugin, "CloseTheDoc", 1, true}));
     host.timers.push_back(std::make_unique<AITimer>(AITimer{&host.plugin, "another", 1, true}));
+    host.timers.push_back(
+        std::make_unique<AITimer>(AITimer{&host.otherPlugin, "CloseTheDoc", 1, true}));
     ASSERT_EQ(host.send("SP Access", "Reload"), kNoErr);
 
     EXPECT_TRUE(opensDocuments(host.notifierOf("AI Document Opened Notifier")));
@@ -118,6 +120,7 @@ TEST_F(GlyphoraAtWork, FindsItsHandlesAgainAfterAReload) {
     EXPECT_TRUE(host.timers[0]->active);
     EXPECT_FALSE(host.timers[1]->active);
     EXPECT_TRUE(host.timers[2]->active);
+    EXPECT_TRUE(host.timers[3]->active);
 }
 
 TEST_F(GlyphoraAtWork, StaysQuietAfterAReloadThatFailed) {

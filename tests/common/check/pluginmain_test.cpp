@@ -72,6 +72,7 @@ TEST_F(TheEntryPoint, DropsTheObjectOfAFailedStart) {
     failing.fail("SetPluginName", -7);
     EXPECT_EQ(failing.send("SP Interface", "Startup"), -7);
     EXPECT_EQ(failing.globals, nullptr);
+    EXPECT_EQ(gPlugin, nullptr);
     EXPECT_THAT(failing.acquired, IsEmpty());
     EXPECT_THAT(failing.errorAlerts, ElementsAre("error -7"));
 }

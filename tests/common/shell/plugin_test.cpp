@@ -88,11 +88,16 @@ TEST_F(APlugin, StopsItsStartAtTheFirstError) {
     }
 }
 
-TEST_F(APlugin, FillsItsTablesLastAtItsStart) {
+TEST_F(APlugin, FillsItsTablesLastAtItsStartAndEmptiesThemFirstAtItsUnloading) {
     struct Filling : RecordingPlugin {
         using RecordingPlugin::RecordingPlugin;
         AIErr AllocateSuiteTables() override { return allocated; }
         AIErr FillSuiteTables() override { return filled; }
+        AIErr EmptySuiteTables() override {
+            emptiedWithSuites = sAIArt != nullptr;
+            return kNoErr;
+        }
+        bool emptiedWithSuites = false;
         AIErr allocated = kNoErr;
         AIErr filled = kNoErr;
     };
@@ -105,6 +110,8 @@ TEST_F(APlugin, FillsItsTablesLastAtItsStart) {
         EXPECT_EQ(filling.StartupPlugin(&record), expected);
         EXPECT_EQ(host.notifiers.back()->name, "Plugin App Started Notifier");
         EXPECT_EQ(host.notifiers.back()->type, "AI Application Started Notifier");
+        filling.Plugin::UnloadPlugin(nullptr);
+        EXPECT_TRUE(filling.emptiedWithSuites);
     }
 }
 

@@ -133,6 +133,13 @@ TEST_F(AForgetfulPlugin, IsGivenTheChanceToPutAwayWhatItMadeBeforeItThrew) {
     EXPECT_EQ(plugin.state(), PluginState::Ended);
 }
 
+TEST_F(AForgetfulPlugin, HasNotStartedWhenItThrewZero) {
+    handler = [](std::string_view, std::string_view selector, void*) -> SPErr {
+        return selector == "Startup" ? throw kNoErr : kNoErr;
+    };
+    EXPECT_THROW(core.addBuiltIn("thrower", entry).startUp(), PluginError);
+}
+
 TEST_F(AForgetfulPlugin, IsNotTrustedWithAForeignBlock) {
     int local = 0;
     asGuest([&] {
