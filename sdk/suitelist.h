@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every suite of the host that a plug-in here acquires: type of its table, global pointer, name,
-// version. One list, so that declaring, acquiring and releasing cannot drift apart.
+// Every suite of the host that the plug-in acquires: the type of its table, its global pointer, its
+// name and its version. One list, so that declaring, acquiring and releasing cannot drift apart.
 #pragma once
 
 // X(type, pointer, name, version): acquired first and released first.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The global pointers of all suites, set while they are acquired and null otherwise. A suite of
-// which nothing is called has a type without a definition: only its pointer is ever held.
+// The global pointers of all suites: set while they are acquired, and null otherwise. A suite that
+// nothing is called of has a type without a definition, since only its pointer is held.
+// [main-thread], but for the basic suite's allocation.
 #pragma once
 
 #include "adm/suites.h"

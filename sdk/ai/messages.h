@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Message records of the document host, beyond those of the plug-in manager.
+// Message records of the document host, beyond those of the plug-in manager. The host owns all
+// records; they are valid until the entry point returns.
 #pragma once
 
 #include "ai/types.h"
@@ -12,19 +13,19 @@ constexpr const char* kAIApplicationStartedNotifier = "AI Application Started No
 /// "AI Notifier"
 struct AINotifierMessage {
     SPMessageData d;
-    AINotifierHandle notifier = nullptr;
-    const char* type = nullptr; ///< the type that fired
-    void* notifyData = nullptr; ///< depends on the type; null for all types above
+    AINotifierHandle notifier = nullptr; ///< owned by the host, as AddNotifier gave it
+    const char* type = nullptr;          ///< the type that fired; owned by the host
+    void* notifyData = nullptr;          ///< depends on the type; null for all types above
 };
 /// "AI Timer"
 struct AITimerMessage {
     SPMessageData d;
-    AITimerHandle timer = nullptr;
+    AITimerHandle timer = nullptr; ///< owned by the host, as AddTimer gave it
 };
 /// "AI Menu"
 struct AIMenuMessage {
     SPMessageData d;
-    AIMenuItemHandle menuItem = nullptr;
+    AIMenuItemHandle menuItem = nullptr; ///< owned by the host, as AddMenuItem gave it
 };
 /// "Action Manager"
 struct DoActionMessage {
@@ -82,3 +83,16 @@ struct AIClipboardMessage {
 struct WorkspaceMessage {
     SPMessageData d;
 };
+
+static_assert(offsetof(AINotifierMessage, notifier) == sizeof(SPMessageData));
+static_assert(offsetof(AINotifierMessage, type) == sizeof(SPMessageData) + sizeof(void*));
+static_assert(offsetof(AINotifierMessage, notifyData) == sizeof(SPMessageData) + 2 * sizeof(void*));
+static_assert(kAreMessageRecords<3, AINotifierMessage>);
+static_assert(kAreMessageRecords<1, AITimerMessage, AIMenuMessage>);
+static_assert(kAreMessageRecords<0, DoActionMessage, AIFilterMessage, AIPluginGroupMessage,
+                                 AIFileFormatMessage, AIUpdateFileFormatMessage, AIToolMessage,
+                                 AILiveEffectEditParamMessage, AILiveEffectGoMessage,
+                                 AILiveEffectInterpParamMessage, AILiveEffectInputTypeMessage,
+                                 AILiveEffectConvertColorMessage, AILiveEffectScaleParamMessage,
+                                 AILiveEffectAdjustColorsMessage, AILiveEffectHandleMergeMessage,
+                                 AIClipboardMessage, WorkspaceMessage>);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An allocator over the host's memory, for containers whose storage the host shall own and count.
+// An allocator over the host's memory, for containers whose storage the host is to own and count.
 #pragma once
 
 #include "sp/basic.h"
@@ -11,12 +11,14 @@
 namespace ai {
 
 namespace detail {
-/// Blocks of the basic suite; throws std::bad_alloc. Any thread.
-void* allocateBlock(std::size_t size);
+/// [any-thread] A block of the basic suite, owned by the caller until freeBlock. Throws
+/// std::bad_alloc.
+[[nodiscard]] void* allocateBlock(std::size_t size);
+/// [any-thread]
 void freeBlock(void* block) noexcept;
 } // namespace detail
 
-/// Meets the standard's allocator requirements; all instances are equal.
+/// [any-thread] Meets the standard's requirements for allocators; all instances are equal.
 template <typename T>
 class SPAlloc {
 public:
@@ -26,7 +28,7 @@ public:
     template <typename Other>
     SPAlloc(const SPAlloc<Other>&) noexcept {} // NOLINT: allocators convert implicitly
 
-    T* allocate(std::size_t count) {
+    [[nodiscard]] T* allocate(std::size_t count) {
         if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
             throw std::bad_array_new_length();
         }

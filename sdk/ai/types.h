@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Handles of the document model and of what plug-ins register with the host. All are owned by the
-// host; a handle of a document's part is valid while that document is open.
+// Handles of the document model and of what plug-ins register with the host. The host owns what
+// they stand for; a handle of a part of a document is valid while that document is open.
 #pragma once
 
 #include "sp/types.h"

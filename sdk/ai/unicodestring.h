@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The host's Unicode text as a value. Main thread only; the Unicode string suite must be acquired.
+// The host's Unicode text as a value. [main-thread] The Unicode string suite must be acquired.
 #pragma once
 
 #include "ai/suites.h"
@@ -10,7 +10,7 @@
 
 namespace ai {
 
-/// A suite call's non-zero result.
+/// The non-zero result of a suite call.
 class Error : public std::runtime_error {
 public:
     explicit Error(AIErr errorCode);
@@ -18,22 +18,23 @@ public:
     AIErr error;
 };
 
-/// An immutable text that the host keeps. Copies are texts of their own. Throws ai::Error.
+/// An immutable text that the host keeps; a copy is a text of its own. Throws ai::Error when a
+/// suite call fails.
 class UnicodeString {
 public:
     UnicodeString() noexcept = default; ///< the empty text, without a host object
-    /// Throws ai::Error when the bytes are not valid UTF-8.
+    /// Throws ai::Error, too, when the bytes are not valid UTF-8.
     explicit UnicodeString(std::string_view utf8);
     UnicodeString(const UnicodeString& other);
     UnicodeString(UnicodeString&& other) noexcept;
     UnicodeString& operator=(UnicodeString other) noexcept;
     ~UnicodeString();
 
-    std::string as_UTF8() const;
-    bool empty() const;
+    [[nodiscard]] std::string as_UTF8() const;
+    [[nodiscard]] bool empty() const;
 
 private:
-    std::string_view bytes() const;
+    [[nodiscard]] std::string_view bytes() const;
 
     AIUnicodeStringHandle handle_ = nullptr;
 };

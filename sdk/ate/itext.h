@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The text engine's objects as classes: one method, one suite call, a non-zero result thrown as
-// ATE::Exception. Main thread only; the suites must be acquired while any object lives.
+// The text engine's objects as classes: each method makes one suite call and throws ATE::Exception
+// if its result is not zero. [main-thread] The suites must stay acquired while any object lives.
 #pragma once
 
 #include "suitepointers.h"
@@ -10,7 +10,7 @@
 
 namespace ATE {
 
-/// A suite call's non-zero result.
+/// The non-zero result of a suite call.
 class Exception : public std::runtime_error {
 public:
     explicit Exception(ATEErr errorCode);
@@ -18,11 +18,12 @@ public:
     ATEErr error;
 };
 
-/// Throws ATE::Exception for a non-zero result.
+/// Throws ATE::Exception if `result` is not zero.
 void check(ATEErr result);
 
-/// Holds one count of a text-engine object: copying counts one more, destruction gives one back.
-/// `Suite` tells the table that has AddRef and Release for the reference type.
+/// Owns one count of a text-engine object: a copy counts one more, destruction gives one back.
+/// `suite` is the pointer to the table that counts references of this type. Throws ATE::Exception
+/// when a copy cannot be counted.
 template <typename Ref, typename Suite, const Suite** suite>
 class Counted {
 public:
@@ -41,13 +42,13 @@ public:
     }
     ~Counted() {
         if (ref_ != nullptr) {
-            (*suite)->Release(ref_); // a failed release leaves nothing to mend here
+            (*suite)->Release(ref_); // if that fails, there is nothing left to try
         }
     }
 
-    /// The reference, still owned by this object.
-    Ref GetRef() const noexcept { return ref_; }
-    bool IsNull() const noexcept { return ref_ == nullptr; }
+    /// The reference, which this object goes on owning.
+    [[nodiscard]] Ref GetRef() const noexcept { return ref_; }
+    [[nodiscard]] bool IsNull() const noexcept { return ref_ == nullptr; }
 
 private:
     Ref ref_ = nullptr;
@@ -61,21 +62,21 @@ public:
 class IArrayFontRef : public Counted<ArrayFontRefRef, ArrayFontRefSuite, &sArrayFontRef> {
 public:
     using Counted::Counted;
-    std::int32_t GetSize() const;
-    IFont Item(std::int32_t index) const;
+    [[nodiscard]] std::int32_t GetSize() const;
+    [[nodiscard]] IFont Item(std::int32_t index) const;
 };
 
 class ICharInspector : public Counted<CharInspectorRef, CharInspectorSuite, &sCharInspector> {
 public:
     using Counted::Counted;
-    IArrayFontRef GetFont() const;
+    [[nodiscard]] IArrayFontRef GetFont() const;
 };
 
 class ICharFeatures : public Counted<CharFeaturesRef, CharFeaturesSuite, &sCharFeatures> {
 public:
     using Counted::Counted;
     /// A new, empty set of features.
-    static ICharFeatures Create();
+    [[nodiscard]] static ICharFeatures Create();
     void SetFont(const IFont& font) const;
 };
 
@@ -84,9 +85,9 @@ class ITextRunsIterator;
 class ITextRange : public Counted<TextRangeRef, TextRangeSuite, &sTextRange> {
 public:
     using Counted::Counted;
-    ITextRunsIterator GetTextRunsIterator() const;
-    bool HasLocalCharFeatures() const;
-    ICharInspector GetCharInspector() const;
+    [[nodiscard]] ITextRunsIterator GetTextRunsIterator() const;
+    [[nodiscard]] bool HasLocalCharFeatures() const;
+    [[nodiscard]] ICharInspector GetCharInspector() const;
     void ReplaceOrAddLocalCharFeatures(const ICharFeatures& features) const;
 };
 
@@ -94,15 +95,15 @@ class ITextRunsIterator
     : public Counted<TextRunsIteratorRef, TextRunsIteratorSuite, &sTextRunsIterator> {
 public:
     using Counted::Counted;
-    bool IsDone() const;
-    ITextRange Item() const;
+    [[nodiscard]] bool IsDone() const;
+    [[nodiscard]] ITextRange Item() const;
     void Next() const;
 };
 
 class ITextFrame : public Counted<TextFrameRef, TextFrameSuite, &sTextFrame> {
 public:
     using Counted::Counted;
-    ITextRange GetTextRange(bool includeOverflow) const;
+    [[nodiscard]] ITextRange GetTextRange(bool includeOverflow) const;
 };
 
 } // namespace ATE

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// References to objects of the host's text engine. Each is counted: whoever gets one from a call
-// owns one count and gives it back through the Release call of its suite.
+// References to objects of the host's text engine. Each is counted: whoever is handed one by a call
+// owns one count, and gives it back with the Release call of its suite.
 #pragma once
 
 #include "sp/types.h"

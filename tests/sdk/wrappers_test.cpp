@@ -148,8 +148,8 @@ TEST_F(AWrapper, ThrowsTheCodeOfAFailedCall) {
         }
         return ATE::ATEErr{0};
     };
-    EXPECT_EQ(codeOf([&] { range.HasLocalCharFeatures(); }), 17);
-    EXPECT_EQ(codeOf([&] { iterator_.Item(); }), 17);
+    EXPECT_EQ(codeOf([&] { static_cast<void>(range.HasLocalCharFeatures()); }), 17);
+    EXPECT_EQ(codeOf([&] { static_cast<void>(iterator_.Item()); }), 17);
     EXPECT_EQ(codeOf([&] { const ATE::ITextRange copy = range; }), 17); // NOLINT: the copy throws
 }
 
