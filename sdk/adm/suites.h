@@ -23,7 +23,7 @@ struct ADMBasicSuite {
     /// [main-thread, modal] Shows a message; returns when the user has dismissed it.
     void (*MessageAlert)(const char* text);
 };
-static_assert(kIsSuiteTable<ADMBasicSuite, 4>);
+static_assert(isSuiteTable<ADMBasicSuite, 4>);
 
 /// "ADM Host Suite" 6
 struct ADMHostSuite {
@@ -32,4 +32,4 @@ struct ADMHostSuite {
     /// or a size below 1.
     ADMErr (*GetAppLocale)(char* buffer, std::int32_t size);
 };
-static_assert(kIsSuiteTable<ADMHostSuite, 1>);
+static_assert(isSuiteTable<ADMHostSuite, 1>);

@@ -87,12 +87,12 @@ struct WorkspaceMessage {
 static_assert(offsetof(AINotifierMessage, notifier) == sizeof(SPMessageData));
 static_assert(offsetof(AINotifierMessage, type) == sizeof(SPMessageData) + sizeof(void*));
 static_assert(offsetof(AINotifierMessage, notifyData) == sizeof(SPMessageData) + 2 * sizeof(void*));
-static_assert(kAreMessageRecords<3, AINotifierMessage>);
-static_assert(kAreMessageRecords<1, AITimerMessage, AIMenuMessage>);
-static_assert(kAreMessageRecords<0, DoActionMessage, AIFilterMessage, AIPluginGroupMessage,
-                                 AIFileFormatMessage, AIUpdateFileFormatMessage, AIToolMessage,
-                                 AILiveEffectEditParamMessage, AILiveEffectGoMessage,
-                                 AILiveEffectInterpParamMessage, AILiveEffectInputTypeMessage,
-                                 AILiveEffectConvertColorMessage, AILiveEffectScaleParamMessage,
-                                 AILiveEffectAdjustColorsMessage, AILiveEffectHandleMergeMessage,
-                                 AIClipboardMessage, WorkspaceMessage>);
+static_assert(areMessageRecords<3, AINotifierMessage>);
+static_assert(areMessageRecords<1, AITimerMessage, AIMenuMessage>);
+static_assert(areMessageRecords<0, DoActionMessage, AIFilterMessage, AIPluginGroupMessage,
+                                AIFileFormatMessage, AIUpdateFileFormatMessage, AIToolMessage,
+                                AILiveEffectEditParamMessage, AILiveEffectGoMessage,
+                                AILiveEffectInterpParamMessage, AILiveEffectInputTypeMessage,
+                                AILiveEffectConvertColorMessage, AILiveEffectScaleParamMessage,
+                                AILiveEffectAdjustColorsMessage, AILiveEffectHandleMergeMessage,
+                                AIClipboardMessage, WorkspaceMessage>);

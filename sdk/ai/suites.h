@@ -28,7 +28,7 @@ struct AINotifierSuite {
     /// notifier.
     AIErr (*GetNotifierType)(AINotifierHandle notifier, const char** type);
 };
-static_assert(kIsSuiteTable<AINotifierSuite, 5>);
+static_assert(isSuiteTable<AINotifierSuite, 5>);
 
 /// "AI Timer Suite" 1003
 struct AITimerSuite {
@@ -47,7 +47,7 @@ struct AITimerSuite {
     /// [main-thread] A timer's name. The host owns `*name`; it is valid as long as the timer.
     AIErr (*GetTimerName)(AITimerHandle timer, const char** name);
 };
-static_assert(kIsSuiteTable<AITimerSuite, 6>);
+static_assert(isSuiteTable<AITimerSuite, 6>);
 
 /// "AI Context Suite" 1004
 struct AIAppContextSuite {
@@ -57,7 +57,7 @@ struct AIAppContextSuite {
     /// [main-thread] Ends a context. kBadParameterErr: it is not the innermost one, and stays.
     AIErr (*PopAppContext)(AIAppContextHandle context);
 };
-static_assert(kIsSuiteTable<AIAppContextSuite, 2>);
+static_assert(isSuiteTable<AIAppContextSuite, 2>);
 
 /// The group of the host's menu under which plug-ins put their about boxes.
 constexpr const char* kAIAboutPluginsMenuGroup = "About Plug-ins";
@@ -79,21 +79,21 @@ struct AIMenuSuite {
     /// [main-thread] A group's name. The host owns `*name`; it is valid as long as the group.
     AIErr (*GetMenuGroupName)(AIMenuGroup group, const char** name);
 };
-static_assert(kIsSuiteTable<AIMenuSuite, 5>);
+static_assert(isSuiteTable<AIMenuSuite, 5>);
 
 /// "AI Document Suite" 1011
 struct AIDocumentSuite {
     /// [main-thread] The current document; null if none is open.
     AIErr (*GetDocument)(AIDocumentHandle* document);
 };
-static_assert(kIsSuiteTable<AIDocumentSuite, 1>);
+static_assert(isSuiteTable<AIDocumentSuite, 1>);
 
 /// "AI Document List Suite" 1006
 struct AIDocumentListSuite {
     /// [main-thread] Closes the document without saving; its handles become invalid.
     AIErr (*Close)(AIDocumentHandle document);
 };
-static_assert(kIsSuiteTable<AIDocumentListSuite, 1>);
+static_assert(isSuiteTable<AIDocumentListSuite, 1>);
 
 /// "AI Layer Suite" 1011: the layers of the current document, from first to last in the file.
 struct AILayerSuite {
@@ -102,7 +102,7 @@ struct AILayerSuite {
     /// [main-thread] The layer after `layer`; null after the last.
     AIErr (*GetNextLayer)(AILayerHandle layer, AILayerHandle* next);
 };
-static_assert(kIsSuiteTable<AILayerSuite, 2>);
+static_assert(isSuiteTable<AILayerSuite, 2>);
 
 /// "AI Art Suite" 1014. The first art of a layer is its top group.
 struct AIArtSuite {
@@ -117,7 +117,7 @@ struct AIArtSuite {
     /// [main-thread] The group that the art is in; null for a layer's top group.
     AIErr (*GetArtParent)(AIArtHandle art, AIArtHandle* parent);
 };
-static_assert(kIsSuiteTable<AIArtSuite, 5>);
+static_assert(isSuiteTable<AIArtSuite, 5>);
 
 /// "AI Text Frame Suite" 1001
 struct AITextFrameSuite {
@@ -125,7 +125,7 @@ struct AITextFrameSuite {
     /// of `*frame`. kBadParameterErr: the art is of another type.
     AIErr (*GetATETextFrame)(AIArtHandle art, ATE::TextFrameRef* frame);
 };
-static_assert(kIsSuiteTable<AITextFrameSuite, 1>);
+static_assert(isSuiteTable<AITextFrameSuite, 1>);
 
 /// How a font is made, and whether the host has it.
 struct AIFontStyleRecord {
@@ -171,7 +171,7 @@ struct AIFontSuite {
     /// [main-thread] Font `n` of those that the host has, from 0; the order stays while it runs.
     AIErr (*GetNthFont)(std::int32_t n, AIFontKey* key);
 };
-static_assert(kIsSuiteTable<AIFontSuite, 10>);
+static_assert(isSuiteTable<AIFontSuite, 10>);
 
 using AIUnicodeStringHandle = struct AIUnicodeString*;
 
@@ -186,4 +186,4 @@ struct AIUnicodeStringSuite {
     /// they are valid as long as the text.
     AIErr (*GetUTF8)(AIUnicodeStringHandle text, const char** bytes, std::size_t* size);
 };
-static_assert(kIsSuiteTable<AIUnicodeStringSuite, 3>);
+static_assert(isSuiteTable<AIUnicodeStringSuite, 3>);

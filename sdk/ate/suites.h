@@ -18,7 +18,7 @@ struct TextFrameSuite {
     /// caller owns one count of `*range`.
     ATEErr (*GetTextRange)(TextFrameRef frame, AIBoolean includeOverflow, TextRangeRef* range);
 };
-static_assert(kIsSuiteTable<TextFrameSuite, 3>);
+static_assert(isSuiteTable<TextFrameSuite, 3>);
 
 /// "ATE TextRange Suite" 1
 struct TextRangeSuite {
@@ -39,7 +39,7 @@ struct TextRangeSuite {
     /// the caller's.
     ATEErr (*ReplaceOrAddLocalCharFeatures)(TextRangeRef range, CharFeaturesRef features);
 };
-static_assert(kIsSuiteTable<TextRangeSuite, 6>);
+static_assert(isSuiteTable<TextRangeSuite, 6>);
 
 /// "ATE TextRunsIterator Suite" 1: stretches of equal character features, in text order.
 struct TextRunsIteratorSuite {
@@ -54,7 +54,7 @@ struct TextRunsIteratorSuite {
     /// [main-thread] Goes on to the next run; an error behind the last.
     ATEErr (*Next)(TextRunsIteratorRef iterator);
 };
-static_assert(kIsSuiteTable<TextRunsIteratorSuite, 5>);
+static_assert(isSuiteTable<TextRunsIteratorSuite, 5>);
 
 /// "ATE CharInspector Suite" 101: what a range's characters look like.
 struct CharInspectorSuite {
@@ -66,7 +66,7 @@ struct CharInspectorSuite {
     /// caller owns one count of `*fonts`.
     ATEErr (*GetFont)(CharInspectorRef inspector, ArrayFontRefRef* fonts);
 };
-static_assert(kIsSuiteTable<CharInspectorSuite, 3>);
+static_assert(isSuiteTable<CharInspectorSuite, 3>);
 
 /// "ATE ArrayFontRef Suite" 1
 struct ArrayFontRefSuite {
@@ -80,7 +80,7 @@ struct ArrayFontRefSuite {
     /// is none.
     ATEErr (*Item)(ArrayFontRefRef array, std::int32_t index, FontRef* font);
 };
-static_assert(kIsSuiteTable<ArrayFontRefSuite, 4>);
+static_assert(isSuiteTable<ArrayFontRefSuite, 4>);
 
 /// "ATE Font Suite" 1
 struct FontSuite {
@@ -89,7 +89,7 @@ struct FontSuite {
     /// [main-thread] Gives one of the caller's counts back.
     ATEErr (*Release)(FontRef font);
 };
-static_assert(kIsSuiteTable<FontSuite, 2>);
+static_assert(isSuiteTable<FontSuite, 2>);
 
 /// "ATE CharFeatures Suite" 101: a set of character features to apply.
 struct CharFeaturesSuite {
@@ -103,6 +103,6 @@ struct CharFeaturesSuite {
     /// caller's.
     ATEErr (*SetFont)(CharFeaturesRef features, FontRef font);
 };
-static_assert(kIsSuiteTable<CharFeaturesSuite, 4>);
+static_assert(isSuiteTable<CharFeaturesSuite, 4>);
 
 } // namespace ATE

@@ -22,4 +22,4 @@ struct SPBasicSuite {
     /// or freed before.
     SPErr (*FreeBlock)(void* block);
 };
-static_assert(kIsSuiteTable<SPBasicSuite, 4>);
+static_assert(isSuiteTable<SPBasicSuite, 4>);

@@ -32,9 +32,9 @@ static_assert(sizeof(SPMessageData) == 3 * sizeof(void*));
 /// else.
 template <std::size_t fields, typename... Messages>
 constexpr bool
-    kAreMessageRecords = ((std::is_standard_layout_v<Messages> && offsetof(Messages, d) == 0 &&
-                           sizeof(Messages) == sizeof(SPMessageData) + fields * sizeof(void*)) &&
-                          ...);
+    areMessageRecords = ((std::is_standard_layout_v<Messages> && offsetof(Messages, d) == 0 &&
+                          sizeof(Messages) == sizeof(SPMessageData) + fields * sizeof(void*)) &&
+                         ...);
 
 /// "SP Interface": start-up, shut-down, about.
 struct SPInterfaceMessage {
@@ -48,4 +48,4 @@ struct SPAccessMessage {
 struct SPPropertiesMessage {
     SPMessageData d;
 };
-static_assert(kAreMessageRecords<0, SPInterfaceMessage, SPAccessMessage, SPPropertiesMessage>);
+static_assert(areMessageRecords<0, SPInterfaceMessage, SPAccessMessage, SPPropertiesMessage>);

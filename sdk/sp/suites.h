@@ -16,7 +16,7 @@ struct SPAccessSuite {
     /// access reference.
     SPErr (*ReleasePlugin)(SPAccessRef access);
 };
-static_assert(kIsSuiteTable<SPAccessSuite, 2>);
+static_assert(isSuiteTable<SPAccessSuite, 2>);
 
 /// "SP Plug-ins Suite" 4
 struct SPPluginsSuite {
@@ -24,4 +24,4 @@ struct SPPluginsSuite {
     /// (UTF-8). kBadParameterErr: not a loaded plug-in, or not UTF-8.
     SPErr (*SetPluginName)(SPPluginRef plugin, const char* name);
 };
-static_assert(kIsSuiteTable<SPPluginsSuite, 1>);
+static_assert(isSuiteTable<SPPluginsSuite, 1>);

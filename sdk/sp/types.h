@@ -41,5 +41,5 @@ constexpr SPErr kPurgedErr = FourChars("pFls"); ///< the answer of a purge that 
 /// built apart: they agree on a suite only if both find each call in its place.
 template <typename Suite, std::size_t calls>
 constexpr bool
-    kIsSuiteTable = std::is_standard_layout_v<Suite>&& std::is_trivially_copyable_v<Suite> &&
-                    sizeof(Suite) == calls * sizeof(void (*)());
+    isSuiteTable = std::is_standard_layout_v<Suite>&& std::is_trivially_copyable_v<Suite> &&
+                   sizeof(Suite) == calls * sizeof(void (*)());

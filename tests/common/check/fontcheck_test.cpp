@@ -123,7 +123,7 @@ TEST_F(AFontCheck, StopsListeningWhenTheRequestIsNotAnswered) {
 TEST_F(AFontCheck, KeepsTheAnswersUntilItListensNoMore) {
     static std::vector<bool> listenedWhenFreed;
     xmlDeregisterNodeDefault([](xmlNode*) {
-        listenedWhenFreed.push_back(scripted::Platform::current()->hasHandler(kNews, kAnyID));
+        listenedWhenFreed.push_back(scripted::Platform::current()->hasHandler(news, anyID));
     });
     openDocument();
     xmlDeregisterNodeDefault(nullptr);
