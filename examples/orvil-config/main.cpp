@@ -103,7 +103,7 @@ std::string idleness(std::string_view argument, const Orvil::Configuration& stor
     }
     Orvil::ConfigurationReading::IndexedName name;
     if (!Orvil::ConfigurationReading::splitIndex(argument.substr(0, equals), name)) {
-        return "ignored, between the brackets is no index";
+        return "ignored, between the brackets is no index that a list can have";
     }
     return store.getValueCount(name.name) > name.index ? "" : "no value is found under that name";
 }

@@ -147,29 +147,6 @@ TEST(AConfiguration, StartsAnIndexedValueFromTheInheritedList) {
     EXPECT_EQ(store.getStringAt("l", 9, ""), tooLongToStandInPlace);
 }
 
-TEST(AConfiguration, TellsWhatAListGotBesidesTheValue) {
-    Configuration store;
-    std::size_t added = 0;
-    struct Case {
-        const char* path;
-        std::size_t index;
-        std::size_t added;
-    };
-    store.setValues("a.x", {"0123", "56", "8"}, true);
-    store.addCategory("a.b", true, false);
-    store.addCategory("a.c", true, false);
-    const Case cases[] = {
-        {"new", 0, 0},    {"new", 4, 3}, {"new", 2, 0}, {"new", 5, 0},
-        {"a.b.x", 1, 7}, // two copies, of five bytes in all
-        {"a.c.x", 4, 11}, {"a.x", 0, 0}, {"a.x", 3, 0}, {"a", 7, 0},
-    };
-    for (const Case& c : cases) {
-        const std::size_t before = added;
-        store.setValueAt(c.path, c.index, "", &added);
-        EXPECT_EQ(added - before, c.added) << c.path << ' ' << c.index;
-    }
-}
-
 TEST(AView, SharesNodesAndACopyDoesNot) {
     Configuration store;
     store.setValue("a.b.c", "1", true);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the readers make of files, texts and arguments, quirks included.
+// What the readers make of files, texts and arguments.
 #include "misc/configuration/configurationreader.h"
 #include "misc/exception.h"
 #include "tests/support/folder.h"
@@ -80,6 +80,7 @@ TEST(AnINIText, IsReadLineByLine) {
         {"[.]\nx=1\n[a.]\ny=1\n[.b]\nz=1",
          {{".", {}}, {"a.", {}}, {"a..", {}}, {"a..y", {"1"}}, {"b.", {}}}},
         {"v[2]=c\nv=a\nv[1]=b", {{"v", {"a", "b", "c"}}}},
+        {"k[65536]=1\nk[-1]=1\nk[4294967296]=1\nl=2\n", {{"l", {"2"}}}},
     };
     for (const Case& c : cases) {
         Configuration store;
@@ -87,6 +88,13 @@ TEST(AnINIText, IsReadLineByLine) {
         INIConfigurationReader(stream).read(store);
         EXPECT_EQ(treeOf(store), c.tree) << c.text;
     }
+}
+
+TEST(AnINIText, HasListsUpToAGreatestIndex) {
+    Configuration store;
+    std::istringstream stream("k[65535]=last\n");
+    INIConfigurationReader(stream).read(store);
+    EXPECT_EQ(store.getValueCount("k"), 65536U);
 }
 
 TEST(AnINIText, MakesInheritingSectionsWithAPlus) {
@@ -117,8 +125,9 @@ TEST(AnXMLText, IsReadElementByElement) {
          {{"server.", {}}, {"server.host", {""}}, {"p.", {}}, {"p.x", {""}}}},
         {"<configuration><a>1</a><a><b>2</b></a><c>3</c></configuration>",
          {{"a", {"1"}}, {"c", {"3"}}}},
-        {"<configuration><a index='x'>1</a><b index='2'>2</b></configuration>",
-         {{"a", {"1"}}, {"b", {"", "", "2"}}}},
+        {"<configuration><a index='x'>1</a><b index='2'>2</b><c index='65536'>3</c>"
+         "<d index='-1'>4</d></configuration>",
+         {{"a", {"1"}}, {"b", {"", "", "2"}}, {"c", {"3"}}, {"d", {"4"}}}},
     };
     for (const Case& c : cases) {
         Configuration store;
@@ -145,7 +154,7 @@ TEST(ACommandLine, IsReadInItsOrder) {
         {"program a.b[2]=z", {{"a.", {}}, {"a.b", {"", "", "z"}}}},
         {"x=1\tx=2\ny= ==v z", {{"x", {"2"}}, {"y", {""}}, {"", {}}}},
         {"-other=1 --x=2 k]=1 k[y]=2 k[1=3", {{"k[1", {"3"}}}},
-        {"p=1 p.q=2", {{"p", {"1"}}}},
+        {"p=1 p.q=2 q[65536]=1 q[-1]=1", {{"p", {"1"}}}},
         {"..x=1", {{".", {}}}},
         // What follows a leading dot is made but not found: each value starts from an empty list.
         {".x[0]=1 .x[1]=2", {{"x", {"", "2"}}}},
@@ -179,55 +188,4 @@ TEST_F(AConfigurationFile, IsPulledInByTheCommandLine) {
                 HasSubstr("failed to load external entity"));
     EXPECT_THAT(failureOf([&] { XMLConfigurationReader(ini).read(store); }),
                 HasSubstr("Document not parsed successfully"));
-}
-
-TEST_F(AConfigurationFile, IsNamedWhenAnIndexIsTooGreat) {
-    const std::string ini = file("big.ini", "\n[s]\nx[65535]=1\nx[65536]=1\n");
-    Configuration store;
-    EXPECT_THAT(failureOf([&] { INIConfigurationReader(ini).read(store); }),
-                HasSubstr(ini + ":4: the index 65536 of 's.x' is greater than 65535"));
-    EXPECT_EQ(store.getValueCount("s.x"), 65536U);
-    EXPECT_THAT(failureOf([&] { CommandlineConfigurationReader("p y[-1]=1").read(store); }),
-                HasSubstr("command line, argument 1: the index 4294967295 of 'y'"));
-    EXPECT_THAT(failureOf([&] {
-                    XMLConfigurationReader::createStringInstance(
-                        "<configuration><z index='4000000000'/></configuration>")
-                        ->read(store);
-                }),
-                HasSubstr("XML text: the index 4000000000 of 'z'"));
-}
-
-TEST_F(AConfigurationFile, IsRefusedWhenFewBytesFillTheMemory) {
-    const std::string longList = "[0123456789]\nv[65535]=last\n";
-    const std::string longText =
-        "[0123456789]\nv=0123456789\nv[1]=" + std::string(65525, 't') + "\n";
-    std::string lists;
-    std::string sections;
-    for (int i = 0; i < 20; ++i) {
-        lists += "k" + std::to_string(i) + "[65535]=v\n";
-        sections += "[0123456789.s" + std::to_string(i) + "+]\nv=own\n";
-    }
-    const Case cases[] = {
-        {lists, {{"16: with 'k15'", {}}}},
-        {longList + sections, {{"32: with '0123456789.s14.v'", {}}}},
-        {longText + sections, {{"35: with '0123456789.s15.v'", {}}}},
-    };
-    for (const Case& c : cases) {
-        const std::string ini = file("few.ini", c.text);
-        Configuration store;
-        EXPECT_THAT(
-            failureOf([&] { INIConfigurationReader(ini).read(store); }),
-            HasSubstr(ini + ":" + c.tree.begin()->first +
-                      " the empty and inherited values of all lists are more than 1000000"));
-        INIConfigurationReader(file("next.ini", "k[65535]=1\nk[0]=2")).read(store);
-        EXPECT_EQ(store.getString("k", ""), "2") << "each source has its own measure";
-    }
-    // Values that are given are not counted, however many.
-    std::ostringstream given;
-    for (int i = 0; i < 50000; ++i) {
-        given << "a[" << i << "]=0123456789012345678901234\n";
-    }
-    Configuration store;
-    INIConfigurationReader(file("given.ini", given.str())).read(store);
-    EXPECT_EQ(store.getValueCount("a"), 50000U);
 }

@@ -2,7 +2,6 @@
 // Configurations from a command line.
 #include "misc/configuration/configurationreader.h"
 #include "misc/configuration/readersupport.h"
-#include "misc/text/numbers.h"
 #include "misc/text/strings.h"
 #include "misc/text/utf.h"
 
@@ -24,9 +23,7 @@ CommandlineConfigurationReader::CommandlineConfigurationReader(const std::string
     : arguments_(tokenize(commandLine, " \t\n", true)) {}
 
 void CommandlineConfigurationReader::read(Configuration& configuration) {
-    ConfigurationReading::ValueWriter values(configuration);
-    for (std::size_t i = 0; i < arguments_.size(); ++i) {
-        const std::string_view argument = arguments_[i];
+    for (const std::string_view argument : arguments_) {
         const auto equals = argument.find('=');
         if (equals == argument.npos) {
             continue;
@@ -42,8 +39,7 @@ void CommandlineConfigurationReader::read(Configuration& configuration) {
         if (name.starts_with('-') || !ConfigurationReading::splitIndex(name, path)) {
             continue;
         }
-        values.setValueAt(path.name, path.index, value,
-                          "command line, argument " + toString(i, 0, 6));
+        configuration.setValueAt(path.name, path.index, value);
     }
 }
 

@@ -222,8 +222,7 @@ bool Configuration::setValue(std::string_view path, const std::string& value,
     return setValues(path, {value}, createCategories);
 }
 
-bool Configuration::setValueAt(std::string_view path, std::size_t index, std::string value,
-                               std::size_t* added) {
+bool Configuration::setValueAt(std::string_view path, std::size_t index, std::string value) {
     const ScopedLock<Mutex> locked(lock_);
     const SplitName name = splitName(path);
     // The list to start from is looked up before categories are made, which inherit.
@@ -243,23 +242,13 @@ bool Configuration::setValueAt(std::string_view path, std::size_t index, std::st
         return false;
     }
     std::vector<std::string>& values = property->values;
-    std::size_t unasked = 0;
     if (property != seen) {
         // An inherited list, or none: what follows a leading dot is made, but not found.
         values = seen == nullptr ? noValues() : seen->values;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            unasked += i == index ? 0 : 1 + values[i].size();
-        }
     }
     // In place: a list that is read value by value is not copied each time.
-    if (values.size() <= index) {
-        unasked += index - values.size();
-        values.resize(index + 1);
-    }
+    values.resize(std::max(values.size(), index + 1));
     values[index] = std::move(value);
-    if (added != nullptr) {
-        *added += unasked;
-    }
     return true;
 }
 

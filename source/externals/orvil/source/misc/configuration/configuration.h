@@ -80,10 +80,7 @@ public:
     bool setValue(std::string_view path, const std::string& value, bool createCategories);
     /// What the readers do with an indexed value: the list that getValueList() gives, an inherited
     /// one too, is grown to hold `index`, changed there and stored with createCategories.
-    /// `added`, if given, is increased by what the list got besides the value: one for every empty
-    /// or copied entry, and the bytes of the copied ones.
-    bool setValueAt(std::string_view path, std::size_t index, std::string value,
-                    std::size_t* added = nullptr);
+    bool setValueAt(std::string_view path, std::size_t index, std::string value);
     /// Takes out a category or property with all below it. Nodes directly under the root stay, and
     /// so does the root; nothing is reported.
     void removeNode(std::string_view path);

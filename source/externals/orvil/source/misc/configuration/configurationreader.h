@@ -12,16 +12,11 @@
 namespace Orvil {
 
 /// Adds what it reads to whatever the store holds. May be used repeatedly.
-///
-/// A few bytes may ask for a long list: the values below an index, and those of an inherited list.
-/// So that a small source does not fill the memory, an index beyond `greatestIndex` is refused, and
-/// so is a source whose lists get more than `greatestAddition` such values in one read(), the bytes
-/// of inherited ones counted too. The Exception names the source and the place; what was read up to
-/// there stays in the store. (A file named on a command line is a source of its own.)
+/// A few bytes may ask for a long list, so an index beyond `greatestIndex` is taken as one that
+/// cannot be read.
 class IConfigurationReader {
 public:
     static constexpr unsigned greatestIndex = 65535;
-    static constexpr unsigned greatestAddition = 1'000'000; // about 32 MB
 
     IConfigurationReader() = default;
     IConfigurationReader(const IConfigurationReader&) = delete;
@@ -33,9 +28,10 @@ public:
 /// Reads the children of a root element "configuration"; any other root reads as empty.
 ///
 /// An element that holds nothing but text is a property, the text (as it stands) its value at the
-/// attribute "index" or 0. An element that holds anything else is a category, which inherits if its
-/// attribute "inherit" says so; text in it is ignored. Elements whose names have other characters
-/// than ASCII letters, digits, "_" and "-" are skipped with all below them.
+/// attribute "index", or at 0 if there is none that can be read. An element that holds anything
+/// else is a category, which inherits if its attribute "inherit" says so; text in it is ignored.
+/// Elements whose names have other characters than ASCII letters, digits, "_" and "-" are skipped
+/// with all below them.
 ///
 /// Anything else is also a comment, a reference to an entity that the document declares, or a
 /// processing instruction. A comment is then passed over, but the other two are read as elements
@@ -57,8 +53,8 @@ private:
 
 /// Reads lines: "; comment", "[section]", "[section+]" for one that inherits, "key = value",
 /// "key value", "key[index] = value", with the value in double quotes or not. Of a value that opens
-/// with a quote the line's last character is dropped, whatever it is. Lines of no such form are
-/// ignored. A file that cannot be opened reads as empty.
+/// with a quote the line's last character is dropped, whatever it is. Lines of no such form, or
+/// with an index that cannot be read, are ignored. A file that cannot be opened reads as empty.
 class INIConfigurationReader : public IConfigurationReader {
 public:
     /// The file is opened at read() and closed after it.
@@ -69,14 +65,15 @@ public:
     void read(Configuration& configuration) override;
 
 private:
-    void readLines(std::istream& stream, Configuration& configuration) const;
+    static void readLines(std::istream& stream, Configuration& configuration);
 
     std::string fileName_;
     std::istream* stream_ = nullptr;
 };
 
 /// Reads "path=value" and "path[index]=value"; "-readIniFile=FILE" and "-readXmlFile=FILE" read a
-/// file on the spot. Other arguments are ignored. Later arguments and files overwrite earlier ones.
+/// file on the spot. Other arguments, and those with an index that cannot be read, are ignored.
+/// Later arguments and files overwrite earlier ones.
 class CommandlineConfigurationReader : public IConfigurationReader {
 public:
     CommandlineConfigurationReader(int argc, const char* const* argv);

@@ -2,7 +2,6 @@
 // Configurations in INI files.
 #include "misc/configuration/configurationreader.h"
 #include "misc/configuration/readersupport.h"
-#include "misc/text/numbers.h"
 
 #include <fstream>
 #include <string_view>
@@ -37,8 +36,7 @@ std::string readSection(std::string_view line, Configuration& configuration) {
     return std::string(name) + ".";
 }
 
-void readKey(std::string_view line, const std::string& prefix, const std::string& place,
-             ConfigurationReading::ValueWriter& values) {
+void readKey(std::string_view line, const std::string& prefix, Configuration& configuration) {
     const auto keyEnd = std::min(line.find_first_of(separators), line.size());
     std::string_view value = withoutStartBlanks(line.substr(keyEnd), separators);
     ConfigurationReading::IndexedName key;
@@ -49,7 +47,7 @@ void readKey(std::string_view line, const std::string& prefix, const std::string
         value.remove_prefix(1);
         value.remove_suffix(value.empty() ? 0 : 1);
     }
-    values.setValueAt(prefix + std::string(key.name), key.index, std::string(value), place);
+    configuration.setValueAt(prefix + std::string(key.name), key.index, std::string(value));
 }
 
 } // namespace
@@ -68,12 +66,10 @@ void INIConfigurationReader::read(Configuration& configuration) {
     readLines(file, configuration);
 }
 
-void INIConfigurationReader::readLines(std::istream& stream, Configuration& configuration) const {
-    const std::string source = stream_ != nullptr ? "INI stream" : fileName_;
-    ConfigurationReading::ValueWriter values(configuration);
+void INIConfigurationReader::readLines(std::istream& stream, Configuration& configuration) {
     std::string prefix;
     std::string text;
-    for (unsigned number = 1; std::getline(stream, text); ++number) {
+    while (std::getline(stream, text)) {
         std::string_view line = text;
         line = withoutEndBlanks(line.substr(0, line.find(';')), lineBlanks);
         line = withoutStartBlanks(line, lineBlanks);
@@ -81,7 +77,7 @@ void INIConfigurationReader::readLines(std::istream& stream, Configuration& conf
             continue;
         }
         if (line.front() != '[') {
-            readKey(line, prefix, source + ":" + toString(number, 0, 6), values);
+            readKey(line, prefix, configuration);
         } else if (line.size() > 1 && line.back() == ']') {
             prefix = readSection(line, configuration);
         }

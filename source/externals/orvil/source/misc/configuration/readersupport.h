@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What the readers of configurations share: names that end in an index, and storing what they name.
+// Names that end in an index, as the readers of configurations have them.
 #pragma once
 
-#include "misc/configuration/configuration.h"
-
-#include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace Orvil::ConfigurationReading {
@@ -16,22 +12,10 @@ struct IndexedName {
     unsigned index = 0;
 };
 
-/// False if the name ends in "]" without an index before it.
-bool splitIndex(std::string_view text, IndexedName& result);
+/// An index up to IConfigurationReader::greatestIndex. False, and 0, if the text is none.
+[[nodiscard]] bool readIndex(std::string_view text, unsigned& index);
 
-/// Stores the values of one source. Values that would fill the memory out of a small source are
-/// refused: see IConfigurationReader.
-class ValueWriter {
-public:
-    explicit ValueWriter(Configuration& configuration) : configuration_(configuration) {}
-
-    /// As Configuration::setValueAt. Throws an Exception that begins with `place`.
-    void setValueAt(std::string_view path, unsigned index, std::string value,
-                    const std::string& place);
-
-private:
-    Configuration& configuration_;
-    std::size_t added_ = 0;
-};
+/// False if the name ends in "]" without such an index before it.
+[[nodiscard]] bool splitIndex(std::string_view text, IndexedName& result);
 
 } // namespace Orvil::ConfigurationReading

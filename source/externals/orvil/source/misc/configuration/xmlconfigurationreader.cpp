@@ -5,6 +5,7 @@
 #include "misc/text/numbers.h"
 #include "misc/xml/ixmlparser.h"
 
+#include <tuple>
 #include <utility>
 
 namespace Orvil {
@@ -17,8 +18,7 @@ constexpr std::string_view nameCharacters =
 /// Reads elements and what is below them, at most as deep as the XML layer allows.
 class ElementReader {
 public:
-    ElementReader(Configuration& configuration, std::string source)
-        : configuration_(configuration), values_(configuration), source_(std::move(source)) {}
+    explicit ElementReader(Configuration& configuration) : configuration_(configuration) {}
 
     void read(const IXmlNode& node, const std::string& prefix) {
         if (node.isComment() || node.isText()) {
@@ -45,15 +45,14 @@ public:
             }
         }
         if (!isCategory) {
-            const auto index = parse<unsigned>(node.getAttribute("index", ""));
-            values_.setValueAt(fullName, index, std::move(value), source_);
+            unsigned index = 0; // and stays so without one
+            std::ignore = ConfigurationReading::readIndex(node.getAttribute("index", ""), index);
+            configuration_.setValueAt(fullName, index, std::move(value));
         }
     }
 
 private:
     Configuration& configuration_;
-    ConfigurationReading::ValueWriter values_;
-    std::string source_;
 };
 
 } // namespace
@@ -79,7 +78,7 @@ void XMLConfigurationReader::read(Configuration& configuration) {
     if (root->getName() != "configuration") {
         return;
     }
-    ElementReader elements(configuration, fileName_.empty() ? "XML text" : fileName_);
+    ElementReader elements(configuration);
     for (const IXmlNode* child = root->getFirstChild(); child != nullptr;
          child = child->getNextNode()) {
         elements.read(*child, "");
