@@ -2,10 +2,10 @@
 // The fixture of the tests of documents.
 #pragma once
 
-#include "tests/support/folder.h"
 #include "misc/exception.h"
 #include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
+#include "tests/support/folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace OrvilTests {
@@ -31,7 +30,6 @@ protected:
     template <typename Action>
     static std::string failureOf(Action action) {
         testing::internal::CaptureStderr();
-        constexpr std::string_view prefix = "\n    User Message : ";
         std::string message = "nothing thrown";
         try {
             action();
@@ -41,7 +39,7 @@ protected:
                 testing::StartsWith("Exception in file "
                                     "'source/externals/orvil/source/misc/xml/libxmlparser' at "));
             EXPECT_EQ(failure.descriptionCode(), "");
-            message = failure.descriptionMessage().substr(prefix.size());
+            message = failure.message();
         }
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
         return message;

@@ -39,7 +39,7 @@ protected:
         try {
             action();
         } catch (const Exception& failure) {
-            message = failure.descriptionMessage().substr(20);
+            message = failure.message();
         }
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
         return message;
@@ -130,7 +130,7 @@ TEST_F(ASchema, FailsWithFixedMessages) {
               "LibXml: Could not create validation context");
 }
 
-TEST_F(ASchema, JudgesATextAlikeInOneOrManyPiecesInATreeOrNot) {
+TEST_F(ASchema, JudgesATextAlikeInOneOrManyPieces) {
     validator->parseSpecificationString(
         "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='r'>"
         "<xs:complexType><xs:choice maxOccurs='unbounded'><xs:element name='number' type='xs:int'/>"
@@ -154,11 +154,8 @@ TEST_F(ASchema, JudgesATextAlikeInOneOrManyPiecesInATreeOrNot) {
              Case{"<mixed/> <![CDATA[x]]> ", false},
              Case{"<mixed/>x<![CDATA[]]>", false},
          }) {
-        for (const int partLevel : {0, 1}) {
-            document->setPartLevel(partLevel);
-            EXPECT_EQ(accepts(std::string("<r>") + each.content + "</r>"), each.isValid)
-                << each.content << ' ' << partLevel;
-        }
+        EXPECT_EQ(accepts(std::string("<r>") + each.content + "</r>"), each.isValid)
+            << each.content;
     }
 }
 

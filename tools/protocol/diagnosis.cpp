@@ -2,10 +2,9 @@
 // A reading of the document without a tree of it, which knows the columns.
 #include "tools/protocol/diagnosis.h"
 
-#include "misc/xml/libxmllimits.h"
-#include "misc/xml/libxmlparser.h"
-#include "misc/xml/libxmlstreamvalidation.h"
+#include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlsupport.h"
+#include "tools/protocol/reader.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
@@ -13,7 +12,6 @@
 #include <libxml/tree.h>
 #include <libxml/xmlschemas.h>
 
-#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -24,25 +22,9 @@ namespace {
 
 namespace LibXml = Orvil::LibXml;
 
-struct SchemaDeleter {
-    void operator()(xmlSchema* schema) const noexcept { xmlSchemaFree(schema); }
-};
-struct SchemaParserDeleter {
-    void operator()(xmlSchemaParserCtxt* context) const noexcept {
-        xmlSchemaFreeParserCtxt(context);
-    }
-};
-struct SchemaValidDeleter {
-    void operator()(xmlSchemaValidCtxt* context) const noexcept { xmlSchemaFreeValidCtxt(context); }
-};
-struct ParserDeleter {
-    void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
-};
-
-/// Of one reading. Stops the parser when there are enough complaints.
+/// Of one reading, which has it as _private. Stops the parser when there are enough complaints.
 struct Diagnosis {
-    xmlParserCtxt* parser = nullptr;
-    std::vector<Complaint> complaints;
+    explicit Diagnosis(xmlParserCtxt& reader) : parser(&reader) { reader._private = this; }
 
     Complaint here(std::string message) const {
         return {xmlSAX2GetLineNumber(parser), xmlSAX2GetColumnNumber(parser), std::move(message)};
@@ -55,7 +37,14 @@ struct Diagnosis {
             xmlStopParser(parser);
         }
     }
+
+    xmlParserCtxt* parser;
+    std::vector<Complaint> complaints;
 };
+
+Diagnosis& diagnosisOf(void* parser) {
+    return *static_cast<Diagnosis*>(static_cast<xmlParserCtxt*>(parser)->_private);
+}
 
 Complaint toComplaint(const xmlError& error, int line, int column) {
     Complaint complaint{line, column, error.message == nullptr ? "unknown error" : error.message};
@@ -65,30 +54,14 @@ Complaint toComplaint(const xmlError& error, int line, int column) {
     return complaint;
 }
 
-/// What the parser has as _private while it looks for faults of syntax.
-class Reading : public LibXml::DocumentLimit {
-public:
-    explicit Reading(std::size_t size) : DocumentLimit(size) {}
-    static Reading& of(void* parser) {
-        auto* const context = static_cast<xmlParserCtxt*>(parser);
-        return *static_cast<Reading*>(static_cast<DocumentLimit*>(context->_private));
-    }
-
-    Diagnosis diagnosis;
-};
-
 void onSyntaxError(void* parser, xmlErrorPtr error) {
-    Reading& reading = Reading::of(parser);
-    reading.diagnosis.add(toComplaint(*error, error->line, error->int2));
-    if (reading.mustStopAt(*error)) {
-        xmlStopParser(static_cast<xmlParserCtxt*>(parser));
-    }
+    diagnosisOf(parser).add(toComplaint(*error, error->line, error->int2));
 }
 
 /// The codec takes none.
 void onEntity(void* parser, const xmlChar* /*name*/, int /*type*/, const xmlChar* /*publicId*/,
               const xmlChar* /*systemId*/, xmlChar* /*content*/) {
-    Diagnosis& diagnosis = Reading::of(parser).diagnosis;
+    Diagnosis& diagnosis = diagnosisOf(parser);
     diagnosis.add(diagnosis.here("entities must not be declared"));
     xmlStopParser(diagnosis.parser);
 }
@@ -106,26 +79,12 @@ std::vector<Complaint> findSyntaxErrors(const std::string& xml) {
                  "the document exceeds the limit of " +
                      std::to_string(Orvil::IXmlParser::maximumDocumentSize) + " bytes"}};
     }
-    if (const auto found = LibXml::findManyAttributes(xml)) {
-        return {{found->line, found->column, found->message}};
-    }
-    const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
-    if (!parser) {
-        throw std::bad_alloc();
-    }
-    Reading reading(xml.size());
-    Diagnosis& diagnosis = reading.diagnosis;
-    diagnosis.parser = parser.get();
-    LibXml::ignoreContent(*parser->sax);
-    reading.watch(*parser);
+    const LibXml::ParserContext parser = makeReader();
+    Diagnosis diagnosis(*parser);
     parser->sax->entityDecl = onEntity;
     parser->sax->serror = onSyntaxError;
-    const Orvil::LibXmlDoc declarations(xmlCtxtReadMemory(parser.get(), xml.data(),
-                                                          static_cast<int>(xml.size()), nullptr,
-                                                          nullptr, LibXml::parseOptions));
-    if (!reading.excess().empty()) {
-        diagnosis.add(diagnosis.here(reading.excess()));
-    } else if (!declarations && diagnosis.complaints.empty()) {
+    read(*parser, xml);
+    if (parser->wellFormed == 0 && diagnosis.complaints.empty()) {
         diagnosis.add(diagnosis.here("the document cannot be read"));
     }
     return diagnosis.complaints;
@@ -133,16 +92,21 @@ std::vector<Complaint> findSyntaxErrors(const std::string& xml) {
 
 /// Of a document that is well-formed.
 std::vector<Complaint> findSchemaErrors(const std::string& xml, xmlSchema& schema) {
-    const std::unique_ptr<xmlSchemaValidCtxt, SchemaValidDeleter> context(
-        xmlSchemaNewValidCtxt(&schema));
+    const LibXml::SchemaValidContext context(xmlSchemaNewValidCtxt(&schema));
     if (!context) {
         throw std::bad_alloc();
     }
-    const LibXml::Silence silence;
-    Diagnosis diagnosis;
+    const LibXml::ParserContext parser = makeReader();
+    Diagnosis diagnosis(*parser);
     xmlSchemaSetValidStructuredErrors(context.get(), onSchemaError, &diagnosis);
-    if (LibXml::validateText(*context, xml, &diagnosis.parser) != 0 &&
-        diagnosis.complaints.empty()) {
+    xmlSchemaSAXPlugStruct* const plug =
+        xmlSchemaSAXPlug(context.get(), &parser->sax, &parser->userData);
+    if (plug == nullptr) {
+        throw std::bad_alloc();
+    }
+    read(*parser, xml);
+    xmlSchemaSAXUnplug(plug);
+    if (xmlSchemaIsValid(context.get()) != 1 && diagnosis.complaints.empty()) {
         return {{0, 0, "the document cannot be read"}};
     }
     return diagnosis.complaints;
@@ -162,9 +126,9 @@ BadSchema::BadSchema(Complaint first)
     : runtime_error("the schema does not compile"), complaint(std::move(first)) {}
 
 std::vector<Complaint> diagnose(const std::string& xml, const std::string& schema) {
-    const std::unique_ptr<xmlSchemaParserCtxt, SchemaParserDeleter> context(
+    const LibXml::SchemaParserContext context(
         xmlSchemaNewMemParserCtxt(schema.data(), static_cast<int>(schema.size())));
-    std::unique_ptr<xmlSchema, SchemaDeleter> compiled;
+    LibXml::Schema compiled;
     Complaint first;
     if (context) {
         const LibXml::Silence silence;

@@ -29,14 +29,6 @@ class Unusable : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// What the codec complains of, without the place in its source.
-std::string messageOf(const Orvil::Exception& error) {
-    constexpr std::string_view label = "User Message : ";
-    std::string text = error.descriptionMessage();
-    const std::size_t at = text.find(label);
-    return at == std::string::npos ? text : text.substr(at + label.size());
-}
-
 struct Options {
     std::string file = "-";
     std::string schemaFile;
@@ -68,7 +60,7 @@ public:
             errors_ << "glyphora-protocol: " << error.what() << '\n';
             return unusable;
         } catch (const Orvil::Exception& error) {
-            errors_ << place_ << ": " << messageOf(error) << '\n';
+            errors_ << place_ << ": " << error.message() << '\n';
         } catch (const std::exception& error) {
             errors_ << "glyphora-protocol: " << error.what() << '\n';
         }
@@ -164,23 +156,26 @@ private:
         Protocol::Handler handler(schema);
         try {
             output_ << describeReply(handler.parseReply(xml)).dump(2) << '\n';
+        } catch (const Protocol::UnknownReplyKind& error) {
+            return refuse(xml, error.message() +
+                                   (isRequest(error.kind())
+                                        ? " (decode reads replies; validate takes requests too)"
+                                        : ""));
         } catch (const Orvil::Exception& error) {
-            Complaint complaint = findRefusal(xml);
-            complaint.message += messageOf(error);
-            if (isOfRequest(complaint.message)) {
-                complaint.message += " (decode reads replies; validate takes requests too)";
-            }
-            print(place_, complaint);
-            return refused;
+            return refuse(xml, error.message());
         }
         return done;
     }
-    static bool isOfRequest(const std::string& message) {
-        static constexpr std::array kinds = {"fontRequest", "showRequest", "buyRequest",
-                                             "activationRequest"};
-        return std::any_of(kinds.begin(), kinds.end(), [&](const std::string& kind) {
-            return message == "could not parse root node '" + kind + "'";
-        });
+    int refuse(const std::string& xml, const std::string& reason) {
+        Complaint complaint = findRefusal(xml);
+        complaint.message += reason;
+        print(place_, complaint);
+        return refused;
+    }
+    static bool isRequest(std::string_view kind) {
+        static constexpr std::array<std::string_view, 4> kinds = {
+            "fontRequest", "showRequest", "buyRequest", "activationRequest"};
+        return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
     }
     int validate() {
         const std::string schema = schemaText();

@@ -2,17 +2,14 @@
 // The place in a valid reply where the codec stops.
 #include "misc/exception.h"
 #include "misc/xml/ixmlparser.h"
-#include "misc/xml/libxmlparser.h"
-#include "misc/xml/libxmlsupport.h"
+#include "misc/xml/libxmlhandles.h"
 #include "protocolelements.h"
 #include "protocolhandler.h"
 #include "tools/protocol/diagnosis.h"
+#include "tools/protocol/reader.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
-
-#include <memory>
-#include <new>
 
 namespace ProtocolTool {
 
@@ -49,7 +46,6 @@ bool isTaken(const std::string& kind, Orvil::IXmlNode* element) {
 
 Place findBadFont(const std::string& xml) {
     const Orvil::XmlDocumentHolder parser("LibXmlParser");
-    parser->setPartLevel(levelOfFonts);
     parser->parseString(xml);
     const Orvil::IXmlNode* const kind = Protocol::firstElement(*parser->getRootNode());
     int number = 0;
@@ -99,23 +95,13 @@ void onEnd(void* parser, const xmlChar* /*name*/, const xmlChar* /*prefix*/,
 } // namespace
 
 Complaint findRefusal(const std::string& xml) {
-    struct ParserDeleter {
-        void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
-    };
     const Place place = findBadFont(xml);
-    const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
-    if (!parser) {
-        throw std::bad_alloc();
-    }
-    const LibXml::Silence silence;
+    const LibXml::ParserContext parser = makeReader();
     Search search{place};
     parser->_private = &search;
-    LibXml::ignoreContent(*parser->sax);
     parser->sax->startElementNs = onStart;
     parser->sax->endElementNs = onEnd;
-    const Orvil::LibXmlDoc declarations(xmlCtxtReadMemory(parser.get(), xml.data(),
-                                                          static_cast<int>(xml.size()), nullptr,
-                                                          nullptr, LibXml::parseOptions));
+    read(*parser, xml);
     return search.found;
 }
 

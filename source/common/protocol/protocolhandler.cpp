@@ -54,11 +54,7 @@ void validate(Orvil::IXmlValidator& validator, Orvil::IXmlNode* root) {
 }
 
 void parseKind(Orvil::IXmlNode* node, ReplyContainer& reply) {
-    constexpr std::uint32_t line = 923;
-    if (node == nullptr) {
-        throw failure("could not parse root node ''", line);
-    }
-    const std::string name = node->getName();
+    const std::string name = node == nullptr ? "" : node->getName();
     if (name == "fontRequestReply") {
         reply.type = ReplyContainer::fontReplyType;
         reply.fontReply = HandlerInternal::parseFontReply(node);
@@ -72,11 +68,14 @@ void parseKind(Orvil::IXmlNode* node, ReplyContainer& reply) {
         reply.type = ReplyContainer::activationReplyType;
         reply.activationReply = HandlerInternal::parseActivationReply(node);
     } else {
-        throw failure("could not parse root node '" + name + "'", line);
+        throw UnknownReplyKind(name);
     }
 }
 
 } // namespace
+
+UnknownReplyKind::UnknownReplyKind(const std::string& kind)
+    : Exception(failure("could not parse root node '" + kind + "'", 923)), kind_(kind) {}
 
 HandlerInternal::HandlerInternal(const std::string& schema)
     : validator_(Orvil::IXmlValidator::getInstance("LibXmlSchemaValidator")) {
@@ -120,10 +119,7 @@ Handler::Handler(const std::string& schema)
 Handler::~Handler() = default;
 
 ReplyContainer Handler::parseReply(const std::string& xml) {
-    // A large reply is its fonts; as each is read once, they need not all be there at a time.
-    constexpr int levelOfFonts = 3; // below the root, the kind of reply, and the list
     const Orvil::XmlDocumentHolder parser("LibXmlParser");
-    parser->setPartLevel(levelOfFonts);
     parser->parseString(xml);
     Orvil::IXmlNode* const root = parser->getRootNode();
     if (root == nullptr) {

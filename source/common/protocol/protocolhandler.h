@@ -3,6 +3,7 @@
 // hand and use only the helpers; the codec stands for itself.
 #pragma once
 
+#include "misc/exception.h"
 #include "misc/threads/smartpointer.h"
 #include "misc/xml/ixmlnode.h"
 #include "misc/xml/ixmlvalidator.h"
@@ -59,6 +60,17 @@ public:
 
 private:
     Orvil::SmartPointer<Orvil::IXmlValidator> validator_;
+};
+
+/// A document of a kind that is no reply's.
+class UnknownReplyKind : public Orvil::Exception {
+public:
+    explicit UnknownReplyKind(const std::string& kind);
+    /// The name of the element; empty if there is none.
+    [[nodiscard]] const std::string& kind() const noexcept { return kind_; }
+
+private:
+    std::string kind_;
 };
 
 /// The codec. Every call has a document of its own, and none outlives its call.

@@ -4,6 +4,7 @@
 // The XML layer's writeString leaves its text alone, so the document is serialised here.
 #include "misc/exception.h"
 #include "misc/xml/ixmlparser.h"
+#include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlparser.h"
 #include "protocolfields.h"
 #include "protocolhandler.h"
@@ -18,10 +19,6 @@
 namespace Protocol {
 
 namespace {
-
-struct XmlTextDeleter {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
 
 /// The children of a font element, in the order of writing.
 struct FontChild {
@@ -85,7 +82,7 @@ public:
         xmlChar* memory = nullptr;
         int size = 0;
         xmlDocDumpMemoryEnc(root->getNode()->doc, &memory, &size, "UTF-8");
-        const std::unique_ptr<xmlChar, XmlTextDeleter> owner(memory);
+        const Orvil::LibXml::Text owner(memory);
         if (!owner) {
             throw Orvil::SerializationException("document could not be written",
                                                 "source/common/protocol", __LINE__, "");

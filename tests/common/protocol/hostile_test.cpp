@@ -40,7 +40,7 @@ protected:
         try {
             handler_.parseReply(xml);
         } catch (const Orvil::Exception& failure) {
-            message_ = failure.descriptionMessage();
+            message_ = failure.message();
             outcome = Outcome::NotXml;
         } catch (const std::runtime_error&) {
             outcome = Outcome::Rejected;
@@ -107,17 +107,12 @@ TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
     EXPECT_EQ(outcomeOf(head + repeat("<a>", 1'000'000)), Outcome::NotXml);
     EXPECT_EQ(outcomeOf(head + repeat("<a>", 200) + repeat("</a>", 200) + "</cmd>"),
               Outcome::Rejected);
-    const std::string name = repeat(std::string(1'000, 'a'), 100'000);
-    EXPECT_EQ(outcomeOf(head + "<" + name + "/></cmd>"), Outcome::NotXml);
-    // A text of that size is only a text.
-    const std::string xml = reply("1", name);
-    EXPECT_EQ(handler_.parseReply(xml).activationReply->fonts.front().psName.size(), name.size());
-    // Nor is any of it lost when libxml2 gets it in many pieces.
-    const std::string pieces = repeat(std::string(1'000, 'a') + "&amp;", 12'000);
-    EXPECT_EQ(handler_.parseReply(reply("1", pieces)).activationReply->fonts.front().psName.size(),
-              12'000 * 1'001U);
-    // Beyond the limit of a document.
-    EXPECT_EQ(outcomeOf(std::string((std::size_t{256} << 20U) + 1, ' ')), Outcome::NotXml);
+    const std::string name(9'000'000, 'a');
+    EXPECT_EQ(handler_.parseReply(reply("1", name)).activationReply->fonts.front().psName, name);
+    EXPECT_EQ(outcomeOf(reply("1", name + name)), Outcome::NotXml);
+    EXPECT_THAT(message_, HasSubstr("huge text node"));
+    EXPECT_EQ(outcomeOf(std::string((std::size_t{64} << 20U) + 1, ' ')), Outcome::NotXml);
+    EXPECT_THAT(message_, HasSubstr("exceeds the limit of 67108864 bytes"));
 }
 
 TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
@@ -129,40 +124,6 @@ TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
     // The schema wants the attribute itself.
     EXPECT_EQ(outcomeOf(start + repeat(font, 40) + end), Outcome::Rejected);
     EXPECT_EQ(outcomeOf(start + repeat(font, 5'000) + end), Outcome::NotXml);
-}
-
-TEST_F(AHostileReply, WithVeryManyAttributesIsNotRead) {
-    std::string attributes;
-    for (int i = 0; i < 100'000; ++i) {
-        attributes += " a" + std::to_string(i) + "=\"\"";
-    }
-    EXPECT_EQ(outcomeOf(reply("1\"" + attributes + " b=\"", "a")), Outcome::NotXml);
-}
-
-TEST_F(AHostileReply, WithVeryManyNamespacesOrNamesIsNotRead) {
-    std::string namespaces;
-    std::string names;
-    for (int i = 0; i < 100'001; ++i) {
-        const std::string number = std::to_string(i);
-        namespaces += (i % 255 == 0 ? "<a xmlns:p" : " xmlns:p") + number +
-                      (i % 255 == 254 ? "='u'>" : "='u'");
-        names += "<n" + number + "/>";
-    }
-    EXPECT_EQ(outcomeOf(head + namespaces + ">" + repeat("<p0:a/>", 40'000)), Outcome::NotXml);
-    EXPECT_THAT(message_, HasSubstr("more than 256 declarations of namespaces"));
-    EXPECT_EQ(outcomeOf(head + names + "</cmd>"), Outcome::NotXml);
-    EXPECT_THAT(message_, HasSubstr("more than 100000 different names"));
-}
-
-TEST_F(AHostileReply, WithATextInVeryManyPiecesIsReadOrRefused) {
-    for (const std::string pair : {"x<![CDATA[y]]>", "x<!-- -->y"}) {
-        const ReplyContainer read = handler_.parseReply(reply("1", repeat(pair, 600'000)));
-        EXPECT_EQ(read.activationReply->fonts.front().psName, repeat("xy", 600'000));
-    }
-    // With a carriage return, the document is kept as a tree.
-    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 10))), Outcome::Accepted);
-    EXPECT_EQ(outcomeOf("\r" + reply("1", repeat("x<![CDATA[y]]>", 600'000))), Outcome::NotXml);
-    EXPECT_THAT(message_, HasSubstr("the text of the element in line 1 is in too many pieces"));
 }
 
 TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {

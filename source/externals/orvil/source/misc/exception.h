@@ -33,6 +33,9 @@ public:
     virtual std::string description() const;
     virtual std::string exceptionName() const;
 
+    /// The message alone, for a report that says itself what has failed.
+    [[nodiscard]] const std::string& message() const noexcept { return message_; }
+
     std::string descriptionHeader() const;
     std::string descriptionMessage() const;
     std::string descriptionCode() const;

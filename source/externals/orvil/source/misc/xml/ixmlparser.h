@@ -15,23 +15,20 @@ namespace Orvil {
 /// free a parser that holds a document. Call cleanup() first, or hold the parser in an
 /// XmlDocumentHolder, which does. A parse that has thrown leaves nothing to clean up.
 ///
-/// Outside input is bounded: nothing is fetched over a network, no external DTD or entity is read,
-/// and the library's limits hold (256 levels of elements; entity references stay nodes of their own
-/// without children). Besides, a document has at most `maximumDocumentSize` bytes, unpacked if its
-/// file is compressed, 256 attributes per element, 256 declarations of namespaces that hold in one
-/// place, and 100,000 different names, of some 1 MB in all. What its entities and its defaults of
-/// attributes add, wherever they are used, is at most tenfold its size, or 1 MB for a small one.
-/// What exceeds the bounds fails to parse, with the reason in the message. So do a document with
-/// too many attributes in what only looks like a start tag, in a comment or a CDATA section, and
-/// one of more than 64 KiB in an encoding that is not UTF-8, UTF-16 or known to keep the characters
-/// of ASCII. In a document of more than 1 MB, the first fault is told, otherwise libxml2's last
-/// one.
+/// Outside input is bounded: a document has at most `maximumDocumentSize` bytes, unpacked if its
+/// file is compressed, 256 levels of elements, and no text of more than 10 MB; nothing is fetched
+/// over a network, and no external DTD or entity is read. References to entities stay nodes of
+/// their own without children; what entities and defaults of attributes add, wherever they are
+/// used, is at most tenfold the document's size, or 1 MB for a small one. What exceeds the bounds
+/// fails to parse, with the reason in the message. Not bounded are the numbers of names, namespaces
+/// and attributes, and the time: a document that is made for that, 64 MiB of attributes of one
+/// element for instance, keeps libxml2 busy for long.
 ///
 /// Throws: Exception from parse and parseString. Threads: one at a time per parser.
 class IXmlParser : public SmartPointable {
 public:
     /// In bytes; far above the largest reply, which takes some 450 bytes per font.
-    static constexpr std::size_t maximumDocumentSize = std::size_t{256} << 20U;
+    static constexpr std::size_t maximumDocumentSize = std::size_t{64} << 20U;
 
     /// A new parser for "LibXmlParser", null for every other name.
     static SmartPointer<IXmlParser> getInstance(const std::string& name);
@@ -41,11 +38,8 @@ public:
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.
     virtual IXmlNode* getRootNode() const = 0;
-    /// Writes the document, indented, as UTF-8. The old file is replaced at once and its mode kept.
-    /// In a folder that takes no new files, or if the owner of a new one cannot be that of the old,
-    /// it is overwritten in place. What a symbolic link leads to is written. A failure is not
-    /// reported and leaves the old file, except where it is overwritten: if the file system cannot
-    /// reserve the room beforehand, or fails later all the same, it may be left half-written.
+    /// Writes the document, indented, as UTF-8: a new file takes the old one's place and mode. What
+    /// a symbolic link leads to is written. A failure is not reported and leaves the old file.
     virtual void write(const std::string& fileName) const = 0;
     /// Leaves `text` as it is: serialising to memory is the caller's own business.
     virtual void writeString(std::string& text) const = 0;
@@ -54,19 +48,6 @@ public:
     virtual IXmlNode* createRootNode(const std::string& name, const std::string& namespaceUri) = 0;
     /// Lets the document and all its nodes go.
     virtual void cleanup() = 0;
-    /// For large documents that are walked once, from front to back: with a level above 0,
-    /// parseString keeps its document in parts, and the memory that it takes does not grow with it.
-    /// The parts are the nodes `level` levels below the root. Only one of a parent's is there at a
-    /// time: getNextNode on it drops it with all below it, and gives the same object, which stands
-    /// for the next part then (so getChildren of their parent serves nothing). An element above the
-    /// parts that is asked for its content is read to its end and loses none.
-    /// The whole text is parsed at once, as ever, and read again as the walk gets on: it must stay
-    /// as it is until the document is let go. The document is neither changed nor written, and is
-    /// validated from its root. Reading on may throw Exception. 0, as at first, keeps documents
-    /// whole; what is there already stays as it is. Always whole are documents that declare
-    /// entities or attributes, use prefixes without declaring them, have bytes of zero (as in
-    /// UTF-16), or carriage returns as well as CDATA sections.
-    virtual void setPartLevel(int level) = 0;
 };
 
 /// Owns a parser together with its document and frees both when it goes out of scope. References

@@ -20,9 +20,7 @@ public:
     /// Drops the present schema and reads another one. After a failure there is none.
     virtual void parseSpecification(const std::string& fileName) = 0;
     virtual void parseSpecificationString(const std::string& text) = 0;
-    /// Whether the node's element and all below it follow the schema. Messages are added. Throws
-    /// for a text that CDATA sections or comments divide into so many pieces that it would take
-    /// long (only if the document is not kept in parts).
+    /// Whether the node's element and all below it follow the schema. Messages are added.
     virtual bool doValidate(IXmlNode* node) = 0;
     virtual void addError(const std::string& text);
     virtual void addWarning(const std::string& text);

@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Nodes over libxml2's tree.
+#include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlparser.h"
 
 #include <libxml/entities.h>
 #include <libxml/tree.h>
 
-#include <memory>
 #include <new>
-#include <utility>
 
 namespace Orvil {
 
 namespace {
-
-struct XmlTextDeleter {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-using XmlText = std::unique_ptr<xmlChar, XmlTextDeleter>;
 
 std::string toText(const xmlChar* text) {
     return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text));
@@ -48,41 +42,17 @@ LibXmlNode::~LibXmlNode() noexcept {
 // Nothing has to be undone for the nodes of the pool: they hold neither memory nor references.
 LibXmlNode* LibXmlNode::makeInPool(xmlNode* node, LibXmlNode* parent) const {
     static_assert(sizeof(LibXmlNode) <= LibXmlNodePool::slotSize);
-    LibXmlParts* const parts = parser_->parts_.get();
-    LibXmlNodePool& pool =
-        parts != nullptr && parts->isBelowPart(node) ? parts->nodesBelow() : parser_->nodes_;
-    return new (pool.allocate()) LibXmlNode(node, parent, *parser_);
+    return new (parser_->nodes_.allocate()) LibXmlNode(node, parent, *parser_);
 }
 
 /// The children as this layer shows them. libxml2 links an entity reference to the declaration in
 /// the DTD and that to its neighbours: a walk must not get there.
 xmlNode* LibXmlNode::findChild() const {
-    if (node_ == nullptr || node_->type == XML_ENTITY_REF_NODE) {
-        return nullptr;
-    }
-    if (parser_->parts_ != nullptr) {
-        parser_->parts_->readChild(node_);
-    }
-    return node_->children;
+    return node_ == nullptr || node_->type == XML_ENTITY_REF_NODE ? nullptr : node_->children;
 }
 
 xmlNode* LibXmlNode::findNext() const {
-    if (parser_->parts_ != nullptr) {
-        parser_->parts_->readNext(node_);
-    }
     return node_ == nullptr ? nullptr : node_->next;
-}
-
-xmlNode* LibXmlNode::getWholeNode() const {
-    if (parser_->parts_ != nullptr) {
-        parser_->parts_->readWhole(node_);
-    }
-    return node_;
-}
-
-std::string_view LibXmlNode::textOfParts() const {
-    const LibXmlParts* const parts = parser_->parts_.get();
-    return parts != nullptr && parts->root() == node_ ? parts->text() : std::string_view();
 }
 
 bool LibXmlNode::hasParent() const {
@@ -124,24 +94,11 @@ IXmlNode* LibXmlNode::getFirstChild() const {
 
 IXmlNode* LibXmlNode::getNextNode() const {
     if (next_ == nullptr) {
-        xmlNode* const next = findNext();
-        if (next == nullptr) {
-            return nullptr;
+        if (xmlNode* const next = findNext()) {
+            next_ = makeInPool(next, parent_);
         }
-        if (parser_->parts_ != nullptr && parser_->parts_->isPart(node_)) {
-            return const_cast<LibXmlNode*>(this)->moveToNextPart();
-        }
-        next_ = makeInPool(next, parent_);
     }
     return next_;
-}
-
-/// Whoever walks over the parts has this object in hand, as the first child of its parent.
-LibXmlNode* LibXmlNode::moveToNextPart() {
-    xmlNode* const dropped = std::exchange(node_, node_->next);
-    firstChild_ = nullptr;
-    parser_->parts_->drop(dropped);
-    return this;
 }
 
 std::string LibXmlNode::getName() const {
@@ -150,12 +107,12 @@ std::string LibXmlNode::getName() const {
 
 std::string LibXmlNode::getAttribute(const std::string& name,
                                      const std::string& defaultValue) const {
-    const XmlText value(xmlGetProp(node_, toXml(name)));
+    const LibXml::Text value(xmlGetProp(node_, toXml(name)));
     return value ? toText(value.get()) : defaultValue;
 }
 
 std::string LibXmlNode::getContent() const {
-    if (getWholeNode() == nullptr) {
+    if (node_ == nullptr) {
         return {};
     }
     // The two usual shapes need no detour over a copy of libxml2's.
@@ -166,7 +123,7 @@ std::string LibXmlNode::getContent() const {
     if (child != nullptr && child->next == nullptr && isCharacterData(*child)) {
         return toText(child->content);
     }
-    return toText(XmlText(xmlNodeGetContent(node_)).get());
+    return toText(LibXml::Text(xmlNodeGetContent(node_)).get());
 }
 
 void LibXmlNode::setAttribute(const std::string& name, const std::string& value) {
@@ -182,7 +139,7 @@ void LibXmlNode::setContent(const std::string& text) {
 }
 
 void LibXmlNode::setContentCDATA(const std::string& text) {
-    const XmlText encoded(xmlEncodeSpecialChars(nullptr, toXml(text)));
+    const LibXml::Text encoded(xmlEncodeSpecialChars(nullptr, toXml(text)));
     if (encoded) {
         firstChild_ = nullptr; // its node is freed, and so are those of the nodes behind it
         xmlNodeSetContent(node_, encoded.get());

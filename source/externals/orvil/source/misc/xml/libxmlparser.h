@@ -3,25 +3,17 @@
 #pragma once
 
 #include "misc/xml/ixmlparser.h"
+#include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlnodepool.h"
-#include "misc/xml/libxmlparts.h"
 
 #include <memory>
 #include <string>
-#include <string_view>
 
-struct _xmlDoc;  // NOLINT: the names are libxml2's
-struct _xmlNode; // NOLINT
+struct _xmlNode; // NOLINT: the name is libxml2's
 
 namespace Orvil {
 
 class LibXmlNode;
-
-/// Frees a libxml2 document.
-struct LibXmlDocDeleter {
-    void operator()(_xmlDoc* document) const noexcept;
-};
-using LibXmlDoc = std::unique_ptr<_xmlDoc, LibXmlDocDeleter>;
 
 /// See IXmlParser. All failures name the file
 /// "source/externals/orvil/source/misc/xml/libxmlparser".
@@ -39,17 +31,14 @@ public:
     void writeString(std::string& text) const override;
     IXmlNode* createRootNode(const std::string& name, const std::string& namespaceUri) override;
     void cleanup() override;
-    void setPartLevel(int level) override;
 
 private:
     friend class LibXmlNode;
 
     void createRoot(_xmlNode* root);
 
-    int partLevel_ = 0;
-    LibXmlDoc document_;                   // the parsed document
-    std::unique_ptr<LibXmlParts> parts_;   // or this, if it is kept in parts
-    LibXmlDoc createdDocument_;            // the document of createRootNode
+    LibXml::Document document_;            // the parsed document
+    LibXml::Document createdDocument_;     // the document of createRootNode
     std::unique_ptr<LibXmlNode> rootNode_; // holds a reference on this parser
     LibXmlNodePool nodes_;                 // every other node, but addChild's
 };
@@ -89,19 +78,13 @@ public:
 
     virtual void setParent(LibXmlNode* parent);
 
-    /// libxml2's own node, for what this interface does not offer. Belongs to the document. Of a
-    /// document that is kept in parts, it may not be complete yet.
-    _xmlNode* getNode() const { return node_; }
-    /// The same when everything below it has been read.
-    _xmlNode* getWholeNode() const;
-    /// The text of the document if this is the root of one that is kept in parts; otherwise empty.
-    std::string_view textOfParts() const;
+    /// libxml2's own node, for what this interface does not offer. Belongs to the document.
+    [[nodiscard]] _xmlNode* getNode() const { return node_; }
 
 private:
     LibXmlNode(_xmlNode* node, LibXmlNode* parent, LibXmlParser& parser) noexcept
         : parser_(&parser), parent_(parent), node_(node) {}
     LibXmlNode* makeInPool(_xmlNode* node, LibXmlNode* parent) const;
-    LibXmlNode* moveToNextPart();
     _xmlNode* findChild() const;
     _xmlNode* findNext() const;
 

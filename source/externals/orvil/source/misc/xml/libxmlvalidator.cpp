@@ -2,8 +2,8 @@
 // Compiling of schemas and validation with libxml2.
 #include "misc/xml/libxmlvalidator.h"
 
+#include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlparser.h"
-#include "misc/xml/libxmlstreamvalidation.h"
 #include "misc/xml/libxmlsupport.h"
 
 #include <libxml/parser.h>
@@ -17,18 +17,6 @@ namespace Orvil {
 
 namespace {
 
-struct ParserContextDeleter {
-    void operator()(xmlSchemaParserCtxt* context) const noexcept {
-        xmlSchemaFreeParserCtxt(context);
-    }
-};
-using ParserContext = std::unique_ptr<xmlSchemaParserCtxt, ParserContextDeleter>;
-
-struct ValidContextDeleter {
-    void operator()(xmlSchemaValidCtxt* context) const noexcept { xmlSchemaFreeValidCtxt(context); }
-};
-using ValidContext = std::unique_ptr<xmlSchemaValidCtxt, ValidContextDeleter>;
-
 std::string formatMessage(const char* format, va_list arguments) {
     std::array<char, 500> buffer{};
     // Checking several sources in one go, clang-tidy 14 misses the callers' va_start.
@@ -37,55 +25,7 @@ std::string formatMessage(const char* format, va_list arguments) {
     return buffer.data();
 }
 
-xmlNode* nextInTree(xmlNode* node, const xmlNode* root) {
-    if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
-        return node->children;
-    }
-    while (node != root && node->next == nullptr) {
-        node = node->parent;
-    }
-    return node == root ? nullptr : node->next;
-}
-
-/// What the validator copies while it joins the text of the element: all that it has so far, for
-/// each piece. Elements with others inside have no text that matters to it.
-double bytesToCopy(const xmlNode& element) {
-    double pieces = 0;
-    double bytes = 0;
-    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
-        if (child->type == XML_ELEMENT_NODE) {
-            return 0;
-        }
-        if (child->type == XML_TEXT_NODE || child->type == XML_CDATA_SECTION_NODE) {
-            ++pieces;
-            bytes += xmlStrlen(child->content);
-        }
-    }
-    return pieces > 1 ? pieces / 2 * bytes : 0;
-}
-
-/// In a tree, CDATA sections and comments divide texts, and the validator takes a time quadratic in
-/// the number of pieces. Throws when that would be seconds.
-void checkPieces(xmlNode* root) {
-    constexpr double allowed = 1e10; // bytes
-    double copied = 0;
-    for (xmlNode* node = root; node != nullptr; node = nextInTree(node, root)) {
-        const bool isDivided = node->type == XML_ELEMENT_NODE && node->children != node->last;
-        copied += isDivided ? bytesToCopy(*node) : 0;
-        if (copied > allowed) {
-            throw LibXml::failure(
-                "LibXml: Document not validated: the text of the element in line " +
-                    std::to_string(xmlGetLineNo(node)) + " is in too many pieces",
-                __LINE__);
-        }
-    }
-}
-
 } // namespace
-
-void LibXmlSchemaValidator::SchemaDeleter::operator()(xmlSchema* schema) const noexcept {
-    xmlSchemaFree(schema);
-}
 
 LibXmlSchemaValidator::LibXmlSchemaValidator() = default;
 
@@ -95,11 +35,11 @@ void LibXmlSchemaValidator::parseSpecification(const std::string& fileName) {
     schema_.reset();
     const LibXml::Silence silence;
     const std::string document = "LibXml: Schema Document " + fileName;
-    const LibXmlDoc read(xmlReadFile(fileName.c_str(), nullptr, XML_PARSE_NONET));
+    const LibXml::Document read(xmlReadFile(fileName.c_str(), nullptr, XML_PARSE_NONET));
     if (!read) {
         throw LibXml::failure(document + " not parsed successfully.", __LINE__);
     }
-    const ParserContext context(xmlSchemaNewDocParserCtxt(read.get()));
+    const LibXml::SchemaParserContext context(xmlSchemaNewDocParserCtxt(read.get()));
     if (!context) {
         throw LibXml::failure(document + " schema parser context unsuccessful.", __LINE__);
     }
@@ -112,7 +52,7 @@ void LibXmlSchemaValidator::parseSpecification(const std::string& fileName) {
 void LibXmlSchemaValidator::parseSpecificationString(const std::string& text) {
     schema_.reset();
     const LibXml::Silence silence;
-    const ParserContext context(
+    const LibXml::SchemaParserContext context(
         xmlSchemaNewMemParserCtxt(text.data(), static_cast<int>(text.size())));
     if (!context) {
         throw LibXml::failure("LibXml: Memory schema parser context unsuccessful.", __LINE__);
@@ -132,20 +72,12 @@ bool LibXmlSchemaValidator::doValidate(IXmlNode* node) {
         throw LibXml::failure("LibXml: No Schema loaded for validation", __LINE__);
     }
     const LibXml::Silence silence;
-    const ValidContext context(xmlSchemaNewValidCtxt(schema_.get()));
+    const LibXml::SchemaValidContext context(xmlSchemaNewValidCtxt(schema_.get()));
     if (!context) {
         throw LibXml::failure("LibXml: Could not create validation context", __LINE__);
     }
     xmlSchemaSetValidErrors(context.get(), onError, onWarning, this);
-    const std::string_view text = libXmlNode->textOfParts();
-    int result = 0;
-    if (text.empty()) {
-        xmlNode* const element = libXmlNode->getWholeNode();
-        checkPieces(element);
-        result = xmlSchemaValidateOneElement(context.get(), element);
-    } else {
-        result = LibXml::validateText(*context, text);
-    }
+    const int result = xmlSchemaValidateOneElement(context.get(), libXmlNode->getNode());
     if (result < 0) {
         throw LibXml::failure("LibXml: Could not create validation context", __LINE__);
     }

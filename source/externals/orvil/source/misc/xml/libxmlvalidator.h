@@ -3,11 +3,9 @@
 #pragma once
 
 #include "misc/xml/ixmlvalidator.h"
+#include "misc/xml/libxmlhandles.h"
 
-#include <memory>
 #include <string>
-
-struct _xmlSchema; // NOLINT: the name is libxml2's
 
 namespace Orvil {
 
@@ -31,10 +29,7 @@ public:
         __attribute__((format(printf, 2, 3)));
 
 private:
-    struct SchemaDeleter {
-        void operator()(_xmlSchema* schema) const noexcept;
-    };
-    std::unique_ptr<_xmlSchema, SchemaDeleter> schema_;
+    LibXml::Schema schema_;
 };
 
 } // namespace Orvil
