@@ -109,7 +109,7 @@ TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
               Outcome::Rejected);
     const std::string name(9'000'000, 'a');
     EXPECT_EQ(handler_.parseReply(reply("1", name)).activationReply->fonts.front().psName, name);
-    EXPECT_EQ(outcomeOf(reply("1", name + name)), Outcome::NotXml);
+    EXPECT_EQ(outcomeOf(reply("1", name + "&amp;" + name)), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("huge text node"));
     EXPECT_EQ(outcomeOf(std::string((std::size_t{64} << 20U) + 1, ' ')), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("exceeds the limit of 67108864 bytes"));
