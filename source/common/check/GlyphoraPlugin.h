@@ -6,41 +6,42 @@
 
 #include <memory>
 
+/// The concrete plug-in. [main-thread]
 class GlyphoraPlugin : public Plugin {
 public:
     explicit GlyphoraPlugin(SPPluginRef pluginRef) noexcept;
     ~GlyphoraPlugin() override;
 
     /// Throws the host's error (std::int32_t) when the document-changed notifier or the timer
-    /// cannot be registered; the object then stays in the host's slot.
+    /// cannot be registered; the object stays in the host's slot then.
     AIErr StartupPlugin(SPInterfaceMessage* message) override;
     AIErr ShutdownPlugin(SPInterfaceMessage* message) override;
-    /// Finds the handles again that the host kept meanwhile.
+    /// Finds the handles again that the host has kept meanwhile.
     AIErr ReloadPlugin(SPAccessMessage* message) override;
     AIErr SetGlobal(Plugin* plugin) override;
-    /// Passes on what the font check throws, after a line on standard output for a standard
-    /// exception.
+    /// Passes on what the font check throws; a standard exception is first printed to standard
+    /// output.
     AIErr Notify(AINotifierMessage* message) override;
     AIErr GoMenuItem(AIMenuMessage* /*message*/) override { return kNoErr; }
     AIErr UpdateMenuItem(AIMenuMessage* /*message*/) override { return kNoErr; }
 
-    /// Closes the current document. Not the base's GoTimer: the host's timer message does not come
-    /// here, and the timer is never active.
+    /// Closes the current document. This is not the base's GoTimer, so the host's timer message
+    /// does not come here; nor is the timer ever active.
     AIErr Timer(AITimerMessage* message);
 
-    /// Constructs the object anew over itself, with the members that it has: only the dispatch
-    /// table changes, to the one of the code that runs now.
+    /// Constructs the object anew over itself, with the members that it has. Only the dispatch
+    /// table changes, to that of the code that runs now.
     static void FixupVTable(Plugin* plugin) noexcept;
 
 protected:
-    /// Something that wants to know of the shut-down. Nothing here has such a wish.
+    /// Something that wants to know of the shut-down. Nothing does so far.
     class Auxiliary {
     public:
         virtual ~Auxiliary() = default;
         virtual void ShutdownPlugin(SPInterfaceMessage* message) = 0;
     };
 
-    /// All members beside the base's, for the same reason.
+    /// The members beside the base's, held together for the same reason as those.
     struct CheckState {
         std::unique_ptr<Auxiliary> auxiliary;
         AINotifierHandle documentOpenedNotifier = nullptr;

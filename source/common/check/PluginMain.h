@@ -4,9 +4,9 @@
 
 #include "sp/messages.h"
 
-/// Called by the host, on its main thread, for every message; `message` begins with SPMessageData.
-/// Returns 0 or an error; the user was told of it unless it is quiet, was told just before, or
-/// has no message.
-/// Exceptions of the plug-in's operations pass through: the host guards its calls.
+/// [main-thread] Called by the host for every message. `message` begins with SPMessageData; it and
+/// the names are the host's and valid during the call. Returns 0 or an error, of which the user has
+/// been told, unless it is quiet, was told just before, or has no text. Exceptions of the plug-in's
+/// operations pass through: the host guards its calls.
 extern "C" [[gnu::visibility("default")]] SPErr PluginMain(const char* caller, const char* selector,
                                                            void* message);

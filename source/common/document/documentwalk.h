@@ -6,14 +6,15 @@
 
 #include <functional>
 
-/// Called for each font of each run, in text order; the references are lent.
+/// [main-thread] Called for each font of each run, in text order. Both references are lent for the
+/// call.
 using FontVisitor = std::function<void(const ATE::ITextRange& run, const ATE::IFont& font)>;
 
 struct WalkResult {
     AIErr error;   ///< of the last step from layer to layer, or what ended the walk
-    bool finished; ///< false when an art object's type could not be read
+    bool finished; ///< false if an art object's type could not be read
 };
 
 /// Visits the text frames that stand directly in the top group of a layer, layer by layer. Throws
-/// ATE::Exception where the text engine fails, and what `visit` throws.
+/// ATE::Exception when the text engine fails, and what `visit` throws. [main-thread]
 WalkResult walkDocumentFonts(const FontVisitor& visit);

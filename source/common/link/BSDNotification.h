@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Watching for system-wide change notifications: one reader thread per name polls for postings and
-// queues a mark for each, which the main thread takes when it likes.
+// queues a mark for each, which the main thread takes when it is ready.
 #pragma once
 
 #include "misc/threads/safefifobuffer.h"
@@ -14,23 +14,24 @@
 
 namespace BSDNotification {
 
-/// Owns the registration of one notification name.
+/// Owns the registration of one notification name. [main-thread]
 class Registration {
 public:
-    /// Throws std::runtime_error "token could not be registered".
+    /// Throws std::runtime_error, "token could not be registered", when the name is refused.
     explicit Registration(const std::string& name);
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
     /// Cancels the token.
     ~Registration();
 
-    int token() const noexcept { return token_; }
+    /// [any-thread] Valid as long as this object.
+    [[nodiscard]] int token() const noexcept { return token_; }
 
 private:
     int token_ = 0;
 };
 
-/// Threads: the main thread. Its readers' threads are its own business.
+/// Owns the readers. [main-thread]
 class Daemon {
 public:
     class ReadingThread;
@@ -42,38 +43,39 @@ public:
     virtual ~Daemon();
 
     /// Starts to watch `name`. A reader that watches it already is released, with its unread marks.
-    /// Throws std::runtime_error "token could not be registered".
+    /// Throws std::runtime_error, "token could not be registered", when the name is refused.
     void addListener(const std::string& name);
     /// Stops watching `name`; with an empty name, everything. A reader that cannot be joined stays.
     void removeListener(const std::string& name);
-    /// Takes one mark of `name`, or with an empty name of the first reader that has one. True when
-    /// there was one. Never waits.
-    bool hasFired(const std::string& name);
+    /// Takes one mark of `name`, or with an empty name of the first reader that has one. True if
+    /// there was one, which is gone then. Never waits.
+    [[nodiscard]] bool hasFired(const std::string& name);
 
 private:
     std::map<std::string, Orvil::SmartPointer<ReadingThread>> readers_;
 };
 
-/// Polls about a thousand times a second until it is told to stop, which needs no wake-up then.
+/// Polls about a thousand times a second. It sleeps between and waits for nothing, so that nobody
+/// need wake it to stop it.
 class Daemon::ReadingThread : public Orvil::Thread, public Orvil::SmartPointable {
 public:
-    /// Throws std::runtime_error "token could not be registered".
+    /// Throws std::runtime_error, "token could not be registered", when the name is refused.
     explicit ReadingThread(const std::string& name);
     ReadingThread(const ReadingThread&) = delete;
     ReadingThread& operator=(const ReadingThread&) = delete;
-    /// Stops the thread and waits for it, so that it outlives nothing that it uses, and cancels the
-    /// token.
+    /// Stops the thread and waits for it, since it uses the members, and cancels the token.
     ~ReadingThread() override;
 
+    /// [reader-thread] Returns 0 once stop() has been called.
     int run() override;
 
-    /// Takes one mark without waiting; true when there was one. Main thread.
-    bool checkMessage(int& mark);
-    /// Asks the thread to end and waits for it; false when it cannot be joined. Main thread.
-    bool stop();
+    /// [main-thread] Takes one mark without waiting; true if there was one.
+    [[nodiscard]] bool checkMessage(int& mark);
+    /// [main-thread] Asks the thread to end and waits for it; false if it cannot be joined.
+    [[nodiscard]] bool stop();
 
 private:
-    void poll();
+    void poll(); // [reader-thread]
 
     // Written by the main thread, read by the reader at each poll.
     std::atomic<std::int32_t> running_{1};

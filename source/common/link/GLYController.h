@@ -17,41 +17,43 @@ constexpr std::array<const char*, 3> launcherBundleIds{"org.glyphora.Glyphora.La
                                                        "org.glyphora.Glyphora.Launcher2",
                                                        "org.glyphora.Glyphora.Launcher"};
 
-/// Static operations only. Threads: the main thread; launching blocks it.
+/// Static operations only, without a state. [main-thread], which launching blocks.
 class GLYController {
 public:
     GLYController() = delete;
 
     /// Walks the running processes. `found` tells whether the font manager is among them; `info` is
-    /// written only then. Returns noErr when found, else the status that ended the walk.
+    /// written only then. Returns noErr if it was found, else the status that ended the walk.
     static OSStatus FindGlyphoraProcess(ProcessInfoRec& info, bool& found);
 
-    /// Starts the font manager through one launcher and waits up to 15 s for its process; that it
-    /// has not shown up by then is no error. noErr also when it was running already; else the
-    /// status of the look-up or of the launch.
+    /// Starts the font manager through one launcher and waits up to 15 s for its process. It is no
+    /// error if that has not shown up by then, nor if it was running before. Returns the status of
+    /// the look-up or of the launch.
     static OSStatus LaunchGlyphora(std::string bundleId);
-    /// Tries the launchers in turn until one gives noErr; the last status otherwise.
+    /// Tries the launchers in turn until one gives noErr. Returns the last status.
     static OSStatus LaunchGlyphora();
 
-    /// 1, 0 or -1: a longer text is greater; texts of one length compare byte by byte. So "9.99" is
-    /// greater than "10.0".
-    static int CompareGLYVersion(std::string a, std::string b);
+    /// Returns 1, 0 or -1. The longer text is the greater; texts of one length compare byte by
+    /// byte, so "9.99" is greater than "10.0".
+    [[nodiscard]] static int CompareGLYVersion(std::string a, std::string b);
 
-    /// Reads "MAJOR[.MINOR[.anything]]". False when a piece that is there is no number. Without a
-    /// minor piece `minor` keeps its value.
-    static bool separateVersion(const std::string& text, unsigned& major, unsigned& minor);
+    /// Reads "MAJOR[.MINOR[.anything]]". Returns false if a number is missing or is none. Without a
+    /// minor piece, `minor` keeps its value.
+    [[nodiscard]] static bool separateVersion(const std::string& text, unsigned& major,
+                                              unsigned& minor);
 
     /// Whether `text` is a version whose major AND minor numbers reach the needed ones. The minor
-    /// number is compared even when the major number is higher: 3.0 does not satisfy 2.5. Callers
-    /// rely on it.
-    static bool checkForNeededProtocolVersion(const std::string& text, unsigned needMajor,
-                                              unsigned needMinor);
+    /// number counts even if the major number is higher: 3.0 does not satisfy a need of 2.5. That
+    /// is kept on purpose.
+    [[nodiscard]] static bool checkForNeededProtocolVersion(const std::string& text,
+                                                            unsigned needMajor, unsigned needMinor);
 
-    /// Whether the running font manager's version is a problem: never. Returns an error code.
-    static int CheckRunningVersion();
+    /// The error code of a font manager whose version will not do. Returns 0: none is refused, the
+    /// protocol's version decides.
+    [[nodiscard]] static int CheckRunningVersion();
 };
 
-/// Whether buying fonts is offered: always.
-bool isStoreEnabled();
+/// Whether buying fonts is offered: always. [any-thread]
+[[nodiscard]] bool isStoreEnabled();
 
 } // namespace GLY

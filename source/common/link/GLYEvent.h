@@ -15,33 +15,34 @@
 
 namespace GLY {
 
-/// One exchange: construct, fill the fonts, build(), send(), then read the members and the records.
+/// One exchange: construct it, fill the fonts, build(), send(), then read the members and the
+/// records.
 ///
 /// The command text is made of lines and only looks like XML: nothing in it is escaped, and its
-/// last line closes an element that the first line has closed. Not the protocol of
-/// protocolhandler.h.
+/// last line closes an element that the first line has closed already. It is not the typed form
+/// that protocolhandler.h writes.
 ///
-/// Throws: Orvil::Exception from send() where an override of parseResult() says so. Threads: the
-/// main thread, which send() blocks. Copies share the reply's document.
+/// Copies share the reply's document. send() throws what an override of parseResult() throws.
+/// [main-thread], which send() blocks.
 class GLYEvent {
 public:
-    /// Replaces `command`.
+    /// Writes `command` anew.
     virtual void build() = 0;
     /// Sends `command` through the process-wide notify handler, keeps the answer in `result`, and
     /// returns what parseResult() makes of it.
     Orvil::IXmlNode* send();
-    /// Reads `result`. Null when there is no usable answer of protocol version 2 or later; the
-    /// reply's root otherwise, which stays valid until the next parseResult() and as long as the
-    /// event or a copy of it.
+    /// Reads `result`. Returns null if there is no usable answer of protocol version 2 or later,
+    /// else the reply's root, which the event owns: it is valid until the next parseResult(), and
+    /// no longer than the last copy of the event.
     virtual Orvil::IXmlNode* parseResult();
 
     /// The lines that name the plug-in's host process, to which the font manager sends its news.
-    static std::string getApplicationInfo();
+    [[nodiscard]] static std::string getApplicationInfo();
 
     std::string result;       ///< the answer as the transport gave it; empty until send()
     std::string command;      ///< written by build()
     std::string replyVersion; ///< the answer's protocol version
-    /// 1 when parseResult() gave a node, else 0. Means nothing before send().
+    /// 1 if parseResult() gave a node, else 0. Means nothing before send().
     std::int32_t succeeded = 0;
 
 protected:
@@ -68,7 +69,7 @@ public:
     GLYFontBasedEvent& operator=(GLYFontBasedEvent&&) = default;
     virtual ~GLYFontBasedEvent() = default;
 
-    /// In the order in which they are written; none null.
+    /// Shared with the caller, in the order in which they are written. None is null.
     std::vector<Orvil::SmartPointer<GLYFontInfo>> fonts;
 };
 
@@ -76,12 +77,12 @@ public:
 class GLYFontRequestEvent : public GLYFontBasedEvent {
 public:
     void build() override;
-    /// Replaces the protocol part of each record by the first reply font of the same syncID and
-    /// sets its installed flag. Throws Orvil::Exception when a reply font holds a bad number or an
-    /// unknown element; the records are untouched then.
+    /// Replaces the protocol part of each record by the first reply font of its syncID, and sets
+    /// its installed flag. Throws Orvil::Exception when a reply font holds a bad number or an
+    /// unknown element; the records are left alone then.
     Orvil::IXmlNode* parseResult() override;
 
-    /// Whether the font manager asks for the dialog. Means nothing unless the reply told.
+    /// Whether the font manager asks for the dialog. Means nothing unless the reply says it.
     std::int32_t showWindow = 0;
 };
 
@@ -89,7 +90,7 @@ public:
 class GLYFontActivateEvent : public GLYFontBasedEvent {
 public:
     void build() override;
-    /// Always null: whether fonts are active is found out by asking again.
+    /// Returns null always: whether fonts are active is found out by asking again.
     Orvil::IXmlNode* parseResult() override;
 };
 

@@ -12,27 +12,26 @@
 
 namespace GLY {
 
-/// Shared between the survey, the exchanges and the dialogs, always through
-/// Orvil::SmartPointer<GLYFontInfo>: one record is one object, whatever lists hold it.
-/// Throws: nothing of its own. Threads: the main thread.
+/// Shared between the survey and the exchanges, always through Orvil::SmartPointer<GLYFontInfo>:
+/// one record is one object, whatever lists hold it. Throws nothing of its own. [main-thread]
 class GLYFontInfo : public Orvil::SmartPointable {
 public:
-    /// The type of a protocol keyword by exact comparison; Protocol::Font::all (4, unknown) for any
-    /// other text, the empty one included.
-    static Protocol::Font::Type typeStringToEnum(std::string_view keyword);
+    /// The type that a protocol keyword stands for, by exact comparison. Any other text, the empty
+    /// one included, gives Protocol::Font::all (4): the type is not known.
+    [[nodiscard]] static Protocol::Font::Type typeStringToEnum(std::string_view keyword);
 
     GLYFontInfo();
     GLYFontInfo(const GLYFontInfo&) = default;
     GLYFontInfo& operator=(const GLYFontInfo&) = default;
     ~GLYFontInfo() override;
 
-    /// The protocol's keyword of the type; empty when it is not known.
-    std::string getTypeString() const;
-    /// The name of the technology for display; "Unknown" when it is not known.
-    std::string getTechnology() const;
+    /// The protocol's keyword for the type; empty if it is not known.
+    [[nodiscard]] std::string getTypeString() const;
+    /// The name of the technology, for display; "Unknown" if the type is not known.
+    [[nodiscard]] std::string getTechnology() const;
 
-    /// Orders ascending by family name, byte by byte, despite its name. Records of one family are
-    /// equivalent: a set keeps the first of them.
+    /// Orders by family name, byte by byte; ascending, despite its name. Records of one family are
+    /// equivalent, so a set keeps the first of them.
     struct SDescendingInfoSort {
         bool operator()(const Orvil::SmartPointer<GLYFontInfo>& left,
                         const Orvil::SmartPointer<GLYFontInfo>& right) const {
@@ -41,16 +40,16 @@ public:
     };
 
     Protocol::Font font;
-    /// The host's fourth name of the font.
+    /// The name that the host shows to users: the face's full name.
     std::string hostName;
-    /// The container that the user chose, a decimal number; "-1" or empty: none. Used in requests
-    /// instead of font.containerID when it reads as a number of at least 1.
+    /// The container that the user chose, a decimal number; "-1" or empty if none. Requests name it
+    /// instead of font.containerID if it reads as a number of at least 1.
     std::string chosenContainer;
-    /// Free for the survey and the dialogs, like the other work values.
+    /// Free for whoever works on the record, like the other two.
     std::int32_t workValue1 = 1;
     /// 1 once the user has chosen a replacement for the font.
     std::int32_t replaced = 0;
-    /// 1 when the font manager reported at least one matching font.
+    /// 1 if the font manager reported at least one matching font.
     std::int32_t installed = 0;
     std::int32_t workValue2 = 0;
     std::int32_t workValue3 = 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // News of the font manager's library for those who want it, and the way to send it a command: the
-// interfaces, and the process-wide handler.
+// interfaces, and where to get the one handler of the process.
 #pragma once
 
 #include <cstdint>
@@ -9,46 +9,49 @@
 
 namespace GLY {
 
-/// Wants to know of library changes. Threads: told on the main thread.
+/// Wants to know of library changes.
 class IGLYChangeNotifier {
 public:
     virtual ~IGLYChangeNotifier() = default;
 
-    /// `text` is the change's command, one XML element. May register and unregister observers.
-    /// The result is 0 and is not looked at.
+    /// [main-thread] `text` is the command of the change, one XML element, valid during the call.
+    /// May register and unregister observers. The result is 0; nobody looks at it.
     virtual std::int32_t OnGLYNotify(const std::string& text) = 0;
 };
 
-/// Threads: the main thread.
+/// The way to the font manager and back. [main-thread]
 class IGLYNotifyHandler {
 public:
     /// Begins to listen. Throws std::runtime_error when the changes cannot be watched.
     virtual void start() = 0;
-    /// Ends listening. Safe without start().
+    /// Ends listening. Does no harm without start().
     virtual void end() = 0;
-    /// Called now and then; tells the observers of at most one change that has been seen since.
+    /// To be called now and then: tells the observers of at most one change that has been noticed
+    /// meanwhile.
     virtual void push() = 0;
-    /// Queues an addition or a removal for the next notifiyAll. Observers are not owned. Who
-    /// registers twice is told twice; who unregisters before the next round after registering is
-    /// registered all the same, for removals go first.
+    /// Queue an addition and a removal for the next notifiyAll. The caller goes on owning the
+    /// observer, which must live until its removal has taken effect. One that registers twice is
+    /// told twice; one that registers and unregisters between two rounds is registered all the
+    /// same, since removals go first.
     virtual void registerNotifer(IGLYChangeNotifier* notifier) = 0;
     virtual void unregisterNotifer(IGLYChangeNotifier* notifier) = 0;
-    /// Forgets the active observers at once; what is queued stays queued.
+    /// Forgets the active observers at once. What is queued stays queued.
     virtual void clearNotifiers() = 0;
-    /// Applies the queued removals, then the additions, and hands `text` to every observer in order
-    /// of registration. Throws Orvil::Exception when `text` is not XML, and what observers throw.
+    /// Applies the queued removals, then the additions, and hands `text` to every observer, in
+    /// order of registration. Throws Orvil::Exception when `text` is not XML, and what observers
+    /// throw.
     virtual void notifiyAll(const std::string& text) = 0;
-    /// Sends a command to the font manager and returns its reply, folded into one XML document;
-    /// empty on failure. Blocks, for some 10 s when the font manager is not there. Never throws.
-    /// Commands travel through the handler of the news because both need the same platform: this
-    /// is the one object that knows how to reach the font manager, either way.
-    virtual std::string SendToGly(const std::string& command) = 0;
-    /// Always false.
+    /// Sends a command to the font manager and returns its reply, folded into one XML document, or
+    /// an empty text on failure. Blocks, for some 10 s if the font manager is not there. Never
+    /// throws. Commands travel through the handler of the news because it is the one object that
+    /// knows the channel to the font manager; exchanges need no platform of their own then.
+    [[nodiscard]] virtual std::string SendToGly(const std::string& command) = 0;
+    /// Returns false always: a launch is waited for where it is made, by GLYController.
     virtual bool WaitForLaunch() = 0;
     virtual ~IGLYNotifyHandler() = default;
 };
 
-/// The observers, without any channel.
+/// Keeps the observers; has no channel.
 class BasicGLYNotifyHandler : public IGLYNotifyHandler {
 public:
     /// Does nothing.
@@ -59,7 +62,7 @@ public:
     void notifiyAll(const std::string& text) override;
 
 protected:
-    /// Frees the lists, for an end without the destructor.
+    /// Frees the lists of an object whose destructor will not run.
     void dropLists() noexcept;
 
 private:
@@ -70,9 +73,10 @@ private:
 
 class NotifiyHandlerFactory {
 public:
-    /// The process-wide handler, made at the first call. With `renew` the storage of the present
-    /// one is released without running its destructor, and a fresh one is made: end() it first, or
-    /// its channels stay open. Owned by the module, which ends and destroys it when it is unloaded.
+    /// The process-wide handler, made at the first call. The module owns it, and ends and destroys
+    /// it when it is unloaded. With `renew`, the storage of the present handler is released without
+    /// running its destructor, and a fresh one is made: end() the present one first, or its
+    /// channels stay open. [main-thread]
     static IGLYNotifyHandler* getNotifyHandler(bool renew);
 };
 

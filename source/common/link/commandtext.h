@@ -10,10 +10,10 @@
 
 namespace GLY {
 
-/// Writes one command: every element on a line of its own, content as it stands. Any thread.
+/// Writes one command: every element on a line of its own, its content as it stands. [any-thread]
 class CommandText {
 public:
-    /// `fontCount`: of the fonts to come, for the storage.
+    /// Begins the command of that word. Room is made for `fontCount` fonts.
     CommandText(std::string_view command, std::size_t fontCount);
 
     void element(std::string_view name, std::string_view content);
@@ -23,13 +23,13 @@ public:
     /// The type's element, unless the type is not known.
     void type(const GLYFontInfo& info);
     /// Closes the command and gives its text away.
-    std::string finish();
+    [[nodiscard]] std::string finish();
 
 private:
     std::string text_;
 };
 
-/// Whether the user's choice of a container reads as a number of at least 1.
-bool hasChosenContainer(const GLYFontInfo& info);
+/// Whether the user's choice of a container reads as a number of at least 1. [any-thread]
+[[nodiscard]] bool hasChosenContainer(const GLYFontInfo& info);
 
 } // namespace GLY

@@ -7,11 +7,11 @@
 namespace GLY {
 
 /// Joins the lines of a reply (UTF-8) with nothing between them. A line of more than 6 characters
-/// that ends with "</cmd>" loses that end; a line of exactly "</cmd>" stays. So the header line's
-/// element stays open until the closing line. Works in place, in linear time. Any thread.
+/// that ends with "</cmd>" loses that end; a line of exactly "</cmd>" stays. So the element of the
+/// header line stays open until the closing line. In place, in linear time. [any-thread]
 void foldReply(std::string& reply);
 
-/// Every "&" becomes "&amp;", also that of an entity: replies are not escaped. Any thread.
-std::string escapeAmpersands(std::string text);
+/// Writes every "&" as "&amp;", that of an entity too: replies are not escaped. [any-thread]
+[[nodiscard]] std::string escapeAmpersands(std::string text);
 
 } // namespace GLY

@@ -7,9 +7,9 @@
 namespace GLY {
 
 /// Sends `command` to the application with the font manager's signature and returns the folded
-/// reply; empty when none came. Tries 20 times with half a second between, and blocks that long:
-/// some 10 s when nobody is there, 15 s more per attempt when somebody is and does not answer.
-/// Throws std::bad_alloc only. Any thread.
-std::string exchangeCommand(const std::string& command);
+/// reply, or an empty text if none came. Tries 20 times with half a second between, and blocks that
+/// long: some 10 s if nobody is there, 15 s more per attempt if somebody is and does not answer.
+/// Throws std::bad_alloc only. [any-thread]
+[[nodiscard]] std::string exchangeCommand(const std::string& command);
 
 } // namespace GLY

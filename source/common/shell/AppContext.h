@@ -4,8 +4,8 @@
 
 #include "ai/types.h"
 
-/// Calls made while this lives are made for the given plug-in. Without the context suite, and where
-/// the host refuses the context, it does nothing. Main thread only; throws nothing.
+/// While it lives, calls of the host are made for one plug-in. Without the context suite, or if the
+/// host refuses the context, it does nothing. Throws nothing. [main-thread]
 class AppContext {
 public:
     explicit AppContext(SPPluginRef pluginRef) noexcept;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The base class of the plug-in: turns the host's messages into calls of virtual operations, keeps
+// The base class of the plug-in: turns the host's messages into calls of virtual operations, holds
 // the host's suites from start-up to shut-down, and tells the user of errors.
 #pragma once
 
@@ -13,10 +13,10 @@
 #include <ctime>
 #include <memory>
 
-/// One plug-in object, created at the host's start-up message and destroyed at its shut-down
-/// message; in between the host keeps it in the globals slot of its messages, even while the code
-/// is unloaded. Everything runs on the host's main thread, one message at a time. The operations
-/// return a host error code and throw nothing of their own.
+/// The plug-in's object, created at the host's start-up message and destroyed at its shut-down
+/// message. In between the host keeps it in the globals slot of its messages, even while the code
+/// is unloaded. The operations return a host error code and throw nothing of their own; the message
+/// that they take is the host's and valid during the call. [main-thread], one message at a time.
 class Plugin {
 public:
     explicit Plugin(SPPluginRef pluginRef) noexcept;
@@ -24,34 +24,37 @@ public:
     Plugin& operator=(const Plugin&) = delete;
     virtual ~Plugin();
 
-    /// Without memory the result is null, and so is that of the `new` expression.
-    static void* operator new(std::size_t size) noexcept;
+    /// Returns null if there is no memory, and so does the `new` expression.
+    [[nodiscard]] static void* operator new(std::size_t size) noexcept;
     static void operator delete(void* block) noexcept;
 
-    /// Shows an error unless it is quiet or was shown within the repeat interval.
+    /// [main-thread, modal] Shows an error, unless it is quiet or was shown within the repeat
+    /// interval.
     virtual void ReportError(AIErr error, const char* caller, const char* selector, void* message);
-    /// Counts the wishes to stay in memory; the first acquires the plug-in, the last releases it.
+    /// Counts the wishes to stay in memory: the first locks the plug-in, the last one's end unlocks
+    /// it.
     virtual AIErr LockPlugin(bool lock);
     /// Acquires the suites, names the plug-in and registers for the application's start.
     virtual AIErr StartupPlugin(SPInterfaceMessage* message);
     virtual AIErr PostStartupPlugin() { return kNoErr; }
     virtual AIErr ShutdownPlugin(SPInterfaceMessage* message);
-    /// Gives everything back that belongs to the code, which the host drops next.
+    /// Gives back everything that belongs to the code, which the host drops next.
     virtual AIErr UnloadPlugin(SPAccessMessage* message);
-    /// Takes it again, after the code was loaded anew.
+    /// Takes it again, once the code has been loaded anew.
     virtual AIErr ReloadPlugin(SPAccessMessage* message);
     virtual AIErr AcquireProperty(SPPropertiesMessage* /*message*/) { return kUnhandledMsgErr; }
     virtual AIErr ReleaseProperty(SPPropertiesMessage* /*message*/) { return kUnhandledMsgErr; }
     /// Copies at most `length` bytes of the name into `buffer`, which holds one more: a longer name
     /// gets its terminating zero at `buffer[length]`. Returns the length of the whole name.
     virtual std::int32_t GetPluginName(char* buffer, std::int32_t length) const;
-    /// Shows the about box.
+    /// [main-thread, modal] Shows the about box.
     virtual AIErr About(SPInterfaceMessage* message);
-    /// Frees what can be done without; true when there was something.
+    /// Frees what the plug-in can do without. Returns true if there was something.
     virtual bool Purge() { return false; }
-    /// Calls the operation that belongs to a pair of caller and selector; '!MSG': there is none.
+    /// Calls the operation that belongs to a pair of caller and selector. Returns '!MSG' if there
+    /// is none.
     virtual AIErr Message(const char* caller, const char* selector, void* message);
-    /// Tells which object is the plug-in's, or none.
+    /// Makes `plugin`, which may be null, the one that gPlugin names.
     virtual AIErr SetGlobal(Plugin* /*plugin*/) { return kNoErr; }
     virtual AIErr AllocateSuiteTables() { return kNoErr; }
     virtual AIErr FillSuiteTables() { return kNoErr; }
@@ -116,19 +119,22 @@ public:
     virtual AIErr WorkspaceRestore(WorkspaceMessage* /*message*/) { return kUnhandledMsgErr; }
     virtual AIErr WorkspaceDefault(WorkspaceMessage* /*message*/) { return kUnhandledMsgErr; }
 
-    static bool IsReloadMsg(const char* caller, const char* selector) noexcept;
-    /// True for the quiet codes, which nobody is told of.
-    static bool FilterError(AIErr error) noexcept;
-    /// Finds the message of an error in string list 16050, else the list's last message, and writes
-    /// it to `buffer` of `length` bytes. False, with an empty buffer: there is none.
-    static bool FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer, std::int32_t length);
-    /// Shows the message of an error in an alert. Works without acquired suites.
+    [[nodiscard]] static bool IsReloadMsg(const char* caller, const char* selector) noexcept;
+    /// True for the quiet codes, of which nobody is told.
+    [[nodiscard]] static bool FilterError(AIErr error) noexcept;
+    /// Writes the message of an error into the caller's `buffer` of `length` bytes: the one that
+    /// string list 16050 has for its code, else the list's last. Returns false, and empties the
+    /// buffer, if there is none.
+    [[nodiscard]] static bool FindMsg(SPPluginRef pluginRef, AIErr error, char* buffer,
+                                      std::int32_t length);
+    /// [main-thread, modal] Shows the message of an error in an alert, also without acquired
+    /// suites.
     static void DefaultError(SPPluginRef pluginRef, AIErr error);
 
-    /// The host's reference to this plug-in.
+    /// The host's reference to this plug-in, owned by the host.
     SPPluginRef GetPluginRef() const noexcept { return state_.pluginRef; }
-    /// False when start-up or reload failed to acquire the suites, and while unloaded.
-    bool HasSuites() const noexcept { return state_.suites != nullptr; }
+    /// False if start-up or reload failed to acquire the suites, and while unloaded.
+    [[nodiscard]] bool HasSuites() const noexcept { return state_.suites != nullptr; }
 
     /// Seconds since the epoch, for the repeat interval. Tests set another.
     static std::time_t (*clock)();
@@ -149,24 +155,26 @@ protected:
 
     explicit Plugin(State&& state) noexcept;
 
-    /// At most 256 bytes are kept; the result is not terminated when it takes them all.
+    /// Copies at most 256 bytes of `name`; if it takes them all, no zero ends them.
     void SetPluginName(const char* name) noexcept;
 
     State state_;
 
 private:
-    /// Creates the holder where there is none.
-    AIErr acquireSuites() noexcept;
+    /// Creates the holder if there is none.
+    [[nodiscard]] AIErr acquireSuites() noexcept;
     AIErr dispatchNotifier(const char* selector, AINotifierMessage* message);
 };
 
-/// The plug-in's object from start-up to shut-down or unloading, else null. A reload does not set
-/// it again: texts, which are looked up through it, are empty from then on.
+/// The plug-in's object from start-up to shut-down or unloading, else null; not owned. A reload
+/// does not set it again: texts, which are looked up through it, are empty from then on.
+/// [main-thread]
 extern Plugin* gPlugin;
 
-/// Makes the concrete plug-in's object; null without memory. Defined by the concrete plug-in.
-std::unique_ptr<Plugin> AllocatePlugin(SPPluginRef pluginRef) noexcept;
+/// Makes the concrete plug-in's object; null if there is no memory. Defined by the concrete
+/// plug-in.
+[[nodiscard]] std::unique_ptr<Plugin> AllocatePlugin(SPPluginRef pluginRef) noexcept;
 
-/// Mends the object's dispatch table after its code was unmapped and mapped again, maybe elsewhere;
-/// members stay as they are. Defined by the concrete plug-in.
+/// Mends the object's dispatch table once its code has been unmapped and mapped again, maybe
+/// elsewhere; the members stay as they are. Defined by the concrete plug-in.
 void FixupReload(Plugin* plugin) noexcept;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Acquires the host's suites and gives them back: one table says which, one loop walks it either
-// way.
+// Acquires the host's suites and gives them back: one table says which, and is walked either way.
 #pragma once
 
 #include "sp/types.h"
@@ -12,11 +11,11 @@
 struct SuiteRow {
     const char* name;
     std::int32_t version;
-    void* pointer; ///< address of the global suite pointer that receives the table
+    void* pointer; ///< address of the global suite pointer that takes the table
 };
 
-/// In the version column of the row that ends the required suites: optional ones follow, up to a
-/// further row without a name.
+/// In the version column of the row that ends the required suites, it says that optional ones
+/// follow, up to a further row without a name.
 constexpr std::int32_t optionalSuitesFollow = FourChars("OPTS");
 
 /// Needed before all others, acquired first and released first; without an ending row.
@@ -24,31 +23,31 @@ extern const std::span<const SuiteRow> gBasicSuites;
 /// All other suites, and the ending row.
 extern const std::span<const SuiteRow> gImportSuites;
 
-/// Holds the suites for as long as it lives. Several holders share one acquisition: it ends with
-/// the last of them. Main thread only; throws nothing.
+/// Holds the suites for as long as it lives. Several holders share one acquisition, which ends with
+/// the last of them. Throws nothing. [main-thread]
 class Suites {
 public:
-    /// Acquires `gBasicSuites` and `gImportSuites`; the outcome is told by error().
+    /// Acquires `gBasicSuites` and `gImportSuites`; error() tells the outcome.
     Suites() noexcept;
-    /// The same over another import table, which must end with a row without a name and outlive
-    /// this.
+    /// The same with another import table, which must end with a row without a name and outlive
+    /// this object.
     explicit Suites(const SuiteRow* importSuites) noexcept;
     Suites(const Suites&) = delete;
     Suites& operator=(const Suites&) = delete;
     ~Suites();
 
-    /// The first failed acquisition, or 0. What was acquired before it stays so until release.
-    SPErr error() const noexcept { return error_; }
+    /// The error of the first acquisition that failed, or 0. What was acquired before it is held
+    /// all the same.
+    [[nodiscard]] SPErr error() const noexcept { return error_; }
 
-    /// Tries every optional suite whose pointer is still null; those that the host lacks are
-    /// skipped.
+    /// Tries every optional suite whose pointer is still null, and skips those that the host lacks.
     void acquire_Optional_Suites() noexcept;
 
     std::uint16_t optionalCount() const noexcept { return optionalCount_; }
     std::uint16_t requiredCount() const noexcept { return requiredCount_; }
     std::uint16_t optionalAcquiredCount() const noexcept { return optionalAcquiredCount_; }
 
-    /// How many holders share the acquisition. Whoever creates the first holder sets it to 1 even
+    /// How many holders share the acquisition. Whoever creates the first holder sets it to 1, even
     /// after a failure, so that the holder's end releases what was acquired.
     static std::int16_t fAcquiredCount;
 
