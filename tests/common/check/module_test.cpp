@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
-#include <elf.h>
-#include <link.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -28,38 +26,17 @@ namespace {
 
 const char* const modulePath = GLYPHORA_MODULE;
 
-/// Reads `T` from a place in a file's bytes; the file must hold it.
-template <typename T>
-T readAt(const std::vector<char>& file, std::size_t offset) {
-    T value{};
-    if (offset + sizeof value > file.size()) {
-        throw std::out_of_range("the module is cut off");
-    }
-    std::memcpy(&value, file.data() + offset, sizeof value);
-    return value;
-}
-
 /// The names of all defined dynamic symbols, whatever their binding and type.
-std::vector<std::string> exportedSymbols(const char* path) {
-    std::ifstream stream(path, std::ios::binary);
-    const std::vector<char> file{std::istreambuf_iterator<char>(stream), {}};
-    const auto header = readAt<ElfW(Ehdr)>(file, 0);
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < header.e_shnum; ++i) {
-        const auto section = readAt<ElfW(Shdr)>(file, header.e_shoff + i * header.e_shentsize);
-        if (section.sh_type != SHT_DYNSYM) {
-            continue;
-        }
-        const auto strings = readAt<ElfW(Shdr)>(
-            file, header.e_shoff + std::size_t{section.sh_link} * header.e_shentsize);
-        for (std::size_t at = 0; at < section.sh_size; at += section.sh_entsize) {
-            const auto symbol = readAt<ElfW(Sym)>(file, section.sh_offset + at);
-            if (symbol.st_shndx != SHN_UNDEF) {
-                names.emplace_back(file.data() + strings.sh_offset + symbol.st_name);
-            }
-        }
+std::vector<std::string> exportedSymbols(const std::string& path) {
+    const std::string command = "nm --dynamic --defined-only --format=just-symbols '" + path + "'";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> names(popen(command.c_str(), "r"),
+                                                                pclose);
+    std::vector<std::string> symbols;
+    char line[256];
+    while (names && std::fgets(line, sizeof line, names.get()) != nullptr) {
+        symbols.emplace_back(line, std::strcspn(line, "\n"));
     }
-    return names;
+    return symbols;
 }
 
 /// The module's code, mapped while this lives.

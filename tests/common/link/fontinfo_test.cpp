@@ -35,13 +35,6 @@ TEST(AFontRecord, KnowsItsTypeByKeywordAndTechnology) {
     }
 }
 
-TEST(AFontRecord, BeginsUnknownAndNotInstalled) {
-    const GLYFontInfo info;
-    EXPECT_EQ(info.font, Protocol::Font());
-    EXPECT_EQ(info.workValue1, 1);
-    EXPECT_EQ(info.installed + info.replaced + info.workValue2 + info.workValue3, 0);
-}
-
 TEST(ASetOfFontRecords, KeepsTheFirstOfEachFamilyInAscendingByteOrder) {
     std::set<Record, GLYFontInfo::SDescendingInfoSort> records;
     for (const auto& [family, psName] : std::vector<std::pair<std::string, std::string>>{

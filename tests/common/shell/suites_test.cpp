@@ -10,7 +10,6 @@
 
 #include <array>
 #include <cstring>
-#include <set>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -69,13 +68,6 @@ TEST_F(TheSuites, AreAcquiredInTableOrderAndReleasedInTheSame) {
     EXPECT_EQ(host.releases, names(rows, rows.size()));
     for (const SuiteRow& row : rows) {
         EXPECT_EQ(pointerOf(row), nullptr) << row.name;
-    }
-}
-
-TEST_F(TheSuites, HaveAPointerOfTheirOwnEach) {
-    std::set<const void*> pointers;
-    for (const SuiteRow& row : allRows()) {
-        EXPECT_TRUE(pointers.insert(row.pointer).second) << row.name;
     }
 }
 

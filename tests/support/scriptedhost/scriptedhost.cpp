@@ -7,8 +7,6 @@
 #include "tests/support/scriptedhost/admsuites.h"
 
 #include <algorithm>
-#include <charconv>
-#include <fstream>
 
 AIArt& AIArt::addGroup() {
     return addOther(kGroupArt);
@@ -153,35 +151,6 @@ AIFontKey Host::addFont(const std::string& family, const std::string& style, boo
     face.style.technology = 1;
     face.style.isPresent = present ? 1 : 0;
     return addFont(std::move(face));
-}
-
-bool Host::readStrings(const std::filesystem::path& folder) {
-    bool good = true;
-    for (const auto& file : std::filesystem::directory_iterator(folder)) {
-        if (file.path().extension() != ".strings") {
-            continue;
-        }
-        auto& list = strings[std::stoi(file.path().stem())];
-        std::ifstream stream(file.path());
-        for (std::string line; std::getline(stream, line);) {
-            if (line.empty() || line[0] == '#') {
-                continue;
-            }
-            int index = 0;
-            const char* const end = line.data() + line.size();
-            const auto number = std::from_chars(line.data(), end, index);
-            const std::string_view rest(number.ptr, static_cast<std::size_t>(end - number.ptr));
-            std::string entryText;
-            for (std::size_t i = 3; i < rest.size(); ++i) {
-                const bool escaped = rest[i] == '\\' && i + 1 < rest.size();
-                i += escaped ? 1 : 0;
-                entryText += escaped && rest[i] == 'n' ? '\n' : rest[i];
-            }
-            good = good && rest.starts_with(" = ") && index > 0 &&
-                   list.emplace(index, entryText).second;
-        }
-    }
-    return good && !strings.empty();
 }
 
 } // namespace scripted

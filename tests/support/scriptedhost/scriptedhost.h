@@ -10,7 +10,6 @@
 #include "tests/support/scriptedhost/textengine.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -127,8 +126,6 @@ public:
     std::vector<std::pair<std::string, std::string>> aboutBoxes;
     std::string locale = "en_US";
     std::map<std::int32_t, std::map<std::int32_t, std::string>> strings;
-    /// Reads all "<id>.strings" of a bundle; false when there is none or a line is malformed.
-    bool readStrings(const std::filesystem::path& folder);
 
     // What is registered.
     std::vector<std::unique_ptr<AINotifier>> notifiers;

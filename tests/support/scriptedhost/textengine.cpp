@@ -9,25 +9,20 @@
 
 namespace ATE {
 
-struct TextFrameObject : scripted::TextObject {
-    AIArt* art = nullptr;
-};
-struct TextRangeObject : scripted::TextObject {
-    AIArt* art = nullptr;
-    std::size_t firstRun = 0;
-    std::size_t endRun = 0;
-};
-struct TextRunsIteratorObject : scripted::TextObject {
+/// Some runs of a text frame.
+struct RunsObject : scripted::TextObject {
     AIArt* art = nullptr;
     std::size_t run = 0;
     std::size_t endRun = 0;
 };
-struct CharInspectorObject : scripted::TextObject {
+struct TextFrameObject : RunsObject {};
+struct TextRangeObject : RunsObject {};
+struct TextRunsIteratorObject : RunsObject {};
+struct FontsObject : scripted::TextObject {
     std::vector<AIFontKey> fonts;
 };
-struct ArrayFontRefObject : scripted::TextObject {
-    std::vector<AIFontKey> fonts;
-};
+struct CharInspectorObject : FontsObject {};
+struct ArrayFontRefObject : FontsObject {};
 struct FontObject : scripted::TextObject {
     AIFontKey key = nullptr;
 };
@@ -85,11 +80,22 @@ T* make() {
     return Host::current().text.keep(std::make_unique<T>());
 }
 
+/// Hands a new object with runs `run` to `endRun` out.
+template <typename T>
+ATEErr giveRuns(const ATE::RunsObject& from, std::size_t endRun, T** result) {
+    *result = make<T>();
+    (*result)->art = from.art;
+    (*result)->run = from.run;
+    (*result)->endRun = endRun;
+    return 0;
+}
+
 } // namespace
 
 ATE::TextFrameRef TextEngine::frameOf(AIArtHandle art) {
     auto* const frame = keep(std::make_unique<ATE::TextFrameObject>());
     frame->art = art;
+    frame->endRun = art->runs.size();
     return frame;
 }
 
@@ -115,12 +121,7 @@ const ATE::TextFrameSuite ateTextFrameTable = {
     .GetTextRange = [](ATE::TextFrameRef frame, AIBoolean /*includeOverflow*/,
                        ATE::TextRangeRef* range) -> ATEErr {
         const ATEErr error = enter("GetTextRange", frame);
-        if (error == 0) {
-            *range = make<ATE::TextRangeObject>();
-            (*range)->art = frame->art;
-            (*range)->endRun = frame->art->runs.size();
-        }
-        return error;
+        return error != 0 ? error : giveRuns(*frame, frame->endRun, range);
     },
 };
 
@@ -130,13 +131,7 @@ const ATE::TextRangeSuite ateTextRangeTable = {
     .GetTextRunsIterator = [](ATE::TextRangeRef range,
                               ATE::TextRunsIteratorRef* iterator) -> ATEErr {
         const ATEErr error = enter("GetTextRunsIterator", range);
-        if (error == 0) {
-            *iterator = make<ATE::TextRunsIteratorObject>();
-            (*iterator)->art = range->art;
-            (*iterator)->run = range->firstRun;
-            (*iterator)->endRun = range->endRun;
-        }
-        return error;
+        return error != 0 ? error : giveRuns(*range, range->endRun, iterator);
     },
     .HasLocalCharFeatures = [](ATE::TextRangeRef range, AIBoolean* result) -> ATEErr {
         *result = 0;
@@ -146,7 +141,7 @@ const ATE::TextRangeSuite ateTextRangeTable = {
         const ATEErr error = enter("GetCharInspector", range);
         if (error == 0) {
             *inspector = make<ATE::CharInspectorObject>();
-            for (std::size_t run = range->firstRun; run < range->endRun; ++run) {
+            for (std::size_t run = range->run; run < range->endRun; ++run) {
                 const std::vector<AIFontKey>& fonts = range->art->runs[run];
                 (*inspector)->fonts.insert((*inspector)->fonts.end(), fonts.begin(), fonts.end());
             }
@@ -159,7 +154,7 @@ const ATE::TextRangeSuite ateTextRangeTable = {
         if (error == 0 && isDead(features, "ReplaceOrAddLocalCharFeatures")) {
             error = deadReference;
         }
-        for (std::size_t run = range->firstRun; error == 0 && run < range->endRun; ++run) {
+        for (std::size_t run = range->run; error == 0 && run < range->endRun; ++run) {
             range->art->runs[run] = {features->font};
         }
         return error;
@@ -182,11 +177,7 @@ const ATE::TextRunsIteratorSuite ateRunsTable = {
         if (iterator->run >= iterator->endRun) {
             return outOfRange;
         }
-        *range = make<ATE::TextRangeObject>();
-        (*range)->art = iterator->art;
-        (*range)->firstRun = iterator->run;
-        (*range)->endRun = iterator->run + 1;
-        return 0;
+        return giveRuns(*iterator, iterator->run + 1, range);
     },
     .Next = [](ATE::TextRunsIteratorRef iterator) -> ATEErr {
         const ATEErr error = enter("Next", iterator);

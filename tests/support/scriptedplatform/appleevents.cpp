@@ -57,10 +57,6 @@ OSErr read(const Parameter& parameter, DescType desiredType, DescType* actualTyp
 
 } // namespace
 
-void AEInitializeDesc(AEDesc* desc) {
-    *desc = {};
-}
-
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
     const Platform* const platform = Platform::current();
     if (platform == nullptr || platform->createDescStatus != noErr) {
@@ -95,11 +91,6 @@ OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const v
         keyword, Parameter{type, std::string(static_cast<const char*>(data),
                                              static_cast<std::size_t>(size))});
     return noErr;
-}
-
-OSErr AEPutAttributePtr(AppleEvent* /*event*/, AEKeyword /*keyword*/, DescType /*type*/,
-                        const void* /*data*/, Size /*size*/) {
-    return paramErr;
 }
 
 OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,

@@ -75,14 +75,6 @@ CFStringRef CFStringCreateWithCString(const void* /*allocator*/, const char* tex
     return new PLString(text); // owned by the caller until CFRelease
 }
 
-bool CFStringGetCString(CFStringRef text, char* buffer, long size, CFStringEncoding /*encoding*/) {
-    if (static_cast<std::size_t>(size) <= text->text.size()) {
-        return false;
-    }
-    std::memcpy(buffer, text->text.c_str(), text->text.size() + 1);
-    return true;
-}
-
 void CFShow(CFTypeRef object) {
     Platform::current()->shown.push_back(
         object == nullptr ? "(null)" : static_cast<const Object*>(object)->text);

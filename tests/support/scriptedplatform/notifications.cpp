@@ -51,12 +51,3 @@ std::uint32_t notify_cancel(int token) {
     platform->cancelled.push_back(token);
     return platform->tokens.erase(token) == 1 ? NOTIFY_STATUS_OK : NOTIFY_STATUS_INVALID_TOKEN;
 }
-
-std::uint32_t notify_post(const char* name) {
-    Platform* const platform = Platform::current();
-    if (platform == nullptr) {
-        return NOTIFY_STATUS_FAILED;
-    }
-    platform->post(name);
-    return NOTIFY_STATUS_OK;
-}

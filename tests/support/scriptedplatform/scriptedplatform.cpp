@@ -2,8 +2,6 @@
 // The script that the services read, and its short forms.
 #include "tests/support/scriptedplatform/scriptedplatform.h"
 
-#include "platform/application.h"
-
 #include <algorithm>
 #include <atomic>
 #include <stdexcept>
@@ -51,14 +49,6 @@ Answer failedAnswer(OSStatus status) {
     Answer answer;
     answer.status = status;
     return answer;
-}
-
-void Platform::deliver(AEEventClass eventClass, AEEventID eventID, Parameters parameters) {
-    SentEvent event;
-    event.eventClass = eventClass;
-    event.eventID = eventID;
-    event.parameters = std::move(parameters);
-    pending.push_back(std::move(event));
 }
 
 bool Platform::hasHandler(AEEventClass eventClass, AEEventID eventID) const {

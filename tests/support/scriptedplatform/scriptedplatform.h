@@ -68,7 +68,7 @@ struct Process {
     double appearsAt = 0;
 };
 
-/// The services of one test. One at a time; without one every service fails.
+/// The services of one test, of which those are here that the plug-in calls. One at a time.
 /// Threads: notifications on any; everything else on the test's own.
 class Platform {
 public:
@@ -101,9 +101,7 @@ public:
     OSErr createDescStatus = noErr;
     OSErr createEventStatus = noErr;
     OSErr putParameterStatus = noErr;
-    /// Brings an event in; PLDispatchPendingEvents hands it to the installed handler.
-    void deliver(AEEventClass eventClass, AEEventID eventID, Parameters parameters = {});
-    /// deliver() and dispatch at once; what the handler returned, or errAEHandlerNotFound.
+    /// Hands an event to the installed handler; what that returned, or errAEHandlerNotFound.
     OSErr handle(AEEventClass eventClass, AEEventID eventID);
     bool hasHandler(AEEventClass eventClass, AEEventID eventID) const;
 
@@ -134,8 +132,6 @@ public:
         int idleChecks = 0; // since the last posting
     };
     std::vector<Handler> handlers;
-    std::deque<SentEvent> pending;
-    bool isApplication = false;
     std::mutex notificationLock;
     std::condition_variable noticed;
     std::map<int, Token> tokens;

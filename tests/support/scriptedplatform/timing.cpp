@@ -10,27 +10,13 @@ namespace {
 
 constexpr double ticksPerSecond = 60;
 
-double lookAtClock() {
-    Platform* const platform = Platform::current();
-    return platform == nullptr ? 0 : platform->now += platform->clockStep;
-}
-
 } // namespace
 
-std::uint32_t TickCount() {
-    return static_cast<std::uint32_t>(lookAtClock() * ticksPerSecond);
-}
-
-void Delay(std::uint32_t ticks, std::uint32_t* finalTicks) {
-    if (Platform* const platform = Platform::current()) {
-        platform->delays.push_back(ticks);
-        platform->now += ticks / ticksPerSecond;
-    }
-    if (finalTicks != nullptr) {
-        *finalTicks = TickCount();
-    }
+void Delay(std::uint32_t ticks, std::uint32_t* /*finalTicks*/) {
+    Platform::current()->delays.push_back(ticks);
+    Platform::current()->now += ticks / ticksPerSecond;
 }
 
 double CFAbsoluteTimeGetCurrent() {
-    return lookAtClock();
+    return Platform::current()->now += Platform::current()->clockStep;
 }
