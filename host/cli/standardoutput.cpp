@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <iostream>
 
@@ -14,39 +13,25 @@ namespace host {
 ReservedOutput::ReservedOutput(Chatter chatter) {
     std::cout.flush();
     std::fflush(stdout);
-    kept_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int nothing = chatter == Chatter::Dropped ? open("/dev/null", O_WRONLY | O_CLOEXEC) : -1;
-    if (kept_ >= 0) {
-        dup2(nothing >= 0 ? nothing : STDERR_FILENO, STDOUT_FILENO);
-    }
-    if (nothing >= 0) {
-        close(nothing);
+    kept_ = sys::Descriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    const sys::Descriptor nothing(
+        chatter == Chatter::Dropped ? open("/dev/null", O_WRONLY | O_CLOEXEC) : -1);
+    if (kept_) {
+        dup2(nothing ? nothing.get() : STDERR_FILENO, STDOUT_FILENO);
     }
 }
 
 ReservedOutput::~ReservedOutput() {
-    if (kept_ < 0) {
+    if (!kept_) {
         return;
     }
     std::cout.flush();
     std::fflush(stdout);
-    dup2(kept_, STDOUT_FILENO);
-    close(kept_);
+    dup2(kept_.get(), STDOUT_FILENO);
 }
 
 bool ReservedOutput::write(std::string_view text) const {
-    const int descriptor = kept_ >= 0 ? kept_ : STDOUT_FILENO;
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
+    return sys::writeAll(kept_ ? kept_.get() : STDOUT_FILENO, text);
 }
 
 } // namespace host

@@ -2,6 +2,8 @@
 // Keeps standard output for the report, whatever plug-ins print meanwhile.
 #pragma once
 
+#include "system/descriptor.h"
+
 #include <string_view>
 
 namespace host {
@@ -23,7 +25,7 @@ public:
     bool write(std::string_view text) const;
 
 private:
-    int kept_ = -1;
+    sys::Descriptor kept_;
 };
 
 } // namespace host

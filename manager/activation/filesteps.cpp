@@ -5,7 +5,6 @@
 #include "manager/library/error.h"
 #include "manager/library/places.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -19,11 +18,11 @@ namespace manager {
 namespace {
 
 void copyFile(const std::string& source, const std::string& target) {
-    const Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+    const sys::Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
     if (!from) {
         throw systemError(source, "cannot be read", errno);
     }
-    const Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+    const sys::Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
     if (!to) {
         throw systemError(target, "cannot be written", errno);
     }
@@ -39,13 +38,8 @@ void copyFile(const std::string& source, const std::string& target) {
         if (count == 0) {
             break;
         }
-        for (ssize_t done = 0; done < count;) {
-            const ssize_t written =
-                write(to.get(), block + done, static_cast<std::size_t>(count - done));
-            if (written < 0 && errno != EINTR) {
-                throw systemError(target, "cannot be written", errno);
-            }
-            done += std::max<ssize_t>(written, 0);
+        if (!sys::writeAll(to.get(), {block, static_cast<std::size_t>(count)})) {
+            throw systemError(target, "cannot be written", errno);
         }
     }
     if (fsync(to.get()) != 0) {

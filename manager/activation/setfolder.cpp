@@ -79,7 +79,7 @@ void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
     // quicker.
     constexpr std::size_t few = 8;
     if (sets.size() > few) {
-        const Descriptor root(open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const sys::Descriptor root(open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!root || syncfs(root.get()) != 0) {
             throw systemError(root_, "cannot be synced", errno);
         }

@@ -107,4 +107,9 @@ void writeSetRecordFile(const std::string& path, const SetRecord& record) {
     writeFile(path, recordText(record));
 }
 
+void replaceSetRecordFile(const std::string& path, const SetRecord& record,
+                          std::string_view aside) {
+    replaceFile(path, recordText(record), aside);
+}
+
 } // namespace manager

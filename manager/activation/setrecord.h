@@ -66,5 +66,7 @@ std::optional<SetRecord> readSetRecordFile(const std::string& path);
 
 /// Writes a record, unsynced. Throws Error.
 void writeSetRecordFile(const std::string& path, const SetRecord& record);
+/// Replaces a record at one stroke, written under a name that begins with `aside`. Throws Error.
+void replaceSetRecordFile(const std::string& path, const SetRecord& record, std::string_view aside);
 
 } // namespace manager

@@ -5,8 +5,6 @@
 #include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <string_view>
@@ -44,19 +42,7 @@ void SetStaging::makeFolder(ContainerId id) const {
 }
 
 void SetStaging::replaceRecord(const std::string& place, const SetRecord& record) const {
-    const std::string written = folder(record.id) + ".record";
-    const std::string target = place + "/" + setRecordName;
-    try {
-        writeSetRecordFile(written, record);
-        syncFile(written);
-        if (rename(written.c_str(), target.c_str()) != 0) {
-            throw systemError(target, "cannot be replaced", errno);
-        }
-    } catch (const Error&) {
-        unlink(written.c_str());
-        throw;
-    }
-    syncFolder(place);
+    replaceSetRecordFile(place + "/" + setRecordName, record, folder(record.id) + ".record");
 }
 
 std::vector<ContainerId> SetStaging::takenRecords() const {
@@ -73,7 +59,7 @@ std::vector<ContainerId> SetStaging::takenRecords() const {
 }
 
 void SetStaging::markUnsettled() const noexcept {
-    const Descriptor mark(open(markPath(path_).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    const sys::Descriptor mark(open(markPath(path_).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
 }
 
 void SetStaging::unmarkUnsettled() const noexcept {

@@ -86,7 +86,7 @@ public:
 private:
     static constexpr int patienceMilliseconds = 5000;
 
-    Descriptor process_;
+    sys::Descriptor process_;
 };
 
 } // namespace

@@ -62,8 +62,8 @@ private:
 
     std::string own_;
     std::string list_; ///< the name in it of the list of recorded folders
-    Descriptor inotify_;
-    Descriptor mountInfo_;
+    sys::Descriptor inotify_;
+    sys::Descriptor mountInfo_;
     Mounts mounts_;
     bool mountHeard_ = false;
     std::vector<std::string> roots_;

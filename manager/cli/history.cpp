@@ -68,7 +68,7 @@ void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
     if (isFull(path)) {
         putAside(path);
     }
-    const Descriptor file(
+    const sys::Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
     const std::string now = std::to_string(std::time(nullptr));
     std::string lines;

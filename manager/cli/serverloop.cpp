@@ -32,14 +32,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// Blocks the signals that the loop reads, before any thread of the bus begins.
-Descriptor readSignals() {
+sys::Descriptor readSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) {
         sigaddset(&signals, number);
     }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+    sys::Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     if (!descriptor) {
         throw systemError("serve", "cannot read signals", errno);
     }
@@ -58,7 +58,7 @@ public:
         }
         kill(process_, SIGTERM);
         // It ends at once, unless a file system holds it up; that must not hold the server up.
-        const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, process_, 0)));
+        const sys::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, process_, 0)));
         pollfd ended{process.get(), POLLIN, 0};
         if (!process || poll(&ended, 1, patienceMilliseconds) != 1) {
             kill(process_, SIGKILL);
@@ -233,7 +233,7 @@ constexpr std::chrono::milliseconds longestScanDelay{5000};
 
 class Loop {
 public:
-    Loop(const Places& places, bool verbose, Descriptor signals)
+    Loop(const Places& places, bool verbose, sys::Descriptor signals)
         : signals_(std::move(signals)), server_(places, verbose), watch_(places) {}
 
     void run() {
@@ -315,7 +315,7 @@ private:
         }
     }
 
-    Descriptor signals_;
+    sys::Descriptor signals_;
     Server server_;
     FolderWatch watch_;
     ScanProcess scan_;
@@ -326,7 +326,7 @@ private:
 } // namespace
 
 int serveCommand(const Places& places, bool verbose) {
-    Descriptor signals = readSignals();
+    sys::Descriptor signals = readSignals();
     // The signature first: whoever launched this process sees it, and its events wait for us.
     std::optional<Registration> registration(std::in_place);
     if (registration->status() == kPLAlreadyRunningErr) {

@@ -57,7 +57,7 @@ public:
 
 private:
     const std::string& path_;
-    Descriptor file_;
+    sys::Descriptor file_;
     std::int64_t size_ = 0;
 };
 

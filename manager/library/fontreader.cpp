@@ -153,8 +153,8 @@ public:
         if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
             throw systemError("font reader", "no socket", errno);
         }
-        socket_ = Descriptor(ends[0]);
-        const Descriptor theirs(ends[1]);
+        socket_ = sys::Descriptor(ends[0]);
+        const sys::Descriptor theirs(ends[1]);
         process_ = fork();
         if (process_ < 0) {
             throw systemError("font reader", "no process", errno);
@@ -231,7 +231,7 @@ public:
 private:
     static constexpr std::size_t maximumAnswer = std::size_t{16} << 20U;
 
-    Descriptor socket_;
+    sys::Descriptor socket_;
     pid_t process_ = -1;
     std::size_t position_ = 0;
     Clock::time_point deadline_;

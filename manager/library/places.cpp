@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Data folders, atomic replacement of files, locks.
+// Data folders, files as a whole, locks.
 #include "manager/library/places.h"
 
 #include "manager/library/error.h"
+#include "system/replacefile.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace manager {
 
@@ -36,22 +34,6 @@ Places Places::fromEnvironment() {
     return {path};
 }
 
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    if (this != &other) {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-        descriptor_ = other.release();
-    }
-    return *this;
-}
-
-Descriptor::~Descriptor() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-}
-
 void makeFolders(const std::string& path) {
     std::error_code code;
     std::filesystem::create_directories(path, code);
@@ -61,36 +43,22 @@ void makeFolders(const std::string& path) {
 }
 
 void writeFile(const std::string& path, std::string_view text) {
-    const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-    if (!file) {
+    const sys::Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    if (!file || !sys::writeAll(file.get(), text)) {
         throw systemError(path, "cannot be written", errno);
-    }
-    while (!text.empty()) {
-        const ssize_t written = write(file.get(), text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            throw systemError(path, "cannot be written", errno);
-        }
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
     }
 }
 
-void replaceFile(const std::string& path, std::string_view text) {
-    const std::string beside = path + "." + std::to_string(getpid()) + ".new";
+void replaceFile(const std::string& path, std::string_view text, std::string_view aside) {
     try {
-        writeFile(beside, text);
-        syncFile(beside);
-        if (rename(beside.c_str(), path.c_str()) != 0) {
-            throw systemError(path, "cannot be replaced", errno);
-        }
-    } catch (const Error&) {
-        unlink(beside.c_str());
-        throw;
+        sys::replaceFile(path, text, aside);
+    } catch (const std::system_error& error) {
+        throw Error(error.what());
     }
-    syncFolder(folderOf(path));
 }
 
 std::string readFile(const std::string& path, std::size_t limit) {
-    Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) {
         throw systemError(path, "cannot be read", errno);
     }
@@ -115,15 +83,15 @@ std::string readFile(const std::string& path, std::size_t limit) {
 }
 
 void syncFolder(const std::string& path) {
-    Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems cannot sync a folder and say EINVAL; there is nothing to make good then.
-    if (!folder || (fsync(folder.get()) != 0 && errno != EINVAL)) {
-        throw systemError(path, "cannot be synced", errno);
+    try {
+        sys::syncFolder(path);
+    } catch (const std::system_error& error) {
+        throw Error(error.what());
     }
 }
 
 void syncFile(const std::string& path) {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file || fsync(file.get()) != 0) {
         throw systemError(path, "cannot be synced", errno);
     }

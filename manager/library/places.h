@@ -2,6 +2,8 @@
 // Where the manager keeps its data, and a few steps with files that every part of it needs.
 #pragma once
 
+#include "system/descriptor.h"
+
 #include <string>
 #include <string_view>
 
@@ -22,38 +24,15 @@ struct Places {
     [[nodiscard]] std::string fonts() const { return data + "/fonts/glyphora"; }
 };
 
-/// Owns a file descriptor.
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    Descriptor(Descriptor&& other) noexcept : descriptor_(other.release()) {}
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor();
-
-    [[nodiscard]] int get() const { return descriptor_; }
-    explicit operator bool() const { return descriptor_ >= 0; }
-    int release() {
-        const int descriptor = descriptor_;
-        descriptor_ = -1;
-        return descriptor;
-    }
-
-private:
-    int descriptor_ = -1;
-};
-
 /// Makes the folder and those above it. Throws Error.
 void makeFolders(const std::string& path);
 
 /// Writes a file of this text, replacing one there. Throws Error; not synced.
 void writeFile(const std::string& path, std::string_view text);
 
-/// Replaces the file by `text`: written beside it, synced, renamed. Throws Error and leaves the old
-/// file as it was.
-void replaceFile(const std::string& path, std::string_view text);
+/// Replaces the file by `text` at one stroke, as sys::replaceFile does. Throws Error and leaves the
+/// old file as it was.
+void replaceFile(const std::string& path, std::string_view text, std::string_view aside = {});
 
 /// The whole file. Throws Error; a file above `limit` bytes is one.
 std::string readFile(const std::string& path, std::size_t limit);
@@ -70,7 +49,7 @@ public:
     explicit FileLock(const std::string& path);
 
 private:
-    Descriptor file_;
+    sys::Descriptor file_;
 };
 
 /// Whether an absolute path is the folder itself or lies in it, by their names.

@@ -85,7 +85,7 @@ BusConnection::BusConnection(ContextHandle context, ObjectHandle<GDBusConnection
     GIOStream* stream = g_dbus_connection_get_stream(get());
     if (G_IS_SOCKET_CONNECTION(stream)) {
         GSocket* socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(stream));
-        socket_ = fcntl(g_socket_get_fd(socket), F_DUPFD_CLOEXEC, 0);
+        socket_ = sys::Descriptor(fcntl(g_socket_get_fd(socket), F_DUPFD_CLOEXEC, 0));
     }
     // No data goes with the filter: what it uses lives as long as the process, so it may still run
     // while the connection is being closed.
@@ -96,9 +96,6 @@ BusConnection::~BusConnection() {
     g_dbus_connection_close_sync(get(), nullptr, nullptr);
     // The notice of the closing waits in the context and holds the connection.
     while (g_main_context_iteration(context_.get(), FALSE) != 0) {
-    }
-    if (socket_ != -1) {
-        ::close(socket_);
     }
 }
 
@@ -151,9 +148,9 @@ bool BusConnection::alive() const {
         return false;
     }
     // GDBus tells of the end only after its thread has read up to it; the socket tells at once.
-    pollfd watched{socket_, POLLRDHUP, 0};
+    pollfd watched{socket_.get(), POLLRDHUP, 0};
     // A signal that interrupts this tells nothing of the bus.
-    return socket_ == -1 || ::poll(&watched, 1, 0) <= 0;
+    return !socket_ || ::poll(&watched, 1, 0) <= 0;
 }
 
 VariantHandle BusConnection::callBus(const char* method, GVariant* arguments, const char* replyType,

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "glibhandles.h"
+#include "system/descriptor.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,7 +31,7 @@ public:
     /// False from the moment the bus has hung up.
     bool alive() const;
     /// The connection's socket, duplicated, to watch for the bus hanging up; owned by this object.
-    int socket() const { return socket_; }
+    int socket() const { return socket_.get(); }
     /// Tells connections apart; never 0.
     std::uint64_t serial() const { return serial_; }
     /// This process' own name on the bus (":1.42").
@@ -45,7 +46,7 @@ private:
 
     ContextHandle context_;
     ObjectHandle<GDBusConnection> connection_;
-    int socket_ = -1;
+    sys::Descriptor socket_;
     std::uint64_t serial_;
 };
 

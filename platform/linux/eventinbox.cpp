@@ -6,7 +6,6 @@
 
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -57,19 +56,19 @@ bool EventInbox::open(std::shared_ptr<BusConnection> connection, OSType signatur
     if (connection_) {
         return false;
     }
-    waitingFlag_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    descriptor_ = epoll_create1(EPOLL_CLOEXEC);
+    sys::Descriptor waitingFlag(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    sys::Descriptor descriptor(epoll_create1(EPOLL_CLOEXEC));
     epoll_event arrival{EPOLLIN, {}};
     epoll_event hangUp{EPOLLRDHUP, {}};
     const bool watched =
-        epoll_ctl(descriptor_, EPOLL_CTL_ADD, waitingFlag_, &arrival) == 0 &&
+        epoll_ctl(descriptor.get(), EPOLL_CTL_ADD, waitingFlag.get(), &arrival) == 0 &&
         (connection->socket() == -1 ||
-         epoll_ctl(descriptor_, EPOLL_CTL_ADD, connection->socket(), &hangUp) == 0);
+         epoll_ctl(descriptor.get(), EPOLL_CTL_ADD, connection->socket(), &hangUp) == 0);
     if (!watched) {
-        ::close(std::exchange(waitingFlag_, -1));
-        ::close(std::exchange(descriptor_, -1));
         return false;
     }
+    waitingFlag_ = std::move(waitingFlag);
+    descriptor_ = std::move(descriptor);
     connection_ = std::move(connection);
     signature_ = signature;
     name_ = std::move(name);
@@ -85,8 +84,8 @@ std::shared_ptr<BusConnection> EventInbox::close() {
     }
     refused.swap(queue_);
     queuedBytes_ = 0;
-    ::close(std::exchange(waitingFlag_, -1));
-    ::close(std::exchange(descriptor_, -1));
+    waitingFlag_.close();
+    descriptor_.close();
     return std::exchange(connection_, nullptr);
 }
 
@@ -107,7 +106,7 @@ std::string EventInbox::name() {
 
 int EventInbox::descriptor() {
     const std::scoped_lock lock(mutex_);
-    return descriptor_;
+    return descriptor_.get();
 }
 
 bool EventInbox::isConnected() {
@@ -130,7 +129,7 @@ std::optional<IncomingEvent> EventInbox::next() {
     queuedBytes_ -= taken->event.wireSize();
     if (queue_.empty()) {
         eventfd_t ignored = 0;
-        eventfd_read(waitingFlag_, &ignored);
+        eventfd_read(waitingFlag_.get(), &ignored);
     }
     return taken;
 }
@@ -164,7 +163,7 @@ void EventInbox::accept(IncomingEvent incoming) {
     queue_.push_back(std::move(incoming));
     queuedBytes_ += size;
     if (queue_.size() == 1) {
-        eventfd_write(waitingFlag_, 1);
+        eventfd_write(waitingFlag_.get(), 1);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "busconnection.h"
 #include "event.h"
+#include "system/descriptor.h"
 
 #include <deque>
 #include <memory>
@@ -81,8 +82,8 @@ private:
     OSType signature_ = 0;
     std::string name_;
     std::thread::id dispatcher_;
-    int waitingFlag_ = -1; ///< eventfd, counts 1 while the queue is not empty
-    int descriptor_ = -1;  ///< epoll over waitingFlag_ and the socket's hanging up
+    sys::Descriptor waitingFlag_; ///< eventfd, counts 1 while the queue is not empty
+    sys::Descriptor descriptor_;  ///< epoll over waitingFlag_ and the socket's hanging up
     std::deque<IncomingEvent> queue_;
     std::size_t queuedBytes_ = 0;
 };

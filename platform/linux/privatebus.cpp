@@ -4,6 +4,7 @@
 
 #include "glibhandles.h"
 #include "signalmask.h"
+#include "system/descriptor.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -26,24 +27,6 @@ namespace platform {
 namespace {
 
 constexpr int startTimeoutMilliseconds = 10'000;
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return descriptor_; }
-    void close() {
-        if (descriptor_ != -1) {
-            ::close(descriptor_);
-            descriptor_ = -1;
-        }
-    }
-
-private:
-    int descriptor_;
-};
 
 struct Started {
     std::string address; ///< empty: `reason` tells why
@@ -113,8 +96,8 @@ void keepDaemon(std::promise<Started> started) {
     if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
         return started.set_value({{}, std::generic_category().message(errno)});
     }
-    const Descriptor readEnd(pipe[0]);
-    Descriptor writeEnd(pipe[1]);
+    const sys::Descriptor readEnd(pipe[0]);
+    sys::Descriptor writeEnd(pipe[1]);
 
     const pid_t parent = getpid();
     const pid_t child = fork();

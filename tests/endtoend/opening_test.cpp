@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A drawing opens, and its missing fonts are found, asked for and activated.
+#include "system/descriptor.h"
 #include "world.h"
 
 #include <gmock/gmock.h>
@@ -20,12 +21,11 @@ using testing::Not;
 /// A process that is being torn down may still look alive to others; afterwards its sockets are
 /// closed.
 void killAndWait(pid_t process) {
-    const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
-    ASSERT_NE(descriptor, -1);
+    const sys::Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+    ASSERT_TRUE(ended);
     ASSERT_EQ(kill(process, SIGKILL), 0);
-    pollfd watched{descriptor, POLLIN, 0};
+    pollfd watched{ended.get(), POLLIN, 0};
     EXPECT_EQ(poll(&watched, 1, -1), 1);
-    close(descriptor);
 }
 
 /// One family on the desktop, one in the library, one in two containers of it, one with characters

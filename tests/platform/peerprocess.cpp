@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <csignal>
 #include <stdexcept>
-#include <utility>
 
 namespace platformtest {
 
@@ -39,12 +38,12 @@ PeerProcess::PeerProcess(std::vector<std::string> arguments, Errors errors) {
     const int failure =
         posix_spawn(&child_, words.front(), &actions, nullptr, words.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    close(pipes[0][0]);
-    close(pipes[1][1]);
-    close(pipes[2][1]);
-    input_ = pipes[0][1];
-    output_ = pipes[1][0];
-    errors_ = pipes[2][0];
+    for (const int theirs : {pipes[0][0], pipes[1][1], pipes[2][1]}) {
+        close(theirs);
+    }
+    input_ = sys::Descriptor(pipes[0][1]);
+    output_ = sys::Descriptor(pipes[1][0]);
+    errors_ = sys::Descriptor(pipes[2][0]);
     if (failure != 0) {
         throw std::runtime_error("the second process could not be started");
     }
@@ -52,9 +51,6 @@ PeerProcess::PeerProcess(std::vector<std::string> arguments, Errors errors) {
 
 PeerProcess::~PeerProcess() {
     kill();
-    for (const int descriptor : {input_, output_, errors_}) {
-        close(descriptor);
-    }
 }
 
 std::string PeerProcess::readLine(int pipe) {
@@ -67,7 +63,7 @@ std::string PeerProcess::readLine(int pipe) {
 }
 
 void PeerProcess::prompt() {
-    if (write(input_, "\n", 1) != 1) {
+    if (write(input_.get(), "\n", 1) != 1) {
         throw std::runtime_error("the second process does not listen");
     }
 }
@@ -80,7 +76,7 @@ void PeerProcess::kill() {
 }
 
 int PeerProcess::wait() {
-    close(std::exchange(input_, -1));
+    input_.close();
     int status = 0;
     while (waitpid(child_, &status, 0) < 0 && errno == EINTR) {
     }

@@ -2,6 +2,8 @@
 // A second process for a test: started, talked to by lines, killed and awaited.
 #pragma once
 
+#include "system/descriptor.h"
+
 #include <string>
 #include <vector>
 
@@ -21,9 +23,9 @@ public:
 
     pid_t processID() const { return child_; }
     /// The next line of its standard output, waiting for it; empty at the end.
-    std::string readLine() { return readLine(output_); }
+    std::string readLine() { return readLine(output_.get()); }
     /// The same of its standard error, where that is captured.
-    std::string readErrorLine() { return readLine(errors_); }
+    std::string readErrorLine() { return readLine(errors_.get()); }
     /// Sends a line to its standard input.
     void prompt();
     /// Kills it and waits until it is gone.
@@ -35,9 +37,9 @@ private:
     static std::string readLine(int pipe);
 
     pid_t child_ = -1;
-    int input_ = -1;
-    int output_ = -1;
-    int errors_ = -1;
+    sys::Descriptor input_;
+    sys::Descriptor output_;
+    sys::Descriptor errors_;
 };
 
 } // namespace platformtest

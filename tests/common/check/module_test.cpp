@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The built module: what it exports, and that its object survives when its code is unmapped and
 // mapped again at another address.
+#include "system/descriptor.h"
 #include "tests/support/scriptedhost/scriptedhost.h"
 
 #include <gmock/gmock.h>
@@ -77,14 +78,10 @@ public:
         std::ifstream original(modulePath, std::ios::binary);
         std::ofstream(path(), std::ios::binary) << original.rdbuf();
     }
-    Copy(const Copy&) = delete;
-    Copy& operator=(const Copy&) = delete;
-    ~Copy() { close(file_); }
-
-    std::string path() const { return "/proc/self/fd/" + std::to_string(file_); }
+    std::string path() const { return "/proc/self/fd/" + std::to_string(file_.get()); }
 
 private:
-    int file_;
+    sys::Descriptor file_;
 };
 
 TEST(TheModule, ExportsItsEntryPointAndNothingElse) {

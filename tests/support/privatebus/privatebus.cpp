@@ -2,6 +2,8 @@
 // Starting and ending the bus daemon of a test.
 #include "tests/support/privatebus/privatebus.h"
 
+#include "system/descriptor.h"
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -53,6 +55,8 @@ PrivateBus::PrivateBus(const std::string& listenAddress) {
     if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe for the bus daemon");
     }
+    const sys::Descriptor readEnd(pipe[0]);
+    sys::Descriptor writeEnd(pipe[1]);
     const std::string address = "--address=" + listenAddress;
     const char* addressOption = listenAddress.empty() ? nullptr : address.c_str();
     const pid_t parent = getpid();
@@ -60,9 +64,8 @@ PrivateBus::PrivateBus(const std::string& listenAddress) {
     if (daemon_ == 0) {
         becomeDaemon(parent, pipe[1], addressOption);
     }
-    close(pipe[1]);
-    address_ = daemon_ > 0 ? readLine(pipe[0]) : "";
-    close(pipe[0]);
+    writeEnd.close();
+    address_ = daemon_ > 0 ? readLine(readEnd.get()) : "";
     if (address_.empty()) {
         stop();
         throw std::runtime_error("dbus-daemon could not be started");

@@ -336,17 +336,6 @@ TEST(ASavedDrawing, ReplacesTheFileThatALinkLeadsToAndKeepsItsRights) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
 }
 
-TEST(ASavedDrawing, IsCreatedWhereALinkWithoutAFileLeads) {
-    Folder folder;
-    std::filesystem::create_directory(folder / "real");
-    std::filesystem::create_symlink("real/hop.svg", folder / "link.svg");
-    std::filesystem::create_symlink("drawing.svg", folder / "real/hop.svg");
-    read("").save(folder / "link.svg");
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "real/hop.svg"));
-    EXPECT_EQ(bytesOf(folder / "real/drawing.svg"), drawing(""));
-}
-
 TEST(ASavedDrawing, GoesThroughAPipeThatStaysOne) {
     Folder folder;
     const std::string pipe = (folder / "pipe.svg").string();
