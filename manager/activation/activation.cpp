@@ -1,31 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Batches of activations, and what is active.
+// Batches of activations and deactivations.
 #include "manager/activation/activation.h"
 
 #include "manager/activation/desktopfonts.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <set>
-#include <unistd.h>
 
 namespace manager {
 
 namespace {
-
-SetRecord recordOf(const ContainerFonts& container) {
-    SetRecord record{container.id, container.name, SetState::Active, {}};
-    std::set<std::string> names;
-    for (const LibraryFile& file : container.files) {
-        // Files of a container share a folder, so their names differ.
-        if (names.insert(nameOf(file.path)).second) {
-            record.files.push_back({nameOf(file.path), file.path, file.stamp, false});
-        }
-    }
-    return record;
-}
 
 /// Tells what is wrong with files of a container, each a line; of one that is lost whole the first
 /// file's line stands for all.
@@ -66,6 +52,18 @@ void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string
 
 } // namespace
 
+SetRecord recordOf(const ContainerFonts& container) {
+    SetRecord record{container.id, container.name, SetState::Active, {}};
+    std::set<std::string> names;
+    for (const LibraryFile& file : container.files) {
+        // Files of a container share a folder, so their names differ.
+        if (names.insert(nameOf(file.path)).second) {
+            record.files.push_back({nameOf(file.path), file.path, file.stamp, false});
+        }
+    }
+    return record;
+}
+
 Activation::Activation(const Places& places, StepObserver observer)
     : folders_(places.fonts(), std::move(observer)) {
     makeFolders(folders_.staging().path());
@@ -74,74 +72,6 @@ Activation::Activation(const Places& places, StepObserver observer)
 FileLock Activation::lock() const {
     makeFolders(folders_.staging().path()); // a person may have tidied up
     return FileLock(folders_.root() + "/.lock");
-}
-
-std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
-    try {
-        auto record = readSetRecord(folders_.folder(id));
-        return record && record->state == SetState::Active ? std::move(record) : std::nullopt;
-    } catch (const Error&) {
-        return std::nullopt; // told when something is done with the set
-    }
-}
-
-std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {
-    auto record = recordInPlace(id);
-    return record ? std::move(record->files) : std::vector<SetFile>();
-}
-
-bool Activation::isActive(const Container& container) const {
-    const auto record = recordInPlace(container.id);
-    return record && isSetOf(*record, container.name, container.folder);
-}
-
-std::set<std::string> Activation::activeFiles(const ContainerFonts& container) const {
-    std::set<std::string> names;
-    const auto record = recordInPlace(container.id);
-    const SetRecord wanted = recordOf(container);
-    if (!record || !isSetOf(*record, wanted.name, libraryFolder(wanted))) {
-        return names;
-    }
-    const FilesByName inPlace(*record);
-    const std::string folder = folders_.folder(container.id) + "/";
-    for (const SetFile& file : wanted.files) {
-        const SetFile* known = inPlace.find(file.name);
-        if (known != nullptr && *known == file && access((folder + file.name).c_str(), F_OK) == 0) {
-            names.insert(file.name);
-        }
-    }
-    return names;
-}
-
-std::vector<ContainerId> Activation::setsOnDisk() const {
-    std::vector<ContainerId> ids;
-    std::error_code code;
-    for (std::filesystem::directory_iterator entry(folders_.root(), code), end;
-         !code && entry != end; entry.increment(code)) {
-        if (const auto id = toContainerId(entry->path().filename().string())) {
-            ids.push_back(*id);
-        }
-    }
-    if (code) {
-        throw systemError(folders_.root(), "cannot be read", code.value());
-    }
-    std::sort(ids.begin(), ids.end());
-    return ids;
-}
-
-std::vector<ActiveContainer>
-Activation::active(const std::function<void(const std::string&)>& report) const {
-    std::vector<ActiveContainer> result;
-    for (const ContainerId id : setsOnDisk()) {
-        try {
-            if (const auto record = readSetRecord(folders_.folder(id))) {
-                result.push_back({id, record->name, record->files.size()});
-            }
-        } catch (const Error& error) {
-            report(error.what());
-        }
-    }
-    return result;
 }
 
 void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes) {

@@ -22,6 +22,9 @@ struct ContainerFonts {
     std::vector<LibraryFile> files;
 };
 
+/// The record that its set has when all of it is in place.
+SetRecord recordOf(const ContainerFonts& container);
+
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container, as it was wanted
     bool changed = false; ///< the files that lie there for it are not those of before
@@ -58,8 +61,10 @@ public:
     /// Activates a batch, each container in it once, with one reload for all of it. A file that
     /// cannot be had or that the desktop does not see costs only itself. Never throws for one
     /// container's fault.
-    std::vector<ActivationOutcome> activate(std::span<const ContainerFonts> containers);
-    std::vector<ActivationOutcome> deactivate(std::span<const ContainerId> containers);
+    [[nodiscard]] std::vector<ActivationOutcome>
+    activate(std::span<const ContainerFonts> containers);
+    [[nodiscard]] std::vector<ActivationOutcome>
+    deactivate(std::span<const ContainerId> containers);
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
     /// the files that cannot be had), sets that were leaving go. Told to `report`, a line each. A

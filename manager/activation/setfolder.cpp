@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The steps on disk of putting a set in place and bringing it up to date.
+// The steps on disk of putting a set in place.
 #include "manager/activation/setfolder.h"
 
 #include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
-#include <utility>
 
 namespace manager {
 
@@ -106,96 +103,6 @@ void SetFolders::discard(ContainerId id) noexcept {
 void SetFolders::syncPlaced() const {
     step("sync");
     syncFolder(root_);
-}
-
-SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wanted,
-                                        std::vector<LostFile>& lost) {
-    const std::string place = folder(wanted.id);
-    const std::string prepared = staging_.folder(wanted.id);
-    const FilesByName known(current);
-    const auto isThere = [&](const SetFile& file) { return exists(place + "/" + file.name); };
-    const auto isUpToDate = [&](const SetFile& file) {
-        const SetFile* before = known.find(file.name);
-        return before != nullptr && *before == file && isThere(file);
-    };
-
-    std::vector<SetFile> files;
-    std::vector<std::string> staged;
-    for (SetFile& file : wanted.files) {
-        if (isUpToDate(file)) {
-            files.push_back(std::move(file));
-            continue;
-        }
-        const SetFile* before = known.find(file.name);
-        try {
-            if (before == nullptr && isThere(file)) {
-                throw Error(place + "/" + file.name + ": is in the way and not this program's");
-            }
-            if (staged.empty()) {
-                step("make staging folder");
-                staging_.makeFolder(wanted.id);
-            }
-            stage(file, prepared);
-            staged.push_back(file.name);
-            files.push_back(std::move(file));
-        } catch (const Error& error) {
-            lost.push_back({file.name, error.what()});
-            if (before != nullptr && isThere(file)) {
-                files.push_back(*before); // an older copy is better than none
-                files.back().leaving = false;
-            }
-        }
-    }
-    wanted.files = std::move(files);
-    if (wanted.files.empty()) {
-        wanted.files = current.files;
-        return Progress::Unchanged;
-    }
-
-    SetRecord both = wanted;
-    bool replaces = false;
-    for (SetFile& file : both.files) {
-        const SetFile* before = known.find(file.name);
-        if (before != nullptr && *before != file && isThere(file)) {
-            file.stamp = {}; // until it is moved nobody knows which of the two lies there
-            replaces = true;
-        }
-    }
-    std::vector<std::string> obsolete;
-    const FilesByName stays(wanted);
-    for (const SetFile& file : current.files) {
-        if (stays.find(file.name) == nullptr) {
-            both.files.push_back(file);
-            both.files.back().leaving = true;
-            obsolete.push_back(file.name);
-        }
-    }
-    if (staged.empty() && obsolete.empty() && current == wanted) {
-        return Progress::Unchanged;
-    }
-    // From here on a crash is mended forwards: the record tells what is to be there.
-    step("write record");
-    staging_.replaceRecord(place, both);
-    for (const std::string& name : staged) {
-        step("move file into place");
-        const std::string source = std::string(prepared).append("/").append(name);
-        const std::string target = std::string(place).append("/").append(name);
-        if (rename(source.c_str(), target.c_str()) != 0) {
-            throw systemError(target, "cannot be put in place", errno);
-        }
-    }
-    for (const std::string& name : obsolete) {
-        step("remove obsolete file");
-        removeFile(std::string(place).append("/").append(name));
-    }
-    if (replaces || !obsolete.empty()) {
-        step("write record");
-        staging_.replaceRecord(place, wanted);
-    }
-    step("sync");
-    syncFolder(place);
-    discard(wanted.id);
-    return Progress::Updated;
 }
 
 SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost) {

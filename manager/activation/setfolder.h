@@ -72,6 +72,11 @@ private:
     void stage(const SetFile& file, const std::string& folder) const;
     Progress prepare(SetRecord& wanted, std::vector<LostFile>& lost);
     Progress update(const SetRecord& current, SetRecord& wanted, std::vector<LostFile>& lost);
+    /// Stages what is not in place as wanted, and makes `wanted` what can be had. The names of the
+    /// staged files.
+    std::vector<std::string> stageChanged(const SetRecord& current, SetRecord& wanted,
+                                          std::vector<LostFile>& lost);
+    void moveIntoPlace(ContainerId id, const std::vector<std::string>& staged);
     bool removeWhole(ContainerId id, bool* leftBehind);
 
     std::string root_;

@@ -4,32 +4,26 @@
 #include "manager/cli/arguments.h"
 #include "manager/cli/history.h"
 #include "manager/cli/report.h"
+#include "manager/cli/scanprocess.h"
 #include "manager/cli/server.h"
+#include "manager/cli/timer.h"
 #include "manager/library/error.h"
 #include "platform/appleevents.h"
 #include "platform/application.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <optional>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/signalfd.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
-
-extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace manager {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 /// Blocks the signals that the loop reads, before any thread of the bus begins.
 sys::Descriptor readSignals() {
@@ -45,106 +39,6 @@ sys::Descriptor readSignals() {
     }
     return descriptor;
 }
-
-/// "glyphora scan" beside the server, so that no answer waits for it and no font can harm it.
-class ScanProcess {
-public:
-    ScanProcess() = default;
-    ScanProcess(const ScanProcess&) = delete;
-    ScanProcess& operator=(const ScanProcess&) = delete;
-    ~ScanProcess() {
-        if (process_ <= 0) {
-            return;
-        }
-        kill(process_, SIGTERM);
-        // It ends at once, unless a file system holds it up; that must not hold the server up.
-        const sys::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, process_, 0)));
-        pollfd ended{process.get(), POLLIN, 0};
-        if (!process || poll(&ended, 1, patienceMilliseconds) != 1) {
-            kill(process_, SIGKILL);
-        }
-        waitpid(process_, nullptr, WNOHANG);
-    }
-
-    [[nodiscard]] bool isRunning() const { return process_ > 0; }
-
-    void start() {
-        std::array<char, 16> program{"glyphora"};
-        std::array<char, 8> command{"scan"};
-        std::array<char, 8> option{"--quiet"};
-        const std::array<char*, 4> arguments = {program.data(), command.data(), option.data(),
-                                                nullptr};
-        posix_spawnattr_t attributes;
-        posix_spawnattr_init(&attributes);
-        sigset_t none;
-        sigemptyset(&none);
-        posix_spawnattr_setsigmask(&attributes, &none);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-        const int code = posix_spawn(&process_, "/proc/self/exe", nullptr, &attributes,
-                                     arguments.data(), environ);
-        posix_spawnattr_destroy(&attributes);
-        if (code != 0) {
-            process_ = -1;
-            warn(systemError("scan", "cannot be started", code).what());
-        }
-    }
-
-    /// Whether it has ended since it was started; told once.
-    bool hasEnded() {
-        int status = 0;
-        if (process_ <= 0 || waitpid(process_, &status, WNOHANG) != process_) {
-            return false;
-        }
-        process_ = -1;
-        if (WIFSIGNALED(status)) {
-            warn("scan: ended by signal " + std::to_string(WTERMSIG(status)));
-        }
-        return true;
-    }
-
-private:
-    static constexpr int patienceMilliseconds = 2000;
-
-    pid_t process_ = -1;
-};
-
-/// A moment at which something is due, or none.
-class Timer {
-public:
-    void startUnlessRunning(std::chrono::milliseconds after) {
-        if (!due_) {
-            due_ = Clock::now() + after;
-        }
-    }
-    /// Starts anew, but puts what was due already off to `longest` from its first start at most.
-    void restart(std::chrono::milliseconds after, std::chrono::milliseconds longest) {
-        const auto now = Clock::now();
-        if (!due_) {
-            latest_ = now + longest;
-        }
-        due_ = std::min(now + after, latest_);
-    }
-    bool takeExpired() {
-        if (!due_ || *due_ > Clock::now()) {
-            return false;
-        }
-        due_.reset();
-        return true;
-    }
-    /// Shortens a wait in milliseconds (-1: for ever).
-    [[nodiscard]] int shorten(int wait) const {
-        if (!due_) {
-            return wait;
-        }
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due_ - Clock::now());
-        const int rest = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
-        return wait < 0 ? rest : std::min(wait, rest);
-    }
-
-private:
-    std::optional<Clock::time_point> due_;
-    Clock::time_point latest_;
-};
 
 /// What the event handlers reach through their reference constant.
 struct HandlerContext {

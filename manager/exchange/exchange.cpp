@@ -2,63 +2,17 @@
 // The four commands.
 #include "manager/exchange/exchange.h"
 
+#include "manager/exchange/activationbatch.h"
 #include "manager/exchange/candidates.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/replytext.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 namespace manager {
 
 namespace {
-
-/// Gathers the containers that a command activates, each once, and activates them together.
-class ActivationBatch {
-public:
-    void add(const Container& container) {
-        if (positions_.emplace(static_cast<std::int32_t>(container.id), containers_.size())
-                .second) {
-            containers_.push_back(container);
-        }
-    }
-
-    void run(Library& library, Activation& activation, Answer& answer) {
-        std::vector<ContainerFonts> fonts;
-        fonts.reserve(containers_.size());
-        for (const Container& container : containers_) {
-            fonts.push_back({container.id, container.name, library.files(container.id)});
-        }
-        outcomes_ = activation.activate(fonts);
-        for (std::size_t i = 0; i < outcomes_.size(); ++i) {
-            answer.changed = answer.changed || outcomes_[i].changed;
-            const std::vector<std::string>& problems = outcomes_[i].problems;
-            answer.problems.insert(answer.problems.end(), problems.begin(), problems.end());
-            if (outcomes_[i].changed) {
-                answer.done.push_back("activated " + containers_[i].name + " (container " +
-                                      toText(containers_[i].id) + ", " + containers_[i].path() +
-                                      ")");
-            }
-        }
-    }
-
-    [[nodiscard]] bool holds(ContainerId id) const {
-        return positions_.contains(static_cast<std::int32_t>(id));
-    }
-
-    /// Whether a file of a container in the batch is active now; every file when no name is given.
-    [[nodiscard]] bool succeeded(ContainerId id, const std::string& fileName) const {
-        const ActivationOutcome& outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
-        const bool partly = !outcome.lost.empty() && !fileName.empty();
-        return outcome.success || (partly && !outcome.lost.contains(fileName));
-    }
-
-private:
-    std::vector<Container> containers_;
-    std::unordered_map<std::int32_t, std::size_t> positions_;
-    std::vector<ActivationOutcome> outcomes_;
-};
 
 const std::string noName;
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-// One process per reader and a socket to each: a path goes there, the faces come back as field
-// lines, closed by an empty line.
+// One process per reader and a socket to each: a path goes there, an answer comes back.
 #include "manager/library/fontreader.h"
 
 #include "manager/library/error.h"
-#include "manager/library/fields.h"
-#include "manager/library/places.h"
+#include "manager/library/fontanswer.h"
+#include "system/descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -42,63 +41,6 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
-constexpr std::string_view lastingWord = "lasting";
-constexpr std::string_view passingWord = "passing";
-
-std::string encode(const FontFileContents& contents) {
-    std::string text = joinFields({"file", contents.collection ? "1" : "0"});
-    for (const FaceRecord& face : contents.faces) {
-        text += joinFields({"face", std::to_string(face.index),
-                            std::to_string(static_cast<int>(face.type)), face.postScriptName});
-        for (const FaceName& name : face.names) {
-            text += joinFields({"name", name.family, name.style});
-        }
-    }
-    return text + "\n";
-}
-
-std::string encode(std::string_view kind, std::string_view problem) {
-    return joinFields({"problem", kind, problem}) + "\n";
-}
-
-// The text comes from a process of this program, but one that may have been taken over by the file
-// it read: nothing in it is trusted.
-std::optional<FontFileOutcome> decode(std::string_view text) {
-    FontFileContents contents;
-    for (const std::string_view line : splitLines(text)) {
-        auto fields = splitFields(line);
-        if (!fields) {
-            return std::nullopt;
-        }
-        const std::string& kind = fields->front();
-        if (kind == "problem" && fields->size() == 3) {
-            return FontFileProblem{std::move((*fields)[2]), (*fields)[1] == lastingWord};
-        }
-        if (kind == "file" && fields->size() == 2) {
-            contents.collection = (*fields)[1] == "1";
-        } else if (kind == "face" && fields->size() == 4) {
-            const auto index = toNumber<std::uint32_t>((*fields)[1]);
-            const auto type = toNumber<std::uint8_t>((*fields)[2]);
-            if (!index || !type || *type > static_cast<std::uint8_t>(FontType::OpenTypeTrueType)) {
-                return std::nullopt;
-            }
-            contents.faces.push_back(
-                {*index, static_cast<FontType>(*type), std::move((*fields)[3]), {}});
-        } else if (kind == "name" && fields->size() == 3 && !contents.faces.empty()) {
-            contents.faces.back().names.push_back(
-                {std::move((*fields)[1]), std::move((*fields)[2])});
-        } else {
-            return std::nullopt;
-        }
-    }
-    const bool named = std::all_of(contents.faces.begin(), contents.faces.end(),
-                                   [](const FaceRecord& face) { return !face.names.empty(); });
-    if (contents.faces.empty() || !named) {
-        return std::nullopt;
-    }
-    return contents;
-}
-
 void limitMemory(std::size_t bytes) {
 // The sanitizers reserve terabytes of address space.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -130,13 +72,13 @@ void limitMemory(std::size_t bytes) {
         }
         std::string answer;
         try {
-            answer = encode(read(path));
+            answer = encodeAnswer(read(path));
         } catch (const std::bad_alloc&) {
-            answer = encode(passingWord, path + ": reading it takes too much memory");
+            answer = encodeAnswer(FontFileProblem{path + ": reading it takes too much memory"});
         } catch (const UnreadableNow& problem) {
-            answer = encode(passingWord, problem.what());
+            answer = encodeAnswer(FontFileProblem{problem.what()});
         } catch (const std::exception& problem) {
-            answer = encode(lastingWord, problem.what());
+            answer = encodeAnswer(FontFileProblem{problem.what(), true});
         }
         if (!sendAll(socket, answer)) {
             _exit(1);
@@ -190,8 +132,7 @@ public:
         if (!answer_.ends_with("\n\n")) {
             return std::nullopt;
         }
-        answer_.pop_back();
-        auto outcome = decode(answer_);
+        auto outcome = decodeAnswer(answer_);
         answer_.clear();
         gone = !outcome;
         return outcome;

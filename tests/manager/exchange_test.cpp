@@ -206,7 +206,7 @@ TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
             EXPECT_EQ(reply->value("activationSuccessfull"), "1");
         }
         EXPECT_THAT(answer_.problems, ElementsAre(HasSubstr("/x/both.ttf: cannot be read")));
-        activation_.deactivate(std::vector{*toContainerId(other)});
+        EXPECT_TRUE(activation_.deactivate(std::vector{*toContainerId(other)}).front().success);
     }
 }
 
@@ -247,7 +247,8 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
         {plain, "Both", plain}, {"x", "Nobody", "x"},    {idOf("Lato-Bold"), "Both", openType},
     };
     for (const auto& [containerId, psName, activated] : cases) {
-        activation_.deactivate(std::vector{*toContainerId(plain), *toContainerId(openType)});
+        static_cast<void>(
+            activation_.deactivate(std::vector{*toContainerId(plain), *toContainerId(openType)}));
         const ReplyNode root =
             ask("activationRequest", font({{"containerID", containerId}, {"psName", psName}}));
         const ReplyNode& reply = *root.all("font").at(0);

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// What a loop is to do later.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+namespace manager {
+
+/// A moment at which something is due, or none.
+class Timer {
+public:
+    void startUnlessRunning(std::chrono::milliseconds after) {
+        if (!due_) {
+            due_ = std::chrono::steady_clock::now() + after;
+        }
+    }
+    /// Starts anew, but puts what was due already off to `longest` from its first start at most.
+    void restart(std::chrono::milliseconds after, std::chrono::milliseconds longest) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!due_) {
+            latest_ = now + longest;
+        }
+        due_ = std::min(now + after, latest_);
+    }
+    bool takeExpired() {
+        if (!due_ || *due_ > std::chrono::steady_clock::now()) {
+            return false;
+        }
+        due_.reset();
+        return true;
+    }
+    /// Shortens a wait in milliseconds (-1: for ever).
+    [[nodiscard]] int shorten(int wait) const {
+        if (!due_) {
+            return wait;
+        }
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(*due_ - std::chrono::steady_clock::now());
+        const int rest = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+        return wait < 0 ? rest : std::min(wait, rest);
+    }
+
+private:
+    std::optional<std::chrono::steady_clock::time_point> due_;
+    std::chrono::steady_clock::time_point latest_;
+};
+
+} // namespace manager
