@@ -17,7 +17,7 @@ using AIBoolean = std::uint8_t;
 using SPPluginRef = struct SPPlugin*;
 
 /// Packs four characters big-endian ('!MEM' is FourChars("!MEM")), by arithmetic, so that the value
-/// does not depend on the machine's byte order. Any thread.
+/// does not depend on the machine's byte order. [any-thread]
 [[nodiscard]] constexpr std::int32_t FourChars(const char (&text)[5]) {
     std::uint32_t code = 0;
     for (int i = 0; i < 4; ++i) {

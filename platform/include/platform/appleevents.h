@@ -29,8 +29,9 @@ struct AEDesc {
 using AEAddressDesc = AEDesc;
 using AppleEvent = AEDesc;
 
-/// Called for one incoming event. `reply` takes the answer's parameters (it is thrown away when the
-/// sender waits for none). A result other than noErr is put into the reply as keyErrorNumber.
+/// [handler-thread] Called for one incoming event. `reply` takes the answer's parameters (it is
+/// thrown away if the sender waits for none). Both belong to the platform and are valid during the
+/// call. A result other than noErr is put into the reply as keyErrorNumber.
 using AEEventHandlerProcPtr = OSErr (*)(const AppleEvent* event, AppleEvent* reply, void* refCon);
 /// A routine reference made of a handler; owned by the caller until DisposeAEEventHandlerUPP.
 using AEEventHandlerUPP = struct OpaqueAEEventHandler*;

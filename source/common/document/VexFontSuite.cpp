@@ -86,13 +86,13 @@ AIErr VexFontSuite::getMissingFontInfos(FontInfos& fonts) {
     return walk.error;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): callers hand a list over
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::int32_t VexFontSuite::getNumMissingFonts(FontInfos fonts) {
     return static_cast<std::int32_t>(std::count_if(
         fonts.begin(), fonts.end(), [](const auto& info) { return !info->font.isActive; }));
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): callers hand a list over
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::int32_t VexFontSuite::getNumFontsNotInstalled(FontInfos fonts) {
     return static_cast<std::int32_t>(std::count_if(
         fonts.begin(), fonts.end(), [](const auto& info) { return info->installed == 0; }));
@@ -110,7 +110,7 @@ GLY::GLYFontRequestEvent VexFontSuite::requestFonts(const FontInfos& fonts) {
     return request;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): callers hand the names over
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void VexFontSuite::replaceFontWithFont(std::string oldPsName, std::string newName) {
     std::unordered_map<AIFontKey, bool> isOld;
     walkDocumentFonts([&](const ATE::ITextRange& run, const ATE::IFont& font) {
@@ -126,7 +126,7 @@ void VexFontSuite::replaceFontWithFont(std::string oldPsName, std::string newNam
         if (const AIErr error = sAIFont->FindFont(newName.c_str(), kAIAnyFontTechnology,
                                                   kAINoFontScript, kAIMatchAllFontNames, &newKey);
             error != kNoErr) {
-            throw std::int32_t{error}; // what callers of this operation expect
+            throw std::int32_t{error};
         }
         ATE::FontRef newFont = nullptr;
         if (const AIErr error = sAIFont->FontFromFontKey(newKey, &newFont); error != kNoErr) {

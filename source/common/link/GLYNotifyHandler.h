@@ -29,10 +29,10 @@ public:
     /// To be called now and then: tells the observers of at most one change that has been noticed
     /// meanwhile.
     virtual void push() = 0;
-    /// Queue an addition and a removal for the next notifiyAll. The caller goes on owning the
-    /// observer, which must live until its removal has taken effect. One that registers twice is
-    /// told twice; one that registers and unregisters between two rounds is registered all the
-    /// same, since removals go first.
+    /// Queue an addition and a removal for the next notifiyAll, which applies removals first. The
+    /// caller goes on owning the observer. One that registers twice is told twice. One that is
+    /// unregistered before any round has passed is registered by the next all the same, and must
+    /// still be alive then.
     virtual void registerNotifer(IGLYChangeNotifier* notifier) = 0;
     virtual void unregisterNotifer(IGLYChangeNotifier* notifier) = 0;
     /// Forgets the active observers at once. What is queued stays queued.

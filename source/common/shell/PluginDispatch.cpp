@@ -83,7 +83,7 @@ constexpr std::array routes{
     Route{"AI Clipboard", "AI Can Copy", call<&Plugin::CanCopyClipboard>},
     Route{"AI Clipboard", "AI Clone", call<&Plugin::CloneClipboard>},
     Route{"AI Clipboard", "AI Dispose", call<&Plugin::DisposeClipboard>},
-    // Spelled so; a host that spells the word correctly is not understood.
+    // The host's own spelling. The word spelled correctly is not understood.
     Route{"Workspace Manager", "Write Woskspace", call<&Plugin::WorkspaceWrite>},
     Route{"Workspace Manager", "Restore Woskspace", call<&Plugin::WorkspaceRestore>},
     Route{"Workspace Manager", "Default Woskspace", call<&Plugin::WorkspaceDefault>},
