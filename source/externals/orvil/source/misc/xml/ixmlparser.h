@@ -16,13 +16,15 @@ namespace Orvil {
 /// XmlDocumentHolder, which does. A parse that has thrown leaves nothing to clean up.
 ///
 /// Outside input is bounded: a document has at most `maximumDocumentSize` bytes, unpacked if its
-/// file is compressed, 256 levels of elements, and no text of more than 10 MB; nothing is fetched
-/// over a network, and no external DTD or entity is read. References to entities stay nodes of
-/// their own without children; what entities and defaults of attributes add, wherever they are
-/// used, is at most tenfold the document's size, or 1 MB for a small one. What exceeds the bounds
-/// fails to parse, with the reason in the message. Not bounded are the numbers of names, namespaces
-/// and attributes, and the time: a document that is made for that, 64 MiB of attributes of one
-/// element for instance, keeps libxml2 busy for long.
+/// file is compressed, and 256 levels of elements; nothing is fetched over a network, and no
+/// external DTD or entity is read. References to entities stay nodes of their own without children;
+/// what entities and defaults of attributes add, wherever they are used, is at most tenfold the
+/// document's size, or 1 MB for a small one. libxml2's own limits hold besides, such as 10 MB for a
+/// text that references divide. What exceeds the bounds fails to parse, with the reason in the
+/// message.
+///
+/// Not bounded are the numbers of names, namespaces and attributes, and the time: a document that
+/// is made for it, 64 MiB of attributes of one element for instance, keeps libxml2 busy for long.
 ///
 /// Throws: Exception from parse and parseString. Threads: one at a time per parser.
 class IXmlParser : public SmartPointable {

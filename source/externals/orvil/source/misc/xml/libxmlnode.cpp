@@ -41,8 +41,8 @@ LibXmlNode::~LibXmlNode() noexcept {
 
 // Nothing has to be undone for the nodes of the pool: they hold neither memory nor references.
 LibXmlNode* LibXmlNode::makeInPool(xmlNode* node, LibXmlNode* parent) const {
-    static_assert(sizeof(LibXmlNode) <= LibXmlNodePool::slotSize);
-    return new (parser_->nodes_.allocate()) LibXmlNode(node, parent, *parser_);
+    void* const room = parser_->nodes_.allocate(sizeof(LibXmlNode), alignof(LibXmlNode));
+    return new (room) LibXmlNode(node, parent, *parser_);
 }
 
 /// The children as this layer shows them. libxml2 links an entity reference to the declaration in

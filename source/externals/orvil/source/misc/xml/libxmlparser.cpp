@@ -136,7 +136,7 @@ void LibXmlParser::cleanup() {
     incRef();
     rootNode_.reset();
     decRefAndKeep();
-    nodes_.clear();
+    nodes_.release();
     document_.reset();
     createdDocument_.reset();
 }

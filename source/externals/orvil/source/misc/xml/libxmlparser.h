@@ -3,10 +3,11 @@
 #pragma once
 
 #include "misc/xml/ixmlparser.h"
+#include "misc/xml/largepages.h"
 #include "misc/xml/libxmlhandles.h"
-#include "misc/xml/libxmlnodepool.h"
 
 #include <memory>
+#include <memory_resource>
 #include <string>
 
 struct _xmlNode; // NOLINT: the name is libxml2's
@@ -40,7 +41,10 @@ private:
     LibXml::Document document_;            // the parsed document
     LibXml::Document createdDocument_;     // the document of createRootNode
     std::unique_ptr<LibXmlNode> rootNode_; // holds a reference on this parser
-    LibXmlNodePool nodes_;                 // every other node, but addChild's
+    // The memory of every other node, but addChild's. Taken from the heap one by one, a walk's
+    // nodes would cost more than all else that it does.
+    LargePages pages_;
+    std::pmr::monotonic_buffer_resource nodes_{&pages_};
 };
 
 /// A node of a LibXmlParser's document; its libxml2 node belongs to the document. Nodes that are

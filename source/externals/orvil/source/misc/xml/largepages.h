@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Memory in large pages, for what is filled once from front to back.
+#pragma once
+
+#include <memory_resource>
+
+namespace Orvil {
+
+/// Asks the kernel for large pages for every block of the size of one or more: with pages of the
+/// usual size, its work for each takes longer than making the nodes in it. Smaller blocks come from
+/// the heap. Throws: std::bad_alloc. Threads: any.
+class LargePages : public std::pmr::memory_resource {
+private:
+    void* do_allocate(std::size_t size, std::size_t alignment) override;
+    void do_deallocate(void* block, std::size_t size, std::size_t alignment) override;
+    bool do_is_equal(const memory_resource& other) const noexcept override;
+};
+
+} // namespace Orvil
