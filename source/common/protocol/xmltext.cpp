@@ -5,47 +5,27 @@
 #include "misc/text/utf.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <bit>
 
 namespace Protocol {
 
 namespace {
 
-bool isAllowedControl(char byte) {
-    return byte == '\t' || byte == '\n' || byte == '\r';
-}
-
-bool isAllowedAscii(char byte) {
-    return static_cast<unsigned char>(byte) >= 0x20 || isAllowedControl(byte);
-}
-
-/// The length that a sequence of UTF-8 with this first byte has.
-std::size_t sequenceLength(unsigned char first) {
-    constexpr unsigned char firstOfThree = 0xE0;
-    constexpr unsigned char firstOfFour = 0xF0;
-    return first < firstOfThree ? 2 : first < firstOfFour ? 3 : 4;
+bool isControl(unsigned char byte) {
+    return byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
 }
 
 } // namespace
 
 bool isXmlText(std::string_view text) {
     while (!text.empty()) {
-        const auto first = static_cast<unsigned char>(text.front());
-        if (first < 0x80) {
-            if (!isAllowedAscii(text.front())) {
-                return false;
-            }
-            text.remove_prefix(1);
-            continue;
-        }
-        const std::size_t length = sequenceLength(first);
-        const std::string_view sequence = text.substr(0, length);
-        const auto* const bytes = reinterpret_cast<const Orvil::UTF::UTF8*>(sequence.data());
-        if (sequence.size() < length || !Orvil::isLegalUTF8(bytes, static_cast<int>(length)) ||
-            sequence == "\xEF\xBF\xBE" || sequence == "\xEF\xBF\xBF") {
+        const auto* const bytes = reinterpret_cast<const Orvil::UTF::UTF8*>(text.data());
+        if (isControl(*bytes) || !Orvil::isLegalUTF8Sequence(bytes, bytes + text.size()) ||
+            text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF")) {
             return false;
         }
-        text.remove_prefix(length);
+        // The first byte of several has a one for each of them.
+        text.remove_prefix(static_cast<std::size_t>(std::max(1, std::countl_one(*bytes))));
     }
     return true;
 }
