@@ -33,6 +33,7 @@ TEST(AnException, DescribesWhatItKnows) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(Exception(c.message, c.file, c.line, c.code).description(), c.description);
+        EXPECT_EQ(Exception(c.message, c.file, c.line, c.code).message(), c.message);
         EXPECT_STREQ(Exception(c.message, c.file, c.line, c.code, true).what(), c.description);
     }
 }

@@ -4,7 +4,6 @@
 
 #include "misc/exception.h"
 
-#include <cstring>
 #include <string>
 
 /// The message of the Exception that the action throws.
@@ -13,7 +12,7 @@ std::string messageOf(Action action) {
     try {
         action();
     } catch (const Orvil::Exception& failure) {
-        return failure.descriptionMessage().substr(std::strlen("\n    User Message : "));
+        return failure.message();
     }
     return "nothing thrown";
 }

@@ -62,25 +62,6 @@ TEST(AMutex, FailsToUnlockWhatAnotherThreadHolds) {
     EXPECT_EQ(messageOf([&] { mutex.unlock(); }), "Mutex: tried to unlock unlocked mutex");
 }
 
-TEST(AMutex, KeepsOthersOutOfAScope) {
-    Mutex mutex(false);
-    int counter = 0;
-    std::vector<std::thread> threads;
-    threads.reserve(4);
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 10000; ++round) {
-                const ScopedLock<Mutex> locked(mutex);
-                ++counter;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(counter, 40000);
-}
-
 TEST(ASemaphore, CountsFromItsInitialValueToItsMaximum) {
     Semaphore semaphore(2);
     EXPECT_TRUE(semaphore.trydec());

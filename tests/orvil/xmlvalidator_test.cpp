@@ -1,19 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Schemas: what they accept, what they say, and how they fail.
-#include "misc/exception.h"
-#include "misc/xml/ixmlparser.h"
 #include "misc/xml/ixmlvalidator.h"
 #include "misc/xml/libxmlvalidator.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <string>
-#include <unistd.h>
+#include "xmldocument.h"
 
 using namespace Orvil;
 using testing::HasSubstr;
@@ -27,25 +16,10 @@ const std::string schemaText =
     "<xs:sequence><xs:element name='n' type='xs:int' maxOccurs='unbounded'/></xs:sequence>"
     "</xs:complexType></xs:element></xs:schema>";
 
-class ASchema : public testing::Test {
+class ASchema : public OrvilTests::AnXmlDocument {
 protected:
-    bool accepts(const std::string& text) {
-        document->parseString(text);
-        return validator->validate(document->getRootNode());
-    }
-    static std::string failureOf(const std::function<void()>& action) {
-        testing::internal::CaptureStderr();
-        std::string message = "nothing thrown";
-        try {
-            action();
-        } catch (const Exception& failure) {
-            message = failure.message();
-        }
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-        return message;
-    }
+    bool accepts(const std::string& text) { return validator->validate(read(text)); }
 
-    XmlDocumentHolder document;
     SmartPointer<IXmlValidator> validator = IXmlValidator::getInstance("LibXmlSchemaValidator");
 };
 
@@ -89,26 +63,21 @@ TEST_F(ASchema, CollectsTheReasonsOfOneValidation) {
 }
 
 TEST_F(ASchema, IsReadFromAFile) {
-    std::string path = (std::filesystem::temp_directory_path() / "orvil-schema-XXXXXX").string();
-    const int descriptor = mkstemp(path.data());
-    ASSERT_GE(descriptor, 0);
-    close(descriptor);
-    const auto write = [&](const std::string& text) { std::ofstream(path) << text; };
-    const auto read = [&] { validator->parseSpecification(path); };
-    write(schemaText);
-    read();
+    const std::string path = file("schema.xsd", schemaText);
+    const auto readSchema = [&] { validator->parseSpecification(path); };
+    readSchema();
     EXPECT_TRUE(accepts("<a><n>1</n></a>"));
     EXPECT_FALSE(accepts("<b/>"));
     const std::string named = "LibXml: Schema Document " + path;
-    write("<a>");
-    EXPECT_EQ(failureOf(read), named + " not parsed successfully.");
-    write("<a/>");
-    EXPECT_EQ(failureOf(read), named + " schema parsing unsuccessful.");
+    file("schema.xsd", "<a>");
+    EXPECT_EQ(failureOf(readSchema), named + " not parsed successfully.");
+    file("schema.xsd", "<a/>");
+    EXPECT_EQ(failureOf(readSchema), named + " schema parsing unsuccessful.");
     EXPECT_EQ(failureOf([&] { accepts("<a><n>1</n></a>"); }),
               "LibXml: No Schema loaded for validation")
         << "the earlier schema is gone";
-    std::remove(path.c_str());
-    EXPECT_EQ(failureOf(read), named + " not parsed successfully.");
+    std::filesystem::remove(path);
+    EXPECT_EQ(failureOf(readSchema), named + " not parsed successfully.");
 }
 
 TEST_F(ASchema, FailsWithFixedMessages) {

@@ -70,6 +70,54 @@ TEST(AReplyDocument, IsReadByItsKind) {
     EXPECT_EQ(reply.activationReply->fonts.front().syncID, "a");
 }
 
+TEST(AReplyDocument, HasAllOfAFontInAnyOrder) {
+    Font expected = soundFont("s\"&\n");
+    expected.type = Font::OT_TT;
+    expected.psName = "A&B<]]>";
+    expected.styleName = " \xf0\x9f\x98\x80\r";
+    expected.familyName = "\xc3\x84";
+    expected.count = 4294967295;
+    expected.isActive = true;
+    expected.typeMatchingCount = 3;
+    expected.isTypeMatchingActive = true;
+    expected.typeMatchingContainerID = "5";
+    expected.fontInfos = {{"1", "one"}, {"2", ""}};
+    expected.containerID = "9";
+    expected.activationSuccessful = true;
+    const std::string children[] = {
+        "<type>OT_TT</type>",
+        "<psName>A<!-- &x; -->&amp;B<![CDATA[<]]>]]&gt;</psName>",
+        "<styleName> \xf0\x9f\x98\x80&#13;</styleName>",
+        "<familyName>\xc3\x84</familyName>",
+        "<count> 4294967295</count>",
+        "<isActive>1</isActive>",
+        "<typeMatchingCount>3</typeMatchingCount>",
+        "<isTypeMatchingActive>true</isTypeMatchingActive>",
+        "<typeMatchingContainerID>5</typeMatchingContainerID>",
+        "<fontInfos><fontInfo><name>1</name> <value>one</value></fontInfo><!-- -->"
+        "<fontInfo><name>2</name><value/></fontInfo></fontInfos>",
+        "<containerID>9</containerID>",
+        "<activationSuccessfull>1</activationSuccessfull>",
+    };
+    std::string forward;
+    std::string backward;
+    for (const std::string& child : children) {
+        forward += "\n  " + child;
+        backward.insert(0, "<!-- c -->" + child);
+    }
+    for (const std::string& order : {forward, backward}) {
+        const std::string fonts =
+            "<fonts><font syncID='s&#34;&amp;&#10;'>" + order + "</font></fonts>";
+        const auto read = [&](const std::string& kind, const std::string& window) {
+            return parseStrictly("<" + kind + ">" + window + fonts + "</" + kind + ">");
+        };
+        EXPECT_EQ(read("fontRequestReply", "<showWindow>1</showWindow>").fontReply->fonts,
+                  FontList{expected});
+        EXPECT_EQ(read("showRequestReply", "").showReply->fonts, FontList{expected});
+        EXPECT_EQ(read("activationRequestReply", "").activationReply->fonts, FontList{expected});
+    }
+}
+
 TEST(AReplyDocument, OutlivesItsContainer) {
     boost::shared_ptr<FontReply> kept;
     kept = parseStrictly("<fontRequestReply><fonts>" + fontText +

@@ -91,8 +91,8 @@ TEST(ARequestDocument, HoldsTheElementsOfItsKindInOrder) {
 
 TEST(ARequestDocument, IsNotMadeOfWhatXmlCannotHold) {
     for (const char* const text :
-         {"\x01", "a\x1f", "\xff", "\xc3", "\xc3(", "\xed\xa0\x80", "\xef\xbf\xbe", "\xef\xbf\xbf",
-          "\xc0\x80", "\xf4\x90\x80\x80"}) {
+         {"\x01", "a\x1f", "\xff", "\xc3", "\xc3\xa4\x80", "\xc3(", "\xed\xa0\x80", "\xef\xbf\xbe",
+          "\xef\xbf\xbf", "\xc0\x80", "\xf4\x90\x80\x80"}) {
         for (std::string Font::*const field : {&Font::psName, &Font::syncID}) {
             Font font = soundFont();
             font.*field = text;
