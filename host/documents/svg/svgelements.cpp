@@ -3,189 +3,119 @@
 #include "host/documents/svg/svgscanner.h"
 
 #include "host/documents/css/css.h"
-#include "host/documents/css/families.h"
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <utility>
 
 namespace host::svg {
 
-Space Scanner::spaceOf(const xmlChar* uri) const {
-    return uri == nullptr || uri == svgUri_ ? Space::None
-           : uri == xlinkUri_               ? Space::Xlink
-           : uri == xmlUri_                 ? Space::Xml
-                                            : Space::Foreign;
+Tag Scanner::tagOf(const StartTag& start) const {
+    const auto known = start.uri == svgUri_ ? tags_.find(start.name) : tags_.end();
+    return known == tags_.end() ? Tag::Unknown : known->second;
 }
 
-std::string_view Scanner::keep(const xmlChar* start, const xmlChar* end) {
-    const std::string_view value(chars(start), static_cast<std::size_t>(end - start));
-    const std::less_equal<const char*> notAfter;
-    if (notAfter(source_.data(), value.data()) &&
-        notAfter(value.data() + value.size(), source_.data() + source_.size())) {
-        return value;
-    }
-    const auto known = keptValues_.find(value);
-    return known != keptValues_.end() ? *known
-                                      : *keptValues_.insert(tree_.values.emplace_back(value)).first;
-}
-
-Scanner::AttributeSet Scanner::addAttributes(Element& element, unsigned count,
-                                             const xmlChar** attributes) {
-    AttributeSet present = 0;
-    element.firstAttribute = static_cast<std::uint32_t>(tree_.attributes.size());
-    for (unsigned i = 0; i < count; ++i, attributes += 5) {
-        const auto names = attributeNames_.find(attributes[0]);
-        if (names == attributeNames_.end()) {
-            continue;
-        }
-        const int name = names->second[static_cast<std::size_t>(spaceOf(attributes[2]))];
-        if (name >= 0) {
-            present |= bit(static_cast<AttributeName>(name));
-            tree_.attributes.push_back(
-                {static_cast<AttributeName>(name), keep(attributes[3], attributes[4])});
-        }
-    }
-    element.attributeCount =
-        static_cast<std::uint16_t>(tree_.attributes.size() - element.firstAttribute);
-    return present;
-}
-
-void Scanner::interpretAttributes(Element& element) {
-    for (std::size_t i = element.firstAttribute; i < tree_.attributes.size(); ++i) {
-        const Attribute& attribute = tree_.attributes[i];
-        switch (attribute.name) {
-        case AttributeName::Space:
-            element.preserve = attribute.value == "preserve";
-            break;
-        case AttributeName::GroupMode:
-            element.layer = element.layer || attribute.value == "layer";
-            break;
-        case AttributeName::Layer:
-            element.layer = element.layer || attribute.value == "yes";
-            break;
-        case AttributeName::Extraneous:
-            element.transparent = element.topLevel && attribute.value == "self";
-            break;
-        default:
-            break;
-        }
-    }
-    element.layer = element.layer && element.tag == Tag::Group;
-}
-
-bool Scanner::isLine(const Element& element) const {
-    return std::any_of(tree_.attributes.begin() + element.firstAttribute, tree_.attributes.end(),
-                       [](const Attribute& attribute) {
-                           return attribute.name == AttributeName::Role &&
-                                  attribute.value == "line";
-                       });
-}
-
-/// Text in an SVG font comes with the document, as it does with one that a font-face fetches.
-void Scanner::noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes) {
-    if (local != "font-face") {
-        return;
-    }
-    for (unsigned i = 0; i < count; ++i, attributes += 5) {
-        if (std::strcmp(chars(attributes[0]), "font-family") == 0) {
-            const auto families = css::readFamilies(
-                {chars(attributes[3]), static_cast<std::size_t>(attributes[4] - attributes[3])});
-            if (!families.empty()) {
-                tree_.embeddedFamilies.insert(css::foldFamily(families.front().name));
-            }
-        }
-    }
-}
-
-void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
-                    const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
-                    const xmlChar** attributes) {
-    const bool svg = uri == svgUri_;
-    const auto known = svg ? tags_.find(name) : tags_.end();
-    Element element;
-    element.tag = known == tags_.end() ? Tag::Unknown : known->second;
-    if (open_.empty() && element.tag != Tag::Svg) {
-        fail(context,
-             "not an SVG drawing: its root element is '" +
-                 std::string(chars(name), std::min<std::size_t>(std::strlen(chars(name)), 60)) +
-                 "'" + (svg ? "" : ", which is not in the namespace of SVG"));
-        return;
+/// Why an element is refused; empty when it is not.
+std::string Scanner::objectionTo(const StartTag& start) const {
+    if (open_.empty() && tagOf(start) != Tag::Svg) {
+        const std::string_view name = chars(start.name);
+        return "not an SVG drawing: its root element is '" + std::string(name.substr(0, 60)) + "'" +
+               (start.uri == svgUri_ ? "" : ", which is not in the namespace of SVG");
     }
     if (open_.size() >= limits_.maximumDepth) {
-        fail(context,
-             "elements are nested more than " + std::to_string(limits_.maximumDepth) + " deep");
-        return;
+        return "elements are nested more than " + std::to_string(limits_.maximumDepth) + " deep";
     }
     if (tree_.elements.size() >= limits_.maximumElements) {
-        fail(context, "more than " + std::to_string(limits_.maximumElements) +
-                          " elements hold text or are shown as art");
-        return;
+        return "more than " + std::to_string(limits_.maximumElements) +
+               " elements hold text or are shown as art";
     }
-    namespaces_ += namespaceCount;
-    if (namespaces_ > maximumNamespaces || attributeCount > maximumAttributes) {
-        fail(context, namespaces_ > maximumNamespaces ? "too many namespaces are declared"
-                                                      : "an element has too many attributes");
-        return;
+    if (namespaces_ + start.namespaceCount > maximumNamespaces) {
+        return "too many namespaces are declared";
     }
+    return start.attributeCount > maximumAttributes ? "an element has too many attributes" : "";
+}
 
+void Scanner::begin(xmlParserCtxtPtr context, const StartTag& start) {
+    if (std::string objection = objectionTo(start); !objection.empty()) {
+        fail(context, std::move(objection));
+        return;
+    }
+    namespaces_ += start.namespaceCount;
+    Element element;
+    element.tag = tagOf(start);
+    passStartTag(context, start, element);
+
+    Open* const outer = open_.empty() ? nullptr : &open_.back();
+    Open open = openWithin(outer, start, element);
+    const AttributeSet present = addAttributes(element, start.attributeCount, start.attributes);
+    readAttributes(element, open, outer, present);
+    if (element.tag == Tag::Ignored) {
+        noteFontFace(chars(start.name), start.attributeCount, start.attributes);
+    }
+    element.firstPiece = static_cast<std::uint32_t>(tree_.pieces.size());
+    findPlaceInText(element, open, hasAny(present, AttributeName::Role) && isLine(element));
+    if (element.tag == Tag::Style) {
+        sheetText_.clear();
+        sheetStart_ = lastTagEnd_;
+    }
+    open.tag = element.tag;
+    open.keep = outer == nullptr ||
+                (!open.muted &&
+                 (limits_.keepAll || open.takesText || element.tag == Tag::FlowRoot ||
+                  element.tag == Tag::TextReference || element.layer || element.tag == Tag::Use ||
+                  (element.topLevel && element.tag == Tag::Group)));
+    open_.push_back(open);
+    tree_.elements.push_back(element);
+}
+
+/// Notes where a tag stands, and ends the text before it.
+void Scanner::passStartTag(xmlParserCtxtPtr context, const StartTag& start, Element& element) {
     const std::uint32_t tagEnd = place(context);
     element.tagStart = tagStartBefore(tagEnd);
-    if (prefix != nullptr) {
-        element.prefix = static_cast<std::uint32_t>(std::strlen(chars(prefix)) + 1);
+    if (start.prefix != nullptr) {
+        element.prefix = static_cast<std::uint32_t>(std::strlen(chars(start.prefix)) + 1);
     }
     closePiece(element.tagStart);
     lastTagEnd_ = tagEnd == noPlace ? noPlace : tagEnd + 1;
+}
 
-    Open* const outer = open_.empty() ? nullptr : &open_.back();
-    const auto id = static_cast<ElementId>(tree_.elements.size());
+/// What an element has from the one around it.
+Scanner::Open Scanner::openWithin(const Open* outer, const StartTag& start,
+                                  Element& element) const {
+    Open open;
+    open.element = static_cast<ElementId>(tree_.elements.size());
+    open.namespaces = start.namespaceCount;
+    open.muted = element.tag == Tag::Ignored || element.tag == Tag::Style;
+    element.transparent = outer == nullptr;
     if (outer != nullptr) {
         const Element& parent = tree_.elements[outer->element];
         element.parent = outer->element;
         element.preserve = parent.preserve;
         element.topLevel = parent.transparent;
+        element.transparent = element.topLevel && element.tag == Tag::Switch;
+        open.muted = open.muted || outer->muted || start.uri != svgUri_;
+        open.inFrame = outer->inFrame;
+        open.paragraph = outer->inFrame ? outer->paragraph : noElement;
     }
-    element.transparent = outer == nullptr || (element.topLevel && element.tag == Tag::Switch);
-    bool muted = (outer != nullptr && outer->muted) || element.tag == Tag::Ignored ||
-                 (!svg && outer != nullptr) || element.tag == Tag::Style;
-    const AttributeSet present = addAttributes(element, attributeCount, attributes);
-    const auto has = [present](auto... names) { return (present & (bit(names) | ...)) != 0; };
-    using Name = AttributeName;
-    if (has(Name::RequiredExtensions, Name::SystemLanguage)) {
-        readConditions(element, muted);
-    }
-    if (outer != nullptr && outer->tag == Tag::Switch) {
-        choose(element, *outer, muted);
-    }
-    if (has(Name::Space, Name::GroupMode, Name::Layer, Name::Extraneous)) {
-        interpretAttributes(element);
-    }
-    const References::Scope scope = scopeOf(element, outer);
-    if (!muted && has(Name::Reference, Name::Paint, Name::Style)) {
-        noteReferences(element, scope);
-    }
-    if (element.tag == Tag::Ignored) {
-        noteFontFace(chars(name), attributeCount, attributes);
-    }
+    return open;
+}
 
-    element.firstPiece = static_cast<std::uint32_t>(tree_.pieces.size());
-    bool takesText = false;
-    bool inFrame = outer != nullptr && outer->inFrame;
-    ElementId paragraph = inFrame ? outer->paragraph : noElement;
-    if (element.tag == Tag::FlowPara || (inFrame && has(Name::Role) && isLine(element))) {
-        paragraph = id;
+/// Whether the characters in an element are text of the drawing, and of which line.
+/// @param line a drawing program says that the element is one
+void Scanner::findPlaceInText(Element& element, Open& open, bool line) {
+    if (element.tag == Tag::FlowPara || (open.inFrame && line)) {
+        open.paragraph = open.element;
     }
     switch (element.tag) {
     case Tag::Text:
     case Tag::FlowRoot:
-        if (inFrame) {
-            // A text within a text is drawn by nobody alike; its words count as the outer one's.
+        if (open.inFrame) {
+            // Programs differ on a text within a text; its words count as the outer one's.
             element.tag = Tag::Span;
         }
-        inFrame = true;
-        takesText = element.tag != Tag::FlowRoot;
+        open.inFrame = true;
+        open.takesText = element.tag != Tag::FlowRoot;
         break;
     case Tag::Link:
     case Tag::Span:
@@ -193,32 +123,21 @@ void Scanner::begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar
     case Tag::AlternateGlyph:
     case Tag::FlowPara:
     case Tag::FlowSpan:
-        takesText = inFrame;
+        open.takesText = open.inFrame;
         break;
     case Tag::TextReference:
-        if (inFrame && !muted) {
-            tree_.pieces.push_back({id, paragraph, static_cast<std::uint32_t>(tree_.text.size()),
-                                    static_cast<std::uint32_t>(tree_.text.size()), noPlace,
-                                    noPlace});
+        if (open.inFrame && !open.muted) {
+            const auto end = static_cast<std::uint32_t>(tree_.text.size());
+            tree_.pieces.push_back({open.element, open.paragraph, end, end, noPlace, noPlace});
         }
         break;
     case Tag::Switch:
         break;
     default:
-        muted = muted || inFrame;
+        open.muted = open.muted || open.inFrame;
         break;
     }
-    if (element.tag == Tag::Style) {
-        sheetText_.clear();
-        sheetStart_ = lastTagEnd_;
-    }
-    const bool keep =
-        !muted && (limits_.keepAll || takesText || element.tag == Tag::FlowRoot ||
-                   element.tag == Tag::TextReference || element.layer || element.tag == Tag::Use ||
-                   (element.topLevel && element.tag == Tag::Group));
-    open_.push_back({id, paragraph, namespaceCount, keep || outer == nullptr, takesText && !muted,
-                     inFrame, muted, element.tag, scope});
-    tree_.elements.push_back(element);
+    open.takesText = open.takesText && !open.muted;
 }
 
 void Scanner::end(xmlParserCtxtPtr context) {

@@ -269,9 +269,9 @@ void Scanner::startElement(void* data, const xmlChar* name, const xmlChar* prefi
                            const xmlChar* uri, int namespaceCount, const xmlChar** /*namespaces*/,
                            int attributeCount, int /*defaultedCount*/, const xmlChar** attributes) {
     guarded(data, [&](Scanner& scanner) {
-        scanner.begin(static_cast<xmlParserCtxtPtr>(data), name, prefix, uri,
-                      static_cast<unsigned>(namespaceCount), static_cast<unsigned>(attributeCount),
-                      attributes);
+        scanner.begin(static_cast<xmlParserCtxtPtr>(data),
+                      {name, prefix, uri, static_cast<unsigned>(namespaceCount),
+                       static_cast<unsigned>(attributeCount), attributes});
     });
 }
 

@@ -46,16 +46,25 @@ public:
     Tree run();
 
 private:
+    /// A tag as the parser reports it.
+    struct StartTag {
+        const xmlChar* name;
+        const xmlChar* prefix;
+        const xmlChar* uri;
+        unsigned namespaceCount;
+        unsigned attributeCount;
+        const xmlChar** attributes;
+    };
     struct Open {
-        ElementId element;
-        ElementId paragraph; ///< as Piece has it
-        std::uint32_t namespaces;
-        bool keep;
-        bool takesText; ///< its character data is text of the drawing
-        bool inFrame;
-        bool muted; ///< nothing in it counts
-        Tag tag;
-        References::Scope scope;
+        ElementId element = noElement;
+        ElementId paragraph = noElement; ///< as Piece has it
+        std::uint32_t namespaces = 0;
+        bool keep = false;
+        bool takesText = false; ///< its character data is text of the drawing
+        bool inFrame = false;
+        bool muted = false; ///< nothing in it counts
+        Tag tag = Tag::Unknown;
+        References::Scope scope = References::shown;
         bool chosen = false; ///< a switch: one of its children is shown
     };
 
@@ -93,16 +102,23 @@ private:
     void learnNames();
     void checkLongTags() const;
     std::size_t declarationEnd(std::size_t start) const;
-    void begin(xmlParserCtxtPtr context, const xmlChar* name, const xmlChar* prefix,
-               const xmlChar* uri, unsigned namespaceCount, unsigned attributeCount,
-               const xmlChar** attributes);
+    Tag tagOf(const StartTag& start) const;
+    std::string objectionTo(const StartTag& start) const;
+    void begin(xmlParserCtxtPtr context, const StartTag& start);
+    void passStartTag(xmlParserCtxtPtr context, const StartTag& start, Element& element);
+    Open openWithin(const Open* outer, const StartTag& start, Element& element) const;
+    void findPlaceInText(Element& element, Open& open, bool line);
     void end(xmlParserCtxtPtr context);
     /// Bits by AttributeName, so that most elements are not asked about most attributes.
     using AttributeSet = std::uint32_t;
     static constexpr AttributeSet bit(AttributeName name) {
         return AttributeSet{1} << static_cast<unsigned>(name);
     }
+    static constexpr bool hasAny(AttributeSet present, auto... names) {
+        return (present & (bit(names) | ...)) != 0;
+    }
     AttributeSet addAttributes(Element& element, unsigned count, const xmlChar** attributes);
+    void readAttributes(Element& element, Open& open, Open* outer, AttributeSet present);
     bool speaks(std::string_view languages) const;
     References::Scope scopeOf(const Element& element, const Open* outer);
     void readConditions(Element& element, bool& muted) const;

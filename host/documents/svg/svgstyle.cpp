@@ -1,44 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The cascade. Presentation attributes yield to style sheet rules, those to style="", all of them
-// to what is marked important; what nobody says is inherited.
-#include "host/documents/svg/svgstyle.h"
-
-#include "host/documents/css/css.h"
+// The order in which elements are resolved: each after the one that it inherits from, which for
+// what a `use` shows is the `use`.
+#include "host/documents/svg/svgcascade.h"
 
 #include <algorithm>
-#include <optional>
-#include <string>
 #include <unordered_map>
 
 namespace host::svg {
 namespace {
 
-using css::indexOf;
-using css::Property;
-using css::Value;
-
-/// What matching may cost per document, as Matcher counts it: seconds' worth, hundreds of tests for
-/// each of many thousand elements.
-constexpr std::size_t maximumWork = 1'000'000'000;
-
-struct Candidate {
-    std::uint64_t rank = 0; ///< 0: no declaration; of equal ranks the later one wins
-    Value value;
-    Origin origin;
-};
-using Candidates = std::array<Candidate, css::propertyCount>;
-
-constexpr std::uint64_t attributeRank = 1;
-constexpr std::uint64_t inlineRank = std::uint64_t{1} << 62;
-constexpr std::uint64_t importantRank = std::uint64_t{1} << 63;
-
-std::uint64_t ruleRank(const css::RuleMatch& match) {
-    return (std::uint64_t{match.specificity} + 1) << 32 | match.order;
-}
-
 class Resolver {
 public:
-    Resolver(const Tree& tree, std::string_view name) : tree_(tree), name_(name) {}
+    Resolver(const Tree& tree, std::string_view name)
+        : tree_(tree), cascade_(tree, name, styles_) {}
 
     Styles run() {
         for (const Sheet& sheet : tree_.sheets) {
@@ -59,108 +33,6 @@ public:
     }
 
 private:
-    static void offer(Candidates& candidates, const css::PropertyDeclaration& declaration,
-                      std::uint64_t rank, const Origin& origin) {
-        rank |= declaration.important ? importantRank : 0;
-        Candidate& candidate = candidates[indexOf(declaration.property)];
-        if (rank >= candidate.rank) {
-            candidate = {rank, declaration.value, origin};
-            candidate.origin.shorthand = declaration.shorthand;
-            candidate.origin.important = declaration.important;
-        }
-    }
-
-    void offerAttribute(Candidates& candidates, Property property, std::string_view text,
-                        ElementId id) {
-        auto& known = attributeValues_[indexOf(property)];
-        auto found = known.find(text);
-        if (found == known.end()) {
-            std::string blanked;
-            found = known
-                        .emplace(text, css::readValue(property, css::blankComments(text, blanked),
-                                                      styles_.texts))
-                        .first;
-        }
-        if (found->second) {
-            offer(candidates, {property, false, false, *found->second}, attributeRank,
-                  {Origin::Kind::Attribute, false, false, id, 0});
-        }
-    }
-
-    const css::PropertyDeclarations& inlineDeclarations(std::string_view text) {
-        const auto found = inlineDeclarations_.find(text);
-        return found != inlineDeclarations_.end()
-                   ? found->second
-                   : inlineDeclarations_.emplace(text, css::readDeclarations(text, styles_.texts))
-                         .first->second;
-    }
-
-    void collect(ElementId id, Candidates& candidates) {
-        const Element& element = tree_.elements[id];
-        for (std::uint32_t i = 0; i < element.attributeCount; ++i) {
-            const Attribute& attribute = tree_.attributes[element.firstAttribute + i];
-            switch (attribute.name) {
-            case AttributeName::FontFamily:
-                offerAttribute(candidates, Property::Family, attribute.value, id);
-                break;
-            case AttributeName::FontStyle:
-                offerAttribute(candidates, Property::Slant, attribute.value, id);
-                break;
-            case AttributeName::FontWeight:
-                offerAttribute(candidates, Property::Weight, attribute.value, id);
-                break;
-            case AttributeName::FontStretch:
-                offerAttribute(candidates, Property::Stretch, attribute.value, id);
-                break;
-            case AttributeName::FontSize:
-                offerAttribute(candidates, Property::Size, attribute.value, id);
-                break;
-            case AttributeName::Visibility:
-                offerAttribute(candidates, Property::Visibility, attribute.value, id);
-                break;
-            case AttributeName::Display:
-                offerAttribute(candidates, Property::Display, attribute.value, id);
-                break;
-            case AttributeName::Style:
-                for (const auto& declaration : inlineDeclarations(attribute.value)) {
-                    offer(candidates, declaration, inlineRank,
-                          {Origin::Kind::Inline, false, false, id, 0});
-                }
-                break;
-            default:
-                break;
-            }
-        }
-        if (styles_.sheets.empty()) {
-            return;
-        }
-        matches_.clear();
-        matcher_.match(id, matches_);
-        if (matcher_.work() > maximumWork) {
-            throw errorAt(tree_.source, name_, "the style sheets are too large to match",
-                          tree_.sheets.front().sourceStart);
-        }
-        for (const css::RuleMatch& match : matches_) {
-            for (const auto& declaration : styles_.sheets.block(match.block).declarations) {
-                offer(candidates, declaration, ruleRank(match),
-                      {Origin::Kind::Rule, false, false, id, match.block});
-            }
-        }
-    }
-
-    static std::uint32_t computed(Property property, const Value& value, std::uint32_t inherited) {
-        const bool up = value.kind == Value::Kind::Up;
-        if (value.kind == Value::Kind::Absolute) {
-            return value.number;
-        }
-        if (value.kind == Value::Kind::Initial) {
-            return Style().value(property);
-        }
-        return property == Property::Weight ? static_cast<std::uint32_t>(css::relativeWeight(
-                                                  static_cast<int>(inherited), up))
-                                            : css::relativeStretch(inherited, up);
-    }
-
     /// An element that uses name. In definitions, and where what is around it hides it, it is shown
     /// by them alone: it is then resolved when a use that shows it has been, so that it can inherit
     /// from there.
@@ -235,7 +107,7 @@ private:
     }
 
     void resolveOne(ElementId id, ElementId inheritsFrom) {
-        resolve(id, inheritsFrom);
+        cascade_.resolve(id, inheritsFrom);
         const std::string_view used = targetOf_.empty() ? std::string_view() : usedId(id);
         if (used.empty()) {
             return;
@@ -273,47 +145,9 @@ private:
         }
     }
 
-    static void inherit(bool& flag, const Candidate& candidate) {
-        if (candidate.rank != 0 && candidate.value.kind != Value::Kind::Inherit) {
-            flag = candidate.value.kind == Value::Kind::Absolute && candidate.value.number == 1;
-        }
-    }
-
-    void resolve(ElementId id, ElementId inheritsFrom) {
-        const Element& element = tree_.elements[id];
-        Style& style = styles_.elements[id];
-        if (inheritsFrom != noElement) {
-            style = styles_.elements[inheritsFrom];
-        }
-        Candidates candidates;
-        collect(id, candidates);
-        for (std::size_t i = 0; i < css::facePropertyCount; ++i) {
-            const Candidate& candidate = candidates[i];
-            if (candidate.rank != 0 && candidate.value.kind != Value::Kind::Inherit) {
-                style.values[i] =
-                    computed(static_cast<Property>(i), candidate.value, style.values[i]);
-                style.origins[i] = candidate.origin;
-            }
-        }
-        inherit(style.invisible, candidates[indexOf(Property::Visibility)]);
-        inherit(style.sizeless, candidates[indexOf(Property::Size)]);
-        bool none = false;
-        inherit(none, candidates[indexOf(Property::Display)]);
-        style.hidden = style.hidden || none || element.passedOver;
-        if (style.unrendered || element.tag == Tag::Definitions) {
-            const std::string_view* name = tree_.find(id, AttributeName::Id);
-            style.unrendered = name == nullptr || !tree_.references.contains(*name);
-        }
-    }
-
     const Tree& tree_;
-    std::string_view name_;
     Styles styles_;
-    std::array<std::unordered_map<std::string_view, std::optional<Value>>, css::propertyCount>
-        attributeValues_;
-    std::unordered_map<std::string_view, css::PropertyDeclarations> inlineDeclarations_;
-    std::vector<css::RuleMatch> matches_;
-    css::Matcher matcher_{styles_.sheets, tree_};
+    Cascade cascade_;
     std::vector<Target> targets_;         ///< in document order
     std::vector<std::uint32_t> targetOf_; ///< by element; empty without targets
     std::unordered_map<std::string_view, std::uint32_t> targetOfId_;
