@@ -72,6 +72,13 @@ inline std::string bytesOf(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// What saving a document writes.
+inline std::string saved(const Document& document) {
+    const Folder folder;
+    document.save(folder / "out.svg");
+    return bytesOf(folder / "out.svg");
+}
+
 inline void write(const std::filesystem::path& file, std::string_view bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
 }

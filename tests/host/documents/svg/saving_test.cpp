@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// Where a drawing is saved to, and what that leaves there.
+#include "drawings.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace host::test {
+namespace {
+
+TEST(ASavedDrawing, IsUnchangedWhenNothingWasReplaced) {
+    const std::string source = "\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!-- x -->" +
+                               drawing("<text\n>a</text >\r\n") + "\n\n";
+    EXPECT_EQ(saved(readSvg(source, "x.svg")), source);
+}
+
+TEST(ASavedDrawing, IsTheVeryFileWhenNothingWasReplaced) {
+    // The same character in two codes, of which a converter writes one.
+    const std::string twice = "<?xml version='1.0' encoding='windows-31j'?><svg "
+                              "xmlns='http://www.w3.org/2000/svg'><text>\xED\x40\xFA\x5C</text>"
+                              "</svg>";
+    EXPECT_EQ(saved(readSvg(twice, "x.svg")), twice);
+
+    std::string packed(2000, '\0');
+    z_stream stream{};
+    ASSERT_EQ(deflateInit2(&stream, 0, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(twice.data()));
+    stream.avail_in = static_cast<uInt>(twice.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    const Document document = readSvg(packed, "x.svgz");
+    Folder folder;
+    document.save(folder / "same.svgz");
+    EXPECT_EQ(bytesOf(folder / "same.svgz"), packed);
+    EXPECT_EQ(saved(document), twice);
+}
+
+TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
+    Folder folder;
+    const Document plain = read("<text font-family='A'>a</text>");
+    plain.save(folder / "packed.svgz");
+    EXPECT_TRUE(bytesOf(folder / "packed.svgz").starts_with("\x1F\x8B"));
+    const Document packed = readSvg(folder / "packed.svgz");
+    packed.save(folder / "plain.svg");
+    packed.save(folder / "other");
+    EXPECT_EQ(bytesOf(folder / "plain.svg"), drawing("<text font-family='A'>a</text>"));
+    EXPECT_TRUE(bytesOf(folder / "other").starts_with("\x1F\x8B"));
+}
+
+TEST(ASavedDrawing, ReplacesTheFileThatALinkLeadsToAndKeepsItsRights) {
+    Folder folder;
+    write(folder / "real.svg", "old");
+    std::filesystem::permissions(folder / "real.svg", std::filesystem::perms{0640});
+    std::filesystem::create_symlink(folder / "real.svg", folder / "link.svg");
+    read("").save(folder / "link.svg");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+    EXPECT_EQ(bytesOf(folder / "real.svg"), drawing(""));
+    EXPECT_EQ(std::filesystem::status(folder / "real.svg").permissions(),
+              std::filesystem::perms{0640});
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST(ASavedDrawing, GoesThroughAPipeThatStaysOne) {
+    Folder folder;
+    const std::string pipe = (folder / "pipe.svg").string();
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_symlink(pipe, folder / "link.svg");
+    for (const char* name : {"pipe.svg", "link.svg"}) {
+        std::string received;
+        std::thread reader([&] { received = bytesOf(pipe); });
+        read("").save(folder / name);
+        reader.join();
+        EXPECT_EQ(received, drawing("")) << name;
+        EXPECT_TRUE(std::filesystem::is_fifo(pipe)) << name;
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST(ASavedDrawing, GoesThroughALinkThatNamesADescriptor) {
+    Folder folder;
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    const std::filesystem::path link = folder / "output.svg";
+    std::filesystem::create_symlink("/proc/self/fd/" + std::to_string(ends[1]), link);
+    read("").save(link);
+    ::close(ends[1]);
+    std::string received(1000, '\0');
+    received.resize(static_cast<std::size_t>(
+        std::max<ssize_t>(0, ::read(ends[0], received.data(), received.size()))));
+    ::close(ends[0]);
+    EXPECT_EQ(received, drawing(""));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+}
+
+TEST(ASavedDrawing, ThatCannotBeWrittenSaysSo) {
+    Folder folder;
+    std::filesystem::create_symlink("round.svg", folder / "round.svg");
+    std::filesystem::create_directory(folder / "folder.svg");
+    for (const auto& [name, reason] :
+         {std::pair{"no/such/folder.svg", "cannot be written: No such file"},
+          std::pair{"round.svg", "cannot be written: Too many levels of symbolic links"},
+          std::pair{"folder.svg", "cannot be written: is not a regular file"}}) {
+        try {
+            read("").save(folder / name);
+            ADD_FAILURE() << name;
+        } catch (const DocumentError& error) {
+            EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
+        }
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "round.svg"));
+}
+
+} // namespace
+} // namespace host::test
