@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Editing and reading of the configuration tree.
+// Editing and reading of a store.
 #include "misc/configuration/configuration.h"
 
 #include "misc/assertion.h"
+#include "misc/configuration/configurationtree.h"
 #include "misc/text/numbers.h"
 
-#include <boost/container/small_vector.hpp>
-
+#include <algorithm>
 #include <utility>
 
 namespace Orvil {
+
+using namespace ConfigurationTree;
 
 namespace {
 
@@ -33,91 +35,7 @@ SplitName splitName(std::string_view path) {
     return {path.substr(0, dot), path.substr(dot + 1)};
 }
 
-/// The segments of a path one after the other; the empty path has none.
-class Segments {
-public:
-    explicit Segments(std::string_view path) : rest_(path), atEnd_(path.empty()) {}
-
-    bool atEnd() const { return atEnd_; }
-    std::string_view next() {
-        const auto dot = rest_.find('.');
-        const auto segment = rest_.substr(0, dot);
-        atEnd_ = dot == rest_.npos;
-        rest_.remove_prefix(atEnd_ ? rest_.size() : dot + 1);
-        return segment;
-    }
-
-private:
-    std::string_view rest_;
-    bool atEnd_;
-};
-
-Configuration::ConfigNode* childOf(Configuration::ConfigCategory& category, std::string_view name) {
-    const auto* child = category.children.find(name);
-    return child == nullptr ? nullptr : child->get();
-}
-
-Configuration::ConfigCategory* asCategory(Configuration::ConfigNode* node) {
-    return node == nullptr || node->isLeaf() ? nullptr
-                                             : static_cast<Configuration::ConfigCategory*>(node);
-}
-
-Configuration::ConfigProperty* asProperty(Configuration::ConfigNode* node) {
-    return node == nullptr || !node->isLeaf() ? nullptr
-                                              : static_cast<Configuration::ConfigProperty*>(node);
-}
-
-/// The child category, made if nothing has the name. Null if a property has.
-Configuration::ConfigCategory* categoryIn(Configuration::ConfigCategory& parent,
-                                          std::string_view name, bool inherit) {
-    if (Configuration::ConfigNode* present = childOf(parent, name)) {
-        return asCategory(present);
-    }
-    return asCategory(
-        parent.children.insert(name, std::make_unique<Configuration::ConfigCategory>(inherit))
-            .get());
-}
-
 } // namespace
-
-// Trees may be deep, as names come from outside; neither the end of one nor a copy calls itself.
-Configuration::ConfigCategory::~ConfigCategory() {
-    std::vector<std::unique_ptr<ConfigNode>> pending;
-    const auto takeChildren = [&pending](ConfigCategory& category) {
-        category.children.forEach(
-            [&](const std::string& /*name*/, auto& child) { pending.push_back(std::move(child)); });
-    };
-    takeChildren(*this);
-    while (!pending.empty()) {
-        const std::unique_ptr<ConfigNode> node = std::move(pending.back());
-        pending.pop_back();
-        if (ConfigCategory* category = asCategory(node.get())) {
-            takeChildren(*category);
-        }
-    }
-}
-
-std::unique_ptr<Configuration::ConfigNode> Configuration::ConfigCategory::clone() const {
-    auto copy = std::make_unique<ConfigCategory>(inherit);
-    std::vector<std::pair<const ConfigCategory*, ConfigCategory*>> pending{{this, copy.get()}};
-    while (!pending.empty()) {
-        const auto [source, target] = pending.back();
-        pending.pop_back();
-        source->children.forEach([&, to = target](const std::string& name, const auto& child) {
-            const ConfigCategory* category = asCategory(child.get());
-            if (category == nullptr) {
-                to->children.insert(name, child->clone());
-            } else {
-                pending.emplace_back(category, categoryIn(*to, name, category->inherit));
-            }
-        });
-    }
-    return copy;
-}
-
-std::unique_ptr<Configuration::ConfigNode> Configuration::ConfigProperty::clone() const {
-    return std::make_unique<ConfigProperty>(values);
-}
 
 Configuration::Configuration() : root_(nullptr), owns_(true), lock_(true) {}
 
@@ -355,43 +273,6 @@ bool Configuration::isInheriting(std::string_view path) const {
     const ScopedLock<Mutex> locked(lock_);
     const ConfigCategory* const category = findCategory(root_, path);
     return category != nullptr && category->inherit;
-}
-
-Configuration::ConfigNode* Configuration::findNode(ConfigCategory* start, std::string_view path,
-                                                   bool useInheritance) {
-    if (start == nullptr || path.empty()) {
-        return start;
-    }
-    boost::container::small_vector<ConfigCategory*, 16> passed{start};
-    Segments segments(path);
-    for (;;) {
-        const std::string_view name = segments.next();
-        auto category = passed.rbegin();
-        ConfigNode* node = childOf(**category, name);
-        while (node == nullptr && useInheritance && (*category)->inherit &&
-               std::next(category) != passed.rend()) {
-            ++category;
-            node = childOf(**category, name);
-        }
-        if (segments.atEnd() || node == nullptr) {
-            return node;
-        }
-        ConfigCategory* next = asCategory(node);
-        if (next == nullptr) {
-            return nullptr;
-        }
-        passed.push_back(next);
-    }
-}
-
-Configuration::ConfigCategory* Configuration::findCategory(ConfigCategory* start,
-                                                           std::string_view path) {
-    return asCategory(findNode(start, path, false));
-}
-
-Configuration::ConfigProperty* Configuration::findProperty(ConfigCategory* start,
-                                                           std::string_view path) {
-    return asProperty(findNode(start, path, true));
 }
 
 } // namespace Orvil

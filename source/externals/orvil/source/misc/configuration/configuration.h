@@ -32,7 +32,7 @@ public:
         virtual ~ConfigNode() = default;
         virtual bool isLeaf() const = 0;
         /// A deep copy.
-        virtual std::unique_ptr<ConfigNode> clone() const = 0;
+        [[nodiscard]] virtual std::unique_ptr<ConfigNode> clone() const = 0;
     };
 
     class ConfigCategory : public ConfigNode {
@@ -68,7 +68,7 @@ public:
     ~Configuration();
 
     /// The category at `path` as a store of its own, without a root if there is none.
-    std::unique_ptr<Configuration> getCategory(std::string_view path, bool copy);
+    [[nodiscard]] std::unique_ptr<Configuration> getCategory(std::string_view path, bool copy);
 
     /// Makes the category unless it is there; one that is there keeps its own inherit flag. Parents
     /// made on the way never inherit. False: no parent, or a property stands in the way.

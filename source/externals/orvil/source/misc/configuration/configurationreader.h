@@ -42,7 +42,8 @@ class XMLConfigurationReader : public IConfigurationReader {
 public:
     explicit XMLConfigurationReader(std::string fileName);
     /// Reads a text instead of a file.
-    static std::unique_ptr<XMLConfigurationReader> createStringInstance(const std::string& text);
+    [[nodiscard]] static std::unique_ptr<XMLConfigurationReader>
+    createStringInstance(const std::string& text);
 
     void read(Configuration& configuration) override;
 

@@ -60,19 +60,22 @@ UTF::ConversionResult ConvertUTF32toUTF16(const UTF::UTF32** sourceStart,
 
 /// Whether the 1 to 4 bytes are a well-formed sequence, given that `length` is what the first byte
 /// asks for. Any other length is none.
-bool isLegalUTF8(const UTF::UTF8* bytes, int length);
+[[nodiscard]] bool isLegalUTF8(const UTF::UTF8* bytes, int length);
 /// Whether a well-formed sequence, of the length that its first byte tells, stands at `start`,
 /// which is before `end`.
-bool isLegalUTF8Sequence(const UTF::UTF8* start, const UTF::UTF8* end);
+[[nodiscard]] bool isLegalUTF8Sequence(const UTF::UTF8* start, const UTF::UTF8* end);
 
 /// The whole text, converted strictly; empty if any of it is illegal or cut off.
-std::string UTF16toUTF8(std::u16string_view text);
-std::u16string UTF8toUTF16(std::string_view text);
+[[nodiscard]] std::string UTF16toUTF8(std::u16string_view text);
+[[nodiscard]] std::u16string UTF8toUTF16(std::string_view text);
 
 /// Widen and narrow character by character by the locale's classification. What it cannot widen
 /// becomes U+FFFD, what it cannot narrow "?".
-std::u16string makeUTF16(std::string_view text, const std::locale& locale = std::locale());
-std::wstring makeUNICODE(std::string_view text, const std::locale& locale = std::locale());
-std::string makeASCII(std::wstring_view text, const std::locale& locale = std::locale());
+[[nodiscard]] std::u16string makeUTF16(std::string_view text,
+                                       const std::locale& locale = std::locale());
+[[nodiscard]] std::wstring makeUNICODE(std::string_view text,
+                                       const std::locale& locale = std::locale());
+[[nodiscard]] std::string makeASCII(std::wstring_view text,
+                                    const std::locale& locale = std::locale());
 
 } // namespace Orvil
