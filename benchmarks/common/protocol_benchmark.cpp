@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The codec against what libxml2 alone needs for the same documents, and the memory of a decode.
+// The codec against what libxml2 alone needs for the same documents.
+#include "misc/xml/libxmlhandles.h"
 #include "protocolhandler.h"
 #include "protocolschema.h"
 
@@ -7,12 +8,10 @@
 #include <libxml/parser.h>
 #include <libxml/xmlschemas.h>
 
-#include <cstring>
-#include <fstream>
-#include <malloc.h>
 #include <stdexcept>
 #include <string>
 
+namespace LibXml = Orvil::LibXml;
 using namespace Protocol;
 
 namespace {
@@ -86,22 +85,19 @@ BENCHMARK(BM_DecodeByTheCodec)->Unit(benchmark::kMillisecond);
 /// Parse and schema validation alone: nothing of the document is looked at.
 void BM_ParseAndValidateByLibxml2(benchmark::State& state) {
     const std::string schemaSource = schemaText;
-    xmlSchemaParserCtxt* const parser =
-        xmlSchemaNewMemParserCtxt(schemaSource.data(), static_cast<int>(schemaSource.size()));
-    xmlSchema* const schema = xmlSchemaParse(parser);
-    xmlSchemaFreeParserCtxt(parser);
+    const LibXml::SchemaParserContext parser(
+        xmlSchemaNewMemParserCtxt(schemaSource.data(), static_cast<int>(schemaSource.size())));
+    const LibXml::Schema schema(xmlSchemaParse(parser.get()));
     for (auto _ : state) {
-        xmlDoc* const document = xmlReadMemory(reply().data(), static_cast<int>(reply().size()),
-                                               nullptr, nullptr, XML_PARSE_NONET);
-        xmlSchemaValidCtxt* const context = xmlSchemaNewValidCtxt(schema);
-        const int status = xmlSchemaValidateOneElement(context, xmlDocGetRootElement(document));
-        xmlSchemaFreeValidCtxt(context);
-        xmlFreeDoc(document);
+        const LibXml::Document document(xmlReadMemory(
+            reply().data(), static_cast<int>(reply().size()), nullptr, nullptr, XML_PARSE_NONET));
+        const LibXml::SchemaValidContext context(xmlSchemaNewValidCtxt(schema.get()));
+        const int status =
+            xmlSchemaValidateOneElement(context.get(), xmlDocGetRootElement(document.get()));
         if (status != 0) {
             throw std::logic_error("the reply is not valid");
         }
     }
-    xmlSchemaFree(schema);
 }
 BENCHMARK(BM_ParseAndValidateByLibxml2)->Unit(benchmark::kMillisecond);
 
@@ -123,10 +119,10 @@ void BM_BuildAndSerialiseByLibxml2(benchmark::State& state) {
     const std::string expected =
         Handler::createFontRequest(FontRequest(true, fonts, "ART5", "FILC"));
     for (auto _ : state) {
-        xmlDoc* const document = xmlNewDoc(BAD_CAST "1.0");
-        xmlNode* const root = xmlNewDocNode(document, nullptr, BAD_CAST "cmd", nullptr);
+        const LibXml::Document document(xmlNewDoc(BAD_CAST "1.0"));
+        xmlNode* const root = xmlNewDocNode(document.get(), nullptr, BAD_CAST "cmd", nullptr);
         xmlSetNs(root, xmlNewNs(root, BAD_CAST protocolNamespace, nullptr));
-        xmlDocSetRootElement(document, root);
+        xmlDocSetRootElement(document.get(), root);
         xmlNode* const kind = xmlNewChild(root, nullptr, BAD_CAST "fontRequest", nullptr);
         xmlNewTextChild(kind, nullptr, BAD_CAST "mustMatchFontType", BAD_CAST "true");
         xmlNewTextChild(kind, nullptr, BAD_CAST "targetApp", BAD_CAST "ART5");
@@ -142,51 +138,14 @@ void BM_BuildAndSerialiseByLibxml2(benchmark::State& state) {
         }
         xmlChar* memory = nullptr;
         int size = 0;
-        xmlDocDumpMemoryEnc(document, &memory, &size, "UTF-8");
-        const bool isSame = expected == reinterpret_cast<const char*>(memory);
-        xmlFree(memory);
-        xmlFreeDoc(document);
-        if (!isSame) {
+        xmlDocDumpMemoryEnc(document.get(), &memory, &size, "UTF-8");
+        const LibXml::Text owner(memory);
+        if (expected != reinterpret_cast<const char*>(memory)) {
             throw std::logic_error("the trees differ");
         }
     }
 }
 BENCHMARK(BM_BuildAndSerialiseByLibxml2)->Unit(benchmark::kMillisecond);
-
-/// A line of /proc/self/status, in bytes.
-double statusBytes(const char* name) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(name, 0) == 0) {
-            return 1024.0 * std::stod(line.substr(std::strlen(name)));
-        }
-    }
-    return 0;
-}
-
-/// The greatest growth of the process while `action` runs, as a multiple of the reply's text.
-template <typename Action>
-double peakPerText(Action action) {
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << 5; // the peak begins anew
-    const double before = statusBytes("VmRSS:");
-    action();
-    return (statusBytes("VmHWM:") - before) / static_cast<double>(reply().size());
-}
-
-void BM_MemoryOfADecode(benchmark::State& state) {
-    Handler handler(schemaText);
-    reply(); // making it takes memory too
-    for (auto _ : state) {
-        state.counters["codecPerText"] = peakPerText([&] { handler.parseReply(reply()); });
-        state.counters["libxml2PerText"] = peakPerText([] {
-            xmlFreeDoc(xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
-                                     nullptr, XML_PARSE_NONET));
-        });
-    }
-}
-BENCHMARK(BM_MemoryOfADecode)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -3,6 +3,7 @@
 // libxml2's own tree that takes the same. Reading the text is timed apart, so that it hides
 // nothing.
 #include "misc/xml/ixmlparser.h"
+#include "misc/xml/libxmlhandles.h"
 #include "ratios.h"
 
 #include <benchmark/benchmark.h>
@@ -10,6 +11,9 @@
 #include <libxml/tree.h>
 
 #include <string>
+
+using Orvil::LibXml::Document;
+using Orvil::LibXml::Text;
 
 namespace {
 
@@ -50,6 +54,11 @@ std::size_t visitWrapped(const Orvil::IXmlNode* node) {
     return sum;
 }
 
+Document readBare() {
+    return Document(xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
+                                  nullptr, XML_PARSE_NONET));
+}
+
 std::string owned(const xmlChar* text) {
     return text == nullptr ? std::string() : reinterpret_cast<const char*>(text);
 }
@@ -59,9 +68,8 @@ std::size_t visitBare(const xmlNode* node) {
     for (; node != nullptr; node = node->next) {
         sum += owned(node->name).size();
         if (xmlNodeIsText(node) != 0) {
-            xmlChar* content = xmlNodeGetContent(node);
-            sum += owned(content).size();
-            xmlFree(content);
+            const Text content(xmlNodeGetContent(node));
+            sum += owned(content.get()).size();
         }
         if (node->children != nullptr) {
             sum += visitBare(node->children);
@@ -105,34 +113,29 @@ BENCHMARK(xml_visit_again);
 void xml_visit_bare_first(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
-        xmlDoc* document = xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
-                                         nullptr, XML_PARSE_NONET);
+        Document document = readBare();
         state.ResumeTiming();
-        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document)));
+        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document.get())));
         state.PauseTiming();
-        xmlFreeDoc(document);
+        document.reset();
         state.ResumeTiming();
     }
 }
 BENCHMARK(xml_visit_bare_first);
 
 void xml_visit_bare_again(benchmark::State& state) {
-    xmlDoc* document = xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
-                                     nullptr, XML_PARSE_NONET);
+    const Document document = readBare();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document)));
+        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document.get())));
     }
-    xmlFreeDoc(document);
 }
 BENCHMARK(xml_visit_bare_again);
 
 void xml_visit_pointers(benchmark::State& state) {
-    xmlDoc* document = xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
-                                     nullptr, XML_PARSE_NONET);
+    const Document document = readBare();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(visitPointers(xmlDocGetRootElement(document)));
+        benchmark::DoNotOptimize(visitPointers(xmlDocGetRootElement(document.get())));
     }
-    xmlFreeDoc(document);
 }
 BENCHMARK(xml_visit_pointers);
 
@@ -147,10 +150,9 @@ BENCHMARK(xml_whole);
 
 void xml_whole_bare(benchmark::State& state) {
     for (auto _ : state) {
-        xmlDoc* document = xmlReadMemory(reply().data(), static_cast<int>(reply().size()), nullptr,
-                                         nullptr, XML_PARSE_NONET);
-        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document)));
-        xmlFreeDoc(document);
+        Document document = readBare();
+        benchmark::DoNotOptimize(visitBare(xmlDocGetRootElement(document.get())));
+        document.reset();
     }
 }
 BENCHMARK(xml_whole_bare);

@@ -18,7 +18,7 @@ struct Complaint {
 
 /// What is wrong with the document by XML and by the schema (the text of one); empty when nothing
 /// is. At most `maximumComplaints`. Throws BadSchema when the schema does not compile.
-std::vector<Complaint> diagnose(const std::string& xml, const std::string& schema);
+[[nodiscard]] std::vector<Complaint> diagnose(const std::string& xml, const std::string& schema);
 
 struct BadSchema : std::runtime_error {
     explicit BadSchema(Complaint first);
@@ -27,7 +27,7 @@ struct BadSchema : std::runtime_error {
 
 /// Where the codec stops in a reply that is valid: at the first font that it does not take, or else
 /// at the kind of reply. `message` says which font that is, or is empty.
-Complaint findRefusal(const std::string& xml);
+[[nodiscard]] Complaint findRefusal(const std::string& xml);
 
 constexpr std::size_t maximumComplaints = 20;
 

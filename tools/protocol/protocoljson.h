@@ -19,9 +19,9 @@ using Json = nlohmann::ordered_json;
 ///               "styleName": text, "containerID": text}, ...]}
 /// Everything but "request" may be left out; a buy request has exactly one font. Throws
 /// std::invalid_argument for what is no such object, and what the message and the codec throw.
-std::string encodeRequest(const Json& request);
+[[nodiscard]] std::string encodeRequest(const Json& request);
 
 /// A parsed reply as an object: "reply" tells its kind as above, the rest its members.
-Json describeReply(const Protocol::ReplyContainer& reply);
+[[nodiscard]] Json describeReply(const Protocol::ReplyContainer& reply);
 
 } // namespace ProtocolTool

@@ -37,7 +37,7 @@ public:
     };
 
     /// "T1", "TT", "OT_T1", "OT_TT" or "all"; "error" for every other value.
-    static std::string typeToString(Type type);
+    [[nodiscard]] static std::string typeToString(Type type);
     /// The reverse, by exact comparison of the whole text. Throws for any other text.
     static Type stringToType(const std::string& text);
 

@@ -36,7 +36,7 @@ public:
     /// Throws Orvil::Exception when there are fewer.
     static Font::Info parseFontInfo(Orvil::IXmlNode* node);
     /// True for exactly "true" and "1".
-    static bool parseBoolean(const std::string& text);
+    [[nodiscard]] static bool parseBoolean(const std::string& text);
 };
 
 /// The namespace of all documents. addChild puts children into their parent's namespace, so every

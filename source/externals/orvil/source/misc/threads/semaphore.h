@@ -23,7 +23,7 @@ public:
     /// Takes one, waiting for it as long as it takes. A cancellation point.
     void dec();
     /// Takes one if there is one, without waiting.
-    bool trydec();
+    [[nodiscard]] bool trydec();
     /// Gives one. Throws at the maximum too.
     void inc();
 

@@ -45,7 +45,7 @@ public:
     virtual void setAttribute(const std::string& name, const std::string& value) = 0;
     /// A new last child element. The caller owns the returned object and deletes it (the element
     /// itself stays in the document); it is not the one that getFirstChild or getNextNode give.
-    virtual IXmlNode* addChild(const std::string& name) = 0;
+    [[nodiscard]] virtual IXmlNode* addChild(const std::string& name) = 0;
     /// Appends to the content.
     virtual void setContent(const std::string& text) = 0;
     /// Replaces the content by the literal text. Makes no CDATA section, despite the name. All
@@ -56,8 +56,8 @@ public:
     /// The first child of any kind with exactly this name; null if there is none.
     virtual IXmlNode* getFirstChild(const std::string& name) const;
     /// In document order, of every kind.
-    virtual std::vector<IXmlNode*> getChildren() const;
-    virtual std::vector<IXmlNode*> getChildren(const std::string& name) const;
+    [[nodiscard]] virtual std::vector<IXmlNode*> getChildren() const;
+    [[nodiscard]] virtual std::vector<IXmlNode*> getChildren(const std::string& name) const;
 
     /// Other than text and comments, processing instructions and references to entities are none.
     virtual bool isElement() const;

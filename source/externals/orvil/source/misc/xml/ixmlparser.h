@@ -33,13 +33,13 @@ public:
     static constexpr std::size_t maximumDocumentSize = std::size_t{64} << 20U;
 
     /// A new parser for "LibXmlParser", null for every other name.
-    static SmartPointer<IXmlParser> getInstance(const std::string& name);
+    [[nodiscard]] static SmartPointer<IXmlParser> getInstance(const std::string& name);
 
     /// Lets the present document go and reads another one. Nodes of the old one become invalid.
     virtual void parse(const std::string& fileName) = 0;
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.
-    virtual IXmlNode* getRootNode() const = 0;
+    [[nodiscard]] virtual IXmlNode* getRootNode() const = 0;
     /// Writes the document, indented, as UTF-8: a new file takes the old one's place and mode. What
     /// a symbolic link leads to is written. A failure is not reported and leaves the old file.
     virtual void write(const std::string& fileName) const = 0;
@@ -66,7 +66,7 @@ public:
     XmlDocumentHolder& operator=(XmlDocumentHolder&& other) noexcept;
     ~XmlDocumentHolder();
 
-    IXmlParser* get() const noexcept { return parser_.get(); }
+    [[nodiscard]] IXmlParser* get() const noexcept { return parser_.get(); }
     IXmlParser* operator->() const noexcept { return parser_.get(); }
     explicit operator bool() const noexcept { return static_cast<bool>(parser_); }
 

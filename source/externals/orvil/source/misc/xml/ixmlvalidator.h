@@ -15,7 +15,7 @@ namespace Orvil {
 class IXmlValidator : public SmartPointable {
 public:
     /// A new validator for "LibXmlSchemaValidator", null for every other name.
-    static SmartPointer<IXmlValidator> getInstance(const std::string& name);
+    [[nodiscard]] static SmartPointer<IXmlValidator> getInstance(const std::string& name);
 
     /// Drops the present schema and reads another one. After a failure there is none.
     virtual void parseSpecification(const std::string& fileName) = 0;
@@ -27,8 +27,8 @@ public:
 
     /// doValidate() with a fresh start of the messages.
     bool validate(IXmlNode* node);
-    const std::vector<std::string>& getErrors() const { return errors_; }
-    const std::vector<std::string>& getWarnings() const { return warnings_; }
+    [[nodiscard]] const std::vector<std::string>& getErrors() const { return errors_; }
+    [[nodiscard]] const std::vector<std::string>& getWarnings() const { return warnings_; }
     void clearMessages();
 
 private:
