@@ -21,6 +21,14 @@
 
 namespace {
 
+/// Ends the program unless a preparation succeeded: what was measured then would mean nothing.
+void need(bool succeeded) {
+    if (!succeeded) {
+        std::fputs("a benchmark could not be prepared\n", stderr);
+        std::abort();
+    }
+}
+
 constexpr const char* serveOption = "--serve";
 constexpr const char* postedName = "org.glyphora.benchmark.Changed";
 
@@ -155,7 +163,7 @@ BENCHMARK(postNotification)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void postAndCheck(benchmark::State& state) {
     int token = 0;
-    notify_register_check(postedName, &token);
+    need(notify_register_check(postedName, &token) == NOTIFY_STATUS_OK);
     for ([[maybe_unused]] auto _ : state) {
         notify_post(postedName);
         int check = 0;
@@ -169,7 +177,7 @@ BENCHMARK(postAndCheck)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void checkWithoutNews(benchmark::State& state) {
     int token = 0;
-    notify_register_check(postedName, &token);
+    need(notify_register_check(postedName, &token) == NOTIFY_STATUS_OK);
     int check = 0;
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(notify_check(token, &check));
@@ -179,7 +187,7 @@ void checkWithoutNews(benchmark::State& state) {
 BENCHMARK(checkWithoutNews);
 
 void dispatchWithoutEvents(benchmark::State& state) {
-    PLRegisterApplication(FourCharCode("BENC"), kPLManyInstances, nullptr);
+    need(PLRegisterApplication(FourCharCode("BENC"), kPLManyInstances, nullptr) == noErr);
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(PLDispatchPendingEvents());
     }
@@ -189,10 +197,10 @@ BENCHMARK(dispatchWithoutEvents);
 
 void signalAndTake(benchmark::State& state) {
     MPSemaphoreID semaphore = nullptr;
-    MPCreateSemaphore(32767, 0, &semaphore);
+    need(MPCreateSemaphore(32767, 0, &semaphore) == noErr);
     for ([[maybe_unused]] auto _ : state) {
         MPSignalSemaphore(semaphore);
-        MPWaitOnSemaphore(semaphore, kDurationImmediate);
+        benchmark::DoNotOptimize(MPWaitOnSemaphore(semaphore, kDurationImmediate));
     }
     MPDeleteSemaphore(semaphore);
 }
@@ -200,7 +208,7 @@ BENCHMARK(signalAndTake);
 
 void tryEmptySemaphore(benchmark::State& state) {
     MPSemaphoreID semaphore = nullptr;
-    MPCreateSemaphore(32767, 0, &semaphore);
+    need(MPCreateSemaphore(32767, 0, &semaphore) == noErr);
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(MPWaitOnSemaphore(semaphore, kDurationImmediate));
     }

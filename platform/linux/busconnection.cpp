@@ -27,7 +27,7 @@ namespace {
 
 constexpr std::chrono::milliseconds busCallTimeout{15'000};
 
-/// Runs in GDBus' worker thread, for every message in both directions.
+/// [bus-thread] Runs for every message in both directions.
 GDBusMessage* filterMessage(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
                             gpointer /*data*/) {
     if (incoming == 0) {

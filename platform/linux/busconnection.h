@@ -3,8 +3,8 @@
 // services share.
 //
 // GDBus' shared connection ends the whole process when the bus dies, so it is never used. Incoming
-// messages are seen by a filter in GDBus' worker thread, which only counts or queues them; nothing
-// here needs a main loop.
+// messages are seen by a filter in GDBus' worker, the [bus-thread], which only counts or queues
+// them and never blocks; nothing here needs a main loop.
 #pragma once
 
 #include "glibhandles.h"
@@ -18,7 +18,7 @@
 
 namespace platform {
 
-/// One connection; closed by its destructor. Any thread.
+/// [any-thread] One connection; closed by its destructor.
 class BusConnection {
 public:
     /// Null, with `reason` set, when there is no bus at `address`.

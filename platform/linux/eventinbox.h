@@ -40,8 +40,7 @@ struct IncomingEvent {
     PendingAnswer answer;
 };
 
-/// One per process. takeEvent runs in the bus thread and only queues; the rest may be called from
-/// any thread.
+/// One per process. [any-thread] but for takeEvent.
 class EventInbox {
 public:
     /// What may wait before further events are refused.
@@ -70,7 +69,8 @@ public:
     void markDispatcher();
     bool isDispatcher(std::thread::id thread);
 
-    /// True when the message was a call for this application, which is then queued or refused.
+    /// [bus-thread] True when the message was a call for this application, which is then queued or
+    /// refused.
     bool takeEvent(GDBusConnection* connection, GDBusMessage* message);
 
 private:

@@ -16,7 +16,7 @@ struct InstalledHandler {
     void* refCon = nullptr;
 };
 
-/// Any thread. A handler that is being called may change the table.
+/// [any-thread] A handler that is being called may change the table.
 class HandlerTable {
 public:
     static HandlerTable& instance();

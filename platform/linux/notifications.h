@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The counters behind notify.h: one per name, and the tokens that read them.
 //
-// A posting is the signal Posted of the interface that has the notification's name. The bus thread
-// adds one to the name's counter; a check compares that with what the token has seen and takes no
-// lock, so it can be polled all day.
+// A posting is the signal Posted of the interface that has the notification's name. The
+// [bus-thread] adds one to the name's counter; a check compares that with what the token has seen
+// and takes no lock, so it can be polled all day.
 #pragma once
 
 #include "busconnection.h"
@@ -19,7 +19,7 @@
 
 namespace platform {
 
-/// Any thread; takePosting runs in the bus thread and never waits for the bus.
+/// [any-thread] but for takePosting.
 class Notifications {
 public:
     static constexpr std::size_t maximumTokens = 4096;
@@ -34,7 +34,7 @@ public:
     /// no longer wanted. False: unknown token.
     bool remove(int token, const BusConnection* connection);
 
-    /// True when the message was a posting.
+    /// [bus-thread] True when the message was a posting. Never waits for the bus.
     bool takePosting(GDBusMessage* message);
     /// Asks a fresh connection for the postings of all names with tokens.
     void restoreMatches(const BusConnection& connection);

@@ -98,7 +98,7 @@ void* waitInThread(void* data) {
     auto& waiter = *static_cast<Waiter*>(data);
     const Unwound guard{waiter.unwound};
     sem_post(&waiter.started);
-    MPWaitOnSemaphore(waiter.semaphore, waiter.timeout);
+    EXPECT_EQ(MPWaitOnSemaphore(waiter.semaphore, waiter.timeout), noErr);
     waiter.returned = true;
     return nullptr;
 }

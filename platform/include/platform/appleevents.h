@@ -4,8 +4,8 @@
 // One event is one method call on the user's session bus. The class, the ID and the parameters
 // travel as data; the receiver is known on the bus by its four-character signature (application.h).
 // Descriptors are owned by whoever created them and are released with AEDisposeDesc; all calls
-// copy the caller's data. Every call may be made from any thread; installed handlers run only in
-// the thread that calls PLDispatchPendingEvents (application.h), never on a thread of the bus.
+// copy the caller's data. All calls are [any-thread], but for one descriptor by one thread at a
+// time; installed handlers run in the [handler-thread] alone.
 #pragma once
 
 #include "platform/types.h"
@@ -92,49 +92,50 @@ enum : OSErr {
 /// attributes.
 constexpr Size kAEMaximumEventSize = 64L * 1024 * 1024;
 
-/// Makes an empty (null) descriptor of any storage. Never fails.
+/// [any-thread] Makes an empty (null) descriptor of any storage. Never fails.
 void AEInitializeDesc(AEDesc* desc);
 
-/// Makes a descriptor of `size` copied bytes. paramErr: null result, negative size, or bytes
-/// missing, or type typeAppleEvent; memFullErr: above kAEMaximumEventSize, or no memory.
+/// [any-thread] Makes a descriptor of `size` copied bytes. paramErr: null result, negative size, or
+/// bytes missing, or type typeAppleEvent; memFullErr: above kAEMaximumEventSize, or no memory.
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result);
 
-/// Makes an event for `target` (typeApplSignature or typeKernelProcessID, four bytes of data).
-/// kAutoGenerateReturnID draws a return ID from 0 to 32,767. errAENotAEDesc: `target` is not an
-/// address descriptor; paramErr: null result; memFullErr.
+/// [any-thread] Makes an event for `target` (typeApplSignature or typeKernelProcessID, four bytes
+/// of data). kAutoGenerateReturnID draws a return ID from 0 to 32,767. errAENotAEDesc: `target` is
+/// not an address descriptor; paramErr: null result; memFullErr.
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target,
                          AEReturnID returnID, AETransactionID transactionID, AppleEvent* result);
 
-/// Sets (or replaces) one parameter. errAENotAEDesc when `event` is no event or reply; paramErr:
-/// negative size, or bytes missing; memFullErr when the event would exceed kAEMaximumEventSize.
-/// After an error the event is as it was.
+/// [any-thread] Sets (or replaces) one parameter. errAENotAEDesc when `event` is no event or reply;
+/// paramErr: negative size, or bytes missing; memFullErr when the event would exceed
+/// kAEMaximumEventSize. After an error the event is as it was.
 OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                     Size size);
-/// Sets (or replaces) one attribute; errors as AEPutParamPtr, and paramErr for the five attributes
-/// listed above, which are the event's own.
+/// [any-thread] Sets (or replaces) one attribute; errors as AEPutParamPtr, and paramErr for the
+/// five attributes listed above, which are the event's own.
 OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                         Size size);
 
-/// Reads one parameter. `keyword` typeWildCard ("****") takes the first parameter there is.
-/// Up to `maximumSize` bytes are copied into `data`; `actualSize` (may be null) gets the full size,
-/// `actualType` (may be null) the type. With `data` null and `maximumSize` 0 only the size is told.
-/// errAEDescNotFound: no such parameter; errAECoercionFail: of another type than `desiredType`
-/// (typeWildCard takes any); errAENotAEDesc: not an event.
+/// [any-thread] Reads one parameter. `keyword` typeWildCard ("****") takes the first parameter
+/// there is. Up to `maximumSize` bytes are copied into `data`; `actualSize` (may be null) gets the
+/// full size, `actualType` (may be null) the type. With `data` null and `maximumSize` 0 only the
+/// size is told. errAEDescNotFound: no such parameter; errAECoercionFail: of another type than
+/// `desiredType` (typeWildCard takes any); errAENotAEDesc: not an event.
 OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                     DescType* actualType, void* data, Size maximumSize, Size* actualSize);
-/// Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and tell the
-/// event's class and ID as one native OSType; "rtid" and "tran" are of type typeSInt32; "addr" is
-/// the target of an event that was made here; of one that came in it is what the sender put there.
+/// [any-thread] Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and
+/// tell the event's class and ID as one native OSType; "rtid" and "tran" are of type typeSInt32;
+/// "addr" is the target of an event that was made here; of one that came in it is what the sender
+/// put there.
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 
-/// Sends an event; it may be sent again afterwards. A signature addresses the holder of its single
-/// instance, else its process with the lowest id; a process id addresses whatever the process is
-/// registered as. Nobody can pass for another process: a name with a process id counts only when
-/// the kernel's id of its owner agrees. `reply` is set to the answer with kAEWaitReply (dispose of
-/// it) and to a null descriptor otherwise; it may be null with kAENoReply. The time-out is in ticks
-/// of 1/60 s and counts for the answer alone. While the call waits, no handler runs in its thread.
-/// Results:
+/// [any-thread] Sends an event; it may be sent again afterwards. A signature addresses the holder
+/// of its single instance, else its process with the lowest id; a process id addresses whatever the
+/// process is registered as. Nobody can pass for another process: a name with a process id counts
+/// only when the kernel's id of its owner agrees. `reply` is set to the answer with kAEWaitReply
+/// (dispose of it) and to a null descriptor otherwise; it may be null with kAENoReply. The time-out
+/// is in ticks of 1/60 s and counts for the answer alone. While the call waits, no handler runs in
+/// its thread. Results:
 /// - noErr, also when the handler failed: its result is in the reply as keyErrorNumber;
 /// - procNotFound: nobody with that address; it is known at once;
 /// - connectionInvalid: the peer vanished or unregistered before it answered, or there is no bus;
@@ -150,20 +151,22 @@ OSStatus AESend(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
                 AESendPriority priority, std::int32_t timeOutInTicks, AEIdleUPP idle,
                 AEFilterUPP filter);
 
-/// Releases a descriptor's storage and makes it null. Safe on a null descriptor.
+/// [any-thread] Releases a descriptor's storage and makes it null. Safe on a null descriptor.
 OSErr AEDisposeDesc(AEDesc* desc);
 
-/// Makes a routine reference. Null on a null routine or without memory.
-AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr routine);
+/// [any-thread] Makes a routine reference. Null on a null routine or without memory.
+[[nodiscard]] AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr routine);
+/// [any-thread] Releases it; installed handlers stay. Null is allowed.
 void DisposeAEEventHandlerUPP(AEEventHandlerUPP upp);
 
-/// Installs a handler for a class and an ID (typeWildCard as class or ID: all of them; an exact
-/// entry wins over a wildcard), replacing one installed for the same pair. `isSystemHandler` must
-/// be false: there is only the application's own table (paramErr, also for a null handler). The
-/// entry keeps the routine, not the reference, and must be removed before its code is unloaded.
+/// [any-thread] Installs a handler for a class and an ID (typeWildCard as class or ID: all of them;
+/// an exact entry wins over a wildcard), replacing one installed for the same pair.
+/// `isSystemHandler` must be false: there is only the application's own table (paramErr, also for a
+/// null handler). The entry keeps the routine, not the reference, and must be removed before its
+/// code is unloaded.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                             void* refCon, bool isSystemHandler);
-/// Removes it. errAEHandlerNotFound when another routine or none is installed for the pair; a null
-/// `handler` removes whichever there is.
+/// [any-thread] Removes it. errAEHandlerNotFound when another routine or none is installed for the
+/// pair; a null `handler` removes whichever there is.
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                            bool isSystemHandler);

@@ -2,6 +2,9 @@
 // This process as an application of the desktop: its signature, and the events that wait for it.
 // The documented services take both from the system's start of an application; here a program says
 // so itself.
+//
+// The [handler-thread] is the one that dispatches pending events. A program that also has a
+// [main-thread], as the host has, dispatches there.
 #pragma once
 
 #include "platform/types.h"
@@ -15,31 +18,33 @@ enum : OSErr {
     kPLAlreadyRunningErr = -610, ///< another process holds the single instance
 };
 
-/// Makes this process known on the session bus under `signature` and its process id, so that others
-/// find it and send it events. Starts a private bus when the session has none, says so on standard
-/// error, names it in DBUS_SESSION_BUS_ADDRESS to the applications that this one launches, and
-/// ends it with this process, also when this process is killed. Returns noErr;
+/// [any-thread] Makes this process known on the session bus under `signature` and its process id,
+/// so that others find it and send it events. Starts a private bus when the session has none, says
+/// so on standard error, names it in DBUS_SESSION_BUS_ADDRESS to the applications that this one
+/// launches, and ends it with this process, also when this process is killed. Returns noErr;
 /// kPLAlreadyRunningErr; connectionInvalid: no bus could be had; paramErr: registered already,
-/// `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the one that
-/// dispatches until another does. `name` (UTF-8, may be null) is told to others in
+/// `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the
+/// [handler-thread] until another dispatches. `name` (UTF-8, may be null) is told to others in
 /// ProcessInfoRec::processName.
-OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const char* name);
+[[nodiscard]] OSStatus PLRegisterApplication(OSType signature, PLInstances instances,
+                                             const char* name);
 
-/// Gives the signature back; senders of waiting events get an error, and answers already given have
-/// left when this returns. Installed handlers stay. Safe unregistered, and inside a handler.
+/// [any-thread] Gives the signature back; senders of waiting events get an error, and answers
+/// already given have left when this returns. Installed handlers stay. Safe unregistered, and
+/// inside a handler.
 void PLUnregisterApplication();
 
-/// A descriptor that is readable while events wait or the bus is gone; -1 while not registered.
-/// Owned by the library. Once the bus is gone it stays readable until PLUnregisterApplication,
-/// after which a new registration tries for a bus again.
-int PLEventFileDescriptor();
+/// [any-thread] A descriptor that is readable while events wait or the bus is gone; -1 while not
+/// registered. Owned by the library. Once the bus is gone it stays readable until
+/// PLUnregisterApplication, after which a new registration tries for a bus again.
+[[nodiscard]] int PLEventFileDescriptor();
 
-/// Runs the installed handler of every event that waits at the time of the call, in the calling
-/// thread and in order of arrival, and answers the senders. Returns the number of events
-/// dispatched, or connectionInvalid once the bus is gone or while not registered. An exception of a
-/// handler passes through; its sender gets an error.
+/// [handler-thread] Runs the installed handler of every event that waits at the time of the call,
+/// in the calling thread and in order of arrival, and answers the senders. Returns the number of
+/// events dispatched, or connectionInvalid once the bus is gone or while not registered. An
+/// exception of a handler passes through; its sender gets an error.
 std::int32_t PLDispatchPendingEvents();
 
-/// Waits up to `milliseconds` (-1: for ever) for an event and dispatches; result as above. 0: none
-/// came, or a signal of the kernel ended the wait.
+/// [handler-thread] Waits up to `milliseconds` (-1: for ever) for an event and dispatches; result
+/// as above. 0: none came, or a signal of the kernel ended the wait.
 std::int32_t PLWaitForEvents(std::int32_t milliseconds);

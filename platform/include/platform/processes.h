@@ -24,15 +24,16 @@ struct ProcessInfoRec {
     std::int32_t processID = 0; ///< the kernel's id
 };
 
-/// Advances `psn` to the next process known on the bus; after the last (or without a bus) sets it
-/// to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the bus anew
-/// (about 0.1 ms), any other goes on in the list got then; processes that have ended since, and
-/// names that belong to another process than they say, are passed over. paramErr: null. Any thread.
+/// [any-thread] Advances `psn` to the next process known on the bus; after the last (or without a
+/// bus) sets it to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the
+/// bus anew (about 0.1 ms), any other goes on in the list got then; processes that have ended
+/// since, and names that belong to another process than they say, are passed over. paramErr: null.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
-/// Fills `info`, all of it but the two fields that the caller sets. The name is the one given at
-/// the registration, else the kernel's. procNotFound: `psn` names no process (kNoProcess included)
-/// or it has ended; then `info` is left alone. paramErr: null, or an unknown length. Any thread.
-OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
+/// [any-thread] Fills `info`, all of it but the two fields that the caller sets. The name is the
+/// one given at the registration, else the kernel's. procNotFound: `psn` names no process
+/// (kNoProcess included) or it has ended; then `info` is left alone. paramErr: null, or an unknown
+/// length.
+[[nodiscard]] OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
 
 enum : std::uint16_t {
     extendedBlock = 0x4C43,
@@ -55,11 +56,11 @@ struct LaunchParamBlockRec {
     void* launchAppParameters = nullptr;
 };
 
-/// Starts the application whose desktop entry `launchAppSpec` names, by its Exec line and without
-/// files, and returns without waiting for it. It runs in a session of its own with this process'
-/// environment (and the address of a private bus, if this process started one); its standard
-/// streams are /dev/null, it has no other descriptor of this process, and is nobody's to reap. The
-/// control flags are not looked at: it never takes the place or the focus of the caller. paramErr:
-/// block not extendedBlock, or no FSSpec; fnfErr: no such entry, or its program is missing;
-/// memFullErr: it could not be started.
+/// [any-thread] Starts the application whose desktop entry `launchAppSpec` names, by its Exec line
+/// and without files, and returns without waiting for it. It runs in a session of its own with this
+/// process' environment (and the address of a private bus, if this process started one); its
+/// standard streams are /dev/null, it has no other descriptor of this process, and is nobody's to
+/// reap. The control flags are not looked at: it never takes the place or the focus of the caller.
+/// paramErr: block not extendedBlock, or no FSSpec; fnfErr: no such entry, or its program is
+/// missing; memFullErr: it could not be started.
 OSErr LaunchApplication(LaunchParamBlockRec* parameters);
