@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The three configuration readers. The first byte chooses one; the store it leaves must hold
 // together: every name listed is found again, and a copy says the same.
+#include "fuzz/require.h"
 #include "misc/configuration/configuration.h"
 #include "misc/configuration/configurationreader.h"
 #include "misc/exception.h"
-#include "require.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Trimming, splitting, padding and number parsing: what must hold for every text. Numbers are
 // compared with a stream in the classic locale.
+#include "fuzz/require.h"
 #include "misc/text/numbers.h"
 #include "misc/text/strings.h"
-#include "require.h"
 
 #include <algorithm>
 #include <cstddef>

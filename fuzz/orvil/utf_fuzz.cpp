@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The conversions against ICU. The first byte chooses source, flags and how small the target is.
+#include "fuzz/require.h"
 #include "misc/text/utf.h"
-#include "require.h"
 
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>

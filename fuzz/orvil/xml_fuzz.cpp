@@ -3,7 +3,7 @@
 // read in every way and let go.
 #include "misc/exception.h"
 #include "misc/xml/ixmlparser.h"
-#include "require.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstddef>
