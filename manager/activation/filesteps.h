@@ -29,6 +29,6 @@ void touchFolder(const std::string& path);
 
 /// Takes the name `target` without replacing what may have come there meanwhile. False, with errno
 /// set: it did not.
-bool renameToFree(const std::string& source, const std::string& target);
+[[nodiscard]] bool renameToFree(const std::string& source, const std::string& target);
 
 } // namespace manager

@@ -56,7 +56,7 @@ public:
     /// Takes the set away; it needs no space on the disk. Foreign files stay, and the folder with
     /// them; `leftBehind` is set then. False: there was no such set. Throws Error; the set is
     /// active then as it was, as far as its files are there.
-    bool remove(ContainerId id, bool* leftBehind);
+    [[nodiscard]] bool remove(ContainerId id, bool* leftBehind);
     /// Syncs what was removed, in one go. Throws Error.
     void syncRemoved(std::span<const ContainerId> sets) const;
 

@@ -5,7 +5,7 @@
 #include "manager/exchange/activationbatch.h"
 #include "manager/exchange/candidates.h"
 #include "manager/exchange/commandtext.h"
-#include "manager/exchange/replytext.h"
+#include "manager/exchange/replyfont.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,69 +13,6 @@
 namespace manager {
 
 namespace {
-
-const std::string noName;
-
-void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Candidate>& found) {
-    if (asked.syncId) {
-        reply.element("syncID", *asked.syncId);
-    }
-    // Of a font that nobody holds the type is not known, unless the command told it.
-    const std::optional<FontType> type =
-        found.empty() ? asked.type : std::optional(found.front().face.type);
-    if (type) {
-        reply.element("type", typeKeyword(*type));
-    }
-    if (found.empty()) {
-        reply.element("psName", asked.postScriptName.value_or(""));
-        reply.element("styleName", asked.styleName.value_or(""));
-        reply.element("familyName", asked.familyName.value_or(""));
-    } else {
-        const FaceMatch& face = found.front().face;
-        // The name that the font was asked for by: the asker finds it in the document by this one,
-        // also when the library calls it otherwise.
-        const std::string& askedName = asked.postScriptName ? *asked.postScriptName : noName;
-        reply.element("psName", askedName.empty() ? face.postScriptName : askedName);
-        reply.element("styleName", face.styleName);
-        reply.element("familyName", face.familyName);
-    }
-    reply.element("count", found.size());
-}
-
-void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
-                          const std::vector<Candidate>& found, const ActivationBatch& batch) {
-    const auto isActive = [&](const Candidate& candidate) {
-        return batch.holds(candidate.container.id)
-                   ? batch.succeeded(candidate.container.id, candidate.face.fileName)
-                   : candidate.active;
-    };
-    const auto active = std::find_if(found.begin(), found.end(), isActive);
-    const auto matching = std::find_if(found.begin(), found.end(),
-                                       [](const Candidate& one) { return one.typeMatches; });
-    const bool matchingActive = std::any_of(found.begin(), found.end(), [&](const Candidate& one) {
-        return one.typeMatches && isActive(one);
-    });
-    reply.beginFont();
-    writeNames(reply, asked, found);
-    reply.flag("isActive", active != found.end());
-    reply.element("typeMatchingCount",
-                  std::count_if(found.begin(), found.end(),
-                                [](const Candidate& one) { return one.typeMatches; }));
-    reply.flag("isTypeMatchingActive", matchingActive);
-    if (matching != found.end()) {
-        reply.element("typeMatchingContainerID", toText(matching->container.id));
-    }
-    if (!found.empty()) {
-        reply.element("containerID", toText(found.front().container.id));
-    }
-    if (found.size() == 1) {
-        reply.flag("activationSuccessfull", active != found.end());
-    }
-    for (const Candidate& candidate : found) {
-        reply.fontInfo(toText(candidate.container.id), CandidateFinder::describe(candidate));
-    }
-    reply.endFont();
-}
 
 /// Puts the candidate of the container that the command names first.
 void preferNamed(std::vector<Candidate>& found, const CommandFont& asked) {

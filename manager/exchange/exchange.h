@@ -41,7 +41,8 @@ struct Answer {
 /// visible, the best other one by PostScript name (CandidateFinder::find tells which is best), and
 /// answers with that. A font that nobody holds is judged by the whole container named. showRequest,
 /// buyRequest: tell what is held; nothing is opened or bought.
-Answer answerCommand(Library& library, Activation& activation, std::string_view command);
+[[nodiscard]] Answer answerCommand(Library& library, Activation& activation,
+                                   std::string_view command);
 
 /// A reply that says only what went wrong.
 std::string failureReply(std::string_view word, std::string_view problem);
