@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The program on a bus of its own: events in, answers and changes out, one instance, every way to
 // end it.
-#include "platform/appleevents.h"
-#include "platform/application.h"
 #include "platform/notify.h"
 #include "platform/processes.h"
 #include "tests/manager/foldedreply.h"
 #include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
+#include "tests/platform/events.h"
 #include "tests/support/privatebus/privatebus.h"
 
 #include <algorithm>
@@ -134,26 +133,9 @@ protected:
         return false;
     }
     static std::optional<std::string> send(const std::string& command) {
-        AEDesc target;
-        AppleEvent event;
-        AppleEvent reply;
-        AECreateDesc(typeApplSignature, "QGLY", 4, &target);
-        AECreateAppleEvent(FourCharCode("QGLY"), FourCharCode("****"), &target,
-                           kAutoGenerateReturnID, kAnyTransactionID, &event);
-        AEPutParamPtr(&event, keyDirectObject, typeChar, command.data(),
-                      static_cast<Size>(command.size()));
-        std::optional<std::string> text;
-        Size size = 0;
-        if (AESend(&event, &reply, kAEWaitReply, kAENormalPriority, 3600, nullptr, nullptr) ==
-                noErr &&
-            AEGetParamPtr(&reply, typeWildCard, typeChar, nullptr, nullptr, 0, &size) == noErr) {
-            text.emplace(static_cast<std::size_t>(size), '\0');
-            AEGetParamPtr(&reply, typeWildCard, typeChar, nullptr, text->data(), size, nullptr);
-        }
-        AEDisposeDesc(&reply);
-        AEDisposeDesc(&event);
-        AEDisposeDesc(&target);
-        return text;
+        platformtest::TestEvent event("QGLY", "****", "QGLY");
+        event.putText(command);
+        return event.send(3600) == noErr ? event.text() : std::nullopt;
     }
     static std::string request(const std::string& psName) {
         return "<cmd>fontRequest</cmd>\n<targetApp>ART5</targetApp>\n<targetClass>FILC</"

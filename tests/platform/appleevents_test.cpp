@@ -18,23 +18,20 @@
 
 namespace {
 
-using platformtest::Desc;
 using platformtest::PeerProcess;
 using platformtest::RawConnection;
+using platformtest::RegisteredPeer;
 using platformtest::TestEvent;
 using testsupport::PrivateBus;
 
 class AnAppleEvent : public testing::Test {
 protected:
     void TearDown() override { PLUnregisterApplication(); }
-    static void expectRegistered(PeerProcess& peer) { ASSERT_EQ(peer.readLine(), "0"); }
-
     PrivateBus bus;
 };
 
 TEST_F(AnAppleEvent, ComesBackWithTheAnswer) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     TestEvent event("PEER", "echo");
     event.putText("<cmd>fontRequest \xC3\xA4</cmd>\n");
     for (int i = 0; i < 3; ++i) { // an event may be sent again
@@ -47,24 +44,14 @@ TEST_F(AnAppleEvent, ComesBackWithTheAnswer) {
 }
 
 TEST_F(AnAppleEvent, ReportsWhatTheHandlerSaid) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     TestEvent failing("PEER", "fail");
     EXPECT_EQ(failing.send(), noErr);
     EXPECT_EQ(failing.number(keyErrorNumber), -1234);
     TestEvent handled("PEER", "who ");
     EXPECT_EQ(handled.send(), noErr);
     EXPECT_EQ(handled.number(keyErrorNumber), std::nullopt);
-
-    Desc address;
-    Desc other;
-    Desc reply;
-    AECreateDesc(typeApplSignature, "PEER", 4, address.get());
-    AECreateAppleEvent(FourCharCode("OTHR"), FourCharCode("echo"), address.get(), -1, 0,
-                       other.get());
-    EXPECT_EQ(
-        AESend(other.get(), reply.get(), kAEWaitReply, 0, kAEDefaultTimeout, nullptr, nullptr),
-        errAEEventNotHandled);
+    EXPECT_EQ(TestEvent("PEER", "echo", "OTHR").send(), errAEEventNotHandled);
 }
 
 TEST_F(AnAppleEvent, FailsAtOnceWhenNobodyIsThere) {
@@ -76,8 +63,7 @@ TEST_F(AnAppleEvent, FailsAtOnceWhenNobodyIsThere) {
 }
 
 TEST_F(AnAppleEvent, TimesOutOnASlowPeerAndGoesOn) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     EXPECT_EQ(TestEvent("PEER", "hold").send(1), errAETimeout);
     EXPECT_EQ(peer.readLine(), "holding");
     peer.prompt(); // the late answer is nobody's any more
@@ -87,49 +73,31 @@ TEST_F(AnAppleEvent, TimesOutOnASlowPeerAndGoesOn) {
 }
 
 TEST_F(AnAppleEvent, TimesOutOnASilentPeer) {
-    PeerProcess peer({"ignore", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"ignore", "PEER"});
     EXPECT_EQ(TestEvent("PEER", "echo").send(1), errAETimeout);
     EXPECT_EQ(TestEvent("PEER", "echo").send(1, kAENoReply), noErr);
 }
 
-/// When the peer is killed. None of these may end in a time-out: there is none.
-struct Death {
-    const char* name;
-    const char* event;
-    bool whileHolding;
-    OSStatus status;
-};
-
-class AVanishingPeer : public testing::TestWithParam<Death> {
-protected:
-    PrivateBus bus;
-};
-
-TEST_P(AVanishingPeer, IsAnErrorAtOnce) {
-    PeerProcess peer({"serve-one", "PEER"});
-    ASSERT_EQ(peer.readLine(), "0");
-    TestEvent event("PEER", GetParam().whileHolding ? "hold" : "die ");
-    std::thread killer([&] {
-        if (GetParam().whileHolding) {
-            EXPECT_EQ(peer.readLine(), "holding");
-            peer.kill();
-        }
-    });
-    EXPECT_EQ(event.send(kNoTimeOut), GetParam().status);
-    killer.join();
-    peer.kill();
-    EXPECT_EQ(TestEvent("PEER", "echo").send(kNoTimeOut), procNotFound);
+TEST_F(AnAppleEvent, FailsAtOnceWhenThePeerIsKilled) {
+    // By itself, and from outside; there is no time-out that could end either.
+    for (const bool whileHolding : {false, true}) {
+        RegisteredPeer peer({"serve-one", "PEER"});
+        std::thread killer([&] {
+            if (whileHolding) {
+                EXPECT_EQ(peer.readLine(), "holding");
+                peer.kill();
+            }
+        });
+        TestEvent event("PEER", whileHolding ? "hold" : "die ");
+        EXPECT_EQ(event.send(kNoTimeOut), connectionInvalid);
+        killer.join();
+        peer.kill();
+        EXPECT_EQ(TestEvent("PEER", "echo").send(kNoTimeOut), procNotFound);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Killed, AVanishingPeer,
-                         testing::Values(Death{"WhileItHolds", "hold", true, connectionInvalid},
-                                         Death{"ByItself", "die ", false, connectionInvalid}),
-                         [](const auto& tested) { return std::string(tested.param.name); });
-
 TEST_F(AnAppleEvent, ArrivesFromAPeerThatDiesRightAfterItsAnswer) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     TestEvent event("PEER", "last");
     EXPECT_EQ(event.send(kNoTimeOut), noErr);
     EXPECT_EQ(event.number(), 1);
@@ -138,8 +106,7 @@ TEST_F(AnAppleEvent, ArrivesFromAPeerThatDiesRightAfterItsAnswer) {
 }
 
 TEST_F(AnAppleEvent, EndsWithTheBus) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     std::thread killer([&] {
         EXPECT_EQ(peer.readLine(), "holding");
         bus.stop();
@@ -154,18 +121,15 @@ TEST_F(AnAppleEvent, ReachesThePeerOnANewBus) {
     EXPECT_EQ(TestEvent("PEER", "echo").send(), procNotFound);
     bus.stop();
     const PrivateBus another;
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     TestEvent event("PEER", "who ");
     EXPECT_EQ(event.send(), noErr);
     EXPECT_EQ(event.number(), peer.processID());
 }
 
 TEST_F(AnAppleEvent, PrefersTheSingleInstanceThenTheLowestProcess) {
-    PeerProcess first({"serve-many", "PEER"});
-    PeerProcess second({"serve-many", "PEER"});
-    expectRegistered(first);
-    expectRegistered(second);
+    RegisteredPeer first({"serve-many", "PEER"});
+    RegisteredPeer second({"serve-many", "PEER"});
     const auto answering = [] {
         TestEvent event("PEER", "who ");
         EXPECT_EQ(event.send(), noErr);
@@ -173,8 +137,7 @@ TEST_F(AnAppleEvent, PrefersTheSingleInstanceThenTheLowestProcess) {
     };
     EXPECT_EQ(answering(), std::min(first.processID(), second.processID()));
     {
-        PeerProcess single({"serve-one", "PEER"});
-        expectRegistered(single);
+        RegisteredPeer single({"serve-one", "PEER"});
         EXPECT_EQ(answering(), single.processID());
         PeerProcess late({"serve-one", "PEER"});
         EXPECT_EQ(late.readLine(), std::to_string(kPLAlreadyRunningErr));
@@ -189,16 +152,14 @@ TEST_F(AnAppleEvent, IsNotGivenToAPeerThatLiesAboutItsProcess) {
     liar.ownName(platform::busNameOf({FourCharCode("PEER"), 1}));
     EXPECT_EQ(TestEvent("PEER", "who ").send(kNoTimeOut), procNotFound);
     EXPECT_EQ(TestEvent(1, "who ").send(kNoTimeOut), procNotFound);
-    PeerProcess peer({"serve-many", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-many", "PEER"});
     TestEvent event("PEER", "who ");
     EXPECT_EQ(event.send(), noErr);
     EXPECT_EQ(event.number(), peer.processID());
 }
 
 TEST_F(AnAppleEvent, MayBeSentByFourThreadsAtOnce) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([thread] {
@@ -217,8 +178,7 @@ TEST_F(AnAppleEvent, MayBeSentByFourThreadsAtOnce) {
 }
 
 TEST_F(AnAppleEvent, MayBeAsLargeAsTheLimit) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     TestEvent event("PEER", "echo");
     std::string text(kAEMaximumEventSize - 16, 'x');
     text.front() = 'a';
@@ -232,8 +192,7 @@ TEST_F(AnAppleEvent, MayBeAsLargeAsTheLimit) {
 }
 
 TEST_F(AnAppleEvent, WaitingBehindAnUnregistrationIsRefused) {
-    PeerProcess peer({"serve-one", "PEER"});
-    expectRegistered(peer);
+    RegisteredPeer peer({"serve-one", "PEER"});
     std::thread holder([] { EXPECT_EQ(TestEvent("PEER", "hold").send(kNoTimeOut), noErr); });
     EXPECT_EQ(peer.readLine(), "holding");
     // While the peer is held, the next two wait in its queue, in this order.
@@ -344,12 +303,7 @@ TEST_F(AnApplication, CallsTheHandlerThatFitsBest) {
         for (auto& [name, one] : handled) {
             one.count = 0;
         }
-        Desc address;
-        Desc event;
-        AECreateDesc(typeApplSignature, "SELF", 4, address.get());
-        AECreateAppleEvent(FourCharCode(eventClass), FourCharCode(id), address.get(), -1, 0,
-                           event.get());
-        EXPECT_EQ(AESend(event.get(), nullptr, kAENoReply, 0, -1, nullptr, nullptr), noErr);
+        EXPECT_EQ(TestEvent("SELF", id, eventClass).send(kNoTimeOut, kAENoReply), noErr);
         EXPECT_EQ(PLWaitForEvents(-1), 1);
         std::string names;
         for (const auto& [name, one] : handled) {

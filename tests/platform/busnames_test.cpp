@@ -33,25 +33,16 @@ TEST(ABusName, IsLegalAndReadsBackForEverySignature) {
 }
 
 TEST(ABusName, IsReadOnlyInItsOneSpelling) {
-    for (const char* name : {
-             "",
-             "org.glyphora.AppleEvents1.QGLY",
-             "org.glyphora.AppleEvents1.QGLY.instance",
-             "org.glyphora.AppleEvents1.QGLY.instance0",
-             "org.glyphora.AppleEvents1.QGLY.instance007",
-             "org.glyphora.AppleEvents1.QGLY.instance-7",
-             "org.glyphora.AppleEvents1.QGLY.instance7x",
-             "org.glyphora.AppleEvents1.QGLY.instance7.more",
-             "org.glyphora.AppleEvents1.QGLY.instance99999999999",
-             "org.glyphora.AppleEvents1.QGL.instance7",
-             "org.glyphora.AppleEvents1.QGLYX.instance7",
-             "org.glyphora.AppleEvents1._51GLY.instance7",
-             "org.glyphora.AppleEvents1.QGL_5F.instance7",
-             "org.glyphora.AppleEvents1.QGL_.instance7",
-             "org.glyphora.AppleEvents1.QGL_g0.instance7",
-             "org.glyphora.AppleEvents2.QGLY.instance7",
-             "xorg.glyphora.AppleEvents1.QGLY.instance7",
-         }) {
+    const std::string beginning = "org.glyphora.AppleEvents1.";
+    for (const char* end :
+         {"QGLY", "QGLY.instance", "QGLY.instance0", "QGLY.instance007", "QGLY.instance-7",
+          "QGLY.instance7x", "QGLY.instance7.more", "QGLY.instance99999999999", "QGL.instance7",
+          "QGLYX.instance7", "_51GLY.instance7", "QGL_5F.instance7", "QGL_.instance7",
+          "QGL_g0.instance7"}) {
+        EXPECT_EQ(parseInstanceName(beginning + end), std::nullopt) << end;
+    }
+    for (const char* name : {"", "org.glyphora.AppleEvents2.QGLY.instance7",
+                             "xorg.glyphora.AppleEvents1.QGLY.instance7"}) {
         EXPECT_EQ(parseInstanceName(name), std::nullopt) << name;
     }
 }

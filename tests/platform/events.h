@@ -29,14 +29,15 @@ private:
     AEDesc desc_;
 };
 
-/// An event of class 'TEST', and its reply once sent.
+/// An event, of class 'TEST' unless told otherwise, and its reply once sent.
 class TestEvent {
 public:
-    TestEvent(const char (&signature)[5], const char (&what)[5]) {
-        make(typeApplSignature, signature, what);
+    TestEvent(const char (&signature)[5], const char (&what)[5],
+              const char (&eventClass)[5] = "TEST") {
+        make(typeApplSignature, signature, eventClass, what);
     }
     TestEvent(std::int32_t processID, const char (&what)[5]) {
-        make(typeKernelProcessID, &processID, what);
+        make(typeKernelProcessID, &processID, "TEST", what);
     }
 
     OSErr putText(std::string_view text, AEKeyword keyword = keyDirectObject) {
@@ -66,10 +67,11 @@ public:
     AppleEvent* reply() { return reply_.get(); }
 
 private:
-    void make(DescType type, const void* target, const char (&what)[5]) {
+    void make(DescType type, const void* target, const char (&eventClass)[5],
+              const char (&what)[5]) {
         Desc address;
         EXPECT_EQ(AECreateDesc(type, target, 4, address.get()), noErr);
-        EXPECT_EQ(AECreateAppleEvent(FourCharCode("TEST"), FourCharCode(what), address.get(),
+        EXPECT_EQ(AECreateAppleEvent(FourCharCode(eventClass), FourCharCode(what), address.get(),
                                      kAutoGenerateReturnID, kAnyTransactionID, event()),
                   noErr);
     }

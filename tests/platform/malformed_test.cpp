@@ -15,15 +15,6 @@ using platformtest::TestEvent;
 constexpr const char* objectPath = "/org/glyphora/AppleEvents1";
 constexpr const char* testInterface = "org.glyphora.AppleEvent1";
 
-struct BadCall {
-    const char* name;
-    const char* path;
-    const char* interface;
-    const char* member;
-    const char* body; ///< text form of a GVariant; null: none
-    std::string error;
-};
-
 class WithAnApplication : public testing::Test {
 protected:
     void SetUp() override {
@@ -35,47 +26,44 @@ protected:
     const std::string busName = platform::busNameOf(FourCharCode("SELF"));
 };
 
-class AMalformedCall : public WithAnApplication, public testing::WithParamInterface<BadCall> {};
+using AMalformedCall = WithAnApplication;
 
-TEST_P(AMalformedCall, IsRefusedByName) {
-    const BadCall& call = GetParam();
-    GVariant* body = nullptr;
-    if (call.body != nullptr) {
-        body = g_variant_new_parsed(call.body);
+TEST_F(AMalformedCall, IsRefusedByName) {
+    const std::string invalid = "org.freedesktop.DBus.Error.InvalidArgs: ";
+    const std::string otherType =
+        invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of ";
+    const std::string otherMethod = "org.freedesktop.DBus.Error.UnknownMethod: "
+                                    "org.glyphora.AppleEvent1 has only the method Handle";
+    const struct {
+        const char* path;
+        const char* interface;
+        const char* member;
+        const char* body; ///< text form of a GVariant; null: none
+        std::string error;
+    } calls[] = {
+        {objectPath, testInterface, "Handle", nullptr, otherType + "()"},
+        {objectPath, testInterface, "Handle", "('text',)", otherType + "(s)"},
+        {objectPath, testInterface, "Handle",
+         "(uint32 1, uint32 2, int16 3, 4, @a(uuay) [], @a(uuay) [], 5)",
+         otherType + "(uunia(uuay)a(uuay)i)"},
+        {objectPath, testInterface, "Mangle", nullptr, otherMethod},
+        {objectPath, nullptr, "Mangle", nullptr, otherMethod},
+        {"/org/glyphora", testInterface, "Handle", nullptr,
+         "org.freedesktop.DBus.Error.UnknownObject: events are taken at "
+         "/org/glyphora/AppleEvents1"},
+        {objectPath, "org.freedesktop.DBus.Properties", "Get",
+         "('org.glyphora.AppleEvent1', 'Age')",
+         invalid + "the only property is ApplicationName of org.glyphora.AppleEvent1, and it can "
+                   "only be read by Get"},
+    };
+    for (const auto& [path, interface, member, body, error] : calls) {
+        GVariant* parsed = body != nullptr ? g_variant_new_parsed(body) : nullptr;
+        EXPECT_EQ(stranger.errorOf(busName, path, interface, member, parsed), error);
+        EXPECT_EQ(PLDispatchPendingEvents(), 0) << "nothing was queued";
     }
-    EXPECT_EQ(stranger.errorOf(busName, call.path, call.interface, call.member, body), call.error);
-    EXPECT_EQ(PLDispatchPendingEvents(), 0) << "nothing was queued";
     EXPECT_EQ(TestEvent("SELF", "echo").send(kNoTimeOut, kAENoReply), noErr);
     EXPECT_EQ(PLWaitForEvents(-1), 1) << "good ones still come in";
 }
-
-const std::string invalid = "org.freedesktop.DBus.Error.InvalidArgs: ";
-
-INSTANTIATE_TEST_SUITE_P(
-    Call, AMalformedCall,
-    testing::Values(
-        BadCall{"WithoutArguments", objectPath, testInterface, "Handle", nullptr,
-                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of ()"},
-        BadCall{"OfAnotherType", objectPath, testInterface, "Handle", "('text',)",
-                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of (s)"},
-        BadCall{"WithOneArgumentMore", objectPath, testInterface, "Handle",
-                "(uint32 1, uint32 2, int16 3, 4, @a(uuay) [], @a(uuay) [], 5)",
-                invalid + "Handle takes arguments of (uunia(uuay)a(uuay)), not of "
-                          "(uunia(uuay)a(uuay)i)"},
-        BadCall{"OfAnotherMethod", objectPath, testInterface, "Mangle", nullptr,
-                "org.freedesktop.DBus.Error.UnknownMethod: org.glyphora.AppleEvent1 has only the "
-                "method Handle"},
-        BadCall{"WithoutInterface", objectPath, nullptr, "Mangle", nullptr,
-                "org.freedesktop.DBus.Error.UnknownMethod: org.glyphora.AppleEvent1 has only the "
-                "method Handle"},
-        BadCall{"ElsewhereInTheProcess", "/org/glyphora", testInterface, "Handle", nullptr,
-                "org.freedesktop.DBus.Error.UnknownObject: events are taken at "
-                "/org/glyphora/AppleEvents1"},
-        BadCall{"OfAnotherProperty", objectPath, "org.freedesktop.DBus.Properties", "Get",
-                "('org.glyphora.AppleEvent1', 'Age')",
-                invalid + "the only property is ApplicationName of org.glyphora.AppleEvent1, and "
-                          "it can only be read by Get"}),
-    [](const auto& tested) { return std::string(tested.param.name); });
 
 class AnExcessiveCall : public WithAnApplication {
 protected:

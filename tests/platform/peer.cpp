@@ -13,12 +13,10 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
 
-const std::thread::id mainThread = std::this_thread::get_id();
 bool diesAfterAnswering = false;
 
 void say(const std::string& line) {
@@ -60,8 +58,6 @@ OSErr handle(const AppleEvent* event, AppleEvent* reply, void* /*refCon*/) {
         return echo(event, reply);
     case FourCharCode("who "):
         return answer(reply, getpid());
-    case FourCharCode("thrd"):
-        return answer(reply, std::this_thread::get_id() == mainThread ? 1 : 0);
     case FourCharCode("fail"):
         return -1234;
     case FourCharCode("hold"):

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <stdexcept>
+#include <utility>
 
 namespace platformtest {
 
@@ -82,6 +83,13 @@ int PeerProcess::wait() {
     }
     child_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+RegisteredPeer::RegisteredPeer(std::vector<std::string> arguments)
+    : PeerProcess(std::move(arguments)) {
+    if (readLine() != "0") {
+        throw std::runtime_error("the second process could not register");
+    }
 }
 
 } // namespace platformtest

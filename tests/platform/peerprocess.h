@@ -42,4 +42,11 @@ private:
     sys::Descriptor errors_;
 };
 
+/// One that serves as an application, and has registered.
+class RegisteredPeer : public PeerProcess {
+public:
+    /// Throws std::runtime_error when it could not register.
+    explicit RegisteredPeer(std::vector<std::string> arguments);
+};
+
 } // namespace platformtest

@@ -16,6 +16,7 @@
 namespace {
 
 using platformtest::PeerProcess;
+using platformtest::RegisteredPeer;
 
 class AWalkOverTheProcesses : public testing::Test {
 protected:
@@ -37,10 +38,8 @@ protected:
 TEST_F(AWalkOverTheProcesses, MeetsEveryApplicationOnce) {
     EXPECT_TRUE(walk().empty());
     ASSERT_EQ(PLRegisterApplication(FourCharCode("SELF"), kPLManyInstances, "Self"), noErr);
-    PeerProcess one({"serve-one", "QGLY"});
-    PeerProcess many({"serve-many", "3D _"});
-    ASSERT_EQ(one.readLine(), "0");
-    ASSERT_EQ(many.readLine(), "0");
+    RegisteredPeer one({"serve-one", "QGLY"});
+    RegisteredPeer many({"serve-many", "3D _"});
     const auto found = walk();
     ASSERT_EQ(found.size(), 3U);
     EXPECT_EQ(found.at(getpid()).processSignature, FourCharCode("SELF"));
@@ -54,10 +53,8 @@ TEST_F(AWalkOverTheProcesses, MeetsEveryApplicationOnce) {
 TEST_F(AWalkOverTheProcesses, PassesOverLiarsAndTheDead) {
     platformtest::RawConnection liar(bus.address());
     liar.ownName(platform::busNameOf({FourCharCode("LIAR"), 1}));
-    PeerProcess first({"serve-many", "PEER"});
-    PeerProcess second({"serve-many", "PEER"});
-    ASSERT_EQ(first.readLine(), "0");
-    ASSERT_EQ(second.readLine(), "0");
+    RegisteredPeer first({"serve-many", "PEER"});
+    RegisteredPeer second({"serve-many", "PEER"});
     ProcessSerialNumber psn;
     ASSERT_EQ(GetNextProcess(&psn), noErr);
     ProcessInfoRec info;
@@ -81,10 +78,8 @@ TEST_F(AWalkOverTheProcesses, TellsTheNameGivenAtTheRegistration) {
     for (int i = 0; i < 100; ++i) {
         longName += "\xE2\x82\xAC"; // three bytes each: 255 of them fit
     }
-    PeerProcess named({"serve-many", "PEER", longName});
-    PeerProcess nameless({"serve-many", "PEER"});
-    ASSERT_EQ(named.readLine(), "0");
-    ASSERT_EQ(nameless.readLine(), "0");
+    RegisteredPeer named({"serve-many", "PEER", longName});
+    RegisteredPeer nameless({"serve-many", "PEER"});
     ASSERT_EQ(PLRegisterApplication(FourCharCode("SELF"), kPLOneInstance, "Selbst \xC3\xBC"),
               noErr);
     const std::string kernelName = "platform_test_p"; // cut by the kernel
