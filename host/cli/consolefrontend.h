@@ -13,7 +13,7 @@ namespace host {
 
 class ConsoleFrontend : public Frontend {
 public:
-    /// @param errors outlives the frontend
+    /// `errors` outlives the frontend.
     explicit ConsoleFrontend(std::ostream& errors) : stream_(errors) {}
 
     void showAlert(const Alert& alert) override;

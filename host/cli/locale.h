@@ -9,9 +9,9 @@ namespace host {
 
 /// The part of a locale's name that plug-ins know: "de_DE" of "de_DE.UTF-8@euro"; "en_US" for "C",
 /// "POSIX" and nothing.
-std::string localeCode(std::string_view name);
+[[nodiscard]] std::string localeCode(std::string_view name);
 
 /// From LC_ALL, else LC_MESSAGES, else LANG; empty ones do not count.
-std::string localeOfEnvironment();
+[[nodiscard]] std::string localeOfEnvironment();
 
 } // namespace host

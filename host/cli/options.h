@@ -30,8 +30,9 @@ struct Options {
 };
 
 /// Reads the command line; a wrong one, or a request for help, is answered on `output` or `errors`.
-/// @return the options, or nothing with `exitStatus` set
-std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
-                                   std::ostream& output, std::ostream& errors, int& exitStatus);
+/// Then there are no options, and `exitStatus` is set.
+[[nodiscard]] std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
+                                                 std::ostream& output, std::ostream& errors,
+                                                 int& exitStatus);
 
 } // namespace host

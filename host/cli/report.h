@@ -49,12 +49,12 @@ struct RunReport {
 };
 
 /// A table of one document's faces.
-std::string textOfDocument(const DocumentReport& document);
+[[nodiscard]] std::string textOfDocument(const DocumentReport& document);
 /// One line on what was loaded.
-std::string textOfSelfTest(const RunReport& report);
+[[nodiscard]] std::string textOfSelfTest(const RunReport& report);
 /// The counts of suite calls, one per line.
-std::string textOfCalls(const RunReport& report);
+[[nodiscard]] std::string textOfCalls(const RunReport& report);
 /// All of it, one object.
-std::string jsonOf(const RunReport& report);
+[[nodiscard]] std::string jsonOf(const RunReport& report);
 
 } // namespace host

@@ -21,18 +21,18 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Main thread; once.
+/// [main-thread] For one run.
 class Session {
 public:
     using Clock = std::chrono::steady_clock;
     /// Called with each document's part of the report as soon as it is complete.
     using Progress = std::function<void(const DocumentReport&)>;
 
-    /// @param options, frontend outlive the session @param start when the program was started
+    /// `options` and `frontend` outlive the session; `start` is when the program was started.
     Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start);
 
-    /// Never throws for what documents or plug-ins do: that is in the report.
-    /// @throws UsageError: a fault to build in does not exist
+    /// What goes wrong with documents and plug-ins is in the report. Throws UsageError when a fault
+    /// to build in does not exist.
     RunReport run(const Progress& progress = {});
 
 private:

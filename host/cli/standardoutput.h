@@ -21,8 +21,8 @@ public:
     ReservedOutput& operator=(const ReservedOutput&) = delete;
     ~ReservedOutput();
 
-    /// @return false when it could not be written as a whole
-    bool write(std::string_view text) const;
+    /// False when it could not be written as a whole.
+    [[nodiscard]] bool write(std::string_view text) const;
 
 private:
     sys::Descriptor kept_;

@@ -14,13 +14,13 @@ namespace host {
 using PluginNumber = std::uint32_t;
 inline constexpr PluginNumber noPlugin = 0xFFFFFFFFU;
 
-/// Any thread. Owns every block that is not freed yet.
+/// [any-thread] Owns every block that is not freed yet.
 class Blocks {
 public:
-    /// Aligned for every type; of size 0 too. @throws std::bad_alloc
-    void* allocate(std::size_t size, PluginNumber owner);
+    /// Aligned for every type, also when of size 0. Throws std::bad_alloc.
+    [[nodiscard]] void* allocate(std::size_t size, PluginNumber owner);
     /// False when it is not a live block.
-    bool free(void* block) noexcept;
+    [[nodiscard]] bool free(void* block) noexcept;
 
     struct Sum {
         std::size_t blocks = 0;

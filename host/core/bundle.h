@@ -22,30 +22,30 @@ struct Bundle {
     std::filesystem::path module;
     std::filesystem::path resources; ///< may not exist
 
-    /// @throws PluginError: not a folder, or not exactly one module for this system
-    static Bundle open(const std::filesystem::path& folder);
+    /// Throws PluginError when it is no folder or does not hold exactly one module for this system.
+    [[nodiscard]] static Bundle open(const std::filesystem::path& folder);
 
     /// The folder's name without extension.
     std::string name() const { return folder.stem().string(); }
 };
 
-/// A module's code, mapped. Main thread.
+/// A module's code, mapped. [main-thread]
 class Module {
 public:
-    /// @throws PluginError: it cannot be mapped, or has no entry point
+    /// Throws PluginError when it cannot be mapped or has no entry point.
     explicit Module(std::filesystem::path file);
     Module(Module&&) noexcept = default;
     Module& operator=(Module&&) noexcept = default;
 
     SPEntryProc entry() const noexcept { return entry_; }
 
-    /// Gives the code back, which runs the module's static destructors. @return whether it is
-    /// really gone from memory; a module that the system keeps is not seen afresh when it is mapped
-    /// again
+    /// Gives the code back, which runs the module's static destructors. False when it is not gone
+    /// from memory: a module that the system keeps would not be seen afresh when it is mapped
+    /// again.
     bool unmap() noexcept;
 
     /// Whether a module's code is in memory now.
-    static bool isMapped(const std::filesystem::path& file) noexcept;
+    [[nodiscard]] static bool isMapped(const std::filesystem::path& file) noexcept;
 
 private:
     struct Close {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One record per call of every suite: how often it was made, and whether it shall fail on purpose.
+// One record per call of every suite: how often it was made, and whether it is to fail on purpose.
 #pragma once
 
 #include "sp/types.h"
@@ -24,8 +24,8 @@ public:
     const char* call() const noexcept { return call_; }
     std::uint64_t count() const noexcept { return count_.load(std::memory_order_relaxed); }
 
-    /// Counts one call. @return the result that it shall fail with, kNoErr for none
-    SPErr enter() noexcept {
+    /// Counts one call and gives the code that it must fail with, kNoErr for none.
+    [[nodiscard]] SPErr enter() noexcept {
         const std::uint64_t number = count_.load(std::memory_order_relaxed) + 1;
         count_.store(number, std::memory_order_relaxed);
         return fault_ == kNoErr || number < faultFrom_ ? kNoErr : fault_;
@@ -34,9 +34,9 @@ public:
     /// Makes the call fail from its `from`th time on (1: at once). kNoErr ends it.
     void failWith(SPErr error, std::uint64_t from = 1) noexcept;
 
-    /// The site of a call, nullptr if there is none. @param suite may be empty: the first that has
-    /// the call
-    static CallSite* find(std::string_view suite, std::string_view call) noexcept;
+    /// The site of a call, nullptr if there is none. An empty `suite` means the first that has the
+    /// call.
+    [[nodiscard]] static CallSite* find(std::string_view suite, std::string_view call) noexcept;
     /// Forgets counts and faults.
     static void resetAll() noexcept;
 

@@ -26,8 +26,7 @@ bool Contexts::pop(AIAppContextHandle context) noexcept {
 
 std::size_t Contexts::cutTo(std::size_t depth) noexcept {
     std::size_t cut = 0;
-    while (stack_.size() > depth) {
-        pop(stack_.back());
+    while (stack_.size() > depth && pop(stack_.back())) {
         ++cut;
     }
     return cut;

@@ -10,14 +10,14 @@
 
 namespace host {
 
-/// Main thread. Contexts nest.
+/// [main-thread] Contexts nest.
 class Contexts {
 public:
     AIAppContextHandle push(PluginNumber plugin);
     /// False when `context` is not the innermost one; nothing is popped then.
-    bool pop(AIAppContextHandle context) noexcept;
+    [[nodiscard]] bool pop(AIAppContextHandle context) noexcept;
     std::size_t depth() const noexcept { return stack_.size(); }
-    /// Pops down to a depth. @return how many had to be popped
+    /// Pops down to a depth and says how many contexts that took.
     std::size_t cutTo(std::size_t depth) noexcept;
     /// noPlugin when there is none.
     PluginNumber innermost() noexcept;

@@ -32,10 +32,10 @@ struct CoreOptions {
     Timers::Clock clock;          ///< ticks of 1/60 s; empty: the system's
 };
 
-/// One at a time in a process, used by the thread that made it, which is the main thread.
+/// [main-thread] One at a time in a process; the thread that makes it is the main thread.
 class Core {
 public:
-    /// @param frontend outlives the core
+    /// `frontend` outlives the core.
     explicit Core(Frontend& frontend, CoreOptions options = {});
     Core(const Core&) = delete;
     Core& operator=(const Core&) = delete;
@@ -53,7 +53,7 @@ public:
     const std::string& locale() const noexcept { return options_.locale; }
     static const SPBasicSuite& basicSuite() noexcept;
 
-    /// Maps a bundle; startUp() comes next. @throws PluginError
+    /// Maps a bundle; startUp() comes next. Throws PluginError when it cannot.
     Plugin& load(const std::filesystem::path& bundle);
     /// A plug-in within the program.
     Plugin& addBuiltIn(std::string name, SPEntryProc entry);
@@ -66,9 +66,9 @@ public:
     void rename(Plugin& plugin, std::string name);
 
     /// "AI Notifier"/"AI Notify" to every registration of a type, in order of registration. An
-    /// answer other than success is reported as an error. @return the first such answer
+    /// answer other than success is reported as an error; the first such answer is given back.
     SPErr notify(const char* type, void* data = nullptr);
-    /// "AI Timer"/"AI Go" for each timer that is due. @return how many were
+    /// "AI Timer"/"AI Go" for each timer that is due. Says how many were.
     std::size_t runTimers();
     /// "AI Menu"/"AI Go" for a chosen item, or "AI Update" before one is shown.
     SPErr sendMenu(const char* selector, AIMenuItemHandle item);
@@ -104,9 +104,9 @@ public:
 
     bool isServing() const noexcept { return !serving_.empty() && loading_ == nullptr; }
     bool isServing(const Plugin& plugin) const noexcept;
-    /// The number of the plug-in that a call comes from, as far as can be told. Any thread.
+    /// The number of the plug-in that a call comes from, as far as can be told. [any-thread]
     PluginNumber caller() const noexcept { return caller_.load(std::memory_order_relaxed); }
-    /// Notes misbehaviour of the caller. Any thread.
+    /// Notes misbehaviour of the caller. [any-thread]
     void callerMisbehaves(const std::string& what) noexcept;
 
     enum class Leaving : bool { ForAWhile, ForGood };

@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// Registered while it lives. Main thread.
+/// Registered while it lives. [main-thread]
 class DesktopPresence {
 public:
     static constexpr OSType signature = FourCharCode("ART5");
@@ -18,7 +18,7 @@ public:
     DesktopPresence& operator=(const DesktopPresence&) = delete;
     ~DesktopPresence();
 
-    /// Runs the handlers of all waiting events. @return how many there were
+    /// Runs the handlers of all waiting events and says how many there were.
     std::size_t dispatchEvents();
 
 private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whoever stands before the host and is told things: a terminal, a window, a test.
+// Whatever tells the user what the host has to say: a terminal, a window, a test.
 #pragma once
 
 #include <cstdint>
@@ -24,11 +24,11 @@ class Frontend {
 public:
     virtual ~Frontend() = default;
 
-    /// Main thread. Returns when the user has seen it.
+    /// [main-thread, modal] Returns when the user has seen it.
     virtual void showAlert(const Alert& alert) = 0;
-    /// Main thread. @param text one line, naming file or plug-in
+    /// [main-thread] `text` is one line that names file or plug-in.
     virtual void reportError(std::string_view text) = 0;
-    /// Any thread, one call at a time; only the first of equal ones.
+    /// [any-thread], one call at a time; only the first of equal ones.
     virtual void reportMisbehaviour(std::string_view plugin, std::string_view what) = 0;
 };
 

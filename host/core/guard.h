@@ -49,9 +49,9 @@ namespace guard {
 
 std::mutex& lifeMutex() noexcept;
 /// kNoErr when a call may proceed on the main thread; else the code, and the misbehaviour is noted.
-SPErr admit(CallSite& site) noexcept;
+[[nodiscard]] SPErr admit(CallSite& site) noexcept;
 /// Inside a handler: the code for the exception being handled, which is reported as an error.
-SPErr codeOfException(const CallSite& site) noexcept;
+[[nodiscard]] SPErr codeOfException(const CallSite& site) noexcept;
 
 template <typename Argument>
 constexpr bool isNull(const Argument& argument) noexcept {
@@ -64,7 +64,7 @@ constexpr bool isNull(const Argument& argument) noexcept {
 
 } // namespace guard
 
-/// @tparam body a function whose first parameter is the service it works on
+/// `body` is a function whose first parameter is the service that it works on.
 template <typename Suite, CallName name, auto body, Nulls nulls = Nulls::Refused,
           Threads threads = Threads::Main>
 struct Entry;

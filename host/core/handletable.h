@@ -60,7 +60,7 @@ enum class HandleState : std::uint8_t {
 template <typename T, typename Handle>
 class HandleTable {
 public:
-    /// @throws std::bad_alloc also when the indices are used up
+    /// Throws std::bad_alloc, also when the indices are used up.
     template <typename... Arguments>
     Handle add(Arguments&&... arguments) {
         if (free_.empty()) {

@@ -20,11 +20,11 @@ struct Misbehaviour {
     std::uint64_t times = 1;
 };
 
-/// Any thread. Equal entries are counted, and only the first is told, so that a fault in a loop
+/// [any-thread] Equal entries are counted, and only the first is told, so that a fault in a loop
 /// floods nobody; beyond the first thousand, different ones share an entry.
 class Ledger {
 public:
-    /// @param frontend outlives the ledger
+    /// `frontend` outlives the ledger.
     explicit Ledger(Frontend& frontend) noexcept : frontend_(frontend) {}
 
     /// Without memory the entry is lost: there is nobody to tell.

@@ -27,10 +27,10 @@ struct MenuGroup {
     std::int32_t options = 0;
 };
 
-/// Main thread. The host's own groups stand first.
+/// [main-thread] The host's own groups stand first.
 class Menus {
 public:
-    /// The group in which plug-ins put what tells about them.
+    /// The group for the plug-ins' own about items.
     static constexpr std::string_view aboutGroup = kAIAboutPluginsMenuGroup;
     static constexpr std::string_view helpGroup = "Help";
 

@@ -18,8 +18,8 @@ struct Notifier {
     std::string type;
 };
 
-/// Main thread. Registrations are numbered in the order in which they were made; those of a plug-in
-/// live until its shut-down, over unloading as well.
+/// [main-thread] Registrations are numbered in the order in which they were made; those of a
+/// plug-in live until its shut-down, over unloading as well.
 class Notifiers {
 public:
     AINotifierHandle add(Notifier notifier);

@@ -22,12 +22,12 @@ enum class PluginState : std::uint8_t {
     Ended     ///< shut down, or failed to start
 };
 
-/// Main thread; lives as long as its Core.
+/// [main-thread] Lives as long as its Core.
 class Plugin {
 public:
-    /// Maps the bundle's code. @throws PluginError
+    /// Maps the bundle's code. Throws PluginError when it cannot.
     Plugin(Core& core, PluginNumber number, const Bundle& bundle);
-    /// A plug-in within the program. @param entry not null
+    /// A plug-in within the program. `entry` is not null.
     Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry);
     Plugin(const Plugin&) = delete;
     Plugin& operator=(const Plugin&) = delete;
@@ -44,22 +44,23 @@ public:
     void* globals() const noexcept { return globals_; }
     StringLists& strings() noexcept { return strings_; }
 
-    /// "SP Interface"/"Startup". @throws PluginError: it failed; it has ended then
+    /// "SP Interface"/"Startup". Throws PluginError when it failed; it has ended then.
     void startUp();
     /// "SP Interface"/"Shutdown"; takes back what it forgot, its registrations and its code.
-    /// @return the plug-in's answer
+    /// Gives the plug-in's answer.
     SPErr shutDown();
 
-    /// "SP Access"/"Unload", then its code is taken out of memory. @return false, with an error
-    /// reported, when it is being used, does not run or refuses
+    /// "SP Access"/"Unload", then its code is taken out of memory. False, with an error
+    /// reported, when it is being used, does not run or refuses.
     bool unload();
-    /// Maps the code afresh, then "SP Access"/"Reload". @return the plug-in's answer
-    /// @throws PluginError: it cannot be mapped; it stays unmapped
+    /// Maps the code afresh, then "SP Access"/"Reload", and gives the plug-in's answer. Throws
+    /// PluginError when it cannot be mapped, and stays unmapped then.
     SPErr reload();
 
-    /// Sends one message. @param message a record of the kind that goes with caller and selector;
-    /// its first member is filled in here. @return the plug-in's answer; what it throws is noted as
-    /// misbehaviour and answered by a thrown number itself, or by kUnhandledMsgErr
+    /// Sends one message and gives the plug-in's answer. `message` is a record of the kind that
+    /// goes with caller and selector; its first member is filled in here. What the plug-in throws
+    /// is noted as misbehaviour; a thrown number other than 0 is then the answer, kUnhandledMsgErr
+    /// for all else.
     template <typename Message>
     SPErr send(const char* caller, const char* selector, Message& message) {
         return deliver(caller, selector, message.d, &message);

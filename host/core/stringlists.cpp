@@ -41,7 +41,7 @@ std::optional<std::string> resolveEscapes(std::string_view text) {
     return result;
 }
 
-/// Reads one line into the list. @return what is wrong with it, empty for nothing
+/// Reads one line into the list and says what is wrong with it; empty when nothing is.
 std::string_view readLine(std::string_view line, StringList& list) {
     line = trim(line);
     if (line.empty() || line.front() == '#') {

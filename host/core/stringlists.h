@@ -18,16 +18,16 @@ using StringList = std::unordered_map<std::int32_t, std::string>;
 /// escapes \n and \\ for a line end and a backslash. Blanks around the text do not belong to it. A
 /// line in another form, a second one with the same index, or an index below 1 is left out and
 /// named.
-/// @param problem called with one line "FILE:LINE: reason" for each
+/// `problem` is called with one line "FILE:LINE: reason" for each.
 StringList readStringList(std::string_view content, std::string_view file,
                           const std::function<void(std::string_view)>& problem);
 
-/// The lists of one bundle, each read when it is first asked for. Main thread.
+/// The lists of one bundle, each read when it is first asked for. [main-thread]
 class StringLists {
 public:
     using Problem = std::function<void(std::string_view)>;
 
-    /// @param folder may be empty: no lists
+    /// An empty `folder` has no lists.
     StringLists(std::filesystem::path folder, Problem problem);
 
     /// nullptr when there is no such list or entry.

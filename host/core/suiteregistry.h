@@ -15,13 +15,13 @@
 
 namespace host {
 
-/// Main thread. Begins with every suite of the list, each an empty block until its table is
+/// [main-thread] Begins with every suite of the list, each an empty block until its table is
 /// provided.
 class SuiteRegistry {
 public:
     SuiteRegistry();
 
-    /// Puts a table in its suite's place. @param table outlives the registry and what was acquired
+    /// Puts a table in its suite's place. It outlives the registry and what was acquired.
     template <typename Suite>
     void provide(const Suite& table) {
         provideAs(SuiteIdentity<Suite>::id.name, SuiteIdentity<Suite>::id.version, &table);
@@ -29,17 +29,18 @@ public:
     /// The same under another version, or a suite that the list does not have.
     void provideAs(std::string_view name, std::int32_t version, const void* table);
 
-    /// Behaves from now on as if there were no such suite. @return whether there was one
-    bool hide(std::string_view name, std::int32_t version);
+    /// Behaves from now on as if there were no such suite; false when there was none.
+    [[nodiscard]] bool hide(std::string_view name, std::int32_t version);
 
     /// Counts one acquisition. nullptr when there is no such suite.
-    const void* acquire(std::string_view name, std::int32_t version, PluginNumber holder);
+    [[nodiscard]] const void* acquire(std::string_view name, std::int32_t version,
+                                      PluginNumber holder);
 
     enum class Released { Yes, Unknown, NotHeld };
     Released release(std::string_view name, std::int32_t version, PluginNumber holder);
 
-    /// Takes all acquisitions of a plug-in back. @return what it still held: "NAME VERSION", with
-    /// " (n times)" where it is more than once
+    /// Takes back all acquisitions of a plug-in and tells what it still held: "NAME VERSION", with
+    /// " (n times)" where it is more than once.
     std::vector<std::string> releaseAllOf(PluginNumber holder);
 
     /// The (name, version) pairs that can be acquired.

@@ -11,16 +11,16 @@
 namespace host {
 
 /// Strict: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool isUtf8(std::string_view text) noexcept;
+[[nodiscard]] bool isUtf8(std::string_view text) noexcept;
 
-/// Copies at most `size` - 1 bytes, cut between characters, and a terminating zero.
-/// @param size greater than 0
+/// Copies at most `size` - 1 bytes, cut between characters, and a terminating zero. `size`
+/// is greater than 0.
 void copyText(std::string_view text, char* buffer, std::int32_t size) noexcept;
 
 /// A status code for messages: four characters where it was packed of such, else a number.
-std::string errorText(SPErr error);
+[[nodiscard]] std::string errorText(SPErr error);
 
-/// Reads what errorText writes. @return false when it is neither a number nor four characters
-bool readError(std::string_view text, SPErr& error) noexcept;
+/// Reads what errorText writes; false when it is neither a number nor four characters.
+[[nodiscard]] bool readError(std::string_view text, SPErr& error) noexcept;
 
 } // namespace host

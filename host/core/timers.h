@@ -22,7 +22,7 @@ struct Timer {
     std::uint32_t due = 0; ///< tick of the next firing
 };
 
-/// Main thread. Time is told by the clock that it is given, in ticks that may wrap around.
+/// [main-thread] Time is told by the clock that it is given, in ticks that may wrap around.
 class Timers {
 public:
     using Clock = std::function<std::uint32_t()>;
@@ -32,12 +32,12 @@ public:
     const Timer* find(AITimerHandle handle) noexcept { return table_.find(handle); }
     const std::vector<AITimerHandle>& all() const noexcept { return order_; }
     /// A timer that is made active fires one period later. False for an unknown handle.
-    bool setActive(AITimerHandle handle, bool active);
+    [[nodiscard]] bool setActive(AITimerHandle handle, bool active);
     void removeAllOf(PluginNumber plugin);
 
     /// The active timers that are due, each once however late it is, and sets them to one period
     /// from now.
-    std::vector<AITimerHandle> takeDue();
+    [[nodiscard]] std::vector<AITimerHandle> takeDue();
     /// Ticks until the next active timer is due (0: now); nothing when there is none.
     std::optional<std::uint32_t> ticksToNext();
 

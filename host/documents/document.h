@@ -57,7 +57,7 @@ struct TextRun {
 class DocumentWriter {
 public:
     virtual ~DocumentWriter() = default;
-    /// Writes atomically. @throws DocumentError
+    /// Writes atomically. Throws DocumentError when it cannot.
     virtual void save(const Document& document, const std::filesystem::path& file) const = 0;
 };
 
@@ -84,7 +84,7 @@ public:
     std::span<const TextRun> runs() const noexcept { return parts_.runs; }
     std::span<const Face> faces() const noexcept { return parts_.faces; }
 
-    /// Ids are the caller's to keep right: @throws std::out_of_range for one that is not.
+    /// Throws std::out_of_range for an id that the document does not have.
     const Art& art(ArtId id) const { return parts_.arts.at(id); }
     const TextRun& run(RunId id) const { return parts_.runs.at(id); }
     const Face& face(FaceId id) const { return parts_.faces.at(id); }
@@ -99,8 +99,8 @@ public:
     void replaceFace(RunId run, const Face& face);
     bool modified() const noexcept { return modified_; }
 
-    /// Writes the document with its replaced runs and everything else unchanged. @throws
-    /// DocumentError; the file that stood there before is then still there.
+    /// Writes the document with its replaced runs and everything else unchanged. Throws
+    /// DocumentError when it cannot; the file that stood there before is then still there.
     void save(const std::filesystem::path& file) const;
 
 private:

@@ -12,7 +12,7 @@ namespace host {
 /// what() is one line: "FILE:LINE:COLUMN: reason", or "FILE: reason" when no place is known.
 class DocumentError : public std::runtime_error {
 public:
-    /// @param line, column 1-based; column counts bytes. Line 0 when the whole file is meant.
+    /// `line` and `column` count from 1, the column in bytes; line 0 means the whole file.
     DocumentError(std::string_view file, std::string_view reason, std::size_t line = 0,
                   std::size_t column = 0);
 

@@ -38,14 +38,15 @@ struct FaceHash {
 
 /// True for the generic families of style sheets and for the short forms that drawing programs
 /// write in their place ("Sans", "Mono"). Case is ignored.
-bool isGenericFamily(std::string_view family);
+[[nodiscard]] bool isGenericFamily(std::string_view family);
 
 /// The customary name of a style: width, weight and slant in words, "Regular" when all are normal.
-std::string styleText(int weight, Slant slant, double stretch);
+[[nodiscard]] std::string styleText(int weight, Slant slant, double stretch);
 
 /// The conventional PostScript name: family without blanks, "-", style without blanks. "Regular" is
 /// written too and stands for an empty style.
-std::string conventionalPostScriptName(std::string_view family, std::string_view style);
+[[nodiscard]] std::string conventionalPostScriptName(std::string_view family,
+                                                     std::string_view style);
 
 /// A width that has a name.
 struct NamedStretch {
@@ -75,6 +76,6 @@ struct StyleWords {
 };
 
 /// Reads style words, joined or apart: "BoldItalic", "Condensed Bold Oblique", "SemiBold It".
-StyleWords readStyleWords(std::string_view style);
+[[nodiscard]] StyleWords readStyleWords(std::string_view style);
 
 } // namespace host

@@ -66,18 +66,18 @@ struct FontEntry {
 };
 
 /// Families and full names compare without case and blanks.
-std::string foldName(std::string_view name);
+[[nodiscard]] std::string foldName(std::string_view name);
 
 /// Lists the faces of the desktop through fontconfig, noticing what changed since the last call.
 /// Bitmap fonts are left out. In no particular order.
-std::vector<InstalledFace> listInstalledFaces();
+[[nodiscard]] std::vector<InstalledFace> listInstalledFaces();
 
 /// Not synchronised: one thread at a time.
 class Catalogue {
 public:
     using Lister = std::function<std::vector<InstalledFace>()>;
 
-    /// @param lister asked now and at every refresh
+    /// `lister` is asked now and at every refresh.
     explicit Catalogue(Lister lister = listInstalledFaces);
 
     /// All present faces of the desktop, sorted by family, style, file and index.
@@ -88,16 +88,16 @@ public:
 
     /// The entry for a face that a document names. Generic and embedded faces are always present.
     /// Others are sought by family and style, then by PostScript name, which some programs write
-    /// in the family's place with the style beside it or not, then by full name. What is not found
-    /// gets an entry with the document's names and the conventional PostScript name, present =
-    /// false; the same names always give the same key.
+    /// in place of the family, with or without the style beside it, then by full name. What is not
+    /// found gets an entry with the document's names and the conventional PostScript name, present
+    /// = false; the same names always give the same key.
     FontKey resolve(const Face& face);
 
     /// The face of the desktop with exactly this PostScript name, else with this full name.
-    FontKey findByName(std::string_view name) const;
+    [[nodiscard]] FontKey findByName(std::string_view name) const;
 
     /// Lists the desktop's faces again. Keys of faces that are still there stay theirs; those of
-    /// faces that went stay known, as not present. @return whether anything came, went or changed
+    /// faces that went stay known, as not present. True when anything came, went or changed.
     bool refresh();
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The host as a whole, without a window: plug-ins, documents and fonts together. Whatever shows it
-// to somebody stands before it as its Frontend.
+// to a user does so as its Frontend.
 #pragma once
 
 #include "host/core/core.h"
@@ -22,7 +22,7 @@ struct ApplicationOptions {
 /// One at a time in a process; main thread.
 class Application {
 public:
-    /// @param frontend outlives the application
+    /// `frontend` outlives the application.
     explicit Application(Frontend& frontend, ApplicationOptions options = {});
 
     Core& core() noexcept { return core_; }
@@ -30,18 +30,19 @@ public:
     OpenDocuments& documents() noexcept { return documents_; }
     TextEngine& textEngine() noexcept { return textEngine_; }
 
-    /// Loads a plug-in and starts it up. @throws PluginError
+    /// Loads a plug-in and starts it up. Throws PluginError when it cannot.
     Plugin& loadPlugin(const std::filesystem::path& bundle);
     /// Tells all plug-ins that the application has started: their post-start-up.
     SPErr announceStart() { return core_.notify(kAIApplicationStartedNotifier); }
 
-    /// Reads a drawing and makes it the current document. @throws DocumentError
+    /// Reads a drawing and makes it the current document. Throws DocumentError when it cannot be
+    /// read.
     OpenDocument& openDocument(const std::filesystem::path& file);
     /// Tells all plug-ins that the current document was opened.
     SPErr announceOpened() { return core_.notify(kAIDocumentOpenedNotifier); }
     bool closeDocument(DocumentSerial serial) noexcept { return documents_.close(serial); }
 
-    /// Notices fonts that came or went. @return whether any did
+    /// Notices fonts that came or went; true when any did.
     bool refreshFonts();
 
     /// Shuts all running plug-ins down, the last one first.

@@ -35,15 +35,15 @@ struct FaceOutcome {
     FaceState after = FaceState::Missing;
 };
 
-/// Taken when a document was opened. Main thread.
+/// Taken when a document was opened. [main-thread]
 class FaceSurvey {
 public:
     FaceSurvey(OpenDocument& document, FontList& fonts);
 
-    /// The faces in order of first appearance, then those that came by replacement.
-    /// @param document the same one
+    /// The faces in order of first appearance, then those that came by replacement. `document` is
+    /// the one that was surveyed.
     std::vector<FaceOutcome> compareWith(OpenDocument& document, FontList& fonts) const;
-    /// The same for a document that is not open any more, with its states of then.
+    /// The same for a document that is no longer open, with the states that it had.
     std::vector<FaceOutcome> asTaken() const;
 
 private:

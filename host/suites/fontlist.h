@@ -11,7 +11,7 @@
 
 namespace host {
 
-/// Main thread. Keys outlive what they stand for, so that a stale one is at worst not present.
+/// [main-thread] Keys outlive what they stand for, so that a stale one is at worst not present.
 class FontList {
 public:
     explicit FontList(Catalogue::Lister lister) : catalogue_(std::move(lister)) {}
@@ -26,7 +26,7 @@ public:
     /// A present face by PostScript name, else by its full name, else by "family style"; noFont.
     FontKey find(std::string_view name);
 
-    /// Asks the desktop again. @return whether anything changed
+    /// Asks the desktop again; true when anything has changed.
     bool refresh();
 
 private:

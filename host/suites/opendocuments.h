@@ -46,7 +46,7 @@ private:
     std::vector<FontKey> fonts_; ///< by FaceId; noFont: not resolved yet
 };
 
-/// Main thread. A handle carries its document's serial, so that handles of closed documents are
+/// [main-thread] A handle carries its document's serial, so that handles of closed documents are
 /// recognised.
 class OpenDocuments {
 public:

@@ -68,7 +68,7 @@ struct TextKindOf<ATE::FontRef> {
     static constexpr TextKind kind = TextKind::Font;
 };
 
-/// Main thread. Misuse of references is noted in the core's ledger.
+/// [main-thread] Misuse of references is noted in the core's ledger.
 class TextEngine {
 public:
     TextEngine(Core& core, OpenDocuments& documents);
@@ -128,7 +128,7 @@ private:
         TextObject* const object = objects_.find(handle);
         return object != nullptr && object->kind == kind ? object : refuse(handle, kind, action);
     }
-    /// Notes what is wrong with a reference. @return nullptr
+    /// Notes what is wrong with a reference. Always nullptr.
     TextObject* refuse(Handle handle, TextKind kind, const char* action);
     void takeBackFrom(Plugin& plugin);
 

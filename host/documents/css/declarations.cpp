@@ -29,7 +29,7 @@ struct Shorthand {
     std::string_view families;
 };
 
-/// Takes one of the words that may stand before the size. @return false for any other word
+/// Takes one of the words that may stand before the size; false for any other word.
 bool takeLook(std::string_view word, std::string_view& rest, Shorthand& result) {
     if (equalsIgnoringCase(word, "normal") || equalsIgnoringCase(word, "small-caps")) {
         return true;

@@ -136,7 +136,7 @@ private:
         return result;
     }
 
-    /// @return false for what makes the whole selector void
+    /// False for what makes the whole selector void.
     bool readPart(Compound& compound) {
         if (accept('#')) {
             ++ids_;

@@ -33,7 +33,7 @@ struct Selector {
     std::uint32_t block = 0;         ///< of the style sheets, for whoever keeps it
 };
 
-/// @param text one selector of a group @return nothing for what is none, or not known here
+/// Reads one selector of a group; nothing for what is none, or not known here.
 [[nodiscard]] std::optional<Selector> readSelector(std::string_view text);
 
 } // namespace host::css

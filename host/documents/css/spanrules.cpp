@@ -67,7 +67,7 @@ bool anyConcernsSpans(std::string_view selectors) {
     return false;
 }
 
-/// @param rules without comments
+/// `rules` has no comments.
 bool search(std::string_view rules, unsigned depth) {
     while (true) {
         rules.remove_prefix(std::min(rules.find_first_not_of("}; \t\n\v\r\f"), rules.size()));

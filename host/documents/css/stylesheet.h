@@ -55,7 +55,7 @@ struct RuleMatch {
 /// imports are passed over.
 class StyleSheets {
 public:
-    /// @param sheet need not outlive the call
+    /// `sheet` need not outlive the call.
     void addSheet(std::string_view sheet, TextTable& texts);
 
     bool empty() const noexcept { return blocks_.empty(); }
@@ -93,7 +93,7 @@ private:
 /// element, classes and attributes, it keeps for those that stand within.
 class Matcher {
 public:
-    /// @param sheets, subject outlive the matcher
+    /// `sheets` and `subject` outlive the matcher.
     Matcher(const StyleSheets& sheets, const SelectorSubject& subject)
         : sheets_(sheets), subject_(subject) {}
 
@@ -131,10 +131,10 @@ private:
 };
 
 /// Families compare without case.
-std::string foldFamily(std::string_view family);
+[[nodiscard]] std::string foldFamily(std::string_view family);
 
 /// Whether a media query list takes screens in without further conditions.
-bool appliesToScreens(std::string_view media);
+[[nodiscard]] bool appliesToScreens(std::string_view media);
 
 /// Calls `action` with each blank-separated word.
 template <typename Action>

@@ -32,13 +32,12 @@ private:
 /// The text of a drawing with the face of each part, blanks left out.
 class FacedText {
 public:
-    /// @param drawing, families outlive the result
-    /// @param wanted by piece: a face in the place of its own, or nullptr; empty when all keep
-    /// theirs
+    /// `drawing` and `families` outlive this. `wanted` has by piece a face in the place of its own,
+    /// or nullptr; it is empty when all keep theirs.
     FacedText(const Drawing& drawing, FirstFamilies& families, std::span<const Face* const> wanted);
 
     [[nodiscard]] bool hasTextOf(const FacedText& other) const { return text_ == other.text_; }
-    /// The pieces of this text that have another face in `other`. @param other of the same text
+    /// The pieces of this text that have another face in `other`, which has the same text.
     [[nodiscard]] std::vector<std::size_t> differences(const FacedText& other) const;
 
 private:

@@ -13,9 +13,9 @@ namespace host::svg {
 /// that decides nothing but replaced text is changed where it stands: an attribute, a declaration,
 /// a rule. Where it also decides other text, the change goes to the text's own element, or to a
 /// span around the text.
-/// @param document read from `source` with `options`
-/// @param unicode whether the file can hold any character; otherwise names are escaped
-/// @throws DocumentError when no edit has exactly this effect
+/// `document` was read from `source` with `options`; `unicode` tells that the file can hold any
+/// character, otherwise names are escaped. Throws DocumentError when no edit has exactly this
+/// effect.
 std::string editFaces(const std::string& source, const Document& document,
                       const SvgOptions& options, bool unicode);
 

@@ -19,11 +19,11 @@ namespace host::svg {
 /// Collects edits of a source and applies them all at once.
 class FaceEdits {
 public:
-    /// @param unicode whether names may be written as they are; otherwise in CSS escapes
+    /// `unicode` when names may be written as they are; otherwise they are in CSS escapes.
     FaceEdits(const std::string& source, const Tree& tree, const Styles& styles, bool unicode)
         : source_(source), tree_(tree), styles_(styles), unicode_(unicode) {}
 
-    /// Changes the declaration that `origin` tells of. @return false when it cannot be done there
+    /// Changes the declaration that `origin` tells of; false when it cannot be done there.
     [[nodiscard]] bool changeDeclaration(css::Property property, const Origin& origin,
                                          const NewValue& value);
 
@@ -34,7 +34,7 @@ public:
     /// Puts a span with declarations around a piece.
     void wrap(const Piece& piece, const Values& values, bool important);
 
-    std::string apply();
+    [[nodiscard]] std::string apply();
 
 private:
     struct Edit {
@@ -46,10 +46,10 @@ private:
     bool changeInRule(css::Property property, const Origin& origin, const NewValue& value);
     bool changeInBlock(std::size_t start, std::size_t end, css::Property property,
                        const Origin& origin, const NewValue& value, const TextPlace& place);
-    /// @param list a family list within the decoded text @return false when it names none
+    /// `list` is a family list within the decoded text; false when it names no family.
     bool changeFirstFamily(const xml::DecodedText& decoded, std::size_t listStart,
                            std::string_view list, const NewValue& value, const TextPlace& place);
-    /// @param from, to in the decoded text
+    /// `from` and `to` are places in the decoded text.
     void replace(const xml::DecodedText& decoded, std::size_t from, std::size_t to,
                  std::string text);
     std::string declarations(ElementId element, const Values& values, bool important,

@@ -27,7 +27,7 @@ struct NewValue {
     bool operator==(const NewValue&) const = default;
 };
 
-/// What a property becomes when some text is given a face. @param property one that makes a face
+/// What one of the properties that make a face becomes when some text is given a face.
 [[nodiscard]] NewValue valueFor(css::Property property, const Face& face);
 
 /// Where a text goes, and what that demands of it.
@@ -47,7 +47,7 @@ struct TextPlace {
 [[nodiscard]] std::string familyText(const NewValue& value, const TextPlace& place,
                                      bool quoteAlways);
 
-/// Not yet escaped. @param property one that makes a face
+/// The same for any of the properties that make a face.
 [[nodiscard]] std::string valueText(css::Property property, const NewValue& value,
                                     const TextPlace& place);
 

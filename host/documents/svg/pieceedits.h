@@ -17,7 +17,7 @@ namespace host::svg {
 /// Whether a drawing's rules would catch a span that is put around its text; found out once.
 class SpanRules {
 public:
-    /// @param tree outlives this
+    /// `tree` outlives this.
     explicit SpanRules(const Tree& tree) : tree_(tree) {}
     [[nodiscard]] bool catchSpans();
 
@@ -31,7 +31,7 @@ class PieceEdits {
 public:
     using Wanted = std::vector<const Face*>; ///< by piece; nullptr for one that keeps its face
 
-    /// @param drawing, wanted, spanRules, edits outlive this
+    /// All outlive this.
     PieceEdits(const Drawing& drawing, const Wanted& wanted, SpanRules& spanRules, FaceEdits& edits)
         : drawing_(drawing), wanted_(wanted), spanRules_(spanRules), edits_(edits),
           shared_(drawing.tree.elements.size()), done_(wanted.size()) {}
@@ -40,8 +40,8 @@ public:
     [[nodiscard]] bool isDone(std::size_t piece) const { return done_[piece]; }
 
     /// Gives the values of a piece to its element if that changes nothing else, else to a span.
-    /// @param left by piece: the values still to be given; those of other pieces that the element
-    /// gets too are taken out
+    /// `left` has by piece the values still to be given; those of other pieces that the element
+    /// gets too are taken out.
     void edit(std::vector<FaceEdits::Values>& left, std::size_t piece);
 
     /// Gives a piece all of its new face, marked important.

@@ -55,7 +55,7 @@ private:
                    : element.tag == Tag::Group && element.topLevel && !element.transparent;
     }
 
-    /// @return the element to visit next
+    /// Adds what an element is, and gives the element to visit next.
     ElementId visit(ElementId id, std::vector<ElementId>& outside) {
         const Element& element = tree().elements[id];
         const bool root = element.parent == noElement;

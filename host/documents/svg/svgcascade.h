@@ -17,12 +17,12 @@ namespace host::svg {
 /// Keeps what it has read of attributes, which are often alike.
 class Cascade {
 public:
-    /// @param styles the sheets are in it; takes the result. All outlive this.
+    /// `styles` has the sheets in it and takes the result. All outlive this.
     Cascade(const Tree& tree, std::string_view name, Styles& styles)
         : tree_(tree), name_(name), styles_(styles) {}
 
-    /// @param inheritsFrom resolved before; noElement for the root
-    /// @throws DocumentError when the style sheets ask for unreasonable work
+    /// `inheritsFrom` was resolved before; noElement for the root. Throws DocumentError when the
+    /// style sheets ask for unreasonable work.
     void resolve(ElementId id, ElementId inheritsFrom);
 
 private:

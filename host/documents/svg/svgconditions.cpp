@@ -71,7 +71,7 @@ void Scanner::noteReferences(const Element& element, References::Scope scope) {
     }
 }
 
-/// @param copy whether `text` lives shorter than the tree
+/// `copy` when the text lives shorter than the tree.
 void Scanner::noteUrls(std::string_view text, References::Scope scope, bool copy) {
     std::size_t position = 0;
     while ((position = text.find("url(", position)) != std::string_view::npos) {

@@ -23,17 +23,18 @@ struct Drawing {
     std::vector<RunId> runOfPiece; ///< noRun for a piece of which no character is left
 };
 
-/// @param source UTF-8, outlives the result @throws DocumentError
-Drawing readDrawing(const std::string& source, std::string_view name, const SvgOptions& options);
+/// `source` is UTF-8 and outlives the result. Throws DocumentError when it is no drawing.
+[[nodiscard]] Drawing readDrawing(const std::string& source, std::string_view name,
+                                  const SvgOptions& options);
 
 /// False for text of blanks, joiners, direction marks and the like alone.
-bool hasVisibleCharacter(std::string_view text);
+[[nodiscard]] bool hasVisibleCharacter(std::string_view text);
 
 /// The face that a family list gives by its first family, in normal weight, slant and stretch.
-/// @param families by its text number
-Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t families);
+/// `families` is its text number.
+[[nodiscard]] Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t families);
 
 /// The face of a family in the weight, slant and stretch that a style has.
-Face styledFace(Face face, const Style& look);
+[[nodiscard]] Face styledFace(Face face, const Style& look);
 
 } // namespace host::svg

@@ -102,7 +102,7 @@ Scanner::Open Scanner::openWithin(const Open* outer, const StartTag& start,
 }
 
 /// Whether the characters in an element are text of the drawing, and of which line.
-/// @param line a drawing program says that the element is one
+/// `line` when a drawing program says that the element is one.
 void Scanner::findPlaceInText(Element& element, Open& open, bool line) {
     if (element.tag == Tag::FlowPara || (open.inFrame && line)) {
         open.paragraph = open.element;

@@ -12,7 +12,7 @@ namespace host::svg {
 namespace {
 
 /// Some programs write the PostScript name in the family's place: "Oswald-Bold", "MinionPro-Disp".
-/// @return where the words of the style begin in it, npos for what is no such name
+/// Where the words of the style begin in it; npos for what is no such name.
 std::size_t styleInPostScriptName(std::string_view family) {
     const auto fits = [](char c) {
         return c > ' ' && c < 0x7F && std::string_view("()<>[]{}/%").find(c) == std::string::npos;

@@ -21,7 +21,8 @@ struct SvgOptions {
     unsigned maximumDepth = 256;
     /// Most elements that hold text, or groups and other art that are kept.
     std::size_t maximumElements = 2'000'000;
-    /// The user's, for text in several languages: a locale's or a web page's name of it.
+    /// The user's language, as a locale or a web page names it: decides where a drawing has texts
+    /// in several.
     std::string language = "en_US";
 };
 
@@ -32,20 +33,20 @@ struct SvgOptions {
 /// - A text frame is a `text` or `flowRoot` element. Text in foreign objects, titles and metadata
 ///   is none.
 /// - Text with display:none, visibility:hidden or font-size:0 is not visible. What only an element
-///   around it hides, a `use` of the text itself shows all the same. Of a `switch` the first child
-///   is visible that can be shown and that is in the user's language or in no one's.
+///   around it hides, a `use` of the text itself still shows. Of a `switch`, the first child that
+///   can be shown, in the user's language or in none, is visible.
 /// - Text in `defs`, `symbol`, `clipPath` and the like is not visible, unless it or the element
-///   that holds it is referenced by its id from what is visible itself, or from any style sheet. A
-///   `tref` takes the characters of a text alone, so it shows no other one. Shown by a `use`, a
-///   text inherits from the first one that shows it; it is one text, with one face, also where
-///   another `use` would give it another. A mask, a pattern or the like of something that is not
-///   displayed counts as referenced all the same.
-/// - Of a family list the first one is the face's family.
+///   that holds it is referenced by its id from something visible, or from any style sheet. A
+///   `tref` takes only the characters of a text, so it does not show that text. Text shown by a
+///   `use` inherits from the first `use` that shows it; it is one text with one face, even where
+///   another `use` would give it a different one. A mask, a pattern or the like counts as
+///   referenced even by something that is not displayed.
+/// - The first family of a list is the face's family.
 /// No external entity, DTD, style sheet or link is ever opened.
-/// @throws DocumentError for anything that is not a well-formed SVG drawing within the limits
+/// Throws DocumentError for anything that is not a well-formed SVG drawing within the limits.
 Document readSvg(const std::filesystem::path& file, const SvgOptions& options = {});
 
-/// The same from memory. @param bytes a whole file, gzipped or not @param name for messages
+/// The same from memory. `bytes` is a whole file, gzipped or not; `name` is for messages.
 Document readSvg(std::string bytes, std::string_view name, const SvgOptions& options = {});
 
 } // namespace host

@@ -19,7 +19,7 @@ public:
     using Scope = std::uint32_t;
     static constexpr Scope shown = 0;
 
-    /// What stands in definitions. @param id empty if it has none, and is then never shown
+    /// What stands in definitions. With an empty `id` it is never shown.
     Scope addDefinitions(std::string_view id) { return add(id); }
     /// An element with an id within `outer`: shown with it, or when its own id is referred to.
     Scope addWithin(Scope outer, std::string_view id);

@@ -23,7 +23,7 @@ constexpr std::size_t longTag = 4096; // bytes, below which attributes are few
 const std::string manyAttributes =
     "an element has more than " + std::to_string(maximumAttributes) + " attributes";
 
-/// @param tag from its '<' up to the next one or further
+/// `tag` goes from its '<' up to the next one or further.
 bool hasManyAttributes(std::string_view tag) {
     if (tag.size() <= longTag) {
         return false;

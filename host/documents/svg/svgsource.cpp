@@ -51,7 +51,7 @@ public:
     std::size_t size() const {
         return blocks_.empty() ? 0 : (blocks_.size() - 1) * chunkSize + used_;
     }
-    /// @return all of it; nothing is left
+    /// Takes all of it out.
     std::string join() {
         std::string text;
         text.reserve(size());

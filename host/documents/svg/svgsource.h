@@ -21,22 +21,24 @@ struct Source {
     const std::string& asRead() const { return file.empty() ? text : file; }
 };
 
-/// The whole of a regular file. @throws DocumentError, also for one larger than `limit` bytes
-std::string readFile(const std::filesystem::path& file, std::size_t limit);
+/// The whole of a regular file. Throws DocumentError, also for one larger than `limit` bytes.
+[[nodiscard]] std::string readFile(const std::filesystem::path& file, std::size_t limit);
 
-/// @param limit of the text in bytes @throws DocumentError
-Source decodeSource(std::string bytes, std::string_view name, std::size_t limit);
+/// Throws DocumentError when the bytes are no text, or one of more than `limit` bytes.
+[[nodiscard]] Source decodeSource(std::string bytes, std::string_view name, std::size_t limit);
 
 /// The bytes of an edited text in the source's encoding. Of characters that the encoding has twice,
-/// as some have, the usual one is written. @throws DocumentError, also when a character would be
-/// lost
-std::string encodeText(std::string text, const Source& source, bool gzip, std::string_view name);
+/// as some have, the usual one is written. Throws DocumentError when a character would be lost.
+[[nodiscard]] std::string encodeText(std::string text, const Source& source, bool gzip,
+                                     std::string_view name);
 
-/// The file as it was read, packed if it was not and unpacked if it was. @throws DocumentError
-std::string repack(const Source& source, std::string_view name);
+/// The file as it was read, packed if it was not and unpacked if it was. Throws DocumentError
+/// when it cannot.
+[[nodiscard]] std::string repack(const Source& source, std::string_view name);
 
 /// Replaces or creates a file: written beside, synced, renamed. Links to it stay. A pipe or a
-/// character device is written to; nothing else that is no regular file is. @throws DocumentError
+/// character device is written to; nothing else that is no regular file is. Throws
+/// DocumentError when it cannot.
 void writeFile(const std::filesystem::path& file, std::string_view bytes);
 
 } // namespace host::svg

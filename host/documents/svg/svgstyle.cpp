@@ -126,7 +126,7 @@ private:
         }
     }
 
-    /// @param use the element to inherit from; the target's own parent if there is none
+    /// Lets a target inherit from `use`, or from its own parent if there is none.
     void resolveTarget(std::uint32_t number, ElementId use) {
         Target& target = targets_[number];
         target.resolved = true;

@@ -45,7 +45,7 @@ struct Styles {
 
 /// What stands in definitions, or in what is hidden, and is shown by a `use` inherits from the
 /// first `use` that shows it.
-/// @throws DocumentError when the style sheets ask for unreasonable work
-Styles resolveStyles(const Tree& tree, std::string_view name);
+/// Throws DocumentError when the style sheets ask for unreasonable work.
+[[nodiscard]] Styles resolveStyles(const Tree& tree, std::string_view name);
 
 } // namespace host::svg

@@ -140,11 +140,11 @@ struct ScanLimits {
 };
 
 /// An error at a place in the source, which may be noPlace.
-DocumentError errorAt(std::string_view source, std::string_view name, std::string_view reason,
-                      std::size_t place);
+[[nodiscard]] DocumentError errorAt(std::string_view source, std::string_view name,
+                                    std::string_view reason, std::size_t place);
 
-/// Parses a drawing. @param source UTF-8, zero-terminated, outlives the tree
-/// @throws DocumentError with `name`, line and column
-Tree scan(const std::string& source, std::string_view name, const ScanLimits& limits);
+/// Parses a drawing. `source` is UTF-8 and outlives the tree. Throws DocumentError with `name`,
+/// line and column when it is no drawing.
+[[nodiscard]] Tree scan(const std::string& source, std::string_view name, const ScanLimits& limits);
 
 } // namespace host::svg

@@ -23,7 +23,7 @@ struct Entity {
 constexpr std::array<Entity, 5> predefined{
     {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
 
-/// The text of a reference without '&' and ';'. @return false for an entity that is not known
+/// The text of a reference without '&' and ';'; false for an entity that is not known.
 bool appendReference(std::string_view name, std::string& text) {
     if (name.starts_with('#')) {
         const bool hex = name.starts_with("#x");

@@ -30,15 +30,15 @@ private:
     std::size_t position_;
 };
 
-/// @return false when the tag has no attribute of exactly this name
-bool findAttribute(std::string_view source, std::size_t tagStart, std::string_view name,
-                   AttributePlace& attribute);
+/// False when the tag has no attribute of exactly this name.
+[[nodiscard]] bool findAttribute(std::string_view source, std::size_t tagStart,
+                                 std::string_view name, AttributePlace& attribute);
 
 /// The name in a tag, with its prefix.
-std::string_view tagName(std::string_view source, std::size_t tagStart);
+[[nodiscard]] std::string_view tagName(std::string_view source, std::size_t tagStart);
 
 /// Where "/>" or ">" of a tag begins.
-std::size_t tagEnd(std::string_view source, std::size_t tagStart);
+[[nodiscard]] std::size_t tagEnd(std::string_view source, std::size_t tagStart);
 
 /// Character data as the parser sees it, each byte with the range of the source it comes from.
 struct DecodedText {
@@ -54,6 +54,6 @@ struct DecodedText {
 
 /// Resolves character references and the five predefined entities; takes CDATA sections as they
 /// stand and leaves comments and processing instructions out.
-DecodedText decode(std::string_view source, std::size_t start, std::size_t end);
+[[nodiscard]] DecodedText decode(std::string_view source, std::size_t start, std::size_t end);
 
 } // namespace host::xml
