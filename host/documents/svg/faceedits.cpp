@@ -19,7 +19,7 @@ std::string_view spanName(Tag tag) {
                                                                                 : "tspan";
 }
 
-/// Of several declarations the last one counts. @return an empty one when there is none
+/// Of several declarations the last one counts; without any, an empty one is the result.
 css::Declaration decidingDeclaration(std::string_view block, Property property,
                                      const Origin& origin) {
     css::Declaration found;
@@ -203,6 +203,7 @@ void FaceEdits::wrap(const Piece& piece, const Values& values, bool important) {
         {piece.sourceEnd, piece.sourceEnd, std::string("</").append(name).append(">")});
 }
 
+// No two edits overlap: each declaration, element and piece is edited once.
 std::string FaceEdits::apply() {
     std::stable_sort(edits_.begin(), edits_.end(),
                      [](const Edit& a, const Edit& b) { return a.start < b.start; });
@@ -210,9 +211,6 @@ std::string FaceEdits::apply() {
     result.reserve(source_.size() + edits_.size() * 40);
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-        if (edit.start < position) {
-            continue; // two edits of one place cannot both be made
-        }
         result.append(source_, position, edit.start - position).append(edit.text);
         position = edit.end;
     }
