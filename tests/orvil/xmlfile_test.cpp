@@ -85,6 +85,9 @@ TEST_F(AnXmlFile, IsWrittenToWhatALinkLeadsTo) {
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "outer"));
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "inner"));
     EXPECT_EQ(contentOf(folder / "below" / "real.xml"), newText);
+    std::filesystem::remove(folder / "below" / "real.xml");
+    document->write((folder / "outer").string());
+    EXPECT_EQ(contentOf(folder / "below" / "real.xml"), newText) << "the links led to nothing";
     EXPECT_THAT(entries(), UnorderedElementsAre("below", "inner", "outer"));
 }
 

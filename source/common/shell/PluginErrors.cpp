@@ -35,7 +35,7 @@ public:
     AlertSuite() noexcept {
         const void* suite = nullptr;
         if (sADMBasic == nullptr && sSPBasic != nullptr &&
-            sSPBasic->AcquireSuite(postedName, version, &suite) == kNoErr) {
+            sSPBasic->AcquireSuite(suiteName, suiteVersion, &suite) == kNoErr) {
             sADMBasic = static_cast<const ADMBasicSuite*>(suite);
             borrowed_ = true;
         }
@@ -44,15 +44,15 @@ public:
     AlertSuite& operator=(const AlertSuite&) = delete;
     ~AlertSuite() {
         if (borrowed_) {
-            sSPBasic->ReleaseSuite(postedName, version);
+            sSPBasic->ReleaseSuite(suiteName, suiteVersion);
             sADMBasic = nullptr;
         }
     }
     explicit operator bool() const noexcept { return sADMBasic != nullptr; }
 
 private:
-    static constexpr const char* postedName = "ADM Basic Suite";
-    static constexpr std::int32_t version = 2;
+    static constexpr const char* suiteName = "ADM Basic Suite";
+    static constexpr std::int32_t suiteVersion = 2;
 
     bool borrowed_ = false;
 };

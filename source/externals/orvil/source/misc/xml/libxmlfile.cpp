@@ -29,7 +29,7 @@ std::string escapePercents(const std::string& name) {
     return escaped;
 }
 
-/// Closes the file. False if it is null, or if not all of the bytes have come to the disk.
+/// Closes the file. False if it is null, or if not all of the bytes have reached the disk.
 bool writeBytes(std::FILE* file, std::string_view bytes) {
     if (file == nullptr) {
         return false;
@@ -75,31 +75,36 @@ bool replaceFile(const std::string& fileName, std::string_view bytes) {
     namespace fs = std::filesystem;
     std::error_code error;
     const fs::file_status old = fs::status(fileName, error);
+    if (old.type() == fs::file_type::none) {
+        return false;
+    }
     if (fs::exists(old) && !fs::is_regular_file(old)) {
         return writeBytes(std::fopen(fileName.c_str(), "wbe"), bytes);
     }
-    const fs::path target = fs::weakly_canonical(fileName, error); // so that a link stays
-    if (error) {
-        return false;
+    if (fs::exists(old) && ::access(fileName.c_str(), W_OK) != 0) {
+        return false; // a rename would not ask
+    }
+    fs::path target = fileName;
+    while (fs::is_symlink(target, error)) { // not in a circle: the kernel has followed them
+        target = target.parent_path() / fs::read_symlink(target, error);
     }
     const fs::path temporary = target.string() + "." + std::to_string(std::random_device()());
     std::FILE* const file = std::fopen(temporary.c_str(), "wbxe");
     if (file == nullptr) {
         return false;
     }
-    const bool isWritten = writeBytes(file, bytes);
-    if (isWritten && fs::exists(old)) {
+    error.clear();
+    if (fs::exists(old)) { // before there is anything in it to be read
         fs::permissions(temporary, old.permissions(), error);
     }
-    if (isWritten && !error) {
+    if (writeBytes(file, bytes) && !error) {
         fs::rename(temporary, target, error);
+        if (!error) {
+            return true;
+        }
     }
-    if (!isWritten || error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        return false;
-    }
-    return true;
+    fs::remove(temporary, error);
+    return false;
 }
 
 } // namespace Orvil::LibXml
