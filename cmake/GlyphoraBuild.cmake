@@ -110,7 +110,9 @@ function(glyphora_test name)
     if(ARG_LABELS) # CMake would take the next property for an empty one's value
         set(labels LABELS "${ARG_LABELS}")
     endif()
+    # Parameters go by their names: their contents would fill the list.
     gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        NO_PRETTY_VALUES
         PROPERTIES TIMEOUT ${ARG_TIMEOUT} ${labels} ${GLYPHORA_TEST_ENVIRONMENT})
 endfunction()
 

@@ -25,10 +25,6 @@ struct Surroundings {
     std::string message;
 };
 
-void PrintTo(const Surroundings& surroundings, std::ostream* out) {
-    *out << surroundings.name;
-}
-
 class ASessionWithoutABus : public testing::TestWithParam<Surroundings> {
 protected:
     /// Waits until the other side of the connection is gone.

@@ -2,6 +2,7 @@
 // Plug-ins that do one thing wrong each: the host notices, says so, and goes on.
 #include "recordingfrontend.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -15,10 +16,6 @@ struct Fault {
     std::vector<std::string> misbehaviour;
     std::vector<std::string> errors;
 };
-
-std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-    return stream << fault.what;
-}
 
 class AMisbehavingPlugin : public testing::TestWithParam<Fault> {
 protected:
@@ -82,7 +79,14 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"forgotten context",
               {"misbehaving left 2 application context(s) on the stack after \"AI "
                "Notifier\"/\"AI Notify\""},
-              {}}));
+              {}}),
+    [](const auto& test) {
+        std::string name = test.param.what;
+        for (const char separator : {' ', '-'}) {
+            std::replace(name.begin(), name.end(), separator, '_');
+        }
+        return name;
+    });
 
 TEST(APluginThatStaysInMemory, IsNoticedWhenItIsUnloaded) {
     RecordingFrontend frontend;
