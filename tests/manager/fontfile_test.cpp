@@ -35,13 +35,19 @@ protected:
 };
 
 TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
-    const auto contents = readFontFile(dejavu("DejaVuSansCondensed-Bold"));
+    const auto contents = read(makeFont({"Test Sans Condensed",
+                                         "Bold",
+                                         "TestSansCondensed-Bold",
+                                         "Test Sans",
+                                         "Condensed Bold",
+                                         true,
+                                         {}}));
     ASSERT_EQ(contents.faces.size(), 1U);
     EXPECT_FALSE(contents.collection);
     EXPECT_EQ(contents.faces[0].type, FontType::OpenTypeTrueType);
-    EXPECT_EQ(contents.faces[0].postScriptName, "DejaVuSansCondensed-Bold");
-    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"DejaVu Sans", "Condensed Bold"},
-                                                     FaceName{"DejaVu Sans Condensed", "Bold"}));
+    EXPECT_EQ(contents.faces[0].postScriptName, "TestSansCondensed-Bold");
+    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Test Sans", "Condensed Bold"},
+                                                     FaceName{"Test Sans Condensed", "Bold"}));
 }
 
 TEST_F(AFontFile, IsTrueTypeWithoutLayoutTablesAndOpenTypeWithThem) {

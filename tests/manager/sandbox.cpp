@@ -73,12 +73,4 @@ void writeBytes(const std::string& path, std::string_view bytes) {
     }
 }
 
-std::string dejavu(const std::string& postScriptName) {
-    std::string path = "/usr/share/fonts/truetype/dejavu/" + postScriptName + ".ttf";
-    if (!std::filesystem::exists(path)) {
-        throw std::runtime_error(path + ": install the package fonts-dejavu-core");
-    }
-    return path;
-}
-
 } // namespace managertest

@@ -49,7 +49,4 @@ private:
 std::string readBytes(const std::string& path);
 void writeBytes(const std::string& path, std::string_view bytes);
 
-/// The path of an installed DejaVu font by its PostScript name. Throws when it is not installed.
-std::string dejavu(const std::string& postScriptName);
-
 } // namespace managertest
