@@ -54,7 +54,10 @@ void validate(Orvil::IXmlValidator& validator, Orvil::IXmlNode* root) {
 }
 
 void parseKind(Orvil::IXmlNode* node, ReplyContainer& reply) {
-    const std::string name = node == nullptr ? "" : node->getName();
+    if (node == nullptr) {
+        throw UnknownReplyKind("");
+    }
+    const std::string name = node->getName();
     if (name == "fontRequestReply") {
         reply.type = ReplyContainer::fontReplyType;
         reply.fontReply = HandlerInternal::parseFontReply(node);
