@@ -33,7 +33,7 @@ constexpr const char* usage =
     "  [server.backup+]      <backup inherit=\"true\">\n"
     "  port = 80               <port>80</port>\n"
     "                        </backup></server></configuration>\n"
-    "What has no such form is passed over in both.\n";
+    "What has no such form is passed over; in XML, an index that is none counts as 0.\n";
 
 constexpr std::string_view getOption = "-get=";
 constexpr std::string_view iniOption = "-readIniFile=";

@@ -44,7 +44,7 @@ std::uint32_t bitByBit(std::uint32_t polynomial, std::uint32_t initial,
     return value ^ initial;
 }
 
-using AFile = AFolder;
+using AChecksumOfAFile = AFolder;
 
 } // namespace
 
@@ -101,7 +101,7 @@ TEST(AChecksum, TakesSingleBits) {
     }
 }
 
-TEST_F(AFile, IsAddedWhole) {
+TEST_F(AChecksumOfAFile, TakesItWhole) {
     const std::vector<unsigned char> bytes = randomBytes(50000, 8);
     const std::string path = file("bytes", std::string(bytes.begin(), bytes.end()));
     CRC32 crc(usual, allOnes);

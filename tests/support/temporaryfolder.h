@@ -28,6 +28,7 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
+    const std::filesystem::path& path() const { return path_; }
     std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
     /// Makes the file and the folders above it.
     std::filesystem::path write(const std::string& name, const std::string& text) const {

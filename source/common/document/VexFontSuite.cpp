@@ -86,13 +86,13 @@ AIErr VexFontSuite::getMissingFontInfos(FontInfos& fonts) {
     return walk.error;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like the rest of this interface
 std::int32_t VexFontSuite::getNumMissingFonts(FontInfos fonts) {
     return static_cast<std::int32_t>(std::count_if(
         fonts.begin(), fonts.end(), [](const auto& info) { return !info->font.isActive; }));
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like the rest of this interface
 std::int32_t VexFontSuite::getNumFontsNotInstalled(FontInfos fonts) {
     return static_cast<std::int32_t>(std::count_if(
         fonts.begin(), fonts.end(), [](const auto& info) { return info->installed == 0; }));
@@ -110,7 +110,7 @@ GLY::GLYFontRequestEvent VexFontSuite::requestFonts(const FontInfos& fonts) {
     return request;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like the rest of this interface
 void VexFontSuite::replaceFontWithFont(std::string oldPsName, std::string newName) {
     std::unordered_map<AIFontKey, bool> isOld;
     walkDocumentFonts([&](const ATE::ITextRange& run, const ATE::IFont& font) {

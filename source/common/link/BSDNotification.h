@@ -55,8 +55,8 @@ private:
     std::map<std::string, Orvil::SmartPointer<ReadingThread>> readers_;
 };
 
-/// Polls about a thousand times a second. It sleeps between and waits for nothing, so that nobody
-/// need wake it to stop it.
+/// Polls about a thousand times a second. In between it only sleeps, so stopping it needs no
+/// wake-up.
 class Daemon::ReadingThread : public Orvil::Thread, public Orvil::SmartPointable {
 public:
     /// Throws std::runtime_error, "token could not be registered", when the name is refused.

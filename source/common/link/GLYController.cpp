@@ -78,7 +78,7 @@ OSStatus GLYController::FindGlyphoraProcess(ProcessInfoRec& info, bool& found) {
     }
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like the rest of this interface
 OSStatus GLYController::LaunchGlyphora(std::string bundleId) {
     ProcessInfoRec info;
     bool isRunning = false;
@@ -122,7 +122,7 @@ OSStatus GLYController::LaunchGlyphora() {
     return status;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like the rest of this interface
 int GLYController::CompareGLYVersion(std::string a, std::string b) {
     if (a.size() != b.size()) {
         return a.size() > b.size() ? 1 : -1;

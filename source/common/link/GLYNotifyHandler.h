@@ -44,7 +44,7 @@ public:
     /// Sends a command to the font manager and returns its reply, folded into one XML document, or
     /// an empty text on failure. Blocks, for some 10 s if the font manager is not there. Never
     /// throws. Commands travel through the handler of the news because it is the one object that
-    /// knows the channel to the font manager; exchanges need no platform of their own then.
+    /// knows the channel to the font manager, so exchanges do not depend on the platform.
     [[nodiscard]] virtual std::string SendToGly(const std::string& command) = 0;
     /// Returns false always: a launch is waited for where it is made, by GLYController.
     virtual bool WaitForLaunch() = 0;

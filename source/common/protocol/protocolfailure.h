@@ -9,8 +9,7 @@
 
 namespace Protocol {
 
-/// `line` is part of what readers of a report know a failure by: it is given, not taken from the
-/// present source.
+/// `line` is a fixed number, so that a report names the same failure in every release.
 inline Orvil::Exception failure(const std::string& message, std::uint32_t line) {
     return {message, "source/common/protocol", line, ""};
 }

@@ -31,8 +31,7 @@ public:
     /// [main-thread, modal] Shows an error, unless it is quiet or was shown within the repeat
     /// interval.
     virtual void ReportError(AIErr error, const char* caller, const char* selector, void* message);
-    /// Counts the wishes to stay in memory: the first locks the plug-in, the last one's end unlocks
-    /// it.
+    /// Counts locks: the first keeps the plug-in in memory, the last unlock lets it go.
     virtual AIErr LockPlugin(bool lock);
     /// Acquires the suites, names the plug-in and registers for the application's start.
     virtual AIErr StartupPlugin(SPInterfaceMessage* message);

@@ -13,7 +13,7 @@ namespace Orvil {
 
 /// Adds what it reads to whatever the store holds. May be used repeatedly.
 /// A few bytes may ask for a long list, so an index beyond `greatestIndex` is taken as one that
-/// cannot be read.
+/// cannot be read. What all lines of an input ask for together is not bounded.
 class IConfigurationReader {
 public:
     static constexpr unsigned greatestIndex = 65535;

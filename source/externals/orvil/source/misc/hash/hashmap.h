@@ -36,7 +36,7 @@ struct KeyHash {
 ///
 /// The string hash is easily made to collide, so a chain is not allowed to grow: keys beyond its
 /// greatest length go to a sorted map that all buckets share, and a look-up there takes logarithmic
-/// time. (A seeded hash would do without, but the hash is given.)
+/// time. (A seeded hash would need no such map, but would iterate differently in each process.)
 /// A found value stays where it is until its key is erased. Threads: as a standard container.
 template <typename Key, typename Value, typename Hasher = KeyHash>
 class HashTable {
@@ -189,6 +189,6 @@ private:
 } // namespace Hash
 
 template <typename Key, typename Value>
-using hash_map = Hash::HashTable<Key, Value>; // NOLINT: the name is given
+using hash_map = Hash::HashTable<Key, Value>; // NOLINT: named like the container that it stands for
 
 } // namespace Orvil

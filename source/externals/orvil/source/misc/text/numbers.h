@@ -9,7 +9,7 @@
 namespace Orvil {
 
 /// The value right-aligned with blanks to `width`; a real has up to `precision` significant
-/// digits. Callers pass 0 and 6 for plain output.
+/// digits. 0 and 6 give plain output.
 std::string toString(int value, unsigned width = 0, unsigned precision = 6);
 std::string toString(unsigned value, unsigned width = 0, unsigned precision = 6);
 std::string toString(long value, unsigned width = 0, unsigned precision = 6);

@@ -23,7 +23,7 @@ void* LargePages::do_allocate(std::size_t size, std::size_t alignment) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    madvise(block, whole, MADV_HUGEPAGE); // a wish: without large pages it is only slower
+    madvise(block, whole, MADV_HUGEPAGE); // only a hint: without large pages it is only slower
     return block;
 }
 

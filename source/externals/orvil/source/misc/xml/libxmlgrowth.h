@@ -11,8 +11,8 @@
 
 namespace Orvil::LibXml {
 
-/// Stops the parser when the document grows too much: counted is what comes in when the references
-/// to its entities, and the attributes that it declares defaults for, are read in full. libxml2
+/// Stops the parser when the document grows too much. It counts what the references to its entities
+/// add when they are read in full, and the attributes that it declares defaults for. libxml2
 /// itself bounds only what it meets when it looks into each entity for the first time. A document
 /// without such declarations is not slowed by that. Must outlive the parsing that it watches.
 class GrowthLimit {

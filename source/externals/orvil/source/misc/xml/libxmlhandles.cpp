@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Freeing of libxml2's things.
+// Frees libxml2's objects.
 #include "misc/xml/libxmlhandles.h"
 
 #include <libxml/parser.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The owners of libxml2's things, for everyone who calls libxml2 directly.
+// The owners of libxml2's objects, for everyone who calls libxml2 directly.
 #pragma once
 
 #include <memory>
