@@ -226,7 +226,7 @@ void activateContainers(benchmark::State& state) {
             }
         }
         state.PauseTiming();
-        activation.deactivate(ids);
+        benchmark::DoNotOptimize(activation.deactivate(ids));
         state.ResumeTiming();
     }
     unsetenv("FONTCONFIG_FILE");

@@ -100,7 +100,8 @@ public:
     bool modified() const noexcept { return modified_; }
 
     /// Writes the document with its replaced runs and everything else unchanged. Throws
-    /// DocumentError when it cannot; the file that stood there before is then still there.
+    /// DocumentError when it cannot; the file that stood there before is then still there, unless
+    /// only its folder could not be synced.
     void save(const std::filesystem::path& file) const;
 
 private:

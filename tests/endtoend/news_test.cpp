@@ -29,7 +29,10 @@ public:
 /// Counts the postings beside the handler, to know when all are there.
 class Witness {
 public:
-    Witness() { notify_register_check("org.glyphora.Glyphora.FontLibraryChanged", &token_); }
+    Witness() {
+        EXPECT_EQ(notify_register_check("org.glyphora.Glyphora.FontLibraryChanged", &token_),
+                  NOTIFY_STATUS_OK);
+    }
     ~Witness() { notify_cancel(token_); }
     Witness(const Witness&) = delete;
     Witness& operator=(const Witness&) = delete;

@@ -93,12 +93,13 @@ TEST_F(AReplacedFile, IsTheOneThatLinksLeadTo) {
     write("sub/file", "before");
     fs::create_symlink("sub/file", path("link"));
     fs::create_symlink("link", path("linked link"));
-    fs::create_symlink("sub/none yet", path("dangling"));
+    fs::create_symlink("none yet", path("sub/hop"));
+    fs::create_symlink("sub/hop", path("dangling"));
     sys::replaceFile(path("linked link"), "after");
     sys::replaceFile(path("dangling"), "made");
     EXPECT_EQ(read("sub/file"), "after");
     EXPECT_EQ(read("sub/none yet"), "made");
-    for (const char* link : {"link", "linked link", "dangling"}) {
+    for (const char* link : {"link", "linked link", "dangling", "sub/hop"}) {
         EXPECT_TRUE(fs::is_symlink(path(link))) << link;
     }
 }

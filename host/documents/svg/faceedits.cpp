@@ -7,6 +7,7 @@
 #include "host/documents/css/families.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace host::svg {
@@ -211,6 +212,7 @@ std::string FaceEdits::apply() {
     result.reserve(source_.size() + edits_.size() * 40);
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
+        assert(edit.start >= position);
         result.append(source_, position, edit.start - position).append(edit.text);
         position = edit.end;
     }

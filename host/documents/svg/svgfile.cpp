@@ -15,6 +15,7 @@
 #include <charconv>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace host::svg {
@@ -105,7 +106,10 @@ void writeFile(const std::filesystem::path& file, std::string_view bytes) {
     try {
         sys::replaceFile(file.string(), bytes);
     } catch (const std::system_error& error) {
-        throw DocumentError(file.string(), "cannot be written: " + error.code().message());
+        const std::string_view what = error.what(); // begins with the file, or with its folder
+        const std::string own = file.string() + ": ";
+        throw DocumentError(file.string(),
+                            std::string(what.substr(what.starts_with(own) ? own.size() : 0)));
     }
 }
 

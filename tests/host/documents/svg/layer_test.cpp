@@ -81,7 +81,8 @@ TEST_P(ALayer, HoldsItsTextsFlatOrInTheirGroups) {
     EXPECT_EQ(outline(read(GetParam().body, options)), GetParam().kept);
 }
 
-INSTANTIATE_TEST_SUITE_P(Trees, ALayer, testing::ValuesIn(cases));
+INSTANTIATE_TEST_SUITE_P(Trees, ALayer, testing::ValuesIn(cases),
+                         [](const auto& test) { return std::string(test.param.about); });
 
 } // namespace
 } // namespace host::test

@@ -192,7 +192,8 @@ TEST_P(AReplacedFace, ChangesWhatDecidedItAndNothingElse) {
     EXPECT_EQ(visibleRuns(readSvg(result, "again.svg")).find(replaced + "/"), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(Places, AReplacedFace, testing::ValuesIn(cases));
+INSTANTIATE_TEST_SUITE_P(Places, AReplacedFace, testing::ValuesIn(cases),
+                         [](const auto& test) { return std::string(test.param.about); });
 
 TEST(AReplacedFace, IsWrittenWithAllItHas) {
     Document document = read("<text font-family='Old'>a</text>");

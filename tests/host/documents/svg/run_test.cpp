@@ -159,7 +159,8 @@ TEST_P(ARun, IsReadAsTheTableSays) {
     EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
 }
 
-INSTANTIATE_TEST_SUITE_P(Text, ARun, testing::ValuesIn(cases));
+INSTANTIATE_TEST_SUITE_P(Text, ARun, testing::ValuesIn(cases),
+                         [](const auto& test) { return std::string(test.param.about); });
 
 TEST(ADrawing, MayDeclareItsNamespacesAsEntities) {
     const Document document = readSvg(

@@ -183,7 +183,8 @@ TEST_P(AStyle, IsDecidedAsTheTableSays) {
     EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cascade, AStyle, testing::ValuesIn(cases));
+INSTANTIATE_TEST_SUITE_P(Cascade, AStyle, testing::ValuesIn(cases),
+                         [](const auto& test) { return std::string(test.param.about); });
 
 TEST(AStyleSheet, CostsABoundedAmountOfWork) {
     std::string sheet = "<style>";
