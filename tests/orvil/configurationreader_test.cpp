@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 // What the readers make of files, texts and arguments.
+#include "failures.h"
 #include "misc/configuration/configurationreader.h"
-#include "misc/exception.h"
 #include "tests/support/folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
@@ -23,7 +22,8 @@ using Values = std::vector<std::string>;
 using Tree = std::map<std::string, Values>;
 
 /// All properties by path, and categories as paths with a dot at the end.
-void collect(const Configuration& store, const std::string& path, Tree& tree) {
+Tree treeOf(const Configuration& store, const std::string& path = "") {
+    Tree tree;
     const std::string prefix = path.empty() ? "" : path + ".";
     for (const std::string& name : store.getSubProperties(path)) {
         tree[prefix + name] = store.getValueList(prefix + name);
@@ -32,24 +32,10 @@ void collect(const Configuration& store, const std::string& path, Tree& tree) {
         tree[prefix + name + "."];
         // Without a name directly below the root it has the root's own path.
         if (!(prefix + name).empty()) {
-            collect(store, prefix + name, tree);
+            tree.merge(treeOf(store, prefix + name));
         }
     }
-}
-
-Tree treeOf(const Configuration& store) {
-    Tree tree;
-    collect(store, "", tree);
     return tree;
-}
-
-std::string failureOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& failure) {
-        return failure.what();
-    }
-    return "nothing thrown";
 }
 
 struct Case {
@@ -90,17 +76,11 @@ TEST(AnINIText, IsReadLineByLine) {
     }
 }
 
-TEST(AnINIText, HasListsUpToAGreatestIndex) {
+TEST(AnINIText, MakesInheritingSectionsAndListsUpToAGreatestIndex) {
     Configuration store;
-    std::istringstream stream("k[65535]=last\n");
+    std::istringstream stream("[a]\nx=0\ny=1\n[a.s+]\nx[1]=own\n[a.t]\nk[65535]=last\n");
     INIConfigurationReader(stream).read(store);
-    EXPECT_EQ(store.getValueCount("k"), 65536U);
-}
-
-TEST(AnINIText, MakesInheritingSectionsWithAPlus) {
-    Configuration store;
-    std::istringstream stream("[a]\nx=0\ny=1\n[a.s+]\nx[1]=own\n[a.t]\n");
-    INIConfigurationReader(stream).read(store);
+    EXPECT_EQ(store.getValueCount("a.t.k"), 65536U);
     EXPECT_EQ(store.getString("a.s.y", "none"), "1");
     EXPECT_EQ(store.getString("a.t.y", "none"), "none");
     EXPECT_EQ(store.getValueList("a.s.x"), (Values{"0", "own"})) << "from the list around it";
@@ -184,8 +164,8 @@ TEST_F(AConfigurationFile, IsPulledInByTheCommandLine) {
     again.read(store);
     again.read(store);
     EXPECT_EQ(store.getString("s.x", ""), "ini");
-    EXPECT_THAT(failureOf([&] { XMLConfigurationReader(folder / "none").read(store); }),
+    EXPECT_THAT(messageOf([&] { XMLConfigurationReader(folder / "none").read(store); }),
                 HasSubstr("failed to load external entity"));
-    EXPECT_THAT(failureOf([&] { XMLConfigurationReader(ini).read(store); }),
+    EXPECT_THAT(messageOf([&] { XMLConfigurationReader(ini).read(store); }),
                 HasSubstr("Document not parsed successfully"));
 }

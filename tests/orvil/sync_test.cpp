@@ -14,32 +14,28 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
 using namespace Orvil;
 
 TEST(AMutex, NamesItsErrors) {
-    struct Case {
-        int error;
-        const char* lock;
-        const char* unlock;
+    const auto unexpected = [](int error) {
+        return "Mutex: unexpected error: " + std::to_string(error) + ": " + std::strerror(error);
     };
-    const std::string other =
-        "Mutex: unexpected error: " + std::to_string(EBUSY) + ": " + std::strerror(EBUSY);
-    const std::string deadlock =
-        "Mutex: unexpected error: " + std::to_string(EDEADLK) + ": " + std::strerror(EDEADLK);
-    const Case cases[] = {
-        {EDEADLK, "Mutex: deadlock detected", deadlock.c_str()},
-        {EINVAL, "Mutex: waiting on invalid mutex", "Mutex: waiting on invalid mutex"},
-        {EAGAIN, "Mutex: the maximum number of recursive locks has been exceeded",
-         "Mutex: the maximum number of recursive locks has been exceeded"},
+    const std::string invalid = "Mutex: waiting on invalid mutex";
+    const std::string tooMany = "Mutex: the maximum number of recursive locks has been exceeded";
+    const std::tuple<int, std::string, std::string> cases[] = {
+        {EDEADLK, "Mutex: deadlock detected", unexpected(EDEADLK)},
+        {EINVAL, invalid, invalid},
+        {EAGAIN, tooMany, tooMany},
         {EPERM, "Mutex: tried", "Mutex: tried to unlock unlocked mutex"},
-        {EBUSY, other.c_str(), other.c_str()},
+        {EBUSY, unexpected(EBUSY), unexpected(EBUSY)},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(messageOf([&] { throw Mutex::lockFailure(c.error); }), c.lock);
-        EXPECT_EQ(messageOf([&] { throw Mutex::unlockFailure(c.error); }), c.unlock);
+    for (const auto& [error, lock, unlock] : cases) {
+        EXPECT_EQ(Mutex::lockFailure(error).message(), lock);
+        EXPECT_EQ(Mutex::unlockFailure(error).message(), unlock);
     }
     EXPECT_NE(Mutex::lockFailure(EPERM).descriptionHeader().find(
                   "'source/externals/orvil/source/misc/threads/mutex'"),

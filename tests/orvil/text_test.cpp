@@ -10,6 +10,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace Orvil;
@@ -17,15 +18,10 @@ using namespace Orvil;
 namespace {
 
 template <typename Char>
-std::basic_string<Char> widened(std::string_view text) {
-    return {text.begin(), text.end()};
-}
-
-template <typename Char>
 class StringFunctions : public testing::Test {
 protected:
     using Text = std::basic_string<Char>;
-    static Text text(std::string_view narrow) { return widened<Char>(narrow); }
+    static Text text(std::string_view narrow) { return {narrow.begin(), narrow.end()}; }
 };
 
 using Widths = testing::Types<char, wchar_t>;
@@ -54,27 +50,22 @@ TYPED_TEST(StringFunctions, CompareWithoutCase) {
 }
 
 TYPED_TEST(StringFunctions, SplitAtEverySeparator) {
-    struct Case {
-        const char* text;
-        const char* separators;
-        std::vector<const char*> runs;
-        std::vector<const char*> all;
-    };
-    const Case cases[] = {
+    using Tokens = std::vector<const char*>;
+    const std::tuple<const char*, const char*, Tokens, Tokens> cases[] = {
         {"a,,b", ",", {"a", "b"}, {"a", "", "b"}},
         {"", ",", {}, {""}},
         {",", ",", {}, {"", ""}},
         {",a;b,", ",;", {"a", "b"}, {"", "a", "b", ""}},
         {"ab", "", {"ab"}, {"ab"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& [text, separators, runs, all] : cases) {
         for (const bool skipEmpty : {true, false}) {
             std::vector<typename TestFixture::Text> expected;
-            for (const char* token : skipEmpty ? c.runs : c.all) {
+            for (const char* token : skipEmpty ? runs : all) {
                 expected.push_back(this->text(token));
             }
-            EXPECT_EQ(tokenize(this->text(c.text), this->text(c.separators), skipEmpty), expected)
-                << c.text;
+            EXPECT_EQ(tokenize(this->text(text), this->text(separators), skipEmpty), expected)
+                << text;
         }
     }
 }
@@ -173,12 +164,7 @@ TYPED_TEST(NumberParsing, ReadsWhatAStreamReads) {
 }
 
 TEST(ATruthValue, HasSixSpellingsEach) {
-    struct Case {
-        const char* text;
-        bool ok;
-        bool value;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, bool, bool> cases[] = {
         {"1", true, true},     {"t", true, true},      {"Y", true, true},
         {"On", true, true},    {" yes\t", true, true}, {"TRUE", true, true},
         {"0", true, false},    {"f", true, false},     {"N", true, false},
@@ -186,10 +172,10 @@ TEST(ATruthValue, HasSixSpellingsEach) {
         {"", false, false},    {"2", false, false},    {"yes\n", false, false},
         {"tru", false, false},
     };
-    for (const Case& c : cases) {
-        bool ok = !c.ok;
-        EXPECT_EQ(safeParse<bool>(c.text, ok), c.value) << c.text;
-        EXPECT_EQ(ok, c.ok) << c.text;
-        EXPECT_EQ(parse<bool>(c.text), c.value) << c.text;
+    for (const auto& [text, isOne, value] : cases) {
+        bool ok = !isOne;
+        EXPECT_EQ(safeParse<bool>(text, ok), value) << text;
+        EXPECT_EQ(ok, isOne) << text;
+        EXPECT_EQ(parse<bool>(text), value) << text;
     }
 }

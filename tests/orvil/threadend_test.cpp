@@ -13,20 +13,24 @@
 
 using namespace Orvil;
 
-TEST(AThread, IsCancelledInAnUntimedWaitAndUnwound) {
-    std::atomic<bool> left = false;
-    Task task([&](Task& self) {
-        const Scope scope(left);
-        self.reached.inc();
-        self.goOn.wait();
-        return 1;
-    });
-    EXPECT_TRUE(task.start(false, -1));
-    task.reached.dec();
-    EXPECT_TRUE(task.destroy());
-    EXPECT_TRUE(left);
-    EXPECT_FALSE(task.isRunning());
-    EXPECT_EQ(task.getReturnCode(), 0);
+TEST(AThread, IsCancelledInAnUntimedWaitAndUnwoundDetachedOrNot) {
+    for (const bool detached : {false, true}) {
+        std::atomic<bool> left = false;
+        Task task([&](Task& self) {
+            const Scope scope(left);
+            self.reached.inc();
+            self.goOn.wait();
+            return 1;
+        });
+        EXPECT_TRUE(task.start(false, -1));
+        EXPECT_TRUE(!detached || (task.detach() && task.detach() && !task.join()));
+        EXPECT_EQ(task.isDetached(), detached);
+        task.reached.dec();
+        EXPECT_TRUE(task.destroy());
+        EXPECT_TRUE(left);
+        EXPECT_FALSE(task.isRunning());
+        EXPECT_EQ(task.getReturnCode(), 0);
+    }
 }
 
 TEST(AThread, IsCancelledWhileItTakesFromASemaphore) {
@@ -66,24 +70,6 @@ TEST(AThread, EndsWithItsObject) {
         }
         EXPECT_TRUE(left);
     }
-}
-
-TEST(ADetachedThread, IsWaitedForByItsObjectAllTheSame) {
-    std::atomic<bool> left = false;
-    Task task([&](Task& self) {
-        const Scope scope(left);
-        self.reached.inc();
-        self.goOn.wait();
-        return 0;
-    });
-    EXPECT_TRUE(task.start(false, -1));
-    EXPECT_TRUE(task.detach());
-    EXPECT_TRUE(task.detach());
-    EXPECT_TRUE(task.isDetached());
-    EXPECT_FALSE(task.join());
-    task.reached.dec();
-    EXPECT_TRUE(task.destroy());
-    EXPECT_TRUE(left);
 }
 
 TEST(ADetachedThread, LeavesNothingToDestroyOnceItHasEnded) {

@@ -9,7 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ostream>
+#include <tuple>
 #include <vector>
 
 namespace UTFModel {
@@ -19,23 +19,8 @@ using namespace Orvil::UTF;
 
 using Units = std::vector<std::uint32_t>;
 
-struct Outcome {
-    ConversionResult result;
-    std::size_t consumed;
-    Units produced;
-
-    bool operator==(const Outcome& other) const {
-        return result == other.result && consumed == other.consumed && produced == other.produced;
-    }
-};
-
-inline std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
-    stream << "result " << outcome.result << " after " << outcome.consumed << " units:" << std::hex;
-    for (const std::uint32_t unit : outcome.produced) {
-        stream << ' ' << unit;
-    }
-    return stream << std::dec;
-}
+/// The result, how many units were consumed, and those that were produced.
+using Outcome = std::tuple<ConversionResult, std::size_t, Units>;
 
 struct Step {
     ConversionResult result;
@@ -49,15 +34,9 @@ inline bool isSurrogate(std::uint32_t value) {
 
 // One source character, by the width of its units.
 inline Step readUTF8(const Units& source, std::size_t at) {
-    static constexpr std::uint8_t lengths[] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 3};
-    const std::uint32_t lead = source[at];
-    std::size_t length = 6;
-    if (lead < 0xF0) {
-        length = lengths[lead >> 4U];
-    } else if (lead < 0xF8) {
-        length = 4;
-    } else if (lead < 0xFC) {
-        length = 5;
+    std::size_t length = 1;
+    for (const std::uint32_t longer : {0xC0, 0xE0, 0xF0, 0xF8, 0xFC}) {
+        length += source[at] >= longer ? 1 : 0;
     }
     if (at + length > source.size()) {
         return {sourceExhausted, 0, 0};
@@ -127,31 +106,30 @@ Units written(std::uint32_t value) {
 template <typename Source, typename Target>
 Outcome modelled(const Units& source, std::size_t capacity, ConversionFlags flags) {
     constexpr bool skipsTooGreat = sizeof(Source) == 4 && sizeof(Target) == 2;
-    Outcome outcome{conversionOK, 0, {}};
-    while (outcome.consumed < source.size()) {
-        if (skipsTooGreat && outcome.produced.size() == capacity) {
-            outcome.result = targetExhausted;
-            return outcome;
+    ConversionResult result = conversionOK;
+    std::size_t consumed = 0;
+    Units produced;
+    while (consumed < source.size()) {
+        if (skipsTooGreat && produced.size() == capacity) {
+            return {targetExhausted, consumed, produced};
         }
-        if (skipsTooGreat && flags == strict && source[outcome.consumed] > 0x10FFFF) {
-            outcome.result = sourceIllegal;
-            ++outcome.consumed;
+        if (skipsTooGreat && flags == strict && source[consumed] > 0x10FFFF) {
+            result = sourceIllegal;
+            ++consumed;
             continue;
         }
-        const Step step = read<Source>(source, outcome.consumed, flags);
+        const Step step = read<Source>(source, consumed, flags);
         if (step.result != conversionOK) {
-            outcome.result = step.result;
-            return outcome;
+            return {step.result, consumed, produced};
         }
         const Units units = written<Target>(step.value);
-        if (outcome.produced.size() + units.size() > capacity) {
-            outcome.result = targetExhausted;
-            return outcome;
+        if (produced.size() + units.size() > capacity) {
+            return {targetExhausted, consumed, produced};
         }
-        outcome.produced.insert(outcome.produced.end(), units.begin(), units.end());
-        outcome.consumed += step.length;
+        produced.insert(produced.end(), units.begin(), units.end());
+        consumed += step.length;
     }
-    return outcome;
+    return {result, consumed, produced};
 }
 
 } // namespace UTFModel

@@ -6,14 +6,11 @@
 
 #include <locale>
 #include <string>
+#include <utility>
 
 using namespace Orvil;
 
 TEST(AWholeText, IsConvertedOrEmpty) {
-    struct Case {
-        std::string utf8;
-        std::u16string utf16;
-    };
     std::string longText;
     std::u16string longWide;
     for (int i = 0; i < 3000; ++i) {
@@ -21,14 +18,15 @@ TEST(AWholeText, IsConvertedOrEmpty) {
         longWide += i % 7 == 0 ? u"\U0001F600" : u"\u4E00z\u00E4";
     }
     const std::string nul("a\0b", 3);
-    const Case cases[] = {{"", u""},
-                          {"Grotesk", u"Grotesk"},
-                          {nul, std::u16string(u"a\0b", 3)},
-                          {"\xC3\xA4\xE2\x82\xAC", u"\u00E4\u20AC"},
-                          {longText, longWide}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(UTF8toUTF16(c.utf8), c.utf16);
-        EXPECT_EQ(UTF16toUTF8(c.utf16), c.utf8);
+    const std::pair<std::string, std::u16string> cases[] = {
+        {"", u""},
+        {"Grotesk", u"Grotesk"},
+        {nul, std::u16string(u"a\0b", 3)},
+        {"\xC3\xA4\xE2\x82\xAC", u"\u00E4\u20AC"},
+        {longText, longWide}};
+    for (const auto& [utf8, utf16] : cases) {
+        EXPECT_EQ(UTF8toUTF16(utf8), utf16);
+        EXPECT_EQ(UTF16toUTF8(utf16), utf8);
     }
     EXPECT_EQ(UTF8toUTF16("\xED\xA0\x80"), u"");
     EXPECT_EQ(UTF8toUTF16(longText + "\xE2\x82"), u"");

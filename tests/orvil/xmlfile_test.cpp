@@ -15,26 +15,6 @@ namespace {
 
 const std::string newText = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<new/>\n";
 
-/// While it lives, the process can write no file of more bytes.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &old_), 0);
-        const rlimit now{bytes, old_.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &now), 0);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &old_), 0);
-        std::signal(SIGXFSZ, oldHandler_);
-    }
-
-private:
-    rlimit old_{};
-    void (*oldHandler_)(int);
-};
-
 class AnXmlFile : public OrvilTests::AnXmlDocument {};
 
 } // namespace
@@ -45,10 +25,14 @@ TEST_F(AnXmlFile, LeavesTheOldFileWhenItCannotBeWritten) {
     EXPECT_EQ(contentOf(path), "old") << "there is no document yet";
     document->createRootNode("new", "");
     testing::internal::CaptureStderr();
-    {
-        const FileSizeLimit limit(newText.size() - 1);
-        document->write(path);
-    }
+    rlimit unlimited{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    const rlimit tooSmall{newText.size() - 1, unlimited.rlim_max};
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tooSmall), 0);
+    document->write(path);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    std::signal(SIGXFSZ, handler);
     document->write((folder / "missing" / "a.xml").string());
     document->write("/dev/full");
     document->write(folder.string());

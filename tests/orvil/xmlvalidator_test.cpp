@@ -106,25 +106,21 @@ TEST_F(ASchema, JudgesATextAlikeInOneOrManyPieces) {
         "<xs:element name='empty'><xs:complexType/></xs:element>"
         "<xs:element name='mixed'><xs:complexType mixed='true'/></xs:element>"
         "</xs:choice></xs:complexType></xs:element></xs:schema>");
-    struct Case {
-        const char* content;
-        bool isValid;
+    const std::pair<std::string, bool> cases[] = {
+        {"<number>1<![CDATA[2]]>3<!-- -->4<![CDATA[]]></number>", true},
+        {"<number>1<![CDATA[x]]></number>", false},
+        {"<number><![CDATA[1]]><![CDATA[ 2]]></number>", false},
+        {"<mixed>1<![CDATA[x]]>2</mixed>", true},
+        {"<empty><!-- --></empty>", true},
+        {"<empty> </empty>", false},
+        {"<empty><![CDATA[]]></empty>", false},
+        {" <!-- --> <mixed/> ", true},
+        {" <![CDATA[ ]]> <mixed/>", false}, // libxml2 takes no CDATA section for blank
+        {"<mixed/> <![CDATA[x]]> ", false},
+        {"<mixed/>x<![CDATA[]]>", false},
     };
-    for (const Case& each : {
-             Case{"<number>1<![CDATA[2]]>3<!-- -->4<![CDATA[]]></number>", true},
-             Case{"<number>1<![CDATA[x]]></number>", false},
-             Case{"<number><![CDATA[1]]><![CDATA[ 2]]></number>", false},
-             Case{"<mixed>1<![CDATA[x]]>2</mixed>", true},
-             Case{"<empty><!-- --></empty>", true},
-             Case{"<empty> </empty>", false},
-             Case{"<empty><![CDATA[]]></empty>", false},
-             Case{" <!-- --> <mixed/> ", true},
-             Case{" <![CDATA[ ]]> <mixed/>", false}, // libxml2 takes no CDATA section for blank
-             Case{"<mixed/> <![CDATA[x]]> ", false},
-             Case{"<mixed/>x<![CDATA[]]>", false},
-         }) {
-        EXPECT_EQ(accepts(std::string("<r>") + each.content + "</r>"), each.isValid)
-            << each.content;
+    for (const auto& [content, isValid] : cases) {
+        EXPECT_EQ(accepts("<r>" + content + "</r>"), isValid) << content;
     }
 }
 

@@ -27,44 +27,25 @@ std::string bareFont(const std::string& prefix) {
 
 } // namespace
 
-TEST(ADump, OfAFontLeavesEmptyFieldsOut) {
-    EXPECT_EQ(printed([] { Font().debugPrint("> "); }), bareFont("> "));
-}
-
 TEST(ADump, OfAFontShowsEveryField) {
-    Font font;
-    font.syncID = "1";
-    font.type = Font::OT_TT;
-    font.psName = "P";
-    font.styleName = "S";
-    font.familyName = "F";
-    font.count = 4294967295U;
-    font.isActive = true;
-    font.typeMatchingCount = 2;
-    font.isTypeMatchingActive = true;
-    font.typeMatchingContainerID = "7";
-    font.fontInfos = {{"7", "seven"}, {"", ""}};
-    font.handled = true;
-    font.containerID = "8";
-    font.activationSuccessful = true;
-    EXPECT_EQ(printed([&] { font.debugPrint(""); }), "Font: \n"
-                                                     "  syncID: '1'\n"
-                                                     "  type: OT_TT\n"
-                                                     "  psName: 'P'\n"
-                                                     "  styleName: 'S'\n"
-                                                     "  familyName: 'F'\n"
-                                                     "  count: 4294967295\n"
-                                                     "  isActive: 1\n"
-                                                     "  typeMatchingCount: 2\n"
-                                                     "  isTypeMatchingActive: 1\n"
-                                                     "  typeMatchingContainerID: '7'\n"
-                                                     "  2 fontInfos: \n"
-                                                     "    7 => seven\n"
-                                                     "     => \n"
-                                                     "  handled: 1\n"
-                                                     "  containerID: '8'\n"
-                                                     "  activationSuccessful: 1\n"
-                                                     "Font END\n");
+    EXPECT_EQ(printed([] { fullFont().debugPrint(""); }), "Font: \n"
+                                                          "  syncID: 's\"&\n'\n"
+                                                          "  type: OT_TT\n"
+                                                          "  psName: 'A&B<]]>'\n"
+                                                          "  styleName: ' \xf0\x9f\x98\x80\r'\n"
+                                                          "  familyName: '\xc3\x84'\n"
+                                                          "  count: 4294967295\n"
+                                                          "  isActive: 1\n"
+                                                          "  typeMatchingCount: 3\n"
+                                                          "  isTypeMatchingActive: 1\n"
+                                                          "  typeMatchingContainerID: '5'\n"
+                                                          "  2 fontInfos: \n"
+                                                          "    1 => one\n"
+                                                          "    2 => \n"
+                                                          "  handled: 1\n"
+                                                          "  containerID: '9'\n"
+                                                          "  activationSuccessful: 1\n"
+                                                          "Font END\n");
 }
 
 TEST(ADump, OfAListIndentsItsFonts) {
@@ -76,35 +57,22 @@ TEST(ADump, OfAListIndentsItsFonts) {
 }
 
 TEST(ADump, OfAMessageNamesItAndShowsItsScalars) {
-    const std::string emptyList = "  FontList: 0 fonts:\n  FontList END\n";
-    struct Case {
-        std::function<void()> print;
-        std::string expected;
+    const auto expectDump = [](const auto& message, const std::string& name,
+                               const std::string& content) {
+        EXPECT_EQ(printed([&] { message.debugPrint("* "); }),
+                  "* " + name + ": \n" + content + "* " + name + " END\n");
     };
-    const std::vector<Case> cases{
-        {[] { FontRequest(true, {}, "ART5", "").debugPrint(""); },
-         "FontRequest: \n  mustMatchFontType: 1\n  targetApp: ART5\n" + emptyList +
-             "FontRequest END\n"},
-        {[] { FontRequest(false, {}, "", "FILC").debugPrint(""); },
-         "FontRequest: \n  mustMatchFontType: 0\n  targetClass: FILC\n" + emptyList +
-             "FontRequest END\n"},
-        {[] { FontReply(true, FontList()).debugPrint(""); },
-         "FontReply: \n  showWindow: 1\n" + emptyList + "FontReply END\n"},
-        {[] { ShowRequest(false, {}).debugPrint(""); },
-         "ShowRequest: \n  mustMatchFontType: 0\n" + emptyList + "ShowRequest END\n"},
-        {[] { ShowReply(FontList()).debugPrint(""); },
-         "ShowReply: \n" + emptyList + "ShowReply END\n"},
-        {[] { ActivationRequest(FontList()).debugPrint(""); },
-         "ActivationRequest: \n" + emptyList + "ActivationRequest END\n"},
-        {[] { ActivationReply(FontList()).debugPrint(""); },
-         "ActivationReply: \n" + emptyList + "ActivationReply END\n"},
-        {[] { BuyReply(Font()).debugPrint(""); },
-         "BuyReply: \n" + bareFont("  ") + "BuyReply END\n"},
-    };
-    for (const Case& each : cases) {
-        EXPECT_EQ(printed(each.print), each.expected);
-    }
-    EXPECT_EQ(printed([] { BuyRequest(soundFont()).debugPrint("* "); }),
-              "* BuyRequest: \n" + printed([] { soundFont().debugPrint("*   "); }) +
-                  "* BuyRequest END\n");
+    const std::string noFonts = "*   FontList: 0 fonts:\n*   FontList END\n";
+    expectDump(FontRequest(true, {}, "ART5", ""), "FontRequest",
+               "*   mustMatchFontType: 1\n*   targetApp: ART5\n" + noFonts);
+    expectDump(FontRequest(false, {}, "", "FILC"), "FontRequest",
+               "*   mustMatchFontType: 0\n*   targetClass: FILC\n" + noFonts);
+    expectDump(FontReply(true, FontList()), "FontReply", "*   showWindow: 1\n" + noFonts);
+    expectDump(ShowRequest(false, {}), "ShowRequest", "*   mustMatchFontType: 0\n" + noFonts);
+    expectDump(ShowReply(FontList()), "ShowReply", noFonts);
+    expectDump(ActivationRequest(FontList()), "ActivationRequest", noFonts);
+    expectDump(ActivationReply(FontList()), "ActivationReply", noFonts);
+    expectDump(BuyReply(Font()), "BuyReply", bareFont("*   "));
+    expectDump(BuyRequest(soundFont()), "BuyRequest",
+               printed([] { soundFont().debugPrint("*   "); }));
 }

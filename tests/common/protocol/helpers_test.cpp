@@ -32,18 +32,19 @@ TEST(ANumber, IsReadAsAStreamReadsIt) {
         unsigned value;
         bool ok;
     };
-    for (const Case& each : std::vector<Case>{{"7", 7, true},
-                                              {" \t\n\v\f\r7", 7, true},
-                                              {"12abc", 12, true},
-                                              {"+5", 5, true},
-                                              {"007", 7, true},
-                                              {"-1", 4294967295U, true},
-                                              {"4294967295", 4294967295U, true},
-                                              {"4294967296", 4294967295U, false},
-                                              {"x7", 0, false},
-                                              {"", 0, false},
-                                              {"+-5", 0, false},
-                                              {"- 5", 0, false}}) {
+    const Case cases[] = {{"7", 7, true},
+                          {" \t\n\v\f\r7", 7, true},
+                          {"12abc", 12, true},
+                          {"+5", 5, true},
+                          {"007", 7, true},
+                          {"-1", 4294967295U, true},
+                          {"4294967295", 4294967295U, true},
+                          {"4294967296", 4294967295U, false},
+                          {"x7", 0, false},
+                          {"", 0, false},
+                          {"+-5", 0, false},
+                          {"- 5", 0, false}};
+    for (const Case& each : cases) {
         bool ok = !each.ok;
         EXPECT_EQ(safeParse<unsigned>(each.text, ok), each.value) << each.text;
         EXPECT_EQ(ok, each.ok) << each.text;
@@ -60,27 +61,22 @@ TEST(AFontElement, TakesTheLastOfAChildThatOccursTwiceAndAllInfos) {
 }
 
 TEST(AFontElement, IsRefusedWithTheReason) {
-    struct Case {
-        std::string child;
-        std::string failure;
+    const std::pair<std::string, std::string> cases[] = {
+        {"<count>x7</count>", protocolFailure("could not parse <count> 'x7'", 1071)},
+        {"<count/>", protocolFailure("could not parse <count> ''", 1071)},
+        {"<typeMatchingCount>99999999999</typeMatchingCount>",
+         protocolFailure("could not parse <typeMatchingCount> '99999999999'", 1082)},
+        {"<type>tt</type>", protocolFailure("could not parse <font><type>tt</type>...", 72)},
+        {"<activationSuccessful>1</activationSuccessful>",
+         protocolFailure("could not parse node in <font> 'activationSuccessful'", 1111)},
+        {"<syncID>1</syncID>", protocolFailure("could not parse node in <font> 'syncID'", 1111)},
+        {"<fontInfo><a/><b/></fontInfo>",
+         protocolFailure("could not parse node in <font> 'fontInfo'", 1111)},
+        {"<handled>1</handled>", protocolFailure("could not parse node in <font> 'handled'", 1111)},
     };
-    for (const Case& each : std::vector<Case>{
-             {"<count>x7</count>", protocolFailure("could not parse <count> 'x7'", 1071)},
-             {"<count/>", protocolFailure("could not parse <count> ''", 1071)},
-             {"<typeMatchingCount>99999999999</typeMatchingCount>",
-              protocolFailure("could not parse <typeMatchingCount> '99999999999'", 1082)},
-             {"<type>tt</type>", protocolFailure("could not parse <font><type>tt</type>...", 72)},
-             {"<activationSuccessful>1</activationSuccessful>",
-              protocolFailure("could not parse node in <font> 'activationSuccessful'", 1111)},
-             {"<syncID>1</syncID>",
-              protocolFailure("could not parse node in <font> 'syncID'", 1111)},
-             {"<fontInfo><a/><b/></fontInfo>",
-              protocolFailure("could not parse node in <font> 'fontInfo'", 1111)},
-             {"<handled>1</handled>",
-              protocolFailure("could not parse node in <font> 'handled'", 1111)},
-         }) {
-        EXPECT_EQ(failureOf([&] { parseFontText("<font>" + each.child + "</font>"); }),
-                  each.failure);
+    for (const auto& [child, failure] : cases) {
+        const std::string text = "<font>" + child + "</font>";
+        EXPECT_EQ(failureOf([&] { parseFontText(text); }), failure);
     }
     for (const char* const entry : {"<e/>", "<e>text</e>", "<e><name>1</name></e>"}) {
         EXPECT_THROW(

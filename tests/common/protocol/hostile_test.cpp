@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 
 using namespace Protocol;
 using testing::HasSubstr;
@@ -15,15 +16,6 @@ using testing::HasSubstr;
 namespace {
 
 const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
-
-std::string repeat(const std::string& text, int times) {
-    std::string result;
-    result.reserve(text.size() * static_cast<std::size_t>(times));
-    for (int i = 0; i < times; ++i) {
-        result += text;
-    }
-    return result;
-}
 
 std::string reply(const std::string& syncID, const std::string& psName) {
     return head + "<activationRequestReply><fonts><font syncID=\"" + syncID + "\"><psName>" +
@@ -66,64 +58,29 @@ TEST_F(AHostileReply, CutAtAnyByteIsNotXml) {
     }
 }
 
-TEST_F(AHostileReply, WithBombsOfEntitiesIsNotRead) {
-    std::string nested = "<!ENTITY a \"aaaaaaaaaa\">";
-    for (char name = 'b'; name <= 'm'; ++name) {
-        const std::string reference = std::string("&") + static_cast<char>(name - 1) + ";";
-        nested += std::string("<!ENTITY ") + name + " \"" + repeat(reference, 10) + "\">";
-    }
-    const std::string large = "<!ENTITY m \"" + std::string(1'000'000, 'a') + "\">";
-    const std::string recursive = "<!ENTITY m \"&n;\"><!ENTITY n \"&m;\">";
-    const std::string external = "<!ENTITY m SYSTEM \"file:///etc/passwd\">";
-    const std::string parameter = "<!ENTITY % m SYSTEM \"file:///etc/passwd\">%m;<!ENTITY m 'x'>";
-    const std::string loop = "Detected an entity reference loop";
-    const std::string growth = "make the document grow by more than 13002090 bytes";
-    const std::string refusal = "a reply must not declare entities"; // the codec's own
-    struct Case {
-        std::string entities;
-        std::string reasonInText;
-        std::string reasonInAttribute;
+TEST_F(AHostileReply, ThatDeclaresEntitiesIsNotRead) {
+    const std::string refusal = "a reply must not declare entities";
+    const std::string external = "<!ENTITY m SYSTEM 'file:///etc/passwd'>";
+    const std::string parameter = "<!ENTITY % m SYSTEM 'file:///etc/passwd'>%m;<!ENTITY m 'x'>";
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {external, reply("1", "&m;"), refusal},
+        {external, reply("&m;", "a"), "Attribute references external entity 'm'"},
+        {parameter, reply("1", "&m;"), refusal},
+        {parameter, reply("&m;", "a"), refusal},
+        {"<!ENTITY m 'x'>", reply("1", "a"), refusal},
+        {"<!ENTITY % m 'x'>", reply("1", "a"), refusal},
     };
-    for (const Case& each :
-         std::vector<Case>{{nested, loop, loop},
-                           {large, growth, growth},
-                           {recursive, loop, loop},
-                           {external, refusal, "Attribute references external entity 'm'"},
-                           {parameter, refusal, refusal}}) {
-        const std::string dtd = "<!DOCTYPE cmd [" + each.entities + "]>";
-        EXPECT_EQ(outcomeOf(dtd + reply("1", repeat("&m;", 100'000))), Outcome::NotXml);
-        EXPECT_THAT(message_, HasSubstr(each.reasonInText));
-        EXPECT_EQ(outcomeOf(dtd + reply(repeat("&m;", 100'000), "a")), Outcome::NotXml);
-        EXPECT_THAT(message_, HasSubstr(each.reasonInAttribute));
-    }
-    // Nor is one that has no need of them.
-    for (const std::string entity : {"<!ENTITY m 'x'>", "<!ENTITY % m 'x'>"}) {
-        EXPECT_EQ(outcomeOf("<!DOCTYPE cmd [" + entity + "]>" + reply("1", "a")), Outcome::NotXml);
-        EXPECT_THAT(message_, HasSubstr(refusal));
+    for (const auto& [entities, xml, reason] : cases) {
+        EXPECT_EQ(outcomeOf("<!DOCTYPE cmd [" + entities + "]>" + xml), Outcome::NotXml);
+        EXPECT_THAT(message_, HasSubstr(reason));
     }
 }
 
-TEST_F(AHostileReply, ThatIsDeepOrLargeIsBounded) {
-    EXPECT_EQ(outcomeOf(head + repeat("<a>", 1'000'000)), Outcome::NotXml);
-    EXPECT_EQ(outcomeOf(head + repeat("<a>", 200) + repeat("</a>", 200) + "</cmd>"),
-              Outcome::Rejected);
+TEST_F(AHostileReply, ThatIsLargeIsBounded) {
     const std::string name(9'000'000, 'a');
     EXPECT_EQ(handler_.parseReply(reply("1", name)).activationReply->fonts.front().psName, name);
     EXPECT_EQ(outcomeOf(reply("1", name + "&amp;" + name)), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("huge text node"));
-    EXPECT_EQ(outcomeOf(std::string((std::size_t{64} << 20U) + 1, ' ')), Outcome::NotXml);
-    EXPECT_THAT(message_, HasSubstr("exceeds the limit of 67108864 bytes"));
-}
-
-TEST_F(AHostileReply, ThatGrowsByItsDeclarationsIsNotRead) {
-    const std::string dtd =
-        "<!DOCTYPE cmd [<!ATTLIST font syncID CDATA '" + std::string(20'000, 'a') + "'>]>" + head;
-    const std::string start = dtd + "<activationRequestReply><fonts>";
-    const std::string end = "</fonts></activationRequestReply></cmd>";
-    const std::string font = "<font><psName>a</psName></font>";
-    // The schema wants the attribute itself.
-    EXPECT_EQ(outcomeOf(start + repeat(font, 40) + end), Outcome::Rejected);
-    EXPECT_EQ(outcomeOf(start + repeat(font, 5'000) + end), Outcome::NotXml);
 }
 
 TEST_F(AHostileReply, InAnotherNamespaceIsRejected) {

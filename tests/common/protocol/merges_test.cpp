@@ -8,27 +8,9 @@ using namespace Protocol;
 
 namespace {
 
-/// A font whose fields all differ from those of any with another tag.
-Font tagged(const std::string& syncID, const std::string& tag, bool flag) {
-    Font font = soundFont(syncID);
-    font.type = flag ? Font::OT_T1 : Font::T1;
-    font.psName = "ps-" + tag;
-    font.styleName = "style-" + tag;
-    font.familyName = "family-" + tag;
-    font.count = flag ? 3 : 4;
-    font.isActive = flag;
-    font.typeMatchingCount = flag ? 5 : 6;
-    font.isTypeMatchingActive = flag;
-    font.typeMatchingContainerID = "matching-" + tag;
-    font.fontInfos = {{"info-" + tag, "value"}};
-    font.handled = flag;
-    font.containerID = "container-" + tag;
-    font.activationSuccessful = flag;
-    return font;
-}
-
-const Font asked = tagged("b", "asked", false);
-const Font answered = tagged("b", "answered", true);
+// They differ in all fields but the syncID.
+const Font asked = soundFont(fullFont().syncID);
+const Font answered = fullFont();
 
 /// A merge, whatever the messages are: the request's fonts, the reply's, the result.
 struct Merge {

@@ -18,6 +18,26 @@ inline Protocol::Font soundFont(const std::string& syncID = "id") {
     return font;
 }
 
+/// A font without a default in any field.
+inline Protocol::Font fullFont() {
+    Protocol::Font font;
+    font.syncID = "s\"&\n";
+    font.type = Protocol::Font::OT_TT;
+    font.psName = "A&B<]]>";
+    font.styleName = " \xf0\x9f\x98\x80\r";
+    font.familyName = "\xc3\x84";
+    font.count = 4294967295;
+    font.isActive = true;
+    font.typeMatchingCount = 3;
+    font.isTypeMatchingActive = true;
+    font.typeMatchingContainerID = "5";
+    font.fontInfos = {{"1", "one"}, {"2", ""}};
+    font.handled = true;
+    font.containerID = "9";
+    font.activationSuccessful = true;
+    return font;
+}
+
 /// The description of the Orvil::Exception that `action` throws; "" when it throws none.
 inline std::string failureOf(const std::function<void()>& action) {
     try {
