@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 #include <sys/wait.h>
+#include <utility>
 
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -56,11 +57,7 @@ TEST_F(TheExampleProgram, PrintsTheTreeThatItsArgumentsMake) {
 TEST_F(TheExampleProgram, WarnsOfArgumentsThatAreOfNoUse) {
     const std::string missing = (folder / "none.ini").string();
     const std::string readable = file("empty.ini", "");
-    struct Case {
-        std::string argument;
-        const char* warning;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {"server.ini", "ignored, it has no '='"},
         {"-readInFile=" + readable, "ignored, there is no such option"},
         {"-readIniFile=" + missing, "the file cannot be read"},
@@ -71,9 +68,9 @@ TEST_F(TheExampleProgram, WarnsOfArgumentsThatAreOfNoUse) {
         {"..x=1", "no value is found under that name"},
         {"=v", "no value is found under that name"},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(run("a=1 '" + c.argument + "' -readIniFile=" + readable),
-                  "orvil-config: '" + c.argument + "': " + c.warning + "\na[0]=1\n");
+    for (const auto& [argument, warning] : cases) {
+        EXPECT_EQ(run("a=1 '" + argument + "' -readIniFile=" + readable),
+                  "orvil-config: '" + argument + "': " + warning + "\na[0]=1\n");
         EXPECT_EQ(status, 0);
     }
     EXPECT_EQ(run("a=1 -get=b"), "orvil-config: '-get=b': there are no such values\n");
