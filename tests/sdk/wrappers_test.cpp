@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The wrapper classes against tables that count: each reference is given back exactly once, and
-// each error code comes out as an exception.
+// The wrapper classes against tables that count: what they take they give back exactly once.
 #include "ai/spalloc.h"
 #include "ai/unicodestring.h"
 #include "ate/itext.h"
+#include "tests/support/scriptedhost/scriptedhost.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -17,48 +18,10 @@
 
 namespace {
 
-int references = 0;      // of the one text range that the tables know
-ATE::ATEErr failure = 0; // what every call but Release answers
-int texts = 0;           // live host texts
-int blocks = 0;          // live host blocks
+AIErr failure = 0; // what the calls of texts answer
+int texts = 0;     // live host texts
+int blocks = 0;    // live host blocks
 bool outOfMemory = false;
-
-ATE::TextRangeRef rangeRef() {
-    static char object;
-    return reinterpret_cast<ATE::TextRangeRef>(&object);
-}
-
-const ATE::TextRangeSuite rangeSuite = {
-    [](ATE::TextRangeRef) -> ATE::ATEErr {
-        references += failure == 0 ? 1 : 0;
-        return failure;
-    },
-    [](ATE::TextRangeRef) -> ATE::ATEErr {
-        --references;
-        return 0;
-    },
-    nullptr,
-    [](ATE::TextRangeRef, AIBoolean* result) -> ATE::ATEErr {
-        *result = 1;
-        return failure;
-    },
-    nullptr,
-    nullptr,
-};
-
-const ATE::TextRunsIteratorSuite iteratorSuite = {
-    nullptr,
-    [](ATE::TextRunsIteratorRef) -> ATE::ATEErr { return 0; },
-    nullptr,
-    [](ATE::TextRunsIteratorRef, ATE::TextRangeRef* range) -> ATE::ATEErr {
-        if (failure == 0) {
-            *range = rangeRef();
-            ++references;
-        }
-        return failure;
-    },
-    nullptr,
-};
 
 const AIUnicodeStringSuite unicodeSuite = {
     [](const char* bytes, std::size_t size, AIUnicodeStringHandle* text) -> AIErr {
@@ -100,57 +63,53 @@ const SPBasicSuite basicSuite = {
 
 class AWrapper : public testing::Test {
 protected:
-    void SetUp() override {
-        references = texts = blocks = 0;
-        failure = 0;
+    AWrapper() {
+        texts = blocks = 0;
+        failure = kNoErr;
         outOfMemory = false;
-        sTextRange = &rangeSuite;
-        sTextRunsIterator = &iteratorSuite;
+        sTextFrame = &scripted::ateTextFrameTable;
+        sTextRange = &scripted::ateTextRangeTable;
         sAIUnicodeString = &unicodeSuite;
         sSPBasic = &basicSuite;
     }
-    void TearDown() override {
-        EXPECT_EQ(references, 0);
+    ~AWrapper() override {
+        EXPECT_EQ(host_.text.liveReferences(), 0);
         EXPECT_EQ(texts, 0);
         EXPECT_EQ(blocks, 0);
+        sTextFrame = nullptr;
         sTextRange = nullptr;
         sAIUnicodeString = nullptr;
         sSPBasic = nullptr;
     }
+    ATE::ITextRange range() {
+        const ATE::ITextFrame frame(host_.text.frameOf(&host_.addLayer().addText({})));
+        return frame.GetTextRange(true);
+    }
 
-    const ATE::ITextRunsIterator iterator_{reinterpret_cast<ATE::TextRunsIteratorRef>(rangeRef())};
+    scripted::Host host_;
 };
 
 TEST_F(AWrapper, GivesEachReferenceBackOnce) {
-    ATE::ITextRange first = iterator_.Item();
-    EXPECT_EQ(references, 1);
+    ATE::ITextRange first = range();
+    EXPECT_EQ(host_.text.liveReferences(), 1);
     ATE::ITextRange copy = first;
-    EXPECT_EQ(references, 2);
+    EXPECT_EQ(host_.text.liveReferences(), 2);
     const ATE::ITextRange moved = std::move(copy);
-    EXPECT_EQ(references, 2);
+    EXPECT_EQ(host_.text.liveReferences(), 2);
     EXPECT_TRUE(copy.IsNull()); // NOLINT: what a move leaves behind is what is tested
     const ATE::ITextRange& itself = first;
     first = itself;
-    EXPECT_EQ(references, 2);
-    first = iterator_.Item();
-    EXPECT_EQ(references, 2);
-    EXPECT_TRUE(moved.HasLocalCharFeatures());
+    EXPECT_EQ(host_.text.liveReferences(), 2);
+    first = range();
+    EXPECT_EQ(host_.text.liveReferences(), 2);
+    EXPECT_FALSE(moved.HasLocalCharFeatures());
+    EXPECT_THAT(host_.misuse, testing::IsEmpty());
 }
 
-TEST_F(AWrapper, ThrowsTheCodeOfAFailedCall) {
-    const ATE::ITextRange range = iterator_.Item();
-    failure = 17;
-    const auto codeOf = [](auto&& call) {
-        try {
-            call();
-        } catch (const ATE::Exception& exception) {
-            return exception.error;
-        }
-        return ATE::ATEErr{0};
-    };
-    EXPECT_EQ(codeOf([&] { static_cast<void>(range.HasLocalCharFeatures()); }), 17);
-    EXPECT_EQ(codeOf([&] { static_cast<void>(iterator_.Item()); }), 17);
-    EXPECT_EQ(codeOf([&] { const ATE::ITextRange copy = range; }), 17); // NOLINT: the copy throws
+TEST_F(AWrapper, IsNotCopiedWhereTheCopyCannotBeCounted) {
+    const ATE::ITextRange dead = range();
+    sTextRange->Release(dead.GetRef());
+    EXPECT_THROW(const ATE::ITextRange copy = dead, ATE::Exception); // NOLINT: the copy throws
 }
 
 TEST_F(AWrapper, KeepsHostTextsAsValues) {

@@ -11,6 +11,60 @@
 #include <utility>
 #include <vector>
 
+// The messages that have an operation, and what the base class answers to each.
+#define MESSAGES(X)                                                                                \
+    X("SP Access", "Unload", UnloadPlugin, kNoErr)                                                 \
+    X("SP Access", "Reload", ReloadPlugin, kNoErr)                                                 \
+    X("SP Interface", "About", About, kNoErr)                                                      \
+    X("SP Properties", "Acquire", AcquireProperty, kUnhandledMsgErr)                               \
+    X("SP Properties", "Release", ReleaseProperty, kUnhandledMsgErr)                               \
+    X("Action Manager", "Do Action", GoAction, kNoErr)                                             \
+    X("AI Menu", "AI Go", GoMenuItem, kUnhandledMsgErr)                                            \
+    X("AI Menu", "AI Update", UpdateMenuItem, kUnhandledMsgErr)                                    \
+    X("AI Filter", "AI Get Parameters", GetFilterParameters, kUnhandledMsgErr)                     \
+    X("AI Filter", "AI Go", GoFilter, kUnhandledMsgErr)                                            \
+    X("AI Plugin Group", "AI Notify Edits", PluginGroupNotify, kUnhandledMsgErr)                   \
+    X("AI Plugin Group", "AI Update", PluginGroupUpdate, kUnhandledMsgErr)                         \
+    X("AI File Format", "AI Get Parameters", GetFileFormatParameters, kUnhandledMsgErr)            \
+    X("AI File Format", "AI Go", GoFileFormat, kUnhandledMsgErr)                                   \
+    X("AI File Format", "AI Check", CheckFileFormat, kUnhandledMsgErr)                             \
+    X("AI File Format", "AI Update AI140", FileFormatUpdate, kUnhandledMsgErr)                     \
+    X("AI File Format", "Do Action", SetFileFormatParameters, kUnhandledMsgErr)                    \
+    X("AI Tool", "AI Edit Options", EditTool, kUnhandledMsgErr)                                    \
+    X("AI Tool", "AI Track Cursor", TrackToolCursor, kUnhandledMsgErr)                             \
+    X("AI Tool", "AI Mouse Down", ToolMouseDown, kUnhandledMsgErr)                                 \
+    X("AI Tool", "AI Mouse Drag", ToolMouseDrag, kUnhandledMsgErr)                                 \
+    X("AI Tool", "AI Mouse Up", ToolMouseUp, kUnhandledMsgErr)                                     \
+    X("AI Tool", "AI Select", SelectTool, kUnhandledMsgErr)                                        \
+    X("AI Tool", "AI Deselect", DeselectTool, kUnhandledMsgErr)                                    \
+    X("AI Tool", "AI Reselect", ReselectTool, kNoErr)                                              \
+    X("AI Tool", "AI Decrease Diameter", DecreaseDiameter, kNoErr)                                 \
+    X("AI Tool", "AI Increase Diameter", IncreaseDiameter, kNoErr)                                 \
+    X("AI Live Effect", "AI Live Effect Edit Parameters", EditLiveEffectParameters,                \
+      kUnhandledMsgErr)                                                                            \
+    X("AI Live Effect", "AI Live Effect Go Live", GoLiveEffect, kUnhandledMsgErr)                  \
+    X("AI Live Effect", "AI Live Effect Interpolate Parameters", LiveEffectInterpolate,            \
+      kUnhandledMsgErr)                                                                            \
+    X("AI Live Effect", "AI Live Effect Input Type", LiveEffectGetInputType, kUnhandledMsgErr)     \
+    X("AI Live Effect", "AI Live Effect Scale Parameters", LiveEffectScaleParameters,              \
+      kUnhandledMsgErr)                                                                            \
+    X("AI Live Effect", "AI Live Effect Convert Color Space", LiveEffectConvertColorSpace,         \
+      kUnhandledMsgErr)                                                                            \
+    X("AI Live Effect", "AI Live Effect Adjust Colors", LiveEffectAdjustColors, kUnhandledMsgErr)  \
+    X("AI Live Effect", "AI Live Effect Handle Merge", LiveEffectHandleMerge, kUnhandledMsgErr)    \
+    X("AI Timer", "AI Go", GoTimer, kUnhandledMsgErr)                                              \
+    X("AI Clipboard", "AI Go", GoClipboard, kUnhandledMsgErr)                                      \
+    X("AI Clipboard", "AI Can Copy", CanCopyClipboard, kUnhandledMsgErr)                           \
+    X("AI Clipboard", "AI Clone", CloneClipboard, kUnhandledMsgErr)                                \
+    X("AI Clipboard", "AI Dispose", DisposeClipboard, kUnhandledMsgErr)                            \
+    X("Workspace Manager", "Write Woskspace", WorkspaceWrite, kUnhandledMsgErr)                    \
+    X("Workspace Manager", "Restore Woskspace", WorkspaceRestore, kUnhandledMsgErr)                \
+    X("Workspace Manager", "Default Woskspace", WorkspaceDefault, kUnhandledMsgErr)
+
+/// Only for its type: the message that an operation takes.
+template <typename Message>
+Message* messageOf(AIErr (Plugin::*operation)(Message*));
+
 class RecordingPlugin : public Plugin {
 public:
     explicit RecordingPlugin(scripted::Host& host) : Plugin(&host.plugin) {
@@ -46,61 +100,14 @@ public:
     }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): types and names take none
-#define RECORD(operation, Message)                                                                 \
-    AIErr operation(Message* message) override {                                                   \
-        return note(#operation, message);                                                          \
+#define RECORD(caller, selector, operation, baseAnswer)                                            \
+    AIErr operation(decltype(messageOf(&Plugin::operation)) message) override {                    \
+        calls.emplace_back(#operation, message);                                                   \
+        return result;                                                                             \
     }
     // NOLINTEND(bugprone-macro-parentheses)
-    RECORD(ShutdownPlugin, SPInterfaceMessage)
-    RECORD(UnloadPlugin, SPAccessMessage)
-    RECORD(ReloadPlugin, SPAccessMessage)
-    RECORD(AcquireProperty, SPPropertiesMessage)
-    RECORD(ReleaseProperty, SPPropertiesMessage)
-    RECORD(About, SPInterfaceMessage)
-    RECORD(Notify, AINotifierMessage)
-    RECORD(GoAction, DoActionMessage)
-    RECORD(GoMenuItem, AIMenuMessage)
-    RECORD(UpdateMenuItem, AIMenuMessage)
-    RECORD(GetFilterParameters, AIFilterMessage)
-    RECORD(GoFilter, AIFilterMessage)
-    RECORD(PluginGroupNotify, AIPluginGroupMessage)
-    RECORD(PluginGroupUpdate, AIPluginGroupMessage)
-    RECORD(GetFileFormatParameters, AIFileFormatMessage)
-    RECORD(GoFileFormat, AIFileFormatMessage)
-    RECORD(CheckFileFormat, AIFileFormatMessage)
-    RECORD(FileFormatUpdate, AIUpdateFileFormatMessage)
-    RECORD(SetFileFormatParameters, DoActionMessage)
-    RECORD(EditTool, AIToolMessage)
-    RECORD(TrackToolCursor, AIToolMessage)
-    RECORD(ToolMouseDown, AIToolMessage)
-    RECORD(ToolMouseDrag, AIToolMessage)
-    RECORD(ToolMouseUp, AIToolMessage)
-    RECORD(SelectTool, AIToolMessage)
-    RECORD(DeselectTool, AIToolMessage)
-    RECORD(ReselectTool, AIToolMessage)
-    RECORD(DecreaseDiameter, AIToolMessage)
-    RECORD(IncreaseDiameter, AIToolMessage)
-    RECORD(EditLiveEffectParameters, AILiveEffectEditParamMessage)
-    RECORD(GoLiveEffect, AILiveEffectGoMessage)
-    RECORD(LiveEffectInterpolate, AILiveEffectInterpParamMessage)
-    RECORD(LiveEffectGetInputType, AILiveEffectInputTypeMessage)
-    RECORD(LiveEffectConvertColorSpace, AILiveEffectConvertColorMessage)
-    RECORD(LiveEffectScaleParameters, AILiveEffectScaleParamMessage)
-    RECORD(LiveEffectAdjustColors, AILiveEffectAdjustColorsMessage)
-    RECORD(LiveEffectHandleMerge, AILiveEffectHandleMergeMessage)
-    RECORD(GoTimer, AITimerMessage)
-    RECORD(GoClipboard, AIClipboardMessage)
-    RECORD(CanCopyClipboard, AIClipboardMessage)
-    RECORD(CloneClipboard, AIClipboardMessage)
-    RECORD(DisposeClipboard, AIClipboardMessage)
-    RECORD(WorkspaceWrite, WorkspaceMessage)
-    RECORD(WorkspaceRestore, WorkspaceMessage)
-    RECORD(WorkspaceDefault, WorkspaceMessage)
+    MESSAGES(RECORD)
+    RECORD(, , ShutdownPlugin, )
+    RECORD(, , Notify, )
 #undef RECORD
-
-private:
-    AIErr note(const char* operation, void* message) {
-        calls.emplace_back(operation, message);
-        return result;
-    }
 };

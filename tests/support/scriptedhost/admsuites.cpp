@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Alerts, texts and the locale of the scripted host.
-#include "tests/support/scriptedhost/admsuites.h"
-
 #include "tests/support/scriptedhost/scriptedhost.h"
 
 #include <cstring>
 
 namespace scripted {
-
-namespace {
 
 void copyText(const std::string& text, char* buffer, std::int32_t size) {
     const std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
@@ -16,16 +12,14 @@ void copyText(const std::string& text, char* buffer, std::int32_t size) {
     buffer[length] = '\0';
 }
 
-} // namespace
-
 const ADMBasicSuite admBasicTable = {
     .GetIndexString = [](SPPluginRef plugin, std::int32_t listID, std::int32_t index, char* buffer,
                          std::int32_t size) -> ADMErr {
         Host& host = Host::current();
-        const AIErr error = host.enter("GetIndexString");
         buffer[0] = '\0';
-        if (error != kNoErr || plugin != &host.plugin) {
-            return error != kNoErr ? error : kBadParameterErr;
+        const AIErr error = host.enter("GetIndexString", plugin == &host.plugin);
+        if (error != kNoErr) {
+            return error;
         }
         const auto list = host.strings.find(listID);
         if (list == host.strings.end() || !list->second.contains(index)) {

@@ -3,7 +3,6 @@
 #include "tests/support/scriptedhost/scriptedhost.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace scripted {
 
@@ -11,15 +10,11 @@ namespace {
 
 AIErr copyName(const char* call, AIFontKey key, std::string AIFontFace::*member, char* name,
                std::int32_t size) {
-    const AIErr error = Host::current().enter(call);
-    if (error != kNoErr || key == nullptr) {
-        return error != kNoErr ? error : kBadParameterErr;
+    const AIErr error = Host::current().enter(call, key != nullptr);
+    if (error == kNoErr) {
+        copyText(key->*member, name, size);
     }
-    const std::string& text = key->*member;
-    const std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
-    std::memcpy(name, text.data(), length);
-    name[length] = '\0';
-    return kNoErr;
+    return error;
 }
 
 AILayer* layerAfter(std::size_t index) {
@@ -90,12 +85,11 @@ const AIArtSuite artTable = {
 
 const AITextFrameSuite textFrameTable = {
     .GetATETextFrame = [](AIArtHandle art, ATE::TextFrameRef* frame) -> AIErr {
-        const AIErr error = Host::current().enter("GetATETextFrame");
-        if (error != kNoErr || art->type != kTextFrameArt) {
-            return error != kNoErr ? error : kBadParameterErr;
+        const AIErr error = Host::current().enter("GetATETextFrame", art->type == kTextFrameArt);
+        if (error == kNoErr) {
+            *frame = Host::current().text.frameOf(art);
         }
-        *frame = Host::current().text.frameOf(art);
-        return kNoErr;
+        return error;
     },
 };
 
@@ -124,19 +118,18 @@ const AIFontSuite fontTable = {
         return copyName("GetUserFontName", key, &AIFontFace::userName, name, size);
     },
     .GetFontStyle = [](AIFontKey key, AIFontStyleRecord* record) -> AIErr {
-        const AIErr error = Host::current().enter("GetFontStyle");
-        if (error != kNoErr || key == nullptr) {
-            return error != kNoErr ? error : kBadParameterErr;
+        const AIErr error = Host::current().enter("GetFontStyle", key != nullptr);
+        if (error == kNoErr) {
+            *record = key->style;
         }
-        *record = key->style;
-        return kNoErr;
+        return error;
     },
     .FindFont = [](const char* name, std::int32_t technology, std::int32_t script,
                    std::int32_t match, AIFontKey* key) -> AIErr {
-        const AIErr error = Host::current().enter("FindFont");
-        if (error != kNoErr || technology != kAIAnyFontTechnology || script != kAINoFontScript ||
-            match != kAIMatchAllFontNames) {
-            return error != kNoErr ? error : kBadParameterErr;
+        const bool ok = technology == kAIAnyFontTechnology && script == kAINoFontScript &&
+                        match == kAIMatchAllFontNames;
+        if (const AIErr error = Host::current().enter("FindFont", ok); error != kNoErr) {
+            return error;
         }
         const auto& fonts = Host::current().fonts;
         const auto found = std::find_if(fonts.begin(), fonts.end(), [name](const auto& face) {
@@ -148,14 +141,8 @@ const AIFontSuite fontTable = {
         *key = found->get();
         return kNoErr;
     },
-    .CountFonts = [](std::int32_t* count) -> AIErr {
-        *count = static_cast<std::int32_t>(Host::current().fonts.size());
-        return Host::current().enter("CountFonts");
-    },
-    .GetNthFont = [](std::int32_t n, AIFontKey* key) -> AIErr {
-        *key = Host::current().fonts[static_cast<std::size_t>(n)].get();
-        return Host::current().enter("GetNthFont");
-    },
+    .CountFonts = nullptr,
+    .GetNthFont = nullptr,
 };
 
 } // namespace scripted

@@ -4,25 +4,34 @@
 #include "tests/support/scriptedhost/scriptedhost.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace scripted {
 
 namespace {
 
+/// Registers `value` and hands it out, if `ok`.
+template <typename T>
+AIErr add(const char* call, bool ok, std::vector<std::unique_ptr<T>>& all, T value, T** result) {
+    const AIErr error = Host::current().enter(call, ok);
+    if (error == kNoErr) {
+        T* const added = all.emplace_back(std::make_unique<T>(std::move(value))).get();
+        if (result != nullptr) {
+            *result = added;
+        }
+    }
+    return error;
+}
+
 /// Finds element `n` of what is registered.
 template <typename T>
 AIErr nth(const char* call, const std::vector<std::unique_ptr<T>>& all, std::int32_t n,
           T** result) {
-    const AIErr error = Host::current().enter(call);
-    if (error != kNoErr) {
-        return error;
+    const auto index = static_cast<std::size_t>(n);
+    const AIErr error = Host::current().enter(call, index < all.size());
+    if (error == kNoErr) {
+        *result = all[index].get();
     }
-    if (n < 0 || static_cast<std::size_t>(n) >= all.size()) {
-        return kBadParameterErr;
-    }
-    *result = all[static_cast<std::size_t>(n)].get();
-    return kNoErr;
+    return error;
 }
 
 template <typename T>
@@ -34,12 +43,11 @@ AIErr count(const char* call, const std::vector<std::unique_ptr<T>>& all, std::i
 /// Gives what `value` makes of a registered object.
 template <typename T, typename Value, typename Result>
 AIErr tell(const char* call, const T* object, Value value, Result* result) {
-    const AIErr error = Host::current().enter(call);
-    if (error != kNoErr || object == nullptr) {
-        return error != kNoErr ? error : kBadParameterErr;
+    const AIErr error = Host::current().enter(call, object != nullptr);
+    if (error == kNoErr) {
+        *result = value(*object);
     }
-    *result = value(*object);
-    return kNoErr;
+    return error;
 }
 
 } // namespace
@@ -74,32 +82,20 @@ const SPBasicSuite basicTable = {
         }
         return kNoErr;
     },
-    .AllocateBlock = [](std::size_t size, void** block) -> SPErr {
-        *block = std::malloc(size);
-        return *block != nullptr ? kNoErr : kOutOfMemoryErr;
-    },
-    .FreeBlock = [](void* block) -> SPErr {
-        std::free(block);
-        return kNoErr;
-    },
+    .AllocateBlock = nullptr,
+    .FreeBlock = nullptr,
 };
 
 const SPAccessSuite accessTable = {
     .AcquirePlugin = [](SPPluginRef plugin, SPAccessRef* access) -> SPErr {
-        Host& host = Host::current();
-        if (const AIErr error = host.enter("AcquirePlugin"); error != kNoErr) {
-            return error;
-        }
-        *access = host.accesses.emplace_back(std::make_unique<SPAccess>(SPAccess{plugin})).get();
-        return kNoErr;
+        return add("AcquirePlugin", true, Host::current().accesses, SPAccess{plugin}, access);
     },
     .ReleasePlugin = [](SPAccessRef access) -> SPErr {
         Host& host = Host::current();
         const bool erased = std::erase_if(host.accesses, [access](const auto& held) {
                                 return held.get() == access;
                             }) == 1;
-        const AIErr error = host.enter("ReleasePlugin");
-        return error == kNoErr && !erased ? kBadParameterErr : error;
+        return host.enter("ReleasePlugin", erased);
     },
 };
 
@@ -116,16 +112,8 @@ const SPPluginsSuite pluginsTable = {
 const AINotifierSuite notifierTable = {
     .AddNotifier = [](SPPluginRef self, const char* name, const char* type,
                       AINotifierHandle* notifier) -> AIErr {
-        Host& host = Host::current();
-        if (const AIErr error = host.enter("AddNotifier"); error != kNoErr) {
-            return error;
-        }
-        auto& added =
-            host.notifiers.emplace_back(std::make_unique<AINotifier>(AINotifier{self, name, type}));
-        if (notifier != nullptr) {
-            *notifier = added.get();
-        }
-        return kNoErr;
+        return add("AddNotifier", true, Host::current().notifiers, AINotifier{self, name, type},
+                   notifier);
     },
     .CountNotifiers = [](std::int32_t* result) -> AIErr {
         return count("CountNotifiers", Host::current().notifiers, result);
@@ -146,22 +134,15 @@ const AINotifierSuite notifierTable = {
 const AITimerSuite timerTable = {
     .AddTimer = [](SPPluginRef self, const char* name, std::int32_t period,
                    AITimerHandle* timer) -> AIErr {
-        Host& host = Host::current();
-        if (const AIErr error = host.enter("AddTimer"); error != kNoErr) {
-            return error;
-        }
-        *timer =
-            host.timers.emplace_back(std::make_unique<AITimer>(AITimer{self, name, period, true}))
-                .get();
-        return kNoErr;
+        return add("AddTimer", true, Host::current().timers, AITimer{self, name, period, true},
+                   timer);
     },
     .SetTimerActive = [](AITimerHandle timer, AIBoolean active) -> AIErr {
-        const AIErr error = Host::current().enter("SetTimerActive");
-        if (error != kNoErr || timer == nullptr) {
-            return error != kNoErr ? error : kBadParameterErr;
+        const AIErr error = Host::current().enter("SetTimerActive", timer != nullptr);
+        if (error == kNoErr) {
+            timer->active = active != 0;
         }
-        timer->active = active != 0;
-        return kNoErr;
+        return error;
     },
     .CountTimers = [](std::int32_t* result) -> AIErr {
         return count("CountTimers", Host::current().timers, result);
@@ -182,13 +163,8 @@ const AITimerSuite timerTable = {
 const AIAppContextSuite contextTable = {
     .PushAppContext = [](SPPluginRef plugin, AIAppContextHandle* context) -> AIErr {
         Host& host = Host::current();
-        if (const AIErr error = host.enter("PushAppContext"); error != kNoErr) {
-            return error;
-        }
         host.contextOwners.push_back(plugin);
-        *context =
-            host.contexts.emplace_back(std::make_unique<AIAppContext>(AIAppContext{plugin})).get();
-        return kNoErr;
+        return add("PushAppContext", true, host.contexts, AIAppContext{plugin}, context);
     },
     .PopAppContext = [](AIAppContextHandle context) -> AIErr {
         Host& host = Host::current();
@@ -205,34 +181,16 @@ const AIMenuSuite menuTable = {
     .AddMenuItem = [](SPPluginRef, const char* name, const char* groupName, const char* itemText,
                       std::int32_t, AIMenuItemHandle* item) -> AIErr {
         Host& host = Host::current();
-        if (const AIErr error = host.enter("AddMenuItem"); error != kNoErr) {
-            return error;
-        }
         const bool known =
             std::any_of(host.menuGroups.begin(), host.menuGroups.end(),
                         [groupName](const auto& group) { return group->name == groupName; });
-        if (!known) {
-            return kBadParameterErr;
-        }
-        *item =
-            host.menuItems
-                .emplace_back(std::make_unique<AIMenuItem>(AIMenuItem{name, groupName, itemText}))
-                .get();
-        return kNoErr;
+        return add("AddMenuItem", known, host.menuItems, AIMenuItem{name, groupName, itemText},
+                   item);
     },
     .AddMenuGroupAsSubMenu = [](const char* name, std::int32_t, AIMenuItemHandle parent,
                                 AIMenuGroup* group) -> AIErr {
-        Host& host = Host::current();
-        if (const AIErr error = host.enter("AddMenuGroupAsSubMenu"); error != kNoErr) {
-            return error;
-        }
-        if (parent == nullptr) {
-            return kBadParameterErr;
-        }
-        *group = host.menuGroups
-                     .emplace_back(std::make_unique<AIMenuGroupRecord>(AIMenuGroupRecord{name}))
-                     .get();
-        return kNoErr;
+        return add("AddMenuGroupAsSubMenu", parent != nullptr, Host::current().menuGroups,
+                   AIMenuGroupRecord{name}, group);
     },
     .CountMenuGroups = [](std::int32_t* result) -> AIErr {
         return count("CountMenuGroups", Host::current().menuGroups, result);

@@ -4,7 +4,6 @@
 
 #include "suitelist.h"
 #include "suitepointers.h"
-#include "tests/support/scriptedhost/admsuites.h"
 
 #include <algorithm>
 
@@ -43,27 +42,7 @@ const void* tableOf() {
     const void* tableOf<type>() {                                                                  \
         return &(table);                                                                           \
     }
-SCRIPTED_TABLE(SPAccessSuite, accessTable)
-SCRIPTED_TABLE(SPPluginsSuite, pluginsTable)
-SCRIPTED_TABLE(AINotifierSuite, notifierTable)
-SCRIPTED_TABLE(AITimerSuite, timerTable)
-SCRIPTED_TABLE(AIAppContextSuite, contextTable)
-SCRIPTED_TABLE(AIMenuSuite, menuTable)
-SCRIPTED_TABLE(AIDocumentSuite, documentTable)
-SCRIPTED_TABLE(AIDocumentListSuite, documentListTable)
-SCRIPTED_TABLE(AILayerSuite, layerTable)
-SCRIPTED_TABLE(AIArtSuite, artTable)
-SCRIPTED_TABLE(AITextFrameSuite, textFrameTable)
-SCRIPTED_TABLE(AIFontSuite, fontTable)
-SCRIPTED_TABLE(ADMBasicSuite, admBasicTable)
-SCRIPTED_TABLE(ADMHostSuite, admHostTable)
-SCRIPTED_TABLE(ATE::TextFrameSuite, ateTextFrameTable)
-SCRIPTED_TABLE(ATE::TextRangeSuite, ateTextRangeTable)
-SCRIPTED_TABLE(ATE::TextRunsIteratorSuite, ateRunsTable)
-SCRIPTED_TABLE(ATE::CharInspectorSuite, ateInspectorTable)
-SCRIPTED_TABLE(ATE::ArrayFontRefSuite, ateFontArrayTable)
-SCRIPTED_TABLE(ATE::FontSuite, ateFontTable)
-SCRIPTED_TABLE(ATE::CharFeaturesSuite, ateFeaturesTable)
+SCRIPTED_TABLES(SCRIPTED_TABLE)
 #undef SCRIPTED_TABLE
 
 } // namespace
@@ -116,15 +95,17 @@ void Host::fail(const std::string& name, AIErr error, int nth) {
     faults_[name] = Fault{error, nth, 0};
 }
 
-AIErr Host::enter(const char* name) {
+AIErr Host::enter(const char* name, bool ok) {
     calls.emplace_back(name);
     const auto found = faults_.find(std::string_view(name));
-    if (found == faults_.end()) {
-        return kNoErr;
+    if (found != faults_.end()) {
+        Fault& fault = found->second;
+        ++fault.seen;
+        if (fault.error != kNoErr && (fault.nth == 0 || fault.nth == fault.seen)) {
+            return fault.error;
+        }
     }
-    Fault& fault = found->second;
-    ++fault.seen;
-    return fault.nth == 0 || fault.nth == fault.seen ? fault.error : kNoErr;
+    return ok ? kNoErr : kBadParameterErr;
 }
 
 int Host::callsOf(std::string_view name) const {

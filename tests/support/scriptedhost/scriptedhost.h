@@ -3,6 +3,7 @@
 // so, and show the small document that the test has built.
 #pragma once
 
+#include "adm/suites.h"
 #include "ai/messages.h"
 #include "ai/suites.h"
 #include "sp/messages.h"
@@ -148,8 +149,9 @@ public:
 
     TextEngine text;
 
-    /// For the tables: notes the call; the fault that a test wants, or 0.
-    AIErr enter(const char* name);
+    /// For the tables: notes the call; the fault that a test wants, kBadParameterErr unless `ok`,
+    /// or 0.
+    AIErr enter(const char* name, bool ok = true);
 
 private:
     struct Fault {
@@ -163,19 +165,35 @@ private:
 /// The table of a suite by name and version; null when there is none.
 const void* findSuite(std::string_view name, std::int32_t version);
 
-// The tables, by the files that hold them.
+/// Copies what fits into `size` bytes, and a zero behind it.
+void copyText(const std::string& text, char* buffer, std::int32_t size);
+
+// The tables of those suites that have calls.
+#define SCRIPTED_TABLES(X)                                                                         \
+    X(SPAccessSuite, accessTable)                                                                  \
+    X(SPPluginsSuite, pluginsTable)                                                                \
+    X(AINotifierSuite, notifierTable)                                                              \
+    X(AITimerSuite, timerTable)                                                                    \
+    X(AIAppContextSuite, contextTable)                                                             \
+    X(AIMenuSuite, menuTable)                                                                      \
+    X(AIDocumentSuite, documentTable)                                                              \
+    X(AIDocumentListSuite, documentListTable)                                                      \
+    X(AILayerSuite, layerTable)                                                                    \
+    X(AIArtSuite, artTable)                                                                        \
+    X(AITextFrameSuite, textFrameTable)                                                            \
+    X(AIFontSuite, fontTable)                                                                      \
+    X(ADMBasicSuite, admBasicTable)                                                                \
+    X(ADMHostSuite, admHostTable)                                                                  \
+    X(ATE::TextFrameSuite, ateTextFrameTable)                                                      \
+    X(ATE::TextRangeSuite, ateTextRangeTable)                                                      \
+    X(ATE::TextRunsIteratorSuite, ateRunsTable)                                                    \
+    X(ATE::CharInspectorSuite, ateInspectorTable)                                                  \
+    X(ATE::ArrayFontRefSuite, ateFontArrayTable)                                                   \
+    X(ATE::FontSuite, ateFontTable)                                                                \
+    X(ATE::CharFeaturesSuite, ateFeaturesTable)
+#define SCRIPTED_DECLARE(type, table) extern const type table;
+SCRIPTED_TABLES(SCRIPTED_DECLARE)
+#undef SCRIPTED_DECLARE
 extern const SPBasicSuite basicTable;
-extern const SPAccessSuite accessTable;
-extern const SPPluginsSuite pluginsTable;
-extern const AINotifierSuite notifierTable;
-extern const AITimerSuite timerTable;
-extern const AIAppContextSuite contextTable;
-extern const AIMenuSuite menuTable;
-extern const AIDocumentSuite documentTable;
-extern const AIDocumentListSuite documentListTable;
-extern const AILayerSuite layerTable;
-extern const AIArtSuite artTable;
-extern const AITextFrameSuite textFrameTable;
-extern const AIFontSuite fontTable;
 
 } // namespace scripted

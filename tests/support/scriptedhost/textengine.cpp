@@ -9,26 +9,13 @@
 
 namespace ATE {
 
-/// Some runs of a text frame.
-struct RunsObject : scripted::TextObject {
-    AIArt* art = nullptr;
-    std::size_t run = 0;
-    std::size_t endRun = 0;
-};
-struct TextFrameObject : RunsObject {};
-struct TextRangeObject : RunsObject {};
-struct TextRunsIteratorObject : RunsObject {};
-struct FontsObject : scripted::TextObject {
-    std::vector<AIFontKey> fonts;
-};
-struct CharInspectorObject : FontsObject {};
-struct ArrayFontRefObject : FontsObject {};
-struct FontObject : scripted::TextObject {
-    AIFontKey key = nullptr;
-};
-struct CharFeaturesObject : scripted::TextObject {
-    AIFontKey font = nullptr;
-};
+struct TextFrameObject : scripted::TextObject {};
+struct TextRangeObject : scripted::TextObject {};
+struct TextRunsIteratorObject : scripted::TextObject {};
+struct CharInspectorObject : scripted::TextObject {};
+struct ArrayFontRefObject : scripted::TextObject {};
+struct FontObject : scripted::TextObject {};
+struct CharFeaturesObject : scripted::TextObject {};
 
 } // namespace ATE
 
@@ -49,21 +36,12 @@ bool isDead(const TextObject* object, const char* call) {
     return true;
 }
 
-template <typename T>
-ATEErr addRef(T* object) {
-    if (isDead(object, "AddRef")) {
+template <int Step, typename T>
+ATEErr count(T* object) {
+    if (isDead(object, Step > 0 ? "AddRef" : "Release")) {
         return deadReference;
     }
-    ++object->count;
-    return 0;
-}
-
-template <typename T>
-ATEErr release(T* object) {
-    if (isDead(object, "Release")) {
-        return deadReference;
-    }
-    --object->count;
+    object->count += Step;
     return 0;
 }
 
@@ -82,7 +60,7 @@ T* make() {
 
 /// Hands a new object with runs `run` to `endRun` out.
 template <typename T>
-ATEErr giveRuns(const ATE::RunsObject& from, std::size_t endRun, T** result) {
+ATEErr giveRuns(const TextObject& from, std::size_t endRun, T** result) {
     *result = make<T>();
     (*result)->art = from.art;
     (*result)->run = from.run;
@@ -101,7 +79,7 @@ ATE::TextFrameRef TextEngine::frameOf(AIArtHandle art) {
 
 ATE::FontRef TextEngine::fontOf(AIFontKey key) {
     auto* const font = keep(std::make_unique<ATE::FontObject>());
-    font->key = key;
+    font->fonts = {key};
     return font;
 }
 
@@ -112,12 +90,12 @@ int TextEngine::liveReferences() const {
 }
 
 AIFontKey keyOf(ATE::FontRef font) {
-    return isDead(font, "FontKeyFromFont") ? nullptr : font->key;
+    return isDead(font, "FontKeyFromFont") ? nullptr : font->fonts.at(0);
 }
 
 const ATE::TextFrameSuite ateTextFrameTable = {
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .GetTextRange = [](ATE::TextFrameRef frame, AIBoolean /*includeOverflow*/,
                        ATE::TextRangeRef* range) -> ATEErr {
         const ATEErr error = enter("GetTextRange", frame);
@@ -126,8 +104,8 @@ const ATE::TextFrameSuite ateTextFrameTable = {
 };
 
 const ATE::TextRangeSuite ateTextRangeTable = {
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .GetTextRunsIterator = [](ATE::TextRangeRef range,
                               ATE::TextRunsIteratorRef* iterator) -> ATEErr {
         const ATEErr error = enter("GetTextRunsIterator", range);
@@ -155,15 +133,15 @@ const ATE::TextRangeSuite ateTextRangeTable = {
             error = deadReference;
         }
         for (std::size_t run = range->run; error == 0 && run < range->endRun; ++run) {
-            range->art->runs[run] = {features->font};
+            range->art->runs[run] = features->fonts;
         }
         return error;
     },
 };
 
 const ATE::TextRunsIteratorSuite ateRunsTable = {
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .IsDone = [](ATE::TextRunsIteratorRef iterator, AIBoolean* done) -> ATEErr {
         const ATEErr error = enter("IsDone", iterator);
         *done = error != 0 || iterator->run >= iterator->endRun ? 1 : 0;
@@ -187,8 +165,8 @@ const ATE::TextRunsIteratorSuite ateRunsTable = {
 };
 
 const ATE::CharInspectorSuite ateInspectorTable = {
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .GetFont = [](ATE::CharInspectorRef inspector, ATE::ArrayFontRefRef* fonts) -> ATEErr {
         const ATEErr error = enter("GetFont", inspector);
         if (error == 0) {
@@ -200,8 +178,8 @@ const ATE::CharInspectorSuite ateInspectorTable = {
 };
 
 const ATE::ArrayFontRefSuite ateFontArrayTable = {
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .GetSize = [](ATE::ArrayFontRefRef array, std::int32_t* size) -> ATEErr {
         const ATEErr error = enter("GetSize", array);
         *size = error == 0 ? static_cast<std::int32_t>(array->fonts.size()) : 0;
@@ -220,7 +198,7 @@ const ATE::ArrayFontRefSuite ateFontArrayTable = {
     },
 };
 
-const ATE::FontSuite ateFontTable = {.AddRef = addRef, .Release = release};
+const ATE::FontSuite ateFontTable = {.AddRef = count<1>, .Release = count<-1>};
 
 const ATE::CharFeaturesSuite ateFeaturesTable = {
     .Create = [](ATE::CharFeaturesRef* features) -> ATEErr {
@@ -228,12 +206,12 @@ const ATE::CharFeaturesSuite ateFeaturesTable = {
         *features = error == 0 ? make<ATE::CharFeaturesObject>() : nullptr;
         return error;
     },
-    .AddRef = addRef,
-    .Release = release,
+    .AddRef = count<1>,
+    .Release = count<-1>,
     .SetFont = [](ATE::CharFeaturesRef features, ATE::FontRef font) -> ATEErr {
         const ATEErr error = enter("SetFont", features);
         if (error == 0) {
-            features->font = keyOf(font);
+            features->fonts = {keyOf(font)};
         }
         return error;
     },

@@ -10,10 +10,15 @@
 
 namespace scripted {
 
-/// What all references point to. Dead objects are kept, so that using one is noticed.
+/// What all references point to: some runs of a text frame, or fonts. Dead objects are kept, so
+/// that using one is noticed.
 struct TextObject {
     virtual ~TextObject() = default;
     int count = 1;
+    AIArt* art = nullptr;
+    std::size_t run = 0;
+    std::size_t endRun = 0;
+    std::vector<AIFontKey> fonts;
 };
 
 class TextEngine {
@@ -37,13 +42,5 @@ private:
 };
 
 AIFontKey keyOf(ATE::FontRef font);
-
-extern const ATE::TextFrameSuite ateTextFrameTable;
-extern const ATE::TextRangeSuite ateTextRangeTable;
-extern const ATE::TextRunsIteratorSuite ateRunsTable;
-extern const ATE::CharInspectorSuite ateInspectorTable;
-extern const ATE::ArrayFontRefSuite ateFontArrayTable;
-extern const ATE::FontSuite ateFontTable;
-extern const ATE::CharFeaturesSuite ateFeaturesTable;
 
 } // namespace scripted
