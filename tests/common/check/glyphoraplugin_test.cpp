@@ -88,24 +88,24 @@ TEST_F(GlyphoraAtWork, FindsItsHandlesAgainAfterAReload) {
     std::vector<std::unique_ptr<AINotifier>> old;
     old.swap(host.notifiers);
     // Of one type and owner there may be several: the last one counts.
-    host.notifiers.push_back(std::make_unique<AINotifier>(
-        AINotifier{&host.plugin, "GlyphoraPlugin", "AI Application Started Notifier"}));
+    const auto addNotifier = [this](SPPlugin& owner, const char* type) {
+        AINotifier notifier{&owner, "GlyphoraPlugin", type};
+        host.notifiers.push_back(std::make_unique<AINotifier>(std::move(notifier)));
+    };
+    addNotifier(host.plugin, "AI Application Started Notifier");
     AINotifier& first = *host.notifiers.front();
     for (const char* type : {"AI Document Opened Notifier", "AI Document Changed Notifier",
                              "AI Application Started Notifier"}) {
-        host.notifiers.push_back(
-            std::make_unique<AINotifier>(AINotifier{&host.plugin, "GlyphoraPlugin", type}));
-        host.notifiers.push_back(
-            std::make_unique<AINotifier>(AINotifier{&host.otherPlugin, "other", type}));
+        addNotifier(host.plugin, type);
+        addNotifier(host.otherPlugin, type);
     }
     std::vector<std::unique_ptr<AITimer>> oldTimers;
     oldTimers.swap(host.timers);
-    host.timers.push_back(
-        std::make_unique<AITimer>(AITimer{&host.otherPlugin, "CloseTheDoc", 1, true}));
-    host.timers.push_back(std::make_unique<AITimer>(AITimer{&host.plugin, "CloseTheDoc", 1, true}));
-    host.timers.push_back(std::make_unique<AITimer>(AITimer{&host.plugin, "another", 1, true}));
-    host.timers.push_back(
-        std::make_unique<AITimer>(AITimer{&host.otherPlugin, "CloseTheDoc", 1, true}));
+    for (const AITimer& timer :
+         {AITimer{&host.otherPlugin, "CloseTheDoc"}, AITimer{&host.plugin, "CloseTheDoc"},
+          AITimer{&host.plugin, "another"}, AITimer{&host.otherPlugin, "CloseTheDoc"}}) {
+        host.timers.push_back(std::make_unique<AITimer>(timer));
+    }
     host.missingAcquisition = static_cast<int>(host.acquisitions.size()) + 30;
     EXPECT_EQ(host.send("SP Access", "Reload"), kSuiteNotFoundErr);
     ASSERT_EQ(host.send("SP Access", "Reload"), kNoErr);

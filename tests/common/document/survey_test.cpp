@@ -53,15 +53,6 @@ TEST_F(ASurvey, SeesEveryFontOfEveryRunOfEveryFrame) {
                 ElementsAre("Aleph-Regular", "Alpha-Regular", "Beta-Regular", "Gamma-Regular"));
 }
 
-TEST_F(ASurvey, DoesNotLookIntoNestedGroups) {
-    AIArt& top = host.addLayer();
-    AIArt& nested = top.addGroup();
-    nested.addText({{alpha}});
-    nested.addGroup().addText({{beta}});
-    top.addText({{gamma}});
-    EXPECT_THAT(names(), ElementsAre("Gamma-Regular"));
-}
-
 TEST_F(ASurvey, KeepsTheFirstFontOfAFamily) {
     AIArt& top = host.addLayer();
     top.addText({{host.addFont("Beta", "Bold", true)}, {beta}, {host.addFont("beta", "x", true)}});

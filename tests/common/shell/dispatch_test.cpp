@@ -20,7 +20,7 @@ struct MessageCase {
 
 const MessageCase cases[] = {
 #define ROW(caller, selector, operation, baseAnswer) {caller, selector, #operation, baseAnswer},
-    MESSAGES(ROW)
+    GLYPHORA_MESSAGES(ROW)
 #undef ROW
 };
 

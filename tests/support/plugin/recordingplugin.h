@@ -12,7 +12,7 @@
 #include <vector>
 
 // The messages that have an operation, and what the base class answers to each.
-#define MESSAGES(X)                                                                                \
+#define GLYPHORA_MESSAGES(X)                                                                       \
     X("SP Access", "Unload", UnloadPlugin, kNoErr)                                                 \
     X("SP Access", "Reload", ReloadPlugin, kNoErr)                                                 \
     X("SP Interface", "About", About, kNoErr)                                                      \
@@ -106,7 +106,7 @@ public:
         return result;                                                                             \
     }
     // NOLINTEND(bugprone-macro-parentheses)
-    MESSAGES(RECORD)
+    GLYPHORA_MESSAGES(RECORD)
     RECORD(, , ShutdownPlugin, )
     RECORD(, , Notify, )
 #undef RECORD

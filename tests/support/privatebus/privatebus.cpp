@@ -12,14 +12,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <stdexcept>
 
 namespace testsupport {
 
 namespace {
-
-constexpr const char* environmentVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 /// Between fork and exec: nothing but async-signal-safe calls.
 [[noreturn]] void becomeDaemon(pid_t parent, int addressPipe, const char* addressOption) {
@@ -48,9 +45,6 @@ std::string readLine(int pipe) {
 } // namespace
 
 PrivateBus::PrivateBus(const std::string& listenAddress) {
-    if (const char* previous = std::getenv(environmentVariable)) {
-        previousAddress_ = previous;
-    }
     std::array<int, 2> pipe{};
     if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe for the bus daemon");
@@ -70,16 +64,11 @@ PrivateBus::PrivateBus(const std::string& listenAddress) {
         stop();
         throw std::runtime_error("dbus-daemon could not be started");
     }
-    setenv(environmentVariable, address_.c_str(), 1);
+    variable_.emplace("DBUS_SESSION_BUS_ADDRESS", address_);
 }
 
 PrivateBus::~PrivateBus() {
     stop();
-    if (previousAddress_) {
-        setenv(environmentVariable, previousAddress_->c_str(), 1);
-    } else {
-        unsetenv(environmentVariable);
-    }
 }
 
 void PrivateBus::stop() {

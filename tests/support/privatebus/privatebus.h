@@ -2,6 +2,8 @@
 // A session bus of a test's own: a bus daemon that nobody else is connected to.
 #pragma once
 
+#include "tests/support/temporaryfolder.h"
+
 #include <optional>
 #include <string>
 
@@ -29,7 +31,7 @@ public:
 private:
     pid_t daemon_ = -1;
     std::string address_;
-    std::optional<std::string> previousAddress_;
+    std::optional<Variable> variable_;
 };
 
 } // namespace testsupport

@@ -42,7 +42,7 @@ const void* tableOf() {
     const void* tableOf<type>() {                                                                  \
         return &(table);                                                                           \
     }
-SCRIPTED_TABLES(SCRIPTED_TABLE)
+GLYPHORA_SCRIPTED_TABLES(SCRIPTED_TABLE)
 #undef SCRIPTED_TABLE
 
 } // namespace

@@ -169,7 +169,7 @@ const void* findSuite(std::string_view name, std::int32_t version);
 void copyText(const std::string& text, char* buffer, std::int32_t size);
 
 // The tables of those suites that have calls.
-#define SCRIPTED_TABLES(X)                                                                         \
+#define GLYPHORA_SCRIPTED_TABLES(X)                                                                \
     X(SPAccessSuite, accessTable)                                                                  \
     X(SPPluginsSuite, pluginsTable)                                                                \
     X(AINotifierSuite, notifierTable)                                                              \
@@ -192,7 +192,7 @@ void copyText(const std::string& text, char* buffer, std::int32_t size);
     X(ATE::FontSuite, ateFontTable)                                                                \
     X(ATE::CharFeaturesSuite, ateFeaturesTable)
 #define SCRIPTED_DECLARE(type, table) extern const type table;
-SCRIPTED_TABLES(SCRIPTED_DECLARE)
+GLYPHORA_SCRIPTED_TABLES(SCRIPTED_DECLARE)
 #undef SCRIPTED_DECLARE
 extern const SPBasicSuite basicTable;
 

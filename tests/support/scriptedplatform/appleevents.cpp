@@ -115,15 +115,10 @@ OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desired
 
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize) {
-    const scripted::SentEvent& sent = contentOf(event)->event;
-    OSType code = 0;
-    if (keyword == keyEventIDAttr) {
-        code = sent.eventID;
-    } else if (keyword == keyEventClassAttr) {
-        code = sent.eventClass;
-    } else {
+    if (keyword != keyEventIDAttr) {
         return errAEDescNotFound;
     }
+    const AEEventID code = contentOf(event)->event.eventID;
     const Parameter attribute{typeType,
                               std::string(reinterpret_cast<const char*>(&code), sizeof code)};
     return read(attribute, desiredType, actualType, data, maximumSize, actualSize);
@@ -215,7 +210,6 @@ OSErr scripted::Platform::handle(AEEventClass eventClass, AEEventID eventID) {
         return errAEHandlerNotFound;
     }
     Content incoming;
-    incoming.event.eventClass = eventClass;
     incoming.event.eventID = eventID;
     Content answer;
     const AppleEvent event{typeAppleEvent, &incoming};
