@@ -162,9 +162,7 @@ const AITimerSuite timerTable = {
 
 const AIAppContextSuite contextTable = {
     .PushAppContext = [](SPPluginRef plugin, AIAppContextHandle* context) -> AIErr {
-        Host& host = Host::current();
-        host.contextOwners.push_back(plugin);
-        return add("PushAppContext", true, host.contexts, AIAppContext{plugin}, context);
+        return add("PushAppContext", true, Host::current().contexts, AIAppContext{plugin}, context);
     },
     .PopAppContext = [](AIAppContextHandle context) -> AIErr {
         Host& host = Host::current();

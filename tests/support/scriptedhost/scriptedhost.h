@@ -134,7 +134,6 @@ public:
     std::vector<std::unique_ptr<AIMenuItem>> menuItems;
     std::vector<std::unique_ptr<AIMenuGroupRecord>> menuGroups;
     std::vector<std::unique_ptr<AIAppContext>> contexts; ///< open now
-    std::vector<SPPluginRef> contextOwners;              ///< of all ever opened
     std::vector<std::unique_ptr<SPAccess>> accesses;     ///< held now
     AINotifier& notifierOf(std::string_view type, std::string_view name = "GlyphoraPlugin");
 
