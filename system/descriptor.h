@@ -44,10 +44,14 @@ private:
 [[nodiscard]] inline bool writeAll(int descriptor, std::string_view bytes) noexcept {
     while (!bytes.empty()) {
         const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
+        if (count > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (count == 0) {
+            errno = EIO; // lest it be tried for ever
+            return false;
+        } else if (errno != EINTR) {
             return false;
         }
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
     return true;
 }

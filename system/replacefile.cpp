@@ -64,7 +64,18 @@ std::filesystem::path endOfLinks(const std::string& file, bool exists) {
 /// The beginning of names beside the file, short enough for whatever is added.
 std::string nameBeside(const std::filesystem::path& target) {
     constexpr std::size_t longest = 200;
-    return target.parent_path() / target.filename().string().substr(0, longest);
+    std::string name = target.filename().string();
+    if (name.size() > longest) {
+        const auto continues = [](char byte) {
+            return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+        };
+        std::size_t end = longest; // where a character of UTF-8 begins, lest one be cut
+        while (end > 0 && continues(name[end])) {
+            --end;
+        }
+        name.resize(end > 0 ? end : longest);
+    }
+    return target.parent_path() / name;
 }
 
 /// A new file under a free name that begins with `beginning`; none, with errno set, when it fails.
@@ -84,15 +95,19 @@ Descriptor openNew(const std::string& beginning, mode_t rights, std::string& nam
 
 } // namespace
 
-void replaceFile(const std::string& file, std::string_view bytes, std::string_view aside) {
+void replaceFile(const std::string& file, std::string_view bytes, Links links,
+                 std::string_view aside) {
     struct stat old {};
-    const bool exists = ::stat(file.c_str(), &old) == 0;
-    if (!exists && errno != ENOENT) {
+    const bool follows = links == Links::Follow;
+    const bool found = (follows ? ::stat : ::lstat)(file.c_str(), &old) == 0;
+    if (!found && errno != ENOENT) {
         fail(file, "cannot be written");
     }
+    const bool exists = found && !S_ISLNK(old.st_mode); // a link's own rights mean nothing
     constexpr mode_t rightsOfNewFiles = 0666;
     const mode_t rights = exists ? old.st_mode & 0777U : rightsOfNewFiles;
-    const std::filesystem::path target = endOfLinks(file, exists);
+    const std::filesystem::path target =
+        follows ? endOfLinks(file, exists) : std::filesystem::path(file);
     std::string name;
     Descriptor descriptor =
         openNew(aside.empty() ? nameBeside(target) : std::string(aside), rights, name);

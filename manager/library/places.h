@@ -30,8 +30,9 @@ void makeFolders(const std::string& path);
 /// Writes a file of this text, replacing one there. Throws Error; not synced.
 void writeFile(const std::string& path, std::string_view text);
 
-/// Replaces the file by `text` at one stroke, as sys::replaceFile does. Throws Error and leaves the
-/// old file as it was.
+/// Replaces the file by `text` at one stroke, as sys::replaceFile does, and so that whoever watches
+/// its folder hears of it: a symbolic link is replaced itself. Throws Error and leaves the old file
+/// as it was.
 void replaceFile(const std::string& path, std::string_view text, std::string_view aside = {});
 
 /// The whole file. Throws Error; a file above `limit` bytes is one.

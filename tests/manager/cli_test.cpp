@@ -111,6 +111,8 @@ protected:
 
 TEST_F(AFolderWatch, HearsOfFontsAndFoldersAlone) {
     const std::string font = root_ + "/a.ttf";
+    const std::string list = sandbox_.places().folders();
+    const std::string far = sandbox_.library() + "/list";
     watch();
     const struct {
         const char* deed;
@@ -127,7 +129,9 @@ TEST_F(AFolderWatch, HearsOfFontsAndFoldersAlone) {
         {"a link to one", [&] { fs::create_directory_symlink("more", root_ + "/link"); }, true},
         {"a font goes", [&] { fs::remove(font); }, true},
         {"a neighbour", [&] { writeBytes(sandbox_.library() + "/volume/b.ttf", "x"); }, false},
-        {"the list", [&] { replaceFile(sandbox_.places().folders(), "x"); }, true},
+        {"the list", [&] { replaceFile(list, "x"); }, true},
+        {"becomes a link", [&] { fs::rename(list, far), fs::create_symlink(far, list); }, false},
+        {"which is replaced", [&] { replaceFile(list, "y"); }, true},
     };
     for (const auto& [deed, run, heard] : cases) {
         EXPECT_EQ(hears(run), heard) << deed;

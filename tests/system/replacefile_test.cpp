@@ -12,15 +12,39 @@
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
 
 namespace fs = std::filesystem;
 
+std::string readWhole(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string watched; // the file whose text is noted at each sync
+std::vector<std::pair<std::string, std::string>> synced; // the name, and that text
+
+} // namespace
+
+// In place of the C library's, in this program.
+int fsync(int descriptor) {
+    const fs::path path = fs::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
+    synced.emplace_back(path.filename(), readWhole(watched));
+    return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
+namespace {
+
+using testing::_;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Pair;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
@@ -29,6 +53,8 @@ protected:
     AReplacedFile() {
         std::string name = testing::TempDir() + "replaceXXXXXX";
         folder_ = mkdtemp(name.data());
+        watched = path("file");
+        synced.clear();
     }
     ~AReplacedFile() override { fs::remove_all(folder_); }
 
@@ -36,10 +62,7 @@ protected:
     void write(const std::string& name, const std::string& text) const {
         std::ofstream(path(name)) << text;
     }
-    std::string read(const std::string& name) const {
-        std::ifstream file(path(name));
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string read(const std::string& name) const { return readWhole(path(name)); }
     std::vector<std::string> names() const {
         std::vector<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder_)) {
@@ -104,10 +127,30 @@ TEST_F(AReplacedFile, IsTheOneThatLinksLeadTo) {
     }
 }
 
+TEST_F(AReplacedFile, TakesALinksPlaceWhereThatIsWanted) {
+    write("far", "before");
+    fs::create_symlink("far", path("file"));
+    sys::replaceFile(path("file"), "after", sys::Links::Replace);
+    EXPECT_FALSE(fs::is_symlink(path("file")));
+    EXPECT_EQ(read("file"), "after");
+    EXPECT_EQ(read("far"), "before");
+}
+
 TEST_F(AReplacedFile, MayHaveTheLongestNameThereIs) {
-    const std::string name(255, 'n');
+    std::string name = "n";
+    while (name.size() < 255) {
+        name += "é";
+    }
     EXPECT_EQ(failure(name, "text"), "");
     EXPECT_THAT(names(), ElementsAre(name));
+    EXPECT_THAT(synced, Contains(Pair(StartsWith(name.substr(0, 199) + ".new"), _))) << "no cut é";
+}
+
+TEST_F(AReplacedFile, IsOnTheDiskBeforeItTakesItsNameWhichFollows) {
+    write("file", "before");
+    sys::replaceFile(path("file"), "after");
+    EXPECT_THAT(synced, ElementsAre(Pair(StartsWith("file.new"), "before"),
+                                    Pair(fs::path(folder_).filename(), "after")));
 }
 
 TEST_F(AReplacedFile, IsWrittenAsideWhereThatIsWanted) {
@@ -115,11 +158,12 @@ TEST_F(AReplacedFile, IsWrittenAsideWhereThatIsWanted) {
     // What a process of this number left there under the first name is not written over.
     const std::string left = path("aside.new") + std::to_string(getpid()) + "-0";
     std::ofstream(left) << "left";
-    sys::replaceFile(path("file"), "after", path("aside"));
+    sys::replaceFile(path("file"), "after", sys::Links::Follow, path("aside"));
     EXPECT_EQ(read("file"), "after");
     EXPECT_EQ(read(fs::path(left).filename()), "left");
-    EXPECT_THROW(sys::replaceFile(path("file"), "again", path("no folder/aside")),
-                 std::system_error);
+    EXPECT_THROW(
+        sys::replaceFile(path("file"), "again", sys::Links::Follow, path("no folder/aside")),
+        std::system_error);
     EXPECT_EQ(read("file"), "after");
 }
 
