@@ -73,8 +73,8 @@ std::vector<std::string> SetFolders::stageChanged(const SetRecord& current, SetR
             files.push_back(std::move(file));
         } catch (const Error& error) {
             lost.push_back({file.name, error.what()});
-            if (before != nullptr && isThere) {
-                files.push_back(*before); // an older copy is better than none
+            if (before != nullptr && isIn(place, file)) { // asked again: others may take it away
+                files.push_back(*before);                 // an older copy is better than none
                 files.back().leaving = false;
             }
         }
