@@ -4,7 +4,7 @@
 #include "fuzz/require.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/replytext.h"
-#include "tests/manager/foldedreply.h"
+#include "tests/support/foldedreply.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -53,7 +53,7 @@ void checkReply(const std::string& word, const std::string& value) {
     reply.element("psName", value);
     reply.fontInfo(value, value);
     reply.endFont();
-    const managertest::ReplyNode root = managertest::parseFolded(reply.finish());
+    const testsupport::ReplyNode root = testsupport::parseFolded(reply.finish());
     const auto fonts = root.all("font");
     REQUIRE(root.name == "cmd" && fonts.size() == 1);
     if (isPlain(value)) {

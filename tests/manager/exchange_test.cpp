@@ -2,9 +2,9 @@
 // Commands answered over a real library and real activation.
 #include "manager/exchange/exchange.h"
 #include "manager/library/update.h"
-#include "tests/manager/foldedreply.h"
 #include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
+#include "tests/support/foldedreply.h"
 
 #include <filesystem>
 #include <fontconfig/fontconfig.h>
@@ -13,6 +13,7 @@
 
 using namespace manager;
 using namespace managertest;
+using namespace testsupport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

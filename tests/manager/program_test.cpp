@@ -3,10 +3,10 @@
 // end it.
 #include "platform/notify.h"
 #include "platform/processes.h"
-#include "tests/manager/foldedreply.h"
 #include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
 #include "tests/platform/events.h"
+#include "tests/support/foldedreply.h"
 #include "tests/support/privatebus/privatebus.h"
 
 #include <algorithm>
@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 using namespace managertest;
+using namespace testsupport;
 using testing::HasSubstr;
 using testing::StartsWith;
 

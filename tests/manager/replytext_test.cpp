@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Replies survive the way in which their reader makes XML of them.
 #include "manager/exchange/replytext.h"
-#include "tests/manager/foldedreply.h"
+#include "tests/support/foldedreply.h"
 
 #include <gtest/gtest.h>
 
 using namespace manager;
-using namespace managertest;
+using namespace testsupport;
 
 namespace {
 

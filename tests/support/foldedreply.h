@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace managertest {
+namespace testsupport {
 
 struct ReplyNode {
     std::string name;
@@ -25,4 +25,4 @@ std::string fold(std::string_view reply);
 /// The root element of the folded reply. Throws std::runtime_error when it is no XML document.
 ReplyNode parseFolded(std::string_view reply);
 
-} // namespace managertest
+} // namespace testsupport

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Folding by the rules, and libxml2.
-#include "tests/manager/foldedreply.h"
+#include "tests/support/foldedreply.h"
 
 #include <libxml/parser.h>
 #include <memory>
 #include <stdexcept>
 
-namespace managertest {
+namespace testsupport {
 
 namespace {
 
@@ -72,4 +72,4 @@ ReplyNode parseFolded(std::string_view reply) {
     return nodeOf(xmlDocGetRootElement(document.get()));
 }
 
-} // namespace managertest
+} // namespace testsupport
