@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as the answer of a font reader that a font took over: taken only when every face has a
+// Any bytes as the answer of a font reader compromised by a font: taken only when every face has a
 // name, and the same when written again.
 #include "fuzz/require.h"
 #include "manager/library/fontanswer.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A typeface as a document names it: the common coin of the document model and the font catalogue.
+// A typeface as a document names it: shared by the document model and the font catalogue.
 #pragma once
 
 #include <array>

@@ -24,8 +24,8 @@ void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Ca
         reply.element("familyName", asked.familyName.value_or(""));
     } else {
         const FaceMatch& face = found.front().face;
-        // The name that the font was asked for by: the asker finds it in the document by this one,
-        // also when the library calls it otherwise.
+        // The name in the request, by which the plug-in finds the font in the document, even when
+        // the library has another.
         const std::string askedName = asked.postScriptName.value_or("");
         reply.element("psName", askedName.empty() ? face.postScriptName : askedName);
         reply.element("styleName", face.styleName);

@@ -128,7 +128,7 @@ private:
         return true;
     }
 
-    // What is gone, and where the walk came.
+    // Removes what is gone, and records the folders that the walk visited.
     void writeWalk(const FoundFiles& found) {
         Transaction transaction(library_.database());
         for (const auto& [path, file] : known_) {

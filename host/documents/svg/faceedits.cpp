@@ -115,7 +115,7 @@ bool FaceEdits::changeInBlock(std::size_t start, std::size_t end, Property prope
         replace(decoded, from, from + found.value.size(), place.escape(text));
         return true;
     }
-    // What a shorthand says stays; a declaration behind it says better.
+    // What a shorthand says stays; a later declaration overrides it.
     const std::size_t after = decoded.origins[offsetOf(found.whole) + found.whole.size() - 1].end;
     edits_.push_back({after, after,
                       std::string(";")

@@ -4,8 +4,8 @@
 // One event is one method call on the user's session bus. The class, the ID and the parameters
 // travel as data; the receiver is known on the bus by its four-character signature (application.h).
 // Descriptors are owned by whoever created them and are released with AEDisposeDesc; all calls
-// copy the caller's data. All calls are [any-thread], but for one descriptor by one thread at a
-// time; installed handlers run in the [handler-thread] alone.
+// copy the caller's data. All calls are [any-thread]; one descriptor may be used by one thread at a
+// time. Installed handlers run in the [handler-thread] alone.
 #pragma once
 
 #include "platform/types.h"

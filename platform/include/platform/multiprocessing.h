@@ -31,7 +31,7 @@ enum : OSStatus {
 /// [any-thread] Gives one; never blocks. kMPInsufficientResourcesErr: it is at its maximum;
 /// kMPInvalidIDErr: null.
 OSStatus MPSignalSemaphore(MPSemaphoreID semaphore);
-/// [any-thread] Ends it, when nobody waits on it. kMPInvalidIDErr: null.
+/// [any-thread] Deletes it. No thread may be waiting on it. kMPInvalidIDErr: null.
 OSStatus MPDeleteSemaphore(MPSemaphoreID semaphore);
 
 /// [any-thread] Adds `amount` with a full memory barrier and returns the new value.

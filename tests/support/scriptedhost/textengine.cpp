@@ -58,7 +58,7 @@ T* make() {
     return Host::current().text.keep(std::make_unique<T>());
 }
 
-/// Hands a new object with runs `run` to `endRun` out.
+/// Hands out a new object with the runs from `from.run` to `endRun`.
 template <typename T>
 ATEErr giveRuns(const TextObject& from, std::size_t endRun, T** result) {
     *result = make<T>();

@@ -68,7 +68,7 @@ struct Process {
     double appearsAt = 0;
 };
 
-/// The services of one test, of which those are here that the plug-in calls. One at a time.
+/// The services of one test, only those that the plug-in calls. One at a time.
 /// Threads: notifications on any; everything else on the test's own.
 class Platform {
 public:
