@@ -25,7 +25,7 @@ public:
 class Session {
 public:
     using Clock = std::chrono::steady_clock;
-    /// Called with each document's part of the report as soon as it is complete.
+    /// [main-thread] Called with each document's part of the report as soon as it is complete.
     using Progress = std::function<void(const DocumentReport&)>;
 
     /// `options` and `frontend` outlive the session; `start` is when the program was started.

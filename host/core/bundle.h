@@ -29,7 +29,7 @@ struct Bundle {
     std::string name() const { return folder.stem().string(); }
 };
 
-/// A module's code, mapped. [main-thread]
+/// [main-thread] A module's code, mapped.
 class Module {
 public:
     /// Throws PluginError when it cannot be mapped or has no entry point.

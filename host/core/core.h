@@ -104,14 +104,14 @@ public:
 
     bool isServing() const noexcept { return !serving_.empty() && loading_ == nullptr; }
     bool isServing(const Plugin& plugin) const noexcept;
-    /// The number of the plug-in that a call comes from, as far as can be told. [any-thread]
+    /// [any-thread] The number of the plug-in that a call comes from, as far as can be told.
     PluginNumber caller() const noexcept { return caller_.load(std::memory_order_relaxed); }
-    /// Notes misbehaviour of the caller. [any-thread]
+    /// [any-thread] Notes misbehaviour of the caller.
     void callerMisbehaves(const std::string& what) noexcept;
 
     enum class Leaving : bool { ForAWhile, ForGood };
-    /// Called when a plug-in was shut down, before its code goes: take back what it still holds,
-    /// and note it. Calls of it are no longer served then.
+    /// [main-thread] Called when a plug-in was shut down, before its code goes: take back what it
+    /// still holds, and note it. Calls of it are no longer served then.
     using Leaver = std::function<void(Plugin&)>;
     void onShutDown(Leaver leaver) { leavers_.push_back(std::move(leaver)); }
     void takeBackFrom(Plugin& plugin, Leaving leaving);

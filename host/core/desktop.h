@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// Registered while it lives. [main-thread]
+/// [main-thread] Registered while it lives.
 class DesktopPresence {
 public:
     static constexpr OSType signature = FourCharCode("ART5");

@@ -28,7 +28,7 @@ public:
     virtual void showAlert(const Alert& alert) = 0;
     /// [main-thread] `text` is one line that names file or plug-in.
     virtual void reportError(std::string_view text) = 0;
-    /// [any-thread], one call at a time; only the first of equal ones.
+    /// [one-thread] Told only of the first of equal ones.
     virtual void reportMisbehaviour(std::string_view plugin, std::string_view what) = 0;
 };
 

@@ -22,9 +22,10 @@ using StringList = std::unordered_map<std::int32_t, std::string>;
 StringList readStringList(std::string_view content, std::string_view file,
                           const std::function<void(std::string_view)>& problem);
 
-/// The lists of one bundle, each read when it is first asked for. [main-thread]
+/// [main-thread] The lists of one bundle, each read when it is first asked for.
 class StringLists {
 public:
+    /// [main-thread] Told of each line that is left out, as readStringList tells it.
     using Problem = std::function<void(std::string_view)>;
 
     /// An empty `folder` has no lists.

@@ -25,6 +25,7 @@ struct Timer {
 /// [main-thread] Time is told by the clock that it is given, in ticks that may wrap around.
 class Timers {
 public:
+    /// [main-thread] The tick of the call.
     using Clock = std::function<std::uint32_t()>;
     explicit Timers(Clock clock);
 

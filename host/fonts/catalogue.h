@@ -72,9 +72,10 @@ struct FontEntry {
 /// Bitmap fonts are left out. In no particular order.
 [[nodiscard]] std::vector<InstalledFace> listInstalledFaces();
 
-/// Not synchronised: one thread at a time.
+/// [one-thread]
 class Catalogue {
 public:
+    /// [one-thread] The faces of the desktop, as of the call.
     using Lister = std::function<std::vector<InstalledFace>()>;
 
     /// `lister` is asked now and at every refresh.

@@ -19,7 +19,7 @@ struct ApplicationOptions {
     Catalogue::Lister fonts = listInstalledFaces;
 };
 
-/// One at a time in a process; main thread.
+/// [main-thread] One at a time in a process.
 class Application {
 public:
     /// `frontend` outlives the application.

@@ -35,7 +35,7 @@ struct FaceOutcome {
     FaceState after = FaceState::Missing;
 };
 
-/// Taken when a document was opened. [main-thread]
+/// [main-thread] Taken when a document was opened.
 class FaceSurvey {
 public:
     FaceSurvey(OpenDocument& document, FontList& fonts);

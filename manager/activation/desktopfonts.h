@@ -7,8 +7,8 @@
 
 namespace manager {
 
-/// Reads the font folders anew. New and changed folders are scanned here once; the caches written
-/// thereby are what all other programs read. Main thread only.
+/// [main-thread] Reads the font folders anew. New and changed folders are scanned here once; the
+/// caches written thereby are what all other programs read.
 void reloadDesktopFonts();
 
 /// The paths of the files below `root` whose fonts every program gets, as of the last reload; those

@@ -14,7 +14,7 @@
 
 namespace manager {
 
-/// Told of each step on disk before it is made. Tests end the process there.
+/// [main-thread] Told of each step on disk before it is made. Tests end the process there.
 using StepObserver = std::function<void(std::string_view step)>;
 
 /// A file that could not be put in place.

@@ -51,6 +51,7 @@ OSErr putText(AppleEvent* reply, const std::string& text) {
                          static_cast<Size>(text.size()));
 }
 
+/// [handler-thread] Answers one command of a plug-in.
 OSErr handleCommand(const AppleEvent* event, AppleEvent* reply, void* refCon) {
     auto* context = static_cast<HandlerContext*>(refCon);
     Size size = 0;
@@ -70,6 +71,7 @@ OSErr handleCommand(const AppleEvent* event, AppleEvent* reply, void* refCon) {
     return status;
 }
 
+/// [handler-thread] Ends the loop after this event.
 OSErr handleQuit(const AppleEvent* /*event*/, AppleEvent* /*reply*/, void* refCon) {
     static_cast<HandlerContext*>(refCon)->quit = true;
     return noErr;

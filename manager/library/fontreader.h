@@ -27,9 +27,9 @@ struct FontReaderLimits {
     std::size_t memory = std::size_t{2} << 30U; ///< bytes of address space of a reader
 };
 
-/// What a reader runs for one file; readFontFile, unless a test wants worse.
+/// [main-thread] Run in a reader's process for one file; readFontFile, unless a test wants worse.
 using FontFileFunction = std::function<FontFileContents(const std::string& path)>;
-/// Told of each file once, in no order; `position` is the file's place in the list.
+/// [main-thread] Told of each file once, in no order; `position` is the file's place in the list.
 using FontFileReceiver = std::function<void(std::size_t position, FontFileOutcome outcome)>;
 
 /// Reads all of `paths`. A reader that dies or takes too long costs its file, which gets a text

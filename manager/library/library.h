@@ -45,7 +45,7 @@ struct KnownContainer {
     std::string folder; ///< empty: only the number is known, and is not to be given to another
     std::string file;
 };
-/// Asked when an index is begun anew.
+/// [main-thread] Asked when an index is begun anew.
 using KnownContainers = std::function<std::vector<KnownContainer>()>;
 
 /// What the library holds together: one family in one folder, or one collection file.

@@ -25,7 +25,7 @@ struct UpdateReport {
     [[nodiscard]] bool changed() const { return read != 0 || removed != 0; }
 };
 
-/// Told now and then how many files of how many were read.
+/// [main-thread] Told now and then how many files of how many were read.
 using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
 
 /// Walks the folders and reads what is new or changed (see readFontFiles for where it may be

@@ -135,7 +135,7 @@ public:
     /// False if start-up or reload failed to acquire the suites, and while unloaded.
     [[nodiscard]] bool HasSuites() const noexcept { return state_.suites != nullptr; }
 
-    /// Seconds since the epoch, for the repeat interval. Tests set another.
+    /// [main-thread] Seconds since the epoch, for the repeat interval. Tests set another.
     static std::time_t (*clock)();
 
 protected:

@@ -33,6 +33,7 @@ public:
     /// A cancellation point, after the thread has ended.
     virtual ~Thread() noexcept(false);
 
+    /// [own-thread] What the thread does; returns what getReturnCode() then tells.
     virtual int run() = 0;
 
     /// False if the thread runs or cannot be made. `detached` only makes isDetached() true and

@@ -21,10 +21,11 @@ public:
     void parseSpecificationString(const std::string& text) override;
     bool doValidate(IXmlNode* node) override;
 
-    /// libxml2's callbacks: `validator` is the validator that the formatted text is added to, cut
-    /// to 499 bytes. They throw when it is null.
+    /// [one-thread] libxml2's callbacks: `validator` is the validator that the formatted text is
+    /// added to, cut to 499 bytes. They throw when it is null.
     static void onError(void* validator, const char* format, ...)
         __attribute__((format(printf, 2, 3)));
+    /// [one-thread] See onError.
     static void onWarning(void* validator, const char* format, ...)
         __attribute__((format(printf, 2, 3)));
 
