@@ -153,8 +153,7 @@ TEST_F(AnActivation, NeverChangesASetIntoThatOfAnotherContainer) {
 }
 
 TEST_F(AnActivation, TakesTheDataFolderHoweverItIsWritten) {
-    Environment environment;
-    environment.set("XDG_DATA_HOME", sandbox_.root() + "//other/../data/./");
+    const testsupport::Variable odd("XDG_DATA_HOME", sandbox_.root() + "//other/../data/./");
     Activation activation(Places::fromEnvironment());
     const ContainerFonts wanted = fonts();
     EXPECT_THAT(activation.activate(std::span(&wanted, 1)).at(0).problems, IsEmpty());
@@ -187,9 +186,7 @@ TEST_F(AnActivation, LeavesNothingWhenTheDesktopsSettingsKeepTheFontsFromSight) 
          "fontconfig shows no font of it"},
     };
     for (const auto& [settings, problem] : cases) {
-        writeBytes(sandbox_.root() + "/fonts.conf", "<?xml version=\"1.0\"?>\n<fontconfig>" +
-                                                        settings + "<cachedir>" + sandbox_.root() +
-                                                        "/cache</cachedir></fontconfig>\n");
+        sandbox_.setFontconfig(settings);
         const auto outcome = activate(fonts());
         EXPECT_FALSE(outcome.success);
         EXPECT_FALSE(outcome.changed);

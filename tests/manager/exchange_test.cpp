@@ -221,11 +221,9 @@ TEST_F(AnExchange, DoesNotChooseAContainerAgainThatHasFailed) {
 }
 
 TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {
-    writeBytes(sandbox_.root() + "/fonts.conf",
-               "<?xml version=\"1.0\"?>\n<fontconfig><dir>" + sandbox_.root() +
-                   "/data/fonts</dir><selectfont><rejectfont><glob>*/lato-r.ttf</glob></rejectfont>"
-                   "</selectfont><cachedir>" +
-                   sandbox_.root() + "/cache</cachedir></fontconfig>\n");
+    sandbox_.setFontconfig("<dir>" + sandbox_.root() +
+                           "/data/fonts</dir><selectfont><rejectfont><glob>*/lato-r.ttf</glob>"
+                           "</rejectfont></selectfont>");
     for (const char* word : {"fontRequest", "activationRequest"}) {
         const ReplyNode root = ask(word, font({{"syncID", "1"}, {"psName", "Lato-Bold"}}) +
                                              font({{"syncID", "2"}, {"psName", "Lato-Regular"}}));

@@ -5,6 +5,7 @@
 #include "tests/manager/sandbox.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string_view>
 
@@ -40,18 +41,11 @@ Tables baseTables() {
     return tables;
 }
 
-// The basic plane is enough for names.
-std::string utf16(std::string_view text) {
+// A path changes the encoding of its text by the standard library.
+std::string utf16(const std::string& text) {
     std::string result;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : 3;
-        std::size_t character = length == 1 ? lead : lead & (0xFFU >> (length + 1));
-        for (std::size_t j = 1; j < length; ++j) {
-            character = (character << 6U) | (static_cast<unsigned char>(text[i + j]) & 0x3FU);
-        }
-        result += u16(character);
-        i += length;
+    for (const char16_t unit : std::filesystem::path(text).u16string()) {
+        result += u16(unit);
     }
     return result;
 }

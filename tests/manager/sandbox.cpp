@@ -2,52 +2,22 @@
 // Temporary folders and environments for tests.
 #include "tests/manager/sandbox.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
 namespace managertest {
 
-void Environment::set(const char* name, const std::string& value) {
-    const char* previous = std::getenv(name);
-    previous_.emplace_back(name, previous != nullptr ? std::optional<std::string>(previous)
-                                                     : std::nullopt);
-    setenv(name, value.c_str(), 1);
-}
-
-Environment::~Environment() {
-    for (auto entry = previous_.rbegin(); entry != previous_.rend(); ++entry) {
-        if (entry->second) {
-            setenv(entry->first.c_str(), entry->second->c_str(), 1);
-        } else {
-            unsetenv(entry->first.c_str());
-        }
-    }
-}
-
 Sandbox::Sandbox() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "glyphora-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("no temporary folder");
-    }
-    root_ = std::filesystem::canonical(pattern).string();
     std::filesystem::create_directories(root_ + "/data/fonts");
     std::filesystem::create_directories(library());
-    writeBytes(root_ + "/fonts.conf",
-               "<?xml version=\"1.0\"?>\n"
-               "<!DOCTYPE fontconfig SYSTEM \"fonts.dtd\">\n<fontconfig><dir>" +
-                   root_ + "/data/fonts</dir><cachedir>" + root_ +
-                   "/cache</cachedir></fontconfig>\n");
-    environment_.set("XDG_DATA_HOME", root_ + "/data");
-    environment_.set("XDG_CACHE_HOME", root_ + "/cache");
-    environment_.set("FONTCONFIG_FILE", root_ + "/fonts.conf");
+    setFontconfig("<dir>" + root_ + "/data/fonts</dir>");
 }
 
-Sandbox::~Sandbox() {
-    std::error_code ignored;
-    std::filesystem::remove_all(root_, ignored);
+void Sandbox::setFontconfig(const std::string& settings) const {
+    writeBytes(root_ + "/fonts.conf", "<?xml version=\"1.0\"?>\n<fontconfig>" + settings +
+                                          "<cachedir>" + root_ +
+                                          "/cache</cachedir></fontconfig>\n");
 }
 
 std::string Sandbox::write(const std::string& relativePath, std::string_view bytes) const {

@@ -3,36 +3,19 @@
 #pragma once
 
 #include "manager/library/places.h"
+#include "tests/support/temporaryfolder.h"
 
-#include <optional>
+#include <filesystem>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace managertest {
-
-/// Sets environment variables and restores them.
-class Environment {
-public:
-    void set(const char* name, const std::string& value);
-    Environment() = default;
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-    ~Environment();
-
-private:
-    std::vector<std::pair<std::string, std::optional<std::string>>> previous_;
-};
 
 /// A temporary folder that is also XDG_DATA_HOME, XDG_CACHE_HOME and the whole of what fontconfig
 /// looks at. Removed with its owner.
 class Sandbox {
 public:
     Sandbox();
-    ~Sandbox();
-    Sandbox(const Sandbox&) = delete;
-    Sandbox& operator=(const Sandbox&) = delete;
 
     [[nodiscard]] const std::string& root() const { return root_; }
     [[nodiscard]] manager::Places places() const { return {root_ + "/data"}; }
@@ -40,10 +23,15 @@ public:
     [[nodiscard]] std::string library() const { return root_ + "/library"; }
     /// Writes a file under library(), with its folders; returns its path.
     std::string write(const std::string& relativePath, std::string_view bytes) const;
+    /// Makes these the whole of fontconfig's settings, but for its cache.
+    void setFontconfig(const std::string& settings) const;
 
 private:
-    Environment environment_;
-    std::string root_;
+    testsupport::TemporaryFolder folder_;
+    std::string root_ = std::filesystem::canonical(folder_.path()).string();
+    testsupport::Variable data_{"XDG_DATA_HOME", root_ + "/data"};
+    testsupport::Variable cache_{"XDG_CACHE_HOME", root_ + "/cache"};
+    testsupport::Variable fontconfig_{"FONTCONFIG_FILE", root_ + "/fonts.conf"};
 };
 
 std::string readBytes(const std::string& path);

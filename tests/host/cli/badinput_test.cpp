@@ -41,11 +41,11 @@ TEST_F(ABadDrawing, IsSaidInTheJsonReportToo) {
     EXPECT_THAT(result.output, HasSubstr("\"error\": \"" + none));
 }
 
-class AnUnwritablePlace : public ProgramFixture {};
+using AnUnwritablePlace = ABadDrawing;
 
 TEST_F(AnUnwritablePlace, ToSaveToLosesNothing) {
     const std::string drawing = goodDrawing();
-    const std::string target = folder / "no" / "such" / "folder.svg";
+    const std::string target = folder / "no/such/folder.svg";
     const ProgramResult result = run({"open", "--no-plugin", "--save", target, drawing});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, HasSubstr("error: " + target + ":"));

@@ -151,12 +151,9 @@ TEST_F(ARun, CanMisbehaveOnPurpose) {
 }
 
 TEST_F(ARun, SaysWhenItsReportCannotBeWritten) {
-    const std::string command = std::string("'") + HOST_PROGRAM + "' open --no-plugin '" +
-                                goodDrawing() + "' > /dev/full 2> '" +
-                                (folder / "errors").string() + "'";
-    const int state = std::system(command.c_str()); // NOLINT(concurrency-mt-unsafe, cert-env33-c)
-    EXPECT_EQ(WEXITSTATUS(state), 74);
-    EXPECT_THAT(contentOf(folder / "errors"), HasSubstr("could not be written"));
+    const ProgramResult result = run({"open", "--no-plugin", goodDrawing()}, "/dev/full");
+    EXPECT_EQ(result.status, 74);
+    EXPECT_THAT(result.errors, HasSubstr("could not be written"));
 }
 
 } // namespace

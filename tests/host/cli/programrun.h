@@ -2,11 +2,12 @@
 // Runs the real program and keeps what it prints.
 #pragma once
 
+#include "tests/support/temporaryfolder.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -32,18 +33,11 @@ protected:
              {"GLYPHORA_PLUGIN", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"}) {
             unsetenv(name);
         }
-        std::string pattern = testing::TempDir() + "/glyphora-host-XXXXXX";
-        folder = mkdtemp(pattern.data());
     }
-    ~ProgramFixture() override {
-        unsetenv("GLYPHORA_TEST_MISBEHAVIOUR");
-        std::filesystem::remove_all(folder);
-    }
+    ~ProgramFixture() override { unsetenv("GLYPHORA_TEST_MISBEHAVIOUR"); }
 
-    std::string write(const std::string& name, std::string_view content) const {
-        const auto file = folder / name;
-        std::ofstream(file, std::ios::binary) << content;
-        return file.string();
+    std::string write(const std::string& name, const std::string& content) const {
+        return folder.write(name, content).string();
     }
     std::string goodDrawing(const std::string& name = "good.svg") const {
         return write(name, R"(<svg xmlns="http://www.w3.org/2000/svg"><g><text>
@@ -53,29 +47,21 @@ protected:
         return std::string(TEST_BUNDLES) + "/" + name + ".aip";
     }
 
-    ProgramResult run(std::vector<std::string> arguments) const {
-        const std::string output = folder / "stdout";
+    ProgramResult run(const std::vector<std::string>& arguments) const {
+        return run(arguments, folder / "stdout");
+    }
+    ProgramResult run(const std::vector<std::string>& arguments, const std::string& output) const {
         const std::string errors = folder / "stderr";
-        arguments.insert(arguments.begin(), HOST_PROGRAM);
-        std::vector<char*> raw;
-        raw.reserve(arguments.size() + 1);
-        for (std::string& argument : arguments) {
-            raw.push_back(argument.data());
+        std::string command = std::string("exec '") + HOST_PROGRAM;
+        for (const std::string& argument : arguments) {
+            command += "' '" + argument;
         }
-        raw.push_back(nullptr);
-        const pid_t child = fork();
-        if (child == 0) {
-            const bool redirected =
-                std::freopen(output.c_str(), "w", stdout) != nullptr && // NOLINT
-                std::freopen(errors.c_str(), "w", stderr) != nullptr;   // NOLINT
-            if (redirected) {
-                execv(HOST_PROGRAM, raw.data());
-            }
-            _exit(127);
-        }
-        int state = 0;
-        EXPECT_EQ(waitpid(child, &state, 0), child);
-        return {WIFEXITED(state) ? WEXITSTATUS(state) : -1, contentOf(output), contentOf(errors)};
+        command += "' > '" + output + "' 2> '" + errors + "'";
+        const int state =
+            std::system(command.c_str()); // NOLINT(concurrency-mt-unsafe, cert-env33-c)
+        return {WIFEXITED(state) ? WEXITSTATUS(state) : -1,
+                std::filesystem::is_regular_file(output) ? contentOf(output) : "",
+                contentOf(errors)};
     }
 
     static std::string contentOf(const std::filesystem::path& file) {
@@ -83,7 +69,7 @@ protected:
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-    std::filesystem::path folder;
+    const testsupport::TemporaryFolder folder;
 };
 
 } // namespace host::test

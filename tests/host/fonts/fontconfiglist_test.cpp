@@ -2,58 +2,34 @@
 // The desktop's fonts through fontconfig, in a small font world of the test's own: its fonts are
 // hard copies of what the desktop has of one well-known family.
 #include "host/fonts/catalogue.h"
+#include "tests/support/temporaryfolder.h"
 
-#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <memory>
-#include <unistd.h>
+#include <optional>
 
 namespace host {
 namespace {
 
 /// Where the desktop keeps a face; asked before the private world begins.
 std::string desktopFile(const char* postScriptName) {
-    FcConfig* config = FcInitLoadConfigAndFonts();
-    FcPattern* wanted = FcPatternCreate();
-    FcPatternAddString(wanted, FC_POSTSCRIPT_NAME,
-                       reinterpret_cast<const FcChar8*>(postScriptName));
-    FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
-    FcFontSet* found = FcFontList(config, wanted, objects);
-    FcChar8* file = nullptr;
-    std::string result;
-    if (found != nullptr && found->nfont > 0 &&
-        FcPatternGetString(found->fonts[0], FC_FILE, 0, &file) == FcResultMatch) {
-        result = reinterpret_cast<const char*>(file);
-    }
-    FcFontSetDestroy(found);
-    FcObjectSetDestroy(objects);
-    FcPatternDestroy(wanted);
-    FcConfigDestroy(config);
-    return result;
+    Catalogue desktop;
+    const FontEntry* entry = desktop.entry(desktop.findByName(postScriptName));
+    return entry != nullptr ? entry->face.file : "";
 }
 
 class APrivateFontWorld : public testing::Test {
 protected:
     void SetUp() override {
-        regular_ = desktopFile("DejaVuSans");
-        bold_ = desktopFile("DejaVuSans-Bold");
         ASSERT_FALSE(regular_.empty() || bold_.empty()) << "package fonts-dejavu-core is needed";
-        std::string pattern = (std::filesystem::temp_directory_path() / "fonts-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
         std::filesystem::create_directories(folder_ / "fonts/set");
-        std::ofstream(folder_ / "fonts.conf")
-            << "<?xml version='1.0'?><!DOCTYPE fontconfig SYSTEM 'fonts.dtd'><fontconfig><dir>"
-            << (folder_ / "fonts").string() << "</dir><cachedir>" << (folder_ / "cache").string()
-            << "</cachedir></fontconfig>";
-        ::setenv("FONTCONFIG_FILE", (folder_ / "fonts.conf").c_str(), 1);
-    }
-    void TearDown() override {
-        ::unsetenv("FONTCONFIG_FILE");
-        std::filesystem::remove_all(folder_);
+        settings_.emplace("FONTCONFIG_FILE",
+                          folder_.write("fonts.conf", "<?xml version='1.0'?><fontconfig><dir>" +
+                                                          (folder_ / "fonts").string() +
+                                                          "</dir><cachedir>" +
+                                                          (folder_ / "cache").string() +
+                                                          "</cachedir></fontconfig>"));
     }
     /// As a font manager does it: staged elsewhere, then renamed into place.
     void activate(const std::string& file, const char* name) {
@@ -78,9 +54,10 @@ protected:
         return face;
     }
 
-    std::string regular_;
-    std::string bold_;
-    std::filesystem::path folder_;
+    const std::string regular_ = desktopFile("DejaVuSans");
+    const std::string bold_ = desktopFile("DejaVuSans-Bold");
+    const testsupport::TemporaryFolder folder_;
+    std::optional<testsupport::Variable> settings_;
 };
 
 TEST_F(APrivateFontWorld, IsEmptyAtFirstAndNoticesEveryActivation) {
@@ -117,7 +94,7 @@ TEST_F(APrivateFontWorld, IsEmptyAtFirstAndNoticesEveryActivation) {
 }
 
 TEST_F(APrivateFontWorld, PassesOverFilesThatAreNoFonts) {
-    std::ofstream(folder_ / "fonts/set/bad.ttf") << "not a font";
+    folder_.write("fonts/set/bad.ttf", "not a font");
     activate(regular_, "a.ttf");
     std::filesystem::resize_file(folder_ / "fonts/set/a.ttf", 5000);
     activate(bold_, "b.ttf");
