@@ -35,26 +35,15 @@ protected:
 };
 
 TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
-    const auto contents = read(makeFont({"Test Sans Condensed",
-                                         "Bold",
-                                         "TestSansCondensed-Bold",
-                                         "Test Sans",
-                                         "Condensed Bold",
-                                         true,
-                                         {}}));
+    const auto contents =
+        read(makeFont({"Test Sans Condensed", "Bold", "TestSansCondensed-Bold", "Test Sans",
+                       "Condensed Bold", true, std::vector<std::string>()}));
     ASSERT_EQ(contents.faces.size(), 1U);
     EXPECT_FALSE(contents.collection);
     EXPECT_EQ(contents.faces[0].type, FontType::OpenTypeTrueType);
     EXPECT_EQ(contents.faces[0].postScriptName, "TestSansCondensed-Bold");
     EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Test Sans", "Condensed Bold"},
                                                      FaceName{"Test Sans Condensed", "Bold"}));
-}
-
-TEST_F(AFontFile, IsTrueTypeWithoutLayoutTablesAndOpenTypeWithThem) {
-    FontRecipe recipe;
-    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::TrueType);
-    recipe.layout = true;
-    EXPECT_EQ(read(makeFont(recipe)).faces.at(0).type, FontType::OpenTypeTrueType);
 }
 
 TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
@@ -64,6 +53,7 @@ TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
     EXPECT_TRUE(contents.collection);
     ASSERT_EQ(contents.faces.size(), 2U);
     EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Müller & Söhne", "Regular"}));
+    EXPECT_EQ(contents.faces[0].type, FontType::TrueType) << "without layout tables";
     EXPECT_EQ(contents.faces[1].postScriptName, "Other-Bold");
     EXPECT_EQ(contents.faces[1].index, 1U);
     EXPECT_EQ(contents.faces[1].type, FontType::OpenTypeTrueType);

@@ -67,9 +67,13 @@ TEST_F(ALibrary, HoldsAFamilyInAFolderTogetherAndEachCollectionForItself) {
     add("b/sans.ttf", {});
     sandbox_.write("a/pair.ttc",
                    makeCollection({{}, {"Second", "Bold", "S-B", "", "", false, {}}}));
+    add("v.ttf", {"Vary", "Regular", "Vary", "", "", false, {"Medium", "Black"}});
     scan();
     EXPECT_THAT(containerNames(), UnorderedElementsAre("Test Sans@/a", "Other@/a", "Test Sans@/b",
-                                                       "pair.ttc@/a/pair.ttc"));
+                                                       "pair.ttc@/a/pair.ttc", "Vary@"));
+    const auto instances = library_->findByFamilyAndStyle("Vary", "Black");
+    ASSERT_THAT(instances, SizeIs(1));
+    EXPECT_EQ(library_->container(instances[0].container)->faces, 3);
     EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(3));
     const auto bold = library_->findByPostScriptName("TestSans-Bold");
     ASSERT_THAT(bold, SizeIs(1));
@@ -144,14 +148,6 @@ TEST(AStyleForm, IsTheSameForWordsThatSayTheSame) {
     }
 }
 
-TEST_F(ALibrary, SharesAContainerAmongTheInstancesOfAVariableFont) {
-    add("v.ttf", {"Vary", "Regular", "Vary", "", "", false, {"Medium", "Black"}});
-    scan();
-    EXPECT_THAT(containerNames(), ElementsAre("Vary@"));
-    EXPECT_THAT(library_->findByFamilyAndStyle("Vary", "Black"), SizeIs(1));
-    EXPECT_EQ(library_->containers().at(0).faces, 3);
-}
-
 TEST_F(ALibrary, ReadsOnAgainOnlyWhatHasChangedAndKeepsContainerNumbers) {
     add("a/one.ttf", {});
     add("a/two.ttf", {"Two", "Regular", "Two", "", "", false, {}});
@@ -182,14 +178,6 @@ TEST_F(ALibrary, ReadsOnAgainOnlyWhatHasChangedAndKeepsContainerNumbers) {
     auto after = ids();
     after.erase("Mended" + sandbox_.library() + "/a");
     EXPECT_EQ(after, before);
-}
-
-TEST_F(ALibrary, IsSeenByOthersWithoutOpeningItAnew) {
-    add("a.ttf", {});
-    Library other(sandbox_.places());
-    EXPECT_THAT(other.findByPostScriptName("TestSans-Regular"), IsEmpty());
-    scan();
-    EXPECT_THAT(other.findByPostScriptName("TestSans-Regular"), SizeIs(1));
 }
 
 TEST_F(ALibrary, ThatIsDamagedIsMovedAsideAndKeepsWhatCanBeRead) {

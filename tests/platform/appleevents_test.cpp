@@ -38,9 +38,7 @@ TEST_F(AnAppleEvent, ComesBackWithTheAnswer) {
         EXPECT_EQ(event.send(), noErr);
         EXPECT_EQ(event.text(), "<cmd>fontRequest \xC3\xA4</cmd>\n");
     }
-    TestEvent byProcess(peer.processID(), "who ");
-    EXPECT_EQ(byProcess.send(), noErr);
-    EXPECT_EQ(byProcess.number(), peer.processID());
+    EXPECT_EQ(TestEvent(peer.processID(), "who ").ask(), peer.processID());
 }
 
 TEST_F(AnAppleEvent, ReportsWhatTheHandlerSaid) {
@@ -67,9 +65,7 @@ TEST_F(AnAppleEvent, TimesOutOnASlowPeerAndGoesOn) {
     EXPECT_EQ(TestEvent("PEER", "hold").send(1), errAETimeout);
     EXPECT_EQ(peer.readLine(), "holding");
     peer.prompt(); // the late answer is nobody's any more
-    TestEvent event("PEER", "who ");
-    EXPECT_EQ(event.send(kNoTimeOut), noErr);
-    EXPECT_EQ(event.number(), peer.processID());
+    EXPECT_EQ(TestEvent("PEER", "who ").ask(kNoTimeOut), peer.processID());
 }
 
 TEST_F(AnAppleEvent, TimesOutOnASilentPeer) {
@@ -98,9 +94,7 @@ TEST_F(AnAppleEvent, FailsAtOnceWhenThePeerIsKilled) {
 
 TEST_F(AnAppleEvent, ArrivesFromAPeerThatDiesRightAfterItsAnswer) {
     RegisteredPeer peer({"serve-one", "PEER"});
-    TestEvent event("PEER", "last");
-    EXPECT_EQ(event.send(kNoTimeOut), noErr);
-    EXPECT_EQ(event.number(), 1);
+    EXPECT_EQ(TestEvent("PEER", "last").ask(kNoTimeOut), 1);
     EXPECT_EQ(peer.wait(), -1);
     EXPECT_EQ(TestEvent("PEER", "echo").send(kNoTimeOut), procNotFound);
 }
@@ -122,19 +116,13 @@ TEST_F(AnAppleEvent, ReachesThePeerOnANewBus) {
     bus.stop();
     const PrivateBus another;
     RegisteredPeer peer({"serve-one", "PEER"});
-    TestEvent event("PEER", "who ");
-    EXPECT_EQ(event.send(), noErr);
-    EXPECT_EQ(event.number(), peer.processID());
+    EXPECT_EQ(TestEvent("PEER", "who ").ask(), peer.processID());
 }
 
 TEST_F(AnAppleEvent, PrefersTheSingleInstanceThenTheLowestProcess) {
     RegisteredPeer first({"serve-many", "PEER"});
     RegisteredPeer second({"serve-many", "PEER"});
-    const auto answering = [] {
-        TestEvent event("PEER", "who ");
-        EXPECT_EQ(event.send(), noErr);
-        return event.number();
-    };
+    const auto answering = [] { return TestEvent("PEER", "who ").ask(); };
     EXPECT_EQ(answering(), std::min(first.processID(), second.processID()));
     {
         RegisteredPeer single({"serve-one", "PEER"});
@@ -153,9 +141,7 @@ TEST_F(AnAppleEvent, IsNotGivenToAPeerThatLiesAboutItsProcess) {
     EXPECT_EQ(TestEvent("PEER", "who ").send(kNoTimeOut), procNotFound);
     EXPECT_EQ(TestEvent(1, "who ").send(kNoTimeOut), procNotFound);
     RegisteredPeer peer({"serve-many", "PEER"});
-    TestEvent event("PEER", "who ");
-    EXPECT_EQ(event.send(), noErr);
-    EXPECT_EQ(event.number(), peer.processID());
+    EXPECT_EQ(TestEvent("PEER", "who ").ask(), peer.processID());
 }
 
 TEST_F(AnAppleEvent, MayBeSentByFourThreadsAtOnce) {

@@ -54,6 +54,10 @@ public:
             AEGetParamPtr(reply(), keyword, typeSInt32, nullptr, &value, sizeof value, nullptr);
         return error == noErr ? std::optional(value) : std::nullopt;
     }
+    /// Sends it; the number that is answered, if any.
+    std::optional<std::int32_t> ask(std::int32_t timeOut = kAEDefaultTimeout) {
+        return send(timeOut) == noErr ? number() : std::nullopt;
+    }
     std::optional<std::string> text() {
         Size size = 0;
         if (AEGetParamPtr(reply(), typeWildCard, typeChar, nullptr, nullptr, 0, &size) != noErr) {

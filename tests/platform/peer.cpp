@@ -120,10 +120,7 @@ int post(const char* name, int count) {
 }
 
 /// Sends one event without reply and is gone.
-[[noreturn]] void tell(OSType signature, OSType what) {
-    const auto target =
-        std::string{static_cast<char>(signature >> 24U), static_cast<char>(signature >> 16U),
-                    static_cast<char>(signature >> 8U), static_cast<char>(signature)};
+[[noreturn]] void tell(const std::string& target, OSType what) {
     AEAddressDesc address;
     AppleEvent event;
     AECreateDesc(typeApplSignature, target.data(), 4, &address);
@@ -152,7 +149,7 @@ int main(int argc, char** argv) {
         return post(words[1].c_str(), std::stoi(words[2]));
     }
     if (words[0] == "tell" && words.size() == 3) {
-        tell(codeOf(words[1]), codeOf(words[2]));
+        tell(words[1], codeOf(words[2]));
     }
     return EXIT_FAILURE;
 }

@@ -79,9 +79,7 @@ TEST(ASessionWithABusInItsRuntimeFolder, NeedsNoAddress) {
     const Variable runtime("XDG_RUNTIME_DIR", (folder / "").string());
     PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::Captured);
     ASSERT_EQ(peer.readLine(), "0");
-    platformtest::TestEvent event("PEER", "who ");
-    EXPECT_EQ(event.send(), noErr);
-    EXPECT_EQ(event.number(), peer.processID());
+    EXPECT_EQ(platformtest::TestEvent("PEER", "who ").ask(), peer.processID());
 }
 
 TEST(ASessionWithoutADaemon, HasNoServices) {

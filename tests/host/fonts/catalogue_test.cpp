@@ -82,6 +82,8 @@ TEST_F(ACatalogue, ResolvesByFamilyAndStyleElseByName) {
     };
     Face withName = named("Unknown");
     withName.postScriptName = "Oswald-Bold";
+    Face namedMissing = named("Oswald-Light", 700);
+    namedMissing.postScriptName = "Oswald-Light";
     Face byWords = named("Swash");
     byWords.style = "Extra Fancy";
     for (const Case& c : {
@@ -103,6 +105,7 @@ TEST_F(ACatalogue, ResolvesByFamilyAndStyleElseByName) {
              Case{named("OldThing-T1", 700, Slant::Italic), "OldThing-T1"},
              Case{named("DejaVuSans", 700), "missing DejaVuSans-Bold"},
              Case{withName, "Oswald-Bold"},
+             Case{namedMissing, "missing Oswald-Light"},
              Case{named("Oswald Bold"), "Oswald-Bold"},
              Case{named("Oswald Bold", 700), "missing OswaldBold-Bold"},
              Case{named("Flex", 700), "Flex-Bold"},
@@ -187,17 +190,6 @@ TEST_F(ACatalogue, GivesFacesThatResolveToThemselves) {
             EXPECT_EQ(catalogue_.resolve(entry.asFace()), key) << entry.face.fullName;
         }
     }
-}
-
-TEST(AMissingFace, KeepsTheDocumentsNames) {
-    Catalogue catalogue([] { return std::vector<InstalledFace>(); });
-    Face wanted = named("Oswald-Bold", 700);
-    wanted.postScriptName = "Oswald-Bold";
-    const FontEntry& entry = *catalogue.entry(catalogue.resolve(wanted));
-    EXPECT_EQ(entry.face.family, "Oswald-Bold");
-    EXPECT_EQ(entry.face.style, "Bold");
-    EXPECT_EQ(entry.face.postScriptName, "Oswald-Bold");
-    EXPECT_FALSE(entry.present);
 }
 
 } // namespace

@@ -3,9 +3,7 @@
 #include "applicationfixture.h"
 
 #include "host/suites/facesurvey.h"
-#include "tests/support/temporaryfolder.h"
 
-#include <filesystem>
 #include <tuple>
 
 namespace host::test {
@@ -87,18 +85,6 @@ TEST_F(AFaceSurvey, NoticesAFontThatWent) {
                 ElementsAre(Line{"Alpha-Regular", "installed", "missing", 1, 1}));
     EXPECT_THAT(linesOf(survey.asTaken()),
                 ElementsAre(Line{"Alpha-Regular", "installed", "installed", 1, 1}));
-}
-
-TEST_F(AFaceSurvey, CountsRunsOfADrawingFromDisk) {
-    const testsupport::TemporaryFolder folder;
-    const auto file = folder.write(
-        "survey.svg", R"(<svg xmlns="http://www.w3.org/2000/svg"><text font-family="Alpha">a
-        <tspan font-weight="bold">b</tspan></text></svg>)");
-    OpenDocument& document = application.openDocument(file);
-    const FaceSurvey survey(document, application.fonts());
-    EXPECT_THAT(linesOf(survey.asTaken()),
-                ElementsAre(Line{"Alpha-Regular", "installed", "installed", 1, 1},
-                            Line{"Alpha-Bold", "installed", "installed", 1, 1}));
 }
 
 } // namespace
