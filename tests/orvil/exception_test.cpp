@@ -8,19 +8,13 @@
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <tuple>
 
 using Orvil::Exception;
 using Orvil::SerializationException;
 
 TEST(AnException, DescribesWhatItKnows) {
-    struct Case {
-        const char* message;
-        const char* file;
-        std::uint32_t line;
-        const char* code;
-        const char* description;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string, std::string, std::uint32_t, std::string, std::string> cases[] = {
         {"", "", 0xFFFFFFFF, "", "Exception in file <unknown> at line <unknown>"},
         {"", "", 0, "", "Exception in file <unknown> at line 0"},
         {"M", "a/b", 120, "", "Exception in file 'a/b' at line 120\n    User Message : M"},
@@ -31,10 +25,10 @@ TEST(AnException, DescribesWhatItKnows) {
          "Exception in file <unknown> at line 7\n    User Message : M"
          "\n---vvv----- CODE SNIPPET -----vvv---\nc\n---^^^--- END CODE SNIPPET ---^^^---"},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(Exception(c.message, c.file, c.line, c.code).description(), c.description);
-        EXPECT_EQ(Exception(c.message, c.file, c.line, c.code).message(), c.message);
-        EXPECT_STREQ(Exception(c.message, c.file, c.line, c.code, true).what(), c.description);
+    for (const auto& [message, file, line, code, description] : cases) {
+        EXPECT_EQ(Exception(message, file, line, code).description(), description);
+        EXPECT_EQ(Exception(message, file, line, code).message(), message);
+        EXPECT_EQ(Exception(message, file, line, code, true).what(), description);
     }
 }
 

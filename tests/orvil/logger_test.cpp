@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-#include <locale>
 #include <string>
+#include <tuple>
 #include <utility>
 
 using Orvil::Logger;
@@ -39,12 +38,7 @@ TEST(ALogger, WritesContextAndTextAtEveryLevel) {
 }
 
 TEST(AHexDump, ShowsRowsOfBytesAndMarksTheEndOnce) {
-    struct Case {
-        std::string data;
-        unsigned bytesPerLine;
-        std::string printed;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string, unsigned, std::string> cases[] = {
         {"", 4, ""},
         {"abc", 0, ""},
         {"abcd", 4, "hex: 000000     61 62 63 64     abcd\n"},
@@ -58,10 +52,10 @@ TEST(AHexDump, ShowsRowsOfBytesAndMarksTheEndOnce) {
          "           gh      \n"},
     };
     Logger logger("", true);
-    for (const Case& c : cases) {
-        const auto size = static_cast<unsigned>(c.data.size());
-        EXPECT_EQ(printedBy([&] { logger.hexdump(0, c.data.data(), size, c.bytesPerLine); }),
-                  c.printed);
+    for (const auto& [data, bytesPerLine, expected] : cases) {
+        testing::internal::CaptureStderr();
+        logger.hexdump(0, data.data(), static_cast<unsigned>(data.size()), bytesPerLine);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
     }
 }
 

@@ -9,7 +9,8 @@
 
 #include <cstdint>
 #include <random>
-#include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 using namespace Orvil;
@@ -18,20 +19,12 @@ using namespace UTFModel;
 
 namespace {
 
+constexpr std::tuple conversions{&ConvertUTF8toUTF16, &ConvertUTF16toUTF8,  &ConvertUTF8toUTF32,
+                                 &ConvertUTF32toUTF8, &ConvertUTF16toUTF32, &ConvertUTF32toUTF16};
+
 template <typename Source, typename Target>
-struct Conversion;
-#define CONVERSION(From, To)                                                                       \
-    template <>                                                                                    \
-    struct Conversion<From, To> {                                                                  \
-        static constexpr auto run = Convert##From##to##To;                                         \
-    }
-CONVERSION(UTF8, UTF16);
-CONVERSION(UTF16, UTF8);
-CONVERSION(UTF8, UTF32);
-CONVERSION(UTF32, UTF8);
-CONVERSION(UTF16, UTF32);
-CONVERSION(UTF32, UTF16);
-#undef CONVERSION
+using Conversion = ConversionResult (*)(const Source**, const Source*, Target**, Target*,
+                                        ConversionFlags);
 
 template <typename Source, typename Target>
 Outcome converted(const Units& source, std::size_t capacity, ConversionFlags flags) {
@@ -40,8 +33,9 @@ Outcome converted(const Units& source, std::size_t capacity, ConversionFlags fla
     std::vector<Target> buffer(capacity);
     const Source* from = exact.data();
     Target* to = buffer.data();
+    const auto convert = std::get<Conversion<Source, Target>>(conversions);
     const ConversionResult result =
-        Conversion<Source, Target>::run(&from, from + exact.size(), &to, to + buffer.size(), flags);
+        convert(&from, from + exact.size(), &to, to + buffer.size(), flags);
     return {result, static_cast<std::size_t>(from - exact.data()), Units(buffer.data(), to)};
 }
 

@@ -2,6 +2,8 @@
 // What documents from outside may not do.
 #include "xmldocument.h"
 
+#include <tuple>
+
 using namespace Orvil;
 using testing::HasSubstr;
 
@@ -44,27 +46,23 @@ TEST_F(AnXmlDocumentFromOutside, GrowsInBoundsByWhatItDeclares) {
     const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + longText + "'>";
     const std::string nested = entity + "<!ENTITY f '&e;&e;&e;&e;&e;'>]><a>";
     const std::string defaulted = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + longText + "'>]><a>";
-    struct Case {
-        std::string start;
-        std::string unit;
-        int fits; // units; one more does not
-        std::string end;
-    };
-    for (const Case& each : std::vector<Case>{
-             {entity + "]><a>", "&e;", 50, "</a>"},
-             {entity + "]><a><b x='", "&e;", 50, "'/></a>"},
-             {entity + "]><a>", "<b x='&e;'/>", 50, "</a>"},
-             {entity + "]><a><b x='&e;'/>", "&e;", 49, "</a>"},
-             {nested, "&f;", 8, "</a>"}, // looking into each for the first time counts as well
-             {defaulted, "<b/>", 49, "</a>"}}) {
-        std::string text = each.start;
-        for (int i = 0; i < each.fits; ++i) {
-            text += each.unit;
+    // What stands before as many units as fit (one more does not), and what behind them.
+    const std::tuple<std::string, std::string, int, std::string> cases[] = {
+        {entity + "]><a>", "&e;", 50, "</a>"},
+        {entity + "]><a><b x='", "&e;", 50, "'/></a>"},
+        {entity + "]><a>", "<b x='&e;'/>", 50, "</a>"},
+        {entity + "]><a><b x='&e;'/>", "&e;", 49, "</a>"},
+        {nested, "&f;", 8, "</a>"}, // looking into each for the first time counts as well
+        {defaulted, "<b/>", 49, "</a>"}};
+    for (const auto& [start, unit, fits, end] : cases) {
+        std::string text = start;
+        for (int i = 0; i < fits; ++i) {
+            text += unit;
         }
-        EXPECT_LE(read(text + each.end)->getContent().size(), 1'000'000U);
-        text += each.unit;
-        EXPECT_THAT(parseFailure(text + each.end), HasSubstr("grow by more than 1000000 bytes"));
-        EXPECT_THAT(failureOf([&] { document->parse(file("grows.xml", text + each.end)); }),
+        EXPECT_LE(read(text + end)->getContent().size(), 1'000'000U);
+        text += unit + end;
+        EXPECT_THAT(parseFailure(text), HasSubstr("grow by more than 1000000 bytes"));
+        EXPECT_THAT(failureOf([&] { document->parse(file("grows.xml", text)); }),
                     HasSubstr("grow by more than 1000000 bytes"));
     }
     // Where the document itself is large, tenfold is meant.

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <utility>
+
 using namespace Protocol;
 
 namespace {
@@ -27,27 +30,22 @@ TEST(ABoolean, IsTrueForTwoTextsOnly) {
 }
 
 TEST(ANumber, IsReadAsAStreamReadsIt) {
-    struct Case {
-        std::string text;
-        unsigned value;
-        bool ok;
-    };
-    const Case cases[] = {{"7", 7, true},
-                          {" \t\n\v\f\r7", 7, true},
-                          {"12abc", 12, true},
-                          {"+5", 5, true},
-                          {"007", 7, true},
-                          {"-1", 4294967295U, true},
-                          {"4294967295", 4294967295U, true},
-                          {"4294967296", 4294967295U, false},
-                          {"x7", 0, false},
-                          {"", 0, false},
-                          {"+-5", 0, false},
-                          {"- 5", 0, false}};
-    for (const Case& each : cases) {
-        bool ok = !each.ok;
-        EXPECT_EQ(safeParse<unsigned>(each.text, ok), each.value) << each.text;
-        EXPECT_EQ(ok, each.ok) << each.text;
+    const std::tuple<std::string, unsigned, bool> cases[] = {{"7", 7, true},
+                                                             {" \t\n\v\f\r7", 7, true},
+                                                             {"12abc", 12, true},
+                                                             {"+5", 5, true},
+                                                             {"007", 7, true},
+                                                             {"-1", 4294967295U, true},
+                                                             {"4294967295", 4294967295U, true},
+                                                             {"4294967296", 4294967295U, false},
+                                                             {"x7", 0, false},
+                                                             {"", 0, false},
+                                                             {"+-5", 0, false},
+                                                             {"- 5", 0, false}};
+    for (const auto& [text, expected, isRead] : cases) {
+        bool ok = !isRead;
+        EXPECT_EQ(safeParse<unsigned>(text, ok), expected) << text;
+        EXPECT_EQ(ok, isRead) << text;
     }
 }
 

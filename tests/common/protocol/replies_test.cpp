@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 #include <utility>
 
 using namespace Protocol;
@@ -102,25 +103,21 @@ TEST(AReplyDocument, HasAllOfAFontInAnyOrder) {
 TEST(AReplyDocument, OfAFontRequestIsReadFromItsFirstTwoChildren) {
     const std::string fonts = "<fonts>" + fontText + "</fonts>";
     const std::string window = "<showWindow>1</showWindow>";
-    struct Case {
-        std::string children;
-        bool showWindow;
-        std::size_t fontCount;
-    };
-    const std::vector<Case> cases{{window + fonts, true, 1},
-                                  {fonts + window, true, 1},
-                                  {fonts + fonts + window, false, 2},
-                                  {"<other/>" + window + fonts, true, 0},
-                                  {"<other/>" + fonts + window, false, 1},
-                                  {"<showWindow>yes</showWindow>" + fonts, false, 1},
-                                  {"<!-- --> " + fonts + " <?p i?>" + window, true, 1},
-                                  {window, true, 0},
-                                  {"", false, 0}};
-    for (const Case& each : cases) {
-        const ReplyContainer reply =
-            parseLeniently("<fontRequestReply>" + each.children + "</fontRequestReply>");
-        EXPECT_EQ(reply.fontReply->showWindow, each.showWindow) << each.children;
-        EXPECT_EQ(reply.fontReply->fonts.size(), each.fontCount) << each.children;
+    const std::tuple<std::string, bool, std::size_t> cases[] = {
+        {window + fonts, true, 1},
+        {fonts + window, true, 1},
+        {fonts + fonts + window, false, 2},
+        {"<other/>" + window + fonts, true, 0},
+        {"<other/>" + fonts + window, false, 1},
+        {"<showWindow>yes</showWindow>" + fonts, false, 1},
+        {"<!-- --> " + fonts + " <?p i?>" + window, true, 1},
+        {window, true, 0},
+        {"", false, 0}};
+    for (const auto& [children, showWindow, fontCount] : cases) {
+        const FontReply reply =
+            *parseLeniently("<fontRequestReply>" + children + "</fontRequestReply>").fontReply;
+        EXPECT_EQ(reply.showWindow, showWindow) << children;
+        EXPECT_EQ(reply.fonts.size(), fontCount) << children;
     }
 }
 

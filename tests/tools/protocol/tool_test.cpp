@@ -3,6 +3,7 @@
 #include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
 #include "protocolschema.h"
+#include "tests/support/temporaryfolder.h"
 #include "tools/protocol/diagnosis.h"
 #include "tools/protocol/protocoltool.h"
 
@@ -11,12 +12,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -136,15 +133,14 @@ TEST(TheProtocolTool, SaysWhichFontOfAValidReplyBreaksARule) {
     EXPECT_EQ(refused.errors, "standard input:70003:17: font 70001 (syncID '7'): type of font must "
                               "not be 'all' in Replies\n");
     // The kind is refused where it stands, and only a request is told apart.
-    std::string schema = testing::TempDir() + "protocol-tool-XXXXXX";
-    const int descriptor = mkstemp(schema.data());
-    ASSERT_GE(descriptor, 0);
-    close(descriptor);
-    std::ofstream(schema) << "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
-                             "<xs:element name='cmd'/></xs:schema>";
+    const testsupport::TemporaryFolder folder;
+    const std::string schema =
+        folder
+            .write("s.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                            "<xs:element name='cmd'/></xs:schema>")
+            .string();
     EXPECT_EQ(run("decode --schema " + schema, "<cmd>\n <other/></cmd>").errors,
               "standard input:2:8: could not parse root node 'other'\n");
-    std::remove(schema.c_str());
 }
 
 TEST(TheProtocolTool, DoesNotLookIntoADocumentBeyondTheCodecsLimit) {
