@@ -156,9 +156,8 @@ TEST_F(AFontCheck, TakesTheAnswerIntoTheSharedRecords) {
     VexFontSuite::FontInfos fonts;
     ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
     platform.answers = {scripted::textAnswer(
-        reply("2.0", "<font>\n<syncID>Missing-Bold-Bold</syncID>\n<psName>Missing-Bold</psName>\n"
-                     "<familyName>Missing</familyName>\n<count>1</count>\n<isActive>1</isActive>\n"
-                     "</font>\n<showWindow>1</showWindow>\n"))};
+        reply("2.0", "<font><syncID>Missing-Bold-Bold</syncID><count>1</count>"
+                     "<isActive>1</isActive></font><showWindow>1</showWindow>\n"))};
     const GLY::GLYFontRequestEvent request = VexFontSuite::requestFonts(fonts);
     EXPECT_EQ(request.succeeded, 1);
     EXPECT_EQ(request.showWindow, 1);

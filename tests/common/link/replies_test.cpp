@@ -229,11 +229,7 @@ TEST_F(AReply, TellsWhetherTheDialogIsWanted) {
 }
 
 TEST_F(AReply, WithABadFontThrowsAndTouchesNoRecord) {
-    struct Case {
-        std::string child;
-        std::string message;
-    };
-    for (const Case& each : std::vector<Case>{
+    for (const auto& [child, expected] : std::vector<std::pair<std::string, std::string>>{
              {"<count>abc</count>", "could not parse <count> 'abc'"},
              {"<count/>", "could not parse <count> ''"},
              {"<typeMatchingCount>x</typeMatchingCount>",
@@ -245,11 +241,10 @@ TEST_F(AReply, WithABadFontThrowsAndTouchesNoRecord) {
          }) {
         GLYFontRequestEvent event;
         event.fonts = {makeRecord("a", "old")};
-        const std::string message = failureMessage([&] {
-            exchangeCurrent(event, "<font><syncID>a</syncID><psName>new</psName></font><font>" +
-                                       each.child + "</font>");
-        });
-        EXPECT_EQ(message, "\n    User Message : " + each.message);
+        const std::string fonts =
+            "<font><syncID>a</syncID><psName>new</psName></font><font>" + child + "</font>";
+        const std::string message = failureMessage([&] { exchangeCurrent(event, fonts); });
+        EXPECT_EQ(message, "\n    User Message : " + expected);
         EXPECT_EQ(event.fonts[0]->font.psName, "old");
         EXPECT_EQ(event.succeeded, 0);
     }

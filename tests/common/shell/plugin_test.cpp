@@ -48,15 +48,12 @@ TEST_F(APlugin, GivesItsNameWithinTheBuffer) {
 
 TEST_F(APlugin, IsHeldInMemoryFromTheFirstLockToTheLastUnlock) {
     plugin.acquire();
-    struct Step {
-        bool lock;
-        std::size_t held;
-    };
-    const Step steps[] = {{false, 0}, {true, 1},  {true, 1}, {false, 1}, {false, 0},
-                          {false, 0}, {false, 0}, {true, 1}, {false, 0}};
-    for (const Step& step : steps) {
-        EXPECT_EQ(plugin.LockPlugin(step.lock), kNoErr);
-        EXPECT_EQ(host.accesses.size(), step.held);
+    const std::pair<bool, std::size_t> steps[] = {{false, 0}, {true, 1},  {true, 1},
+                                                  {false, 1}, {false, 0}, {false, 0},
+                                                  {false, 0}, {true, 1},  {false, 0}};
+    for (const auto& [lock, held] : steps) {
+        EXPECT_EQ(plugin.LockPlugin(lock), kNoErr);
+        EXPECT_EQ(host.accesses.size(), held);
     }
     EXPECT_EQ(host.callsOf("ReleasePlugin"), 2);
     host.fail("AcquirePlugin", 77);

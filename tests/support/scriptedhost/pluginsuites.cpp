@@ -40,14 +40,14 @@ AIErr count(const char* call, const std::vector<std::unique_ptr<T>>& all, std::i
     return Host::current().enter(call);
 }
 
-/// Gives what `value` makes of a registered object.
-template <typename T, typename Value, typename Result>
-AIErr tell(const char* call, const T* object, Value value, Result* result) {
-    const AIErr error = Host::current().enter(call, object != nullptr);
-    if (error == kNoErr) {
-        *result = value(*object);
-    }
-    return error;
+AIErr tell(const char* call, SPPluginRef owner, SPPluginRef* result) {
+    *result = owner;
+    return Host::current().enter(call);
+}
+
+AIErr tell(const char* call, const std::string& text, const char** result) {
+    *result = text.c_str();
+    return Host::current().enter(call);
 }
 
 } // namespace
@@ -122,12 +122,10 @@ const AINotifierSuite notifierTable = {
         return nth("GetNthNotifier", Host::current().notifiers, n, notifier);
     },
     .GetNotifierPlugin = [](AINotifierHandle notifier, SPPluginRef* plugin) -> AIErr {
-        return tell(
-            "GetNotifierPlugin", notifier, [](const AINotifier& n) { return n.owner; }, plugin);
+        return tell("GetNotifierPlugin", notifier->owner, plugin);
     },
     .GetNotifierType = [](AINotifierHandle notifier, const char** type) -> AIErr {
-        return tell(
-            "GetNotifierType", notifier, [](const AINotifier& n) { return n.type.c_str(); }, type);
+        return tell("GetNotifierType", notifier->type, type);
     },
 };
 
@@ -151,12 +149,10 @@ const AITimerSuite timerTable = {
         return nth("GetNthTimer", Host::current().timers, n, timer);
     },
     .GetTimerPlugin = [](AITimerHandle timer, SPPluginRef* plugin) -> AIErr {
-        return tell(
-            "GetTimerPlugin", timer, [](const AITimer& t) { return t.owner; }, plugin);
+        return tell("GetTimerPlugin", timer->owner, plugin);
     },
     .GetTimerName = [](AITimerHandle timer, const char** name) -> AIErr {
-        return tell(
-            "GetTimerName", timer, [](const AITimer& t) { return t.name.c_str(); }, name);
+        return tell("GetTimerName", timer->name, name);
     },
 };
 
@@ -197,9 +193,7 @@ const AIMenuSuite menuTable = {
         return nth("GetNthMenuGroup", Host::current().menuGroups, n, group);
     },
     .GetMenuGroupName = [](AIMenuGroup group, const char** name) -> AIErr {
-        return tell(
-            "GetMenuGroupName", group, [](const AIMenuGroupRecord& g) { return g.name.c_str(); },
-            name);
+        return tell("GetMenuGroupName", group->name, name);
     },
 };
 

@@ -58,9 +58,8 @@ OSErr read(const Parameter& parameter, DescType desiredType, DescType* actualTyp
 } // namespace
 
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
-    const Platform* const platform = Platform::current();
-    if (platform == nullptr || platform->createDescStatus != noErr) {
-        return platform == nullptr ? OSErr{memFullErr} : platform->createDescStatus;
+    if (Platform::current()->createDescStatus != noErr) {
+        return Platform::current()->createDescStatus;
     }
     fill(result, type)->data = {
         type, std::string(static_cast<const char*>(data), static_cast<std::size_t>(size))};
@@ -69,9 +68,8 @@ OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
 
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target,
                          AEReturnID returnID, AETransactionID transactionID, AppleEvent* result) {
-    const Platform* const platform = Platform::current();
-    if (platform == nullptr || platform->createEventStatus != noErr) {
-        return platform == nullptr ? OSErr{memFullErr} : platform->createEventStatus;
+    if (Platform::current()->createEventStatus != noErr) {
+        return Platform::current()->createEventStatus;
     }
     scripted::SentEvent& event = fill(result, typeAppleEvent)->event;
     event.eventClass = eventClass;

@@ -11,25 +11,15 @@
 
 using scripted::Platform;
 
-namespace {
-
-/// Both kinds of objects, so that one call releases either.
-struct Object {
-    explicit Object(std::string_view content) : text(content) {}
-    Object(const Object&) = delete;
-    Object& operator=(const Object&) = delete;
-    virtual ~Object() = default;
+/// A URL is a text too, so that one call shows and releases either.
+struct PLString {
+    explicit PLString(std::string_view content) : text(content) {}
+    virtual ~PLString() = default;
 
     std::string text;
 };
-
-} // namespace
-
-struct PLString : Object {
-    using Object::Object;
-};
-struct PLUrl : Object {
-    using Object::Object;
+struct PLUrl : PLString {
+    using PLString::PLString;
 };
 
 namespace {
@@ -77,11 +67,11 @@ CFStringRef CFStringCreateWithCString(const void* /*allocator*/, const char* tex
 
 void CFShow(CFTypeRef object) {
     Platform::current()->shown.push_back(
-        object == nullptr ? "(null)" : static_cast<const Object*>(object)->text);
+        object == nullptr ? "(null)" : static_cast<const PLString*>(object)->text);
 }
 
 void CFRelease(CFTypeRef object) {
-    delete static_cast<const Object*>(object);
+    delete static_cast<const PLString*>(object);
     if (Platform* const platform = Platform::current()) {
         --platform->liveObjects;
     }
