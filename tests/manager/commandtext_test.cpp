@@ -68,9 +68,7 @@ TEST(ACommand, CutAnywhereIsRefusedWithTheLineWhereItEnds) {
             // A line that lacks but its line feed is whole: the next one is missing.
             EXPECT_THAT(
                 error.what(),
-                AnyOf(StartsWith("command, line " + std::to_string(line) + ": expected"),
-                      StartsWith("command, line " + std::to_string(line) + ": unknown"),
-                      StartsWith("command, line " + std::to_string(line) + ": the text"),
+                AnyOf(StartsWith("command, line " + std::to_string(line) + ": "),
                       StartsWith("command, line " + std::to_string(line + 1) + ": the text ends")))
                 << "cut at " << length;
         }

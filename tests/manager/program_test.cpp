@@ -139,12 +139,8 @@ protected:
         return event.send(3600) == noErr ? event.text() : std::nullopt;
     }
     static std::string request(const std::string& psName) {
-        return "<cmd>fontRequest</cmd>\n<targetApp>ART5</targetApp>\n<targetClass>FILC</"
-               "targetClass>\n"
-               "<targetPid>" +
-               std::to_string(getpid()) +
-               "</targetPid>\n<protocolVersion>1.00</protocolVersion>\n<font>\n<syncID>1</syncID>\n"
-               "<psName>" +
+        return "<cmd>fontRequest</cmd>\n<targetClass>FILC</targetClass>\n<targetPid>" +
+               std::to_string(getpid()) + "</targetPid>\n<font>\n<syncID>1</syncID>\n<psName>" +
                psName + "</psName>\n</font>\n</cmd>\n";
     }
     // The value of an element of the only font in the reply, or the reply itself when it has none.

@@ -20,8 +20,11 @@
 
 namespace {
 
-using testing::ElementsAreArray;
+using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 using testsupport::TemporaryFolder;
 using testsupport::Variable;
 
@@ -172,17 +175,14 @@ TEST_F(ADesktopEntry, StartsItsProgramApartFromThisProcess) {
 
     const std::string pipe = (folder / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const std::string script = folder.write("show", "#!/bin/sh\n"
-                                                    "for fd in /proc/$$/fd/*; do\n"
-                                                    "  [ \"${fd##*/}\" -gt 2 ] && open=\"$open "
-                                                    "$(readlink $fd)\"\n"
-                                                    "done\n"
-                                                    "{ for word; do echo \"word $word\"; done\n"
-                                                    "echo \"bus $DBUS_SESSION_BUS_ADDRESS\"\n"
-                                                    "echo \"folder $(pwd -P)\"\n"
-                                                    "echo \"parent $PPID\"\n"
-                                                    "echo \"open $open\"; } >'" +
-                                                        pipe + "'\n");
+    const std::string script = folder.write("show", R"sh(#!/bin/sh
+for fd in /proc/$$/fd/*; do
+  [ "${fd##*/}" -gt 2 ] && open="$open $(readlink $fd)"
+done
+exec >"${0%/*}/pipe"
+printf 'word %s\n' "$@"
+printf '%s\n' "bus $DBUS_SESSION_BUS_ADDRESS" "folder $(pwd -P)" "parent $PPID" "open $open"
+)sh");
     chmod(script.c_str(), 0700);
     std::filesystem::create_directory(folder / "work");
     const std::string path =
@@ -194,30 +194,18 @@ TEST_F(ADesktopEntry, StartsItsProgramApartFromThisProcess) {
     ASSERT_EQ(launch(path), noErr);
 
     std::ifstream told(pipe);
-    std::vector<std::string> words;
-    std::string parent;
-    std::string open;
-    std::vector<std::string> rest;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(told, line);) {
-        if (line.starts_with("word ")) {
-            words.push_back(line.substr(5));
-        } else if (line.starts_with("parent ")) {
-            parent = line.substr(7);
-        } else if (line.starts_with("open ")) {
-            open = line;
-        } else {
-            rest.push_back(line);
-        }
+        lines.push_back(line);
     }
-    EXPECT_THAT(words,
-                ElementsAreArray(std::vector<std::string>{"--flag", "two words", "--icon", "glyph",
-                                                          "The Launcher", "%", "xy", path}));
-    EXPECT_THAT(rest, ElementsAreArray(std::vector<std::string>{
-                          "bus " + bus.address(),
-                          "folder " + std::filesystem::canonical(folder / "work").string()}));
-    EXPECT_NE(parent, std::to_string(getpid())) << "nothing to reap here";
-    EXPECT_THAT(open, testing::Not(HasSubstr("socket")));
-    EXPECT_THAT(open, testing::Not(HasSubstr("anon_inode")));
+    const std::string noReaping = "parent " + std::to_string(getpid());
+    EXPECT_THAT(lines, ElementsAre("word --flag", "word two words", "word --icon", "word glyph",
+                                   "word The Launcher", "word %", "word xy", "word " + path,
+                                   "bus " + bus.address(),
+                                   "folder " + std::filesystem::canonical(folder / "work").string(),
+                                   AllOf(StartsWith("parent "), Not(noReaping)),
+                                   AllOf(StartsWith("open "), Not(HasSubstr("socket")),
+                                         Not(HasSubstr("anon_inode")))));
 }
 
 } // namespace

@@ -40,12 +40,11 @@ protected:
         return {};
     }
     fs::path makeFolder(const std::string& name, const std::vector<std::string>& modules) {
-        const fs::path folder = folder_ / name;
-        fs::create_directories(folder / "Contents" / "Linux");
+        fs::create_directories(folder_ / (name + "/Contents/Linux"));
         for (const std::string& module : modules) {
-            std::ofstream(folder / "Contents" / "Linux" / module) << "not code";
+            folder_.write(name + "/Contents/Linux/" + module, "not code");
         }
-        return folder;
+        return folder_ / name;
     }
 
     RecordingFrontend frontend;
