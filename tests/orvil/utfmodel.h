@@ -35,7 +35,7 @@ inline bool isSurrogate(std::uint32_t value) {
 // One source character, by the width of its units.
 inline Step readUTF8(const Units& source, std::size_t at) {
     std::size_t length = 1;
-    for (const std::uint32_t longer : {0xC0, 0xE0, 0xF0, 0xF8, 0xFC}) {
+    for (const std::uint32_t longer : {0xC0U, 0xE0U, 0xF0U, 0xF8U, 0xFCU}) {
         length += source[at] >= longer ? 1 : 0;
     }
     if (at + length > source.size()) {
