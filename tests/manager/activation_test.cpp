@@ -115,6 +115,8 @@ TEST_F(AnActivation, LosesOnlyTheFilesThatAreGoneOrHaveChanged) {
     wanted.files.push_back({two, {}});
     EXPECT_THAT(activate(wanted).lost, ElementsAre("two.ttf"));
     EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Two")) << "the older copy is kept";
+    activate(wanted, [&](std::string_view) { std::filesystem::remove(set() + "/two.ttf"); });
+    EXPECT_THAT(readSetRecord(set())->files, testing::SizeIs(1)) << "unless it goes meanwhile";
 }
 
 TEST_F(AnActivation, CountsOnlyWhatIsActiveAsTheLibraryHasIt) {
