@@ -18,7 +18,8 @@ find_program(GLYPHORA_CCACHE ccache)
 if(GLYPHORA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     # One cache serves every clone: paths below the root are taken as relative to it.
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
-        "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${GLYPHORA_CCACHE}")
+        "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros "${GLYPHORA_CCACHE}") # what precompiled headers take
 endif()
 
 add_library(glyphora_settings INTERFACE)
@@ -101,8 +102,8 @@ function(glyphora_test name)
         set(ARG_TIMEOUT 300)
     endif()
     add_executable(${name} ${ARG_SOURCES})
-    # A test's own code gains nothing from optimisation, and compiles in a third of the time without.
-    target_compile_options(${name} PRIVATE -O0)
+    target_link_libraries(${name} PRIVATE testsupport_options)
+    target_precompile_headers(${name} REUSE_FROM testsupport_headers)
     target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES}
         GTest::gmock GTest::gtest GTest::gtest_main)
