@@ -82,17 +82,17 @@ double secondsOf(void (*work)()) {
 
 void SurveyAgainstParse(benchmark::State& state) {
     drawing();
-    double survey_ = 0;
+    double surveyTime = 0;
     double parse = 0;
     for (auto _ : state) {
         const double first = secondsOf(survey);
         parse += secondsOf(parseOnly);
-        survey_ += first;
+        surveyTime += first;
         state.SetIterationTime(first);
     }
     state.counters["libxml2_ms"] = 1000 * parse / static_cast<double>(state.iterations());
-    state.counters["survey_ms"] = 1000 * survey_ / static_cast<double>(state.iterations());
-    state.counters["ratio"] = survey_ / parse;
+    state.counters["survey_ms"] = 1000 * surveyTime / static_cast<double>(state.iterations());
+    state.counters["ratio"] = surveyTime / parse;
 }
 BENCHMARK(SurveyAgainstParse)->UseManualTime()->Unit(benchmark::kMillisecond);
 
