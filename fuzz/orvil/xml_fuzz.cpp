@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The XML layer: any bytes either fail with a message or give a tree that can be walked to its end,
 // read in every way and let go.
+#include "fuzz/require.h"
 #include "misc/exception.h"
 #include "misc/xml/ixmlparser.h"
-#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstddef>
