@@ -12,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-/// All classes are plain values. Broken rules throw Orvil::Exception with the source path
-/// "source/common/protocol"; nothing returns a status. Threads: as for any plain value.
+/// [one-thread] All classes are plain values. Broken rules throw Orvil::Exception with the source
+/// path "source/common/protocol"; nothing returns a status.
 namespace Protocol {
 
 /// One font as it travels in a message.

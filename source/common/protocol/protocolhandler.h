@@ -23,7 +23,7 @@ T safeParse(const std::string& text, bool& ok) = delete;
 template <>
 unsigned safeParse<unsigned>(const std::string& text, bool& ok);
 
-/// Reading of the small parts of a reply. Threads: one at a time per document.
+/// [one-thread] for each document. Reads the small parts of a reply.
 class HandlerHelpers {
 public:
     HandlerHelpers() = delete;
@@ -74,7 +74,7 @@ private:
 };
 
 /// The codec. Every call has a document of its own, and none outlives its call.
-/// Threads: the builders on any; parseReply on one at a time per Handler, whose validator it uses.
+/// The builders are [any-thread]; parseReply is [one-thread], as it uses the handler's validator.
 class Handler {
 public:
     /// `schema` is the text of an XML Schema, not a file name. Throws Orvil::Exception when it does

@@ -69,7 +69,7 @@ struct Process {
 };
 
 /// The services of one test, only those that the plug-in calls. One at a time.
-/// Threads: notifications on any; everything else on the test's own.
+/// Notifications are [any-thread], everything else belongs to the test's own.
 class Platform {
 public:
     Platform();

@@ -11,7 +11,7 @@ namespace Orvil {
 
 /// Thrown by value, caught by reference. `file` is the source file's path from the source root
 /// without extension, for instance "source/externals/orvil/source/misc/threads/mutex".
-/// Threads: one thread at a time uses an object, since what() fills a cache without a lock.
+/// [one-thread] what() fills a cache without a lock.
 class Exception : public std::exception {
 public:
     static constexpr std::uint32_t unknownLine = 0xFFFFFFFF;

@@ -14,7 +14,7 @@ struct CRC32Tables;
 
 /// The least-significant-bit-first form. With the polynomial 0x04C11DB7 and the initial value
 /// 0xFFFFFFFF it is the CRC-32 of ZIP files. Whole bytes and single bits may be mixed freely.
-/// Threads: one at a time per object; getPolyTable any.
+/// [one-thread], but getPolyTable is [any-thread].
 class CRC32 {
 public:
     /// `polynomial` in normal, not reflected, notation. `initial` is also XORed into the result.

@@ -19,7 +19,7 @@ namespace Orvil {
 /// the categories around it do.
 ///
 /// Look-ups never throw: what is missing gives the default. Editing tells failure by false.
-/// Threads: any; each call holds the store's lock. A view has a lock of its own, which does not
+/// [any-thread] Each call holds the store's lock. A view has a lock of its own, which does not
 /// exclude its source's.
 class Configuration {
 public:

@@ -37,7 +37,7 @@ public:
 /// processing instruction. A comment is then passed over, but the other two are read as elements
 /// are: "<server>http://&host;/</server>" makes the category server with the empty property host,
 /// and "<p>1<?x y?></p>" the category p with the empty property x.
-/// Throws: the XML layer's failures.
+/// Throws what the XML layer throws when the document cannot be read.
 class XMLConfigurationReader : public IConfigurationReader {
 public:
     explicit XMLConfigurationReader(std::string fileName);

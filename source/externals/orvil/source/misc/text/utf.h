@@ -38,7 +38,7 @@ constexpr UTF32 replacementCharacter = 0xFFFD;
 // - Ill-formed UTF-8, encoded surrogates among it, stops the conversion either way.
 // - When the target is full, the source stays at the first unit that did not fit. A sequence that
 //   the end of the source cuts off gives sourceExhausted, even where its bytes are illegal already.
-// Threads: any; they share nothing.
+// [any-thread] They share nothing.
 UTF::ConversionResult ConvertUTF8toUTF16(const UTF::UTF8** sourceStart, const UTF::UTF8* sourceEnd,
                                          UTF::UTF16** targetStart, UTF::UTF16* targetEnd,
                                          UTF::ConversionFlags flags);

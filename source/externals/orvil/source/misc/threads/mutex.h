@@ -8,7 +8,8 @@
 
 namespace Orvil {
 
-/// A POSIX mutex. Not cancellation points. Throws: Exception with a fixed message per error.
+/// [any-thread] A POSIX mutex. Its calls are not cancellation points. Each throws Exception, with a
+/// fixed message per error, when the system refuses.
 class Mutex {
 public:
     /// A recursive mutex may be locked again by the thread that holds it; another one blocks.

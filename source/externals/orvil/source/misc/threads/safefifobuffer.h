@@ -13,7 +13,7 @@
 namespace Orvil {
 
 /// First in, first out, for any number of producers and consumers on any threads.
-/// Throws: what its semaphores, its mutex and T's copying throw.
+/// [any-thread] Throws what its semaphores, its mutex and T's copying throw.
 template <typename T>
 class SafeFIFOBuffer {
 public:

@@ -9,7 +9,7 @@
 
 namespace Orvil {
 
-/// Counts up to 32,767. Throws: Exception. Any thread.
+/// [any-thread] Counts up to 32,767. Throws Exception when the system refuses a call.
 class Semaphore {
 public:
     static constexpr std::uint32_t maximumValue = 32767;

@@ -14,7 +14,7 @@ namespace Orvil {
 
 /// Base of objects that delete themselves when their last holder lets go. A fresh object is owned
 /// by nobody; one that no SmartPointer ever takes is never deleted by the count.
-/// Threads: references may be taken and dropped on any thread. Dropping the last one is not a
+/// [any-thread] References may be taken and dropped on any thread. Dropping the last one is not a
 /// cancellation point, whatever the object's destructor does.
 class SmartPointable {
 public:
@@ -49,8 +49,7 @@ private:
 };
 
 /// Holds one reference on a T, which derives from SmartPointable, or nothing.
-/// Threads: several pointers to one object may be used on several threads; one pointer only on one
-/// thread at a time.
+/// [one-thread] Several pointers to one object may be used on several threads.
 template <typename T>
 class SmartPointer {
 public:

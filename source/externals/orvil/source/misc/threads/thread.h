@@ -24,7 +24,7 @@ namespace Orvil {
 /// run() and everything it calls at cancellation points must not be noexcept.
 ///
 /// Failures are told by returning false; nothing throws, but what run() throws ends the process.
-/// Threads: start, join, detach and destroy by one thread at a time; the rest by any.
+/// start, join, detach and the destructor are [one-thread], the rest is [any-thread].
 class Thread {
 public:
     Thread();

@@ -11,7 +11,7 @@ namespace Orvil {
 /// in a document. Texts are UTF-8. The nodes that the getters return belong to the document's
 /// parser and live until it lets its document go (IXmlParser::cleanup); each is made once, so the
 /// same place always gives the same object. addChild alone hands its result to the caller.
-/// Threads: one thread at a time per document. Throws: std::bad_alloc.
+/// [one-thread] for each document. Throws std::bad_alloc.
 class IXmlNode {
 public:
     IXmlNode() = default;

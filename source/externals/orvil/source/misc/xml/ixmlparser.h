@@ -26,7 +26,7 @@ namespace Orvil {
 /// Not bounded are the numbers of names, namespaces and attributes, and the time: a document that
 /// is made for it, 64 MiB of attributes of one element for instance, keeps libxml2 busy for long.
 ///
-/// Throws: Exception from parse and parseString. Threads: one at a time per parser.
+/// [one-thread]
 class IXmlParser : public SmartPointable {
 public:
     /// In bytes; far above the largest reply, which takes some 450 bytes per font.
@@ -36,6 +36,7 @@ public:
     [[nodiscard]] static SmartPointer<IXmlParser> getInstance(const std::string& name);
 
     /// Lets the present document go and reads another one. Nodes of the old one become invalid.
+    /// Throws Exception when the document is not well-formed, exceeds a bound or cannot be read.
     virtual void parse(const std::string& fileName) = 0;
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.

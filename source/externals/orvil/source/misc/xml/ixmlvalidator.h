@@ -10,8 +10,8 @@
 
 namespace Orvil {
 
-/// Held through SmartPointer. The schema is the program's own and not outside input; it may pull in
-/// other schemas. Throws: Exception. Threads: one at a time per validator.
+/// [one-thread] Held through SmartPointer. The schema is the program's own and not outside input;
+/// it may pull in other schemas. Throws Exception when it cannot be read.
 class IXmlValidator : public SmartPointable {
 public:
     /// A new validator for "LibXmlSchemaValidator", null for every other name.
