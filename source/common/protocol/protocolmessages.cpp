@@ -57,11 +57,11 @@ FontList mergeFonts(const FontList& requested, const FontList& replied, MergeLin
 
 } // namespace
 
-FontReply::FontReply(bool showWindow_, const FontList& fonts_)
-    : FontReply(showWindow_, FontList(fonts_)) {}
+FontReply::FontReply(bool hasWindow, const FontList& newFonts)
+    : FontReply(hasWindow, FontList(newFonts)) {}
 
-FontReply::FontReply(bool showWindow_, FontList&& fonts_)
-    : showWindow(showWindow_), fonts(std::move(fonts_)) {
+FontReply::FontReply(bool hasWindow, FontList&& newFonts)
+    : showWindow(hasWindow), fonts(std::move(newFonts)) {
     checkAll(fonts, checkFontReplyFont);
 }
 
@@ -69,10 +69,9 @@ FontList& FontReply::setFontList(const FontList& newFonts) {
     return replaceFonts(fonts, newFonts, checkFontReplyFont);
 }
 
-FontRequest::FontRequest(bool mustMatchFontType_, const FontList& fonts_,
-                         const std::string& targetApp_, const std::string& targetClass_)
-    : mustMatchFontType(mustMatchFontType_), fonts(fonts_), targetApp(targetApp_),
-      targetClass(targetClass_) {
+FontRequest::FontRequest(bool mustMatchType, const FontList& newFonts, const std::string& app,
+                         const std::string& appClass)
+    : mustMatchFontType(mustMatchType), fonts(newFonts), targetApp(app), targetClass(appClass) {
     checkAll(fonts, checkFontRequestFont);
 }
 
@@ -99,9 +98,9 @@ FontList FontRequest::mergeFontsInReply(const FontReply& reply) const {
     });
 }
 
-ShowReply::ShowReply(const FontList& fonts_) : ShowReply(FontList(fonts_)) {}
+ShowReply::ShowReply(const FontList& newFonts) : ShowReply(FontList(newFonts)) {}
 
-ShowReply::ShowReply(FontList&& fonts_) : fonts(std::move(fonts_)) {
+ShowReply::ShowReply(FontList&& newFonts) : fonts(std::move(newFonts)) {
     checkAll(fonts, checkShowReplyFont);
 }
 
@@ -109,8 +108,8 @@ FontList& ShowReply::setFontList(const FontList& newFonts) {
     return replaceFonts(fonts, newFonts, checkShowReplyFont);
 }
 
-ShowRequest::ShowRequest(bool mustMatchFontType_, const FontList& fonts_)
-    : mustMatchFontType(mustMatchFontType_), fonts(fonts_) {
+ShowRequest::ShowRequest(bool mustMatchType, const FontList& newFonts)
+    : mustMatchFontType(mustMatchType), fonts(newFonts) {
     checkAll(fonts, checkShowRequestFont);
 }
 
@@ -126,9 +125,9 @@ FontList ShowRequest::mergeFontsInReply(const ShowReply& reply) const {
     });
 }
 
-ActivationReply::ActivationReply(const FontList& fonts_) : ActivationReply(FontList(fonts_)) {}
+ActivationReply::ActivationReply(const FontList& newFonts) : ActivationReply(FontList(newFonts)) {}
 
-ActivationReply::ActivationReply(FontList&& fonts_) : fonts(std::move(fonts_)) {
+ActivationReply::ActivationReply(FontList&& newFonts) : fonts(std::move(newFonts)) {
     checkAll(fonts, checkActivationReplyFont);
 }
 
@@ -136,7 +135,7 @@ FontList& ActivationReply::setFontList(const FontList& newFonts) {
     return replaceFonts(fonts, newFonts, checkActivationReplyFont);
 }
 
-ActivationRequest::ActivationRequest(const FontList& fonts_) : fonts(fonts_) {
+ActivationRequest::ActivationRequest(const FontList& newFonts) : fonts(newFonts) {
     checkAll(fonts, checkActivationRequestFont);
 }
 
@@ -151,14 +150,14 @@ FontList ActivationRequest::mergeFontsInReply(const ActivationReply& reply) cons
     });
 }
 
-BuyReply::BuyReply(const Font& font_) : font(font_) {}
+BuyReply::BuyReply(const Font& newFont) : font(newFont) {}
 
 Font& BuyReply::setFont(const Font& newFont) {
     font = newFont;
     return font;
 }
 
-BuyRequest::BuyRequest(const Font& font_) : font(font_) {
+BuyRequest::BuyRequest(const Font& newFont) : font(newFont) {
     checkBuyRequestFont(font);
 }
 

@@ -77,7 +77,7 @@ TEST_F(AHostileReply, ThatDeclaresEntitiesIsNotRead) {
 }
 
 TEST_F(AHostileReply, ThatIsLargeIsBounded) {
-    const std::string name(9'000'000, 'a');
+    const std::string name = std::string().append(9'000'000, 'a');
     EXPECT_EQ(handler_.parseReply(reply("1", name)).activationReply->fonts.front().psName, name);
     EXPECT_EQ(outcomeOf(reply("1", name + "&amp;" + name)), Outcome::NotXml);
     EXPECT_THAT(message_, HasSubstr("huge text node"));

@@ -76,8 +76,8 @@ TEST(AReplyDocument, HasAllOfAFontInAnyOrder) {
         "<typeMatchingCount>3</typeMatchingCount>",
         "<isTypeMatchingActive>true</isTypeMatchingActive>",
         "<typeMatchingContainerID>5</typeMatchingContainerID>",
-        "<fontInfos><fontInfo><name>1</name> <value>one</value></fontInfo><!-- -->"
-        "<fontInfo><name>2</name><value/></fontInfo></fontInfos>",
+        R"(<fontInfos><fontInfo><name>1</name> <value>one</value></fontInfo><!-- -->
+           <fontInfo><name>2</name><value/></fontInfo></fontInfos>)",
         "<containerID>9</containerID>",
         "<activationSuccessfull>1</activationSuccessfull>",
     };

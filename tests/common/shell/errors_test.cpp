@@ -28,7 +28,7 @@ protected:
     ~AnError() override {
         EXPECT_THAT(host.acquired, IsEmpty());
         EXPECT_EQ(sADMBasic, nullptr);
-        Plugin::clock = realClock;
+        Plugin::clock = realClock_;
     }
     std::vector<std::string> shown(AIErr error) {
         host.errorAlerts.clear();
@@ -39,7 +39,7 @@ protected:
     scripted::Host host;
 
 private:
-    std::time_t (*realClock)() = Plugin::clock;
+    std::time_t (*realClock_)() = Plugin::clock;
 };
 
 TEST_F(AnError, IsShownWithItsMessageAndCode) {

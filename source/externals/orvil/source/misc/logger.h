@@ -12,6 +12,7 @@ namespace Orvil {
 class Logger {
 public:
     /// Higher is more severe; neighbours are 3 apart.
+    // NOLINTBEGIN(readability-identifier-naming): they stand for an enumeration
     static constexpr int Error = 9;
     static constexpr int Warning = 6;
     static constexpr int Important = 3;
@@ -19,6 +20,7 @@ public:
     static constexpr int Fine = -3;
     static constexpr int Finest = -6;
     static constexpr int Debug = -9;
+    // NOLINTEND(readability-identifier-naming)
 
     /// Both are stored and have no meaning yet.
     Logger(const std::string& name, bool flag);
