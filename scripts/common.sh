@@ -76,10 +76,9 @@ build() {
             fail "configuring $preset failed; the whole story is in $log"
         }
     fi
-    if ! cmake --build "$folder" -- -n "$@" 2>/dev/null | grep -q 'no work to do'; then
-        say "building $preset"
-    fi
-    cmake --build "$folder" -- "$@" >"$log" 2>&1 || {
+    # Says that it builds when something is built. Ends with this script, whatever ends that.
+    setpriv --pdeathsig TERM ninja -C "$folder" "$@" 2>&1 | tee "$log" |
+        { grep --quiet --max-count=1 '^\[[1-9]' && say "building $preset"; cat >/dev/null; } || {
         grep -E -A12 'error:|FAILED:|undefined reference' "$log" | head -n 60 >&2 || true
         fail "building $preset failed; the whole story is in $log"
     }

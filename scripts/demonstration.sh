@@ -1,23 +1,7 @@
-#!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Sets up the sandbox (fonts, settings, bus) and runs host and manager in it. Called by run.
-set -euo pipefail
-. "$(dirname "$0")/common.sh"
-
-fresh=false keep=false manager=true json=false locale='' save=''
-while [ $# -gt 0 ]; do
-    case $1 in
-    --fresh) fresh=true ;;
-    --keep-active) keep=true ;;
-    --no-manager) manager=false ;;
-    --json) json=true ;;
-    --locale) locale=$2; shift ;;
-    --save) save=$2; shift ;;
-    --) shift; break ;;
-    esac
-    shift
-done
-documents=("$@")
+# Sets up the sandbox (fonts, settings, bus) and runs host and manager in it. Sourced by run, for the
+# options that it has read.
+# shellcheck shell=bash disable=SC2154
 
 release="$root/build/release"
 sandbox="$root/build/sandbox"
@@ -114,11 +98,30 @@ export FONTCONFIG_FILE="$sandbox/fonts.conf"
 export PATH="$release/bin:$PATH"
 unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY
 
-# A bus that ends with this script, whatever ends it. Its standard error would only tell of limits
-# that it could not raise.
+# Its standard error would only tell of limits that it could not raise.
 exec {bus}< <(exec setpriv --pdeathsig TERM dbus-daemon --session --nofork --nopidfile --print-address=1 2>/dev/null)
 bus_daemon=$!
-trap 'kill "$bus_daemon" 2>/dev/null || true' EXIT
+
+# Ends the host, the manager even if it is just starting, and then the bus. All of them but the bus
+# have its address in their environment.
+finish() {
+    trap '' INT TERM HUP
+    local address=${DBUS_SESSION_BUS_ADDRESS:-} files
+    unset DBUS_SESSION_BUS_ADDRESS
+    for _ in {1..100}; do
+        files=$(grep --fixed-strings --text --files-with-matches --no-messages \
+            "DBUS_SESSION_BUS_ADDRESS=$address" /proc/[0-9]*/environ || true) # some have just ended
+        [ -n "$address" ] && [ -n "$files" ] || break
+        printf '%s\n' "$files" | cut -d / -f 3 | xargs kill 2>/dev/null || true
+        sleep 0.05
+    done
+    kill "$bus_daemon" 2>/dev/null || true
+}
+trap finish EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
 read -r DBUS_SESSION_BUS_ADDRESS <&"$bus" || fail 'the message bus did not start'
 export DBUS_SESSION_BUS_ADDRESS
 
@@ -130,10 +133,11 @@ options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
 [ -n "$save" ] && options+=(--save "$save")
-glyphora-host open "${options[@]}" -- "${documents[@]}" || status=$?
+# In the background, so that a signal to this script is not kept until the host has ended.
+setpriv --pdeathsig TERM glyphora-host open "${options[@]}" -- "${documents[@]}" &
+wait $! || status=$?
 if ! $json; then
     printf '\nWhat the font manager did\n'
     glyphora history --all | tail -n "+$((earlier + 1))" | grep . || echo 'nothing: it was not asked'
 fi
-glyphora quit >/dev/null 2>&1 || true # no document missed a font, so none was started
 exit $status
