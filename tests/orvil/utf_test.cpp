@@ -9,7 +9,6 @@
 
 #include <cstdint>
 #include <random>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -18,26 +17,6 @@ using namespace Orvil::UTF;
 using namespace UTFModel;
 
 namespace {
-
-constexpr std::tuple conversions{&ConvertUTF8toUTF16, &ConvertUTF16toUTF8,  &ConvertUTF8toUTF32,
-                                 &ConvertUTF32toUTF8, &ConvertUTF16toUTF32, &ConvertUTF32toUTF16};
-
-template <typename Source, typename Target>
-using Conversion = ConversionResult (*)(const Source**, const Source*, Target**, Target*,
-                                        ConversionFlags);
-
-template <typename Source, typename Target>
-Outcome converted(const Units& source, std::size_t capacity, ConversionFlags flags) {
-    // Exact copies, so that a read or a write beyond them is seen by the sanitizers.
-    const std::vector<Source> exact(source.begin(), source.end());
-    std::vector<Target> buffer(capacity);
-    const Source* from = exact.data();
-    Target* to = buffer.data();
-    const auto convert = std::get<Conversion<Source, Target>>(conversions);
-    const ConversionResult result =
-        convert(&from, from + exact.size(), &to, to + buffer.size(), flags);
-    return {result, static_cast<std::size_t>(from - exact.data()), Units(buffer.data(), to)};
-}
 
 template <typename Pair>
 class AConversion : public testing::Test {
