@@ -4,6 +4,9 @@
 // [main-thread], but for the basic suite's allocation.
 #pragma once
 
+#include "adm/dialogsuites.h"
+#include "adm/drawersuite.h"
+#include "adm/listsuites.h"
 #include "adm/suites.h"
 #include "ai/suites.h"
 #include "ate/suites.h"
@@ -13,6 +16,7 @@
 
 #define GLYPHORA_DECLARE_TYPE(type, pointer, name, version) struct type;
 GLYPHORA_HOST_SUITES(GLYPHORA_DECLARE_TYPE)
+
 namespace ATE {
 GLYPHORA_TEXT_SUITES(GLYPHORA_DECLARE_TYPE, )
 } // namespace ATE
