@@ -53,7 +53,7 @@ void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string
 } // namespace
 
 SetRecord recordOf(const ContainerFonts& container) {
-    SetRecord record{container.id, container.name, SetState::Active, {}};
+    SetRecord record{container.id, container.name, {}};
     std::set<std::string> names;
     for (const LibraryFile& file : container.files) {
         // Files of a container share a folder, so their names differ.

@@ -67,7 +67,7 @@ public:
     deactivate(std::span<const ContainerId> containers);
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
-    /// the files that cannot be had), sets that were leaving go. Told to `report`, a line each. A
+    /// the files that cannot be had), begun removals are finished. Told to `report`, a line each. A
     /// change that a killed process did not settle is unsettled again.
     void recover(const std::function<void(const std::string&)>& report);
 

@@ -11,8 +11,7 @@ namespace manager {
 
 std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
     try {
-        auto record = readSetRecord(folders_.folder(id));
-        return record && record->state == SetState::Active ? std::move(record) : std::nullopt;
+        return readSetRecord(folders_.folder(id));
     } catch (const Error&) {
         return std::nullopt; // told when something is done with the set
     }

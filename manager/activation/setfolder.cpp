@@ -62,7 +62,7 @@ SetFolders::Progress SetFolders::prepare(SetRecord& wanted, std::vector<LostFile
     }
     try {
         step("write record");
-        writeSetRecordFile(prepared + "/" + setRecordName, wanted);
+        writeFile(prepared + "/" + setRecordName, recordText(wanted));
     } catch (const Error&) {
         discard(wanted.id);
         throw;
@@ -107,8 +107,7 @@ void SetFolders::syncPlaced() const {
 
 SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost) {
     const std::string place = folder(wanted.id);
-    auto current = readSetRecord(place);
-    if (current && current->state == SetState::Active) {
+    if (const auto current = readSetRecord(place)) {
         checkIsSetOf(place, *current, wanted);
         return update(*current, wanted, lost);
     }
@@ -118,9 +117,8 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
         if (!isFolder(place)) {
             throw Error(place + ": is in the way and not this program's");
         }
-        removeLeftRecords(place);
         if (rmdir(place.c_str()) != 0) { // files that are not the manager's lie there
-            return update({wanted.id, wanted.name, SetState::Active, {}}, wanted, lost);
+            return update({wanted.id, wanted.name, {}}, wanted, lost);
         }
     }
     return prepare(wanted, lost);

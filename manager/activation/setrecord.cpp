@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Field lines: a header, "set" with number, state and name, and a "file" line per file,
-// or a "leaving" line for one that is to go.
+// Field lines: a header, "set" with number, "active" and name, and a "file" line per file, or a
+// "leaving" line for one that is to go.
 #include "manager/activation/setrecord.h"
 
 #include "manager/library/error.h"
@@ -32,11 +32,10 @@ bool readLine(std::string_view line, SetRecord& record) {
     const auto& parts = *fields;
     if (parts[0] == "set" && parts.size() == 4) {
         const auto id = toContainerId(parts[1]);
-        if (!id || (parts[2] != "active" && parts[2] != "leaving")) {
+        if (!id || parts[2] != "active") {
             return false;
         }
         record.id = *id;
-        record.state = parts[2] == "active" ? SetState::Active : SetState::Leaving;
         record.name = parts[3];
         return true;
     }
@@ -54,11 +53,12 @@ bool readLine(std::string_view line, SetRecord& record) {
     return false;
 }
 
+} // namespace
+
 std::string recordText(const SetRecord& record) {
     std::string text(header);
     text += '\n';
-    text += joinFields({"set", toText(record.id),
-                        record.state == SetState::Active ? "active" : "leaving", record.name});
+    text += joinFields({"set", toText(record.id), "active", record.name});
     for (const SetFile& file : record.files) {
         text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
                             std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
@@ -66,8 +66,6 @@ std::string recordText(const SetRecord& record) {
     }
     return text;
 }
-
-} // namespace
 
 std::string libraryFolder(const SetRecord& record) {
     return record.files.empty() ? std::string() : folderOf(record.files.front().source);
@@ -101,15 +99,6 @@ std::optional<SetRecord> readSetRecordFile(const std::string& path) {
         throw Error(path + ": line 2: the container is missing");
     }
     return record;
-}
-
-void writeSetRecordFile(const std::string& path, const SetRecord& record) {
-    writeFile(path, recordText(record));
-}
-
-void replaceSetRecordFile(const std::string& path, const SetRecord& record,
-                          std::string_view aside) {
-    replaceFile(path, recordText(record), aside);
 }
 
 } // namespace manager

@@ -24,13 +24,9 @@ struct SetFile {
     bool operator==(const SetFile&) const = default;
 };
 
-/// `leaving`: earlier versions began a removal with it, which is to be finished.
-enum class SetState { Active, Leaving };
-
 struct SetRecord {
     ContainerId id{};
     std::string name; ///< the container's, for people
-    SetState state = SetState::Active;
     std::vector<SetFile> files;
     bool operator==(const SetRecord&) const = default;
 };
@@ -54,19 +50,16 @@ private:
 };
 
 /// The folder of the library that the set's files come from; empty when it has none.
-std::string libraryFolder(const SetRecord& record);
+[[nodiscard]] std::string libraryFolder(const SetRecord& record);
 /// Whether the set is that of the container of this name in this folder of the library. Its number
 /// does not tell: numbers begin anew with a new index.
-bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder);
+[[nodiscard]] bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder);
 
 /// The record of the set in `folder`; nullopt when there is none. Throws Error (file, line).
-std::optional<SetRecord> readSetRecord(const std::string& folder);
+[[nodiscard]] std::optional<SetRecord> readSetRecord(const std::string& folder);
 /// The same from a file of any name.
-std::optional<SetRecord> readSetRecordFile(const std::string& path);
-
-/// Writes a record, unsynced. Throws Error.
-void writeSetRecordFile(const std::string& path, const SetRecord& record);
-/// Replaces a record at one stroke, written under a name that begins with `aside`. Throws Error.
-void replaceSetRecordFile(const std::string& path, const SetRecord& record, std::string_view aside);
+[[nodiscard]] std::optional<SetRecord> readSetRecordFile(const std::string& path);
+/// The contents of a record's file.
+[[nodiscard]] std::string recordText(const SetRecord& record);
 
 } // namespace manager

@@ -31,7 +31,6 @@ bool SetFolders::remove(ContainerId id, bool* leftBehind) {
             step("remove file");
             removeFile(place + "/" + file.name);
         }
-        removeLeftRecords(place);
     } catch (const Error&) {
         rename(taken.c_str(), inPlace.c_str());
         throw;
@@ -66,17 +65,15 @@ void SetFolders::recover(ContainerId id, const std::function<void(const std::str
     const std::string place = folder(id);
     const auto record = readSetRecord(place);
     bool leftBehind = false;
-    if (!record || record->state == SetState::Leaving) {
+    if (!record) {
         if (removeWhole(id, &leftBehind)) {
             report(place + ": removed, as was begun");
         } else if (isFolder(place)) {
-            removeLeftRecords(place);
             rmdir(place.c_str()); // an empty one is what a removal left; any other is not ours
         }
         return;
     }
     removeFile(staging_.takenRecord(id)); // outdated: the set was put there since
-    removeLeftRecords(place);
     SetRecord wanted = *record;
     std::erase_if(wanted.files, [&](SetFile& file) {
         if (file.leaving) {

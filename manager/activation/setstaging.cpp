@@ -42,7 +42,7 @@ void SetStaging::makeFolder(ContainerId id) const {
 }
 
 void SetStaging::replaceRecord(const std::string& place, const SetRecord& record) const {
-    replaceSetRecordFile(place + "/" + setRecordName, record, folder(record.id) + ".record");
+    replaceFile(place + "/" + setRecordName, recordText(record), folder(record.id) + ".record");
 }
 
 std::vector<ContainerId> SetStaging::takenRecords() const {
@@ -75,15 +75,6 @@ bool SetStaging::clear() const {
         }
     }
     return unsettled;
-}
-
-void removeLeftRecords(const std::string& place) {
-    const std::string beginning = std::string(setRecordName) + ".";
-    for (const std::string& name : namesIn(place)) {
-        if (name.starts_with(beginning) && name.ends_with(".new")) {
-            removeFile(std::string(place).append("/").append(name));
-        }
-    }
 }
 
 } // namespace manager

@@ -44,8 +44,4 @@ private:
     std::string path_;
 };
 
-/// Removes what an interrupted replacement of the record left in the set's folder; earlier versions
-/// made it there. Throws Error.
-void removeLeftRecords(const std::string& place);
-
 } // namespace manager

@@ -221,26 +221,6 @@ TEST_F(AnActivation, LeavesForeignFilesAloneWhereverTheyAre) {
     EXPECT_EQ(readBytes(set() + "/two.ttf"), "mine");
 }
 
-TEST_F(AnActivation, ClearsWhatAnInterruptedReplacementOfTheRecordLeft) {
-    const std::string left = set() + "/" + setRecordName + ".4711.new";
-    const std::vector<std::function<void()>> ways = {
-        [&] { recover(); },
-        [&] { EXPECT_THAT(deactivate().problems, IsEmpty()); },
-        [&] {
-            std::filesystem::remove(set() + "/" + setRecordName);
-            std::filesystem::remove(set() + "/one.ttf");
-            std::filesystem::remove(set() + "/two.ttf");
-            activate(fonts());
-        },
-    };
-    for (const auto& way : ways) {
-        activate(fonts());
-        writeBytes(left, "half a record");
-        way();
-        EXPECT_FALSE(std::filesystem::exists(left));
-    }
-}
-
 TEST_F(AnActivation, IsTakenBackOnAFullDisk) {
     activate(fonts());
     // Nothing can be written to any file.

@@ -45,11 +45,9 @@ TEST(ASetOnDisk, TellsItsContainer) {
     for (const auto& [id, name, file] :
          {std::tuple{4, "Test Sans", "one.ttf"}, std::tuple{9, "pair.ttc", "pair.ttc"}}) {
         fs::create_directories(fonts + std::to_string(id));
-        writeSetRecordFile(fonts + std::to_string(id) + "/" + setRecordName,
-                           {ContainerId{id},
-                            name,
-                            SetState::Active,
-                            {{file, std::string("/library/a/") + file, {1, 2, 3}, false}}});
+        const std::string source = std::string("/library/a/") + file;
+        writeBytes(fonts + std::to_string(id) + "/" + setRecordName,
+                   recordText({ContainerId{id}, name, {{file, source, {1, 2, 3}}}}));
     }
     fs::create_directories(fonts + "11"); // of somebody else
     fs::create_directories(fonts + "12");
