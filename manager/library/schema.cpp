@@ -8,8 +8,6 @@
 // face is found, families and styles in their pairs. A file of size -1 could not be read for a
 // reason outside of it and is read again by the next scan. walk_problem: what the last scan could
 // not look at. state: one row; scan_owed until a scan has filled a new index.
-//
-// Version 1 had no walk_problem and no state, and kept the size of every bad file.
 #include "manager/library/schema.h"
 
 #include <string>
@@ -61,9 +59,6 @@ CREATE TABLE name (
     PRIMARY KEY (family_key, style_key, face)
 ) WITHOUT ROWID;
 CREATE INDEX name_face ON name (face);
-)sql";
-
-constexpr const char* tablesSinceVersion2 = R"sql(
 CREATE TABLE walk_problem (problem TEXT PRIMARY KEY) WITHOUT ROWID;
 CREATE TABLE state (scan_owed INTEGER NOT NULL);
 INSERT INTO state (scan_owed) VALUES (1);
@@ -89,21 +84,15 @@ void prepareSchema(Database& database, const TableFiller& fill) {
         return; // another process made the tables in the meantime
     }
     const std::int64_t version = pragma(database, "PRAGMA user_version");
-    const bool empty = pragma(database, "SELECT count(*) FROM sqlite_master") == 0;
-    if (!empty && pragma(database, "PRAGMA application_id") != applicationId) {
-        throw Error(database.path() + ": not an index of this program");
-    }
-    if (!empty && version != 1) {
+    if (pragma(database, "SELECT count(*) FROM sqlite_master") != 0) {
+        if (pragma(database, "PRAGMA application_id") != applicationId) {
+            throw Error(database.path() + ": not an index of this program");
+        }
         throw Error(database.path() + ": written by another version of this program (schema " +
                     std::to_string(version) + ", known: " + std::to_string(schemaVersion) + ")");
     }
-    if (empty) {
-        database.run(tables);
-    }
-    database.run(tablesSinceVersion2);
-    if (!empty) {
-        database.run("UPDATE file SET size = -1 WHERE problem IS NOT NULL");
-    } else if (fill) {
+    database.run(tables);
+    if (fill) {
         fill(database);
     }
     database.run(("PRAGMA application_id=" + std::to_string(applicationId)).c_str());

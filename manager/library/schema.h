@@ -11,9 +11,9 @@ namespace manager {
 /// Fills tables that were just made, in the transaction that makes them: nobody sees them empty.
 using TableFiller = std::function<void(Database&)>;
 
-/// Makes the tables in an empty database, brings those of the version before up to date, or checks
-/// that they are this version's. A new index owes a scan. Throws Error when the file belongs to
-/// another program or a newer version; DamagedDatabase when it cannot be read.
+/// Makes the tables in an empty database, or checks that they are this version's. A new index owes
+/// a scan. Throws Error when the file belongs to another program or version; DamagedDatabase when
+/// it cannot be read.
 void prepareSchema(Database& database, const TableFiller& fill = {});
 
 /// Gives a container its number, unless either is taken. No `folder`: the number alone is reserved,

@@ -289,18 +289,6 @@ TEST_F(ALibrary, KeepsWhatTheWalkCouldNotLookAt) {
     EXPECT_THAT(library_->problems(), IsEmpty());
 }
 
-TEST_F(ALibrary, OfTheVersionBeforeIsTakenOver) {
-    add("one.ttf", {});
-    sandbox_.write("bad.ttf", "bad");
-    scan();
-    const auto before = ids();
-    library_->database().run("DROP TABLE state; DROP TABLE walk_problem; PRAGMA user_version=1");
-    library_ = open();
-    EXPECT_TRUE(library_->isScanOwed());
-    EXPECT_EQ(ids(), before);
-    EXPECT_EQ(scan().unchanged, 1U) << "bad files may have been those of a bad hour";
-}
-
 TEST_F(ALibrary, InAFolderThatCannotBeWrittenToCanBeRead) {
     add("one.ttf", {});
     scan();
