@@ -181,16 +181,13 @@ int statusCommand(const Places& places, bool json) {
     }
     std::printf("server: %s\n",
                 server ? ("running, process " + std::to_string(*server)).c_str() : "not running");
-    std::printf("library: %s, %s, %s, %s\n",
-                counted(static_cast<std::int64_t>(folders.size()), "folder").c_str(),
+    std::printf("library: %s, %s, %s, %s\n", counted(folders.size(), "folder").c_str(),
                 counted(counts.files, "font file").c_str(), counted(counts.faces, "face").c_str(),
                 counted(counts.containers, "container").c_str());
-    std::printf("active: %s\n",
-                counted(static_cast<std::int64_t>(active.size()), "container").c_str());
+    std::printf("active: %s\n", counted(active.size(), "container").c_str());
     for (const ActiveContainer& container : active) {
         std::printf("%6s  %s, %s\n", toText(container.id).c_str(),
-                    printable(container.name).c_str(),
-                    counted(static_cast<std::int64_t>(container.files), "file").c_str());
+                    printable(container.name).c_str(), counted(container.files, "file").c_str());
     }
     return exitSuccess;
 }

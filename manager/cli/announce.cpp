@@ -19,6 +19,7 @@ namespace manager {
 namespace {
 
 constexpr const char* changeNotification = "org.glyphora.Glyphora.FontLibraryChanged";
+constexpr int patienceMilliseconds = 5000;
 
 /// Disposes of itself.
 struct OwnedDesc : AEDesc {
@@ -70,32 +71,10 @@ std::optional<std::int32_t> findServer() {
     return std::nullopt;
 }
 
-namespace {
-
-/// Waits, no longer than a few seconds, for the end of a process.
-class ProcessEnd {
-public:
-    explicit ProcessEnd(std::int32_t processId)
-        : process_(static_cast<int>(syscall(SYS_pidfd_open, processId, 0))) {}
-    void await() const {
-        pollfd ended{process_.get(), POLLIN, 0};
-        while (process_ && poll(&ended, 1, patienceMilliseconds) < 0 && errno == EINTR) {
-        }
-    }
-
-private:
-    static constexpr int patienceMilliseconds = 5000;
-
-    sys::Descriptor process_;
-};
-
-} // namespace
-
 void askServerToQuit() {
-    std::optional<ProcessEnd> end;
-    if (const auto server = findServer()) {
-        end.emplace(*server);
-    }
+    const auto server = findServer();
+    const sys::Descriptor process(server ? static_cast<int>(syscall(SYS_pidfd_open, *server, 0))
+                                         : -1);
     OwnedDesc address;
     OwnedDesc event;
     OwnedDesc reply;
@@ -115,8 +94,8 @@ void askServerToQuit() {
         throw Error("the server did not answer (status " + std::to_string(status) + ")");
     }
     // Whoever starts the next one must not meet this one still leaving.
-    if (end) {
-        end->await();
+    pollfd ended{process.get(), POLLIN, 0};
+    while (process && poll(&ended, 1, patienceMilliseconds) < 0 && errno == EINTR) {
     }
 }
 

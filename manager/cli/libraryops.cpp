@@ -48,8 +48,7 @@ int scan(const Places& places, bool quiet, bool changedAlready) {
         for (const std::string& problem : report.knownProblems) {
             warn(problem);
         }
-        std::printf("%s read, %zu unchanged, %zu gone\n",
-                    counted(static_cast<std::int64_t>(report.read), "font file").c_str(),
+        std::printf("%s read, %zu unchanged, %zu gone\n", counted(report.read, "font file").c_str(),
                     report.unchanged, report.removed);
     }
     if (report.changed() || owed || changedAlready) {

@@ -87,10 +87,6 @@ void warn(std::string_view text) {
     std::fprintf(stderr, "glyphora: %s\n", printable(text).c_str());
 }
 
-std::string counted(std::int64_t number, std::string_view noun) {
-    return std::to_string(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
-}
-
 void printJson(const nlohmann::ordered_json& document) {
     // Names of files need not be UTF-8.
     std::puts(

@@ -5,6 +5,7 @@
 #include "manager/activation/activation.h"
 #include "manager/library/library.h"
 
+#include <concepts>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
@@ -27,7 +28,9 @@ void printLibrary(Library& library, const Activation& activation,
                   const std::vector<std::string>& folders, Listing listing);
 
 /// "1 face", "2 faces".
-std::string counted(std::int64_t number, std::string_view noun);
+std::string counted(std::integral auto number, std::string_view noun) {
+    return std::to_string(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
+}
 
 /// Prints a document to standard output; bytes that are not UTF-8 become U+FFFD.
 void printJson(const nlohmann::ordered_json& document);

@@ -59,7 +59,7 @@ void Server::note(const Answer& answer) {
     const std::string asked =
         answer.fonts == 0
             ? answer.word + " without fonts" // how the protocol's version is asked for
-            : answer.word + ": " + counted(static_cast<std::int64_t>(answer.fonts), "font");
+            : answer.word + ": " + counted(answer.fonts, "font");
     std::vector<HistoryEntry> entries{{Deed::Asked, asked}};
     if (verbose_) {
         warn(asked + (answer.target ? ", from process " + std::to_string(answer.target->processId)
@@ -105,7 +105,7 @@ bool Server::watchFolders(FolderWatch& watch) {
         }
         const auto [added, missed] = watch.watch(library_->directories(), readFolders(places_));
         if (missed != 0) {
-            warn(counted(static_cast<std::int64_t>(missed), "folder") +
+            warn(counted(missed, "folder") +
                  " cannot be watched; run \"glyphora scan\" after changes there");
         }
         return added != 0;

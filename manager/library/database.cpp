@@ -51,24 +51,19 @@ Statement::Statement(Database& database, const char* sql) : database_(&database)
 Statement& Statement::bind(int parameter, std::string_view text) {
     // A null pointer would bind NULL; the empty text is one.
     const char* data = text.data() == nullptr ? "" : text.data();
-    const int code = sqlite3_bind_text64(statement_.get(), parameter, data, text.size(),
-                                         SQLITE_STATIC, SQLITE_UTF8);
-    if (code != SQLITE_OK) {
-        database_->fail(code);
-    }
-    return *this;
+    return checked(sqlite3_bind_text64(statement_.get(), parameter, data, text.size(),
+                                       SQLITE_STATIC, SQLITE_UTF8));
 }
 
 Statement& Statement::bind(int parameter, std::int64_t number) {
-    const int code = sqlite3_bind_int64(statement_.get(), parameter, number);
-    if (code != SQLITE_OK) {
-        database_->fail(code);
-    }
-    return *this;
+    return checked(sqlite3_bind_int64(statement_.get(), parameter, number));
 }
 
 Statement& Statement::bindNull(int parameter) {
-    const int code = sqlite3_bind_null(statement_.get(), parameter);
+    return checked(sqlite3_bind_null(statement_.get(), parameter));
+}
+
+Statement& Statement::checked(int code) {
     if (code != SQLITE_OK) {
         database_->fail(code);
     }

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] bool isNull(int column) const;
 
 private:
+    Statement& checked(int code);
+
     struct Finalizer {
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };

@@ -4,31 +4,27 @@
 
 namespace manager {
 
+namespace {
+
+constexpr std::string_view special = "\t\n\\";
+constexpr std::string_view letters = "tn\\"; ///< that stand for them after a backslash
+
+} // namespace
+
 std::string joinFields(std::initializer_list<std::string_view> fields) {
     std::string line;
-    bool first = true;
     for (const std::string_view field : fields) {
-        if (!first) {
-            line += '\t';
-        }
-        first = false;
         for (const char c : field) {
-            switch (c) {
-            case '\t':
-                line += "\\t";
-                break;
-            case '\n':
-                line += "\\n";
-                break;
-            case '\\':
-                line += "\\\\";
-                break;
-            default:
+            const std::size_t place = special.find(c);
+            if (place == std::string_view::npos) {
                 line += c;
+            } else {
+                line += {'\\', letters[place]};
             }
         }
+        line += '\t';
     }
-    line += '\n';
+    line.back() = '\n';
     return line;
 }
 
@@ -43,12 +39,11 @@ std::optional<std::vector<std::string>> splitFields(std::string_view line) {
             fields.back() += line[i];
             continue;
         }
-        ++i;
-        const char escaped = i < line.size() ? line[i] : '\0';
-        if (escaped != 't' && escaped != 'n' && escaped != '\\') {
+        const std::size_t place = ++i < line.size() ? letters.find(line[i]) : std::string::npos;
+        if (place == std::string::npos) {
             return std::nullopt;
         }
-        fields.back() += escaped == 't' ? '\t' : escaped == 'n' ? '\n' : '\\';
+        fields.back() += special[place];
     }
     return fields;
 }

@@ -13,6 +13,7 @@
 #include <fontconfig/fontconfig.h>
 #include <memory>
 #include <optional>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -216,17 +217,15 @@ std::vector<FaceName> namesOf(const FcPattern* pattern) {
 } // namespace
 
 bool hasFontFileName(std::string_view name) {
-    static constexpr std::array<std::string_view, 7> endings = {"ttf", "otf", "ttc", "otc",
-                                                                "pfb", "pfa", "t1"};
+    static constexpr std::array<const char*, 7> endings = {"ttf", "otf", "ttc", "otc",
+                                                           "pfb", "pfa", "t1"};
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos) {
         return false;
     }
-    std::string ending(name.substr(dot + 1));
-    for (char& c : ending) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return std::find(endings.begin(), endings.end(), ending) != endings.end();
+    const std::string ending(name.substr(dot + 1));
+    return std::any_of(endings.begin(), endings.end(),
+                       [&](const char* known) { return strcasecmp(ending.c_str(), known) == 0; });
 }
 
 FontFileContents readFontFile(const std::string& path) {
@@ -268,19 +267,8 @@ FontFileContents readFontFile(const std::string& path) {
 }
 
 std::string nameKey(std::string_view name) {
-    std::string kept;
-    kept.reserve(name.size());
-    bool ascii = true;
-    for (const char c : name) {
-        if (c == ' ' || c == '\t') {
-            continue;
-        }
-        ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-        kept += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    if (ascii) {
-        return kept;
-    }
+    std::string kept(name);
+    std::erase_if(kept, [](char c) { return c == ' ' || c == '\t'; });
     const std::unique_ptr<FcChar8, void (*)(FcChar8*)> folded(
         FcStrDowncase(reinterpret_cast<const FcChar8*>(kept.c_str())), FcStrFree);
     return folded ? reinterpret_cast<const char*>(folded.get()) : kept;
