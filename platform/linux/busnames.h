@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace platform {
 
@@ -20,7 +21,11 @@ struct InstanceName {
     OSType signature = 0;
     std::int32_t processID = 0;
 
-    auto operator<=>(const InstanceName&) const = default;
+    bool operator==(const InstanceName&) const = default;
+    /// By process id, then by signature.
+    auto operator<=>(const InstanceName& other) const {
+        return std::tie(processID, signature) <=> std::tie(other.processID, other.signature);
+    }
 };
 
 /// "org.glyphora.AppleEvents1.<SIG>".

@@ -76,6 +76,16 @@ OSErr get(DescType type, const void* bytes, std::size_t size, DescType desiredTy
     return noErr;
 }
 
+OSErr get(const EventItem* item, DescType desiredType, DescType* actualType, void* data,
+          Size maximumSize, Size* actualSize) {
+    if (item == nullptr) {
+        return errAEDescNotFound;
+    }
+    gsize size = 0;
+    const void* bytes = g_bytes_get_data(item->data.get(), &size);
+    return get(item->type, bytes, size, desiredType, actualType, data, maximumSize, actualSize);
+}
+
 AEReturnID nextReturnID() {
     static std::atomic<std::uint32_t> made = 0;
     // Stays clear of kAutoGenerateReturnID.
@@ -160,13 +170,8 @@ OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desired
     if (read == nullptr) {
         return errAENotAEDesc;
     }
-    const EventItem* item = read->parameters.find(keyword);
-    if (item == nullptr) {
-        return errAEDescNotFound;
-    }
-    gsize size = 0;
-    const void* bytes = g_bytes_get_data(item->data.get(), &size);
-    return get(item->type, bytes, size, desiredType, actualType, data, maximumSize, actualSize);
+    return get(read->parameters.find(keyword), desiredType, actualType, data, maximumSize,
+               actualSize);
 }
 
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
@@ -194,12 +199,7 @@ OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType des
     const EventItem* item = keyword == AEKeyword{keyAddressAttr} && read->target.data
                                 ? &read->target
                                 : read->attributes.find(keyword);
-    if (item == nullptr) {
-        return errAEDescNotFound;
-    }
-    gsize size = 0;
-    const void* bytes = g_bytes_get_data(item->data.get(), &size);
-    return get(item->type, bytes, size, desiredType, actualType, data, maximumSize, actualSize);
+    return get(item, desiredType, actualType, data, maximumSize, actualSize);
 }
 
 OSErr AEDisposeDesc(AEDesc* desc) {

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <tuple>
 
 namespace platform {
 
@@ -47,9 +46,7 @@ std::vector<InstanceName> listInstances(const BusConnection& connection) {
             instances.push_back(*instance);
         }
     }
-    std::sort(instances.begin(), instances.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.processID, a.signature) < std::tie(b.processID, b.signature);
-    });
+    std::sort(instances.begin(), instances.end());
     return instances;
 }
 

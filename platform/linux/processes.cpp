@@ -12,7 +12,6 @@
 #include <cstring>
 #include <fstream>
 #include <mutex>
-#include <tuple>
 #include <vector>
 
 using platform::BusConnection;
@@ -24,11 +23,7 @@ constexpr std::size_t nameSize = 256;
 /// A process that is stopped must not hold up one that only wants its name.
 constexpr int nameTimeoutMilliseconds = 500;
 
-/// A serial number is the signature and the process id. That order of a walk: id, then signature.
-bool isBefore(const InstanceName& a, const InstanceName& b) {
-    return std::tie(a.processID, a.signature) < std::tie(b.processID, b.signature);
-}
-
+/// A serial number is the signature and the process id.
 InstanceName instanceOf(const ProcessSerialNumber& psn) {
     return {psn.highLongOfPSN, static_cast<std::int32_t>(psn.lowLongOfPSN)};
 }
@@ -45,11 +40,10 @@ public:
         const std::scoped_lock lock(mutex_);
         instances_ = std::move(instances);
     }
-    /// Those after `last` in the order of the walk.
+    /// Those after `last`.
     std::vector<InstanceName> after(const InstanceName& last) {
         const std::scoped_lock lock(mutex_);
-        return {std::upper_bound(instances_.begin(), instances_.end(), last, isBefore),
-                instances_.end()};
+        return {std::upper_bound(instances_.begin(), instances_.end(), last), instances_.end()};
     }
 
 private:

@@ -18,7 +18,6 @@ using AEReturnID = std::int16_t;
 using AETransactionID = std::int32_t;
 using AESendMode = std::int32_t;
 using AESendPriority = std::int16_t;
-using AEInteractAllowed = std::int8_t;
 
 /// A typed piece of data, an address, or a whole event (AppleEvent, with attributes and
 /// parameters). Opaque: initialise with AEInitializeDesc or {} and fill with a creating call.
@@ -52,7 +51,6 @@ enum : DescType {
 enum : AEKeyword {
     keyDirectObject = FourCharCode("----"),
     keyErrorNumber = FourCharCode("errn"),
-    keyErrorString = FourCharCode("errs"),
     keyEventClassAttr = FourCharCode("evcl"),
     keyEventIDAttr = FourCharCode("evid"),
     keyAddressAttr = FourCharCode("addr"),
@@ -78,11 +76,9 @@ enum : OSErr {
     errAECorruptData = -1702,
     errAENotAEDesc = -1704,
     errAEEventNotHandled = -1708,
-    errAEUnknownAddressType = -1716,
     errAEHandlerNotFound = -1717,
     errAETimeout = -1712,
     errAEReplyNotValid = -1709,
-    errAEBufferTooSmall = -1741,
 };
 
 /// The greatest size in bytes of one event, parameters and attributes together, each counted as it

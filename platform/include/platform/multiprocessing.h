@@ -13,7 +13,6 @@ enum : Duration {
     kDurationForever = 0x7FFFFFFF,
 };
 enum : OSStatus {
-    kMPDeletedErr = -29295,
     kMPTimeoutErr = -29296,
     kMPInsufficientResourcesErr = -29298,
     kMPInvalidIDErr = -29299,
