@@ -65,7 +65,7 @@ TEST_F(AnActivation, CopiesFilesOfAnotherFileSystem) {
         GTEST_SKIP() << "no second file system to write to";
     }
     const std::string font = folder + "/far.ttf";
-    writeBytes(font, makeFont({"Far", "Regular", "Far", "", "", false, {}}));
+    writeBytes(font, makeFont({"Far", "Regular", "Far"}));
     const auto outcome = activate({container, "Far", {{font, stampOf(font)}}});
     const std::string copied = readBytes(set() + "/far.ttf");
     const std::string original = readBytes(font);
@@ -122,7 +122,7 @@ TEST_F(AnActivation, LosesOnlyTheFilesThatAreGoneOrHaveChanged) {
 TEST_F(AnActivation, CountsOnlyWhatIsActiveAsTheLibraryHasIt) {
     activate(fonts());
     EXPECT_THAT(activeFiles(), ElementsAre("one.ttf", "two.ttf"));
-    sandbox_.write("one.ttf", makeFont({"Other", "Regular", "Other", "", "", false, {}}) + "more");
+    sandbox_.write("one.ttf", makeFont({"Other", "Regular", "Other"}) + "more");
     EXPECT_THAT(activeFiles(), ElementsAre("two.ttf")) << "another size, if not another time";
     std::filesystem::remove(set() + "/two.ttf");
     EXPECT_THAT(activeFiles(), IsEmpty());

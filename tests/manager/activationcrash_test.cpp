@@ -92,7 +92,7 @@ TEST_F(ACrash, WhileReplacingAFileNeverLetsTheOldOneCount) {
         sandbox_.write("one.new", old);
         std::filesystem::rename(sandbox_.library() + "/one.new", one);
         activate(fonts());
-        sandbox_.write("one.new", makeFont({"One Anew", "Regular", "Anew", "", "", false, {}}));
+        sandbox_.write("one.new", makeFont({"One Anew", "Regular", "Anew"}));
         std::filesystem::rename(sandbox_.library() + "/one.new", one);
         crashed = crashAt(step, [&](const StepObserver& observer) { activate(fonts(), observer); });
         const auto isNew = [&] { return readBytes(set() + "/one.ttf") != old; };

@@ -29,7 +29,7 @@ protected:
     ~AnActivation() override { FcFini(); }
 
     void addFont(const std::string& file, const std::string& name) {
-        sandbox_.write(file, makeFont({name, "Regular", name, "", "", false, {}}));
+        sandbox_.write(file, makeFont({name, "Regular", name}));
     }
     manager::ContainerFonts fonts(const std::vector<std::string>& files = {"one.ttf", "two.ttf"}) {
         manager::ContainerFonts result{container, "Both", {}};

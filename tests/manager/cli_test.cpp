@@ -39,6 +39,13 @@ TEST(ALineForPeople, ShowsControlCharacters) {
     }
 }
 
+TEST(AContainerNumber, IsADecimalOfAtLeastOne) {
+    EXPECT_EQ(toContainerId("12"), static_cast<ContainerId>(12));
+    for (const char* text : {"", "0", "-1", "1 ", " 1", "1x", "2147483648", "+1"}) {
+        EXPECT_FALSE(toContainerId(text)) << text;
+    }
+}
+
 TEST(ASetOnDisk, TellsItsContainer) {
     const Sandbox sandbox;
     const std::string fonts = sandbox.places().fonts() + "/";

@@ -24,12 +24,11 @@ namespace {
 class AnExchange : public testing::Test {
 protected:
     AnExchange() {
-        add("one/lato.ttf", {"Lato", "Bold", "Lato-Bold", "", "", true, {}});
-        add("one/lato-r.ttf", {"Lato", "Regular", "Lato-Regular", "", "", true, {}});
-        add("x/both.ttf", {"Both", "Regular", "Both", "", "", false, {}});
-        add("y/both.ttf", {"Both", "Regular", "Both", "", "", true, {}});
-        add("odd/m.ttf",
-            {"M\xC3\xBCller & S\xC3\xB6hne <Co>", "Regular", "Mueller", "", "", true, {}});
+        add("one/lato.ttf", {"Lato", "Bold", "Lato-Bold", true});
+        add("one/lato-r.ttf", {"Lato", "Regular", "Lato-Regular", true});
+        add("x/both.ttf", {"Both", "Regular", "Both"});
+        add("y/both.ttf", {"Both", "Regular", "Both", true});
+        add("odd/m.ttf", {"Müller & Söhne <Co>", "Regular", "Mueller", true});
         scan();
     }
     ~AnExchange() override { FcFini(); }
@@ -131,8 +130,7 @@ TEST_F(AnExchange, FindsByFamilyAndStyleWhatThePostScriptNameDoesNot) {
     } cases[] = {
         {"Lato-Bold", "Both", "Regular", "Lato Bold"},
         {"LatoBold", "lato", "BOLD", "Lato Bold"},
-        {"Unknown", "M\xC3\x9CLLER & S\xC3\x96HNE <co>", "Regular",
-         "M\xC3\xBCller & S\xC3\xB6hne <Co> Regular"},
+        {"Unknown", "MÜLLER & SÖHNE <co>", "Regular", "Müller & Söhne <Co> Regular"},
         {"", "Lato", "", "Lato Regular"},
         {"Unknown", "", "", " "},
     };
@@ -185,7 +183,7 @@ TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivatedAndActivatesTheOthersOfItsCont
 TEST_F(AnExchange, RenewsWhatWasReplacedInTheLibraryUnderTheSameName) {
     const std::string asked = font({{"syncID", "1"}, {"psName", "Mueller"}});
     EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
-    add("odd/m.ttf", {"M\xC3\xBCller & S\xC3\xB6hne <Co>", "Book", "Mueller", "", "", true, {}});
+    add("odd/m.ttf", {"Müller & Söhne <Co>", "Book", "Mueller", true});
     scan();
     EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "0");
     EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
@@ -277,7 +275,6 @@ TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
         EXPECT_FALSE(answer_.changed);
     }
     EXPECT_THAT(activation_.active([](const std::string&) {}), IsEmpty());
-    EXPECT_THAT(ask("showRequest", "").all("font"), IsEmpty());
 }
 
 TEST_F(AnExchange, AnswersWhatItCannotReadOrDoesNotKnow) {

@@ -2,11 +2,13 @@
 // Reading one font file: names, technology, and what is refused.
 #include "manager/library/error.h"
 #include "manager/library/fontfile.h"
+#include "manager/library/stylewords.h"
 #include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 #include <sys/stat.h>
 
 using namespace manager;
@@ -35,9 +37,8 @@ protected:
 };
 
 TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
-    const auto contents =
-        read(makeFont({"Test Sans Condensed", "Bold", "TestSansCondensed-Bold", "Test Sans",
-                       "Condensed Bold", true, std::vector<std::string>()}));
+    const auto contents = read(makeFont({"Test Sans Condensed", "Bold", "TestSansCondensed-Bold",
+                                         true, "Test Sans", "Condensed Bold"}));
     ASSERT_EQ(contents.faces.size(), 1U);
     EXPECT_FALSE(contents.collection);
     EXPECT_EQ(contents.faces[0].type, FontType::OpenTypeTrueType);
@@ -47,9 +48,8 @@ TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
 }
 
 TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
-    const auto contents =
-        read(makeCollection({{"Müller & Söhne", "Regular", "Mueller-Regular", "", "", false, {}},
-                             {"Other", "Bold", "Other-Bold", "", "", true, {}}}));
+    const auto contents = read(makeCollection(
+        {{"Müller & Söhne", "Regular", "Mueller-Regular"}, {"Other", "Bold", "Other-Bold", true}}));
     EXPECT_TRUE(contents.collection);
     ASSERT_EQ(contents.faces.size(), 2U);
     EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Müller & Söhne", "Regular"}));
@@ -120,6 +120,29 @@ TEST(AFontFileName, IsKnownByItsEnding) {
     }
     for (const char* name : {"a.afm", "a.pfm", "ttf", "a.ttf.bak", "a.woff2", ""}) {
         EXPECT_FALSE(hasFontFileName(name)) << name;
+    }
+}
+
+TEST(AStyleForm, IsTheSameForWordsThatSayTheSame) {
+    const std::vector<std::vector<std::string>> groups = {
+        {"", "regular", "book", "roman", "normal"},
+        {"italic", "oblique", "regularitalic", "bookoblique"},
+        {"bolditalic", "boldoblique", "italicbold"},
+        {"semibold", "demibold", "demi"},
+        {"extralight", "ultralight"},
+        {"condensedbold", "boldcondensed", "bold-narrow"},
+        {"12italic", "italic12"},
+        {"light"},
+        {"semilight"},
+        {"12"},
+        {"poster"},
+    };
+    std::set<std::string> forms;
+    for (const auto& group : groups) {
+        for (const std::string& style : group) {
+            EXPECT_EQ(styleForm(style), styleForm(group.front())) << style;
+        }
+        EXPECT_TRUE(forms.insert(styleForm(group.front())).second) << group.front();
     }
 }
 

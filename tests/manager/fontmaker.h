@@ -11,10 +11,11 @@ struct FontRecipe {
     std::string family = "Test Sans"; ///< UTF-8; the legacy family when a typographic one is given
     std::string style = "Regular";
     std::string postScriptName = "TestSans-Regular";
-    std::string typographicFamily; ///< empty: none
-    std::string typographicStyle;
     bool layout = false;                ///< with a layout table, which makes it OpenType
-    std::vector<std::string> instances; ///< names of a variable font's instances, without the first
+    std::string typographicFamily = {}; ///< empty: none
+    std::string typographicStyle = {};
+    /// Names of a variable font's instances, without the first.
+    std::vector<std::string> instances = {};
 };
 
 /// A TrueType font's bytes.

@@ -4,25 +4,20 @@
 #include "platform/notify.h"
 #include "platform/processes.h"
 #include "tests/manager/fontmaker.h"
+#include "tests/manager/programrun.h"
 #include "tests/manager/sandbox.h"
 #include "tests/platform/events.h"
 #include "tests/support/foldedreply.h"
 #include "tests/support/privatebus/privatebus.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace managertest;
@@ -31,71 +26,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-// A watchdog, far beyond what anything here takes.
-constexpr std::chrono::seconds patience{60};
-
-bool await(const std::function<bool()>& condition) {
-    const auto deadline = Clock::now() + patience;
-    while (!condition()) {
-        if (Clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
-struct Ending {
-    int status = -1;
-    std::string output; ///< standard output and standard error
-};
-
-/// One run of the program.
-class ProgramRun {
-public:
-    ProgramRun(const std::vector<std::string>& arguments, const std::string& log) : log_(log) {
-        std::vector<std::string> all = {"glyphora"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        std::vector<char*> pointers;
-        pointers.reserve(all.size() + 1);
-        for (std::string& argument : all) {
-            pointers.push_back(argument.data());
-        }
-        pointers.push_back(nullptr);
-        process_ = fork();
-        if (process_ == 0) {
-            const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            dup2(file, STDOUT_FILENO);
-            dup2(file, STDERR_FILENO);
-            execv(GLYPHORA_PROGRAM, pointers.data());
-            _exit(127);
-        }
-    }
-    ProgramRun(const ProgramRun&) = delete;
-    ProgramRun& operator=(const ProgramRun&) = delete;
-    ~ProgramRun() {
-        if (process_ > 0) {
-            kill(process_, SIGKILL);
-            waitpid(process_, nullptr, 0);
-        }
-    }
-
-    [[nodiscard]] pid_t process() const { return process_; }
-    [[nodiscard]] std::string output() const { return readBytes(log_); }
-    Ending wait() {
-        int status = 0;
-        waitpid(process_, &status, 0);
-        process_ = -1;
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), output()};
-    }
-
-private:
-    std::string log_;
-    pid_t process_ = -1;
-};
 
 int receivedChanges = 0;
 
@@ -109,8 +39,7 @@ OSErr countChange(const AppleEvent* event, AppleEvent* /*reply*/, void* /*refCon
 class TheProgram : public testing::Test {
 protected:
     TheProgram() {
-        sandbox_.write("fonts/lato.ttf",
-                       makeFont({"Lato & Co", "Bold", "Lato-Bold", "", "", true, {}}));
+        sandbox_.write("fonts/lato.ttf", makeFont({"Lato & Co", "Bold", "Lato-Bold", true}));
     }
     ~TheProgram() override { PLUnregisterApplication(); }
 
@@ -214,7 +143,7 @@ TEST_F(TheProgram, AnswersWithoutALibraryAndSeesWhatOtherCommandsAddLater) {
 TEST_F(TheProgram, ScansWhenAFolderChanges) {
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     serve();
-    sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late", "", "", true, {}}));
+    sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late", true}));
     EXPECT_TRUE(await([] { return askFor("Late", "count") == "1"; }));
     std::filesystem::remove(sandbox_.library() + "/fonts/new/late.ttf");
     EXPECT_TRUE(await([] { return askFor("Late", "count") == "0"; }));
@@ -285,9 +214,8 @@ TEST_F(TheProgram, TakesUpAfterBeingKilled) {
 
 TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     sandbox_.write("fonts/bad.otf", "bad");
-    sandbox_.write("fonts/pair.ttc",
-                   makeCollection({{"Pair", "Regular", "Pair", "", "", true, {}},
-                                   {"Pair", "Bold", "Pair-Bold", "", "", true, {}}}));
+    sandbox_.write("fonts/pair.ttc", makeCollection({{"Pair", "Regular", "Pair", true},
+                                                     {"Pair", "Bold", "Pair-Bold", true}}));
     const Ending added = glyphora({"add", sandbox_.library()});
     EXPECT_THAT(added.output, HasSubstr("glyphora: " + sandbox_.library() + "/fonts/bad.otf: "));
     EXPECT_EQ(glyphora({"activate", "Lato-Bold"}).status, 0);

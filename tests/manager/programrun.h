@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// Runs of the program in processes of their own, and waiting for what they do.
+#pragma once
+
+#include "tests/manager/sandbox.h"
+
+#include <chrono>
+#include <functional>
+#include <gio/gio.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace managertest {
+
+inline bool await(const std::function<bool()>& condition) {
+    using Clock = std::chrono::steady_clock;
+    // A watchdog, far beyond what anything here takes.
+    const auto deadline = Clock::now() + std::chrono::seconds(60);
+    while (!condition()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+struct Ending {
+    int status = -1;
+    std::string output; ///< standard output and standard error
+};
+
+/// One run of the program.
+class ProgramRun {
+public:
+    ProgramRun(const std::vector<std::string>& arguments, const std::string& log) : log_(log) {
+        std::vector<const char*> words{GLYPHORA_PROGRAM};
+        for (const std::string& argument : arguments) {
+            words.push_back(argument.c_str());
+        }
+        words.push_back(nullptr);
+        GSubprocessLauncher* launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDERR_MERGE);
+        g_subprocess_launcher_set_stdout_file_path(launcher, log.c_str());
+        program_ = g_subprocess_launcher_spawnv(launcher, words.data(), nullptr);
+        g_object_unref(launcher);
+    }
+    ProgramRun(const ProgramRun&) = delete;
+    ProgramRun& operator=(const ProgramRun&) = delete;
+    ~ProgramRun() {
+        g_subprocess_force_exit(program_);
+        g_subprocess_wait(program_, nullptr, nullptr);
+        g_object_unref(program_);
+    }
+
+    [[nodiscard]] pid_t process() const { return std::stoi(g_subprocess_get_identifier(program_)); }
+    [[nodiscard]] std::string output() const { return readBytes(log_); }
+    Ending wait() {
+        g_subprocess_wait(program_, nullptr, nullptr);
+        const bool exited = g_subprocess_get_if_exited(program_) != 0;
+        return {exited ? g_subprocess_get_exit_status(program_) : -1, output()};
+    }
+
+private:
+    std::string log_;
+    GSubprocess* program_;
+};
+
+} // namespace managertest
