@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -55,5 +57,9 @@ private:
     }
     return true;
 }
+
+/// The descriptor of this process that a path names, itself or by links: 1 for "/dev/stdout", 5 for
+/// "/dev/fd/5". Nothing for any other path. It need not be open.
+[[nodiscard]] std::optional<int> descriptorNamed(std::filesystem::path path);
 
 } // namespace sys

@@ -11,11 +11,14 @@
 
 namespace {
 
-int run(const host::Options& options, host::Session::Clock::time_point start) {
+int run(host::Options options, host::Session::Clock::time_point start) {
     const bool json = options.report == host::ReportFormat::Json;
     // A reader of the report must not stumble over what plug-ins print.
     const host::ReservedOutput output(options.quiet ? host::Chatter::Dropped
                                                     : host::Chatter::ToStandardError);
+    if (options.save) {
+        options.saveThrough = output.redirected(*options.save);
+    }
     bool written = true;
     const auto print = [&](const std::string& text) { written = output.write(text) && written; };
     host::ConsoleFrontend frontend(std::cerr);
@@ -49,7 +52,14 @@ int main(int argumentCount, char** arguments) {
         int exitStatus = host::exitSuccess;
         const auto options =
             host::readOptions(argumentCount, arguments, std::cout, std::cerr, exitStatus);
-        return options ? run(*options, start) : exitStatus;
+        if (options) {
+            return run(*options, start);
+        }
+        if (!std::cout.flush()) {
+            std::cerr << "error: standard output could not be written\n";
+            return host::exitOutputFailed;
+        }
+        return exitStatus;
     } catch (const host::UsageError& problem) {
         std::cerr << "error: " << problem.what() << '\n';
         return host::exitUsage;

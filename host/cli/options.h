@@ -21,6 +21,7 @@ struct Options {
     std::string locale;    ///< such as "de_DE"
     ReportFormat report = ReportFormat::Text;
     std::optional<std::filesystem::path> save; ///< where to write the one document
+    std::filesystem::path saveThrough;         ///< another name of that place, if not empty
     bool reload = false;                       ///< unload and reload between documents
     bool keepGroups = false;
     bool failOnMissing = false;

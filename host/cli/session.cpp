@@ -165,7 +165,8 @@ void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
 
 void Session::save(const OpenDocument& document, DocumentReport& report) {
     try {
-        document.document().save(*options_.save);
+        document.document().save(options_.saveThrough.empty() ? *options_.save
+                                                              : options_.saveThrough);
         report.savedAs = options_.save->string();
     } catch (const DocumentError& problem) {
         report.error = problem.what();

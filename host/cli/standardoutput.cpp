@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <iostream>
+#include <string>
 
 namespace host {
 
@@ -32,6 +33,13 @@ ReservedOutput::~ReservedOutput() {
 
 bool ReservedOutput::write(std::string_view text) const {
     return sys::writeAll(kept_ ? kept_.get() : STDOUT_FILENO, text);
+}
+
+std::filesystem::path ReservedOutput::redirected(const std::filesystem::path& path) const {
+    if (!kept_ || sys::descriptorNamed(path) != STDOUT_FILENO) {
+        return path;
+    }
+    return "/dev/fd/" + std::to_string(kept_.get());
 }
 
 } // namespace host

@@ -4,6 +4,7 @@
 
 #include "system/descriptor.h"
 
+#include <filesystem>
 #include <string_view>
 
 namespace host {
@@ -23,6 +24,10 @@ public:
 
     /// False when it could not be written as a whole.
     [[nodiscard]] bool write(std::string_view text) const;
+
+    /// Where what is written to `path` has to go meanwhile: for a name of the standard output
+    /// another name of what it was before, else `path` itself.
+    [[nodiscard]] std::filesystem::path redirected(const std::filesystem::path& path) const;
 
 private:
     sys::Descriptor kept_;

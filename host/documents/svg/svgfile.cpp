@@ -87,6 +87,12 @@ std::string readFile(const std::filesystem::path& file, std::size_t limit) {
 }
 
 void writeFile(const std::filesystem::path& file, std::string_view bytes) {
+    if (const auto descriptor = sys::descriptorNamed(file)) {
+        if (!sys::writeAll(*descriptor, bytes)) {
+            raiseErrno(file.string(), "cannot be written: ");
+        }
+        return;
+    }
     struct stat old {};
     const bool exists = ::stat(file.c_str(), &old) == 0;
     if (!exists && errno != ENOENT) {

@@ -36,9 +36,9 @@ struct Source {
 /// when it cannot.
 [[nodiscard]] std::string repack(const Source& source, std::string_view name);
 
-/// Replaces or creates a file: written beside, synced, renamed. Links to it stay. A pipe or a
-/// character device is written to; nothing else that is no regular file is. Throws
-/// DocumentError when it cannot.
+/// Replaces or creates a file: written beside, synced, renamed. Links to it stay. A pipe, a
+/// character device or an open descriptor ("/dev/fd/5") is written to; nothing else that is no
+/// regular file is. Throws DocumentError when it cannot.
 void writeFile(const std::filesystem::path& file, std::string_view bytes);
 
 } // namespace host::svg

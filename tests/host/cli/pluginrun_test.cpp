@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The program with real plug-ins, good and bad.
 #include "programrun.h"
+#include "system/descriptor.h"
 
+#include <fcntl.h>
 #include <nlohmann/json.hpp>
 
 #include <utility>
@@ -133,6 +135,26 @@ TEST_F(ARun, RefusesToReplaceTheFileThatItsReportGoesTo) {
     }
 }
 
+TEST_F(ARun, SavesThroughDescriptors) {
+    const std::string drawing = goodDrawing();
+    const std::string content = contentOf(drawing);
+    for (const char* place : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+        const ProgramResult quiet = run({"open", "--no-plugin", "-q", "--save", place, drawing});
+        EXPECT_EQ(quiet.status, 0) << quiet.errors;
+        EXPECT_EQ(quiet.output, content) << place;
+    }
+    const ProgramResult told =
+        run({"open", "--no-plugin", "--save", "/dev/stderr", drawing}, folder / "report");
+    EXPECT_EQ(told.errors, content);
+    EXPECT_THAT(told.output, HasSubstr("saved as /dev/stderr\n"));
+    const sys::Descriptor file(
+        ::open((folder / "5.svg").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600));
+    const std::string name = "/dev/fd/" + std::to_string(file.get());
+    EXPECT_EQ(run({"open", "--no-plugin", "--save", name, drawing}).status, 0);
+    EXPECT_EQ(contentOf(folder / "5.svg"), content);
+    EXPECT_EQ(run({"open", "--no-plugin", "--save", "/dev/fd/987", drawing}).status, 2);
+}
+
 TEST_F(ARun, CanBeASelfTest) {
     const ProgramResult good = run({"--self-test", "--plugin", bundle("wellbehaved")});
     EXPECT_EQ(good.status, 0) << good.errors;
@@ -151,9 +173,12 @@ TEST_F(ARun, CanMisbehaveOnPurpose) {
 }
 
 TEST_F(ARun, SaysWhenItsReportCannotBeWritten) {
-    const ProgramResult result = run({"open", "--no-plugin", goodDrawing()}, "/dev/full");
-    EXPECT_EQ(result.status, 74);
-    EXPECT_THAT(result.errors, HasSubstr("could not be written"));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"open", "--no-plugin", goodDrawing()}, {"--version"}}) {
+        const ProgramResult result = run(arguments, "/dev/full");
+        EXPECT_EQ(result.status, 74);
+        EXPECT_THAT(result.errors, HasSubstr("could not be written"));
+    }
 }
 
 } // namespace
