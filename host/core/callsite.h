@@ -20,8 +20,8 @@ public:
     CallSite(const CallSite&) = delete;
     CallSite& operator=(const CallSite&) = delete;
 
-    const char* suite() const noexcept { return suite_; }
-    const char* call() const noexcept { return call_; }
+    /// For messages.
+    std::string name() const { return std::string("\"") + suite_ + "\" " + call_; }
     std::uint64_t count() const noexcept { return count_.load(std::memory_order_relaxed); }
 
     /// Counts one call and gives the code that it must fail with, kNoErr for none.

@@ -15,10 +15,6 @@ namespace {
 
 constexpr std::string_view unknownCaller = "unknown plug-in";
 
-std::string nameOf(const CallSite& site) {
-    return std::string("\"") + site.suite() + "\" " + site.call();
-}
-
 /// The first few; a plug-in that forgets everything would fill a screen.
 std::string joined(const std::vector<std::string>& texts) {
     constexpr std::size_t shown = 5;
@@ -96,6 +92,21 @@ Plugin* Core::plugin(PluginNumber number) noexcept {
     return number < plugins_.size() ? plugins_[number].get() : nullptr;
 }
 
+/// Sends a message to a plug-in if it runs, and reports an answer other than success to `what`.
+template <typename Message>
+SPErr Core::tell(Plugin& target, const char* caller, const char* selector, Message& message,
+                 const std::string& what) {
+    if (target.state() != PluginState::Running) {
+        return kNoErr;
+    }
+    const SPErr error = target.send(caller, selector, message);
+    if (error != kNoErr) {
+        frontend_.reportError(target.name() + ": the plug-in answered " + what + " with error " +
+                              errorText(error));
+    }
+    return error;
+}
+
 SPErr Core::notify(const char* type, void* data) {
     SPErr first = kNoErr;
     for (const AINotifierHandle handle : notifiers_.ofType(type)) {
@@ -103,20 +114,13 @@ SPErr Core::notify(const char* type, void* data) {
         if (notifier == nullptr) {
             continue; // ended by an earlier one's doing
         }
-        Plugin& target = *plugins_[notifier->plugin];
-        if (target.state() != PluginState::Running) {
-            continue;
-        }
         AINotifierMessage message;
         message.notifier = handle;
         message.type = type;
         message.notifyData = data;
-        const SPErr error = target.send("AI Notifier", "AI Notify", message);
-        if (error != kNoErr) {
-            frontend_.reportError(target.name() + ": the plug-in answered \"" + type +
-                                  "\" with error " + errorText(error));
-            first = first == kNoErr ? error : first;
-        }
+        const SPErr error = tell(*plugins_[notifier->plugin], "AI Notifier", "AI Notify", message,
+                                 std::string("\"") + type + "\"");
+        first = first == kNoErr ? error : first;
     }
     return first;
 }
@@ -130,18 +134,10 @@ std::size_t Core::runTimers() {
             continue;
         }
         Plugin& target = *plugins_[timer->plugin];
-        if (target.state() != PluginState::Running) {
-            continue;
-        }
         AITimerMessage message;
         message.timer = handle;
-        const std::string name = timer->name;
-        const SPErr error = target.send("AI Timer", "AI Go", message);
-        if (error != kNoErr) {
-            frontend_.reportError(target.name() + ": the plug-in answered its timer \"" + name +
-                                  "\" with error " + errorText(error));
-        }
-        ++count;
+        count += target.state() == PluginState::Running ? 1 : 0;
+        tell(target, "AI Timer", "AI Go", message, "its timer \"" + timer->name + "\"");
     }
     return count;
 }
@@ -207,27 +203,22 @@ void Core::takeBackFrom(Plugin& plugin, Leaving leaving) {
     for (const Leaver& leaver : leavers_) {
         leaver(plugin);
     }
-    std::size_t uses = 0;
-    uses_.forEach([&](SPAccessRef ref, const Use& use) {
+    uses_.forEach([&](SPAccessRef /*ref*/, const Use& use) {
         if (use.holder == plugin.number()) {
             use.used->dropUse();
-            uses_.remove(ref);
-            ++uses;
         }
     });
-    std::size_t texts = 0;
-    texts_.forEach([&](AIUnicodeStringHandle handle, const KeptText& text) {
-        if (text.holder == plugin.number()) {
-            texts_.remove(handle);
-            ++texts;
+    const auto takeBack = [&](auto& table, const std::string& what) {
+        std::size_t leaked = 0;
+        table.forEach([&](auto handle, const auto& value) {
+            leaked += value.holder == plugin.number() && table.remove(handle) ? 1U : 0U;
+        });
+        if (leaked > 0) {
+            ledger_.report(plugin.name(), "leaked " + std::to_string(leaked) + " " + what);
         }
-    });
-    if (uses > 0) {
-        ledger_.report(plugin.name(), "leaked " + std::to_string(uses) + " access reference(s)");
-    }
-    if (texts > 0) {
-        ledger_.report(plugin.name(), "leaked " + std::to_string(texts) + " Unicode string(s)");
-    }
+    };
+    takeBack(uses_, "access reference(s)");
+    takeBack(texts_, "Unicode string(s)");
     notifiers_.removeAllOf(plugin.number());
     timers_.removeAllOf(plugin.number());
     menus_.removeAllOf(plugin.number());
@@ -243,13 +234,13 @@ void Core::takeBackBlocksOf(Plugin& plugin) {
 }
 
 void Core::noteCallOffMainThread(const CallSite& site) noexcept {
-    callerMisbehaves("called " + nameOf(site) + " off the main thread");
+    callerMisbehaves("called " + site.name() + " off the main thread");
 }
 
 void Core::noteCallOutsideMessages(const CallSite& site) noexcept {
     const bool ended = loading_ != nullptr && loading_->state() == PluginState::Ended;
     ledger_.report(loading_ != nullptr ? std::string_view(loading_->name()) : unknownCaller,
-                   "called " + nameOf(site) +
+                   "called " + site.name() +
                        (ended ? " after its shut-down" : " outside of any message"));
 }
 

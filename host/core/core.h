@@ -137,6 +137,9 @@ public:
 
 private:
     Plugin& enlist(std::unique_ptr<Plugin> plugin);
+    template <typename Message>
+    SPErr tell(Plugin& target, const char* caller, const char* selector, Message& message,
+               const std::string& what);
     void updateCaller() noexcept;
 
     static inline std::atomic<std::thread::id> mainThread_;

@@ -12,10 +12,6 @@ namespace host::guard {
 
 namespace {
 
-std::string nameOf(const CallSite& site) {
-    return std::string("\"") + site.suite() + "\" " + site.call();
-}
-
 SPErr refuseOtherThread(CallSite& site) noexcept {
     const std::lock_guard lock(lifeMutex());
     Core* const core = Current<Core>::object;
@@ -55,7 +51,7 @@ SPErr codeOfException(const CallSite& site) noexcept {
         return kOutOfMemoryErr;
     } catch (const std::exception& problem) {
         if (Core* const core = Current<Core>::object; core != nullptr && Core::isMainThread()) {
-            core->frontend().reportError(nameOf(site) + ": " + problem.what());
+            core->frontend().reportError(site.name() + ": " + problem.what());
         }
         return kBadParameterErr;
     } catch (...) {

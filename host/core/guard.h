@@ -14,6 +14,11 @@
 
 namespace host {
 
+namespace guard {
+/// Held while a service comes, goes or is used off the main thread.
+std::mutex& lifeMutex() noexcept;
+} // namespace guard
+
 /// The one living object of a type that suite functions work on; null while there is none. Set and
 /// read on the main thread; by calls of Threads::Any under guard::lifeMutex().
 template <typename Service>
@@ -26,10 +31,16 @@ struct Current {
 template <typename Service>
 class Published {
 public:
-    explicit Published(Service& service);
+    explicit Published(Service& service) : previous_(Current<Service>::object) {
+        const std::lock_guard lock(guard::lifeMutex());
+        Current<Service>::object = &service;
+    }
     Published(const Published&) = delete;
     Published& operator=(const Published&) = delete;
-    ~Published();
+    ~Published() {
+        const std::lock_guard lock(guard::lifeMutex());
+        Current<Service>::object = previous_;
+    }
 
 private:
     Service* previous_;
@@ -47,7 +58,6 @@ struct CallName {
 
 namespace guard {
 
-std::mutex& lifeMutex() noexcept;
 /// kNoErr when a call may proceed on the main thread; else the code, and the misbehaviour is noted.
 [[nodiscard]] SPErr admit(CallSite& site) noexcept;
 /// Inside a handler: the code for the exception being handled, which is reported as an error.
@@ -118,17 +128,5 @@ private:
         }
     }
 };
-
-template <typename Service>
-Published<Service>::Published(Service& service) : previous_(Current<Service>::object) {
-    const std::lock_guard lock(guard::lifeMutex());
-    Current<Service>::object = &service;
-}
-
-template <typename Service>
-Published<Service>::~Published() {
-    const std::lock_guard lock(guard::lifeMutex());
-    Current<Service>::object = previous_;
-}
 
 } // namespace host

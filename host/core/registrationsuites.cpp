@@ -4,6 +4,8 @@
 #include "host/core/coresuites.h"
 #include "host/core/guard.h"
 
+#include <functional>
+
 namespace host {
 
 namespace {
@@ -18,8 +20,16 @@ Plugin* registrant(Core& core, SPPluginRef ref, const char* what) {
     return plugin;
 }
 
-template <typename Handle>
-SPErr giveNth(const std::vector<Handle>& all, std::int32_t n, Handle* result) {
+/// `part` is a part of the core, `list` its list of handles.
+template <auto part, auto list>
+SPErr giveCount(Core& core, std::int32_t* count) {
+    *count = static_cast<std::int32_t>(std::invoke(list, std::invoke(part, core)).size());
+    return kNoErr;
+}
+
+template <auto part, auto list, typename Handle>
+SPErr giveNth(Core& core, std::int32_t n, Handle* result) {
+    const std::vector<Handle>& all = std::invoke(list, std::invoke(part, core));
     if (n < 0 || static_cast<std::size_t>(n) >= all.size()) {
         return kBadParameterErr;
     }
@@ -27,15 +37,10 @@ SPErr giveNth(const std::vector<Handle>& all, std::int32_t n, Handle* result) {
     return kNoErr;
 }
 
-template <typename Handle>
-SPErr giveCount(const std::vector<Handle>& all, std::int32_t* count) {
-    *count = static_cast<std::int32_t>(all.size());
-    return kNoErr;
-}
-
 /// The reference of the plug-in that a registration belongs to.
-template <typename Registration>
-SPErr givePlugin(Core& core, const Registration* registration, SPPluginRef* plugin) {
+template <auto part, typename Handle>
+SPErr givePlugin(Core& core, Handle handle, SPPluginRef* plugin) {
+    const auto* const registration = std::invoke(part, core).find(handle);
     if (registration == nullptr) {
         return kBadParameterErr;
     }
@@ -43,13 +48,14 @@ SPErr givePlugin(Core& core, const Registration* registration, SPPluginRef* plug
     return kNoErr;
 }
 
-template <typename Registration>
-SPErr giveText(const Registration* registration, std::string Registration::*text,
-               const char** result) {
+/// `find` looks a handle up in the part, `text` is a member of what it finds.
+template <auto part, auto find, auto text, typename Handle>
+SPErr giveText(Core& core, Handle handle, const char** result) {
+    const auto* const registration = std::invoke(find, std::invoke(part, core), handle);
     if (registration == nullptr) {
         return kBadParameterErr;
     }
-    *result = (registration->*text).c_str();
+    *result = std::invoke(text, registration).c_str();
     return kNoErr;
 }
 
@@ -71,22 +77,6 @@ SPErr addNotifier(Core& core, SPPluginRef self, const char* name, const char* ty
     return kNoErr;
 }
 
-SPErr countNotifiers(Core& core, std::int32_t* count) {
-    return giveCount(core.notifiers().all(), count);
-}
-
-SPErr getNthNotifier(Core& core, std::int32_t n, AINotifierHandle* notifier) {
-    return giveNth(core.notifiers().all(), n, notifier);
-}
-
-SPErr getNotifierPlugin(Core& core, AINotifierHandle notifier, SPPluginRef* plugin) {
-    return givePlugin(core, core.notifiers().find(notifier), plugin);
-}
-
-SPErr getNotifierType(Core& core, AINotifierHandle notifier, const char** type) {
-    return giveText(core.notifiers().find(notifier), &Notifier::type, type);
-}
-
 // "AI Timer Suite"
 
 SPErr addTimer(Core& core, SPPluginRef self, const char* name, std::int32_t period,
@@ -101,22 +91,6 @@ SPErr addTimer(Core& core, SPPluginRef self, const char* name, std::int32_t peri
 
 SPErr setTimerActive(Core& core, AITimerHandle timer, AIBoolean active) {
     return core.timers().setActive(timer, active != 0) ? kNoErr : kBadParameterErr;
-}
-
-SPErr countTimers(Core& core, std::int32_t* count) {
-    return giveCount(core.timers().all(), count);
-}
-
-SPErr getNthTimer(Core& core, std::int32_t n, AITimerHandle* timer) {
-    return giveNth(core.timers().all(), n, timer);
-}
-
-SPErr getTimerPlugin(Core& core, AITimerHandle timer, SPPluginRef* plugin) {
-    return givePlugin(core, core.timers().find(timer), plugin);
-}
-
-SPErr getTimerName(Core& core, AITimerHandle timer, const char** name) {
-    return giveText(core.timers().find(timer), &Timer::name, name);
 }
 
 // "AI Menu Suite"
@@ -141,39 +115,33 @@ SPErr addMenuGroupAsSubMenu(Core& core, const char* name, std::int32_t options,
     return kNoErr;
 }
 
-SPErr countMenuGroups(Core& core, std::int32_t* count) {
-    return giveCount(core.menus().groups(), count);
-}
-
-SPErr getNthMenuGroup(Core& core, std::int32_t n, AIMenuGroup* group) {
-    return giveNth(core.menus().groups(), n, group);
-}
-
-SPErr getMenuGroupName(Core& core, AIMenuGroup group, const char** name) {
-    return giveText(core.menus().group(group), &MenuGroup::name, name);
-}
-
 constexpr AINotifierSuite notifierTable{
     Entry<AINotifierSuite, "AddNotifier", addNotifier, Nulls::Allowed>::call,
-    Entry<AINotifierSuite, "CountNotifiers", countNotifiers>::call,
-    Entry<AINotifierSuite, "GetNthNotifier", getNthNotifier>::call,
-    Entry<AINotifierSuite, "GetNotifierPlugin", getNotifierPlugin>::call,
-    Entry<AINotifierSuite, "GetNotifierType", getNotifierType>::call,
+    Entry<AINotifierSuite, "CountNotifiers", &giveCount<&Core::notifiers, &Notifiers::all>>::call,
+    Entry<AINotifierSuite, "GetNthNotifier",
+          &giveNth<&Core::notifiers, &Notifiers::all, AINotifierHandle>>::call,
+    Entry<AINotifierSuite, "GetNotifierPlugin",
+          &givePlugin<&Core::notifiers, AINotifierHandle>>::call,
+    Entry<AINotifierSuite, "GetNotifierType",
+          &giveText<&Core::notifiers, &Notifiers::find, &Notifier::type, AINotifierHandle>>::call,
 };
 constexpr AITimerSuite timerTable{
     Entry<AITimerSuite, "AddTimer", addTimer>::call,
     Entry<AITimerSuite, "SetTimerActive", setTimerActive>::call,
-    Entry<AITimerSuite, "CountTimers", countTimers>::call,
-    Entry<AITimerSuite, "GetNthTimer", getNthTimer>::call,
-    Entry<AITimerSuite, "GetTimerPlugin", getTimerPlugin>::call,
-    Entry<AITimerSuite, "GetTimerName", getTimerName>::call,
+    Entry<AITimerSuite, "CountTimers", &giveCount<&Core::timers, &Timers::all>>::call,
+    Entry<AITimerSuite, "GetNthTimer", &giveNth<&Core::timers, &Timers::all, AITimerHandle>>::call,
+    Entry<AITimerSuite, "GetTimerPlugin", &givePlugin<&Core::timers, AITimerHandle>>::call,
+    Entry<AITimerSuite, "GetTimerName",
+          &giveText<&Core::timers, &Timers::find, &Timer::name, AITimerHandle>>::call,
 };
 constexpr AIMenuSuite menuTable{
     Entry<AIMenuSuite, "AddMenuItem", addMenuItem>::call,
     Entry<AIMenuSuite, "AddMenuGroupAsSubMenu", addMenuGroupAsSubMenu>::call,
-    Entry<AIMenuSuite, "CountMenuGroups", countMenuGroups>::call,
-    Entry<AIMenuSuite, "GetNthMenuGroup", getNthMenuGroup>::call,
-    Entry<AIMenuSuite, "GetMenuGroupName", getMenuGroupName>::call,
+    Entry<AIMenuSuite, "CountMenuGroups", &giveCount<&Core::menus, &Menus::groups>>::call,
+    Entry<AIMenuSuite, "GetNthMenuGroup",
+          &giveNth<&Core::menus, &Menus::groups, AIMenuGroup>>::call,
+    Entry<AIMenuSuite, "GetMenuGroupName",
+          &giveText<&Core::menus, &Menus::group, &MenuGroup::name, AIMenuGroup>>::call,
 };
 
 } // namespace

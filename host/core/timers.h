@@ -3,12 +3,10 @@
 #pragma once
 
 #include "ai/types.h"
-#include "host/core/blocks.h"
-#include "host/core/handletable.h"
+#include "host/core/registrations.h"
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,29 +21,22 @@ struct Timer {
 };
 
 /// [main-thread] Time is told by the clock that it is given, in ticks that may wrap around.
-class Timers {
+class Timers : public Registrations<Timer, AITimerHandle> {
 public:
     /// [main-thread] The tick of the call.
     using Clock = std::function<std::uint32_t()>;
     explicit Timers(Clock clock);
 
     AITimerHandle add(PluginNumber plugin, std::string name, std::uint32_t period);
-    const Timer* find(AITimerHandle handle) noexcept { return table_.find(handle); }
-    const std::vector<AITimerHandle>& all() const noexcept { return order_; }
     /// A timer that is made active fires one period later. False for an unknown handle.
     [[nodiscard]] bool setActive(AITimerHandle handle, bool active);
-    void removeAllOf(PluginNumber plugin);
 
     /// The active timers that are due, each once however late it is, and sets them to one period
     /// from now.
     [[nodiscard]] std::vector<AITimerHandle> takeDue();
-    /// Ticks until the next active timer is due (0: now); nothing when there is none.
-    std::optional<std::uint32_t> ticksToNext();
 
 private:
     Clock clock_;
-    HandleTable<Timer, AITimerHandle> table_;
-    std::vector<AITimerHandle> order_;
 };
 
 } // namespace host

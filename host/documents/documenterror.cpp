@@ -25,6 +25,6 @@ std::string message(std::string_view file, std::string_view reason, std::size_t 
 
 DocumentError::DocumentError(std::string_view file, std::string_view reason, std::size_t line,
                              std::size_t column)
-    : std::runtime_error(message(file, reason, line, column)), line_(line), column_(column) {}
+    : std::runtime_error(message(file, reason, line, column)) {}
 
 } // namespace host

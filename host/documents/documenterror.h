@@ -15,13 +15,6 @@ public:
     /// `line` and `column` count from 1, the column in bytes; line 0 means the whole file.
     DocumentError(std::string_view file, std::string_view reason, std::size_t line = 0,
                   std::size_t column = 0);
-
-    std::size_t line() const noexcept { return line_; }
-    std::size_t column() const noexcept { return column_; }
-
-private:
-    std::size_t line_;
-    std::size_t column_;
 };
 
 } // namespace host

@@ -45,26 +45,22 @@ OpenDocument* OpenDocuments::search(DocumentSerial serial) noexcept {
 }
 
 OpenDocuments::Part OpenDocuments::layer(AILayerHandle handle) noexcept {
-    HandleBits bits;
-    OpenDocument* const owner = HandleBits::unpack(handle, bits) ? find(bits.generation) : nullptr;
-    if (owner == nullptr || bits.index >= owner->document().layers().size()) {
-        return {};
-    }
-    return {owner, bits.index};
+    const Part part = partOf(handle);
+    return part.document != nullptr && part.index < part.document->document().layers().size()
+               ? part
+               : Part{};
 }
 
 OpenDocuments::Part OpenDocuments::art(AIArtHandle handle) noexcept {
-    HandleBits bits;
-    OpenDocument* const owner = HandleBits::unpack(handle, bits) ? find(bits.generation) : nullptr;
-    if (owner == nullptr || bits.index >= owner->document().arts().size()) {
-        return {};
-    }
-    return {owner, bits.index};
+    const Part part = partOf(handle);
+    return part.document != nullptr && part.index < part.document->document().arts().size()
+               ? part
+               : Part{};
 }
 
 OpenDocument* OpenDocuments::document(AIDocumentHandle handle) noexcept {
-    HandleBits bits;
-    return HandleBits::unpack(handle, bits) && bits.index == 0 ? find(bits.generation) : nullptr;
+    const Part part = partOf(handle);
+    return part.index == 0 ? part.document : nullptr;
 }
 
 } // namespace host

@@ -82,6 +82,11 @@ public:
 
 private:
     OpenDocument* search(DocumentSerial serial) noexcept;
+    template <typename Handle>
+    Part partOf(Handle handle) noexcept {
+        HandleBits bits;
+        return HandleBits::unpack(handle, bits) ? Part{find(bits.generation), bits.index} : Part{};
+    }
 
     FontList& fonts_;
     std::vector<std::unique_ptr<OpenDocument>> documents_;

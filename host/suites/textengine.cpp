@@ -22,6 +22,19 @@ TextEngine::TextEngine(Core& core, OpenDocuments& documents) : core_(core), docu
     core_.onShutDown([this](Plugin& plugin) { takeBackFrom(plugin); });
 }
 
+SPErr TextEngine::count(Handle handle, TextKind kind, int change) {
+    TextObject* const object = objects_.find(handle);
+    if (object == nullptr || object->kind != kind) {
+        refuse(handle, kind, change > 0 ? "added a reference to" : "released");
+        return kBadParameterErr;
+    }
+    object->count += static_cast<std::uint32_t>(change);
+    if (object->count == 0) {
+        objects_.remove(handle);
+    }
+    return kNoErr;
+}
+
 TextObject* TextEngine::refuse(Handle handle, TextKind kind, const char* action) {
     const TextObject* const object = objects_.find(handle);
     std::string what = std::string(action) + " a " + nameOf(kind) + " reference that is ";

@@ -38,35 +38,19 @@ struct TextObject {
 
 /// The kind that each reference type names.
 template <typename Ref>
-struct TextKindOf;
+inline constexpr TextKind textKindOf = TextKind::Font;
 template <>
-struct TextKindOf<ATE::TextFrameRef> {
-    static constexpr TextKind kind = TextKind::Frame;
-};
+inline constexpr TextKind textKindOf<ATE::TextFrameRef> = TextKind::Frame;
 template <>
-struct TextKindOf<ATE::TextRangeRef> {
-    static constexpr TextKind kind = TextKind::Range;
-};
+inline constexpr TextKind textKindOf<ATE::TextRangeRef> = TextKind::Range;
 template <>
-struct TextKindOf<ATE::TextRunsIteratorRef> {
-    static constexpr TextKind kind = TextKind::RunsIterator;
-};
+inline constexpr TextKind textKindOf<ATE::TextRunsIteratorRef> = TextKind::RunsIterator;
 template <>
-struct TextKindOf<ATE::CharInspectorRef> {
-    static constexpr TextKind kind = TextKind::CharInspector;
-};
+inline constexpr TextKind textKindOf<ATE::CharInspectorRef> = TextKind::CharInspector;
 template <>
-struct TextKindOf<ATE::CharFeaturesRef> {
-    static constexpr TextKind kind = TextKind::CharFeatures;
-};
+inline constexpr TextKind textKindOf<ATE::CharFeaturesRef> = TextKind::CharFeatures;
 template <>
-struct TextKindOf<ATE::ArrayFontRefRef> {
-    static constexpr TextKind kind = TextKind::FontArray;
-};
-template <>
-struct TextKindOf<ATE::FontRef> {
-    static constexpr TextKind kind = TextKind::Font;
-};
+inline constexpr TextKind textKindOf<ATE::ArrayFontRefRef> = TextKind::FontArray;
 
 /// [main-thread] Misuse of references is noted in the core's ledger.
 class TextEngine {
@@ -79,7 +63,7 @@ public:
     /// Makes an object with one reference, the calling plug-in's.
     template <typename Ref>
     Ref make(TextObject object) {
-        object.kind = TextKindOf<Ref>::kind;
+        object.kind = textKindOf<Ref>;
         object.owner = core_.caller();
         return reinterpret_cast<Ref>(objects_.add(std::move(object)));
     }
@@ -90,33 +74,20 @@ public:
         const auto handle = reinterpret_cast<Handle>(ref);
         TextObject* const object = objects_.find(handle);
         const bool usable =
-            object != nullptr && object->kind == TextKindOf<Ref>::kind &&
+            object != nullptr && object->kind == textKindOf<Ref> &&
             (object->document == noDocument || documents_.find(object->document) != nullptr);
-        return usable ? object : refuse(handle, TextKindOf<Ref>::kind, "used");
+        return usable ? object : refuse(handle, textKindOf<Ref>, "used");
     }
 
-    /// False, and noted, as above; references of closed documents can be counted and released.
+    /// kBadParameterErr, and noted, as above; references of closed documents can be counted and
+    /// released.
     template <typename Ref>
-    bool addRef(Ref ref) {
-        TextObject* const object =
-            counted(reinterpret_cast<Handle>(ref), TextKindOf<Ref>::kind, "added a reference to");
-        if (object == nullptr) {
-            return false;
-        }
-        ++object->count;
-        return true;
+    static SPErr addRef(TextEngine& engine, Ref ref) {
+        return engine.count(reinterpret_cast<Handle>(ref), textKindOf<Ref>, 1);
     }
     template <typename Ref>
-    bool release(Ref ref) {
-        const auto handle = reinterpret_cast<Handle>(ref);
-        TextObject* const object = counted(handle, TextKindOf<Ref>::kind, "released");
-        if (object == nullptr) {
-            return false;
-        }
-        if (--object->count == 0) {
-            objects_.remove(handle);
-        }
-        return true;
+    static SPErr release(TextEngine& engine, Ref ref) {
+        return engine.count(reinterpret_cast<Handle>(ref), textKindOf<Ref>, -1);
     }
 
     std::size_t liveObjects() const noexcept { return objects_.size(); }
@@ -124,10 +95,7 @@ public:
 private:
     using Handle = struct AnyTextObject*;
 
-    TextObject* counted(Handle handle, TextKind kind, const char* action) {
-        TextObject* const object = objects_.find(handle);
-        return object != nullptr && object->kind == kind ? object : refuse(handle, kind, action);
-    }
+    SPErr count(Handle handle, TextKind kind, int change);
     /// Notes what is wrong with a reference. Always nullptr.
     TextObject* refuse(Handle handle, TextKind kind, const char* action);
     void takeBackFrom(Plugin& plugin);

@@ -2,7 +2,6 @@
 // The text engine's view of fonts: inspectors, font arrays, fonts, and features to apply.
 #include "ate/suites.h"
 #include "host/core/guard.h"
-#include "host/suites/textcounting.h"
 #include "host/suites/textengine.h"
 
 #include <algorithm>
@@ -88,24 +87,24 @@ using FontArray = ATE::ArrayFontRefRef;
 using Features = ATE::CharFeaturesRef;
 
 constexpr ATE::CharInspectorSuite inspectorTable{
-    Entry<ATE::CharInspectorSuite, "AddRef", &addTextRef<Inspector>>::call,
-    Entry<ATE::CharInspectorSuite, "Release", &releaseTextRef<Inspector>>::call,
+    Entry<ATE::CharInspectorSuite, "AddRef", &TextEngine::addRef<Inspector>>::call,
+    Entry<ATE::CharInspectorSuite, "Release", &TextEngine::release<Inspector>>::call,
     Entry<ATE::CharInspectorSuite, "GetFont", getFont>::call,
 };
 constexpr ATE::ArrayFontRefSuite arrayTable{
-    Entry<ATE::ArrayFontRefSuite, "AddRef", &addTextRef<FontArray>>::call,
-    Entry<ATE::ArrayFontRefSuite, "Release", &releaseTextRef<FontArray>>::call,
+    Entry<ATE::ArrayFontRefSuite, "AddRef", &TextEngine::addRef<FontArray>>::call,
+    Entry<ATE::ArrayFontRefSuite, "Release", &TextEngine::release<FontArray>>::call,
     Entry<ATE::ArrayFontRefSuite, "GetSize", getSize>::call,
     Entry<ATE::ArrayFontRefSuite, "Item", item>::call,
 };
 constexpr ATE::FontSuite fontTable{
-    Entry<ATE::FontSuite, "AddRef", &addTextRef<ATE::FontRef>>::call,
-    Entry<ATE::FontSuite, "Release", &releaseTextRef<ATE::FontRef>>::call,
+    Entry<ATE::FontSuite, "AddRef", &TextEngine::addRef<ATE::FontRef>>::call,
+    Entry<ATE::FontSuite, "Release", &TextEngine::release<ATE::FontRef>>::call,
 };
 constexpr ATE::CharFeaturesSuite featuresTable{
     Entry<ATE::CharFeaturesSuite, "Create", createFeatures>::call,
-    Entry<ATE::CharFeaturesSuite, "AddRef", &addTextRef<Features>>::call,
-    Entry<ATE::CharFeaturesSuite, "Release", &releaseTextRef<Features>>::call,
+    Entry<ATE::CharFeaturesSuite, "AddRef", &TextEngine::addRef<Features>>::call,
+    Entry<ATE::CharFeaturesSuite, "Release", &TextEngine::release<Features>>::call,
     Entry<ATE::CharFeaturesSuite, "SetFont", setFont>::call,
 };
 

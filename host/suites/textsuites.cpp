@@ -2,7 +2,6 @@
 // The text engine's frames, ranges and iterators.
 #include "ate/suites.h"
 #include "host/core/guard.h"
-#include "host/suites/textcounting.h"
 #include "host/suites/textengine.h"
 
 namespace host {
@@ -98,13 +97,13 @@ using Runs = ATE::TextRunsIteratorRef;
 using Inspector = ATE::CharInspectorRef;
 
 constexpr ATE::TextFrameSuite frameTable{
-    Entry<ATE::TextFrameSuite, "AddRef", &addTextRef<Frame>>::call,
-    Entry<ATE::TextFrameSuite, "Release", &releaseTextRef<Frame>>::call,
+    Entry<ATE::TextFrameSuite, "AddRef", &TextEngine::addRef<Frame>>::call,
+    Entry<ATE::TextFrameSuite, "Release", &TextEngine::release<Frame>>::call,
     Entry<ATE::TextFrameSuite, "GetTextRange", getTextRange>::call,
 };
 constexpr ATE::TextRangeSuite rangeTable{
-    Entry<ATE::TextRangeSuite, "AddRef", &addTextRef<Range>>::call,
-    Entry<ATE::TextRangeSuite, "Release", &releaseTextRef<Range>>::call,
+    Entry<ATE::TextRangeSuite, "AddRef", &TextEngine::addRef<Range>>::call,
+    Entry<ATE::TextRangeSuite, "Release", &TextEngine::release<Range>>::call,
     Entry<ATE::TextRangeSuite, "GetTextRunsIterator", &makeFrom<Range, Runs>>::call,
     Entry<ATE::TextRangeSuite, "HasLocalCharFeatures", hasLocalCharFeatures>::call,
     Entry<ATE::TextRangeSuite, "GetCharInspector", &makeFrom<Range, Inspector>>::call,
@@ -112,8 +111,8 @@ constexpr ATE::TextRangeSuite rangeTable{
           replaceOrAddLocalCharFeatures>::call,
 };
 constexpr ATE::TextRunsIteratorSuite runsTable{
-    Entry<ATE::TextRunsIteratorSuite, "AddRef", &addTextRef<Runs>>::call,
-    Entry<ATE::TextRunsIteratorSuite, "Release", &releaseTextRef<Runs>>::call,
+    Entry<ATE::TextRunsIteratorSuite, "AddRef", &TextEngine::addRef<Runs>>::call,
+    Entry<ATE::TextRunsIteratorSuite, "Release", &TextEngine::release<Runs>>::call,
     Entry<ATE::TextRunsIteratorSuite, "IsDone", isDone>::call,
     Entry<ATE::TextRunsIteratorSuite, "Item", currentItem>::call,
     Entry<ATE::TextRunsIteratorSuite, "Next", next>::call,
