@@ -3,7 +3,6 @@
 #include "misc/logger.h"
 
 #include <array>
-#include <cctype>
 #include <cstdio>
 #include <ctime>
 #include <iostream>
@@ -12,15 +11,6 @@
 namespace Orvil {
 
 namespace {
-
-bool isPrintable(unsigned char byte) {
-    const std::locale locale;
-    if (std::has_facet<std::ctype<char>>(locale)) {
-        return std::use_facet<std::ctype<char>>(locale).is(std::ctype_base::print,
-                                                           static_cast<char>(byte));
-    }
-    return std::isprint(byte) != 0;
-}
 
 std::string hex(unsigned value, int width) {
     std::array<char, 16> digits{};
@@ -64,7 +54,8 @@ void Logger::hexdump(int level, const void* data, unsigned size, unsigned bytesP
                 const unsigned char byte = bytes[consumed];
                 row += ' ';
                 row += hex(byte, 2);
-                characters += isPrintable(byte) ? static_cast<char>(byte) : '.';
+                const auto character = static_cast<char>(byte);
+                characters += std::isprint(character, std::locale()) ? character : '.';
                 ++consumed;
                 ++counter;
             } else {

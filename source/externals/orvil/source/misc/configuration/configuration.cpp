@@ -201,10 +201,6 @@ std::string Configuration::getStringAt(std::string_view path, std::size_t index,
                                                                   : defaultValue;
 }
 
-std::string Configuration::getString(std::string_view path, const std::string& defaultValue) const {
-    return getStringAt(path, 0, defaultValue);
-}
-
 template <typename T>
 T Configuration::parsedAt(std::string_view path, std::size_t index, T defaultValue) const {
     bool ok = false;
@@ -229,23 +225,6 @@ std::int64_t Configuration::getLargeIntegerAt(std::string_view path, std::size_t
 double Configuration::getRealAt(std::string_view path, std::size_t index,
                                 double defaultValue) const {
     return parsedAt(path, index, defaultValue);
-}
-
-bool Configuration::getBoolean(std::string_view path, bool defaultValue) const {
-    return getBooleanAt(path, 0, defaultValue);
-}
-
-int Configuration::getInteger(std::string_view path, int defaultValue) const {
-    return getIntegerAt(path, 0, defaultValue);
-}
-
-std::int64_t Configuration::getLargeInteger(std::string_view path,
-                                            std::int64_t defaultValue) const {
-    return getLargeIntegerAt(path, 0, defaultValue);
-}
-
-double Configuration::getReal(std::string_view path, double defaultValue) const {
-    return getRealAt(path, 0, defaultValue);
 }
 
 std::vector<std::string> Configuration::childNames(std::string_view path, bool leaves) const {

@@ -90,17 +90,27 @@ public:
     std::size_t getValueCount(std::string_view path) const;
     std::string getStringAt(std::string_view path, std::size_t index,
                             const std::string& defaultValue) const;
-    std::string getString(std::string_view path, const std::string& defaultValue) const;
+    std::string getString(std::string_view path, const std::string& defaultValue) const {
+        return getStringAt(path, 0, defaultValue);
+    }
     // Read by safeParse; the default also for a value that is none of the type.
     bool getBooleanAt(std::string_view path, std::size_t index, bool defaultValue) const;
     int getIntegerAt(std::string_view path, std::size_t index, int defaultValue) const;
     std::int64_t getLargeIntegerAt(std::string_view path, std::size_t index,
                                    std::int64_t defaultValue) const;
     double getRealAt(std::string_view path, std::size_t index, double defaultValue) const;
-    bool getBoolean(std::string_view path, bool defaultValue) const;
-    int getInteger(std::string_view path, int defaultValue) const;
-    std::int64_t getLargeInteger(std::string_view path, std::int64_t defaultValue) const;
-    double getReal(std::string_view path, double defaultValue) const;
+    bool getBoolean(std::string_view path, bool defaultValue) const {
+        return getBooleanAt(path, 0, defaultValue);
+    }
+    int getInteger(std::string_view path, int defaultValue) const {
+        return getIntegerAt(path, 0, defaultValue);
+    }
+    std::int64_t getLargeInteger(std::string_view path, std::int64_t defaultValue) const {
+        return getLargeIntegerAt(path, 0, defaultValue);
+    }
+    double getReal(std::string_view path, double defaultValue) const {
+        return getRealAt(path, 0, defaultValue);
+    }
 
     /// The names of the direct children of a category (found without inheritance), in the table's
     /// order.

@@ -73,47 +73,7 @@ T parseInteger(std::string_view text, bool& ok) {
     return static_cast<T>(negative ? Magnitude{0} - magnitude : magnitude);
 }
 
-} // namespace
-
-std::string toString(int value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(unsigned value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(long value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(unsigned long value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(long long value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(unsigned long long value, unsigned width, unsigned /*precision*/) {
-    return integerToString(value, width);
-}
-std::string toString(float value, unsigned width, unsigned precision) {
-    return realToString(value, width, precision);
-}
-std::string toString(double value, unsigned width, unsigned precision) {
-    return realToString(value, width, precision);
-}
-std::string toString(bool value, unsigned width, unsigned /*precision*/) {
-    return alignRight(value ? "true" : "false", width);
-}
-
-template <typename T>
-T safeParse(std::string_view text, bool& ok) {
-    if constexpr (std::is_floating_point_v<T>) {
-        return parseReal<T>(text, ok);
-    } else {
-        return parseInteger<T>(text, ok);
-    }
-}
-
-template <>
-bool safeParse<bool>(std::string_view text, bool& ok) {
+bool parseTruth(std::string_view text, bool& ok) {
     constexpr std::array<std::string_view, 6> trueTexts{"1", "T", "Y", "ON", "YES", "TRUE"};
     constexpr std::array<std::string_view, 6> falseTexts{"0", "F", "N", "OFF", "NO", "FALSE"};
     std::string word = trim(text);
@@ -123,13 +83,42 @@ bool safeParse<bool>(std::string_view text, bool& ok) {
     return isTrue;
 }
 
-template int safeParse<int>(std::string_view text, bool& ok);
-template unsigned safeParse<unsigned>(std::string_view text, bool& ok);
-template long safeParse<long>(std::string_view text, bool& ok);
-template unsigned long safeParse<unsigned long>(std::string_view text, bool& ok);
-template long long safeParse<long long>(std::string_view text, bool& ok);
-template unsigned long long safeParse<unsigned long long>(std::string_view text, bool& ok);
-template float safeParse<float>(std::string_view text, bool& ok);
-template double safeParse<double>(std::string_view text, bool& ok);
+} // namespace
+
+template <typename T>
+requires std::is_arithmetic_v<T> std::string toString(T value, unsigned width, unsigned precision) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return alignRight(value ? "true" : "false", width);
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return realToString(value, width, precision);
+    } else {
+        return integerToString(value, width);
+    }
+}
+
+template <typename T>
+T safeParse(std::string_view text, bool& ok) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return parseTruth(text, ok);
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return parseReal<T>(text, ok);
+    } else {
+        return parseInteger<T>(text, ok);
+    }
+}
+
+#define ORVIL_NUMBER(T)                                                                            \
+    template std::string toString(T value, unsigned width, unsigned precision);                    \
+    template T safeParse(std::string_view text, bool& ok);
+ORVIL_NUMBER(bool)
+ORVIL_NUMBER(int)
+ORVIL_NUMBER(unsigned)
+ORVIL_NUMBER(long)
+ORVIL_NUMBER(unsigned long)
+ORVIL_NUMBER(long long)
+ORVIL_NUMBER(unsigned long long)
+ORVIL_NUMBER(float)
+ORVIL_NUMBER(double)
+#undef ORVIL_NUMBER
 
 } // namespace Orvil

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The parser factory, and how a holder lets go.
+// The parser factory.
 #include "misc/xml/ixmlparser.h"
 
 #include "misc/xml/libxmlparser.h"
-
-#include <utility>
 
 namespace Orvil {
 
@@ -13,18 +11,6 @@ SmartPointer<IXmlParser> IXmlParser::getInstance(const std::string& name) {
         return {new LibXmlParser};
     }
     return {};
-}
-
-XmlDocumentHolder::~XmlDocumentHolder() {
-    if (parser_) {
-        parser_->cleanup();
-    }
-}
-
-XmlDocumentHolder& XmlDocumentHolder::operator=(XmlDocumentHolder&& other) noexcept {
-    const XmlDocumentHolder old(std::move(*this));
-    parser_ = std::exchange(other.parser_, nullptr);
-    return *this;
 }
 
 } // namespace Orvil

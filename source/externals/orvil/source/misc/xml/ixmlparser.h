@@ -60,13 +60,13 @@ class XmlDocumentHolder {
 public:
     explicit XmlDocumentHolder(const std::string& parserName = "LibXmlParser")
         : parser_(IXmlParser::getInstance(parserName)) {}
-    /// Takes over a parser from getInstance; null is allowed.
-    explicit XmlDocumentHolder(const SmartPointer<IXmlParser>& parser) : parser_(parser) {}
     XmlDocumentHolder(const XmlDocumentHolder&) = delete;
     XmlDocumentHolder& operator=(const XmlDocumentHolder&) = delete;
-    XmlDocumentHolder(XmlDocumentHolder&& other) noexcept = default;
-    XmlDocumentHolder& operator=(XmlDocumentHolder&& other) noexcept;
-    ~XmlDocumentHolder();
+    ~XmlDocumentHolder() {
+        if (parser_) {
+            parser_->cleanup();
+        }
+    }
 
     [[nodiscard]] IXmlParser* get() const noexcept { return parser_.get(); }
     IXmlParser* operator->() const noexcept { return parser_.get(); }
