@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -93,7 +94,7 @@ TEST(AQueue, LosesNeitherItemNorSlotWhenACopyThrows) {
     EXPECT_EQ(item.value, 0);
     queue.enqueue(Awkward(2));
     Awkward::fails = true;
-    EXPECT_THROW(queue.tryDequeue(item), std::runtime_error);
+    EXPECT_THROW(std::ignore = queue.tryDequeue(item), std::runtime_error);
     Awkward::fails = false;
     EXPECT_TRUE(queue.tryDequeue(item));
     EXPECT_EQ(item.value, 2);

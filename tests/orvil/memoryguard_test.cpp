@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -18,7 +19,7 @@ TEST(AMemoryGuard, StopsTheProcessByItselfWhileItRuns) {
             std::vector<std::uint32_t> words(3, 1);
             MemoryGuard guard;
             guard.addEntry(words.data(), words.size());
-            guard.start(false, -1);
+            std::ignore = guard.start(false, -1);
             __atomic_store_n(&words[2], 4, __ATOMIC_RELAXED);
             guard.join();
         },

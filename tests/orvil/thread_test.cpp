@@ -8,6 +8,7 @@
 #include <sched.h>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 using namespace Orvil;
@@ -79,7 +80,7 @@ TEST(AThread, PassesOnWhatRunThrows) {
     EXPECT_DEATH(
         {
             Task task([](Task&) -> int { throw std::runtime_error("from run"); });
-            task.start(false, -1);
+            std::ignore = task.start(false, -1);
             task.join();
         },
         "from run");

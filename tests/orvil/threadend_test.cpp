@@ -122,7 +122,7 @@ TEST(ACancelledThread, MayHoldTheLastReferenceOnAnotherThread) {
     Semaphore ended(0);
     Task task([&](Task& self) {
         const SmartPointer<SharedThread> held(new SharedThread(ended));
-        held->start(false, -1);
+        EXPECT_TRUE(held->start(false, -1));
         self.reached.inc();
         self.goOn.wait();
         return 0;
@@ -216,7 +216,7 @@ TEST(ADestroyedThread, IsACancellationPointThatEndsTheDestroyer) {
     Task task([&](Task& self) {
         const Scope scope(left);
         auto inner = std::make_unique<SharedThread>(ended);
-        inner->start(false, -1);
+        EXPECT_TRUE(inner->start(false, -1));
         pthread_cancel(pthread_self());
         delete inner.release();
         passed = true;

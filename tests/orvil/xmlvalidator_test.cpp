@@ -4,6 +4,8 @@
 #include "misc/xml/libxmlvalidator.h"
 #include "xmldocument.h"
 
+#include <tuple>
+
 using namespace Orvil;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -83,7 +85,7 @@ TEST_F(ASchema, IsReadFromAFile) {
 TEST_F(ASchema, FailsWithFixedMessages) {
     document->parseString("<a/>");
     const auto validate = [&](IXmlNode* node) {
-        return failureOf([&] { validator->validate(node); });
+        return failureOf([&] { std::ignore = validator->validate(node); });
     };
     OtherNode other;
     EXPECT_EQ(validate(document->getRootNode()), "LibXml: No Schema loaded for validation");

@@ -6,6 +6,7 @@
 
 #include <exception>
 #include <stdexcept>
+#include <tuple>
 
 namespace BSDNotification {
 
@@ -67,7 +68,7 @@ Daemon::~Daemon() {
 void Daemon::addListener(const std::string& name) {
     const Orvil::SmartPointer<ReadingThread> reader(new ReadingThread(name));
     readers_[name] = reader;
-    reader->start(false, -1);
+    std::ignore = reader->start(false, -1); // without it, events alone bring news
 }
 
 void Daemon::removeListener(const std::string& name) {

@@ -24,7 +24,8 @@ std::vector<std::string> complaints(const std::string& xml) {
     validator->parseSpecificationString(schemaText);
     const Orvil::XmlDocumentHolder parser;
     parser->parseString(xml);
-    validator->validate(parser->getRootNode());
+    const bool isValid = validator->validate(parser->getRootNode());
+    EXPECT_EQ(isValid, validator->getErrors().empty());
     return validator->getErrors();
 }
 

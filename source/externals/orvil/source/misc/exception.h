@@ -30,15 +30,15 @@ public:
     /// description(), rendered at the first call; valid as long as the object.
     const char* what() const noexcept override;
     /// Header, message and code in this order.
-    virtual std::string description() const;
-    virtual std::string exceptionName() const;
+    [[nodiscard]] virtual std::string description() const;
+    [[nodiscard]] virtual std::string exceptionName() const;
 
     /// The message alone, for a report that says itself what has failed.
     [[nodiscard]] const std::string& message() const noexcept { return message_; }
 
-    std::string descriptionHeader() const;
-    std::string descriptionMessage() const;
-    std::string descriptionCode() const;
+    [[nodiscard]] std::string descriptionHeader() const;
+    [[nodiscard]] std::string descriptionMessage() const;
+    [[nodiscard]] std::string descriptionCode() const;
 
     /// Empty: a place for a debugger's break point.
     void debugHandling() const {}

@@ -29,7 +29,7 @@ public:
     virtual ~Logger();
 
     /// True for every level.
-    bool isVisible(int level) const;
+    [[nodiscard]] bool isVisible(int level) const;
     void setLogLevel(int level);
     void flush();
 
@@ -41,7 +41,7 @@ public:
 
     /// The current local date and time in the C library's fixed 24-character form. Every call
     /// overwrites the one text that all callers share: one thread at a time.
-    static const std::string& getDateTime();
+    [[nodiscard]] static const std::string& getDateTime();
 
 private:
     std::string name_;

@@ -22,7 +22,7 @@ public:
 
     /// reset(0) gives the state after construction.
     void reset(std::uint32_t value) { register_ = value ^ xorValue_; }
-    std::uint32_t get() const { return register_ ^ xorValue_; }
+    [[nodiscard]] std::uint32_t get() const { return register_ ^ xorValue_; }
 
     /// char and unsigned char add one byte, bool one bit, a pointer to char the bytes of a text
     /// without its terminator, a string its bytes.
@@ -48,12 +48,12 @@ public:
     void addFile(const std::string& path);
 
     /// The low `bits` bits in reverse order; more than 32 are taken as 32.
-    static std::uint32_t reflect(std::uint32_t value, unsigned bits);
+    [[nodiscard]] static std::uint32_t reflect(std::uint32_t value, unsigned bits);
     /// The 256 entries for the polynomial, made at its first use and kept as long as the library.
-    static const std::uint32_t* getPolyTable(std::uint32_t polynomial);
+    [[nodiscard]] static const std::uint32_t* getPolyTable(std::uint32_t polynomial);
 
     /// Whether long runs of bytes go through the processor's carry-less multiplication.
-    static bool usesCarrylessMultiplication();
+    [[nodiscard]] static bool usesCarrylessMultiplication();
     /// As addBytes, but never by carry-less multiplication: for other processors, and to measure.
     void addBytesPortably(const unsigned char* bytes, std::size_t count);
 

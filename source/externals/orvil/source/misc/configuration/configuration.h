@@ -30,7 +30,7 @@ public:
         ConfigNode(const ConfigNode&) = delete;
         ConfigNode& operator=(const ConfigNode&) = delete;
         virtual ~ConfigNode() = default;
-        virtual bool isLeaf() const = 0;
+        [[nodiscard]] virtual bool isLeaf() const = 0;
         /// A deep copy.
         [[nodiscard]] virtual std::unique_ptr<ConfigNode> clone() const = 0;
     };
@@ -86,38 +86,43 @@ public:
     void removeNode(std::string_view path);
 
     /// Empty for a missing path. Not to be kept while others change the store.
-    const std::vector<std::string>& getValueList(std::string_view path) const;
-    std::size_t getValueCount(std::string_view path) const;
-    std::string getStringAt(std::string_view path, std::size_t index,
-                            const std::string& defaultValue) const;
-    std::string getString(std::string_view path, const std::string& defaultValue) const {
+    [[nodiscard]] const std::vector<std::string>& getValueList(std::string_view path) const;
+    [[nodiscard]] std::size_t getValueCount(std::string_view path) const;
+    [[nodiscard]] std::string getStringAt(std::string_view path, std::size_t index,
+                                          const std::string& defaultValue) const;
+    [[nodiscard]] std::string getString(std::string_view path,
+                                        const std::string& defaultValue) const {
         return getStringAt(path, 0, defaultValue);
     }
     // Read by safeParse; the default also for a value that is none of the type.
-    bool getBooleanAt(std::string_view path, std::size_t index, bool defaultValue) const;
-    int getIntegerAt(std::string_view path, std::size_t index, int defaultValue) const;
-    std::int64_t getLargeIntegerAt(std::string_view path, std::size_t index,
-                                   std::int64_t defaultValue) const;
-    double getRealAt(std::string_view path, std::size_t index, double defaultValue) const;
-    bool getBoolean(std::string_view path, bool defaultValue) const {
+    [[nodiscard]] bool getBooleanAt(std::string_view path, std::size_t index,
+                                    bool defaultValue) const;
+    [[nodiscard]] int getIntegerAt(std::string_view path, std::size_t index,
+                                   int defaultValue) const;
+    [[nodiscard]] std::int64_t getLargeIntegerAt(std::string_view path, std::size_t index,
+                                                 std::int64_t defaultValue) const;
+    [[nodiscard]] double getRealAt(std::string_view path, std::size_t index,
+                                   double defaultValue) const;
+    [[nodiscard]] bool getBoolean(std::string_view path, bool defaultValue) const {
         return getBooleanAt(path, 0, defaultValue);
     }
-    int getInteger(std::string_view path, int defaultValue) const {
+    [[nodiscard]] int getInteger(std::string_view path, int defaultValue) const {
         return getIntegerAt(path, 0, defaultValue);
     }
-    std::int64_t getLargeInteger(std::string_view path, std::int64_t defaultValue) const {
+    [[nodiscard]] std::int64_t getLargeInteger(std::string_view path,
+                                               std::int64_t defaultValue) const {
         return getLargeIntegerAt(path, 0, defaultValue);
     }
-    double getReal(std::string_view path, double defaultValue) const {
+    [[nodiscard]] double getReal(std::string_view path, double defaultValue) const {
         return getRealAt(path, 0, defaultValue);
     }
 
     /// The names of the direct children of a category (found without inheritance), in the table's
     /// order.
-    std::vector<std::string> getSubProperties(std::string_view path) const;
-    std::vector<std::string> getSubCategories(std::string_view path) const;
+    [[nodiscard]] std::vector<std::string> getSubProperties(std::string_view path) const;
+    [[nodiscard]] std::vector<std::string> getSubCategories(std::string_view path) const;
     /// Whether the category (found without inheritance) inherits; false if there is none.
-    bool isInheriting(std::string_view path) const;
+    [[nodiscard]] bool isInheriting(std::string_view path) const;
 
 private:
     static ConfigNode* findNode(ConfigCategory* start, std::string_view path, bool useInheritance);

@@ -48,11 +48,13 @@ public:
 
     explicit HashTable(std::size_t bucketCount = 16) : buckets_(powerOfTwo(bucketCount)) {}
 
-    std::size_t size() const { return size_; }
+    [[nodiscard]] std::size_t size() const { return size_; }
 
     /// Null if the key is not there.
-    Value* find(const View& key) { return const_cast<Value*>(std::as_const(*this).find(key)); }
-    const Value* find(const View& key) const {
+    [[nodiscard]] Value* find(const View& key) {
+        return const_cast<Value*>(std::as_const(*this).find(key));
+    }
+    [[nodiscard]] const Value* find(const View& key) const {
         const std::uint32_t hash = Hasher()(key);
         const Bucket& bucket = buckets_[indexOf(hash)];
         for (const Node* node = bucket.first.get(); node != nullptr; node = node->next.get()) {

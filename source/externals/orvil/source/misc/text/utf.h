@@ -39,24 +39,24 @@ constexpr UTF32 replacementCharacter = 0xFFFD;
 // - When the target is full, the source stays at the first unit that did not fit. A sequence that
 //   the end of the source cuts off gives sourceExhausted, even where its bytes are illegal already.
 // [any-thread] They share nothing.
-UTF::ConversionResult ConvertUTF8toUTF16(const UTF::UTF8** sourceStart, const UTF::UTF8* sourceEnd,
-                                         UTF::UTF16** targetStart, UTF::UTF16* targetEnd,
-                                         UTF::ConversionFlags flags);
-UTF::ConversionResult ConvertUTF16toUTF8(const UTF::UTF16** sourceStart,
-                                         const UTF::UTF16* sourceEnd, UTF::UTF8** targetStart,
-                                         UTF::UTF8* targetEnd, UTF::ConversionFlags flags);
-UTF::ConversionResult ConvertUTF8toUTF32(const UTF::UTF8** sourceStart, const UTF::UTF8* sourceEnd,
-                                         UTF::UTF32** targetStart, UTF::UTF32* targetEnd,
-                                         UTF::ConversionFlags flags);
-UTF::ConversionResult ConvertUTF32toUTF8(const UTF::UTF32** sourceStart,
-                                         const UTF::UTF32* sourceEnd, UTF::UTF8** targetStart,
-                                         UTF::UTF8* targetEnd, UTF::ConversionFlags flags);
-UTF::ConversionResult ConvertUTF16toUTF32(const UTF::UTF16** sourceStart,
-                                          const UTF::UTF16* sourceEnd, UTF::UTF32** targetStart,
-                                          UTF::UTF32* targetEnd, UTF::ConversionFlags flags);
-UTF::ConversionResult ConvertUTF32toUTF16(const UTF::UTF32** sourceStart,
-                                          const UTF::UTF32* sourceEnd, UTF::UTF16** targetStart,
-                                          UTF::UTF16* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF8toUTF16(const UTF::UTF8** sourceStart, const UTF::UTF8* sourceEnd,
+                   UTF::UTF16** targetStart, UTF::UTF16* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF16toUTF8(const UTF::UTF16** sourceStart, const UTF::UTF16* sourceEnd,
+                   UTF::UTF8** targetStart, UTF::UTF8* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF8toUTF32(const UTF::UTF8** sourceStart, const UTF::UTF8* sourceEnd,
+                   UTF::UTF32** targetStart, UTF::UTF32* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF32toUTF8(const UTF::UTF32** sourceStart, const UTF::UTF32* sourceEnd,
+                   UTF::UTF8** targetStart, UTF::UTF8* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF16toUTF32(const UTF::UTF16** sourceStart, const UTF::UTF16* sourceEnd,
+                    UTF::UTF32** targetStart, UTF::UTF32* targetEnd, UTF::ConversionFlags flags);
+[[nodiscard]] UTF::ConversionResult
+ConvertUTF32toUTF16(const UTF::UTF32** sourceStart, const UTF::UTF32* sourceEnd,
+                    UTF::UTF16** targetStart, UTF::UTF16* targetEnd, UTF::ConversionFlags flags);
 
 /// Whether the 1 to 4 bytes are a well-formed sequence, given that `length` is what the first byte
 /// asks for. Any other length is none.

@@ -22,8 +22,8 @@ public:
     void unlock();
 
     /// The failures that lock() and unlock() throw for an error number of the C library.
-    static Exception lockFailure(int error);
-    static Exception unlockFailure(int error);
+    [[nodiscard]] static Exception lockFailure(int error);
+    [[nodiscard]] static Exception unlockFailure(int error);
 
 private:
     pthread_mutex_t mutex_{};

@@ -48,7 +48,7 @@ public:
     }
 
     /// Moves the oldest item to `item`. False at once if there is none.
-    bool tryDequeue(T& item) {
+    [[nodiscard]] bool tryDequeue(T& item) {
         // Most tries of a poller find nothing: one load tells.
         if (filledSlots_.load(std::memory_order_acquire) == 0) {
             return false;

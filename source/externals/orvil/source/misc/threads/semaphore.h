@@ -28,7 +28,7 @@ public:
     void inc();
 
     /// What inc() throws.
-    static Exception incrementFailure();
+    [[nodiscard]] static Exception incrementFailure();
 
 private:
     MPSemaphoreID semaphore_ = nullptr;

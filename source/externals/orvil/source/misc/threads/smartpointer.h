@@ -100,7 +100,7 @@ public:
         return *this;
     }
 
-    T* get() const noexcept { return pointee_; }
+    [[nodiscard]] T* get() const noexcept { return pointee_; }
     T& operator*() const noexcept { return *pointee_; }
     T* operator->() const noexcept { return pointee_; }
     explicit operator bool() const noexcept { return pointee_ != nullptr; }

@@ -24,7 +24,7 @@ public:
     /// Clears the flag.
     void reset();
     /// Whether the event was signalled within `milliseconds`. Ends with a cancellation point.
-    bool wait(unsigned milliseconds) const;
+    [[nodiscard]] bool wait(unsigned milliseconds) const;
     /// Waits as long as it takes, in steps of 250 ms that each end with a cancellation point: a
     /// thread that waits here is cancelled within a quarter of a second. Always true.
     bool wait() const;

@@ -39,7 +39,7 @@ public:
     /// False if the thread runs or cannot be made. `detached` only makes isDetached() true and
     /// join() refuse: the thread can be joined all the same, and destroy() does so.
     /// `priority` other than -1 asks for round-robin scheduling, which needs the privilege.
-    bool start(bool detached, int priority);
+    [[nodiscard]] bool start(bool detached, int priority);
     /// Waits for the end. False if not created or detached. A cancellation point.
     bool join();
     /// Lets a running thread go on by itself. The object must still outlive it, or destroy it.
@@ -49,28 +49,28 @@ public:
     /// does not wait, and the cancellation is acted on later. Not a cancellation point.
     bool destroy();
 
-    bool isRunning() const { return running_; }
-    bool isDetached() const { return detached_; }
+    [[nodiscard]] bool isRunning() const { return running_; }
+    [[nodiscard]] bool isDetached() const { return detached_; }
     /// What run() returned last; 0 before.
-    int getReturnCode() const { return returnCode_; }
+    [[nodiscard]] int getReturnCode() const { return returnCode_; }
 
     static void sleep(unsigned milliseconds);
     static void yield();
-    static pthread_t getThreadId();
+    [[nodiscard]] static pthread_t getThreadId();
 
     /// A key for one value per thread, without a destructor; 0xFFFFFFFF if there is none left.
-    static unsigned createTLSKey();
+    [[nodiscard]] static unsigned createTLSKey();
     /// Null if the thread has set none.
-    static void* getTLSValue(unsigned key);
+    [[nodiscard]] static void* getTLSValue(unsigned key);
     /// False for a key that is none.
-    static bool setTLSValue(unsigned key, void* value);
+    [[nodiscard]] static bool setTLSValue(unsigned key, void* value);
 
     // Threads are not bound to processors here.
-    static int getCurrentProcessor();
-    static bool hasProcessorAffinity();
+    [[nodiscard]] static int getCurrentProcessor();
+    [[nodiscard]] static bool hasProcessorAffinity();
     static bool setCurrentProcessorAffinity(int processor, bool flag);
     static bool setCurrentProcessorAffinity(const std::vector<int>& processors, bool flag);
-    static std::vector<int> getCurrentProcessorAffinity();
+    [[nodiscard]] static std::vector<int> getCurrentProcessorAffinity();
 
 private:
     static void* entry(void* thread);

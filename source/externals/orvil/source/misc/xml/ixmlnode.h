@@ -19,27 +19,27 @@ public:
     IXmlNode& operator=(const IXmlNode&) = delete;
     virtual ~IXmlNode() = default;
 
-    virtual bool hasParent() const = 0;
-    virtual bool hasChildren() const = 0;
-    virtual bool hasNextNode() const = 0;
-    virtual bool isText() const = 0;
-    virtual bool isComment() const = 0;
+    [[nodiscard]] virtual bool hasParent() const = 0;
+    [[nodiscard]] virtual bool hasChildren() const = 0;
+    [[nodiscard]] virtual bool hasNextNode() const = 0;
+    [[nodiscard]] virtual bool isText() const = 0;
+    [[nodiscard]] virtual bool isComment() const = 0;
 
-    virtual IXmlNode* getParent() const = 0;
+    [[nodiscard]] virtual IXmlNode* getParent() const = 0;
     /// Null if there is none; so are the next four.
-    virtual IXmlNode* getFirstChild() const = 0;
+    [[nodiscard]] virtual IXmlNode* getFirstChild() const = 0;
     /// The first child that is neither text nor comment.
-    virtual IXmlNode* getFirstTagChild() const;
-    virtual IXmlNode* getNextNode() const = 0;
+    [[nodiscard]] virtual IXmlNode* getFirstTagChild() const;
+    [[nodiscard]] virtual IXmlNode* getNextNode() const = 0;
     /// The next sibling that is neither text nor comment.
-    virtual IXmlNode* getNextTagNode() const;
+    [[nodiscard]] virtual IXmlNode* getNextTagNode() const;
 
-    virtual std::string getName() const = 0;
+    [[nodiscard]] virtual std::string getName() const = 0;
     /// `defaultValue` only if the attribute is missing, not if it is empty.
-    virtual std::string getAttribute(const std::string& name,
-                                     const std::string& defaultValue) const = 0;
+    [[nodiscard]] virtual std::string getAttribute(const std::string& name,
+                                                   const std::string& defaultValue) const = 0;
     /// All text below the node, joined.
-    virtual std::string getContent() const = 0;
+    [[nodiscard]] virtual std::string getContent() const = 0;
 
     /// Always adds and never replaces: set each name once per element.
     virtual void setAttribute(const std::string& name, const std::string& value) = 0;
@@ -54,13 +54,13 @@ public:
     virtual void setContentCDATA(const std::string& text) = 0;
 
     /// The first child of any kind with exactly this name; null if there is none.
-    virtual IXmlNode* getFirstChild(const std::string& name) const;
+    [[nodiscard]] virtual IXmlNode* getFirstChild(const std::string& name) const;
     /// In document order, of every kind.
     [[nodiscard]] virtual std::vector<IXmlNode*> getChildren() const;
     [[nodiscard]] virtual std::vector<IXmlNode*> getChildren(const std::string& name) const;
 
     /// Other than text and comments, processing instructions and references to entities are none.
-    virtual bool isElement() const;
+    [[nodiscard]] virtual bool isElement() const;
 };
 
 } // namespace Orvil
