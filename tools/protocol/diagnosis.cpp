@@ -2,6 +2,8 @@
 // A reading of the document without a tree of it, which knows the columns.
 #include "tools/protocol/diagnosis.h"
 
+#include "misc/exception.h"
+#include "misc/xml/ixmlparser.h"
 #include "misc/xml/libxmlhandles.h"
 #include "misc/xml/libxmlsupport.h"
 #include "tools/protocol/reader.h"
@@ -112,6 +114,19 @@ std::vector<Complaint> findSchemaErrors(const std::string& xml, xmlSchema& schem
     return diagnosis.complaints;
 }
 
+/// What shows only when the XML layer builds the document: how much it grows by the defaults that
+/// it declares, and how long a text is that references divide.
+std::vector<Complaint> findExcess(const std::string& xml) {
+    try {
+        const Orvil::XmlDocumentHolder document;
+        document->parseString(xml);
+        return {};
+    } catch (const Orvil::Exception& failure) {
+        const xmlError* const error = xmlGetLastError(); // null: the message names the line
+        return {{error == nullptr ? 0 : error->line, 0, failure.message()}};
+    }
+}
+
 /// Of a schema; the column is rarely known.
 void onFirstError(void* complaint, xmlErrorPtr error) {
     auto& first = *static_cast<Complaint*>(complaint);
@@ -140,7 +155,10 @@ std::vector<Complaint> diagnose(const std::string& xml, const std::string& schem
         throw BadSchema(faults.empty() ? first : faults.front());
     }
     std::vector<Complaint> complaints = findSyntaxErrors(xml);
-    return complaints.empty() ? findSchemaErrors(xml, *compiled) : complaints;
+    if (complaints.empty()) {
+        complaints = findSchemaErrors(xml, *compiled);
+    }
+    return complaints.empty() ? findExcess(xml) : complaints;
 }
 
 } // namespace ProtocolTool

@@ -34,43 +34,35 @@ public:
     void forbid(std::initializer_list<const char*> names, const std::string& kind) const {
         for (const char* const name : names) {
             if (object_.contains(name)) {
-                throw std::invalid_argument(place_ + ": '" + name + "' has no place in a " + kind +
-                                            " request");
+                throw std::invalid_argument(place_ + ": '" + name +
+                                            "' has no place in a request of kind '" + kind + "'");
             }
         }
     }
     std::string text(const char* name) const {
-        const auto found = object_.find(name);
-        if (found == object_.end()) {
-            return {};
-        }
-        if (!found->is_string()) {
-            throw std::invalid_argument(place_ + ": '" + name + "' must be a text");
-        }
-        return found->get<std::string>();
+        return member<std::string>(name, &Json::is_string, "a text");
     }
     bool flag(const char* name) const {
-        const auto found = object_.find(name);
-        if (found == object_.end()) {
-            return false;
-        }
-        if (!found->is_boolean()) {
-            throw std::invalid_argument(place_ + ": '" + name + "' must be true or false");
-        }
-        return found->get<bool>();
+        return member<bool>(name, &Json::is_boolean, "true or false");
     }
     Json list(const char* name) const {
-        const auto found = object_.find(name);
-        if (found == object_.end()) {
-            return Json::array();
-        }
-        if (!found->is_array()) {
-            throw std::invalid_argument(place_ + ": '" + name + "' must be a list");
-        }
-        return *found;
+        return member<Json>(name, &Json::is_array, "a list", Json::array());
     }
 
 private:
+    template <typename T>
+    T member(const char* name, bool (Json::*isOfKind)() const noexcept, const std::string& kind,
+             T absent = {}) const {
+        const auto found = object_.find(name);
+        if (found == object_.end()) {
+            return absent;
+        }
+        if (!((*found).*isOfKind)()) {
+            throw std::invalid_argument(place_ + ": '" + name + "' must be " + kind);
+        }
+        return found->template get<T>();
+    }
+
     const Json& object_;
     std::string place_;
 };

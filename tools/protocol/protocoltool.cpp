@@ -247,7 +247,12 @@ private:
 
 int run(int argc, const char* const* argv, std::istream& input, std::ostream& output,
         std::ostream& errors) {
-    return Program(input, output, errors).run(argc, argv);
+    const int exitCode = Program(input, output, errors).run(argc, argv);
+    if (!output.flush()) {
+        errors << "glyphora-protocol: the output cannot be written\n";
+        return unusable;
+    }
+    return exitCode;
 }
 
 } // namespace ProtocolTool

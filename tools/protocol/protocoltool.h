@@ -9,7 +9,7 @@ namespace ProtocolTool {
 enum ExitCode : int {
     done = 0,
     refused = 1,  ///< the document or the request is not valid
-    unusable = 2, ///< wrong usage, a file that cannot be read, or no schema
+    unusable = 2, ///< wrong usage, a file or output that fails, or no schema
 };
 
 /// Runs the program; `input` stands for a file name of "-".

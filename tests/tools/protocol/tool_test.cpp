@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
 #include <sstream>
 #include <tuple>
 #include <utility>
@@ -52,6 +53,11 @@ std::string repeat(const std::string& text, int times) {
 }
 
 const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
+
+/// What follows the head of an activation's reply.
+std::string replyOf(const std::string& fonts) {
+    return "<activationRequestReply><fonts>" + fonts + "</fonts></activationRequestReply></cmd>";
+}
 
 } // namespace
 
@@ -103,6 +109,7 @@ TEST(TheProtocolTool, DecodesRepliesToJson) {
 }
 
 TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
+    const std::string halfTooLong(6'000'000, 'x');
     const std::pair<std::string, std::string> cases[] = {
         {"<cmd>\n <a></b></cmd>", "standard input:2:9: Opening and ending tag mismatch"},
         {head + "\n<buyRequestReply>\n  <handled>x</handled></buyRequestReply></cmd>",
@@ -111,6 +118,13 @@ TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
         {"", "standard input:1:1: "},
         {"<!DOCTYPE cmd [\n<!ENTITY a 'x'>]>" + head + "</cmd>",
          "standard input:2:15: entities must not be declared"},
+        {"<!DOCTYPE cmd [<!ATTLIST font syncID CDATA '" + std::string(20'000, 's') + "'>]>" + head +
+             "\n" + replyOf(repeat("<font><psName>a</psName></font>", 100)),
+         "standard input: LibXml: Document not parsed successfully: line 2, column "},
+        {head + "\n\n" +
+             replyOf("<font syncID='1'><psName>" + halfTooLong + "&amp;" + halfTooLong +
+                     "</psName></font>"),
+         "standard input:3: LibXml: Document not parsed successfully: xmlSAX2Characters: huge"},
     };
     for (const auto& [document, complaint] : cases) {
         for (const char* const command : {"validate", "decode"}) {
@@ -153,9 +167,7 @@ TEST(TheProtocolTool, DoesNotLookIntoADocumentBeyondTheCodecsLimit) {
 TEST(TheProtocolTool, SaysTwentyTimesAtMostThatADocumentIsWrong) {
     const std::string font = "<font syncID='1'>\n<psName>a</psName><count>x</count></font>";
     for (const int fonts : {1, 100'000}) {
-        const Outcome refused =
-            run("decode", head + "<activationRequestReply><fonts>" + repeat(font, fonts) +
-                              "</fonts></activationRequestReply></cmd>");
+        const Outcome refused = run("decode", head + replyOf(repeat(font, fonts)));
         const auto lines = std::count(refused.errors.begin(), refused.errors.end(), '\n');
         EXPECT_THAT(refused.errors, StartsWith("standard input:2:"));
         EXPECT_EQ(lines, fonts == 1 ? 1 : ProtocolTool::maximumComplaints);
@@ -172,8 +184,9 @@ TEST(TheProtocolTool, TellsBadRequestsFromBadUsage) {
         {"encode", "", 2, "name a KIND"},
         {"encode --json -", R"({"request": "sell"})", 1, "kind 'sell' is none of"},
         {"encode buy --must-match-type --font syncID=1,psName=P", "", 1,
-         "'mustMatchFontType' has no place in a buy request"},
-        {"encode show --target-app ART5", "", 1, "no place in a show request"},
+         "'mustMatchFontType' has no place in a request of kind 'buy'"},
+        {"encode show --target-app ART5", "", 1,
+         "'targetApp' has no place in a request of kind 'show'"},
         {"encode buy", "", 1, "exactly one font"},
         {"encode font --json -", "{}", 2, "give nothing beside it"},
         {"encode --json -", "{\n \"fonts\": 1", 1, "standard input: "},
@@ -201,4 +214,13 @@ TEST(TheProtocolTool, TellsBadRequestsFromBadUsage) {
         EXPECT_THAT(refused.errors, HasSubstr(message));
     }
     EXPECT_EQ(run("--help").exitCode, 0);
+}
+
+TEST(TheProtocolTool, FailsWhenItsOutputCannotBeWritten) {
+    std::istringstream in;
+    std::ofstream full("/dev/full");
+    std::ostringstream err;
+    const char* const arguments[] = {"glyphora-protocol", "--help"};
+    EXPECT_EQ(ProtocolTool::run(2, arguments, in, full, err), 2);
+    EXPECT_EQ(err.str(), "glyphora-protocol: the output cannot be written\n");
 }
