@@ -39,7 +39,7 @@ public:
     /// "T1", "TT", "OT_T1", "OT_TT" or "all"; "error" for every other value.
     [[nodiscard]] static std::string typeToString(Type type);
     /// The reverse, by exact comparison of the whole text. Throws for any other text.
-    static Type stringToType(const std::string& text);
+    [[nodiscard]] static Type stringToType(const std::string& text);
 
     /// Writes an indented dump to standard error; every line begins with `prefix`.
     void debugPrint(const std::string& prefix) const;
@@ -115,7 +115,7 @@ public:
     FontList& setFontList(const FontList& newFonts);
     /// Takes everything but syncID, handled and activationSuccessful from the reply. A request font
     /// that has fontInfos already loses them, with a warning on standard error.
-    FontList mergeFontsInReply(const FontReply& reply) const;
+    [[nodiscard]] FontList mergeFontsInReply(const FontReply& reply) const;
     void debugPrint(const std::string& prefix) const;
 
     bool mustMatchFontType;
@@ -139,7 +139,7 @@ public:
     ShowRequest(bool mustMatchFontType, const FontList& fonts);
     FontList& setFontList(const FontList& newFonts);
     /// Takes count, psName and type from the reply.
-    FontList mergeFontsInReply(const ShowReply& reply) const;
+    [[nodiscard]] FontList mergeFontsInReply(const ShowReply& reply) const;
     void debugPrint(const std::string& prefix) const;
 
     bool mustMatchFontType;
@@ -161,7 +161,7 @@ public:
     explicit ActivationRequest(const FontList& fonts);
     FontList& setFontList(const FontList& newFonts);
     /// Takes activationSuccessful and containerID from the reply.
-    FontList mergeFontsInReply(const ActivationReply& reply) const;
+    [[nodiscard]] FontList mergeFontsInReply(const ActivationReply& reply) const;
     void debugPrint(const std::string& prefix) const;
 
     FontList fonts;
@@ -183,7 +183,7 @@ public:
     /// Checks the new font first, unlike setFontList.
     Font& setFont(const Font& newFont);
     /// The request's font with `handled` of the reply's; nothing is matched or counted.
-    Font mergeFontInReply(const BuyReply& reply) const;
+    [[nodiscard]] Font mergeFontInReply(const BuyReply& reply) const;
     void debugPrint(const std::string& prefix) const;
 
     Font font;

@@ -28,10 +28,10 @@ enum class FontField {
 };
 
 /// FontField::Unknown for every name that is none of them.
-FontField findFontField(std::string_view name);
+[[nodiscard]] FontField findFontField(std::string_view name);
 
 /// Sets a field that is a name, an identifier or a truth value, as every reply has it in the same
 /// way. False, and nothing is set, for the other fields: syncID, type, the counts, and fontInfos.
-bool setPlainField(Font& font, FontField field, std::string&& text);
+[[nodiscard]] bool setPlainField(Font& font, FontField field, std::string&& text);
 
 } // namespace Protocol

@@ -19,9 +19,9 @@ namespace Protocol {
 /// Reads a number as a stream does: leading white space is skipped, and what follows the digits is
 /// ignored. Not `ok` without digits (the result is 0) or out of range (the result is the limit).
 template <typename T>
-T safeParse(const std::string& text, bool& ok) = delete;
+[[nodiscard]] T safeParse(const std::string& text, bool& ok) = delete;
 template <>
-unsigned safeParse<unsigned>(const std::string& text, bool& ok);
+[[nodiscard]] unsigned safeParse<unsigned>(const std::string& text, bool& ok);
 
 /// [one-thread] for each document. Reads the small parts of a reply.
 class HandlerHelpers {
@@ -31,10 +31,10 @@ public:
     /// Reads a font element: the attribute syncID and the element children in any order; of
     /// several of one name the last counts, but the entries of all fontInfos are taken. Throws
     /// Orvil::Exception for an unknown child, a type or a number that cannot be read.
-    static Font parseFont(Orvil::IXmlNode* node);
+    [[nodiscard]] static Font parseFont(Orvil::IXmlNode* node);
     /// Reads an entry of the font infos: its first two element children, whatever they are called.
     /// Throws Orvil::Exception when there are fewer.
-    static Font::Info parseFontInfo(Orvil::IXmlNode* node);
+    [[nodiscard]] static Font::Info parseFontInfo(Orvil::IXmlNode* node);
     /// True for exactly "true" and "1".
     [[nodiscard]] static bool parseBoolean(const std::string& text);
 };
@@ -49,14 +49,15 @@ public:
     /// `schema` is the text of an XML Schema. Throws Orvil::Exception when it does not compile.
     explicit HandlerInternal(const std::string& schema);
 
-    Orvil::IXmlValidator& validator() { return *validator_; }
+    [[nodiscard]] Orvil::IXmlValidator& validator() { return *validator_; }
 
     /// Each reads the element of its kind. Throws Orvil::Exception for a font that cannot be read
     /// or breaks the message's rule.
-    static boost::shared_ptr<FontReply> parseFontReply(Orvil::IXmlNode* node);
-    static boost::shared_ptr<ShowReply> parseShowReply(Orvil::IXmlNode* node);
-    static boost::shared_ptr<BuyReply> parseBuyReply(Orvil::IXmlNode* node);
-    static boost::shared_ptr<ActivationReply> parseActivationReply(Orvil::IXmlNode* node);
+    [[nodiscard]] static boost::shared_ptr<FontReply> parseFontReply(Orvil::IXmlNode* node);
+    [[nodiscard]] static boost::shared_ptr<ShowReply> parseShowReply(Orvil::IXmlNode* node);
+    [[nodiscard]] static boost::shared_ptr<BuyReply> parseBuyReply(Orvil::IXmlNode* node);
+    [[nodiscard]] static boost::shared_ptr<ActivationReply>
+    parseActivationReply(Orvil::IXmlNode* node);
 
 private:
     Orvil::SmartPointer<Orvil::IXmlValidator> validator_;
@@ -86,16 +87,16 @@ public:
 
     /// The request as a document in UTF-8. Throws Orvil::SerializationException when a text is not
     /// UTF-8 or holds characters that no XML document can.
-    static std::string createFontRequest(const FontRequest& request);
-    static std::string createShowRequest(const ShowRequest& request);
-    static std::string createBuyRequest(const BuyRequest& request);
-    static std::string createActivationRequest(const ActivationRequest& request);
+    [[nodiscard]] static std::string createFontRequest(const FontRequest& request);
+    [[nodiscard]] static std::string createShowRequest(const ShowRequest& request);
+    [[nodiscard]] static std::string createBuyRequest(const BuyRequest& request);
+    [[nodiscard]] static std::string createActivationRequest(const ActivationRequest& request);
 
     /// Reads a reply document of any kind. The root's own name does not matter beyond the schema.
     /// Throws Orvil::Exception when the text is not XML, declares entities, holds something unknown
     /// or breaks a message's rule; std::runtime_error when the schema rejects it, after the reasons
     /// have been written to standard error. The handler stays usable.
-    ReplyContainer parseReply(const std::string& xml);
+    [[nodiscard]] ReplyContainer parseReply(const std::string& xml);
 
 private:
     std::unique_ptr<HandlerInternal> internal_;

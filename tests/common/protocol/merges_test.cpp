@@ -4,19 +4,18 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <utility>
+
 using namespace Protocol;
 
 namespace {
-
-// They differ in all fields but the syncID.
-const Font asked = soundFont(fullFont().syncID);
-const Font answered = fullFont();
 
 /// A merge, whatever the messages are: the request's fonts, the reply's, the result.
 struct Merge {
     const char* name;
     std::function<FontList(const FontList&, const FontList&)> run;
-    std::function<void(Font&)> takeOver; // what becomes of `asked`
+    std::function<void(Font&, const Font&)> takeOver; // what becomes of a font by its answer
     int countMismatchLine;
     int missingLine;
 };
@@ -26,31 +25,30 @@ const std::vector<Merge> merges{
      [](const FontList& request, const FontList& reply) {
          return FontRequest(true, request, "", "").mergeFontsInReply(FontReply(true, reply));
      },
-     [](Font& font) {
-         const bool handled = font.handled;
-         const bool activationSuccessful = font.activationSuccessful;
-         font = answered;
-         font.handled = handled;
-         font.activationSuccessful = activationSuccessful;
+     [](Font& font, const Font& answer) {
+         const Font asked = font;
+         font = answer;
+         font.handled = asked.handled;
+         font.activationSuccessful = asked.activationSuccessful;
      },
      158, 173},
     {"show request",
      [](const FontList& request, const FontList& reply) {
          return ShowRequest(true, request).mergeFontsInReply(ShowReply(reply));
      },
-     [](Font& font) {
-         font.count = answered.count;
-         font.psName = answered.psName;
-         font.type = answered.type;
+     [](Font& font, const Font& answer) {
+         font.count = answer.count;
+         font.psName = answer.psName;
+         font.type = answer.type;
      },
      286, 301},
     {"activation request",
      [](const FontList& request, const FontList& reply) {
          return ActivationRequest(request).mergeFontsInReply(ActivationReply(reply));
      },
-     [](Font& font) {
-         font.activationSuccessful = answered.activationSuccessful;
-         font.containerID = answered.containerID;
+     [](Font& font, const Font& answer) {
+         font.activationSuccessful = answer.activationSuccessful;
+         font.containerID = answer.containerID;
      },
      478, 493},
 };
@@ -58,11 +56,17 @@ const std::vector<Merge> merges{
 } // namespace
 
 TEST(AMerge, TakesOverOnlyTheFieldsOfItsReply) {
+    const Font full = fullFont();
+    Font other = soundFont(full.syncID); // differs in every other field
+    other.count = 2;
+    other.typeMatchingCount = 1;
     for (const Merge& merge : merges) {
         SCOPED_TRACE(merge.name);
-        Font expected = asked;
-        merge.takeOver(expected);
-        EXPECT_EQ(merge.run({asked}, {answered}), FontList{expected});
+        for (const auto& [asked, answer] : {std::pair(full, other), std::pair(other, full)}) {
+            Font expected = asked;
+            merge.takeOver(expected, answer);
+            EXPECT_EQ(merge.run({asked}, {answer}), FontList{expected});
+        }
     }
 }
 
@@ -80,38 +84,27 @@ TEST(AMerge, SortsBySyncIDWhateverTheMessagesOrder) {
 }
 
 TEST(AMerge, RefusesMessagesThatDoNotMatch) {
-    struct Case {
-        FontList request;
-        FontList reply;
-        std::function<std::string(const Merge&)> failure;
-    };
-    const auto duplicate = [](const Merge& /*merge*/) {
-        return protocolFailure("got FontList with duplicate syncID", 666);
-    };
-    const auto mismatch = [](const Merge& merge) {
-        return protocolFailure("number of fonts in reply does not match number of fonts in request",
-                               merge.countMismatchLine);
-    };
-    const auto missing = [](const std::string& syncID) {
-        return [syncID](const Merge& merge) {
-            return protocolFailure("could not find syncID '" + syncID + "' from request in reply",
-                                   merge.missingLine);
-        };
-    };
     const Font a = soundFont("a");
     const Font b = soundFont("b");
     const Font c = soundFont("c");
-    const Font d = soundFont("d");
-    const std::vector<Case> cases{
-        {{a, a}, {a}, duplicate},                          // before any count
-        {{a}, {a, a}, duplicate},                          //
-        {{a, b}, {a}, mismatch},                           //
-        {{}, {a}, mismatch},                               //
-        {{c, b, a}, {a, d, soundFont("e")}, missing("b")}, // the first in ascending order
-    };
     for (const Merge& merge : merges) {
-        for (const Case& each : cases) {
-            EXPECT_EQ(failureOf([&] { merge.run(each.request, each.reply); }), each.failure(merge))
+        const std::string duplicate = protocolFailure("got FontList with duplicate syncID", 666);
+        const std::string mismatch =
+            protocolFailure("number of fonts in reply does not match number of fonts in request",
+                            merge.countMismatchLine);
+        const std::string missing =
+            protocolFailure("could not find syncID 'b' from request in reply", merge.missingLine);
+        const std::tuple<FontList, FontList, std::string> cases[] = {
+            {{a, a}, {a}, duplicate}, // before any count
+            {{a}, {a, a}, duplicate},
+            {{a, b}, {a}, mismatch},
+            {{}, {a}, mismatch},
+            {{c, b, a}, {a, soundFont("d"), soundFont("e")}, missing}, // the first in byte order
+        };
+        for (const auto& [request, reply, failure] : cases) {
+            EXPECT_EQ(
+                failureOf([&, &asked = request, &answers = reply] { merge.run(asked, answers); }),
+                failure)
                 << merge.name;
         }
     }
@@ -130,9 +123,7 @@ TEST(AFontRequestMerge, WarnsWhenInfosOfTheRequestAreOverwritten) {
 }
 
 TEST(ABuyMerge, TakesOnlyHandledAndMatchesNothing) {
-    Font expected = asked;
+    Font expected = soundFont();
     expected.handled = true;
-    Font answer = answered;
-    answer.syncID = "another";
-    EXPECT_EQ(BuyRequest(asked).mergeFontInReply(BuyReply(answer)), expected);
+    EXPECT_EQ(BuyRequest(soundFont()).mergeFontInReply(BuyReply(fullFont())), expected);
 }

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace Protocol;
 
 namespace {
@@ -93,14 +95,14 @@ TEST(ARequestDocument, IsNotMadeOfWhatXmlCannotHold) {
         for (std::string Font::*const field : {&Font::psName, &Font::syncID}) {
             Font font = soundFont();
             font.*field = text;
-            EXPECT_THROW(Handler::createBuyRequest(BuyRequest(font)),
+            EXPECT_THROW(std::ignore = Handler::createBuyRequest(BuyRequest(font)),
                          Orvil::SerializationException);
         }
     }
     for (const char* const text : {"\x7f", "\xc2\x80", "\xef\xbf\xbd", "\xf4\x8f\xbf\xbf"}) {
         Font font = soundFont();
         font.psName = text;
-        EXPECT_NO_THROW(Handler::createBuyRequest(BuyRequest(font)));
+        EXPECT_NO_THROW(std::ignore = Handler::createBuyRequest(BuyRequest(font)));
     }
 }
 
@@ -138,4 +140,9 @@ TEST(TheSchema, RejectsWhatIsNotInTheProtocol) {
     }
     EXPECT_TRUE(
         complaints(document(infos + "<fontInfo><name/><value/></fontInfo>" + infosEnd)).empty());
+    for (const std::string attribute :
+         {"", " xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_2.0\""}) {
+        const std::string buy = "<buyRequestReply><handled>1</handled></buyRequestReply>";
+        EXPECT_FALSE(complaints("<cmd" + attribute + ">" + buy + "</cmd>").empty()) << attribute;
+    }
 }
