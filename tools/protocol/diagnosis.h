@@ -25,7 +25,7 @@ struct BadSchema : std::runtime_error {
     Complaint complaint; ///< the first that there is about the schema
 };
 
-/// Where the codec stops in a reply that is valid: at the first font that it does not take, or else
+/// Where the codec stops in a reply that is valid: at the first font that it refuses, or else
 /// at the kind of reply. `message` says which font that is, or is empty.
 [[nodiscard]] Complaint findRefusal(const std::string& xml);
 

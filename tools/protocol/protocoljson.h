@@ -18,7 +18,7 @@ using Json = nlohmann::ordered_json;
 ///    "fonts": [{"syncID": text, "psName": text, "type": text, "familyName": text,
 ///               "styleName": text, "containerID": text}, ...]}
 /// Everything but "request" may be left out; a buy request has exactly one font. Throws
-/// std::invalid_argument for what is no such object, and what the message and the codec throw.
+/// std::invalid_argument for anything else, and what the message and the codec throw.
 [[nodiscard]] std::string encodeRequest(const Json& request);
 
 /// A parsed reply as an object: "reply" tells its kind as above, the rest its members.

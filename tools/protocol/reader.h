@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading without a tree: what passes is for the handlers that one sets.
+// Reading a document without building its tree: callers set the handlers that they need.
 #pragma once
 
 #include "misc/xml/libxmlhandles.h"
@@ -8,9 +8,9 @@
 
 namespace ProtocolTool {
 
-/// A parser that takes up the declarations of its document and nothing else. Throws std::bad_alloc.
+/// A parser that keeps the declarations of its document and nothing else. Throws std::bad_alloc.
 [[nodiscard]] Orvil::LibXml::ParserContext makeReader();
-/// Reads in the bounds of the XML layer, but those of size and growth.
+/// Reads within the XML layer's bounds, except those of size and growth.
 void read(_xmlParserCtxt& reader, const std::string& xml);
 
 } // namespace ProtocolTool

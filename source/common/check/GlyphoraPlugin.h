@@ -34,7 +34,7 @@ public:
     static void FixupVTable(Plugin* plugin) noexcept;
 
 protected:
-    /// Something that wants to know of the shut-down. Nothing does so far.
+    /// An object that is told of the shut-down. None is so far.
     class Auxiliary {
     public:
         virtual ~Auxiliary() = default;

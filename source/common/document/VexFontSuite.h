@@ -21,8 +21,8 @@ public:
 
     VexFontSuite() = delete;
 
-    /// Appends a record for every family that the document uses, that of its first font met, and
-    /// sorts all of `fonts` by family. Returns the host's error. If an art object could not be
+    /// Appends a record for every family that the document uses, made of its first font, and sorts
+    /// all of `fonts` by family. Returns the host's error. If an art object could not be
     /// read, `fonts` is left alone; if a layer could not, it has what the layers before it use.
     [[nodiscard]] static AIErr getMissingFontInfos(FontInfos& fonts);
 

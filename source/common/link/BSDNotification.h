@@ -42,7 +42,7 @@ public:
     /// Stops and releases all readers.
     virtual ~Daemon();
 
-    /// Starts to watch `name`. A reader that watches it already is released, with its unread marks.
+    /// Starts to watch `name`. A reader already watching it is released, with its unread marks.
     /// Throws std::runtime_error, "token could not be registered", when the name is refused.
     void addListener(const std::string& name);
     /// Stops watching `name`; with an empty name, everything. A reader that cannot be joined stays.

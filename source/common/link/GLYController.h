@@ -17,7 +17,7 @@ constexpr std::array<const char*, 3> launcherBundleIds{"org.glyphora.Glyphora.La
                                                        "org.glyphora.Glyphora.Launcher2",
                                                        "org.glyphora.Glyphora.Launcher"};
 
-/// Static operations only, without a state. [main-thread], which launching blocks.
+/// Static operations without any state. [main-thread], which launching blocks.
 class GLYController {
 public:
     GLYController() = delete;
@@ -26,8 +26,8 @@ public:
     /// written only then. Returns noErr if it was found, else the status that ended the walk.
     static OSStatus FindGlyphoraProcess(ProcessInfoRec& info, bool& found);
 
-    /// Starts the font manager through one launcher and waits up to 15 s for its process. It is no
-    /// error if that has not shown up by then, nor if it was running before. Returns the status of
+    /// Starts the font manager through one launcher and waits up to 15 s for its process. It is not
+    /// an error if that has not appeared by then, or was running already. Returns the status of
     /// the look-up or of the launch.
     static OSStatus LaunchGlyphora(std::string bundleId);
     /// Tries the launchers in turn until one gives noErr. Returns the last status.
@@ -37,7 +37,7 @@ public:
     /// byte, so "9.99" is greater than "10.0".
     [[nodiscard]] static int CompareGLYVersion(std::string a, std::string b);
 
-    /// Reads "MAJOR[.MINOR[.anything]]". Returns false if a number is missing or is none. Without a
+    /// Reads "MAJOR[.MINOR[.anything]]". Returns false if a piece is missing or not a number. Without a
     /// minor piece, `minor` keeps its value.
     [[nodiscard]] static bool separateVersion(const std::string& text, unsigned& major,
                                               unsigned& minor);
@@ -48,8 +48,8 @@ public:
     [[nodiscard]] static bool checkForNeededProtocolVersion(const std::string& text,
                                                             unsigned needMajor, unsigned needMinor);
 
-    /// The error code of a font manager whose version will not do. Returns 0: none is refused, the
-    /// protocol's version decides.
+    /// The error code for a font manager of an unsuitable version. Always 0: the protocol's version
+    /// decides instead.
     [[nodiscard]] static int CheckRunningVersion();
 };
 

@@ -42,7 +42,7 @@ public:
     std::string result;       ///< the answer as the transport gave it; empty until send()
     std::string command;      ///< written by build()
     std::string replyVersion; ///< the answer's protocol version
-    /// 1 if parseResult() gave a node, else 0. Means nothing before send().
+    /// 1 if parseResult() gave a node, else 0. Meaningful only after send().
     std::int32_t succeeded = 0;
 
 protected:
@@ -82,7 +82,7 @@ public:
     /// unknown element; the records are left alone then.
     Orvil::IXmlNode* parseResult() override;
 
-    /// Whether the font manager asks for the dialog. Means nothing unless the reply says it.
+    /// Whether the font manager asks for the dialog. Meaningful only if a reply has said so.
     std::int32_t showWindow = 0;
 };
 
@@ -90,7 +90,7 @@ public:
 class GLYFontActivateEvent : public GLYFontBasedEvent {
 public:
     void build() override;
-    /// Returns null always: whether fonts are active is found out by asking again.
+    /// Always returns null: whether fonts are active is found out by asking again.
     Orvil::IXmlNode* parseResult() override;
 };
 

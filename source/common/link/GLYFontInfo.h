@@ -45,7 +45,7 @@ public:
     /// The container that the user chose, a decimal number; "-1" or empty if none. Requests name it
     /// instead of font.containerID if it reads as a number of at least 1.
     std::string chosenContainer;
-    /// Scratch values for those who work on the record: this one and the next two.
+    /// A scratch value, like the two at the end.
     std::int32_t workValue1 = 1;
     /// 1 once the user has chosen a replacement for the font.
     std::int32_t replaced = 0;

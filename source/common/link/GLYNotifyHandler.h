@@ -9,13 +9,13 @@
 
 namespace GLY {
 
-/// Wants to know of library changes.
+/// An observer of library changes.
 class IGLYChangeNotifier {
 public:
     virtual ~IGLYChangeNotifier() = default;
 
     /// [main-thread] `text` is the command of the change, one XML element, valid during the call.
-    /// May register and unregister observers. The result is 0; nobody looks at it.
+    /// May register and unregister observers. The result, 0, is ignored.
     virtual std::int32_t OnGLYNotify(const std::string& text) = 0;
 };
 
@@ -26,13 +26,12 @@ public:
     virtual void start() = 0;
     /// Ends listening. Does no harm without start().
     virtual void end() = 0;
-    /// To be called now and then: tells the observers of at most one change that has been noticed
-    /// meanwhile.
+    /// Tells the observers of one change, if one has been noticed. Called regularly, by a timer.
     virtual void push() = 0;
     /// Queue an addition and a removal for the next notifiyAll, which applies removals first. The
     /// caller goes on owning the observer. One that registers twice is told twice. One that is
-    /// unregistered before any round has passed is registered by the next all the same, and must
-    /// still be alive then.
+    /// registered and unregistered again between two rounds is told by the next all the same, so
+    /// it must still be alive then.
     virtual void registerNotifer(IGLYChangeNotifier* notifier) = 0;
     virtual void unregisterNotifer(IGLYChangeNotifier* notifier) = 0;
     /// Forgets the active observers at once. What is queued stays queued.
@@ -42,11 +41,11 @@ public:
     /// throw.
     virtual void notifiyAll(const std::string& text) = 0;
     /// Sends a command to the font manager and returns its reply, folded into one XML document, or
-    /// an empty text on failure. Blocks, for some 10 s if the font manager is not there. Never
+    /// an empty text on failure. Blocks, for about 10 s if the font manager is not there. Never
     /// throws. Commands travel through the handler of the news because it is the one object that
     /// knows the channel to the font manager, so exchanges do not depend on the platform.
     [[nodiscard]] virtual std::string SendToGly(const std::string& command) = 0;
-    /// Returns false always: a launch is waited for where it is made, by GLYController.
+    /// Always returns false: a launch is waited for where it is made, by GLYController.
     virtual bool WaitForLaunch() = 0;
     virtual ~IGLYNotifyHandler() = default;
 };

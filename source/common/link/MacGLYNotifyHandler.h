@@ -29,14 +29,14 @@ public:
     std::string SendToGly(const std::string& command) override;
     bool WaitForLaunch() override;
 
-    /// Frees what an ended handler still holds; its storage can be released without the destructor
-    /// then.
+    /// Frees what an ended handler still holds, so that its storage can be released without running
+    /// the destructor.
     void dropStorage() noexcept;
 
 private:
     /// [handler-thread], which is the main thread. Called for each event of the font manager; the
-    /// events are the caller's, `handler` is the IGLYNotifyHandler that was installed. Returns
-    /// noErr always.
+    /// events are the caller's, `handler` is the IGLYNotifyHandler that was installed. Always
+    /// returns noErr.
     static OSErr HandleEvent(const AppleEvent* event, AppleEvent* reply, void* handler);
 
     AEEventHandlerUPP eventHandler_ = nullptr; // owned; null unless started

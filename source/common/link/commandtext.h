@@ -13,7 +13,7 @@ namespace GLY {
 /// Writes one command: every element on a line of its own, its content as it stands. [any-thread]
 class CommandText {
 public:
-    /// Begins the command of that word. Room is made for `fontCount` fonts.
+    /// Begins the command `command`, with room for `fontCount` fonts.
     CommandText(std::string_view command, std::size_t fontCount);
 
     void element(std::string_view name, std::string_view content);
@@ -22,7 +22,7 @@ public:
     void endFont() { text_ += "</font>\n"; }
     /// The type's element, unless the type is not known.
     void type(const GLYFontInfo& info);
-    /// Closes the command and gives its text away.
+    /// Closes the command and returns its text.
     [[nodiscard]] std::string finish();
 
 private:

@@ -11,7 +11,7 @@ namespace GLY {
 /// header line stays open until the closing line. In place, in linear time. [any-thread]
 void foldReply(std::string& reply);
 
-/// Writes every "&" as "&amp;", that of an entity too: replies are not escaped. [any-thread]
+/// Writes every "&" as "&amp;", even that of an entity: replies are not escaped. [any-thread]
 [[nodiscard]] std::string escapeAmpersands(std::string text);
 
 } // namespace GLY

@@ -66,10 +66,10 @@ using FontList = std::list<Font>;
 /// A list's fonts by syncID, in byte-wise order. The positions are the list's own.
 using FontIterMap = std::map<std::string, FontList::const_iterator>;
 
-/// Neither text may be empty.
+/// Both throw when the text is empty.
 void checkSyncID(const std::string& syncID);
 void checkPsName(const std::string& psName);
-/// The type must not be "all".
+/// Throws when the type is "all".
 void checkReplyType(Font::Type type);
 
 /// The rules of the messages; each applies its checks in a fixed order and throws at the first

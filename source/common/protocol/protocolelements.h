@@ -7,8 +7,8 @@
 
 namespace Protocol {
 
-/// The node itself if it is an element, otherwise the next sibling that is one. Null if there is
-/// none; so are the next two.
+/// The node itself if it is an element, otherwise the next sibling that is one. Returns null if
+/// there is none, as do the next two.
 inline Orvil::IXmlNode* elementFrom(Orvil::IXmlNode* node) {
     while (node != nullptr && !node->isElement()) {
         node = node->getNextTagNode();

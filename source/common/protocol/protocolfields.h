@@ -27,11 +27,11 @@ enum class FontField {
     ActivationSuccessful, ///< "activationSuccessfull" on the wire
 };
 
-/// FontField::Unknown for every name that is none of them.
+/// Returns FontField::Unknown for any other name.
 [[nodiscard]] FontField findFontField(std::string_view name);
 
-/// Sets a field that is a name, an identifier or a truth value, as every reply has it in the same
-/// way. False, and nothing is set, for the other fields: syncID, type, the counts, and fontInfos.
+/// Sets a name, an identifier or a truth value, which all replies write alike. Returns false, and
+/// sets nothing, for the other fields: syncID, type, the counts, and fontInfos.
 [[nodiscard]] bool setPlainField(Font& font, FontField field, std::string&& text);
 
 } // namespace Protocol

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The protocol's messages as XML documents, and back. The event exchanges write their commands by
-// hand and use only the helpers; the codec stands for itself.
+// hand and use only the helpers; the codec stands apart.
 #pragma once
 
 #include "misc/exception.h"
@@ -17,7 +17,8 @@
 namespace Protocol {
 
 /// Reads a number as a stream does: leading white space is skipped, and what follows the digits is
-/// ignored. Not `ok` without digits (the result is 0) or out of range (the result is the limit).
+/// ignored. `ok` is false without digits, when the result is 0, and out of range, when it is the
+/// limit.
 template <typename T>
 [[nodiscard]] T safeParse(const std::string& text, bool& ok) = delete;
 template <>
@@ -43,7 +44,7 @@ public:
 /// element of a document is in it, and the schema says so too.
 constexpr const char* protocolNamespace = "http://glyphora.org/schema/GlyPluginCommunication_1.0";
 
-/// Reading of the four kinds of replies, and the schema that they are checked by.
+/// Reads the four kinds of replies, and holds the schema that they are checked against.
 class HandlerInternal {
 public:
     /// `schema` is the text of an XML Schema. Throws Orvil::Exception when it does not compile.
@@ -63,7 +64,7 @@ private:
     Orvil::SmartPointer<Orvil::IXmlValidator> validator_;
 };
 
-/// A document of a kind that is no reply's.
+/// Thrown for a document that is not a reply.
 class UnknownReplyKind : public Orvil::Exception {
 public:
     explicit UnknownReplyKind(const std::string& kind);

@@ -119,7 +119,7 @@ public:
     virtual AIErr WorkspaceDefault(WorkspaceMessage* /*message*/) { return kUnhandledMsgErr; }
 
     [[nodiscard]] static bool IsReloadMsg(const char* caller, const char* selector) noexcept;
-    /// True for the quiet codes, of which nobody is told.
+    /// True for the quiet codes, which are never shown.
     [[nodiscard]] static bool FilterError(AIErr error) noexcept;
     /// Writes the message of an error into the caller's `buffer` of `length` bytes: the one that
     /// string list 16050 has for its code, else the list's last. Returns false, and empties the
