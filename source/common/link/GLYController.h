@@ -37,8 +37,8 @@ public:
     /// byte, so "9.99" is greater than "10.0".
     [[nodiscard]] static int CompareGLYVersion(std::string a, std::string b);
 
-    /// Reads "MAJOR[.MINOR[.anything]]". Returns false if a piece is missing or not a number. Without a
-    /// minor piece, `minor` keeps its value.
+    /// Reads "MAJOR[.MINOR[.anything]]". Returns false if a piece is missing or not a number.
+    /// Without a minor piece, `minor` keeps its value.
     [[nodiscard]] static bool separateVersion(const std::string& text, unsigned& major,
                                               unsigned& minor);
 
