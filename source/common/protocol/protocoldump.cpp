@@ -25,10 +25,10 @@ public:
         }
         text_ += '\n';
     }
+    /// Truth values are 1 and 0.
     void number(std::string_view label, std::uint32_t value) {
         line({label, std::to_string(value)});
     }
-    void flag(std::string_view label, bool value) { line({label, value ? "1" : "0"}); }
     void quoted(std::string_view label, const std::string& value) {
         if (!value.empty()) {
             line({label, "'", value, "'"});
@@ -48,7 +48,7 @@ public:
             line({"    ", info.name, " => ", info.value});
         }
     }
-    void font(const Font& font) {
+    void write(const Font& font) {
         line({"Font: "});
         quoted("  syncID: ", font.syncID);
         line({"  type: ", Font::typeToString(font.type)});
@@ -56,21 +56,21 @@ public:
         quoted("  styleName: ", font.styleName);
         quoted("  familyName: ", font.familyName);
         number("  count: ", font.count);
-        flag("  isActive: ", font.isActive);
+        number("  isActive: ", font.isActive);
         number("  typeMatchingCount: ", font.typeMatchingCount);
-        flag("  isTypeMatchingActive: ", font.isTypeMatchingActive);
+        number("  isTypeMatchingActive: ", font.isTypeMatchingActive);
         quoted("  typeMatchingContainerID: ", font.typeMatchingContainerID);
         fontInfos(font.fontInfos);
-        flag("  handled: ", font.handled);
+        number("  handled: ", font.handled);
         quoted("  containerID: ", font.containerID);
-        flag("  activationSuccessful: ", font.activationSuccessful);
+        number("  activationSuccessful: ", font.activationSuccessful);
         line({"Font END"});
     }
-    void fonts(const FontList& fonts) {
+    void write(const FontList& fonts) {
         line({"FontList: ", std::to_string(fonts.size()), " fonts:"});
         indented([&] {
             for (const Font& each : fonts) {
-                font(each);
+                write(each);
             }
         });
         line({"FontList END"});
@@ -95,8 +95,6 @@ private:
         writeContent();
         prefix_.resize(prefix_.size() - 2);
     }
-    void write(const FontList& content) { fonts(content); }
-    void write(const Font& content) { font(content); }
 
     std::string prefix_;
     std::string text_;
@@ -105,17 +103,17 @@ private:
 } // namespace
 
 void Font::debugPrint(const std::string& prefix) const {
-    Dump(prefix).font(*this);
+    Dump(prefix).write(*this);
 }
 
 void debugPrint(const FontList& fonts, const std::string& prefix) {
-    Dump(prefix).fonts(fonts);
+    Dump(prefix).write(fonts);
 }
 
 void FontRequest::debugPrint(const std::string& prefix) const {
     Dump dump(prefix);
     dump.message("FontRequest", fonts, [&] {
-        dump.flag("  mustMatchFontType: ", mustMatchFontType);
+        dump.number("  mustMatchFontType: ", mustMatchFontType);
         dump.unquoted("  targetApp: ", targetApp);
         dump.unquoted("  targetClass: ", targetClass);
     });
@@ -123,13 +121,13 @@ void FontRequest::debugPrint(const std::string& prefix) const {
 
 void FontReply::debugPrint(const std::string& prefix) const {
     Dump dump(prefix);
-    dump.message("FontReply", fonts, [&] { dump.flag("  showWindow: ", showWindow); });
+    dump.message("FontReply", fonts, [&] { dump.number("  showWindow: ", showWindow); });
 }
 
 void ShowRequest::debugPrint(const std::string& prefix) const {
     Dump dump(prefix);
     dump.message("ShowRequest", fonts,
-                 [&] { dump.flag("  mustMatchFontType: ", mustMatchFontType); });
+                 [&] { dump.number("  mustMatchFontType: ", mustMatchFontType); });
 }
 
 void ShowReply::debugPrint(const std::string& prefix) const {

@@ -12,23 +12,18 @@
 
 #include <libxml/tree.h>
 
+#include <initializer_list>
 #include <memory>
-#include <span>
-#include <string_view>
 
 namespace Protocol {
 
 namespace {
 
-/// The children of a font element, in the order of writing.
-struct FontChild {
-    std::string name;
-    FontField field;
-};
-using FontChildren = std::span<const FontChild>;
+/// The names of a font element's children, in the order of writing.
+using FontChildren = std::initializer_list<const char*>;
 
-std::string textOf(const Font& font, FontField field) {
-    switch (field) {
+std::string textOf(const Font& font, const char* child) {
+    switch (findFontField(child)) {
     case FontField::Type:
         return Font::typeToString(font.type);
     case FontField::PsName:
@@ -73,15 +68,10 @@ public:
     void font(const Font& font, FontChildren children) { addFont(*kind_, font, children); }
 
     std::string serialise() const {
-        std::string text;
-        parser_->writeString(text);
-        const auto* const root = dynamic_cast<const Orvil::LibXmlNode*>(parser_->getRootNode());
-        if (!text.empty() || root == nullptr) {
-            return text; // of a layer that does serialise
-        }
+        const auto& root = dynamic_cast<const Orvil::LibXmlNode&>(*parser_->getRootNode());
         xmlChar* memory = nullptr;
         int size = 0;
-        xmlDocDumpMemoryEnc(root->getNode()->doc, &memory, &size, "UTF-8");
+        xmlDocDumpMemoryEnc(root.getNode()->doc, &memory, &size, "UTF-8");
         const Orvil::LibXml::Text owner(memory);
         if (!owner) {
             throw Orvil::SerializationException("document could not be written",
@@ -102,8 +92,8 @@ private:
         const std::unique_ptr<Orvil::IXmlNode> node(parent.addChild("font"));
         checkText("syncID", font.syncID);
         node->setAttribute("syncID", font.syncID);
-        for (const FontChild& child : children) {
-            addText(*node, child.name, textOf(font, child.field));
+        for (const char* const child : children) {
+            addText(*node, child, textOf(font, child));
         }
     }
 
@@ -114,40 +104,30 @@ private:
 } // namespace
 
 std::string Handler::createFontRequest(const FontRequest& request) {
-    static const FontChild children[] = {{"psName", FontField::PsName},
-                                         {"type", FontField::Type},
-                                         {"familyName", FontField::FamilyName},
-                                         {"styleName", FontField::StyleName}};
     RequestDocument document("fontRequest");
     document.flag("mustMatchFontType", request.mustMatchFontType);
     document.optionalElement("targetApp", request.targetApp);
     document.optionalElement("targetClass", request.targetClass);
-    document.fonts(request.fonts, children);
+    document.fonts(request.fonts, {"psName", "type", "familyName", "styleName"});
     return document.serialise();
 }
 
 std::string Handler::createShowRequest(const ShowRequest& request) {
-    static const FontChild children[] = {{"containerID", FontField::ContainerID},
-                                         {"psName", FontField::PsName},
-                                         {"type", FontField::Type}};
     RequestDocument document("showRequest");
     document.flag("mustMatchFontType", request.mustMatchFontType);
-    document.fonts(request.fonts, children);
+    document.fonts(request.fonts, {"containerID", "psName", "type"});
     return document.serialise();
 }
 
 std::string Handler::createBuyRequest(const BuyRequest& request) {
-    static const FontChild children[] = {{"psName", FontField::PsName}};
     RequestDocument document("buyRequest");
-    document.font(request.font, children);
+    document.font(request.font, {"psName"});
     return document.serialise();
 }
 
 std::string Handler::createActivationRequest(const ActivationRequest& request) {
-    static const FontChild children[] = {{"containerID", FontField::ContainerID},
-                                         {"psName", FontField::PsName}};
     RequestDocument document("activationRequest");
-    document.fonts(request.fonts, children);
+    document.fonts(request.fonts, {"containerID", "psName"});
     return document.serialise();
 }
 

@@ -125,23 +125,6 @@ TEST_F(GlyphoraAtWork, FindsItsHandlesAgainAfterAReload) {
     EXPECT_TRUE(host.timers[3]->active);
 }
 
-TEST_F(GlyphoraAtWork, KeepsItsMembersWhenItsDispatchTableIsMended) {
-    ASSERT_EQ(plugin().LockPlugin(true), kNoErr);
-    // What is left of the dispatch table of code that is gone.
-    void* const dead = nullptr;
-    std::memcpy(host.globals, &dead, sizeof dead);
-    FixupReload(static_cast<Plugin*>(host.globals));
-    EXPECT_TRUE(plugin().HasSuites());
-    EXPECT_EQ(plugin().GetPluginRef(), &host.plugin);
-    EXPECT_TRUE(opensDocuments(host.notifierOf("AI Document Opened Notifier")));
-    EXPECT_EQ(printedBy(host.notifierOf("AI Document Changed Notifier")), "doc changed notifier\n");
-    char name[64] = {};
-    EXPECT_EQ(plugin().GetPluginName(name, 63), 28);
-    EXPECT_STREQ(name, "Glyphora for Illustrator CS4");
-    EXPECT_EQ(plugin().LockPlugin(false), kNoErr);
-    EXPECT_THAT(host.accesses, IsEmpty());
-}
-
 TEST(AStart, ThrowsTheErrorOfTheRegistrationsThatAreChecked) {
     struct Case {
         const char* call;

@@ -27,7 +27,7 @@ Record bareRecord() {
 
 /// Everything that can be written, with characters that are not escaped.
 Record fullRecord() {
-    Record record(new GLYFontInfo);
+    Record record = bareRecord();
     record->font.syncID = "s & 2";
     record->font.psName = "P<2>";
     record->font.type = Protocol::Font::OT_T1;

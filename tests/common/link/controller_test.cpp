@@ -38,24 +38,19 @@ const Texts allLaunchers{"org.glyphora.Glyphora.Launcher3", "org.glyphora.Glypho
 } // namespace
 
 TEST_F(TheFontManager, IsFoundAmongTheProcessesBySignature) {
-    platform_.processes = {{other, 1, 0}, {GLY::glyphoraSignature, 2, 0}, {other, 3, 0}};
-    ProcessInfoRec info;
-    bool found = false;
-    EXPECT_EQ(GLYController::FindGlyphoraProcess(info, found), noErr);
-    EXPECT_TRUE(found);
-    EXPECT_EQ(info.processID, 2);
-}
-
-TEST_F(TheFontManager, IsNotFoundWhenTheWalkEnds) {
+    const scripted::Process manager{GLY::glyphoraSignature, 2, 0};
     for (const std::vector<scripted::Process>& processes :
-         {std::vector<scripted::Process>{}, {{other, 1, 0}, {other, 3, 0}}}) {
+         {std::vector<scripted::Process>{},
+          {{other, 1, 0}, {other, 3, 0}},
+          {{other, 1, 0}, manager, {other, 3, 0}}}) {
         platform_.processes = processes;
+        const bool isThere = processes.size() == 3;
         ProcessInfoRec info;
         info.processID = 99;
-        bool found = true;
-        EXPECT_EQ(GLYController::FindGlyphoraProcess(info, found), procNotFound);
-        EXPECT_FALSE(found);
-        EXPECT_EQ(info.processID, 99);
+        bool found = !isThere;
+        EXPECT_EQ(GLYController::FindGlyphoraProcess(info, found), isThere ? noErr : procNotFound);
+        EXPECT_EQ(found, isThere);
+        EXPECT_EQ(info.processID, isThere ? 2 : 99);
     }
 }
 
@@ -185,4 +180,9 @@ TEST(AVersion, ComparesByLengthFirst) {
         EXPECT_EQ(GLYController::CompareGLYVersion(ascending[i], ascending[i - 1]), 1) << i;
         EXPECT_EQ(GLYController::CompareGLYVersion(ascending[i], ascending[i]), 0) << i;
     }
+}
+
+TEST(TheFontManagersVersion, IsNeverRefusedNorItsStore) {
+    EXPECT_EQ(GLYController::CheckRunningVersion(), 0);
+    EXPECT_TRUE(GLY::isStoreEnabled());
 }

@@ -31,18 +31,9 @@ std::vector<std::string> complaints(const std::string& xml) {
     return validator->getErrors();
 }
 
-Font awkwardFont() {
-    Font font;
-    font.syncID = "<\"'&\n\t>";
-    font.psName = "A&B<C>]]>\r\n";
-    font.familyName = "M\xc3\xbcller \xf0\x9f\x98\x80";
-    font.styleName = " ";
-    font.containerID = "-1";
-    return font;
-}
-
-const std::string awkwardSyncID = "&lt;&quot;'&amp;&#10;&#9;&gt;";
-const std::string awkwardPsName = "A&amp;B&lt;C&gt;]]&gt;&#13;\n";
+// fullFont's, as they are written.
+const std::string writtenSyncID = "s&quot;&amp;&#10;";
+const std::string writtenPsName = "A&amp;B&lt;]]&gt;";
 
 } // namespace
 
@@ -50,17 +41,16 @@ TEST(ARequestDocument, HoldsTheElementsOfItsKindInOrder) {
     Font plain;
     plain.syncID = "1";
     plain.psName = "Foo";
-    plain.type = Font::TT;
-    const FontList fonts{plain, awkwardFont()};
+    const FontList fonts{plain, fullFont()};
     const std::pair<std::string, std::string> cases[] = {
         {Handler::createFontRequest({true, fonts, "ART5", "FILC"}),
          "<fontRequest><mustMatchFontType>true</mustMatchFontType><targetApp>ART5</targetApp>"
          "<targetClass>FILC</targetClass><fonts>"
-         "<font syncID=\"1\"><psName>Foo</psName><type>TT</type><familyName/><styleName/></font>"
+         "<font syncID=\"1\"><psName>Foo</psName><type>all</type><familyName/><styleName/></font>"
          "<font syncID=\"" +
-             awkwardSyncID + "\"><psName>" + awkwardPsName +
-             "</psName><type>all</type><familyName>M\xc3\xbcller \xf0\x9f\x98\x80</familyName>"
-             "<styleName> </styleName></font></fonts></fontRequest>"},
+             writtenSyncID + "\"><psName>" + writtenPsName +
+             "</psName><type>OT_TT</type><familyName>\xc3\x84</familyName>"
+             "<styleName> \xf0\x9f\x98\x80&#13;</styleName></font></fonts></fontRequest>"},
         {Handler::createFontRequest({false, {}, "", ""}),
          "<fontRequest><mustMatchFontType>false</mustMatchFontType><fonts/></fontRequest>"},
         {Handler::createFontRequest({false, {}, "", "c"}),
@@ -68,18 +58,18 @@ TEST(ARequestDocument, HoldsTheElementsOfItsKindInOrder) {
          "<fonts/></fontRequest>"},
         {Handler::createShowRequest({false, fonts}),
          "<showRequest><mustMatchFontType>false</mustMatchFontType><fonts>"
-         "<font syncID=\"1\"><containerID/><psName>Foo</psName><type>TT</type></font>"
+         "<font syncID=\"1\"><containerID/><psName>Foo</psName><type>all</type></font>"
          "<font syncID=\"" +
-             awkwardSyncID + "\"><containerID>-1</containerID><psName>" + awkwardPsName +
-             "</psName><type>all</type></font></fonts></showRequest>"},
+             writtenSyncID + "\"><containerID>9</containerID><psName>" + writtenPsName +
+             "</psName><type>OT_TT</type></font></fonts></showRequest>"},
         {Handler::createActivationRequest(ActivationRequest(fonts)),
          "<activationRequest><fonts>"
          "<font syncID=\"1\"><containerID/><psName>Foo</psName></font>"
          "<font syncID=\"" +
-             awkwardSyncID + "\"><containerID>-1</containerID><psName>" + awkwardPsName +
+             writtenSyncID + "\"><containerID>9</containerID><psName>" + writtenPsName +
              "</psName></font></fonts></activationRequest>"},
-        {Handler::createBuyRequest(BuyRequest(awkwardFont())),
-         "<buyRequest><font syncID=\"" + awkwardSyncID + "\"><psName>" + awkwardPsName +
+        {Handler::createBuyRequest(BuyRequest(fullFont())),
+         "<buyRequest><font syncID=\"" + writtenSyncID + "\"><psName>" + writtenPsName +
              "</psName></font></buyRequest>"},
     };
     for (const auto& [written, expected] : cases) {

@@ -20,22 +20,20 @@ inline Protocol::Font soundFont(const std::string& syncID = "id") {
 
 /// A font without a default in any field.
 inline Protocol::Font fullFont() {
-    Protocol::Font font;
-    font.syncID = "s\"&\n";
-    font.type = Protocol::Font::OT_TT;
-    font.psName = "A&B<]]>";
-    font.styleName = " \xf0\x9f\x98\x80\r";
-    font.familyName = "\xc3\x84";
-    font.count = 4294967295;
-    font.isActive = true;
-    font.typeMatchingCount = 3;
-    font.isTypeMatchingActive = true;
-    font.typeMatchingContainerID = "5";
-    font.fontInfos = {{"1", "one"}, {"2", ""}};
-    font.handled = true;
-    font.containerID = "9";
-    font.activationSuccessful = true;
-    return font;
+    return {.syncID = "s\"&\n",
+            .type = Protocol::Font::OT_TT,
+            .psName = "A&B<]]>",
+            .styleName = " \xf0\x9f\x98\x80\r",
+            .familyName = "\xc3\x84",
+            .count = 4294967295,
+            .isActive = true,
+            .typeMatchingCount = 3,
+            .isTypeMatchingActive = true,
+            .typeMatchingContainerID = "5",
+            .fontInfos = {{"1", "one"}, {"2", ""}},
+            .handled = true,
+            .containerID = "9",
+            .activationSuccessful = true};
 }
 
 /// The description of the Orvil::Exception that `action` throws; "" when it throws none.

@@ -5,24 +5,25 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <tuple>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
 namespace {
 
-struct MessageCase {
-    const char* caller;
-    const char* selector;
-    const char* operation;
-    AIErr baseAnswer;
-};
-
-const MessageCase cases[] = {
-#define ROW(caller, selector, operation, baseAnswer) {caller, selector, #operation, baseAnswer},
+const std::tuple<const char*, const char*, std::string> messages[] = {
+#define ROW(caller, selector, operation) {caller, selector, #operation},
     GLYPHORA_MESSAGES(ROW)
 #undef ROW
 };
+
+// The operations in which the base class succeeds; it leaves the others unhandled.
+const std::set<std::string> answered{"UnloadPlugin",    "ReloadPlugin", "About",
+                                     "GoAction",        "ReselectTool", "DecreaseDiameter",
+                                     "IncreaseDiameter"};
 
 class AMessage : public testing::Test {
 protected:
@@ -31,17 +32,18 @@ protected:
 };
 
 TEST_F(AMessage, ReachesItsOperationWhichTheBaseClassAnswers) {
-    for (const MessageCase& c : cases) {
-        SCOPED_TRACE(std::string(c.caller) + " / " + c.selector);
+    for (const auto& [caller, selector, operation] : messages) {
+        SCOPED_TRACE(std::string(caller) + " / " + selector);
         auto record = host.message<SPInterfaceMessage>();
         plugin.calls.clear();
         plugin.result = 4711;
-        EXPECT_EQ(plugin.Message(c.caller, c.selector, &record), 4711);
-        EXPECT_THAT(plugin.calls, ElementsAre(Pair(c.operation, static_cast<void*>(&record))));
+        EXPECT_EQ(plugin.Message(caller, selector, &record), 4711);
+        EXPECT_THAT(plugin.calls, ElementsAre(Pair(operation, static_cast<void*>(&record))));
         Plugin base(&host.plugin);
         auto start = host.message<SPInterfaceMessage>();
         ASSERT_EQ(base.StartupPlugin(&start), kNoErr);
-        EXPECT_EQ(base.Message(c.caller, c.selector, &record), c.baseAnswer);
+        EXPECT_EQ(base.Message(caller, selector, &record),
+                  answered.contains(operation) ? kNoErr : kUnhandledMsgErr);
     }
 }
 

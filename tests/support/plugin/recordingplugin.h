@@ -11,55 +11,51 @@
 #include <utility>
 #include <vector>
 
-// The messages that have an operation, and what the base class answers to each.
+// The messages that have an operation.
 #define GLYPHORA_MESSAGES(X)                                                                       \
-    X("SP Access", "Unload", UnloadPlugin, kNoErr)                                                 \
-    X("SP Access", "Reload", ReloadPlugin, kNoErr)                                                 \
-    X("SP Interface", "About", About, kNoErr)                                                      \
-    X("SP Properties", "Acquire", AcquireProperty, kUnhandledMsgErr)                               \
-    X("SP Properties", "Release", ReleaseProperty, kUnhandledMsgErr)                               \
-    X("Action Manager", "Do Action", GoAction, kNoErr)                                             \
-    X("AI Menu", "AI Go", GoMenuItem, kUnhandledMsgErr)                                            \
-    X("AI Menu", "AI Update", UpdateMenuItem, kUnhandledMsgErr)                                    \
-    X("AI Filter", "AI Get Parameters", GetFilterParameters, kUnhandledMsgErr)                     \
-    X("AI Filter", "AI Go", GoFilter, kUnhandledMsgErr)                                            \
-    X("AI Plugin Group", "AI Notify Edits", PluginGroupNotify, kUnhandledMsgErr)                   \
-    X("AI Plugin Group", "AI Update", PluginGroupUpdate, kUnhandledMsgErr)                         \
-    X("AI File Format", "AI Get Parameters", GetFileFormatParameters, kUnhandledMsgErr)            \
-    X("AI File Format", "AI Go", GoFileFormat, kUnhandledMsgErr)                                   \
-    X("AI File Format", "AI Check", CheckFileFormat, kUnhandledMsgErr)                             \
-    X("AI File Format", "AI Update AI140", FileFormatUpdate, kUnhandledMsgErr)                     \
-    X("AI File Format", "Do Action", SetFileFormatParameters, kUnhandledMsgErr)                    \
-    X("AI Tool", "AI Edit Options", EditTool, kUnhandledMsgErr)                                    \
-    X("AI Tool", "AI Track Cursor", TrackToolCursor, kUnhandledMsgErr)                             \
-    X("AI Tool", "AI Mouse Down", ToolMouseDown, kUnhandledMsgErr)                                 \
-    X("AI Tool", "AI Mouse Drag", ToolMouseDrag, kUnhandledMsgErr)                                 \
-    X("AI Tool", "AI Mouse Up", ToolMouseUp, kUnhandledMsgErr)                                     \
-    X("AI Tool", "AI Select", SelectTool, kUnhandledMsgErr)                                        \
-    X("AI Tool", "AI Deselect", DeselectTool, kUnhandledMsgErr)                                    \
-    X("AI Tool", "AI Reselect", ReselectTool, kNoErr)                                              \
-    X("AI Tool", "AI Decrease Diameter", DecreaseDiameter, kNoErr)                                 \
-    X("AI Tool", "AI Increase Diameter", IncreaseDiameter, kNoErr)                                 \
-    X("AI Live Effect", "AI Live Effect Edit Parameters", EditLiveEffectParameters,                \
-      kUnhandledMsgErr)                                                                            \
-    X("AI Live Effect", "AI Live Effect Go Live", GoLiveEffect, kUnhandledMsgErr)                  \
-    X("AI Live Effect", "AI Live Effect Interpolate Parameters", LiveEffectInterpolate,            \
-      kUnhandledMsgErr)                                                                            \
-    X("AI Live Effect", "AI Live Effect Input Type", LiveEffectGetInputType, kUnhandledMsgErr)     \
-    X("AI Live Effect", "AI Live Effect Scale Parameters", LiveEffectScaleParameters,              \
-      kUnhandledMsgErr)                                                                            \
-    X("AI Live Effect", "AI Live Effect Convert Color Space", LiveEffectConvertColorSpace,         \
-      kUnhandledMsgErr)                                                                            \
-    X("AI Live Effect", "AI Live Effect Adjust Colors", LiveEffectAdjustColors, kUnhandledMsgErr)  \
-    X("AI Live Effect", "AI Live Effect Handle Merge", LiveEffectHandleMerge, kUnhandledMsgErr)    \
-    X("AI Timer", "AI Go", GoTimer, kUnhandledMsgErr)                                              \
-    X("AI Clipboard", "AI Go", GoClipboard, kUnhandledMsgErr)                                      \
-    X("AI Clipboard", "AI Can Copy", CanCopyClipboard, kUnhandledMsgErr)                           \
-    X("AI Clipboard", "AI Clone", CloneClipboard, kUnhandledMsgErr)                                \
-    X("AI Clipboard", "AI Dispose", DisposeClipboard, kUnhandledMsgErr)                            \
-    X("Workspace Manager", "Write Woskspace", WorkspaceWrite, kUnhandledMsgErr)                    \
-    X("Workspace Manager", "Restore Woskspace", WorkspaceRestore, kUnhandledMsgErr)                \
-    X("Workspace Manager", "Default Woskspace", WorkspaceDefault, kUnhandledMsgErr)
+    X("SP Access", "Unload", UnloadPlugin)                                                         \
+    X("SP Access", "Reload", ReloadPlugin)                                                         \
+    X("SP Interface", "About", About)                                                              \
+    X("SP Properties", "Acquire", AcquireProperty)                                                 \
+    X("SP Properties", "Release", ReleaseProperty)                                                 \
+    X("Action Manager", "Do Action", GoAction)                                                     \
+    X("AI Menu", "AI Go", GoMenuItem)                                                              \
+    X("AI Menu", "AI Update", UpdateMenuItem)                                                      \
+    X("AI Filter", "AI Get Parameters", GetFilterParameters)                                       \
+    X("AI Filter", "AI Go", GoFilter)                                                              \
+    X("AI Plugin Group", "AI Notify Edits", PluginGroupNotify)                                     \
+    X("AI Plugin Group", "AI Update", PluginGroupUpdate)                                           \
+    X("AI File Format", "AI Get Parameters", GetFileFormatParameters)                              \
+    X("AI File Format", "AI Go", GoFileFormat)                                                     \
+    X("AI File Format", "AI Check", CheckFileFormat)                                               \
+    X("AI File Format", "AI Update AI140", FileFormatUpdate)                                       \
+    X("AI File Format", "Do Action", SetFileFormatParameters)                                      \
+    X("AI Tool", "AI Edit Options", EditTool)                                                      \
+    X("AI Tool", "AI Track Cursor", TrackToolCursor)                                               \
+    X("AI Tool", "AI Mouse Down", ToolMouseDown)                                                   \
+    X("AI Tool", "AI Mouse Drag", ToolMouseDrag)                                                   \
+    X("AI Tool", "AI Mouse Up", ToolMouseUp)                                                       \
+    X("AI Tool", "AI Select", SelectTool)                                                          \
+    X("AI Tool", "AI Deselect", DeselectTool)                                                      \
+    X("AI Tool", "AI Reselect", ReselectTool)                                                      \
+    X("AI Tool", "AI Decrease Diameter", DecreaseDiameter)                                         \
+    X("AI Tool", "AI Increase Diameter", IncreaseDiameter)                                         \
+    X("AI Live Effect", "AI Live Effect Edit Parameters", EditLiveEffectParameters)                \
+    X("AI Live Effect", "AI Live Effect Go Live", GoLiveEffect)                                    \
+    X("AI Live Effect", "AI Live Effect Interpolate Parameters", LiveEffectInterpolate)            \
+    X("AI Live Effect", "AI Live Effect Input Type", LiveEffectGetInputType)                       \
+    X("AI Live Effect", "AI Live Effect Scale Parameters", LiveEffectScaleParameters)              \
+    X("AI Live Effect", "AI Live Effect Convert Color Space", LiveEffectConvertColorSpace)         \
+    X("AI Live Effect", "AI Live Effect Adjust Colors", LiveEffectAdjustColors)                    \
+    X("AI Live Effect", "AI Live Effect Handle Merge", LiveEffectHandleMerge)                      \
+    X("AI Timer", "AI Go", GoTimer)                                                                \
+    X("AI Clipboard", "AI Go", GoClipboard)                                                        \
+    X("AI Clipboard", "AI Can Copy", CanCopyClipboard)                                             \
+    X("AI Clipboard", "AI Clone", CloneClipboard)                                                  \
+    X("AI Clipboard", "AI Dispose", DisposeClipboard)                                              \
+    X("Workspace Manager", "Write Woskspace", WorkspaceWrite)                                      \
+    X("Workspace Manager", "Restore Woskspace", WorkspaceRestore)                                  \
+    X("Workspace Manager", "Default Woskspace", WorkspaceDefault)
 
 /// Only for its type: the message that an operation takes.
 template <typename Message>
@@ -100,14 +96,14 @@ public:
     }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): types and names take none
-#define RECORD(caller, selector, operation, baseAnswer)                                            \
+#define RECORD(caller, selector, operation)                                                        \
     AIErr operation(decltype(messageOf(&Plugin::operation)) message) override {                    \
         calls.emplace_back(#operation, message);                                                   \
         return result;                                                                             \
     }
     // NOLINTEND(bugprone-macro-parentheses)
     GLYPHORA_MESSAGES(RECORD)
-    RECORD(, , ShutdownPlugin, )
-    RECORD(, , Notify, )
+    RECORD(, , ShutdownPlugin)
+    RECORD(, , Notify)
 #undef RECORD
 };

@@ -57,9 +57,6 @@ const scripted::Process* processFrom(std::uint32_t& index) {
 CFStringRef CFStringCreateWithCString(const void* /*allocator*/, const char* text,
                                       CFStringEncoding encoding) {
     Platform* const platform = Platform::current();
-    if (platform == nullptr) {
-        return nullptr;
-    }
     platform->encodings.push_back(encoding);
     ++platform->liveObjects;
     return new PLString(text); // owned by the caller until CFRelease

@@ -8,9 +8,6 @@ using scripted::Platform;
 
 std::uint32_t notify_register_check(const char* name, int* token) {
     Platform* const platform = Platform::current();
-    if (platform == nullptr) {
-        return NOTIFY_STATUS_FAILED;
-    }
     const std::lock_guard locked(platform->notificationLock);
     if (platform->registerStatus != NOTIFY_STATUS_OK) {
         return platform->registerStatus;
@@ -23,9 +20,6 @@ std::uint32_t notify_register_check(const char* name, int* token) {
 
 std::uint32_t notify_check(int token, int* check) {
     Platform* const platform = Platform::current();
-    if (platform == nullptr) {
-        return NOTIFY_STATUS_INVALID_TOKEN;
-    }
     const std::lock_guard locked(platform->notificationLock);
     const auto found = platform->tokens.find(token);
     if (found == platform->tokens.end()) {
@@ -44,9 +38,6 @@ std::uint32_t notify_check(int token, int* check) {
 
 std::uint32_t notify_cancel(int token) {
     Platform* const platform = Platform::current();
-    if (platform == nullptr) {
-        return NOTIFY_STATUS_INVALID_TOKEN;
-    }
     const std::lock_guard locked(platform->notificationLock);
     platform->cancelled.push_back(token);
     return platform->tokens.erase(token) == 1 ? NOTIFY_STATUS_OK : NOTIFY_STATUS_INVALID_TOKEN;
