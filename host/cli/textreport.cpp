@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <glib.h>
 #include <string_view>
 
 namespace host {
@@ -17,47 +18,35 @@ constexpr std::size_t columnCount = 5;
 constexpr std::size_t widestColumn = 60;
 using Line = std::array<std::string, columnCount>;
 
-/// The width on a terminal: characters, not bytes. Wide characters are few in font names.
+/// The width on a terminal, of a text that is printable.
 std::size_t widthOf(const std::string& text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-    }));
+    std::size_t width = 0;
+    for (const char* c = text.c_str(); *c != '\0'; c = g_utf8_next_char(c)) {
+        const gunichar code = g_utf8_get_char(c);
+        width += g_unichar_iszerowidth(code) != 0 ? 0 : g_unichar_iswide(code) != 0 ? 2 : 1;
+    }
+    return width;
 }
 
-/// Characters beyond ASCII that move the cursor or turn the text around it.
+/// Characters that move the cursor or turn the text around it.
 bool isControl(std::uint32_t code) {
-    return code < 0xA0 || code == 0x61C || code == 0x200E || code == 0x200F ||
-           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x61C || code == 0x200E ||
+           code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
 }
 
 /// Names come from outside: what would move the cursor or turn text around is shown as "?", and so
 /// is what is no UTF-8.
 std::string printable(std::string_view text) {
     std::string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte < 0x80) {
-            result += byte < 0x20 || byte == 0x7F ? '?' : text[i];
-            ++i;
-            continue;
-        }
-        const std::size_t length = byte < 0xC2 || byte > 0xF4 ? 1
-                                   : byte < 0xE0              ? 2
-                                   : byte < 0xF0              ? 3
-                                                              : 4;
-        std::size_t end = i + 1;
-        std::uint32_t code = byte & (0x7FU >> length);
-        while (end < std::min(i + length, text.size()) &&
-               (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-            code = code << 6 | (static_cast<unsigned char>(text[end++]) & 0x3FU);
-        }
-        if (length == 1 || end != i + length || isControl(code)) {
-            result += '?';
-        } else {
-            result += text.substr(i, length);
-        }
-        i = end;
+    while (!text.empty()) {
+        const gunichar code =
+            g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
+        const bool valid = g_unichar_validate(code) != 0;
+        const std::size_t length =
+            valid ? static_cast<std::size_t>(g_utf8_next_char(text.data()) - text.data()) : 1;
+        result += valid && !isControl(code) ? text.substr(0, length) : "?";
+        text.remove_prefix(length);
     }
     return result;
 }

@@ -3,9 +3,9 @@
 #include "host/core/text.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstring>
+#include <glib.h>
 
 namespace host {
 
@@ -19,53 +19,16 @@ constexpr bool isPrintable(char c) {
     return c >= ' ' && c <= '~';
 }
 
-/// The length of the character that begins here; 0 when it is malformed.
-std::size_t characterLength(std::string_view text) noexcept {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    if (lead < 0x80) {
-        return 1;
-    }
-    // By the lead: the length, and the range of the second byte, which excludes overlong forms,
-    // surrogates and what lies beyond the last character.
-    struct Form {
-        unsigned char first, last;
-        std::size_t length;
-        unsigned char lowest, highest;
-    };
-    static constexpr std::array<Form, 8> forms{{{0xC2, 0xDF, 2, 0x80, 0xBF},
-                                                {0xE0, 0xE0, 3, 0xA0, 0xBF},
-                                                {0xE1, 0xEC, 3, 0x80, 0xBF},
-                                                {0xED, 0xED, 3, 0x80, 0x9F},
-                                                {0xEE, 0xEF, 3, 0x80, 0xBF},
-                                                {0xF0, 0xF0, 4, 0x90, 0xBF},
-                                                {0xF1, 0xF3, 4, 0x80, 0xBF},
-                                                {0xF4, 0xF4, 4, 0x80, 0x8F}}};
-    const auto form = std::find_if(forms.begin(), forms.end(), [&](const Form& candidate) {
-        return lead >= candidate.first && lead <= candidate.last;
-    });
-    if (form == forms.end() || text.size() < form->length) {
-        return 0;
-    }
-    const auto second = static_cast<unsigned char>(text[1]);
-    if (second < form->lowest || second > form->highest) {
-        return 0;
-    }
-    const auto rest = text.substr(2, form->length - 2);
-    const bool whole = std::all_of(rest.begin(), rest.end(), [](char byte) {
-        return isContinuation(static_cast<unsigned char>(byte));
-    });
-    return whole ? form->length : 0;
-}
-
 } // namespace
 
 bool isUtf8(std::string_view text) noexcept {
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        if (length == 0) {
+    const char* const end = text.data() + text.size();
+    const char* stop = text.data();
+    while (g_utf8_validate_len(stop, static_cast<gsize>(end - stop), &stop) == 0) {
+        if (*stop != '\0') {
             return false;
         }
-        text.remove_prefix(length);
+        ++stop; // a zero is a character like any other here
     }
     return true;
 }

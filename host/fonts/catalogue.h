@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/documents/face.h"
+#include "host/documents/textmap.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +14,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -102,15 +102,6 @@ public:
     bool refresh();
 
 private:
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
-    template <typename Value>
-    using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
-
     /// A face under one of its names.
     struct Candidate {
         FontKey key = noFont;

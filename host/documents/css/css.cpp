@@ -6,19 +6,13 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <glib.h>
 
 namespace host::css {
 namespace {
-
-int hexDigit(char c) noexcept {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
 
 std::size_t skipString(std::string_view text, std::size_t position) noexcept {
     const char quote = text[position++];
@@ -178,7 +172,7 @@ std::string unescape(std::string_view text) {
         if (++i == text.size()) {
             break;
         }
-        if (hexDigit(text[i]) < 0) {
+        if (g_ascii_isxdigit(text[i]) == 0) {
             // An escaped line end continues a string; any other character stands for itself.
             if (text[i] != '\n') {
                 result += text[i];
@@ -186,10 +180,10 @@ std::string unescape(std::string_view text) {
             continue;
         }
         std::uint32_t code = 0;
-        const std::size_t first = i;
-        for (; i < text.size() && i < first + 6 && hexDigit(text[i]) >= 0; ++i) {
-            code = code * 16 + static_cast<std::uint32_t>(hexDigit(text[i]));
-        }
+        const std::string_view digits = text.substr(i, 6);
+        const auto* const end =
+            std::from_chars(digits.data(), digits.data() + digits.size(), code, 16).ptr;
+        i += static_cast<std::size_t>(end - digits.data());
         appendUtf8(result, code);
         if (i == text.size() || !isBlank(text[i])) {
             --i; // one blank after the digits belongs to the escape
@@ -199,42 +193,21 @@ std::string unescape(std::string_view text) {
 }
 
 std::string quoted(std::string_view text, char quote, bool ascii) {
-    static constexpr std::array<char, 16> digits{'0', '1', '2', '3', '4', '5', '6', '7',
-                                                 '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
     std::string result(1, quote);
-    const auto escape = [&result](std::uint32_t code) {
-        result += '\\';
-        int shift = 20;
-        while (shift > 0 && code >> shift == 0) {
-            shift -= 4;
-        }
-        for (; shift >= 0; shift -= 4) {
-            result += digits[code >> shift & 0xF];
-        }
-        result += ' ';
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte < 0x20 || byte == 0x7F) {
-            escape(byte);
-        } else if (byte < 0x80 || !ascii) {
-            // No text may end the CDATA section that it might stand in.
-            if (byte == '>') {
-                escape(byte);
-                continue;
-            }
-            if (text[i] == quote || text[i] == '\\') {
-                result += '\\';
-            }
-            result += text[i];
+    while (!text.empty()) {
+        const gunichar code = g_utf8_get_char(text.data());
+        const auto length = std::min(
+            static_cast<std::size_t>(g_utf8_next_char(text.data()) - text.data()), text.size());
+        // With '>' the text might end the CDATA section that it stands in.
+        if (code < 0x20 || code == 0x7F || code == '>' || (ascii && code >= 0x80)) {
+            std::array<char, 12> escape{};
+            const auto end = std::to_chars(escape.begin(), escape.end(), code, 16).ptr;
+            result.append(1, '\\').append(escape.begin(), end).append(1, ' ');
         } else {
-            const std::size_t length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
-            std::uint32_t code = byte & (0x7FU >> length);
-            for (std::size_t k = 1; k < length && i + 1 < text.size(); ++k) {
-                code = code << 6 | (static_cast<unsigned char>(text[++i]) & 0x3FU);
-            }
-            escape(code);
+            result.append(code == static_cast<unsigned char>(quote) || code == '\\' ? "\\" : "");
+            result.append(text.substr(0, length));
         }
+        text.remove_prefix(length);
     }
     return result += quote;
 }

@@ -3,12 +3,12 @@
 // equal numbers, so that a hundred thousand runs compare and copy in a word.
 #pragma once
 
+#include "host/documents/textmap.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace host::css {
@@ -54,13 +54,7 @@ public:
 
 private:
     std::vector<std::string_view> texts_; ///< views of the keys, which do not move
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
-    std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> numbers_;
+    TextMap<std::uint32_t> numbers_;
 };
 
 /// The property of a name, `font` apart; nothing for one that does not matter here.

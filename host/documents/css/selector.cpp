@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <glib.h>
 #include <utility>
 
 namespace host::css {
@@ -20,18 +21,14 @@ std::string unquoted(std::string_view text) {
     return unescape(text);
 }
 
-bool isHexDigit(char c) {
-    return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f');
-}
-
 /// The position behind the escape that begins at `position`.
 std::size_t skipEscape(std::string_view text, std::size_t position) {
     const std::size_t first = position + 1;
-    if (first >= text.size() || !isHexDigit(text[first])) {
+    if (first >= text.size() || g_ascii_isxdigit(text[first]) == 0) {
         return std::min(first + 1, text.size());
     }
     std::size_t end = first;
-    while (end < text.size() && end < first + 6 && isHexDigit(text[end])) {
+    while (end < text.size() && end < first + 6 && g_ascii_isxdigit(text[end]) != 0) {
         ++end;
     }
     return end < text.size() && isBlank(text[end]) ? end + 1 : end;

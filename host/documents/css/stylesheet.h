@@ -4,6 +4,7 @@
 
 #include "host/documents/css/declarations.h"
 #include "host/documents/css/selector.h"
+#include "host/documents/textmap.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -70,14 +71,7 @@ private:
 
     void addSelector(Selector selector);
 
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
-    using Index =
-        std::unordered_map<std::string, std::vector<std::uint32_t>, Hash, std::equal_to<>>;
+    using Index = TextMap<std::vector<std::uint32_t>>;
 
     std::vector<RuleBlock> blocks_;
     std::vector<Selector> selectors_;

@@ -45,10 +45,7 @@ std::string foldFamily(std::string_view family) {
 StyleSheets::Parser::Extent StyleSheets::Parser::extentOf(std::size_t start, std::size_t end,
                                                           bool mayLackBlock) const {
     const std::string_view part = text_.substr(0, end);
-    const std::size_t open = [&] {
-        // A brace counts as nesting for findOutside, so it is a stop of its own here.
-        return findOutside(part, start, mayLackBlock ? "{;" : "{");
-    }();
+    const std::size_t open = findOutside(part, start, mayLackBlock ? "{;" : "{");
     if (open == end || text_[open] == ';') {
         return {open, open, open, std::min(open + 1, end)};
     }

@@ -56,9 +56,8 @@ private:
     /// From now on edits in the careful way the pieces that came out wrong; all of them when that
     /// cannot help, since some other text came out wrong.
     void beCareful(const std::vector<std::size_t>& wrong, bool all) {
-        all = all || spanRules_.catchSpans() ||
-              std::any_of(wrong.begin(), wrong.end(),
-                          [this](std::size_t piece) { return wanted_[piece] == nullptr; });
+        all = all || std::any_of(wrong.begin(), wrong.end(),
+                                 [this](std::size_t piece) { return wanted_[piece] == nullptr; });
         if (all) {
             careful_.assign(careful_.size(), true);
         }

@@ -2,8 +2,8 @@
 // Which characters leave a mark.
 #include "host/documents/svg/svgdrawing.h"
 
-#include <cstddef>
 #include <cstdint>
+#include <glib.h>
 
 namespace host::svg {
 namespace {
@@ -20,24 +20,12 @@ bool isBlankCode(std::uint32_t code) {
 } // namespace
 
 bool hasVisibleCharacter(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte < 0x80) {
-            if (byte > 0x20 && byte != 0x7F) {
-                return true;
-            }
-            ++i;
-            continue;
-        }
-        const std::size_t length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
-        std::uint32_t code = byte & (0x7FU >> length);
-        for (std::size_t k = 1; k < length && i + k < text.size(); ++k) {
-            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3FU);
-        }
-        if (!isBlankCode(code)) {
+    const char* const end = text.data() + text.size();
+    for (const char* c = text.data(); c < end; c = g_utf8_next_char(c)) {
+        const gunichar code = g_utf8_get_char(c);
+        if (code > 0x20 && code != 0x7F && !isBlankCode(code)) {
             return true;
         }
-        i += length;
     }
     return false;
 }

@@ -47,7 +47,8 @@ TEST(AReport, HasOneExitStatusOfSeveralReasons) {
 }
 
 TEST(AReport, IsATableWithAlignedColumns) {
-    FaceOutcome replaced = outcome("B", FaceState::Missing, FaceState::Replaced);
+    FaceOutcome replaced = outcome("\xE6\x96\x87", // twice as wide as a letter
+                                   FaceState::Missing, FaceState::Replaced);
     replaced.runsNow = 0;
     FaceOutcome came = outcome("C\n\x1B[31m", FaceState::Installed, FaceState::Installed);
     came.before.reset();
@@ -57,7 +58,7 @@ TEST(AReport, IsATableWithAlignedColumns) {
     EXPECT_EQ(text, "d.svg\n"
                     "  face          PostScript name  before   after          runs\n"
                     "  \xC3\x84rger Bold    X-Bold           missing  activated now  2\n"
-                    "  B Bold        X-Bold           missing  replaced       2 -> 0\n"
+                    "  \xE6\x96\x87 Bold       X-Bold           missing  replaced       2 -> 0\n"
                     "  C??[31m Bold  X-Bold           -        installed      0 -> 2\n");
     EXPECT_EQ(textOfDocument(documentWith({})), "d.svg\n  no text\n");
     DocumentReport oddNames = documentWith({replaced});

@@ -3,15 +3,13 @@
 #pragma once
 
 #include "host/documents/svg/svgreader.h"
+#include "tests/support/temporaryfolder.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <unistd.h>
-#include <vector>
 
 namespace host::test {
 
@@ -47,25 +45,7 @@ inline std::string visibleRuns(const Document& document) {
     return result;
 }
 
-/// A folder that goes with the test.
-class Folder {
-public:
-    Folder() : path_(std::filesystem::temp_directory_path() / "glyphora-XXXXXX") {
-        std::string name = path_.string();
-        path_ = ::mkdtemp(name.data());
-    }
-    ~Folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
-    const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
+using Folder = testsupport::TemporaryFolder;
 
 inline std::string bytesOf(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);

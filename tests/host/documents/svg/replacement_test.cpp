@@ -217,7 +217,7 @@ TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
     replaceAll(document, "Old", newFace("\xD0\x96\xC3\xA4"));
     EXPECT_EQ(saved(document), "<?xml version='1.0' encoding='ISO-8859-1'?><svg "
                                "xmlns='http://www.w3.org/2000/svg'><text font-family='\"\\416 "
-                               "\\E4 \"'>\xE4</text></svg>");
+                               "\\e4 \"'>\xE4</text></svg>");
 }
 
 TEST(AReplacedFace, IsEscapedInAFileThatIsSaidToBeAscii) {
@@ -226,7 +226,7 @@ TEST(AReplacedFace, IsEscapedInAFileThatIsSaidToBeAscii) {
                                  "'?><svg xmlns='http://www.w3.org/2000/svg'><text font-family='";
         Document document = readSvg(head + "Old'>a</text></svg>", "x.svg");
         replaceAll(document, "Old", newFace("M\xC3\xBCller"));
-        EXPECT_EQ(saved(document), head + "\"M\\FC ller\"'>a</text></svg>");
+        EXPECT_EQ(saved(document), head + "\"M\\fc ller\"'>a</text></svg>");
     }
 }
 
