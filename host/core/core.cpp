@@ -4,7 +4,6 @@
 
 #include "host/core/coresuites.h"
 #include "host/core/text.h"
-#include "platform/timing.h"
 
 #include <algorithm>
 #include <utility>
@@ -31,7 +30,7 @@ std::string joined(const std::vector<std::string>& texts) {
 
 Core::Core(Frontend& frontend, CoreOptions options)
     : frontend_(frontend), options_(std::move(options)), ledger_(frontend),
-      timers_(options_.clock ? options_.clock : TickCount) {
+      timers_(options_.clock) {
     mainThread_.store(std::this_thread::get_id(), std::memory_order_relaxed);
     CallSite::resetAll();
     provideCoreSuites(suites_);
@@ -65,9 +64,10 @@ Plugin& Core::load(const std::filesystem::path& bundle) {
     return enlist(std::make_unique<Plugin>(*this, number, Bundle::open(bundle)));
 }
 
-Plugin& Core::addBuiltIn(std::string name, SPEntryProc entry) {
+Plugin& Core::addBuiltIn(std::string name, SPEntryProc entry, std::filesystem::path resources) {
     const auto number = static_cast<PluginNumber>(plugins_.size());
-    return enlist(std::make_unique<Plugin>(*this, number, std::move(name), entry));
+    return enlist(
+        std::make_unique<Plugin>(*this, number, std::move(name), entry, std::move(resources)));
 }
 
 Plugin& Core::enlist(std::unique_ptr<Plugin> plugin) {

@@ -14,6 +14,7 @@
 #include "host/core/plugin.h"
 #include "host/core/suiteregistry.h"
 #include "host/core/timers.h"
+#include "platform/timing.h"
 
 #include <atomic>
 #include <cstddef>
@@ -28,8 +29,8 @@
 namespace host {
 
 struct CoreOptions {
-    std::string locale = "en_US"; ///< what plug-ins are told, such as "de_DE"
-    Timers::Clock clock;          ///< ticks of 1/60 s; empty: the system's
+    std::string locale = "en_US";    ///< what plug-ins are told, such as "de_DE"
+    Timers::Clock clock = TickCount; ///< ticks of 1/60 s
 };
 
 /// [main-thread] One at a time in a process; the thread that makes it is the main thread.
@@ -51,12 +52,13 @@ public:
     Contexts& contexts() noexcept { return contexts_; }
     Blocks& blocks() noexcept { return blocks_; }
     const std::string& locale() const noexcept { return options_.locale; }
+    const Timers::Clock& clock() const noexcept { return options_.clock; }
     static const SPBasicSuite& basicSuite() noexcept;
 
     /// Maps a bundle; startUp() comes next. Throws PluginError when it cannot.
     Plugin& load(const std::filesystem::path& bundle);
     /// A plug-in within the program.
-    Plugin& addBuiltIn(std::string name, SPEntryProc entry);
+    Plugin& addBuiltIn(std::string name, SPEntryProc entry, std::filesystem::path resources = {});
     /// nullptr for a reference that was never handed out.
     Plugin* plugin(SPPluginRef ref) noexcept;
     Plugin* plugin(PluginNumber number) noexcept;

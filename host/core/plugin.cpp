@@ -11,16 +11,19 @@
 namespace host {
 
 Plugin::Plugin(Core& core, PluginNumber number, const Bundle& bundle)
-    : core_(core), number_(number), name_(bundle.name()), bundle_(bundle),
-      strings_(bundle.resources,
-               [&core](std::string_view problem) { core.frontend().reportError(problem); }) {
+    : Plugin(core, number, bundle.name(), nullptr, bundle.resources) {
+    bundle_ = bundle;
     const Core::LoadScope loading(core_, *this);
     module_.emplace(bundle.module);
     entry_ = module_->entry();
 }
 
-Plugin::Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry)
-    : core_(core), number_(number), name_(std::move(name)), entry_(entry), strings_({}, {}) {}
+Plugin::Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry,
+               std::filesystem::path resources)
+    : core_(core), number_(number), name_(std::move(name)), entry_(entry),
+      resources_(std::move(resources)), strings_(resources_, [&core](std::string_view problem) {
+          core.frontend().reportError(problem);
+      }) {}
 
 Plugin::~Plugin() {
     if (module_) {

@@ -27,8 +27,9 @@ class Plugin {
 public:
     /// Maps the bundle's code. Throws PluginError when it cannot.
     Plugin(Core& core, PluginNumber number, const Bundle& bundle);
-    /// A plug-in within the program. `entry` is not null.
-    Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry);
+    /// A plug-in within the program. `entry` is not null; `resources` may be empty.
+    Plugin(Core& core, PluginNumber number, std::string name, SPEntryProc entry,
+           std::filesystem::path resources);
     Plugin(const Plugin&) = delete;
     Plugin& operator=(const Plugin&) = delete;
     /// Takes the code out of memory, without a message.
@@ -43,6 +44,8 @@ public:
     void setName(std::string name) { name_ = std::move(name); }
     void* globals() const noexcept { return globals_; }
     StringLists& strings() noexcept { return strings_; }
+    /// Where its resources are; empty if it has none.
+    const std::filesystem::path& resources() const noexcept { return resources_; }
 
     /// "SP Interface"/"Startup". Throws PluginError when it failed; it has ended then.
     void startUp();
@@ -86,6 +89,7 @@ private:
     SPEntryProc entry_ = nullptr;
     PluginState state_ = PluginState::Mapped;
     void* globals_ = nullptr;
+    std::filesystem::path resources_;
     StringLists strings_;
     std::uint32_t uses_ = 0;
 };

@@ -22,6 +22,11 @@ public:
     /// nullptr for a handle that is not live. Its texts stay where they are while it lives.
     const Registration* find(Handle handle) noexcept { return table_.find(handle); }
     const std::vector<Handle>& all() const noexcept { return order_; }
+    void remove(Handle handle) noexcept {
+        if (table_.remove(handle)) {
+            std::erase(order_, handle);
+        }
+    }
     void removeAllOf(PluginNumber plugin) {
         std::erase_if(order_, [&](Handle handle) {
             return table_.find(handle)->plugin == plugin && table_.remove(handle);

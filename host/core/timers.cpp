@@ -2,6 +2,7 @@
 // When timers are due.
 #include "host/core/timers.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace host {
@@ -36,6 +37,20 @@ std::vector<AITimerHandle> Timers::takeDue() {
         }
     }
     return due;
+}
+
+std::optional<std::uint32_t> Timers::ticksToNext() {
+    const std::uint32_t now = clock_();
+    std::optional<std::uint32_t> next;
+    for (const AITimerHandle handle : all()) {
+        const Timer& timer = *find(handle);
+        if (timer.active) {
+            const auto distance = static_cast<std::int32_t>(timer.due - now);
+            const auto ticks = static_cast<std::uint32_t>(std::max(distance, 0));
+            next = std::min(next.value_or(ticks), ticks);
+        }
+    }
+    return next;
 }
 
 } // namespace host

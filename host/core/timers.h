@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,8 @@ public:
     /// The active timers that are due, each once however late it is, and sets them to one period
     /// from now.
     [[nodiscard]] std::vector<AITimerHandle> takeDue();
+    /// Ticks until the next active timer is due (0: now); nothing when there is none.
+    [[nodiscard]] std::optional<std::uint32_t> ticksToNext();
 
 private:
     Clock clock_;

@@ -84,7 +84,7 @@ struct ADMListEntrySuite4 {
     ADMErr (*IsExpanded)(ADMListEntryRef entry, AIBoolean* expanded); ///< [main-thread]
     ADMErr (*IsSelected)(ADMListEntryRef entry, AIBoolean* selected); ///< [main-thread]
     /// [main-thread] A drawer to measure with, as its row would be drawn; valid as long as the
-    /// entry. What is drawn with it goes nowhere.
+    /// dialog. What is drawn with it goes nowhere.
     ADMErr (*GetMeasuringDrawer)(ADMListEntryRef entry, ADMDrawerRef* drawer);
 };
 static_assert(isSuiteTable<ADMListEntrySuite4, 11>);
