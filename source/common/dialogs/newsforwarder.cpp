@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// The forwarders of the module, and how each keeps its place in the handler's list.
+#include "newsforwarder.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+GLY::IGLYNotifyHandler& handler() {
+    return *GLY::NotifiyHandlerFactory::getNotifyHandler(false);
+}
+
+} // namespace
+
+NewsForwarder* NewsForwarder::forwardTo(GLY::IGLYChangeNotifier& observer) {
+    static std::vector<std::unique_ptr<NewsForwarder>> all;
+    auto found = std::find_if(all.begin(), all.end(), [](const auto& forwarder) {
+        return forwarder->observer_ == nullptr;
+    });
+    if (found == all.end()) {
+        all.push_back(std::unique_ptr<NewsForwarder>(new NewsForwarder));
+        found = std::prev(all.end());
+    }
+    NewsForwarder& forwarder = **found;
+    forwarder.observer_ = &observer;
+    if (!forwarder.isRegistered_) { // twice would mean to be told twice
+        handler().registerNotifer(&forwarder);
+        forwarder.isRegistered_ = true;
+        forwarder.wasTold_ = false;
+    }
+    return &forwarder;
+}
+
+void NewsForwarder::forget() {
+    observer_ = nullptr;
+    handler().unregisterNotifer(this);
+    isRegistered_ = !wasTold_; // the next round takes an addition that is still queued
+}
+
+std::int32_t NewsForwarder::OnGLYNotify(const std::string& text) {
+    wasTold_ = true;
+    if (observer_ == nullptr) {
+        handler().unregisterNotifer(this);
+        isRegistered_ = false;
+        return 0;
+    }
+    return observer_->OnGLYNotify(text);
+}
