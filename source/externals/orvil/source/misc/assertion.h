@@ -10,7 +10,7 @@ namespace Orvil {
 
 } // namespace Orvil
 
-/// Checked in every build. `file`: as in Orvil::assertionAborts.
+/// Checked in every build; `file` is that of Orvil::assertionAborts.
 #define ORVIL_ASSERT(expression, file)                                                             \
     ((expression)                                                                                  \
          ? static_cast<void>(0)                                                                    \

@@ -33,7 +33,7 @@ public:
     [[nodiscard]] virtual std::string description() const;
     [[nodiscard]] virtual std::string exceptionName() const;
 
-    /// The message alone, for a report that says itself what has failed.
+    /// The message alone, for a report that names the failure itself.
     [[nodiscard]] const std::string& message() const noexcept { return message_; }
 
     [[nodiscard]] std::string descriptionHeader() const;

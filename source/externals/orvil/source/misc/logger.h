@@ -7,8 +7,8 @@
 
 namespace Orvil {
 
-/// Writes lines to standard error. Nothing is filtered by level. Any thread may log; lines of
-/// several threads may interleave.
+/// Writes lines to standard error. Nothing is filtered by level.
+/// [any-thread] Lines of several threads may interleave.
 class Logger {
 public:
     /// Higher is more severe; neighbours are 3 apart.
@@ -39,8 +39,8 @@ public:
     /// Nothing is logged when either number is 0.
     void hexdump(int level, const void* data, unsigned size, unsigned bytesPerLine);
 
-    /// The current local date and time in the C library's fixed 24-character form. Every call
-    /// overwrites the one text that all callers share: one thread at a time.
+    /// [one-thread] The current local date and time in the C library's fixed form of 24 characters.
+    /// All callers share one text, which every call overwrites.
     [[nodiscard]] static const std::string& getDateTime();
 
 private:

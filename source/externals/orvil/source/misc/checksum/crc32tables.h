@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a polynomial needs to be computed fast, and the two ways to do so.
+// The tables of a polynomial, and two fast ways to sum bytes with them.
 #pragma once
 
 #include <array>
@@ -24,7 +24,7 @@ struct CRC32Tables {
 std::uint32_t crc32BySlices(const CRC32Tables& tables, std::uint32_t value,
                             const unsigned char* bytes, std::size_t count);
 
-/// Whether this processor can do the next one.
+/// Whether this processor can run crc32ByFolding.
 bool canFoldCRC32();
 /// The register after `count` bytes, at least 64, by carry-less multiplication.
 std::uint32_t crc32ByFolding(const CRC32Tables& tables, std::uint32_t value,

@@ -94,7 +94,7 @@ public:
                                         const std::string& defaultValue) const {
         return getStringAt(path, 0, defaultValue);
     }
-    // Read by safeParse; the default also for a value that is none of the type.
+    // Read by safeParse; a value that is not of the type gives the default too.
     [[nodiscard]] bool getBooleanAt(std::string_view path, std::size_t index,
                                     bool defaultValue) const;
     [[nodiscard]] int getIntegerAt(std::string_view path, std::size_t index,

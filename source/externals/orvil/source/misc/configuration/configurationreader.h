@@ -33,11 +33,11 @@ public:
 /// Elements whose names have other characters than ASCII letters, digits, "_" and "-" are skipped
 /// with all below them.
 ///
-/// Anything else is also a comment, a reference to an entity that the document declares, or a
-/// processing instruction. A comment is then passed over, but the other two are read as elements
-/// are: "<server>http://&host;/</server>" makes the category server with the empty property host,
-/// and "<p>1<?x y?></p>" the category p with the empty property x.
-/// Throws what the XML layer throws when the document cannot be read.
+/// "Anything else" includes comments, references to entities that the document declares, and
+/// processing instructions. A comment is then passed over, but the other two are read like
+/// elements: "<server>http://&host;/</server>" makes the category server with the empty property
+/// host, and "<p>1<?x y?></p>" the category p with the empty property x. Throws what the XML layer
+/// throws when the document cannot be read.
 class XMLConfigurationReader : public IConfigurationReader {
 public:
     explicit XMLConfigurationReader(std::string fileName);

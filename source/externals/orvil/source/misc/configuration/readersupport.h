@@ -12,7 +12,8 @@ struct IndexedName {
     unsigned index = 0;
 };
 
-/// An index up to IConfigurationReader::greatestIndex. False, and 0, if the text is none.
+/// An index up to IConfigurationReader::greatestIndex. False, with `index` 0, if the text is not
+/// one.
 [[nodiscard]] bool readIndex(std::string_view text, unsigned& index);
 
 /// False if the name ends in "]" without such an index before it.

@@ -37,8 +37,8 @@ struct KeyHash {
 /// The string hash is easily made to collide, so a chain is not allowed to grow: keys beyond its
 /// greatest length go to a sorted map that all buckets share, and a look-up there takes logarithmic
 /// time. (A seeded hash would need no such map, but would iterate differently in each process.)
-/// A found value stays where it is until its key is erased. Threads may share it
-/// as they may a standard container.
+/// A found value stays where it is until its key is erased. Threads may share a table as they may a
+/// standard container.
 template <typename Key, typename Value, typename Hasher = KeyHash>
 class HashTable {
 public:

@@ -13,9 +13,7 @@
 
 namespace Orvil {
 
-using namespace AsciiRuns;
 using namespace UTF;
-using namespace UTFRuns;
 
 namespace {
 

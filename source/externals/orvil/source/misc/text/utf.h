@@ -58,19 +58,18 @@ ConvertUTF16toUTF32(const UTF::UTF16** sourceStart, const UTF::UTF16* sourceEnd,
 ConvertUTF32toUTF16(const UTF::UTF32** sourceStart, const UTF::UTF32* sourceEnd,
                     UTF::UTF16** targetStart, UTF::UTF16* targetEnd, UTF::ConversionFlags flags);
 
-/// Whether the 1 to 4 bytes are a well-formed sequence, given that `length` is what the first byte
-/// asks for. Any other length is none.
+/// Whether `length` bytes, as many as the first one asks for, are a well-formed sequence. False for
+/// a length other than 1 to 4.
 [[nodiscard]] bool isLegalUTF8(const UTF::UTF8* bytes, int length);
-/// Whether a well-formed sequence, of the length that its first byte tells, stands at `start`,
-/// which is before `end`.
+/// Whether a whole well-formed sequence stands at `start`, which is before `end`.
 [[nodiscard]] bool isLegalUTF8Sequence(const UTF::UTF8* start, const UTF::UTF8* end);
 
 /// The whole text, converted strictly; empty if any of it is illegal or cut off.
 [[nodiscard]] std::string UTF16toUTF8(std::u16string_view text);
 [[nodiscard]] std::u16string UTF8toUTF16(std::string_view text);
 
-/// Widen and narrow character by character by the locale's classification. What it cannot widen
-/// becomes U+FFFD, what it cannot narrow "?".
+/// Widen and narrow character by character as the locale does. What it cannot widen becomes U+FFFD,
+/// what it cannot narrow becomes "?".
 [[nodiscard]] std::u16string makeUTF16(std::string_view text,
                                        const std::locale& locale = std::locale());
 [[nodiscard]] std::wstring makeUNICODE(std::string_view text,

@@ -15,7 +15,7 @@ namespace Orvil {
 void manualBreakpoint();
 
 /// Compares watched words with what they were when they were registered, over and over, on a thread
-/// of its own (started and ended as any Thread). Any thread may add entries.
+/// of its own, which is started and ended like any Thread. [any-thread] but for that.
 class MemoryGuard : public Thread {
 public:
     MemoryGuard();
@@ -34,7 +34,7 @@ public:
 private:
     struct Word {
         std::uint32_t value;
-        std::uint32_t sentinel; // tells when the snapshot itself was written over
+        std::uint32_t sentinel; // tells when the snapshot itself has been overwritten
     };
     struct Entry {
         const std::uint32_t* address;

@@ -72,8 +72,8 @@ private:
 
     std::uint32_t capacity_;
     Semaphore freeSlots_;
-    // The semaphore of the filled slots, but nobody ever waits for one: a count that is written
-    // under the lock does the same, maximum and failure included, for half the price.
+    // Stands for a semaphore of filled slots: as nobody waits for one, a count that is written
+    // under the lock does the same, maximum and failure included, at half the price.
     std::atomic<std::uint32_t> filledSlots_ = 0;
     Mutex lock_;
     std::deque<T> items_;

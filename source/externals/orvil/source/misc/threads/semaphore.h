@@ -17,7 +17,7 @@ public:
     explicit Semaphore(std::uint32_t initialValue);
     Semaphore(const Semaphore&) = delete;
     Semaphore& operator=(const Semaphore&) = delete;
-    /// Nobody may wait any more.
+    /// No thread may be waiting.
     ~Semaphore();
 
     /// Takes one, waiting for it as long as it takes. A cancellation point.

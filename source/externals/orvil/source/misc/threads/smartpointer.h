@@ -36,7 +36,7 @@ public:
     }
 
 protected:
-    /// Drops a reference that the object holds on itself while it takes itself apart.
+    /// Drops a reference that the object holds to itself while it takes itself apart.
     void decRefAndKeep() const noexcept { count_.add(-1); }
 
 private:
@@ -48,7 +48,7 @@ private:
     mutable AtomicCount count_;
 };
 
-/// Holds one reference on a T, which derives from SmartPointable, or nothing.
+/// Holds one reference to a T, which derives from SmartPointable, or nothing.
 /// [one-thread] Several pointers to one object may be used on several threads.
 template <typename T>
 class SmartPointer {

@@ -7,9 +7,9 @@
 namespace Orvil {
 
 /// A flag that is signalled and waited for. With auto-reset a successful wait clears it and a
-/// signal wakes one waiter; otherwise it stays set and a signal wakes all. Any thread.
-/// A cancelled thread never leaves the event locked: cancellation is acted on only at the end of a
-/// wait, outside the lock.
+/// signal wakes one waiter; otherwise it stays set and a signal wakes all.
+/// [any-thread] A cancelled thread never leaves the event locked: cancellation is acted on only at
+/// the end of a wait, outside the lock.
 class SynchEvent {
 public:
     explicit SynchEvent(bool autoReset);

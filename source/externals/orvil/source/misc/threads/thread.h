@@ -20,7 +20,7 @@ namespace Orvil {
 /// while it runs, calls destroy() or join() in its own destructor. A cancelled run() is unwound at
 /// a wait, so objects on its stack are released; what it holds otherwise leaks.
 /// Only the thread itself is not waited for: a run() that destroys its own object, by dropping the
-/// last reference on it, ends at its next cancellation point and must not use the object any more.
+/// last reference to it, ends at its next cancellation point and must not use the object any more.
 /// run() and everything it calls at cancellation points must not be noexcept.
 ///
 /// Failures are told by returning false; nothing throws, but what run() throws ends the process.
@@ -62,7 +62,7 @@ public:
     [[nodiscard]] static unsigned createTLSKey();
     /// Null if the thread has set none.
     [[nodiscard]] static void* getTLSValue(unsigned key);
-    /// False for a key that is none.
+    /// False if there is no such key.
     [[nodiscard]] static bool setTLSValue(unsigned key, void* value);
 
     // Threads are not bound to processors here.

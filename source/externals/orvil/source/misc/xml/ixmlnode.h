@@ -25,8 +25,8 @@ public:
     [[nodiscard]] virtual bool isText() const = 0;
     [[nodiscard]] virtual bool isComment() const = 0;
 
+    // Null if there is none, all of these.
     [[nodiscard]] virtual IXmlNode* getParent() const = 0;
-    /// Null if there is none; so are the next four.
     [[nodiscard]] virtual IXmlNode* getFirstChild() const = 0;
     /// The first child that is neither text nor comment.
     [[nodiscard]] virtual IXmlNode* getFirstTagChild() const;
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] virtual std::vector<IXmlNode*> getChildren() const;
     [[nodiscard]] virtual std::vector<IXmlNode*> getChildren(const std::string& name) const;
 
-    /// Other than text and comments, processing instructions and references to entities are none.
+    /// False, as for text and comments, for processing instructions and references to entities.
     [[nodiscard]] virtual bool isElement() const;
 };
 

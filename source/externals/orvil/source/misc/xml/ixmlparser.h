@@ -55,7 +55,7 @@ public:
 };
 
 /// Owns a parser together with its document and frees both when it goes out of scope. References
-/// that others took on the parser stay good, but find it empty then.
+/// to the parser that others hold stay valid, but find it empty.
 class XmlDocumentHolder {
 public:
     explicit XmlDocumentHolder(const std::string& parserName = "LibXmlParser")

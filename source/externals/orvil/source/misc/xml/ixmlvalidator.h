@@ -20,12 +20,12 @@ public:
     /// Drops the present schema and reads another one. After a failure there is none.
     virtual void parseSpecification(const std::string& fileName) = 0;
     virtual void parseSpecificationString(const std::string& text) = 0;
-    /// Whether the node's element and all below it follow the schema. Messages are added.
+    /// Whether the node's element and all below it follow the schema. Adds its messages.
     [[nodiscard]] virtual bool doValidate(IXmlNode* node) = 0;
     virtual void addError(const std::string& text);
     virtual void addWarning(const std::string& text);
 
-    /// doValidate() with a fresh start of the messages.
+    /// Clears the messages, then calls doValidate().
     [[nodiscard]] bool validate(IXmlNode* node);
     [[nodiscard]] const std::vector<std::string>& getErrors() const { return errors_; }
     [[nodiscard]] const std::vector<std::string>& getWarnings() const { return warnings_; }

@@ -6,9 +6,9 @@
 
 namespace Orvil {
 
-/// Asks the kernel for large pages for every block of the size of one or more: with pages of the
-/// usual size, its work for each takes longer than making the nodes in it. Smaller blocks come from
-/// the heap. Throws std::bad_alloc. [any-thread]
+/// Asks the kernel for large pages for every block that fills at least one: mapping ordinary pages
+/// takes longer than making the nodes in them. Smaller blocks come from the heap. Throws
+/// std::bad_alloc. [any-thread]
 class LargePages : public std::pmr::memory_resource {
 private:
     void* do_allocate(std::size_t size, std::size_t alignment) override;

@@ -40,17 +40,16 @@ private:
 
     LibXml::Document document_;            // the parsed document
     LibXml::Document createdDocument_;     // the document of createRootNode
-    std::unique_ptr<LibXmlNode> rootNode_; // holds a reference on this parser
-    // The memory of every other node, but addChild's. Taken from the heap one by one, a walk's
-    // nodes would cost more than all else that it does.
+    std::unique_ptr<LibXmlNode> rootNode_; // holds a reference to this parser
+    // The memory of all other nodes but addChild's: taken from the heap one by one, they would cost
+    // a walk more than all else that it does.
     LargePages pages_;
     std::pmr::monotonic_buffer_resource nodes_{&pages_};
 };
 
-/// A node of a LibXmlParser's document; its libxml2 node belongs to the document. Nodes that are
-/// made by the constructors keep the parser alive. Those that getFirstChild and getNextNode make
-/// live in the parser's pool, so that they end with the document, without their destructors; they
-/// need not count for themselves.
+/// A node of a LibXmlParser's document; its libxml2 node belongs to the document. Nodes that the
+/// public constructors make keep the parser alive. Those of getFirstChild and getNextNode live in
+/// the parser's pool: they end with the document, without destructors, and count no reference.
 class LibXmlNode : public IXmlNode, public SmartPointable {
 public:
     /// Adds an empty element to `parent`'s element. `parser` is not null, here and below.
@@ -92,7 +91,7 @@ private:
     _xmlNode* findChild() const;
     _xmlNode* findNext() const;
 
-    LibXmlParser* parser_;                     // counted by the constructors but the pool's
+    LibXmlParser* parser_;                     // counted, but not by nodes of the pool
     LibXmlNode* parent_;                       // not owned
     mutable LibXmlNode* firstChild_ = nullptr; // in the pool, made when first asked for
     mutable LibXmlNode* next_ = nullptr;       // likewise

@@ -26,7 +26,7 @@ inline Exception notParsed(const xmlError* error, std::uint32_t line) {
                    line);
 }
 
-/// The failure of a document that outside input may not be; `what` goes before the limit.
+/// The failure of a document larger than outside input may be; `what` comes before the limit.
 inline Exception tooLarge(const std::string& what, std::uint32_t line) {
     return failure("LibXml: Document not parsed successfully: " + what + " exceeds the limit of " +
                        std::to_string(IXmlParser::maximumDocumentSize) + " bytes",
