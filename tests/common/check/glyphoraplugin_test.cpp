@@ -4,6 +4,7 @@
 #include "tests/support/plugin/startedplugin.h"
 
 #include <cstring>
+#include <tuple>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -126,21 +127,16 @@ TEST_F(GlyphoraAtWork, FindsItsHandlesAgainAfterAReload) {
 }
 
 TEST(AStart, ThrowsTheErrorOfTheRegistrationsThatAreChecked) {
-    struct Case {
-        const char* call;
-        int nth;
-        bool isThrown;
-    };
     // The first notifier is the base class's; the second and third are not looked at.
-    const Case cases[] = {{"AddNotifier", 2, false},
-                          {"AddNotifier", 3, false},
-                          {"AddNotifier", 4, true},
-                          {"AddTimer", 1, true},
-                          {"SetTimerActive", 1, false}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.call) + std::to_string(c.nth));
+    const std::tuple<const char*, int, bool> cases[] = {{"AddNotifier", 2, false},
+                                                        {"AddNotifier", 3, false},
+                                                        {"AddNotifier", 4, true},
+                                                        {"AddTimer", 1, true},
+                                                        {"SetTimerActive", 1, false}};
+    for (const auto& [call, nth, isThrown] : cases) {
+        SCOPED_TRACE(std::string(call) + std::to_string(nth));
         scripted::Host host(PluginMain);
-        host.fail(c.call, 51, c.nth);
+        host.fail(call, 51, nth);
         std::int32_t thrown = 0;
         auto record = host.message<SPInterfaceMessage>();
         try {
@@ -148,7 +144,7 @@ TEST(AStart, ThrowsTheErrorOfTheRegistrationsThatAreChecked) {
         } catch (std::int32_t error) {
             thrown = error;
         }
-        EXPECT_EQ(thrown, c.isThrown ? 51 : 0);
+        EXPECT_EQ(thrown, isThrown ? 51 : 0);
         // The object stays in its slot for the host to shut down.
         host.globals = record.d.globals;
         ASSERT_NE(host.globals, nullptr);

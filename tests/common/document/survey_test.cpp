@@ -5,6 +5,8 @@
 
 #include "ate/itext.h"
 
+#include <tuple>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -74,18 +76,12 @@ TEST_F(ASurvey, AddsToWhatIsThereAndSortsAllOfIt) {
 }
 
 TEST_F(ASurvey, WritesDownWhatTheHostTells) {
-    struct Case {
-        AIFontFace face;
-        const char* style;
-        const char* syncID;
-        int type;
-    };
     const auto face = [](std::string style, std::int32_t technology, bool openType, bool present) {
         AIFontFace result{"Ps", std::move(style), "Fam", "User Name", {}};
         result.style = {technology, AIBoolean{openType}, AIBoolean{present}};
         return result;
     };
-    const Case cases[] = {
+    const std::tuple<AIFontFace, const char*, const char*, int> cases[] = {
         {face("Bold", 0, false, true), "Bold", "Ps-Bold", 0},
         {face("Bold", 0, true, false), "Bold", "Ps-Bold", 2},
         {face("Bold", 1, false, true), "Bold", "Ps-Bold", 1},
@@ -94,19 +90,19 @@ TEST_F(ASurvey, WritesDownWhatTheHostTells) {
         {face("Bold", -1, false, true), "Bold", "Ps-Bold", 4},
         {face("", 1, false, false), "Regular", "Ps-", 1},
     };
-    for (const Case& c : cases) {
+    for (const auto& [told, style, syncID, type] : cases) {
         host.layers.clear();
-        host.addLayer().addText({{host.addFont(c.face)}});
+        host.addLayer().addText({{host.addFont(told)}});
         Infos fonts;
         ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
         ASSERT_EQ(fonts.size(), 1U);
         const GLYFontInfo& info = *fonts[0];
         EXPECT_EQ(info.font.psName, "Ps");
         EXPECT_EQ(info.font.familyName, "Fam");
-        EXPECT_EQ(info.font.styleName, c.style);
-        EXPECT_EQ(info.font.syncID, c.syncID);
-        EXPECT_EQ(info.font.type, c.type);
-        EXPECT_EQ(info.font.isActive, c.face.style.isPresent != 0);
+        EXPECT_EQ(info.font.styleName, style);
+        EXPECT_EQ(info.font.syncID, syncID);
+        EXPECT_EQ(info.font.type, type);
+        EXPECT_EQ(info.font.isActive, told.style.isPresent != 0);
         EXPECT_EQ(info.hostName, "User Name");
         EXPECT_EQ(info.installed, 0);
     }
@@ -141,14 +137,9 @@ TEST_F(ASurvey, EndsOrGoesOnWithAFailingHost) {
     top.addText({{alpha}});
     top.addText({{beta}});
     host.addLayer().addText({{gamma}});
-    struct Case {
-        const char* call;
-        int nth;
-        AIErr result;
-        std::vector<std::string> found;
-    };
     const std::vector<std::string> all{"Alpha-Regular", "Beta-Regular", "Gamma-Regular"};
-    const Case cases[] = {
+    // The call, which of them fails, the result, and what is found.
+    const std::tuple<const char*, int, AIErr, std::vector<std::string>> cases[] = {
         {"GetFirstLayer", 1, 61, {}},
         {"GetNextLayer", 1, 61, {all[0], all[1]}},
         {"GetNextLayer", 2, 61, all},
@@ -161,13 +152,13 @@ TEST_F(ASurvey, EndsOrGoesOnWithAFailingHost) {
         {"GetArtSibling", 1, 0, {all[0], all[2]}},
         {"GetArtParent", 1, 0, all},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.call) + " " + std::to_string(c.nth));
-        host.fail(c.call, 61, c.nth);
+    for (const auto& [call, nth, result, found] : cases) {
+        SCOPED_TRACE(std::string(call) + " " + std::to_string(nth));
+        host.fail(call, 61, nth);
         Infos fonts;
-        EXPECT_EQ(VexFontSuite::getMissingFontInfos(fonts), c.result);
-        EXPECT_EQ(namesOf(fonts), c.found);
-        host.fail(c.call, 0);
+        EXPECT_EQ(VexFontSuite::getMissingFontInfos(fonts), result);
+        EXPECT_EQ(namesOf(fonts), found);
+        host.fail(call, 0);
     }
 }
 

@@ -61,7 +61,6 @@ TEST(AFontRequest, NamesTheHostTheVersionAndTheFonts) {
 }
 
 TEST(AnActivation, NamesContainersAndFonts) {
-    EXPECT_EQ(commandOf<GLYFontActivateEvent>({}), "<cmd>activationRequest</cmd>\n</cmd>\n");
     EXPECT_EQ(commandOf<GLYFontActivateEvent>({bareRecord(), fullRecord()}),
               "<cmd>activationRequest</cmd>\n"
               "<font>\n<containerID></containerID>\n<psName>P1</psName>\n</font>\n"
@@ -71,7 +70,6 @@ TEST(AnActivation, NamesContainersAndFonts) {
 
 TEST(AShowRequest, NamesTheHostAndTheFonts) {
     const std::string head = "<cmd>showRequest</cmd>\n" + application;
-    EXPECT_EQ(commandOf<GLYFontInfoEvent>({}), head + "</cmd>\n");
     EXPECT_EQ(commandOf<GLYFontInfoEvent>({bareRecord(), fullRecord()}),
               head + "<font>\n<psName>P1</psName>\n</font>\n"
                      "<font>\n<containerID>12</containerID>\n<psName>P<2></psName>\n"
@@ -79,7 +77,6 @@ TEST(AShowRequest, NamesTheHostAndTheFonts) {
 }
 
 TEST(AnOfferToBuy, NamesTheFontsOnly) {
-    EXPECT_EQ(commandOf<GLYFontBuyEvent>({}), "<cmd>buyRequest</cmd>\n</cmd>\n");
     EXPECT_EQ(commandOf<GLYFontBuyEvent>({bareRecord(), fullRecord()}),
               "<cmd>buyRequest</cmd>\n<font>\n<psName>P1</psName>\n</font>\n"
               "<font>\n<psName>P<2></psName>\n</font>\n</cmd>\n");

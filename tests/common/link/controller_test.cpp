@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 using GLY::GLYController;
 using Texts = std::vector<std::string>;
@@ -80,25 +81,21 @@ TEST_F(TheFontManager, IsLaunchedInTheBackgroundByTheFirstLauncher) {
 }
 
 TEST_F(TheFontManager, IsLaunchedByAnOlderLauncherWhenANewerOneFails) {
-    struct Case {
-        const char* name;
-        std::function<void(scripted::Application&)> spoil;
-        int launches;
-    };
-    for (const Case& each :
-         std::vector<Case>{{"look-up", [](auto& app) { app.lookUpStatus = fnfErr; }, 1},
-                           {"launch", [](auto& app) { app.launchStatus = memFullErr; }, 2},
-                           {"no location", [](auto& app) { app.givesUrl = false; }, 2},
-                           {"no file", [](auto& app) { app.catalogStatus = fnfErr; }, 2}}) {
-        SCOPED_TRACE(each.name);
-        each.spoil(install(3));
+    for (const auto& [name, spoil, launches] :
+         std::vector<std::tuple<const char*, void (*)(scripted::Application&), std::size_t>>{
+             {"look-up", [](auto& app) { app.lookUpStatus = fnfErr; }, 1},
+             {"launch", [](auto& app) { app.launchStatus = memFullErr; }, 2},
+             {"no location", [](auto& app) { app.givesUrl = false; }, 2},
+             {"no file", [](auto& app) { app.catalogStatus = fnfErr; }, 2}}) {
+        SCOPED_TRACE(name);
+        spoil(install(3));
         install(2);
         platform_.lookUps.clear();
         platform_.launches.clear();
         platform_.processes.clear();
         EXPECT_EQ(GLYController::LaunchGlyphora(), noErr);
         EXPECT_EQ(platform_.lookUps, (Texts{allLaunchers[0], allLaunchers[1]}));
-        EXPECT_EQ(static_cast<int>(platform_.launches.size()), each.launches);
+        EXPECT_EQ(platform_.launches.size(), launches);
         platform_.applications.clear();
     }
 }
@@ -127,49 +124,39 @@ TEST_F(TheFontManager, IsAwaitedForUpToFifteenSeconds) {
 }
 
 TEST(AVersion, IsSeparatedAtItsDots) {
-    struct Case {
-        std::string text;
-        bool ok;
-        unsigned major;
-        unsigned minor;
-    };
-    for (const Case& each : std::vector<Case>{{"2", true, 2, 77},
-                                              {"2.0", true, 2, 0},
-                                              {"2.13", true, 2, 13},
-                                              {"2.1.x.9", true, 2, 1},
-                                              {"2.1beta", true, 2, 1},
-                                              {"2.", false, 2, 0},
-                                              {"2..5", false, 2, 0},
-                                              {".5", false, 0, 77},
-                                              {"x", false, 0, 77},
-                                              {"", false, 0, 77}}) {
+    for (const auto& [text, ok, expectedMajor, expectedMinor] :
+         std::vector<std::tuple<std::string, bool, unsigned, unsigned>>{{"2", true, 2, 77},
+                                                                        {"2.0", true, 2, 0},
+                                                                        {"2.13", true, 2, 13},
+                                                                        {"2.1.x.9", true, 2, 1},
+                                                                        {"2.1beta", true, 2, 1},
+                                                                        {"2.", false, 2, 0},
+                                                                        {"2..5", false, 2, 0},
+                                                                        {".5", false, 0, 77},
+                                                                        {"x", false, 0, 77},
+                                                                        {"", false, 0, 77}}) {
         unsigned major = 77;
         unsigned minor = 77;
-        EXPECT_EQ(GLYController::separateVersion(each.text, major, minor), each.ok) << each.text;
-        EXPECT_EQ(major, each.major) << each.text;
-        EXPECT_EQ(minor, each.minor) << each.text;
+        EXPECT_EQ(GLYController::separateVersion(text, major, minor), ok) << text;
+        EXPECT_EQ(major, expectedMajor) << text;
+        EXPECT_EQ(minor, expectedMinor) << text;
     }
 }
 
 TEST(AVersion, SatisfiesANeedByBothNumbers) {
-    struct Case {
-        std::string text;
-        unsigned major;
-        unsigned minor;
-        bool satisfied;
-    };
-    for (const Case& each : std::vector<Case>{{"2.0", 2, 0, true},
-                                              {"2", 2, 0, true},
-                                              {"1.9", 2, 0, false},
-                                              {"3.0", 2, 0, true},
-                                              {"3.0", 2, 5, false}, // the quirk
-                                              {"3.5", 2, 5, true},
-                                              {"2.4", 2, 5, false},
-                                              {"", 0, 0, false},
-                                              {"2.x", 2, 0, false}}) {
-        EXPECT_EQ(GLYController::checkForNeededProtocolVersion(each.text, each.major, each.minor),
-                  each.satisfied)
-            << each.text;
+    for (const auto& [text, major, minor, satisfied] :
+         std::vector<std::tuple<std::string, unsigned, unsigned, bool>>{
+             {"2.0", 2, 0, true},
+             {"2", 2, 0, true},
+             {"1.9", 2, 0, false},
+             {"3.0", 2, 0, true},
+             {"3.0", 2, 5, false}, // the quirk
+             {"3.5", 2, 5, true},
+             {"2.4", 2, 5, false},
+             {"", 0, 0, false},
+             {"2.x", 2, 0, false}}) {
+        EXPECT_EQ(GLYController::checkForNeededProtocolVersion(text, major, minor), satisfied)
+            << text;
     }
 }
 

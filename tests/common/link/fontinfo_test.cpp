@@ -5,29 +5,26 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <tuple>
 
 using GLY::GLYFontInfo;
 using Record = Orvil::SmartPointer<GLYFontInfo>;
 
 TEST(AFontRecord, KnowsItsTypeByKeywordAndTechnology) {
-    struct Case {
-        int type;
-        std::string keyword;
-        std::string technology;
-    };
-    for (const Case& each : std::vector<Case>{{0, "T1", "PostScript"},
-                                              {1, "TT", "TrueType"},
-                                              {2, "OT_T1", "OpenType PostScript"},
-                                              {3, "OT_TT", "OpenType TrueType"},
-                                              {4, "", "Unknown"},
-                                              {7, "", "Unknown"},
-                                              {-1, "", "Unknown"}}) {
+    for (const auto& [type, keyword, technology] :
+         std::vector<std::tuple<int, std::string, std::string>>{{0, "T1", "PostScript"},
+                                                                {1, "TT", "TrueType"},
+                                                                {2, "OT_T1", "OpenType PostScript"},
+                                                                {3, "OT_TT", "OpenType TrueType"},
+                                                                {4, "", "Unknown"},
+                                                                {7, "", "Unknown"},
+                                                                {-1, "", "Unknown"}}) {
         GLYFontInfo info;
-        info.font.type = static_cast<Protocol::Font::Type>(each.type);
-        EXPECT_EQ(info.getTypeString(), each.keyword) << each.type;
-        EXPECT_EQ(info.getTechnology(), each.technology) << each.type;
-        if (!each.keyword.empty()) {
-            EXPECT_EQ(GLYFontInfo::typeStringToEnum(each.keyword), each.type);
+        info.font.type = static_cast<Protocol::Font::Type>(type);
+        EXPECT_EQ(info.getTypeString(), keyword) << type;
+        EXPECT_EQ(info.getTechnology(), technology) << type;
+        if (!keyword.empty()) {
+            EXPECT_EQ(GLYFontInfo::typeStringToEnum(keyword), type);
         }
     }
     for (const char* const text : {"", "ot_tt", "all", "OT_TT ", "Unknown"}) {

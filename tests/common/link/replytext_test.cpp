@@ -5,11 +5,7 @@
 #include <gtest/gtest.h>
 
 TEST(AFoldedReply, IsOneDocument) {
-    struct Case {
-        std::string reply;
-        std::string folded;
-    };
-    const std::vector<Case> cases{
+    const std::pair<std::string, std::string> cases[] = {
         {"<cmd>fontReply</cmd>\n<a>1</a>\n</cmd>\n", "<cmd>fontReply<a>1</a></cmd>"},
         {"<cmd>fontReply</cmd>\n<a>1</a>\n</cmd>", "<cmd>fontReply<a>1</a></cmd>"},
         {"<cmd>x</cmd>", "<cmd>x"}, // no line feed at all: left open
@@ -23,10 +19,10 @@ TEST(AFoldedReply, IsOneDocument) {
         {"\n\n", ""},
         {"one\ntwo", "onetwo"},
     };
-    for (const Case& each : cases) {
-        std::string text = each.reply;
+    for (const auto& [reply, folded] : cases) {
+        std::string text = reply;
         GLY::foldReply(text);
-        EXPECT_EQ(text, each.folded) << each.reply;
+        EXPECT_EQ(text, folded) << reply;
     }
 }
 

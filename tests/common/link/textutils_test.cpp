@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using Texts = std::vector<std::string>;
 
 TEST(AFileName, IsWhatFollowsTheLastSeparatorOfEitherKind) {
@@ -51,24 +53,20 @@ TEST(Numbers, AreReadAsFarAsTheyGo) {
 }
 
 TEST(AColor, IsReadFromEitherForm) {
-    struct Case {
-        std::string text;
-        float red, green, blue;
-        int outOfRange;
-    };
-    for (const Case& each : std::vector<Case>{
+    for (const auto& [text, red, green, blue, outOfRange] :
+         std::vector<std::tuple<std::string, float, float, float, int>>{
              {"#255:128:0", 0.99609375F, 0.5F, 0.0F, 0},
              {"#ff8000", 0.99609375F, 0.5F, 0.0F, 0},
              {"#1:2:30", 0.00390625F, 0.0078125F, 0.1171875F, 0}, // seven characters as well
-             {"#255:300:1", 0, 0, 0, 1},
-             {"#0:0:256", 0, 0, 0, 1},
-             {"", 0, 0, 0, 0},
-             {"#12345", 0, 0, 0, 0},
+             {"#255:300:1", 0.0F, 0.0F, 0.0F, 1},
+             {"#0:0:256", 0.0F, 0.0F, 0.0F, 1},
+             {"", 0.0F, 0.0F, 0.0F, 0},
+             {"#12345", 0.0F, 0.0F, 0.0F, 0},
          }) {
-        const GLY::Color color(each.text);
-        EXPECT_EQ(color.red, each.red) << each.text;
-        EXPECT_EQ(color.green, each.green) << each.text;
-        EXPECT_EQ(color.blue, each.blue) << each.text;
-        EXPECT_EQ(color.outOfRange, each.outOfRange) << each.text;
+        const GLY::Color color(text);
+        EXPECT_EQ(color.red, red) << text;
+        EXPECT_EQ(color.green, green) << text;
+        EXPECT_EQ(color.blue, blue) << text;
+        EXPECT_EQ(color.outOfRange, outOfRange) << text;
     }
 }

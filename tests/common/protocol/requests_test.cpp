@@ -102,17 +102,14 @@ TEST(TheSchema, RejectsWhatIsNotInTheProtocol) {
     const std::string infosEnd = "</fontInfos></font></fonts></activationRequestReply>";
     const std::vector<std::string> contents{
         infos + infosEnd,
-        infos + "<fontInfo/>" + infosEnd,
         infos + "<fontInfo><name/></fontInfo>" + infosEnd,
         infos + "<fontInfo><value/><name/></fontInfo>" + infosEnd,
         infos + "<fontInfo><name/><value/><value/></fontInfo>" + infosEnd,
-        "",
         "<unknown/>",
         "<buyRequest><fonts>" + font + "</fonts></buyRequest>",
         "<buyRequest>" + font + font + "</buyRequest>",
         "<buyRequest><font><psName>a</psName></font></buyRequest>",
         "<activationRequest><fonts>" + font + "</fonts></activationRequest>", // no container
-        "<showRequest><fonts/></showRequest>",
         "<activationRequestReply><fonts/></activationRequestReply>",
         "<activationRequestReply><fonts><font syncID=\"1\"/></fonts></activationRequestReply>",
         "<activationRequestReply><fonts>text" + font + "</fonts></activationRequestReply>",

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -75,12 +76,8 @@ TEST_F(AnError, OfAQuietCodeIsNotShown) {
 }
 
 TEST_F(AnError, FindsItsMessageByTheCodeBeforeIt) {
-    struct Case {
-        std::map<std::int32_t, std::string> list;
-        AIErr error;
-        const char* message; // null: none
-    };
-    const Case cases[] = {
+    // A list, an error, and its message; null: none.
+    const std::tuple<std::map<std::int32_t, std::string>, AIErr, const char*> cases[] = {
         {{}, 1, nullptr},
         {{{2, "without a code"}}, 1, nullptr},
         {{{1, "7"}, {2, "seven"}, {3, "8"}, {4, "eight"}}, 8, "eight"},
@@ -96,13 +93,13 @@ TEST_F(AnError, FindsItsMessageByTheCodeBeforeIt) {
     };
     Suites suites;
     Suites::fAcquiredCount = 1;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.list));
-        host.strings[errors] = c.list;
+    for (const auto& [list, error, message] : cases) {
+        SCOPED_TRACE(testing::PrintToString(list));
+        host.strings[errors] = list;
         std::array<char, 128> buffer{};
         buffer.fill('x');
-        EXPECT_EQ(Plugin::FindMsg(&host.plugin, c.error, buffer.data(), 128), c.message != nullptr);
-        EXPECT_STREQ(buffer.data(), c.message != nullptr ? c.message : "");
+        EXPECT_EQ(Plugin::FindMsg(&host.plugin, error, buffer.data(), 128), message != nullptr);
+        EXPECT_STREQ(buffer.data(), message != nullptr ? message : "");
     }
 }
 
@@ -148,22 +145,17 @@ TEST_F(AnError, BorrowsTheSuiteThatThePluginLacks) {
 
 TEST_F(AnError, IsNotRepeatedWithinFiveSeconds) {
     RecordingPlugin plugin(host);
-    struct Step {
-        std::time_t time;
-        AIErr error;
-        bool isShown;
-    };
-    // The interval runs from the last report, not from the last occurrence.
-    const Step steps[] = {
+    // Time, error, and whether it is shown. The interval runs from the last report, not from the
+    // last occurrence.
+    const std::tuple<std::time_t, AIErr, bool> steps[] = {
         {1000, 5, true},   {1000, 5, false}, {1004, 5, false},  {1005, 5, true},
         {1006, -50, true}, {1006, 5, true},  {1007, -50, true}, {1007, FourChars("STOP"), false},
         {1008, -50, false}};
-    for (const Step& step : steps) {
-        now = step.time;
+    for (const auto& [time, error, isShown] : steps) {
+        now = time;
         host.errorAlerts.clear();
-        plugin.Plugin::ReportError(step.error, "caller", "selector", nullptr);
-        EXPECT_EQ(host.errorAlerts.size(), step.isShown ? 1U : 0U)
-            << step.time << " " << step.error;
+        plugin.Plugin::ReportError(error, "caller", "selector", nullptr);
+        EXPECT_EQ(host.errorAlerts.size(), isShown ? 1U : 0U) << time << " " << error;
     }
 }
 

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,13 +25,8 @@ protected:
 };
 
 TEST_F(APlugin, GivesItsNameWithinTheBuffer) {
-    struct Case {
-        std::string name;
-        std::int32_t length;
-        std::string expected; // the buffer, of one byte more than `length`
-        std::int32_t result;
-    };
-    const Case cases[] = {
+    // The name, its greatest length, then the buffer, of one byte more, and the result.
+    const std::tuple<std::string, std::int32_t, std::string, std::int32_t> cases[] = {
         {"Plugin", 8, std::string("Plugin\0\0x", 9), 6},
         {"Plugin", 6, "Pluginx", 6},
         {"Plugin", 5, std::string("Plugi\0", 6), 6},
@@ -38,11 +34,11 @@ TEST_F(APlugin, GivesItsNameWithinTheBuffer) {
         {"", 2, std::string("\0\0x", 3), 0},
         {std::string(300, 'n'), 2, std::string("nn\0", 3), 256},
     };
-    for (const Case& c : cases) {
-        plugin.SetPluginName(c.name.c_str());
-        std::string buffer(static_cast<std::size_t>(c.length) + 1, 'x');
-        EXPECT_EQ(plugin.GetPluginName(buffer.data(), c.length), c.result);
-        EXPECT_EQ(buffer, c.expected);
+    for (const auto& [name, length, expected, result] : cases) {
+        plugin.SetPluginName(name.c_str());
+        std::string buffer(static_cast<std::size_t>(length) + 1, 'x');
+        EXPECT_EQ(plugin.GetPluginName(buffer.data(), length), result);
+        EXPECT_EQ(buffer, expected);
     }
 }
 

@@ -87,8 +87,8 @@ const SPBasicSuite basicTable = {
 };
 
 const SPAccessSuite accessTable = {
-    .AcquirePlugin = [](SPPluginRef plugin, SPAccessRef* access) -> SPErr {
-        return add("AcquirePlugin", true, Host::current().accesses, SPAccess{plugin}, access);
+    .AcquirePlugin = [](SPPluginRef, SPAccessRef* access) -> SPErr {
+        return add("AcquirePlugin", true, Host::current().accesses, SPAccess{}, access);
     },
     .ReleasePlugin = [](SPAccessRef access) -> SPErr {
         Host& host = Host::current();
@@ -172,14 +172,13 @@ const AIAppContextSuite contextTable = {
 };
 
 const AIMenuSuite menuTable = {
-    .AddMenuItem = [](SPPluginRef, const char* name, const char* groupName, const char* itemText,
+    .AddMenuItem = [](SPPluginRef, const char*, const char* groupName, const char* itemText,
                       std::int32_t, AIMenuItemHandle* item) -> AIErr {
         Host& host = Host::current();
         const bool known =
             std::any_of(host.menuGroups.begin(), host.menuGroups.end(),
                         [groupName](const auto& group) { return group->name == groupName; });
-        return add("AddMenuItem", known, host.menuItems, AIMenuItem{name, groupName, itemText},
-                   item);
+        return add("AddMenuItem", known, host.menuItems, AIMenuItem{groupName, itemText}, item);
     },
     .AddMenuGroupAsSubMenu = [](const char* name, std::int32_t, AIMenuItemHandle parent,
                                 AIMenuGroup* group) -> AIErr {

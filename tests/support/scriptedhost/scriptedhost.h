@@ -22,9 +22,7 @@
 struct SPPlugin {
     std::string name;
 };
-struct SPAccess {
-    SPPluginRef plugin = nullptr;
-};
+struct SPAccess {};
 struct AINotifier {
     SPPluginRef owner = nullptr;
     std::string name;
@@ -40,7 +38,6 @@ struct AIMenuGroupRecord {
     std::string name;
 };
 struct AIMenuItem {
-    std::string name;
     std::string group;
     std::string text;
 };

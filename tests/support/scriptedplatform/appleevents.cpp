@@ -151,25 +151,19 @@ OSStatus AESend(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
 OSErr AEDisposeDesc(AEDesc* desc) {
     if (desc->dataHandle != nullptr) {
         const std::unique_ptr<Content> content(contentOf(desc));
-        if (Platform* const platform = Platform::current()) {
-            --platform->liveDescriptors;
-        }
+        --Platform::current()->liveDescriptors;
     }
     *desc = {};
     return noErr;
 }
 
 AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr routine) {
-    if (Platform* const platform = Platform::current()) {
-        ++platform->liveRoutines;
-    }
+    ++Platform::current()->liveRoutines;
     return new OpaqueAEEventHandler{routine}; // owned by the caller until it is disposed of
 }
 
 void DisposeAEEventHandlerUPP(AEEventHandlerUPP upp) {
-    if (Platform* const platform = Platform::current()) {
-        --platform->liveRoutines;
-    }
+    --Platform::current()->liveRoutines;
     delete upp;
 }
 
@@ -189,7 +183,7 @@ OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventH
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                            bool isSystemHandler) {
     Platform* const platform = Platform::current();
-    if (isSystemHandler || platform == nullptr) {
+    if (isSystemHandler) {
         return paramErr;
     }
     const auto removed = std::erase_if(platform->handlers, [&](const Platform::Handler& other) {

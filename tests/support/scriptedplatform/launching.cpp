@@ -43,7 +43,7 @@ scripted::Application* findByPath(std::string_view path) {
 /// The first process at `index` or behind it that can be seen; null after the last.
 const scripted::Process* processFrom(std::uint32_t& index) {
     const Platform* const platform = Platform::current();
-    while (platform != nullptr && index < platform->processes.size()) {
+    while (index < platform->processes.size()) {
         if (platform->processes[index].appearsAt <= platform->now) {
             return &platform->processes[index];
         }
@@ -69,9 +69,7 @@ void CFShow(CFTypeRef object) {
 
 void CFRelease(CFTypeRef object) {
     delete static_cast<const PLString*>(object);
-    if (Platform* const platform = Platform::current()) {
-        --platform->liveObjects;
-    }
+    --Platform::current()->liveObjects;
 }
 
 OSStatus LSFindApplicationForInfo(OSType /*creator*/, CFStringRef bundleID, CFStringRef /*name*/,
@@ -124,9 +122,7 @@ OSErr FSGetCatalogInfo(const FSRef* ref, std::uint32_t /*whichInfo*/, void* /*ca
 }
 
 OSErr GetNextProcess(ProcessSerialNumber* psn) {
-    if (psn->lowLongOfPSN == kNoProcess && Platform::current() != nullptr) {
-        ++Platform::current()->walks;
-    }
+    Platform::current()->walks += psn->lowLongOfPSN == kNoProcess ? 1 : 0;
     std::uint32_t index = psn->lowLongOfPSN; // numbers begin at 1
     const bool isThere = processFrom(index) != nullptr;
     psn->lowLongOfPSN = isThere ? index + 1 : std::uint32_t{kNoProcess};
