@@ -124,17 +124,12 @@ TEST_F(TheFontManager, IsAwaitedForUpToFifteenSeconds) {
 }
 
 TEST(AVersion, IsSeparatedAtItsDots) {
-    for (const auto& [text, ok, expectedMajor, expectedMinor] :
-         std::vector<std::tuple<std::string, bool, unsigned, unsigned>>{{"2", true, 2, 77},
-                                                                        {"2.0", true, 2, 0},
-                                                                        {"2.13", true, 2, 13},
-                                                                        {"2.1.x.9", true, 2, 1},
-                                                                        {"2.1beta", true, 2, 1},
-                                                                        {"2.", false, 2, 0},
-                                                                        {"2..5", false, 2, 0},
-                                                                        {".5", false, 0, 77},
-                                                                        {"x", false, 0, 77},
-                                                                        {"", false, 0, 77}}) {
+    const std::tuple<std::string, bool, unsigned, unsigned> cases[] = {
+        {"2", true, 2, 77},      {"2.0", true, 2, 0},     {"2.13", true, 2, 13},
+        {"2.1.x.9", true, 2, 1}, {"2.1beta", true, 2, 1}, {"2.", false, 2, 0},
+        {"2..5", false, 2, 0},   {".5", false, 0, 77},    {"x", false, 0, 77},
+        {"", false, 0, 77}};
+    for (const auto& [text, ok, expectedMajor, expectedMinor] : cases) {
         unsigned major = 77;
         unsigned minor = 77;
         EXPECT_EQ(GLYController::separateVersion(text, major, minor), ok) << text;
@@ -144,17 +139,12 @@ TEST(AVersion, IsSeparatedAtItsDots) {
 }
 
 TEST(AVersion, SatisfiesANeedByBothNumbers) {
-    for (const auto& [text, major, minor, satisfied] :
-         std::vector<std::tuple<std::string, unsigned, unsigned, bool>>{
-             {"2.0", 2, 0, true},
-             {"2", 2, 0, true},
-             {"1.9", 2, 0, false},
-             {"3.0", 2, 0, true},
-             {"3.0", 2, 5, false}, // the quirk
-             {"3.5", 2, 5, true},
-             {"2.4", 2, 5, false},
-             {"", 0, 0, false},
-             {"2.x", 2, 0, false}}) {
+    // The minor number of 3.0 does not satisfy 2.5, on purpose.
+    const std::tuple<std::string, unsigned, unsigned, bool> cases[] = {
+        {"2.0", 2, 0, true},  {"2", 2, 0, true},    {"1.9", 2, 0, false},
+        {"3.0", 2, 0, true},  {"3.0", 2, 5, false}, {"3.5", 2, 5, true},
+        {"2.4", 2, 5, false}, {"", 0, 0, false},    {"2.x", 2, 0, false}};
+    for (const auto& [text, major, minor, satisfied] : cases) {
         EXPECT_EQ(GLYController::checkForNeededProtocolVersion(text, major, minor), satisfied)
             << text;
     }

@@ -11,14 +11,14 @@ using GLY::GLYFontInfo;
 using Record = Orvil::SmartPointer<GLYFontInfo>;
 
 TEST(AFontRecord, KnowsItsTypeByKeywordAndTechnology) {
-    for (const auto& [type, keyword, technology] :
-         std::vector<std::tuple<int, std::string, std::string>>{{0, "T1", "PostScript"},
-                                                                {1, "TT", "TrueType"},
-                                                                {2, "OT_T1", "OpenType PostScript"},
-                                                                {3, "OT_TT", "OpenType TrueType"},
-                                                                {4, "", "Unknown"},
-                                                                {7, "", "Unknown"},
-                                                                {-1, "", "Unknown"}}) {
+    const std::tuple<int, std::string, std::string> cases[] = {{0, "T1", "PostScript"},
+                                                               {1, "TT", "TrueType"},
+                                                               {2, "OT_T1", "OpenType PostScript"},
+                                                               {3, "OT_TT", "OpenType TrueType"},
+                                                               {4, "", "Unknown"},
+                                                               {7, "", "Unknown"},
+                                                               {-1, "", "Unknown"}};
+    for (const auto& [type, keyword, technology] : cases) {
         GLYFontInfo info;
         info.font.type = static_cast<Protocol::Font::Type>(type);
         EXPECT_EQ(info.getTypeString(), keyword) << type;

@@ -134,11 +134,11 @@ TEST_F(TheNews, ComeByNotificationOnePerPush) {
 TEST_F(TheNews, ComeByTheTwoAppleEventsOfTheirClass) {
     handler_.registerNotifer(&a_);
     handler_.start();
-    for (const auto& [eventID, notices] :
-         std::vector<std::pair<AEEventID, std::size_t>>{{FourCharCode("FSBC"), 1},
-                                                        {FourCharCode("FFSC"), 1},
-                                                        {FourCharCode("fsbc"), 0},
-                                                        {FourCharCode("****"), 0}}) {
+    const std::pair<AEEventID, std::size_t> cases[] = {{FourCharCode("FSBC"), 1},
+                                                       {FourCharCode("FFSC"), 1},
+                                                       {FourCharCode("fsbc"), 0},
+                                                       {FourCharCode("****"), 0}};
+    for (const auto& [eventID, notices] : cases) {
         EXPECT_EQ(platform_.handle(newsClass, eventID), noErr);
         EXPECT_EQ(told().size(), notices);
     }

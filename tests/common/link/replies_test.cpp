@@ -198,13 +198,11 @@ TEST_F(AReply, TakesTheFirstReplyFontOfADuplicatedSyncIDForAllItsRecords) {
 
 TEST_F(AReply, TellsWhetherTheDialogIsWanted) {
     GLYFontRequestEvent event;
-    for (const auto& [element, wanted] :
-         std::vector<std::pair<std::string, int>>{{"<showWindow>1</showWindow>", 1},
-                                                  {"<font><count>1</count></font>", 1},
-                                                  {"<showWindow>0</showWindow>", 0},
-                                                  {"<font><count>1</count></font>", 0},
-                                                  {"<showWindow>1</showWindow>", 1},
-                                                  {"<showWindow>true</showWindow>", 0}}) {
+    const std::pair<std::string, int> cases[] = {
+        {"<showWindow>1</showWindow>", 1}, {"<font><count>1</count></font>", 1},
+        {"<showWindow>0</showWindow>", 0}, {"<font><count>1</count></font>", 0},
+        {"<showWindow>1</showWindow>", 1}, {"<showWindow>true</showWindow>", 0}};
+    for (const auto& [element, wanted] : cases) {
         exchangeCurrent(event, element);
         EXPECT_EQ(event.showWindow, wanted) << element;
     }

@@ -27,13 +27,10 @@ TEST(AFoldedReply, IsOneDocument) {
 }
 
 TEST(AnAmpersand, IsEscapedEvenWhereItWas) {
-    for (const auto& [text, escaped] :
-         std::vector<std::pair<std::string, std::string>>{{"A & B", "A &amp; B"},
-                                                          {"&amp;", "&amp;amp;"},
-                                                          {"&&", "&amp;&amp;"},
-                                                          {"&", "&amp;"},
-                                                          {"none", "none"},
-                                                          {"", ""}}) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"A & B", "A &amp; B"}, {"&amp;", "&amp;amp;"}, {"&&", "&amp;&amp;"},
+        {"&", "&amp;"},         {"none", "none"},       {"", ""}};
+    for (const auto& [text, escaped] : cases) {
         EXPECT_EQ(GLY::escapeAmpersands(text), escaped);
     }
 }

@@ -31,13 +31,9 @@ TEST(Trimming, LeavesLineFeeds) {
 }
 
 TEST(Numbers, AreReadAsFarAsTheyGo) {
-    for (const auto& [text, value] :
-         std::vector<std::pair<std::string, int>>{{"12abc", 12},
-                                                  {" -7", -7},
-                                                  {"+3", 3},
-                                                  {"x", 0},
-                                                  {"", 0},
-                                                  {"99999999999", 2147483647}}) {
+    const std::pair<std::string, int> cases[] = {
+        {"12abc", 12}, {" -7", -7}, {"+3", 3}, {"x", 0}, {"", 0}, {"99999999999", 2147483647}};
+    for (const auto& [text, value] : cases) {
         EXPECT_EQ(GLY::parse<int>(text), value) << text;
     }
     for (const auto& [text, value] : std::vector<std::pair<std::string, int>>{
