@@ -51,7 +51,7 @@ struct DialogTracker {
 };
 
 /// [main-thread] A routine that throws is noted as misbehaviour of its plug-in, and its dialog
-/// ends.
+/// ends. Plug-ins are shut down before it goes.
 class Dialogs {
 public:
     /// `core` outlives it. Provides the suites.

@@ -226,7 +226,7 @@ Box Reader::readLayout(const xmlNode* layout, std::size_t depth) {
     }
     const bool across = box.kind == Box::Kind::Columns;
     for (const Box& child : box.children) {
-        box.grows = box.grows || child.grows;
+        box.grows = box.grows || (child.grows && child.kind != Box::Kind::Space);
         std::int32_t& along = across ? box.width : box.height;
         std::int32_t& beside = across ? box.height : box.width;
         along += (across ? child.width : child.height) + spacing;
