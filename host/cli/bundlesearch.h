@@ -8,8 +8,8 @@
 namespace host {
 
 /// $GLYPHORA_PLUGIN, else Glyphora.aip beside the program, in the folder above (the build tree), or
-/// in ../lib/glyphora (installed). Nothing when there is none; what the variable names is not
-/// looked at.
+/// in ../lib/glyphora (installed). Nothing when there is none; what the variable names need not
+/// exist.
 [[nodiscard]] std::optional<std::filesystem::path> findPlugin();
 /// The same for a program in `programFolder`, without the variable.
 [[nodiscard]] std::optional<std::filesystem::path>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The host before a terminal: everything said goes to standard error, and is kept for the report.
+// The host on a terminal: what it says goes to standard error, and is kept for the report.
 #pragma once
 
 #include "host/core/frontend.h"

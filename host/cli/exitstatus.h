@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the program's exit status tells. Where several apply, the greatest below 64 is told.
+// The program's exit status. Where several apply, it is the greatest below 64.
 #pragma once
 
 namespace host {

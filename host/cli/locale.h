@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The user's language and country, as plug-ins are told them.
+// The user's language and country, in the form that plug-ins know.
 #pragma once
 
 #include <string>

@@ -30,8 +30,8 @@ struct Options {
     std::vector<std::string> misbehave; ///< see applySabotage
 };
 
-/// Reads the command line; a wrong one, or a request for help, is answered on `output` or `errors`.
-/// Then there are no options, and `exitStatus` is set.
+/// Reads the command line. Answers a wrong one or a request for help on `output` or `errors`,
+/// returns nothing then, and sets `exitStatus`.
 [[nodiscard]] std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
                                                  std::ostream& output, std::ostream& errors,
                                                  int& exitStatus);

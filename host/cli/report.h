@@ -29,7 +29,7 @@ struct DocumentReport {
     std::string savedAs;
     DocumentTimings timings;
 
-    bool missesFonts() const;
+    [[nodiscard]] bool missesFonts() const;
 };
 
 struct RunReport {
@@ -45,7 +45,7 @@ struct RunReport {
     double startUpMs = 0; ///< from the start of the program to the end of the post-start-up
     double totalMs = 0;
 
-    int exitStatus(bool failOnMissing) const;
+    [[nodiscard]] int exitStatus(bool failOnMissing) const;
 };
 
 /// A table of one document's faces.
@@ -54,7 +54,7 @@ struct RunReport {
 [[nodiscard]] std::string textOfSelfTest(const RunReport& report);
 /// The counts of suite calls, one per line.
 [[nodiscard]] std::string textOfCalls(const RunReport& report);
-/// All of it, one object.
+/// All of it as one object.
 [[nodiscard]] std::string jsonOf(const RunReport& report);
 
 } // namespace host

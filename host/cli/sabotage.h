@@ -12,11 +12,11 @@ namespace host {
 /// "missing-suite=NAME:VERSION": the suite cannot be acquired.
 /// "failing-call=[SUITE/]CALL[:ERROR[:FROM]]": the call fails, from its FROMth time on (else
 /// always), with ERROR, which is a number or four characters (else 'PARM').
-/// Says what is wrong with the form of a fault; empty when nothing is.
+/// Returns what is wrong with the form of a fault, or nothing.
 [[nodiscard]] std::string checkSabotage(std::string_view fault);
 
-/// Builds a fault in. Says what is wrong with it, such as a suite that does not exist; empty when
-/// nothing is.
+/// Builds a fault in. Returns what is wrong with it, such as a suite that does not exist, or
+/// nothing.
 [[nodiscard]] std::string applySabotage(Core& core, std::string_view fault);
 
 } // namespace host

@@ -15,13 +15,13 @@
 
 namespace host {
 
-/// What is asked for cannot be done.
+/// The command line asks for something that does not exist.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// [main-thread] For one run.
+/// [main-thread] Runs once.
 class Session {
 public:
     using Clock = std::chrono::steady_clock;
@@ -32,8 +32,8 @@ public:
     Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start);
 
     /// What goes wrong with documents and plug-ins is in the report. Throws UsageError when a fault
-    /// to build in does not exist.
-    RunReport run(const Progress& progress = {});
+    /// cannot be built in.
+    [[nodiscard]] RunReport run(const Progress& progress = {});
 
 private:
     void startPlugin();
@@ -41,7 +41,7 @@ private:
     DocumentReport openOne(const std::filesystem::path& file);
     void showToPlugins(OpenDocument& document, DocumentReport& report);
     void save(const OpenDocument& document, DocumentReport& report);
-    /// Timers and waiting events.
+    /// Serves timers and waiting events.
     void idle();
     double sinceStart() const;
 

@@ -46,7 +46,7 @@ public:
         std::uint64_t count;
     };
     /// The calls that were made at least once, by suite and call.
-    static std::vector<Count> counts();
+    [[nodiscard]] static std::vector<Count> counts();
 
 private:
     const char* suite_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The application contexts: for which plug-in calls are being made.
+// The application contexts, each of which says for which plug-in calls are being made.
 #pragma once
 
 #include "ai/types.h"
@@ -13,12 +13,12 @@ namespace host {
 /// [main-thread] Contexts nest.
 class Contexts {
 public:
-    AIAppContextHandle push(PluginNumber plugin);
+    [[nodiscard]] AIAppContextHandle push(PluginNumber plugin);
     /// False when `context` is not the innermost one; nothing is popped then.
     [[nodiscard]] bool pop(AIAppContextHandle context) noexcept;
     std::size_t depth() const noexcept { return stack_.size(); }
     /// Pops down to a depth and says how many contexts that took.
-    std::size_t cutTo(std::size_t depth) noexcept;
+    [[nodiscard]] std::size_t cutTo(std::size_t depth) noexcept;
     /// noPlugin when there is none.
     PluginNumber innermost() noexcept;
 

@@ -68,7 +68,7 @@ public:
     void rename(Plugin& plugin, std::string name);
 
     /// "AI Notifier"/"AI Notify" to every registration of a type, in order of registration. An
-    /// answer other than success is reported as an error; the first such answer is given back.
+    /// answer other than success is reported as an error; the first such answer is returned.
     SPErr notify(const char* type, void* data = nullptr);
     /// "AI Timer"/"AI Go" for each timer that is due. Says how many were.
     std::size_t runTimers();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whatever tells the user what the host has to say: a terminal, a window, a test.
+// Where the host says what it has to say: on a terminal, in a window, to a test.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct Alert {
     std::string text;
 };
 
-/// Implementations must not throw. Misbehaviour is told apart from errors: the host has mended it
-/// and goes on, and only the plug-in's author can do something about it.
+/// Implementations must not throw. Misbehaviour is kept apart from errors: the host has put it
+/// right and goes on, and only the plug-in's author can do something about it.
 class Frontend {
 public:
     virtual ~Frontend() = default;
@@ -28,7 +28,7 @@ public:
     virtual void showAlert(const Alert& alert) = 0;
     /// [main-thread] `text` is one line that names file or plug-in.
     virtual void reportError(std::string_view text) = 0;
-    /// [one-thread] Told only of the first of equal ones.
+    /// [one-thread] Called only for the first of several that are equal.
     virtual void reportMisbehaviour(std::string_view plugin, std::string_view what) = 0;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The edge between plug-ins and host. Every function pointer of a suite is an Entry: it checks
+// The border between plug-ins and host. Every function pointer of a suite is an Entry: it checks
 // thread, state and arguments, counts the call, and turns exceptions into codes, so that the
 // functions behind it see only calls that are in order.
 #pragma once

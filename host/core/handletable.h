@@ -25,7 +25,7 @@ struct HandleBits {
     static constexpr std::size_t maximumIndex = static_cast<std::size_t>(indexMask) - 1;
 
     std::size_t index = 0;
-    std::uint32_t generation = 0; ///< of which generationMask tells the bits that are kept
+    std::uint32_t generation = 0; ///< only the bits of generationMask are kept
 
     template <typename Handle>
     Handle pack() const noexcept {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The list of what plug-ins did wrong and the host mended.
+// What plug-ins did wrong and the host put right.
 #pragma once
 
 #include "host/core/frontend.h"
@@ -27,11 +27,11 @@ public:
     /// `frontend` outlives the ledger.
     explicit Ledger(Frontend& frontend) noexcept : frontend_(frontend) {}
 
-    /// Without memory the entry is lost: there is nobody to tell.
+    /// When memory runs out the entry is lost: there is nobody left to tell.
     void report(std::string_view plugin, std::string_view what) noexcept;
 
     /// In order of first appearance.
-    std::vector<Misbehaviour> entries() const;
+    [[nodiscard]] std::vector<Misbehaviour> entries() const;
 
 private:
     static constexpr std::size_t maximumEntries = 1000;

@@ -21,7 +21,7 @@ struct Notifier {
 class Notifiers : public Registrations<Notifier, AINotifierHandle> {
 public:
     /// Those of one type; a copy, because plug-ins register while they are being notified.
-    std::vector<AINotifierHandle> ofType(std::string_view type);
+    [[nodiscard]] std::vector<AINotifierHandle> ofType(std::string_view type);
 };
 
 } // namespace host

@@ -38,9 +38,9 @@ public:
     PluginNumber number() const noexcept { return number_; }
     SPPluginRef ref() const noexcept;
     PluginState state() const noexcept { return state_; }
-    /// As it named itself, else as its bundle is called.
+    /// The name that it gave itself, else that of its bundle.
     const std::string& name() const noexcept { return name_; }
-    /// Through Core::rename, which keeps other threads out.
+    /// For Core::rename, which keeps other threads out.
     void setName(std::string name) { name_ = std::move(name); }
     void* globals() const noexcept { return globals_; }
     StringLists& strings() noexcept { return strings_; }
@@ -55,7 +55,7 @@ public:
 
     /// "SP Access"/"Unload", then its code is taken out of memory. False, with an error
     /// reported, when it is being used, does not run or refuses.
-    bool unload();
+    [[nodiscard]] bool unload();
     /// Maps the code afresh, then "SP Access"/"Reload", and gives the plug-in's answer. Throws
     /// PluginError when it cannot be mapped, and stays unmapped then.
     SPErr reload();

@@ -14,18 +14,17 @@ namespace host {
 
 using StringList = std::unordered_map<std::int32_t, std::string>;
 
-/// Reads lines `index = text` in UTF-8, with `#` comments, blank lines, and in the text the
-/// escapes \n and \\ for a line end and a backslash. Blanks around the text do not belong to it. A
-/// line in another form, a second one with the same index, or an index below 1 is left out and
-/// named.
-/// `problem` is called with one line "FILE:LINE: reason" for each.
-StringList readStringList(std::string_view content, std::string_view file,
-                          const std::function<void(std::string_view)>& problem);
+/// Reads lines `index = text` in UTF-8; lines may be blank or begin with `#`. In the text, \n
+/// stands for a line end and \\ for a backslash; blanks around it are dropped. A line in another
+/// form, a repeated index or one below 1 is left out, and `problem` is called with "FILE:LINE:
+/// reason".
+[[nodiscard]] StringList readStringList(std::string_view content, std::string_view file,
+                                        const std::function<void(std::string_view)>& problem);
 
 /// [main-thread] The lists of one bundle, each read when it is first asked for.
 class StringLists {
 public:
-    /// [main-thread] Told of each line that is left out, as readStringList tells it.
+    /// [main-thread] As in readStringList.
     using Problem = std::function<void(std::string_view)>;
 
     /// An empty `folder` has no lists.

@@ -29,7 +29,7 @@ public:
     /// The same under another version, or a suite that the list does not have.
     void provideAs(std::string_view name, std::int32_t version, const void* table);
 
-    /// Behaves from now on as if there were no such suite; false when there was none.
+    /// From now on the suite cannot be acquired. False when there was none.
     [[nodiscard]] bool hide(std::string_view name, std::int32_t version);
 
     /// Counts one acquisition. nullptr when there is no such suite.
@@ -39,9 +39,9 @@ public:
     enum class Released { Yes, Unknown, NotHeld };
     Released release(std::string_view name, std::int32_t version, PluginNumber holder);
 
-    /// Takes back all acquisitions of a plug-in and tells what it still held: "NAME VERSION", with
-    /// " (n times)" where it is more than once.
-    std::vector<std::string> releaseAllOf(PluginNumber holder);
+    /// Takes back all acquisitions of a plug-in and returns what it still held: "NAME VERSION",
+    /// with " (n times)" after what it held more than once.
+    [[nodiscard]] std::vector<std::string> releaseAllOf(PluginNumber holder);
 
     /// The (name, version) pairs that can be acquired.
     std::size_t size() const noexcept { return suites_.size(); }

@@ -17,7 +17,7 @@ namespace host {
 /// is greater than 0.
 void copyText(std::string_view text, char* buffer, std::int32_t size) noexcept;
 
-/// A status code for messages: four characters where it was packed of such, else a number.
+/// A status code for messages: its four characters if it is made of such, else a number.
 [[nodiscard]] std::string errorText(SPErr error);
 
 /// Reads what errorText writes; false when it is neither a number nor four characters.

@@ -21,10 +21,10 @@ struct Timer {
     std::uint32_t due = 0; ///< tick of the next firing
 };
 
-/// [main-thread] Time is told by the clock that it is given, in ticks that may wrap around.
+/// [main-thread] Ticks may wrap around.
 class Timers : public Registrations<Timer, AITimerHandle> {
 public:
-    /// [main-thread] The tick of the call.
+    /// [main-thread] Returns the current tick.
     using Clock = std::function<std::uint32_t()>;
     explicit Timers(Clock clock);
 

@@ -92,7 +92,7 @@ public:
     /// in place of the family, with or without the style beside it, then by full name. What is not
     /// found gets an entry with the document's names and the conventional PostScript name, present
     /// = false; the same names always give the same key.
-    FontKey resolve(const Face& face);
+    [[nodiscard]] FontKey resolve(const Face& face);
 
     /// The face of the desktop with exactly this PostScript name, else with this full name.
     [[nodiscard]] FontKey findByName(std::string_view name) const;

@@ -23,7 +23,7 @@ enum class FaceState : std::uint8_t {
 };
 
 /// In the words of reports: "installed", "activated now", ...
-const char* textOf(FaceState state) noexcept;
+[[nodiscard]] const char* textOf(FaceState state) noexcept;
 
 struct FaceOutcome {
     std::string family; ///< as the document names it
@@ -42,9 +42,10 @@ public:
 
     /// The faces in order of first appearance, then those that came by replacement. `document` is
     /// the one that was surveyed.
-    std::vector<FaceOutcome> compareWith(OpenDocument& document, FontList& fonts) const;
+    [[nodiscard]] std::vector<FaceOutcome> compareWith(OpenDocument& document,
+                                                       FontList& fonts) const;
     /// The same for a document that is no longer open, with the states that it had.
-    std::vector<FaceOutcome> asTaken() const;
+    [[nodiscard]] std::vector<FaceOutcome> asTaken() const;
 
 private:
     struct Row {

@@ -23,8 +23,8 @@ public:
     /// The entry of a plug-in's key; nullptr when it was never handed out.
     const FontEntry* entry(AIFontKey key) const noexcept;
 
-    /// A present face by PostScript name, else by its full name, else by "family style"; noFont.
-    FontKey find(std::string_view name);
+    /// A present face with this PostScript name, else full name, else "family style"; else noFont.
+    [[nodiscard]] FontKey find(std::string_view name);
 
     /// Asks the desktop again; true when anything has changed.
     bool refresh();

@@ -52,7 +52,7 @@ class OpenDocuments {
 public:
     explicit OpenDocuments(FontList& fonts) noexcept : fonts_(fonts) {}
 
-    /// Adds a document and makes it the current one.
+    /// Makes a document the current one.
     OpenDocument& add(std::filesystem::path file, Document document);
     /// Closes a document; the one that was opened before it becomes the current one. False for one
     /// that is not open.

@@ -110,7 +110,7 @@ TEST_F(ABundle, IsReallyUnmappedAndMappedAgainWhileItsObjectStays) {
 TEST_F(ABundle, ThatIsUnloadedIsStillShutDown) {
     Plugin& plugin = core.load(bundle("wellbehaved"));
     plugin.startUp();
-    plugin.unload();
+    ASSERT_TRUE(plugin.unload());
     core.shutDownAll();
     EXPECT_EQ(plugin.state(), PluginState::Ended);
     EXPECT_EQ(plugin.globals(), nullptr) << "its object is freed";

@@ -56,8 +56,8 @@ TEST(ARule, CatchesSpansOrDoesNot) {
     for (const char* sheet :
          {"tspan{fill:red}", "a{} b, .x > s|flowSpan {fill:red}", "/*a*/*{a:b}",
           "tspan{font:1px A}", "@media print{@supports(a:b){text *{a:b}}}", "tspan.a+tspan.b{a:b}",
-          "@import 'x';.a:first-child{a:b}", "[style*='x']{a:b}", "} ;tspan{font-weight:bold;a:b",
-          "tspan{x{a:b}}", "tspan{-inkscape-font:A}"}) {
+          "tspan.a~tspan.b{a:b}", "@import 'x';.a:first-child{a:b}", "[style*='x']{a:b}",
+          "} ;tspan{font-weight:bold;a:b", "tspan{x{a:b}}", "tspan{-inkscape-font:A}"}) {
         EXPECT_TRUE(hasRulesForSpans(sheet)) << sheet;
     }
     for (const char* sheet :

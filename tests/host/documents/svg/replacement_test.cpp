@@ -148,6 +148,12 @@ const Case cases[] = {
      "Old",
      "<text id='t' font-family='B'>x</text><text font-family='New Sans'><tref "
      "xlink:href='#t'/></text>"},
+    {"ReferencedBlanksAtTheEnd",
+     "<text id='t' xml:space='preserve'> </text><text font-family='Old'>a<tspan "
+     "font-weight='bold'><tref xlink:href='#t'/></tspan></text>",
+     "Old",
+     "<text id='t' xml:space='preserve'> </text><text font-family='New Sans'>a<tspan "
+     "font-weight='bold'><tref xlink:href='#t'/></tspan></text>"},
     {"RulesThatWouldCatchASpanSpareIt",
      "<style>tspan{fill:red;font-size:50px}</style><g font-family='Old, serif'><text>a<tspan "
      "font-weight='bold'>b</tspan>c<tspan>d<tspan font-family='X' style='font-weight:300'>e"
@@ -157,6 +163,13 @@ const Case cases[] = {
      "font-family:'New Sans', serif\">a<tspan font-weight='bold' style=\"font-family:'Old', serif"
      "\">b</tspan>c<tspan style=\"font-family:'New Sans', serif\">d<tspan font-family='X' "
      "style='font-weight:300'>e</tspan></tspan></text></g>"},
+    {"ImportantRulesAreOutdoneWhereOthersSpareASpan",
+     "<style>*{a:b} .a{font-family:Old!important}</style><text class='a'>a<tspan "
+     "font-weight='bold'>b</tspan></text>",
+     "Old/Regular",
+     "<style>*{a:b} .a{font-family:Old!important}</style><text class='a' style=\"font-family:"
+     "'New Sans' !important\">a<tspan font-weight='bold' style=\"font-family:'Old'\">b</tspan>"
+     "</text>"},
     {"RulesThatWouldCatchASpanSpareItWhenCareful",
      "<style>*{fill:red} text[style]{font-style:italic}</style><text font-family='Old'>a<tspan "
      "font-weight='bold'>b</tspan></text>",

@@ -50,7 +50,8 @@ const Case cases[] = {
      "<set>S</set><unknown>U<tspan>V</tspan></unknown>b</text>",
      "A/Regular:ab"},
     {"FlowedText",
-     "<flowRoot font-family='A'><flowRegion><rect>R</rect></flowRegion><flowPara>a"
+     "<flowRoot font-family='A'><flowRegion><rect>R</rect></flowRegion><flowPara> "
+     "</flowPara><flowPara>a"
      "<flowSpan font-weight='bold'>b</flowSpan></flowPara>\n<flowPara>c</flowPara></flowRoot>",
      "A/Regular:a|A/Bold:b|A/Regular:\nc"},
     {"LinesOfADrawingProgram",
