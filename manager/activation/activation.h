@@ -79,7 +79,6 @@ public:
 
 private:
     [[nodiscard]] FileLock lock() const;
-    [[nodiscard]] std::vector<ContainerId> setsOnDisk() const;
     [[nodiscard]] std::optional<SetRecord> recordInPlace(ContainerId id) const;
     [[nodiscard]] std::vector<SetFile> filesInPlace(ContainerId id) const;
     void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);

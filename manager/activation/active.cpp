@@ -3,8 +3,6 @@
 #include "manager/activation/activation.h"
 #include "manager/library/error.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <unistd.h>
 
 namespace manager {
@@ -45,26 +43,10 @@ std::set<std::string> Activation::activeFiles(const ContainerFonts& container) c
     return names;
 }
 
-std::vector<ContainerId> Activation::setsOnDisk() const {
-    std::vector<ContainerId> ids;
-    std::error_code code;
-    for (std::filesystem::directory_iterator entry(folders_.root(), code), end;
-         !code && entry != end; entry.increment(code)) {
-        if (const auto id = toContainerId(entry->path().filename().string())) {
-            ids.push_back(*id);
-        }
-    }
-    if (code) {
-        throw systemError(folders_.root(), "cannot be read", code.value());
-    }
-    std::sort(ids.begin(), ids.end());
-    return ids;
-}
-
 std::vector<ActiveContainer>
 Activation::active(const std::function<void(const std::string&)>& report) const {
     std::vector<ActiveContainer> result;
-    for (const ContainerId id : setsOnDisk()) {
+    for (const ContainerId id : setsIn(folders_.root())) {
         try {
             if (const auto record = readSetRecord(folders_.folder(id))) {
                 result.push_back({id, record->name, record->files.size()});

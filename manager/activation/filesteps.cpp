@@ -15,40 +15,6 @@
 
 namespace manager {
 
-namespace {
-
-void copyFile(const std::string& source, const std::string& target) {
-    const sys::Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!from) {
-        throw systemError(source, "cannot be read", errno);
-    }
-    const sys::Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-    if (!to) {
-        throw systemError(target, "cannot be written", errno);
-    }
-    char block[65536];
-    for (;;) {
-        const ssize_t count = read(from.get(), block, sizeof block);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            throw systemError(source, "cannot be read", errno);
-        }
-        if (count == 0) {
-            break;
-        }
-        if (!sys::writeAll(to.get(), {block, static_cast<std::size_t>(count)})) {
-            throw systemError(target, "cannot be written", errno);
-        }
-    }
-    if (fsync(to.get()) != 0) {
-        throw systemError(target, "cannot be written", errno);
-    }
-}
-
-} // namespace
-
 bool exists(const std::string& path) {
     struct stat status {};
     return lstat(path.c_str(), &status) == 0;
@@ -79,7 +45,11 @@ void linkOrCopy(const std::string& source, const std::string& target) {
         return;
     }
     try {
-        copyFile(source, target);
+        std::filesystem::copy_file(source, target);
+        syncFile(target);
+    } catch (const std::filesystem::filesystem_error& error) {
+        unlink(target.c_str());
+        throw systemError(source, "cannot be copied to " + folderOf(target), error.code().value());
     } catch (const Error&) {
         unlink(target.c_str());
         throw;

@@ -14,7 +14,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
     const FileLock held = lock();
     bool changed = folders_.staging().clear();
     beginChange();
-    std::vector<ContainerId> ids = setsOnDisk();
+    std::vector<ContainerId> ids = setsIn(folders_.root());
     const std::vector<ContainerId> leaving = folders_.staging().takenRecords();
     ids.insert(ids.end(), leaving.begin(), leaving.end());
     std::sort(ids.begin(), ids.end());

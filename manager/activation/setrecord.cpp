@@ -7,7 +7,9 @@
 #include "manager/library/fields.h"
 #include "manager/library/fontfile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <string_view>
 #include <unistd.h>
 
@@ -74,6 +76,22 @@ std::string libraryFolder(const SetRecord& record) {
 bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder) {
     // Case and blanks may change with the file that a family takes its name from.
     return nameKey(record.name) == nameKey(name) && libraryFolder(record) == folder;
+}
+
+std::vector<ContainerId> setsIn(const std::string& root) {
+    std::vector<ContainerId> ids;
+    std::error_code code;
+    for (std::filesystem::directory_iterator entry(root, code), end; !code && entry != end;
+         entry.increment(code)) {
+        if (const auto id = toContainerId(entry->path().filename().string())) {
+            ids.push_back(*id);
+        }
+    }
+    if (code) {
+        throw systemError(root, "cannot be read", code.value());
+    }
+    std::sort(ids.begin(), ids.end());
+    return ids;
 }
 
 std::optional<SetRecord> readSetRecord(const std::string& folder) {

@@ -55,6 +55,8 @@ private:
 /// does not tell: numbers begin anew with a new index.
 [[nodiscard]] bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder);
 
+/// The numbers of the sets in the folder of all sets, in order. Throws Error.
+[[nodiscard]] std::vector<ContainerId> setsIn(const std::string& root);
 /// The record of the set in `folder`; nullopt when there is none. Throws Error (file, line).
 [[nodiscard]] std::optional<SetRecord> readSetRecord(const std::string& folder);
 /// The same from a file of any name.

@@ -5,8 +5,6 @@
 #include "manager/activation/setrecord.h"
 #include "manager/library/error.h"
 
-#include <filesystem>
-
 namespace manager {
 
 namespace {
@@ -25,20 +23,17 @@ KnownContainer containerOf(ContainerId id, const SetRecord& record) {
 
 std::vector<KnownContainer> containersOnDisk(const Places& places) {
     std::vector<KnownContainer> known;
-    std::error_code code;
-    for (std::filesystem::directory_iterator entry(places.fonts(), code), end;
-         !code && entry != end; entry.increment(code)) {
-        const auto id = toContainerId(entry->path().filename().string());
-        if (!id) {
-            continue;
-        }
-        try {
-            if (const auto record = readSetRecord(entry->path().string())) {
-                known.push_back(containerOf(*id, *record));
+    try {
+        for (const ContainerId id : setsIn(places.fonts())) {
+            try {
+                if (const auto record = readSetRecord(places.fonts() + "/" + toText(id))) {
+                    known.push_back(containerOf(id, *record));
+                }
+            } catch (const Error&) {
+                known.push_back({id, {}, {}, {}});
             }
-        } catch (const Error&) {
-            known.push_back({*id, {}, {}, {}});
         }
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): there is no folder to be read
     }
     return known;
 }

@@ -5,6 +5,7 @@
 #include "manager/library/places.h"
 
 #include <fcntl.h>
+#include <glib.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -23,17 +24,9 @@ bool isReadOnly(const std::string& path) {
 }
 
 std::string immutableUri(const std::string& path) {
-    static constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string uri = "file:";
-    for (const char c : path) {
-        if (c == '%' || c == '?' || c == '#') {
-            const auto byte = static_cast<unsigned char>(c);
-            uri.append(1, '%').append(1, digits[byte >> 4U]).append(1, digits[byte & 0xFU]);
-        } else {
-            uri += c;
-        }
-    }
-    return uri + "?immutable=1";
+    const std::unique_ptr<char, void (*)(void*)> uri(
+        g_filename_to_uri(path.c_str(), nullptr, nullptr), g_free);
+    return std::string(uri ? uri.get() : "") + "?immutable=1";
 }
 
 } // namespace

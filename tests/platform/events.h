@@ -130,27 +130,25 @@ public:
         return text;
     }
     void ownName(const std::string& name) {
-        GVariant* reply = g_dbus_connection_call_sync(
-            connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "RequestName", g_variant_new("(su)", name.c_str(), 4U), nullptr, G_DBUS_CALL_FLAGS_NONE,
-            -1, nullptr, nullptr);
-        ASSERT_NE(reply, nullptr);
-        g_variant_unref(reply);
+        EXPECT_EQ(askBus("RequestName", g_variant_new("(su)", name.c_str(), 4U)), "(uint32 1,)");
     }
     bool hasOwner(const std::string& name) {
-        GVariant* reply = g_dbus_connection_call_sync(
-            connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "NameHasOwner", g_variant_new("(s)", name.c_str()), G_VARIANT_TYPE("(b)"),
-            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-        gboolean owned = FALSE;
-        if (reply != nullptr) {
-            g_variant_get(reply, "(b)", &owned);
-            g_variant_unref(reply);
-        }
-        return owned != FALSE;
+        return askBus("NameHasOwner", g_variant_new("(s)", name.c_str())) == "(true,)";
     }
 
 private:
+    /// The bus' answer, printed.
+    std::string askBus(const char* method, GVariant* arguments) {
+        GVariant* reply = g_dbus_connection_call_sync(
+            connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        char* text = reply != nullptr ? g_variant_print(reply, TRUE) : g_strdup("none");
+        g_clear_pointer(&reply, g_variant_unref);
+        std::string answer = text;
+        g_free(text);
+        return answer;
+    }
+
     GDBusConnection* connection_;
 };
 
