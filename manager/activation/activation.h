@@ -48,6 +48,8 @@ public:
     /// Throws Error.
     explicit Activation(const Places& places, StepObserver observer = {});
 
+    /// The folder of this container's set, be it there or not.
+    [[nodiscard]] std::string folder(ContainerId id) const { return folders_.folder(id); }
     /// Whether a set of this container is active, whichever of its files are. A set of another
     /// container under its number does not count.
     [[nodiscard]] bool isActive(const Container& container) const;

@@ -2,9 +2,11 @@
 // Reload, and what came of it.
 #include "manager/activation/desktopfonts.h"
 
-#include <fontconfig/fontconfig.h>
+#include "manager/library/fontpattern.h"
+
+#include <functional>
 #include <memory>
-#include <string_view>
+#include <utility>
 
 namespace manager {
 
@@ -13,6 +15,14 @@ namespace {
 struct StringListDeleter {
     void operator()(FcStrList* list) const { FcStrListDone(list); }
 };
+
+/// As of the last reload.
+void forEachFace(const std::function<void(const FcPattern*)>& visit) {
+    const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
+    for (int i = 0; all != nullptr && i < all->nfont; ++i) {
+        visit(all->fonts[i]);
+    }
+}
 
 } // namespace
 
@@ -32,17 +42,33 @@ bool isFontFolder(const std::string& folder) {
 
 std::set<std::string> visibleFontFiles(const std::string& root) {
     std::set<std::string> paths;
-    const FcFontSet* all = FcConfigGetFonts(nullptr, FcSetSystem);
-    for (int i = 0; all != nullptr && i < all->nfont; ++i) {
-        FcChar8* file = nullptr;
-        if (FcPatternGetString(all->fonts[i], FC_FILE, 0, &file) == FcResultMatch) {
-            const std::string_view path = reinterpret_cast<const char*>(file);
-            if (path.starts_with(root)) {
-                paths.emplace(path);
-            }
+    forEachFace([&](const FcPattern* face) {
+        if (std::string path = textOf(face, FC_FILE, 0); path.starts_with(root)) {
+            paths.insert(std::move(path));
         }
-    }
+    });
     return paths;
+}
+
+void DesktopFaces::load() {
+    reloadDesktopFonts();
+    faces_.emplace();
+    forEachFace([this](const FcPattern* face) {
+        std::string name = textOf(face, FC_POSTSCRIPT_NAME, 0);
+        const auto type = typeOf(face);
+        if (!name.empty() && type) {
+            (*faces_)[std::move(name)].push_back({textOf(face, FC_FILE, 0), *type});
+        }
+    });
+}
+
+const std::vector<DesktopFace>& DesktopFaces::find(const std::string& postScriptName) {
+    static const std::vector<DesktopFace> none;
+    if (!faces_) {
+        load();
+    }
+    const auto found = faces_->find(postScriptName);
+    return found == faces_->end() ? none : found->second;
 }
 
 } // namespace manager

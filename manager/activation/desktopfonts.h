@@ -2,8 +2,13 @@
 // fontconfig as the desktop's programs use it.
 #pragma once
 
+#include "manager/library/fontfile.h"
+
+#include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace manager {
 
@@ -17,5 +22,24 @@ std::set<std::string> visibleFontFiles(const std::string& root);
 
 /// Whether fontconfig looks into a folder at all, as of the last reload.
 bool isFontFolder(const std::string& folder);
+
+/// A face that the desktop shows.
+struct DesktopFace {
+    std::string file;
+    FontType type = FontType::TrueType;
+};
+
+/// The desktop's faces by PostScript name, whoever put them there, as a program gets them that
+/// starts when they are first asked for.
+class DesktopFaces {
+public:
+    /// [main-thread] None for an empty name. Valid as long as this object.
+    [[nodiscard]] const std::vector<DesktopFace>& find(const std::string& postScriptName);
+
+private:
+    void load();
+
+    std::optional<std::unordered_map<std::string, std::vector<DesktopFace>>> faces_;
+};
 
 } // namespace manager

@@ -74,6 +74,17 @@ std::vector<Candidate> CandidateFinder::find(const CommandFont& font) {
     return found;
 }
 
+std::vector<DesktopFace> CandidateFinder::shown(const CommandFont& font,
+                                                const std::vector<Candidate>& candidates) {
+    std::vector<DesktopFace> faces = desktop_.find(font.postScriptName.value_or(""));
+    std::erase_if(faces, [&](const DesktopFace& face) {
+        return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
+            return folderOf(face.file) == activation_.folder(candidate.container.id);
+        });
+    });
+    return faces;
+}
+
 const CandidateFinder::Holder& CandidateFinder::holder(ContainerId id) {
     const auto [entry, isNew] = holders_.try_emplace(static_cast<std::int32_t>(id));
     auto& [container, activeFiles] = entry->second;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "manager/activation/activation.h"
+#include "manager/activation/desktopfonts.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/library/library.h"
 
@@ -33,6 +34,12 @@ public:
     /// before Type 1, then containers with more faces, then lower numbers.
     std::vector<Candidate> find(const CommandFont& font);
 
+    /// The faces of this PostScript name that the desktop shows already. Those in the sets of the
+    /// candidates are left out: whether they are the ones that the index means, Candidate::active
+    /// tells.
+    std::vector<DesktopFace> shown(const CommandFont& font,
+                                   const std::vector<Candidate>& candidates);
+
     /// nullopt: unknown, or without fonts.
     std::optional<Container> container(ContainerId id) { return holder(id).container; }
 
@@ -48,6 +55,7 @@ private:
 
     Library& library_;
     const Activation& activation_;
+    DesktopFaces desktop_;
     std::unordered_map<std::int32_t, Holder> holders_;
 };
 

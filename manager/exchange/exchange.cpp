@@ -38,6 +38,7 @@ struct Choice {
     std::optional<Container> container;
     std::string fileName;  ///< the font's own file there; empty: it is not known, all files count
     bool holdsFont = true; ///< false: others hold the font, the container named does not
+    bool isShown = false;  ///< nothing: the desktop shows the font already
 };
 
 /// Answers one command.
@@ -74,13 +75,16 @@ public:
 
 private:
     void answerFontRequest() {
-        std::vector<std::vector<Candidate>> found;
+        std::vector<Found> found;
         found.reserve(command_.fonts.size());
         ActivationBatch batch;
         bool showWindow = false;
         for (const CommandFont& font : command_.fonts) {
-            const auto& candidates = found.emplace_back(finder_.find(font));
+            const auto& [candidates, shown] = found.emplace_back(lookUp(font));
             showWindow = showWindow || candidates.size() > 1;
+            if (!shown.empty()) {
+                continue; // a second face of this name would make it a matter of luck which is seen
+            }
             if (candidates.size() == 1 && !candidates.front().active) {
                 batch.add(candidates.front().container);
             } else if (candidates.empty()) {
@@ -104,6 +108,9 @@ private:
         ActivationBatch batch;
         for (const CommandFont& font : command_.fonts) {
             const Choice& choice = chosen.emplace_back(choose(font));
+            if (choice.isShown) {
+                continue;
+            }
             if (choice.container) {
                 batch.add(*choice.container);
             } else {
@@ -124,7 +131,7 @@ private:
         ActivationBatch second;
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             Choice& choice = chosen[i];
-            if (!choice.container ||
+            if (choice.isShown || !choice.container ||
                 (choice.holdsFont && first.succeeded(choice.container->id, choice.fileName))) {
                 continue;
             }
@@ -146,8 +153,8 @@ private:
 
     void writeActivatedFont(const CommandFont& font, const Choice& choice,
                             const ActivationBatch& first, const ActivationBatch& second) {
-        bool success = false;
-        if (choice.container) {
+        bool success = choice.isShown;
+        if (choice.container && !choice.isShown) {
             const ContainerId id = choice.container->id;
             success = choice.holdsFont &&
                       (second.holds(id) ? second : first).succeeded(id, choice.fileName);
@@ -164,8 +171,17 @@ private:
         reply_.endFont();
     }
 
+    Found lookUp(const CommandFont& font) {
+        auto candidates = finder_.find(font);
+        auto shown = finder_.shown(font, candidates);
+        return {std::move(candidates), std::move(shown)};
+    }
+
     Choice choose(const CommandFont& font) {
-        const auto candidates = finder_.find(font);
+        const auto [candidates, shown] = lookUp(font);
+        if (!shown.empty()) {
+            return {{}, {}, true, true};
+        }
         if (const auto id = toContainerId(font.containerId.value_or(""))) {
             if (auto container = finder_.container(*id)) {
                 const auto own = std::find_if(
@@ -186,12 +202,14 @@ private:
     void answerWithoutActing() {
         reply_.flag("showWindow", false);
         for (const CommandFont& font : command_.fonts) {
-            auto candidates = finder_.find(font);
+            auto [candidates, shown] = lookUp(font);
             preferNamed(candidates, font);
             reply_.beginFont();
             writeNames(reply_, font, candidates);
+            if (!shown.empty() || !candidates.empty()) {
+                reply_.flag("isActive", !shown.empty() || candidates.front().active);
+            }
             if (!candidates.empty()) {
-                reply_.flag("isActive", candidates.front().active);
                 reply_.element("containerID", toText(candidates.front().container.id));
             }
             if (command_.kind == CommandKind::BuyRequest) {

@@ -40,7 +40,8 @@ struct Answer {
 /// container named; when there is none, it does not hold the font or the font does not become
 /// visible, the best other one by PostScript name (CandidateFinder::find tells which is best), and
 /// answers with that. A font that nobody holds is judged by the whole container named. showRequest,
-/// buyRequest: tell what is held; nothing is opened or bought.
+/// buyRequest: tell what is held; nothing is opened or bought. In all of them a font that the
+/// desktop shows already is active, whoever holds it, and is not activated a second time.
 [[nodiscard]] Answer answerCommand(Library& library, Activation& activation,
                                    std::string_view command);
 

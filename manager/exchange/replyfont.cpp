@@ -34,36 +34,41 @@ void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Ca
     reply.element("count", found.size());
 }
 
-void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
-                          const std::vector<Candidate>& found, const ActivationBatch& batch) {
+void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Found& found,
+                          const ActivationBatch& batch) {
+    const auto& [candidates, shown] = found;
     const auto isActive = [&](const Candidate& candidate) {
         return batch.holds(candidate.container.id)
                    ? batch.succeeded(candidate.container.id, candidate.face.fileName)
                    : candidate.active;
     };
-    const auto active = std::find_if(found.begin(), found.end(), isActive);
-    const auto matching = std::find_if(found.begin(), found.end(),
-                                       [](const Candidate& one) { return one.typeMatches; });
-    const bool matchingActive = std::any_of(found.begin(), found.end(), [&](const Candidate& one) {
-        return one.typeMatches && isActive(one);
-    });
+    const bool active =
+        !shown.empty() || std::any_of(candidates.begin(), candidates.end(), isActive);
+    const auto isMatching = [](const Candidate& one) { return one.typeMatches; };
+    const auto matching = std::find_if(candidates.begin(), candidates.end(), isMatching);
+    const bool matchingActive = std::any_of(shown.begin(), shown.end(),
+                                            [&](const DesktopFace& face) {
+                                                return !asked.type || *asked.type == face.type;
+                                            }) ||
+                                std::any_of(matching, candidates.end(), [&](const Candidate& one) {
+                                    return one.typeMatches && isActive(one);
+                                });
     reply.beginFont();
-    writeNames(reply, asked, found);
-    reply.flag("isActive", active != found.end());
+    writeNames(reply, asked, candidates);
+    reply.flag("isActive", active);
     reply.element("typeMatchingCount",
-                  std::count_if(found.begin(), found.end(),
-                                [](const Candidate& one) { return one.typeMatches; }));
+                  std::count_if(candidates.begin(), candidates.end(), isMatching));
     reply.flag("isTypeMatchingActive", matchingActive);
-    if (matching != found.end()) {
+    if (matching != candidates.end()) {
         reply.element("typeMatchingContainerID", toText(matching->container.id));
     }
-    if (!found.empty()) {
-        reply.element("containerID", toText(found.front().container.id));
+    if (!candidates.empty()) {
+        reply.element("containerID", toText(candidates.front().container.id));
     }
-    if (found.size() == 1) {
-        reply.flag("activationSuccessfull", active != found.end());
+    if (candidates.size() == 1) {
+        reply.flag("activationSuccessfull", active);
     }
-    for (const Candidate& candidate : found) {
+    for (const Candidate& candidate : candidates) {
         reply.fontInfo(toText(candidate.container.id), CandidateFinder::describe(candidate));
     }
     reply.endFont();

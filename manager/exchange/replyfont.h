@@ -11,11 +11,17 @@
 
 namespace manager {
 
+/// What was found of a font asked for: in the library, and on the desktop beside it.
+struct Found {
+    std::vector<Candidate> candidates;
+    std::vector<DesktopFace> shown;
+};
+
 /// What the font asked for is called, and how many containers hold it.
 void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Candidate>& found);
 
 /// The whole font of the reply to a font request; `batch` is what the request activated.
-void writeFontRequestFont(ReplyText& reply, const CommandFont& asked,
-                          const std::vector<Candidate>& found, const ActivationBatch& batch);
+void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Found& found,
+                          const ActivationBatch& batch);
 
 } // namespace manager

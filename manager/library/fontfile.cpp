@@ -3,6 +3,7 @@
 #include "manager/library/fontfile.h"
 
 #include "manager/library/error.h"
+#include "manager/library/fontpattern.h"
 #include "manager/library/places.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fontconfig/fontconfig.h>
 #include <memory>
 #include <optional>
 #include <strings.h>
@@ -169,31 +169,6 @@ Wrapping checkWhole(const Source& source) {
         return Wrapping::Single;
     }
     throw source.error("not a TrueType, OpenType or Type 1 font (byte 0)");
-}
-
-std::string textOf(const FcPattern* pattern, const char* object, int position) {
-    FcChar8* text = nullptr;
-    if (FcPatternGetString(pattern, object, position, &text) != FcResultMatch) {
-        return {};
-    }
-    return reinterpret_cast<const char*>(text);
-}
-
-std::optional<FontType> typeOf(const FcPattern* pattern) {
-    const std::string format = textOf(pattern, FC_FONTFORMAT, 0);
-    if (format == "TrueType") {
-        // Layout tables make the difference between plain TrueType and OpenType.
-        const bool layout =
-            textOf(pattern, FC_CAPABILITY, 0).find("otlayout:") != std::string::npos;
-        return layout ? FontType::OpenTypeTrueType : FontType::TrueType;
-    }
-    if (format == "CFF") {
-        return FontType::OpenTypePostScript;
-    }
-    if (format == "Type 1" || format == "CID Type 1") {
-        return FontType::Type1;
-    }
-    return std::nullopt;
 }
 
 // Families and styles stand in parallel lists; a face with fewer styles than families repeats the

@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Commands answered over a real library and real activation.
-#include "manager/exchange/exchange.h"
-#include "manager/library/update.h"
-#include "tests/manager/fontmaker.h"
-#include "tests/manager/sandbox.h"
-#include "tests/support/foldedreply.h"
+#include "tests/manager/exchangefixture.h"
 
 #include <filesystem>
-#include <fontconfig/fontconfig.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace manager;
 using namespace managertest;
@@ -20,53 +14,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
-
-class AnExchange : public testing::Test {
-protected:
-    AnExchange() {
-        add("one/lato.ttf", {"Lato", "Bold", "Lato-Bold", true});
-        add("one/lato-r.ttf", {"Lato", "Regular", "Lato-Regular", true});
-        add("x/both.ttf", {"Both", "Regular", "Both"});
-        add("y/both.ttf", {"Both", "Regular", "Both", true});
-        add("odd/m.ttf", {"Müller & Söhne <Co>", "Regular", "Mueller", true});
-        scan();
-    }
-    ~AnExchange() override { FcFini(); }
-
-    void add(const std::string& path, const FontRecipe& recipe) {
-        sandbox_.write(path, makeFont(recipe));
-    }
-    void scan() { updateLibrary(library_, std::vector{sandbox_.library()}, FontReaderLimits{}); }
-    static std::string font(const std::vector<std::pair<std::string, std::string>>& elements) {
-        std::string text = "<font>\n";
-        for (const auto& [name, value] : elements) {
-            text.append("<").append(name).append(">").append(value).append("</").append(name);
-            text += ">\n";
-        }
-        return text + "</font>\n";
-    }
-    ReplyNode ask(const std::string& word, const std::string& body) {
-        answer_ =
-            answerCommand(library_, activation_, "<cmd>" + word + "</cmd>\n" + body + "</cmd>\n");
-        ReplyNode root = parseFolded(answer_.reply);
-        EXPECT_EQ(root.value("protocolVersion"), "2.0");
-        return root;
-    }
-    // The reply's only font.
-    ReplyNode askForOne(const std::string& word, const std::string& body) {
-        const ReplyNode root = ask(word, body);
-        EXPECT_THAT(root.all("font"), SizeIs(1));
-        return *root.all("font").at(0);
-    }
-    std::string idOf(const std::string& postScriptName, std::size_t position = 0) {
-        return toText(library_.findByPostScriptName(postScriptName).at(position).container);
-    }
-
-    Sandbox sandbox_;
-    Library library_{sandbox_.places()};
-    Activation activation_{sandbox_.places()};
-    Answer answer_;
-};
 
 TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
     const ReplyNode reply = askForOne(

@@ -133,6 +133,8 @@ TEST_F(TheProgram, ActivatesOnRequestAndTellsOfItAfterTheAnswer) {
 TEST_F(TheProgram, AnswersWithoutALibraryAndSeesWhatOtherCommandsAddLater) {
     serve();
     EXPECT_EQ(askFor("Lato-Bold", "count"), "0");
+    writeBytes(sandbox_.places().data + "/fonts/own.ttf", makeFont({"Own", "Regular", "Own"}));
+    EXPECT_EQ(askFor("Own", "isActive"), "1") << "the desktop shows it";
     EXPECT_THAT(*send("rubbish\n"), HasSubstr("<error>command, line 1: "));
     EXPECT_THAT(*send("<cmd>showRequest</cmd>\n</cmd>\n"),
                 StartsWith("<cmd>showRequest</cmd>\n<protocolVersion>2.0</protocolVersion>\n"));

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// What fontconfig's pattern of a face tells.
+#pragma once
+
+#include "manager/library/fontfile.h"
+
+#include <fontconfig/fontconfig.h>
+#include <optional>
+#include <string>
+
+namespace manager {
+
+/// The text at `position` of the list that `object` has; empty when there is none.
+[[nodiscard]] std::string textOf(const FcPattern* pattern, const char* object, int position);
+/// The face's technology; nullopt: one that is not supported.
+[[nodiscard]] std::optional<FontType> typeOf(const FcPattern* pattern);
+
+} // namespace manager
