@@ -95,19 +95,15 @@ Descriptor openNew(const std::string& beginning, mode_t rights, std::string& nam
 
 } // namespace
 
-void replaceFile(const std::string& file, std::string_view bytes, Links links,
-                 std::string_view aside) {
+void replaceFile(const std::string& file, std::string_view bytes, std::string_view aside) {
     struct stat old {};
-    const bool follows = links == Links::Follow;
-    const bool found = (follows ? ::stat : ::lstat)(file.c_str(), &old) == 0;
-    if (!found && errno != ENOENT) {
+    const bool exists = ::stat(file.c_str(), &old) == 0;
+    if (!exists && errno != ENOENT) {
         fail(file, "cannot be written");
     }
-    const bool exists = found && !S_ISLNK(old.st_mode); // a link's own rights mean nothing
     constexpr mode_t rightsOfNewFiles = 0666;
     const mode_t rights = exists ? old.st_mode & 0777U : rightsOfNewFiles;
-    const std::filesystem::path target =
-        follows ? endOfLinks(file, exists) : std::filesystem::path(file);
+    const std::filesystem::path target = endOfLinks(file, exists);
     std::string name;
     Descriptor descriptor =
         openNew(aside.empty() ? nameBeside(target) : std::string(aside), rights, name);

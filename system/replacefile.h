@@ -10,16 +10,12 @@
 
 namespace sys {
 
-/// Whether a symbolic link stays and what it leads to is replaced, or the link itself is.
-enum class Links { Follow, Replace };
-
-/// Replaces `file`, or makes it. The rights of an old file are kept; the umask decides those of a
-/// new one. It is written under a name that begins with `aside`, on the same file system, or beside
-/// the file when that is empty. Throws std::system_error, whose text begins with the file's path,
-/// and leaves the old file and nothing else; only when the folder cannot be synced the file has
-/// been replaced all the same.
-void replaceFile(const std::string& file, std::string_view bytes, Links links = Links::Follow,
-                 std::string_view aside = {});
+/// Replaces `file`, or makes it; of a symbolic link, what it leads to. The rights of an old file
+/// are kept; the umask decides those of a new one. It is written under a name that begins with
+/// `aside`, on the same file system, or beside the file when that is empty. Throws
+/// std::system_error, whose text begins with the file's path, and leaves the old file and nothing
+/// else; only when the folder cannot be synced the file has been replaced all the same.
+void replaceFile(const std::string& file, std::string_view bytes, std::string_view aside = {});
 
 /// Syncs a folder's entries to the disk, where it can be read and the file system knows how. Throws
 /// std::system_error, whose text begins with the folder's path.

@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <iterator>
 #include <sys/inotify.h>
 #include <sys/stat.h>
@@ -81,8 +82,7 @@ bool isMountChangedNear(const Mounts& before, const Mounts& after,
 }
 
 FolderWatch::FolderWatch(const Places& places)
-    : own_(places.own()), list_(nameOf(places.folders())),
-      inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+    : list_(places.folders()), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       mountInfo_(open(mountInfo, O_RDONLY | O_CLOEXEC)) {
     checkMounts();
     watch({}, {});
@@ -138,8 +138,12 @@ FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
     for (const std::string& root : roots) {
         addWay(wanted, root);
     }
-    if (Interest* own = add(wanted, own_, IN_MOVED_TO)) {
-        own->names.insert(list_);
+    std::error_code code;
+    for (const std::string& path :
+         {list_, std::filesystem::weakly_canonical(list_, code).string()}) {
+        if (Interest* holder = code ? nullptr : add(wanted, folderOf(path), appearance)) {
+            holder->names.insert(nameOf(path));
+        }
     }
     for (const auto& [id, interest] : wanted) {
         const auto known = interests_.find(id);

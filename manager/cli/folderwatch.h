@@ -17,10 +17,10 @@ namespace manager {
 
 /// The file systems that a process sees: mount number and path, of text as in /proc/self/mountinfo.
 using Mounts = std::set<std::pair<std::string, std::string>>;
-Mounts readMounts(std::string_view text);
+[[nodiscard]] Mounts readMounts(std::string_view text);
 /// Whether what differs between the two lies at, in or above one of the folders.
-bool isMountChangedNear(const Mounts& before, const Mounts& after,
-                        const std::vector<std::string>& folders);
+[[nodiscard]] bool isMountChangedNear(const Mounts& before, const Mounts& after,
+                                      const std::vector<std::string>& folders);
 
 /// Watches folders by inotify, and what is mounted there. Used from one thread.
 class FolderWatch {
@@ -34,8 +34,8 @@ public:
         std::size_t added = 0;  ///< watched from now on: what happened there before was not heard
         std::size_t missed = 0; ///< that cannot be watched (the system allows only so many)
     };
-    /// Watches exactly these folders, the list of recorded folders, and the way to each of `roots`:
-    /// that it goes, and when it is away, that it comes back.
+    /// Watches exactly these folders, the list of recorded folders and where it leads if it is a
+    /// link, and the way to each of `roots`: that it goes, and when it is away, that it comes back.
     Result watch(const std::vector<std::string>& folders, const std::vector<std::string>& roots);
     /// Polls with POLLPRI, once for each time that file systems were mounted or unmounted: inotify
     /// says nothing of it. checkMounts is to be called then. -1 where that cannot be had.
@@ -60,8 +60,7 @@ private:
     [[nodiscard]] bool isOfInterest(const Interest& interest, std::uint32_t events,
                                     std::string_view name) const;
 
-    std::string own_;
-    std::string list_; ///< the name in it of the list of recorded folders
+    std::string list_; ///< the path of the list of recorded folders
     sys::Descriptor inotify_;
     sys::Descriptor mountInfo_;
     Mounts mounts_;

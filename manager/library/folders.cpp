@@ -6,10 +6,8 @@
 #include "manager/library/fields.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <string_view>
-#include <unistd.h>
 
 namespace manager {
 
@@ -48,7 +46,9 @@ FileLock lockFolders(const Places& places) {
 } // namespace
 
 std::vector<std::string> readFolders(const Places& places) {
-    if (access(places.folders().c_str(), F_OK) != 0 && errno == ENOENT) {
+    std::error_code code;
+    if (std::filesystem::symlink_status(places.folders(), code).type() ==
+        std::filesystem::file_type::not_found) {
         return {};
     }
     const std::string text = readFile(places.folders(), maximumLength);

@@ -51,7 +51,7 @@ void writeFile(const std::string& path, std::string_view text) {
 
 void replaceFile(const std::string& path, std::string_view text, std::string_view aside) {
     try {
-        sys::replaceFile(path, text, sys::Links::Replace, aside);
+        sys::replaceFile(path, text, aside);
     } catch (const std::system_error& error) {
         throw Error(error.what());
     }

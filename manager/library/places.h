@@ -30,13 +30,12 @@ void makeFolders(const std::string& path);
 /// Writes a file of this text, replacing one there. Throws Error; not synced.
 void writeFile(const std::string& path, std::string_view text);
 
-/// Replaces the file by `text` at one stroke, as sys::replaceFile does, and so that whoever watches
-/// its folder hears of it: a symbolic link is replaced itself. Throws Error and leaves the old file
-/// as it was.
+/// Replaces the file by `text` at one stroke, as sys::replaceFile does. Throws Error and leaves the
+/// old file as it was.
 void replaceFile(const std::string& path, std::string_view text, std::string_view aside = {});
 
 /// The whole file. Throws Error; a file above `limit` bytes is one.
-std::string readFile(const std::string& path, std::size_t limit);
+[[nodiscard]] std::string readFile(const std::string& path, std::size_t limit);
 
 /// Syncs a folder's entries to the disk. Throws Error.
 void syncFolder(const std::string& path);
@@ -54,10 +53,10 @@ private:
 };
 
 /// Whether an absolute path is the folder itself or lies in it, by their names.
-bool liesUnder(std::string_view path, std::string_view folder);
+[[nodiscard]] bool liesUnder(std::string_view path, std::string_view folder);
 
 /// The folder part and the last part of an absolute path.
-std::string folderOf(std::string_view path);
-std::string nameOf(std::string_view path);
+[[nodiscard]] std::string folderOf(std::string_view path);
+[[nodiscard]] std::string nameOf(std::string_view path);
 
 } // namespace manager

@@ -125,7 +125,7 @@ private:
         std::string path = place.path + (place.path.ends_with('/') ? "" : "/") + entry.d_name;
         struct stat status {};
         if (fstatat(directory, entry.d_name, &status, 0) != 0) {
-            if (fontName) {
+            if (fontName || entry.d_type == DT_LNK) { // to a folder on a disk that is away, maybe
                 problem(path, "cannot be read", errno);
             }
             return;

@@ -19,7 +19,7 @@ struct FileStamp {
 };
 
 /// The stamp of a regular file, links followed. Throws Error.
-FileStamp stampOf(const std::string& path);
+[[nodiscard]] FileStamp stampOf(const std::string& path);
 
 struct FoundFile {
     std::string path;
@@ -36,6 +36,7 @@ struct FoundFiles {
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;
 /// hidden entries are passed over, and so is what lies in `passedOver`, by whatever way it is
 /// reached. Problems are gathered, not thrown.
-FoundFiles findFontFiles(std::span<const std::string> roots, const std::string& passedOver = {});
+[[nodiscard]] FoundFiles findFontFiles(std::span<const std::string> roots,
+                                       const std::string& passedOver = {});
 
 } // namespace manager

@@ -79,6 +79,16 @@ TEST_F(AFolderList, OfAnotherProgramIsRefusedWithItsLine) {
     }
 }
 
+TEST_F(AFolderList, OnADiskThatIsAwayIsNotTakenForAnEmptyOne) {
+    std::filesystem::create_directories(places_.own());
+    std::filesystem::create_symlink(sandbox_.root() + "/away/folders", places_.folders());
+    EXPECT_THROW(readFolders(places_), Error);
+    std::filesystem::create_directory(sandbox_.root() + "/away");
+    writeBytes(sandbox_.root() + "/away/folders", "glyphora-folders 1\n");
+    EXPECT_THAT(addFolders(places_, std::vector{folder("new")}), testing::SizeIs(1));
+    EXPECT_TRUE(std::filesystem::is_symlink(places_.folders()));
+}
+
 TEST(AFieldLine, CarriesAnyBytes) {
     const std::string odd("a\tb\nc\\d\0e\xFF", 10);
     const std::string line = joinFields({odd, "", "plain"});
@@ -107,12 +117,14 @@ TEST_F(AFolderWalk, EndsInSpiteOfLoopsAndVisitsEachFolderOnce) {
     std::filesystem::create_directory_symlink("..", sandbox_.library() + "/a/b/loop");
     std::filesystem::create_directory_symlink("a/b", sandbox_.library() + "/0-first");
     std::filesystem::create_symlink("self.ttf", sandbox_.library() + "/self.ttf");
+    std::filesystem::create_symlink("/away/fonts", sandbox_.library() + "/disk");
     ASSERT_EQ(mkfifo((sandbox_.library() + "/pipe.ttf").c_str(), 0600), 0);
 
     const FoundFiles found = findFontFiles(std::vector{sandbox_.library()});
     EXPECT_THAT(names(found), ElementsAre("a/b/two.otf", "a/one.ttf"));
     EXPECT_THAT(found.problems,
                 testing::UnorderedElementsAre(HasSubstr("/self.ttf: cannot be read"),
+                                              HasSubstr("/disk: cannot be read: No such file"),
                                               HasSubstr("/pipe.ttf: not a regular")));
 }
 

@@ -127,15 +127,6 @@ TEST_F(AReplacedFile, IsTheOneThatLinksLeadTo) {
     }
 }
 
-TEST_F(AReplacedFile, TakesALinksPlaceWhereThatIsWanted) {
-    write("far", "before");
-    fs::create_symlink("far", path("file"));
-    sys::replaceFile(path("file"), "after", sys::Links::Replace);
-    EXPECT_FALSE(fs::is_symlink(path("file")));
-    EXPECT_EQ(read("file"), "after");
-    EXPECT_EQ(read("far"), "before");
-}
-
 TEST_F(AReplacedFile, MayHaveTheLongestNameThereIs) {
     std::string name = "n";
     while (name.size() < 255) {
@@ -158,12 +149,11 @@ TEST_F(AReplacedFile, IsWrittenAsideWhereThatIsWanted) {
     // What a process of this number left there under the first name is not written over.
     const std::string left = path("aside.new") + std::to_string(getpid()) + "-0";
     std::ofstream(left) << "left";
-    sys::replaceFile(path("file"), "after", sys::Links::Follow, path("aside"));
+    sys::replaceFile(path("file"), "after", path("aside"));
     EXPECT_EQ(read("file"), "after");
     EXPECT_EQ(read(fs::path(left).filename()), "left");
-    EXPECT_THROW(
-        sys::replaceFile(path("file"), "again", sys::Links::Follow, path("no folder/aside")),
-        std::system_error);
+    EXPECT_THROW(sys::replaceFile(path("file"), "again", path("no folder/aside")),
+                 std::system_error);
     EXPECT_EQ(read("file"), "after");
 }
 
