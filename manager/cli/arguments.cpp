@@ -35,7 +35,7 @@ class CommandLine {
 public:
     CommandLine() {
         app_.require_subcommand(1);
-        app_.set_version_flag("--version", "glyphora 1.0.0");
+        app_.set_version_flag("--version", "glyphora " GLYPHORA_VERSION);
         addLibraryCommands();
         addServerCommands();
         addActivationCommands();

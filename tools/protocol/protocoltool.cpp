@@ -46,6 +46,7 @@ public:
         CLI::App app("Writes requests of the typed font protocol and reads its replies.",
                      "glyphora-protocol");
         app.require_subcommand(1);
+        app.set_version_flag("--version", "glyphora-protocol " GLYPHORA_VERSION);
         addEncode(app);
         addDecode(app);
         addValidate(app);
