@@ -23,7 +23,7 @@ struct ContainerFonts {
 };
 
 /// The record that its set has when all of it is in place.
-SetRecord recordOf(const ContainerFonts& container);
+[[nodiscard]] SetRecord recordOf(const ContainerFonts& container);
 
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container, as it was wanted

@@ -18,10 +18,10 @@ void reloadDesktopFonts();
 
 /// The paths of the files below `root` whose fonts every program gets, as of the last reload; those
 /// that the desktop's settings reject are not among them.
-std::set<std::string> visibleFontFiles(const std::string& root);
+[[nodiscard]] std::set<std::string> visibleFontFiles(const std::string& root);
 
 /// Whether fontconfig looks into a folder at all, as of the last reload.
-bool isFontFolder(const std::string& folder);
+[[nodiscard]] bool isFontFolder(const std::string& folder);
 
 /// A face that the desktop shows.
 struct DesktopFace {

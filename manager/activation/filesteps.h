@@ -7,9 +7,9 @@
 namespace manager {
 
 /// Whether anything has this name; links are not followed.
-bool exists(const std::string& path);
+[[nodiscard]] bool exists(const std::string& path);
 /// Whether it is a folder itself, not a link to one.
-bool isFolder(const std::string& path);
+[[nodiscard]] bool isFolder(const std::string& path);
 
 /// Removes a file; one that is not there is no error. Throws Error.
 void removeFile(const std::string& path);

@@ -16,13 +16,13 @@ inline constexpr char managerSignature[5] = "QGLY";
 void postLibraryChanged();
 
 /// Sends the change event to one process, without waiting for anything. False: it is gone.
-bool sendLibraryChanged(const ChangeTarget& target);
+[[nodiscard]] bool sendLibraryChanged(const ChangeTarget& target);
 
 /// The process id of the running server, if there is one.
-std::optional<std::int32_t> findServer();
+[[nodiscard]] std::optional<std::int32_t> findServer();
 
-/// Asks the running server to quit and returns once it has ended; after some seconds also when it
-/// said yes and has not. Throws Error when there is none.
+/// Asks the running server to quit and returns once it has ended, or after a few seconds if it has
+/// agreed and not ended yet. Throws Error when there is none.
 void askServerToQuit();
 
 } // namespace manager

@@ -35,12 +35,12 @@ struct PastDeed {
 
 /// The entries, oldest first: those since the server was last started, or all that are kept.
 /// Throws Error.
-std::vector<PastDeed> readHistory(const Places& places, bool all);
+[[nodiscard]] std::vector<PastDeed> readHistory(const Places& places, bool all);
 
 /// An entry as a line for people, in local time, without a line end.
-std::string lineText(const PastDeed& entry);
+[[nodiscard]] std::string lineText(const PastDeed& entry);
 
 /// A time in seconds since 1970 as ISO 8601 has it, in UTC.
-std::string isoTime(std::int64_t seconds);
+[[nodiscard]] std::string isoTime(std::int64_t seconds);
 
 } // namespace manager

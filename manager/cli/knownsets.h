@@ -10,6 +10,6 @@ namespace manager {
 
 /// The containers that are active, told by their records. Of a set whose record cannot be read the
 /// number alone is known. Never throws: a folder that cannot be read tells nothing.
-std::vector<KnownContainer> containersOnDisk(const Places& places);
+[[nodiscard]] std::vector<KnownContainer> containersOnDisk(const Places& places);
 
 } // namespace manager

@@ -12,11 +12,11 @@
 namespace manager {
 
 /// Opens the library for a scan or the server; a damaged index is replaced, which is told on
-/// standard error. Whoever opens sees to a scan that is owed.
-std::unique_ptr<Library> openForUse(const Places& places);
+/// standard error. The caller sees to a scan that is owed.
+[[nodiscard]] std::unique_ptr<Library> openForUse(const Places& places);
 /// Opens the library for a command that needs what is in it, after a scan if one is owed. Not to be
 /// called with a connection to the bus (see readFontFiles).
-std::unique_ptr<Library> openScanned(const Places& places);
+[[nodiscard]] std::unique_ptr<Library> openScanned(const Places& places);
 
 /// Each returns an ExitStatus and throws Error. They scan where needed and tell others of changes.
 int addCommand(const Places& places, const std::vector<std::string>& folders);

@@ -15,7 +15,7 @@ namespace manager {
 
 /// `text` for a line that people read: control characters, which file names may hold, are written
 /// \n, \t and \xNN, so that they neither end the line nor steer a terminal.
-std::string printable(std::string_view text);
+[[nodiscard]] std::string printable(std::string_view text);
 
 /// A line on standard output, and "glyphora: TEXT" on standard error; both made printable.
 void printLine(std::string_view text);
@@ -28,7 +28,7 @@ void printLibrary(Library& library, const Activation& activation,
                   const std::vector<std::string>& folders, Listing listing);
 
 /// "1 face", "2 faces".
-std::string counted(std::integral auto number, std::string_view noun) {
+[[nodiscard]] std::string counted(std::integral auto number, std::string_view noun) {
     return std::to_string(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
 }
 

@@ -56,6 +56,6 @@ private:
 Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").
-std::string_view typeKeyword(FontType type);
+[[nodiscard]] std::string_view typeKeyword(FontType type);
 
 } // namespace manager

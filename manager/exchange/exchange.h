@@ -46,6 +46,6 @@ struct Answer {
                                    std::string_view command);
 
 /// A reply that says only what went wrong.
-std::string failureReply(std::string_view word, std::string_view problem);
+[[nodiscard]] std::string failureReply(std::string_view word, std::string_view problem);
 
 } // namespace manager

@@ -14,13 +14,13 @@
 namespace manager {
 
 /// One line, with its line feed.
-std::string joinFields(std::initializer_list<std::string_view> fields);
+[[nodiscard]] std::string joinFields(std::initializer_list<std::string_view> fields);
 
 /// The fields of a line without its line feed; at least one. nullopt: an unknown escape.
-std::optional<std::vector<std::string>> splitFields(std::string_view line);
+[[nodiscard]] std::optional<std::vector<std::string>> splitFields(std::string_view line);
 
 /// The lines of a text; a last line without a line feed is one too.
-std::vector<std::string_view> splitLines(std::string_view text);
+[[nodiscard]] std::vector<std::string_view> splitLines(std::string_view text);
 
 /// A whole decimal number of type `Number` and nothing else.
 template <class Number>

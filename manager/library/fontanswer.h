@@ -10,11 +10,11 @@
 
 namespace manager {
 
-std::string encodeAnswer(const FontFileOutcome& outcome);
+[[nodiscard]] std::string encodeAnswer(const FontFileOutcome& outcome);
 
 /// The outcome that a whole answer, up to its empty line, tells; nullopt: it tells none. The answer
 /// comes from a process of this program, but one that may have been taken over by the file it read:
 /// nothing in it is trusted.
-std::optional<FontFileOutcome> decodeAnswer(std::string_view answer);
+[[nodiscard]] std::optional<FontFileOutcome> decodeAnswer(std::string_view answer);
 
 } // namespace manager

@@ -53,7 +53,7 @@ constexpr std::int64_t maximumFontFileSize = 512LL * 1024 * 1024;
 
 /// Whether the name ends like a TrueType, OpenType, collection or Type 1 font (any case). Metrics
 /// files (.afm, .pfm) do not.
-bool hasFontFileName(std::string_view name);
+[[nodiscard]] bool hasFontFileName(std::string_view name);
 
 /// Reads a file's faces with fontconfig's scanner, so that they bear the names by which the desktop
 /// will know them. Throws Error ("PATH: what is wrong and where") for anything that is no whole
@@ -62,6 +62,6 @@ bool hasFontFileName(std::string_view name);
 FontFileContents readFontFile(const std::string& path);
 
 /// Family or style reduced for comparison: case folded, blanks dropped.
-std::string nameKey(std::string_view name);
+[[nodiscard]] std::string nameKey(std::string_view name);
 
 } // namespace manager

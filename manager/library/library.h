@@ -26,7 +26,7 @@ inline std::string toText(ContainerId id) {
     return std::to_string(static_cast<std::int32_t>(id));
 }
 /// A decimal number from 1 to 2,147,483,647.
-std::optional<ContainerId> toContainerId(std::string_view text);
+[[nodiscard]] std::optional<ContainerId> toContainerId(std::string_view text);
 
 /// One face that a look-up found.
 struct FaceMatch {
@@ -126,7 +126,8 @@ private:
 /// damaged one is moved aside, which `report` is told in one line, and begun anew in the same way,
 /// with the old numbers of the other containers as far as they can be read. See
 /// Library::isScanOwed.
-std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers& known,
-                                     const std::function<void(const std::string&)>& report);
+[[nodiscard]] std::unique_ptr<Library>
+openLibrary(const Places& places, const KnownContainers& known,
+            const std::function<void(const std::string&)>& report);
 
 } // namespace manager

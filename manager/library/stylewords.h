@@ -11,6 +11,6 @@ namespace manager {
 /// and width, and fonts call theirs as they like. "Book", "Roman" and "Regular" are all the empty
 /// form; "Oblique" is "italic", "Demi" is "semibold"; the order of words does not count. Words that
 /// are not known stay. Forms begin with "=", which no key of a style name does.
-std::string styleForm(std::string_view styleKey);
+[[nodiscard]] std::string styleForm(std::string_view styleKey);
 
 } // namespace manager

@@ -29,10 +29,10 @@ struct InstanceName {
 };
 
 /// "org.glyphora.AppleEvents1.<SIG>".
-std::string busNameOf(OSType signature);
+[[nodiscard]] std::string busNameOf(OSType signature);
 /// "org.glyphora.AppleEvents1.<SIG>.instance<PID>".
-std::string busNameOf(const InstanceName& instance);
+[[nodiscard]] std::string busNameOf(const InstanceName& instance);
 /// Nothing unless `busName` is exactly what busNameOf makes of some instance.
-std::optional<InstanceName> parseInstanceName(std::string_view busName);
+[[nodiscard]] std::optional<InstanceName> parseInstanceName(std::string_view busName);
 
 } // namespace platform

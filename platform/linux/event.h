@@ -62,7 +62,7 @@ struct Event {
 };
 
 /// Makes an AEDesc own an event.
-OSErr makeEventDesc(Event event, AppleEvent& result);
+[[nodiscard]] OSErr makeEventDesc(Event event, AppleEvent& result);
 /// Null when the descriptor is not an event.
 const Event* eventOf(const AEDesc* desc);
 Event* eventOf(AEDesc* desc);

@@ -9,8 +9,8 @@
 namespace platform {
 
 /// Every byte is valid.
-std::string macRomanToUtf8(std::string_view text);
+[[nodiscard]] std::string macRomanToUtf8(std::string_view text);
 /// Nothing when a character has no place in MacRoman. `text` is valid UTF-8.
-std::optional<std::string> utf8ToMacRoman(const std::string& text);
+[[nodiscard]] std::optional<std::string> utf8ToMacRoman(const std::string& text);
 
 } // namespace platform

@@ -12,11 +12,11 @@ namespace platform {
 
 /// All that the bus lists, by process id and then by signature; about 100 us. Names are claims: ask
 /// isTruthful before believing one. Empty without an answer.
-std::vector<InstanceName> listInstances(const BusConnection& connection);
+[[nodiscard]] std::vector<InstanceName> listInstances(const BusConnection& connection);
 
 /// True when the process that owns the name is the one that the name tells; about 100 us, nothing
 /// for this process itself.
-bool isTruthful(const BusConnection& connection, const InstanceName& instance);
+[[nodiscard]] bool isTruthful(const BusConnection& connection, const InstanceName& instance);
 
 /// Where an event goes.
 struct Peer {
@@ -24,8 +24,8 @@ struct Peer {
     bool isSelf = false;
 };
 /// The owner of the single instance, else the instance with the lowest process id.
-Peer findBySignature(const BusConnection& connection, OSType signature);
+[[nodiscard]] Peer findBySignature(const BusConnection& connection, OSType signature);
 /// Whichever application the process is registered as.
-Peer findByProcessID(const BusConnection& connection, std::int32_t processID);
+[[nodiscard]] Peer findByProcessID(const BusConnection& connection, std::int32_t processID);
 
 } // namespace platform

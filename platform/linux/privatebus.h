@@ -9,6 +9,6 @@ namespace platform {
 
 /// Starts a bus daemon that ends with this process, however this process ends, and returns its
 /// address; nothing, with `reason` set, when that fails.
-std::optional<std::string> startPrivateBus(std::string& reason);
+[[nodiscard]] std::optional<std::string> startPrivateBus(std::string& reason);
 
 } // namespace platform

@@ -31,9 +31,9 @@ inline constexpr const char* errorUnknownMethod = "org.freedesktop.DBus.Error.Un
 inline constexpr const char* errorUnknownObject = "org.freedesktop.DBus.Error.UnknownObject";
 
 /// The body of the call, floating; shares the event's data.
-GVariant* eventBody(const Event& event);
+[[nodiscard]] GVariant* eventBody(const Event& event);
 /// The body of the answer, floating; shares the items' data.
-GVariant* replyBody(const EventItems& items);
+[[nodiscard]] GVariant* replyBody(const EventItems& items);
 
 /// What is wrong with an incoming body: a D-Bus error name (null: nothing) and a sentence.
 struct WireFault {
@@ -41,12 +41,12 @@ struct WireFault {
     std::string text;
 };
 /// Fill `event` from the body of a call or of an answer (null: no body), whose data it then shares.
-WireFault readEvent(GVariant* body, Event& event);
-WireFault readReply(GVariant* body, Event& reply);
+[[nodiscard]] WireFault readEvent(GVariant* body, Event& event);
+[[nodiscard]] WireFault readReply(GVariant* body, Event& reply);
 
 /// The status that AESend reports for an error that came back instead of an answer.
-OSStatus statusOfError(const GError* error);
+[[nodiscard]] OSStatus statusOfError(const GError* error);
 /// The same for a D-Bus error name.
-OSStatus statusOfErrorName(std::string_view name);
+[[nodiscard]] OSStatus statusOfErrorName(std::string_view name);
 
 } // namespace platform

@@ -88,7 +88,7 @@ enum : OSErr {
 /// attributes.
 constexpr Size kAEMaximumEventSize = 64L * 1024 * 1024;
 
-/// [any-thread] Makes an empty (null) descriptor of any storage. Never fails.
+/// [any-thread] Makes `desc` an empty (null) descriptor, whatever its memory held. Never fails.
 void AEInitializeDesc(AEDesc* desc);
 
 /// [any-thread] Makes a descriptor of `size` copied bytes. paramErr: null result, negative size, or

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // This process as an application of the desktop: its signature, and the events that wait for it.
-// The documented services take both from the system's start of an application; here a program says
-// so itself.
+// Other systems take both from the way in which an application is started; here a program registers
+// itself.
 //
 // The [handler-thread] is the one that dispatches pending events. A program that also has a
 // [main-thread], as the host has, dispatches there.

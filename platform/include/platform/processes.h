@@ -26,8 +26,9 @@ struct ProcessInfoRec {
 
 /// [any-thread] Advances `psn` to the next process known on the bus; after the last (or without a
 /// bus) sets it to kNoProcess and returns procNotFound. A walk that begins at kNoProcess asks the
-/// bus anew (about 0.1 ms), any other goes on in the list got then; processes that have ended
-/// since, and names that belong to another process than they say, are passed over. paramErr: null.
+/// bus anew (about 0.1 ms), a later step goes on in the list that it gave; processes that have
+/// ended since, and names that belong to another process than they say, are passed over. paramErr:
+/// null.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
 /// [any-thread] Fills `info`, all of it but the two fields that the caller sets. The name is the
 /// one given at the registration, else the kernel's. procNotFound: `psn` names no process
