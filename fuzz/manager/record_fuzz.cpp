@@ -4,6 +4,7 @@
 #include "fuzz/manager/memoryfile.h"
 #include "manager/activation/setrecord.h"
 #include "manager/library/error.h"
+#include "manager/library/places.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             REQUIRE(place.lexically_normal().parent_path() == "/set");
             REQUIRE(listed.name.find('\0') == std::string::npos && listed.name != ".");
         }
-        manager::writeSetRecordFile(file.path(), *record);
+        manager::writeFile(file.path(), manager::recordText(*record));
         REQUIRE(manager::readSetRecordFile(file.path()) == record);
     } catch (const manager::Error& error) {
         REQUIRE(std::string_view(error.what()).starts_with(file.path() + ": "));
