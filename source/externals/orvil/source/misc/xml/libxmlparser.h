@@ -10,8 +10,6 @@
 #include <memory_resource>
 #include <string>
 
-struct _xmlNode; // NOLINT: the name is libxml2's
-
 namespace Orvil {
 
 class LibXmlNode;
@@ -36,7 +34,7 @@ public:
 private:
     friend class LibXmlNode;
 
-    void createRoot(_xmlNode* root);
+    void createRoot(xmlNode* root);
 
     LibXml::Document document_;            // the parsed document
     LibXml::Document createdDocument_;     // the document of createRootNode
@@ -55,7 +53,7 @@ public:
     /// Adds an empty element to `parent`'s element. `parser` is not null, here and below.
     LibXmlNode(const std::string& name, LibXmlNode* parent,
                const SmartPointer<LibXmlParser>& parser);
-    LibXmlNode(_xmlNode* node, LibXmlNode* parent, const SmartPointer<LibXmlParser>& parser);
+    LibXmlNode(xmlNode* node, LibXmlNode* parent, const SmartPointer<LibXmlParser>& parser);
     LibXmlNode(const LibXmlNode&) = delete;
     LibXmlNode& operator=(const LibXmlNode&) = delete;
     ~LibXmlNode() noexcept override;
@@ -82,20 +80,20 @@ public:
     virtual void setParent(LibXmlNode* parent);
 
     /// libxml2's own node, for what this interface does not offer. Belongs to the document.
-    [[nodiscard]] _xmlNode* getNode() const { return node_; }
+    [[nodiscard]] xmlNode* getNode() const { return node_; }
 
 private:
-    LibXmlNode(_xmlNode* node, LibXmlNode* parent, LibXmlParser& parser) noexcept
+    LibXmlNode(xmlNode* node, LibXmlNode* parent, LibXmlParser& parser) noexcept
         : parser_(&parser), parent_(parent), node_(node) {}
-    LibXmlNode* makeInPool(_xmlNode* node, LibXmlNode* parent) const;
-    _xmlNode* findChild() const;
-    _xmlNode* findNext() const;
+    LibXmlNode* makeInPool(xmlNode* node, LibXmlNode* parent) const;
+    xmlNode* findChild() const;
+    xmlNode* findNext() const;
 
     LibXmlParser* parser_;                     // counted, but not by nodes of the pool
     LibXmlNode* parent_;                       // not owned
     mutable LibXmlNode* firstChild_ = nullptr; // in the pool, made when first asked for
     mutable LibXmlNode* next_ = nullptr;       // likewise
-    _xmlNode* node_;                           // null if the element could not be made
+    xmlNode* node_;                            // null if the element could not be made
 };
 
 } // namespace Orvil
