@@ -5,6 +5,9 @@
 #include "host/core/core.h"
 #include "platform/types.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace host {
 
 /// [main-thread] Registered while it lives.
@@ -18,10 +21,15 @@ public:
     DesktopPresence& operator=(const DesktopPresence&) = delete;
     ~DesktopPresence();
 
-    /// Runs the handlers of all waiting events and says how many there were.
-    std::size_t dispatchEvents();
+    /// Runs the handlers of all waiting events and says how many there were. What a handler throws
+    /// is noted as misbehaviour.
+    std::size_t dispatchEvents() noexcept;
+    /// [main-thread, modal] The same, after waiting up to that many ticks for the first.
+    std::size_t waitForEvents(std::uint32_t ticks) noexcept;
 
 private:
+    std::size_t serve(std::int32_t milliseconds) noexcept;
+
     Core& core_;
     bool registered_ = false;
 };
