@@ -229,7 +229,7 @@ void Dialogs::notifyDialog(Dialog& dialog, ADMNotifierRef handle) {
 
 void Dialogs::defaultNotify(Dialog& dialog, const DialogNotifier& notifier) {
     if (notifier.item == nullptr || notifier.item->kind != ItemKind::PushButton ||
-        &notifier.item->dialog != &dialog || notifier.type != kADMUserChangedNotifier) {
+        notifier.type != kADMUserChangedNotifier) {
         return;
     }
     const std::int32_t id = notifier.item->id;

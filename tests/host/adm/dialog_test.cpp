@@ -234,6 +234,15 @@ TEST_F(ADialog, TimesItselfWhileItRuns) {
     EXPECT_THAT(heard, ElementsAre("aborted"));
 }
 
+TEST_F(ADialog, RoundsTheTimeOfATimerUp) {
+    const ADMDialogRef ref = create();
+    ADMTimerRef timer = nullptr;
+    const auto never = [](ADMDialogRef, ADMTimerRef) { return AIBoolean{0}; };
+    EXPECT_EQ(asOwner([&] { return dialogSuite->CreateTimer(ref, 17, never, nullptr, &timer); }),
+              kNoErr);
+    EXPECT_EQ(dialogs.ticksToNextTimer(), 2U);
+}
+
 TEST_F(ADialog, IsTakenBackFromAPluginThatLeaves) {
     const ADMDialogRef ref = create();
     owner.shutDown();
