@@ -74,34 +74,18 @@ std::string readFile(const std::string& fileName) {
 bool replaceFile(const std::string& fileName, std::string_view bytes) {
     namespace fs = std::filesystem;
     std::error_code error;
-    const fs::file_status old = fs::status(fileName, error);
-    if (old.type() == fs::file_type::none) {
-        return false;
-    }
-    if (fs::exists(old) && !fs::is_regular_file(old)) {
+    if (fs::is_other(fileName, error)) { // a pipe, a device
         return writeBytes(std::fopen(fileName.c_str(), "wbe"), bytes);
     }
-    if (fs::exists(old) && ::access(fileName.c_str(), W_OK) != 0) {
-        return false; // a rename would not ask
-    }
-    fs::path target = fileName;
-    while (fs::is_symlink(target, error)) { // not in a circle: the kernel has followed them
-        target = target.parent_path() / fs::read_symlink(target, error);
-    }
+    const fs::path target = fs::weakly_canonical(fileName, error); // where links lead to
     const fs::path temporary = target.string() + "." + std::to_string(std::random_device()());
-    std::FILE* const file = std::fopen(temporary.c_str(), "wbxe");
-    if (file == nullptr) {
+    if (error || !writeBytes(std::fopen(temporary.c_str(), "wbxe"), bytes)) {
+        fs::remove(temporary, error);
         return false;
     }
-    error.clear();
-    if (fs::exists(old)) { // before there is anything in it to be read
-        fs::permissions(temporary, old.permissions(), error);
-    }
-    if (writeBytes(file, bytes) && !error) {
-        fs::rename(temporary, target, error);
-        if (!error) {
-            return true;
-        }
+    fs::rename(temporary, target, error);
+    if (!error) {
+        return true;
     }
     fs::remove(temporary, error);
     return false;

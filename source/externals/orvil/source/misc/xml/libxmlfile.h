@@ -12,9 +12,9 @@ namespace Orvil::LibXml {
 /// IXmlParser::maximumDocumentSize; then no more than that has been read.
 [[nodiscard]] std::string readFile(const std::string& fileName);
 
-/// Writes a new file beside the old one and puts it in its place; it takes over the old one's mode.
-/// A device or a pipe just gets the bytes. False if it cannot be written: then the old file is as
-/// it was.
+/// Writes a new file beside the old one, flushes it, and puts it in the old one's place, or in that
+/// of what a link leads to. A device or a pipe just gets the bytes. False if it cannot be written:
+/// then the old file is as it was.
 [[nodiscard]] bool replaceFile(const std::string& fileName, std::string_view bytes);
 
 } // namespace Orvil::LibXml
