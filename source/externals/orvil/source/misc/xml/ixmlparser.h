@@ -41,8 +41,8 @@ public:
     virtual void parseString(const std::string& text) = 0;
     /// Null without a document. Owned by the parser.
     [[nodiscard]] virtual IXmlNode* getRootNode() const = 0;
-    /// Writes the document, indented, as UTF-8: a new file takes the old one's place and mode, so
-    /// other hard links keep the old one. What a symbolic link leads to is written. A failure is
+    /// Writes the document, indented, as UTF-8: a new file takes the old one's place, so other hard
+    /// links keep the old one. What a symbolic link leads to is written. A failure is
     /// not reported and leaves the old file.
     virtual void write(const std::string& fileName) const = 0;
     /// Leaves `text` as it is: serialising to memory is the caller's own business.
