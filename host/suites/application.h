@@ -3,6 +3,7 @@
 // to a user does so as its Frontend.
 #pragma once
 
+#include "host/adm/dialogs.h"
 #include "host/core/core.h"
 #include "host/documents/svg/svgreader.h"
 #include "host/suites/fontlist.h"
@@ -29,6 +30,7 @@ public:
     FontList& fonts() noexcept { return fonts_; }
     OpenDocuments& documents() noexcept { return documents_; }
     TextEngine& textEngine() noexcept { return textEngine_; }
+    Dialogs& dialogs() noexcept { return dialogs_; }
 
     /// Loads a plug-in and starts it up. Throws PluginError when it cannot.
     Plugin& loadPlugin(const std::filesystem::path& bundle);
@@ -54,6 +56,7 @@ private:
     OpenDocuments documents_{fonts_};
     Core core_;
     TextEngine textEngine_{core_, documents_};
+    Dialogs dialogs_{core_};
     Published<OpenDocuments> publishedDocuments_{documents_};
     Published<TextEngine> publishedEngine_{textEngine_};
     /// Shuts plug-ins down while everything that they call still lives.

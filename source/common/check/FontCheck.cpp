@@ -4,6 +4,7 @@
 #include "GLYEvent.h"
 #include "GLYLanguageMgr.h"
 #include "GLYNotifyHandler.h"
+#include "GlyphoraDialog.h"
 #include "GlyphoraPlugin.h"
 #include "VexFontSuite.h"
 #include "suitepointers.h"
@@ -12,11 +13,18 @@ namespace {
 
 constexpr std::int32_t cannotLaunchText = 3;
 constexpr std::int32_t badVersionText = 4;
+constexpr std::int32_t missingFontsLayout = 16000;
 constexpr unsigned neededProtocolMajor = 2;
 constexpr unsigned neededProtocolMinor = 0;
 
 void alert(std::int32_t textIndex) {
     sADMBasic->MessageAlert(GLYLanguageMgr::getLanguageMgr()->getString(textIndex).c_str());
+}
+
+/// Whether the user is to decide about what is still missing.
+bool needsDialog(const GLY::GLYFontRequestEvent& request, const VexFontSuite::FontInfos& fonts) {
+    return request.succeeded != 0 && VexFontSuite::getNumMissingFonts(fonts) > 0 &&
+           (request.showWindow != 0 || VexFontSuite::getNumFontsNotInstalled(fonts) > 0);
 }
 
 /// Library changes are listened for while it lives. When start() itself throws, what it has begun
@@ -31,7 +39,7 @@ public:
 
 } // namespace
 
-AIErr GlyphoraPlugin::checkFonts() {
+AIErr GlyphoraPlugin::checkFonts(const AINotifierMessage* message) {
     VexFontSuite::FontInfos fonts;
     const AIErr result = VexFontSuite::getMissingFontInfos(fonts);
     if (VexFontSuite::getNumMissingFonts(fonts) == 0) {
@@ -60,6 +68,12 @@ AIErr GlyphoraPlugin::checkFonts() {
     {
         const ListeningScope listening;
         request = VexFontSuite::requestFonts(fonts); // the answer updates the shared records
+        if (needsDialog(request, fonts)) {
+            GlyphoraDialog dialog;
+            dialog.setFontData(fonts);
+            dialog.Modal(message->d.self, "Glyphora", missingFontsLayout, kADMModalDialogStyle, 0);
+            fonts.clear();
+        }
     }
     return result;
 }

@@ -144,7 +144,7 @@ AIErr GlyphoraPlugin::Notify(AINotifierMessage* message) {
         return kNoErr;
     }
     try {
-        return checkFonts();
+        return checkFonts(message);
     } catch (const std::exception& failure) {
         std::printf("ERROR:%s\n", failure.what());
         throw;

@@ -55,7 +55,7 @@ protected:
 private:
     GlyphoraPlugin(State&& state, CheckState&& check) noexcept;
 
-    AIErr checkFonts();
+    AIErr checkFonts(const AINotifierMessage* message);
     void restoreNotifiers();
     void restoreTimer();
 };

@@ -13,7 +13,7 @@ using TextMeasure = std::function<std::int32_t(std::string_view text)>;
 
 /// The lines of `text`, at least one, each as long as fits into `width`. Lines end at line feeds
 /// and at blanks, which go; a word that is too wide alone is broken between characters. A line has
-/// one character at least, however wide. Measures a few times the text's length in all.
+/// one character at least, however wide. The time grows with the text's length.
 [[nodiscard]] std::vector<std::string> wrapText(std::string_view text, float width,
                                                 const TextMeasure& measure);
 

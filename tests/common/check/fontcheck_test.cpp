@@ -75,6 +75,46 @@ TEST_F(AFontCheck, AsksForTheMissingFontsWhileItListens) {
     EXPECT_THAT(host.messageAlerts, IsEmpty());
 }
 
+TEST_F(AFontCheck, OpensTheDialogForWhatIsStillMissing) {
+    struct Case {
+        const char* what;
+        const char* font; ///< what is answered of it
+        const char* showWindow;
+        bool opens;
+        bool usesPresent = false; ///< which the font manager is not asked about
+    };
+    const Case cases[] = {
+        {"unknown", "<count>0</count>", "0", true},
+        {"unknown, asked for", "<count>0</count>", "1", true},
+        {"known", "<count>1</count>", "0", false},
+        {"known, and a present one", "<count>1</count>", "0", true, true},
+        {"known, asked for", "<count>1</count>", "1", true},
+        {"activated, asked for", "<count>1</count><isActive>1</isActive>", "1", false},
+        {"active and unknown, asked for", "<count>0</count><isActive>1</isActive>", "1", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        host.dialogs.clear();
+        host.layers.clear();
+        AIArt& group = host.addLayer();
+        group.addText({{missing}});
+        if (c.usesPresent) {
+            group.addText({{present}});
+        }
+        platform.answers = {
+            scripted::textAnswer(reply("2.0")),
+            scripted::textAnswer(
+                reply("2.0", std::string("<font><syncID>Missing-Bold-Bold</syncID>") + c.font +
+                                 "</font><showWindow>" + c.showWindow + "</showWindow>\n"))};
+        EXPECT_EQ(openDocument(), kNoErr);
+        if (c.opens) {
+            EXPECT_THAT(host.dialogs, ElementsAre(std::pair("Glyphora", 16000)));
+        } else {
+            EXPECT_THAT(host.dialogs, IsEmpty());
+        }
+    }
+}
+
 TEST_F(AFontCheck, StartsAnewWithEveryDocument) {
     openDocument();
     platform.answers.push_back(scripted::textAnswer(reply("2.0")));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Alerts, texts and the locale of the scripted host.
+// Alerts, dialogs, texts and the locale of the scripted host.
 #include "tests/support/scriptedhost/scriptedhost.h"
 
 #include <cstring>
@@ -43,5 +43,19 @@ const ADMHostSuite admHostTable = {
         return error;
     },
 };
+
+const ADMDialogSuite admDialogTable = [] {
+    ADMDialogSuite table{};
+    table.Create = [](SPPluginRef plugin, const char* name, std::int32_t layoutID,
+                      std::int32_t style, ADMDialogInitProc, void*, std::int32_t options,
+                      ADMDialogRef*) -> ADMErr {
+        Host& host = Host::current();
+        if (plugin == &host.plugin && style == kADMModalDialogStyle && options == 0) {
+            host.dialogs.emplace_back(name, layoutID);
+        }
+        return kBadParameterErr;
+    };
+    return table;
+}();
 
 } // namespace scripted

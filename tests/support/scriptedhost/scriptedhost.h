@@ -3,6 +3,7 @@
 // so, and show the small document that the test has built.
 #pragma once
 
+#include "adm/dialogsuites.h"
 #include "adm/suites.h"
 #include "ai/messages.h"
 #include "ai/suites.h"
@@ -122,6 +123,7 @@ public:
     std::vector<std::string> errorAlerts;
     std::vector<std::string> messageAlerts;
     std::vector<std::pair<std::string, std::string>> aboutBoxes;
+    std::vector<std::pair<std::string, std::int32_t>> dialogs; ///< name and layout; all are refused
     std::string locale = "en_US";
     std::map<std::int32_t, std::map<std::int32_t, std::string>> strings;
 
@@ -180,6 +182,7 @@ void copyText(const std::string& text, char* buffer, std::int32_t size);
     X(AIFontSuite, fontTable)                                                                      \
     X(ADMBasicSuite, admBasicTable)                                                                \
     X(ADMHostSuite, admHostTable)                                                                  \
+    X(ADMDialogSuite, admDialogTable)                                                              \
     X(ATE::TextFrameSuite, ateTextFrameTable)                                                      \
     X(ATE::TextRangeSuite, ateTextRangeTable)                                                      \
     X(ATE::TextRunsIteratorSuite, ateRunsTable)                                                    \

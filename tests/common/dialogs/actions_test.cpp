@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+// What the buttons and a double click send, and what a replacement does.
+#include "dialogfixture.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+/// A font of a command as "PSNAME CONTAINER", fonts divided by commas.
+std::string fontsOf(const std::string& command) {
+    std::string result;
+    std::size_t at = 0;
+    const auto element = [&](const std::string& font, const std::string& name) {
+        const std::size_t begin = font.find("<" + name + ">");
+        return begin == std::string::npos
+                   ? std::string()
+                   : font.substr(begin + name.size() + 2,
+                                 font.find("</" + name + ">") - begin - name.size() - 2);
+    };
+    while ((at = command.find("<font>", at)) != std::string::npos) {
+        const std::size_t end = command.find("</font>", at);
+        const std::string font = command.substr(at, end - at);
+        const std::string container = element(font, "containerID");
+        result += (result.empty() ? "" : ", ") + element(font, "psName") +
+                  (container.empty() ? "" : " " + container);
+        at = end;
+    }
+    return result;
+}
+
+class TheActions : public ADialog {
+protected:
+    TheActions() {
+        answer({{"Aa", 1, false, {}, "TT", "11"},
+                {"Bb", 1, false, {}, "TT", "12"},
+                {"Cc", 2, false, {"21", "22"}, "TT", "13"}});
+    }
+};
+
+TEST_F(TheActions, SendTheirRequests) {
+    using Names = std::vector<std::string>;
+    struct Case {
+        Names selected;
+        DialogItem button;
+        const char* command;
+        const char* fonts;
+    };
+    const Case cases[] = {
+        {{"Aa"}, showButton, "showRequest", "Aa-Regular"},
+        {{"Bb", "Cc 1"}, showButton, "showRequest", "Bb-Regular, Cc-Regular 22"},
+        {{"Bb"}, buyButton, "buyRequest", "Bb-Regular"},
+        {{"Cc 0"}, buyButton, "buyRequest", "Cc-Regular"},
+        {{}, activateButton, "activationRequest", "Aa-Regular 11, Bb-Regular 12, Cc-Regular 13"},
+        {{"Aa", "Cc 1"}, activateButton, "activationRequest", "Aa-Regular 11, Cc-Regular 22"},
+    };
+    run([&](host::Dialog& dialog) {
+        sent();
+        for (const Case& c : cases) {
+            SCOPED_TRACE(std::string(c.command) + " " + c.fonts);
+            select(dialog, c.selected);
+            for (const auto& info : fonts) {
+                info->chosenContainer = "99";
+            }
+            platform.answers[0].effect = [] {
+                EXPECT_EQ(ThreadEndCritical(), noErr) << "within the critical section";
+                ThreadBeginCritical();
+            };
+            press(dialog, c.button);
+            platform.answers[0].effect = {};
+            const std::vector<std::string> commands = sent();
+            ASSERT_EQ(commands.size(), 1U);
+            EXPECT_THAT(commands[0], testing::StartsWith("<cmd>" + std::string(c.command)));
+            if (c.button != buyButton) {
+                EXPECT_EQ(fontsOf(commands[0]), c.fonts);
+            } else {
+                EXPECT_THAT(commands[0], HasSubstr(c.fonts));
+            }
+            EXPECT_TRUE(item(dialog, fontListItem).tree->selected().empty()) << "rows are new";
+        }
+        EXPECT_EQ(fonts[0]->chosenContainer, "11");
+    });
+}
+
+TEST_F(TheActions, ChooseAnyContainerForAllFonts) {
+    run([&](host::Dialog& dialog) {
+        press(dialog, activateButton);
+        for (const auto& info : fonts) {
+            EXPECT_EQ(info->chosenContainer, info->font.isActive ? "" : "-1");
+        }
+    });
+}
+
+TEST_F(TheActions, ShowWhatIsDoubleClicked) {
+    run([&](host::Dialog& dialog) {
+        const std::pair<const char*, const char*> cases[] = {{"Aa", "Aa-Regular"},
+                                                             {"Cc 0", "Cc-Regular 21"}};
+        sent();
+        for (const auto& [name, expected] : cases) {
+            dialogs.click(row(dialog, name), false);
+            EXPECT_THAT(sent(), IsEmpty());
+            dialogs.click(row(dialog, name), true);
+            const std::vector<std::string> commands = sent();
+            ASSERT_EQ(commands.size(), 1U);
+            EXPECT_THAT(commands[0], HasSubstr("showRequest"));
+            EXPECT_EQ(fontsOf(commands[0]), expected);
+        }
+        EXPECT_EQ(fonts[0]->chosenContainer, "-1");
+        EXPECT_EQ(item(dialog, fontListItem).tree->mask, 0x80000004);
+        EXPECT_EQ(dialog.mask, 0x80000000);
+    });
+}
+
+TEST_F(TheActions, LeaveTheTrackingToTheHostFirst) {
+    static int tracked = 0;
+    struct Hooked : GlyphoraDialog {
+        ADMErr Init() override {
+            ADMHierarchyListRef list = nullptr;
+            sADMItem->GetHierarchyList(GetItem(fontListItem), &list);
+            sADMHierarchyList->SetTrackProc(list, [](ADMListEntryRef, ADMTrackerRef) {
+                ++tracked;
+                return AIBoolean{1};
+            });
+            return GlyphoraDialog::Init();
+        }
+    } glyphora;
+    run(glyphora, [&](host::Dialog& dialog) {
+        dialogs.click(row(dialog, "Aa"), false);
+        EXPECT_EQ(tracked, 1);
+    });
+}
+
+class TheReplacements : public TheActions {};
+
+TEST_F(TheReplacements, AreMadeByOkAndNotByCancel) {
+    for (const std::int32_t button : {kADMCancelItemID, kADMOKItemID}) {
+        for (const auto& info : fonts) {
+            info->replaced = 0;
+        }
+        EXPECT_EQ(run([&](host::Dialog& dialog) {
+                      select(dialog, {"Aa", "Cc"});
+                      replaceBy(dialog, 1);
+                      EXPECT_EQ(row(dialog, "Cc").children, nullptr);
+                      EXPECT_EQ(infoOf(row(dialog, "Aa")).replaced, 1);
+                      EXPECT_EQ(infoOf(row(dialog, "Bb")).replaced, 0);
+                      EXPECT_THAT(documentFamilies(), ElementsAre("Aa", "Bb", "Cc", "Present"));
+                      sent();
+                      press(dialog, activateButton);
+                      EXPECT_EQ(fontsOf(sent().at(0)), "Bb-Regular 12") << "the others are settled";
+                      press(dialog, button);
+                  }),
+                  button);
+    }
+    EXPECT_THAT(documentFamilies(), ElementsAre("Spare", "Bb", "Spare", "Present"));
+}
+
+TEST_F(TheReplacements, AreNoneWhenNothingIsChosen) {
+    run([&](host::Dialog& dialog) {
+        select(dialog, {"Aa"});
+        expect([&](host::Dialog& inner) { press(inner, kADMOKItemID); });
+        press(dialog, replaceButton);
+        EXPECT_EQ(fonts[0]->replaced, 0);
+        press(dialog, kADMOKItemID);
+    });
+    EXPECT_THAT(documentFamilies(), ElementsAre("Aa", "Bb", "Cc", "Present"));
+}
+
+TEST_F(TheReplacements, AreAgainTheLastChoiceWhenAnotherIsCancelled) {
+    run([&](host::Dialog& dialog) {
+        select(dialog, {"Aa"});
+        replaceBy(dialog, 1);
+        select(dialog, {"Bb"});
+        expect([](host::Dialog&) {});
+        press(dialog, replaceButton);
+        press(dialog, kADMOKItemID);
+    });
+    EXPECT_THAT(documentFamilies(), ElementsAre("Spare", "Spare", "Cc", "Present"));
+}
+
+} // namespace
