@@ -52,6 +52,8 @@ const Case cases[] = {
      "<text style='font-family:\"New Sans\";a:b'>a</text>"},
     {"TheLastOfSeveralDeclarations", "<text style='font-family:X;font-family:Old'>a</text>", "Old",
      "<text style='font-family:X;font-family:New Sans'>a</text>"},
+    {"ImportantShorthand", "<text style='font:bold 1px Old!important'>a</text>", "Old",
+     "<text style='font:bold 1px New Sans!important;font-weight:normal !important'>a</text>"},
     {"ImportantDeclaration", "<text style='font-family:Old!important;font-family:X'>a</text>",
      "Old", "<text style='font-family:New Sans!important;font-family:X'>a</text>"},
     {"EntitiesAtTheEndOfAStyle",

@@ -54,6 +54,12 @@ const Case cases[] = {
      "</flowPara><flowPara>a"
      "<flowSpan font-weight='bold'>b</flowSpan></flowPara>\n<flowPara>c</flowPara></flowRoot>",
      "A/Regular:a|A/Bold:b|A/Regular:\nc"},
+    {"NoBlankBeginsALine",
+     "<text font-family='A'><tspan sodi:role='line'>a</tspan><tspan sodi:role='line'> b</tspan>"
+     "</text>",
+     "A/Regular:a\nb"},
+    {"ALineEndIsOneCharacter", "<text font-family='A' xml:space='preserve'>a\r\nb\rc</text>",
+     "A/Regular:a b c"},
     {"LinesOfADrawingProgram",
      "<text font-family='A'><tspan sodi:role='line'>a </tspan><tspan sodi:role='line'>b</tspan>"
      "</text>",
@@ -189,15 +195,14 @@ TEST(ADrawing, ShowsTheAlternativeInTheUsersLanguage) {
     const struct {
         const char* language;
         const char* runs;
-    } alternatives[] = {{"de_AT", "<sans-serif>/Regular:de"},
-                        {"pt_BR", "<sans-serif>/Regular:br"},
-                        {"pt_PT", "<sans-serif>/Regular:pt"},
-                        {"en", "<sans-serif>/Regular:gb"},
-                        {"ja_JP", "<sans-serif>/Regular:?"}};
+    } alternatives[] = {{"de_AT", "<sans-serif>/Regular:de"}, {"pt_BR", "<sans-serif>/Regular:br"},
+                        {"pt_PT", "<sans-serif>/Regular:pt"}, {"en", "<sans-serif>/Regular:gb"},
+                        {"ja_JP", "<sans-serif>/Regular:?"},  {"", "<sans-serif>/Regular:?"}};
     for (const auto& c : alternatives) {
         SvgOptions options;
         options.language = c.language;
-        EXPECT_EQ(visibleRuns(read("<switch><text systemLanguage='DE'>de</text><text "
+        EXPECT_EQ(visibleRuns(read("<switch><text systemLanguage=''>none</text><text "
+                                   "systemLanguage='DE'>de</text><text "
                                    "systemLanguage='fr,pt-br'>br</text><text systemLanguage='pt'>pt"
                                    "</text><text systemLanguage='en-GB'>gb</text><text>?</text>"
                                    "</switch>",

@@ -28,6 +28,8 @@ const Case cases[] = {
      "Foo/SemiBold:a"},
     {"AttributeYieldsToRule", "<style>*{font-family:Bar}</style><text font-family='Foo'>a</text>",
      "Bar/Regular:a"},
+    {"ASlantWithItsAngle", "<text style='font:oblique 10deg bold 12px Foo'>a</text>",
+     "Foo/Bold Oblique:a"},
     {"RuleYieldsToStyle",
      "<style>text{font-family:Bar}</style><text style='font-family:Foo'>a</text>", "Foo/Regular:a"},
     {"ImportantRuleBeatsStyle",
