@@ -58,8 +58,6 @@ const Case cases[] = {
      "<text font-family='A'><tspan sodi:role='line'>a</tspan><tspan sodi:role='line'> b</tspan>"
      "</text>",
      "A/Regular:a\nb"},
-    {"ALineEndIsOneCharacter", "<text font-family='A' xml:space='preserve'>a\r\nb\rc</text>",
-     "A/Regular:a b c"},
     {"LinesOfADrawingProgram",
      "<text font-family='A'><tspan sodi:role='line'>a </tspan><tspan sodi:role='line'>b</tspan>"
      "</text>",
