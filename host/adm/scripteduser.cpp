@@ -232,12 +232,19 @@ void ScriptedUser::ended(Dialog& dialog) {
         wait_.reset();
         ++next_;
     }
-    while (running_.empty() && next_ < answers_.size() && isWait(answers_[next_])) {
+    if (running_.empty()) {
+        passWaits();
+    }
+}
+
+void ScriptedUser::passWaits() {
+    while (next_ < answers_.size() && isWait(answers_[next_])) {
         ++next_;
     }
 }
 
 void ScriptedUser::finish() {
+    passWaits();
     if (!failed_ && next_ < answers_.size()) {
         fail(answers_[next_], "no dialog was shown for this");
     }

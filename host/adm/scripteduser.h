@@ -49,7 +49,8 @@ public:
     std::uint32_t act(Dialog& dialog) override;
     void ended(Dialog& dialog) override;
 
-    /// No more dialogs will come: a command that is left is reported as an error.
+    /// No more dialogs will come: a command that is left, other than a wait, is reported as an
+    /// error.
     void finish();
     bool failed() const noexcept { return failed_; }
     /// The dialogs that began to run since the last call; none runs now.
@@ -63,6 +64,7 @@ private:
     };
 
     std::uint32_t wait(Dialog& dialog, const Answer& answer);
+    void passWaits();
     void fail(const Answer& answer, const std::string& problem);
     void giveUp(Dialog& dialog);
 

@@ -30,6 +30,24 @@ Json jsonOfFace(const FaceOutcome& face) {
             {"runsNow", face.runsNow}};
 }
 
+Json jsonOfDialog(const ShownDialog& dialog) {
+    return {{"plugin", dialog.plugin},
+            {"title", dialog.title},
+            {"rows", listOf(dialog.rows,
+                            [](const ShownDialog::Row& row) {
+                                return Json{{"level", row.level}, {"words", row.words}};
+                            })},
+            {"buttons", listOf(dialog.buttons,
+                               [](const ShownDialog::Button& button) {
+                                   return Json{{"item", button.item},
+                                               {"text", button.text},
+                                               {"enabled", button.enabled}};
+                               })},
+            {"endedBy", dialog.ending.item},
+            {"cancelled", dialog.ending.cancelled},
+            {"givenUp", dialog.givenUp}};
+}
+
 Json jsonOfDocument(const DocumentReport& document) {
     Json json{{"file", document.file}, {"opened", document.opened}};
     if (!document.error.empty()) {
@@ -39,6 +57,8 @@ Json jsonOfDocument(const DocumentReport& document) {
         return json;
     }
     json["closedByPlugin"] = document.closedByPlugin;
+    json["checkFailed"] = document.checkFailed;
+    json["dialogs"] = listOf(document.dialogs, jsonOfDialog);
     json["missesFonts"] = document.missesFonts();
     json["faces"] = listOf(document.faces, jsonOfFace);
     if (!document.savedAs.empty()) {
@@ -64,6 +84,7 @@ std::string jsonOf(const RunReport& report) {
     const Json json{
         {"plugin", report.plugin.empty() ? Json() : Json(report.plugin)},
         {"pluginFailed", report.pluginFailed},
+        {"answersFailed", report.answersFailed},
         {"fonts", report.fonts},
         {"documents", listOf(report.documents, jsonOfDocument)},
         {"alerts", listOf(report.alerts, jsonOfAlert)},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// glyphora-host: opens drawings in a host without windows.
+// glyphora-host: opens drawings.
 #include "host/cli/exitstatus.h"
 #include "host/cli/options.h"
 #include "host/cli/session.h"
@@ -14,8 +14,8 @@ namespace {
 int run(host::Options options, host::Session::Clock::time_point start) {
     const bool json = options.report == host::ReportFormat::Json;
     // A reader of the report must not stumble over what plug-ins print.
-    const host::ReservedOutput output(options.quiet ? host::Chatter::Dropped
-                                                    : host::Chatter::ToStandardError);
+    const host::ReservedOutput output(options.verbose ? host::Chatter::ToStandardError
+                                                      : host::Chatter::Dropped);
     if (options.save) {
         options.saveThrough = output.redirected(*options.save);
     }

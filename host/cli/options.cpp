@@ -22,7 +22,8 @@ void declareShared(CLI::App& app, Options& options) {
                    "environment)")
         ->type_name("CODE");
     app.add_flag("-q,--quiet", options.quiet, "Print only what went wrong");
-    app.add_flag("-v,--verbose", options.verbose, "Print also which suite calls were made")
+    app.add_flag("-v,--verbose", options.verbose,
+                 "Print also which suite calls were made, and what the plug-in prints")
         ->excludes("--quiet");
     app.add_option("--misbehave", options.misbehave,
                    "Fail on purpose, to try a plug-in out: missing-suite=NAME:VERSION or "
@@ -50,6 +51,11 @@ void declareOpen(CLI::App& app, Options& options) {
                  "Show groups to the plug-in as they stand (it looks at the topmost only)");
     app.add_flag("--fail-on-missing", options.failOnMissing,
                  "Exit with 1 when a drawing still misses fonts");
+    app.add_flag("--headless", options.headless,
+                 "Show no windows: dialogs are told of in the report, and given up");
+    app.add_option("--answers", options.answers,
+                   "Answer dialogs by this script, a command a line (see the manual page)")
+        ->type_name("FILE");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // What a run came to, and its two written forms.
 #pragma once
 
+#include "host/adm/scripteduser.h"
 #include "host/core/callsite.h"
 #include "host/core/frontend.h"
 #include "host/core/ledger.h"
@@ -26,6 +27,9 @@ struct DocumentReport {
     bool closedByPlugin = false; ///< faces are then those before
     std::string error;           ///< why it could not be opened or saved, else empty
     std::vector<FaceOutcome> faces;
+    /// Those that plug-ins have shown while they looked at it, or since the document before.
+    std::vector<ShownDialog> dialogs;
+    bool checkFailed = false; ///< a plug-in answered the document-opened notification with an error
     std::string savedAs;
     DocumentTimings timings;
 
@@ -35,7 +39,8 @@ struct DocumentReport {
 struct RunReport {
     std::string plugin; ///< its name; empty: none
     bool pluginFailed = false;
-    std::size_t fonts = 0; ///< that the desktop offered at the start
+    bool answersFailed = false; ///< a dialog could not be answered as the script wants it
+    std::size_t fonts = 0;      ///< that the desktop offered at the start
     std::vector<DocumentReport> documents;
     std::vector<Alert> alerts;
     std::vector<std::string> errors;
@@ -48,7 +53,7 @@ struct RunReport {
     [[nodiscard]] int exitStatus(bool failOnMissing) const;
 };
 
-/// A table of one document's faces.
+/// A table of one document's faces, and the dialogs that came.
 [[nodiscard]] std::string textOfDocument(const DocumentReport& document);
 /// One line on what was loaded.
 [[nodiscard]] std::string textOfSelfTest(const RunReport& report);

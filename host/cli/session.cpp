@@ -22,6 +22,14 @@ ApplicationOptions applicationOptions(const Options& options) {
     return result;
 }
 
+std::vector<Answer> answersOf(const Options& options) {
+    try {
+        return options.answers ? readAnswers(*options.answers) : std::vector<Answer>{};
+    } catch (const AnswersError& problem) {
+        throw UsageError(problem.what());
+    }
+}
+
 /// Closes a document that a plug-in may have closed already, whatever way its showing ends.
 class CloseAtEnd {
 public:
@@ -44,7 +52,16 @@ double milliseconds(Session::Clock::duration duration) {
 
 Session::Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start)
     : options_(options), frontend_(frontend), start_(start),
-      application_(frontend, applicationOptions(options)) {}
+      application_(frontend, applicationOptions(options)),
+      user_(application_.dialogs(), answersOf(options), ScriptedUser::AtEnd::GiveUp),
+      view_(application_.dialogs(), user_,
+            [this](std::uint32_t ticks) { desktop_->waitForEvents(ticks); }) {
+    application_.dialogs().setView(&view_);
+}
+
+Session::~Session() {
+    application_.dialogs().setView(nullptr); // plug-ins are shut down after the view has gone
+}
 
 RunReport Session::run(const Progress& progress) {
     for (const std::string& fault : options_.misbehave) {
@@ -70,6 +87,8 @@ RunReport Session::run(const Progress& progress) {
         idle();
     }
     application_.shutDownPlugins();
+    user_.finish();
+    report_.answersFailed = user_.failed();
     desktop_.reset();
     report_.alerts = frontend_.alerts();
     report_.errors = frontend_.errors();
@@ -147,7 +166,8 @@ void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
     const FaceSurvey survey(document, application_.fonts());
     report.faces = survey.asTaken();
     const Clock::time_point begin = Clock::now();
-    application_.announceOpened();
+    report.checkFailed = application_.announceOpened() != kNoErr;
+    report.dialogs = user_.takeShown();
     report.timings.plugins = milliseconds(Clock::now() - begin);
     if (plugin_ != nullptr) {
         application_.refreshFonts();

@@ -2,6 +2,8 @@
 // One run of the program: start-up, each drawing in turn, shut-down.
 #pragma once
 
+#include "host/adm/headlessview.h"
+#include "host/adm/scripteduser.h"
 #include "host/cli/consolefrontend.h"
 #include "host/cli/options.h"
 #include "host/cli/report.h"
@@ -29,7 +31,11 @@ public:
     using Progress = std::function<void(const DocumentReport&)>;
 
     /// `options` and `frontend` outlive the session; `start` is when the program was started.
+    /// Throws UsageError when the answers to dialogs cannot be read.
     Session(const Options& options, ConsoleFrontend& frontend, Clock::time_point start);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
 
     /// What goes wrong with documents and plug-ins is in the report. Throws UsageError when a fault
     /// cannot be built in.
@@ -50,6 +56,8 @@ private:
     Clock::time_point start_;
     RunReport report_;
     Application application_;
+    ScriptedUser user_;
+    HeadlessView view_;
     std::unique_ptr<DesktopPresence> desktop_;
     Plugin* plugin_ = nullptr;
 };

@@ -84,6 +84,29 @@ std::string tableOf(const std::vector<Line>& lines) {
     return text;
 }
 
+std::string endOf(const ShownDialog& dialog) {
+    return dialog.givenUp ? "given up" : "ended by item " + std::to_string(dialog.ending.item);
+}
+
+std::string textOfDialog(const ShownDialog& dialog) {
+    constexpr std::size_t mostRows = 50;
+    std::string text =
+        "  dialog \"" + printable(dialog.title) + "\", " + endOf(dialog) + "; it had shown\n";
+    const std::size_t count = std::min(dialog.rows.size(), mostRows);
+    for (std::size_t i = 0; i < count; ++i) {
+        text.append(4 + 2 * std::size_t{dialog.rows[i].level}, ' ');
+        text += printable(dialog.rows[i].words) + '\n';
+    }
+    if (count < dialog.rows.size()) {
+        text += "    and " + std::to_string(dialog.rows.size() - count) + " more rows\n";
+    }
+    for (const ShownDialog::Button& button : dialog.buttons) {
+        text += "    button " + std::to_string(button.item) + ": " + printable(button.text) +
+                (button.enabled ? "\n" : " (disabled)\n");
+    }
+    return text;
+}
+
 } // namespace
 
 bool DocumentReport::missesFonts() const {
@@ -92,7 +115,12 @@ bool DocumentReport::missesFonts() const {
 }
 
 int RunReport::exitStatus(bool failOnMissing) const {
-    if (pluginFailed) {
+    if (answersFailed) {
+        return exitAnswersFailed;
+    }
+    if (pluginFailed ||
+        std::any_of(documents.begin(), documents.end(),
+                    [](const DocumentReport& document) { return document.checkFailed; })) {
         return exitPluginFailed;
     }
     if (std::any_of(documents.begin(), documents.end(),
@@ -109,15 +137,15 @@ std::string textOfDocument(const DocumentReport& document) {
     if (!document.opened) {
         return {};
     }
-    std::string text = printable(document.file) + "\n";
-    if (document.faces.empty()) {
-        return text + "  no text\n";
-    }
     std::vector<Line> lines{{"face", "PostScript name", "before", "after", "runs"}};
     std::transform(document.faces.begin(), document.faces.end(), std::back_inserter(lines), lineOf);
-    text += tableOf(lines);
+    std::string text = printable(document.file) + "\n";
+    text += document.faces.empty() ? "  no text\n" : tableOf(lines);
     if (document.closedByPlugin) {
         text += "  (closed by the plug-in; states are those before)\n";
+    }
+    for (const ShownDialog& dialog : document.dialogs) {
+        text += textOfDialog(dialog);
     }
     if (!document.savedAs.empty()) {
         text += "  saved as " + printable(document.savedAs) + "\n";

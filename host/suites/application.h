@@ -55,6 +55,7 @@ private:
     FontList fonts_;
     OpenDocuments documents_{fonts_};
     Core core_;
+    Dialogs dialogs_{core_};
     TextEngine textEngine_{core_, documents_};
     Dialogs dialogs_{core_};
     Published<OpenDocuments> publishedDocuments_{documents_};

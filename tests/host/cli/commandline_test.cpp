@@ -62,9 +62,9 @@ protected:
 };
 
 TEST_F(ACommandLine, IsReadInAnyOrder) {
-    const auto options =
-        read({"open", "--reload", "a.svg", "--plugin", "p.aip", "b.svg", "--report", "json",
-              "--misbehave", "failing-call=AddTimer", "c.svg", "--locale", "de_DE"});
+    const auto options = read({"open", "--reload", "a.svg", "--plugin", "p.aip", "b.svg",
+                               "--report", "json", "--misbehave", "failing-call=AddTimer", "c.svg",
+                               "--locale", "de_DE", "--headless", "--answers", "a"});
     ASSERT_TRUE(options) << errors.str();
     EXPECT_THAT(options->files, ElementsAre("a.svg", "b.svg", "c.svg"));
     EXPECT_EQ(options->plugin, "p.aip");
@@ -73,6 +73,8 @@ TEST_F(ACommandLine, IsReadInAnyOrder) {
     EXPECT_THAT(options->misbehave, ElementsAre("failing-call=AddTimer"));
     EXPECT_TRUE(options->reload);
     EXPECT_FALSE(options->keepGroups);
+    EXPECT_TRUE(options->headless);
+    EXPECT_EQ(options->answers, "a");
 }
 
 TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {

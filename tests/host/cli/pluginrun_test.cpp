@@ -56,15 +56,27 @@ TEST_F(ARun, ReportsInJson) {
 TEST_F(ARun, KeepsWhatThePluginPrintsOutOfTheReport) {
     letMisbehave("chatter");
     const std::string drawing = goodDrawing();
-    const ProgramResult asJson =
-        run({"open", "--report", "json", "--plugin", bundle("misbehaving"), drawing});
-    EXPECT_TRUE(json::accept(asJson.output)) << asJson.output;
-    EXPECT_THAT(asJson.errors, HasSubstr("chatter of the plug-in"));
-    const ProgramResult asText = run({"open", "--plugin", bundle("misbehaving"), drawing});
-    EXPECT_THAT(asText.output, testing::Not(HasSubstr("chatter of the plug-in")));
-    EXPECT_THAT(asText.errors, HasSubstr("chatter of the plug-in"));
-    const ProgramResult quiet = run({"open", "-q", "--plugin", bundle("misbehaving"), drawing});
-    EXPECT_THAT(quiet.output + quiet.errors, testing::Not(HasSubstr("chatter")));
+    const ProgramResult verbose =
+        run({"open", "-v", "--report", "json", "--plugin", bundle("misbehaving"), drawing});
+    EXPECT_TRUE(json::accept(verbose.output)) << verbose.output;
+    EXPECT_THAT(verbose.errors, HasSubstr("chatter of the plug-in"));
+    const ProgramResult plain = run({"open", "--plugin", bundle("misbehaving"), drawing});
+    EXPECT_THAT(plain.output + plain.errors, Not(HasSubstr("chatter")));
+}
+
+TEST_F(ARun, SaysWhichAnswersCouldNotBeGiven) {
+    const auto answered = [&](const std::string& script) {
+        return run({"open", "--plugin", bundle("wellbehaved"), "--answers",
+                    write("answers", script), goodDrawing()});
+    };
+    const std::string script = folder / "answers";
+    const ProgramResult wrong = answered("# one\npress two");
+    EXPECT_EQ(wrong.status, 64);
+    EXPECT_THAT(wrong.errors, HasSubstr("error: " + script + ":2: press: a number"));
+    const ProgramResult unasked = answered("press 1");
+    EXPECT_EQ(unasked.status, 4);
+    EXPECT_THAT(unasked.errors, HasSubstr("error: " + script + ":1: no dialog was shown"));
+    EXPECT_EQ(answered("wait for end").status, 0) << "that has come";
 }
 
 TEST_F(ARun, GoesOnWithoutAPluginThatCannotBeLoaded) {
@@ -100,12 +112,13 @@ TEST_F(ARun, TellsMisbehaviourApartFromErrors) {
     letMisbehave("thrown number");
     const ProgramResult result = run({"open", "--report", "json", "--plugin", bundle("misbehaving"),
                                       goodDrawing("a.svg"), goodDrawing("b.svg")});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 3);
     EXPECT_THAT(result.errors, HasSubstr("the plug-in misbehaves: misbehaving threw the number"));
     const json report = json::parse(result.output);
     ASSERT_EQ(report["misbehaviour"].size(), 1U);
     EXPECT_EQ(report["misbehaviour"][0]["times"], 2);
     EXPECT_EQ(report["errors"].size(), 2U);
+    EXPECT_EQ(report["documents"][1]["checkFailed"], true);
 }
 
 TEST_F(ARun, FailsForMissingFontsOnlyWhenAskedTo) {

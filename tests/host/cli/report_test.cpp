@@ -42,8 +42,13 @@ TEST(AReport, HasOneExitStatusOfSeveralReasons) {
     EXPECT_EQ(report.exitStatus(false), exitSuccess);
     report.documents[0].error = "e";
     EXPECT_EQ(report.exitStatus(true), exitDocumentFailed);
+    report.documents[1].checkFailed = true;
+    EXPECT_EQ(report.exitStatus(true), exitPluginFailed);
+    report.documents[1].checkFailed = false;
     report.pluginFailed = true;
     EXPECT_EQ(report.exitStatus(true), exitPluginFailed);
+    report.answersFailed = true;
+    EXPECT_EQ(report.exitStatus(true), exitAnswersFailed);
 }
 
 TEST(AReport, IsATableWithAlignedColumns) {
@@ -67,6 +72,35 @@ TEST(AReport, IsATableWithAlignedColumns) {
     EXPECT_THAT(textOfDocument(oddNames), testing::StartsWith("d?[2J?.svg\n"));
     EXPECT_THAT(textOfDocument(oddNames), testing::HasSubstr("  saved as e?.svg\n"));
     EXPECT_EQ(textOfDocument({}), "");
+}
+
+TEST(AReport, TellsOfDialogs) {
+    DocumentReport document = documentWith({});
+    ShownDialog dialog;
+    dialog.title = "Fonts\x1B";
+    dialog.rows = {{0, "A, Bold"}, {1, "from \"text\""}};
+    dialog.buttons = {{1, "OK", true}, {3, "Show", false}};
+    dialog.ending = {1, false};
+    document.dialogs = {dialog};
+    const std::string end = "; it had shown\n    A, Bold\n      from \"text\"\n"
+                            "    button 1: OK\n    button 3: Show (disabled)\n";
+    const std::string begin = "d.svg\n  no text\n  dialog \"Fonts?\", ";
+    EXPECT_EQ(textOfDocument(document), begin + "ended by item 1" + end);
+    document.dialogs[0].givenUp = true;
+    EXPECT_EQ(textOfDocument(document), begin + "given up" + end);
+    document.dialogs[0].rows.resize(1000);
+    EXPECT_THAT(textOfDocument(document), testing::HasSubstr("    and 950 more rows\n"));
+
+    RunReport report;
+    report.documents.push_back(document);
+    const auto json = nlohmann::json::parse(jsonOf(report))["documents"][0]["dialogs"][0];
+    EXPECT_EQ(json["title"], "Fonts\x1B");
+    EXPECT_EQ(json["rows"].size(), 1000U);
+    EXPECT_EQ(json["rows"][1], (nlohmann::json{{"level", 1}, {"words", "from \"text\""}}));
+    EXPECT_EQ(json["buttons"][1],
+              (nlohmann::json{{"item", 3}, {"text", "Show"}, {"enabled", false}}));
+    EXPECT_EQ(json["endedBy"], 1);
+    EXPECT_EQ(json["givenUp"], true);
 }
 
 TEST(AReport, ShowsNoCharacterThatMovesTheCursorOrTurnsText) {
