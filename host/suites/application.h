@@ -57,7 +57,6 @@ private:
     Core core_;
     Dialogs dialogs_{core_};
     TextEngine textEngine_{core_, documents_};
-    Dialogs dialogs_{core_};
     Published<OpenDocuments> publishedDocuments_{documents_};
     Published<TextEngine> publishedEngine_{textEngine_};
     /// Shuts plug-ins down while everything that they call still lives.
