@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The dialog of what is missing, answered by scripts, with the real manager.
+#include "world.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace endtoend {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+/// One family on the desktop, one in two containers of the library, one that nobody knows.
+class ADialogOfMissingFonts : public testing::Test {
+protected:
+    void SetUp() override {
+        world_.install("DejaVu Sans");
+        world_.stock("DejaVu Sans Mono", "code");
+        world_.stock("DejaVu Sans Mono", "archive");
+        ASSERT_EQ(world_.manager({"add", world_.library().string()}).status, 0);
+    }
+
+    Outcome answer(const std::string& script, const std::vector<std::string>& families) {
+        const Outcome outcome =
+            world_.open({"--headless", "--answers", world_.write("answers", script).string(),
+                         "--save", saved_.string(), world_.draw("a.svg", families).string()});
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("misbehaves")));
+        return outcome;
+    }
+    static nlohmann::json dialogsOf(const Outcome& outcome) {
+        return nlohmann::json::parse(outcome.output).at("documents").at(0).at("dialogs");
+    }
+    World world_;
+    std::filesystem::path saved_ = world_.folder() / "saved.svg";
+};
+
+TEST_F(ADialogOfMissingFonts, ClosesByItselfWhenNoneIsMissingAnyMore) {
+    const Outcome outcome =
+        answer("expand DejaVu Sans Mono\nselect archive\npress 5\nwait for end\npress 1\n",
+               {"DejaVu Sans", "DejaVu Sans Mono"});
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_THAT(outcome.errors, HasSubstr("answers:5: no dialog was shown for this"));
+    EXPECT_EQ(facesOf(outcome)["DejaVu Sans Mono"]["after"], "activated now");
+    const auto dialogs = dialogsOf(outcome);
+    ASSERT_EQ(dialogs.size(), 1U);
+    EXPECT_EQ(dialogs[0]["rows"].size(), 3U) << "what is installed has no row";
+    EXPECT_EQ(dialogs[0]["givenUp"], false);
+}
+
+TEST_F(ADialogOfMissingFonts, FollowsTheLibrarysNews) {
+    const Outcome outcome = answer("expand DejaVu Sans Mono\nselect archive\npress 5\n"
+                                   "wait for news\nselect Quay Stencil\nselect DejaVu Sans Mono\n",
+                                   {"Quay Stencil", "DejaVu Sans Mono"});
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_THAT(outcome.errors, HasSubstr("answers:6: there is no row \"DejaVu Sans Mono\""));
+    EXPECT_EQ(facesOf(outcome)["DejaVu Sans Mono"]["after"], "activated now");
+    EXPECT_EQ(dialogsOf(outcome)[0]["givenUp"], true);
+}
+
+TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {
+    const Outcome outcome = answer(
+        "select Quay Stencil\nalso DejaVu Sans Mono\npress 6\nchoose DejaVu Sans Bold\npress 1\n"
+        "select replaced\npress 1\n",
+        {"Quay Stencil", "DejaVu Sans Mono", "DejaVu Sans"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    const auto dialogs = dialogsOf(outcome);
+    ASSERT_EQ(dialogs.size(), 2U);
+    EXPECT_EQ(dialogs[1]["title"], "Replace Font");
+    auto faces = facesOf(outcome);
+    EXPECT_EQ(faces["Quay Stencil"]["after"], "replaced");
+    EXPECT_EQ(faces["DejaVu Sans Mono"]["after"], "replaced");
+    EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U) << "what was saved has one family";
+}
+
+TEST_F(ADialogOfMissingFonts, IsToldOfAndGivenUpWhenNobodyAnswers) {
+    const Outcome outcome = world_.open({"--headless", world_.draw("a.svg", {"Quay Stencil"})});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    const auto dialogs = dialogsOf(outcome);
+    ASSERT_EQ(dialogs.size(), 1U);
+    ASSERT_EQ(dialogs[0]["rows"].size(), 1U);
+    EXPECT_EQ(dialogs[0]["rows"][0]["words"], "Quay Stencil, Regular, Unknown, Not found");
+    EXPECT_EQ(dialogs[0]["givenUp"], true);
+}
+
+} // namespace
+
+} // namespace endtoend
