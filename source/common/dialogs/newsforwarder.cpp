@@ -25,12 +25,12 @@ NewsForwarder* NewsForwarder::forwardTo(GLY::IGLYChangeNotifier& observer) {
         found = std::prev(all.end());
     }
     NewsForwarder& forwarder = **found;
-    forwarder.observer_ = &observer;
     if (!forwarder.isRegistered_) { // twice would mean to be told twice
         handler().registerNotifer(&forwarder);
         forwarder.isRegistered_ = true;
         forwarder.wasTold_ = false;
     }
+    forwarder.observer_ = &observer;
     return &forwarder;
 }
 
