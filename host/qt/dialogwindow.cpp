@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+// From a layout to a window, and between the window and the model.
+#include "host/qt/dialogwindow.h"
+
+#include "host/qt/paintercanvas.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QFile>
+#include <QLabel>
+#include <QLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QScreen>
+#include <QUiLoader>
+#include <QVariant>
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+ADMRect rectOf(const QRect& rect) {
+    return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
+}
+
+bool isSame(const ADMRect& left, const ADMRect& right) {
+    return left.left == right.left && left.top == right.top && left.right == right.right &&
+           left.bottom == right.bottom;
+}
+
+bool isOf(ItemKind kind, QWidget* widget) {
+    switch (kind) {
+    case ItemKind::PushButton:
+        return qobject_cast<QPushButton*>(widget) != nullptr;
+    case ItemKind::StaticText:
+        return qobject_cast<QLabel*>(widget) != nullptr;
+    case ItemKind::List:
+    case ItemKind::HierarchyList:
+        break;
+    }
+    return qobject_cast<QAbstractItemView*>(widget) != nullptr;
+}
+
+/// A label as it stands: "&" would make the letter behind it a shortcut.
+QString plainLabel(const std::string& text) {
+    return QString::fromStdString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+/// Makes the outermost widget of a layout a window of ours.
+class DialogLoader : public QUiLoader {
+public:
+    DialogLoader(Dialogs& dialogs, Dialog& dialog, DialogWindow::Serve serve)
+        : dialogs_(dialogs), dialog_(dialog), serve_(std::move(serve)) {}
+
+    std::unique_ptr<DialogWindow> read() {
+        QFile file(QString::fromStdString(dialog_.layout.file.string()));
+        if (!file.open(QIODevice::ReadOnly) || load(&file) == nullptr) {
+            throw LayoutError(dialog_.layout.file.string() + ": " + errorString().toStdString());
+        }
+        return std::move(window_);
+    }
+
+    QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override {
+        if (parent != nullptr) {
+            return QUiLoader::createWidget(className, parent, name);
+        }
+        window_.reset(new DialogWindow(dialogs_, dialog_, serve_));
+        window_->setObjectName(name);
+        return window_.get();
+    }
+
+private:
+    Dialogs& dialogs_;
+    Dialog& dialog_;
+    DialogWindow::Serve serve_;
+    std::unique_ptr<DialogWindow> window_;
+};
+
+DialogWindow::DialogWindow(Dialogs& dialogs, Dialog& dialog, Serve serve)
+    : dialogs_(dialogs), dialog_(dialog), serve_(std::move(serve)), placed_(dialog.layout.bounds) {
+    actionTimer_.setSingleShot(true);
+    connect(&actionTimer_, &QTimer::timeout, this, [this] { act(); });
+}
+
+std::unique_ptr<DialogWindow> DialogWindow::make(Dialogs& dialogs, Dialog& dialog, Serve serve) {
+    std::unique_ptr<DialogWindow> window = DialogLoader(dialogs, dialog, std::move(serve)).read();
+    window->setWindowModality(Qt::ApplicationModal);
+    window->bind();
+    return window;
+}
+
+void DialogWindow::bind() {
+    const QList<QWidget*> widgets = findChildren<QWidget*>();
+    for (const std::unique_ptr<Item>& item : dialog_.items) {
+        const auto found = std::find_if(widgets.begin(), widgets.end(), [&](QWidget* widget) {
+            return widget->property("itemID") == item->id;
+        });
+        if (found == widgets.end() || !isOf(item->kind, *found)) {
+            throw LayoutError(dialog_.layout.file.string() + ": item " + std::to_string(item->id) +
+                              " cannot be shown");
+        }
+        bindItem(*item, **found);
+    }
+}
+
+void DialogWindow::bindItem(Item& item, QWidget& widget) {
+    items_.emplace(&widget, &item);
+    widget.installEventFilter(this);
+    if (auto* const button = qobject_cast<QPushButton*>(&widget)) {
+        connect(button, &QPushButton::clicked, this,
+                [this, &item] { later([this, &item] { dialogs_.press(item); }); });
+    } else if (auto* const label = qobject_cast<QLabel*>(&widget)) {
+        label->setTextFormat(Qt::PlainText);
+    } else if (auto* const view = qobject_cast<QAbstractItemView*>(&widget)) {
+        view->viewport()->installEventFilter(this);
+        lists_.push_back(new ListView(dialogs_, item, *view, [this](std::function<void()> action) {
+            later(std::move(action));
+        }));
+    }
+}
+
+void DialogWindow::later(std::function<void()> action) {
+    actions_.push_back(std::move(action));
+    actionTimer_.start();
+}
+
+void DialogWindow::act() {
+    while (!actions_.empty()) {
+        const std::function<void()> action = std::move(actions_.front());
+        actions_.pop_front();
+        if (!actions_.empty()) {
+            actionTimer_.start(); // should the action run a dialog
+        }
+        serve_(action);
+    }
+}
+
+void DialogWindow::synchronize() {
+    if (!std::exchange(changed_, false)) {
+        return;
+    }
+    setWindowTitle(QString::fromStdString(dialog_.title));
+    for (const auto& [widget, item] : items_) {
+        showItem(*item, *static_cast<QWidget*>(widget));
+    }
+    for (ListView* const list : lists_) {
+        list->synchronize();
+    }
+    place();
+    if (loop_ != nullptr) {
+        setVisible(dialog_.visible);
+    }
+}
+
+void DialogWindow::showItem(const Item& item, QWidget& widget) {
+    widget.setEnabled(item.enabled);
+    if (auto* const button = qobject_cast<QPushButton*>(&widget)) {
+        button->setText(plainLabel(item.text));
+    } else if (auto* const label = qobject_cast<QLabel*>(&widget)) {
+        label->setText(QString::fromStdString(item.text));
+    }
+}
+
+void DialogWindow::place() {
+    if (!isSame(dialog_.bounds, placed_)) {
+        placed_ = dialog_.bounds;
+        setGeometry(placed_.left, placed_.top, placed_.right - placed_.left,
+                    placed_.bottom - placed_.top);
+    } else if (isVisible()) {
+        return; // where the user wants it
+    }
+    if (dialog_.forcedOnScreen) {
+        const QRect room = screen()->availableGeometry();
+        resize(size().boundedTo(room.size()));
+        if (testAttribute(Qt::WA_Moved)) {
+            move(std::clamp(x(), room.left(), room.right() + 1 - width()),
+                 std::clamp(y(), room.top(), room.bottom() + 1 - height()));
+        }
+    }
+}
+
+void DialogWindow::run(const std::function<void()>& shown) {
+    QEventLoop loop;
+    loop_ = &loop;
+    changed_ = true;
+    synchronize();
+    if (isVisible()) {
+        shown();
+    }
+    if (!dialog_.ending) {
+        loop.exec();
+    }
+    loop_ = nullptr;
+}
+
+void DialogWindow::end() {
+    if (loop_ != nullptr) {
+        loop_->quit();
+    }
+}
+
+void DialogWindow::reject() {
+    later([this] { dialogs_.giveUp(dialog_); });
+}
+
+/// Where the items really are, for those who draw by it.
+void DialogWindow::noteBounds() {
+    for (const auto& [object, item] : items_) {
+        const auto* widget = static_cast<QWidget*>(object);
+        if (const auto* const view = qobject_cast<const QAbstractItemView*>(widget)) {
+            widget = view->viewport();
+            view->viewport()->update();
+        }
+        item->bounds = rectOf({widget->mapTo(this, QPoint()), widget->size()});
+    }
+}
+
+bool DialogWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
+        noteBounds();
+    } else if (event->type() == QEvent::Paint) {
+        const auto item = items_.find(watched);
+        if (item != items_.end() && item->second->draw != nullptr) {
+            auto* const widget = static_cast<QWidget*>(watched);
+            QPainter painter(widget);
+            PainterCanvas canvas(painter, widget->palette(), widget->backgroundRole(), {});
+            dialogs_.draw(*item->second, canvas);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void DialogWindow::paintEvent(QPaintEvent* event) {
+    QDialog::paintEvent(event);
+    if (dialog_.draw != nullptr) {
+        QPainter painter(this);
+        PainterCanvas canvas(painter, palette(), QPalette::Window, {});
+        dialogs_.draw(dialog_, canvas);
+    }
+}
+
+void DialogWindow::resizeEvent(QResizeEvent* event) {
+    QDialog::resizeEvent(event);
+    placed_ = dialog_.bounds = rectOf(geometry());
+}
+
+} // namespace host

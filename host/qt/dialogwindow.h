@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// A window that shows one dialog, made by the dialog's layout.
+#pragma once
+
+#include "host/qt/listview.h"
+
+#include <QDialog>
+#include <QTimer>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+class QEventLoop;
+
+namespace host {
+
+/// [main-thread] What the user does is done to the model as soon as the toolkit has dealt with it,
+/// in order. What the model has become is shown by synchronize().
+class DialogWindow : public QDialog {
+public:
+    /// Calls what may call a plug-in; throws nothing.
+    using Serve = std::function<void(const std::function<void()>&)>;
+
+    /// `dialogs` and `dialog` outlive it. Throws LayoutError when the layout makes no window that
+    /// has all items of the dialog.
+    [[nodiscard]] static std::unique_ptr<DialogWindow> make(Dialogs& dialogs, Dialog& dialog,
+                                                            Serve serve);
+
+    Dialog& dialog() const noexcept { return dialog_; }
+    /// The dialog, or something in it, has changed.
+    void noteChange() noexcept { changed_ = true; }
+    /// Shows what has changed since the last time.
+    void synchronize();
+
+    /// [main-thread, modal] Shows the window until end(), or not at all when the dialog has ended;
+    /// calls `shown` when there is something to be seen.
+    void run(const std::function<void()>& shown);
+    void end();
+
+    /// Escape, and the window's button to close it.
+    void reject() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    friend class DialogLoader;
+    DialogWindow(Dialogs& dialogs, Dialog& dialog, Serve serve);
+
+    void bind();
+    void bindItem(Item& item, QWidget& widget);
+    void later(std::function<void()> action);
+    void act();
+    void showItem(const Item& item, QWidget& widget);
+    void place();
+    void noteBounds();
+
+    Dialogs& dialogs_;
+    Dialog& dialog_;
+    Serve serve_;
+    std::map<QObject*, Item*> items_; ///< by widget
+    std::vector<ListView*> lists_;    ///< the views'
+    std::deque<std::function<void()>> actions_;
+    QTimer actionTimer_;
+    ADMRect placed_;
+    bool changed_ = true;
+    QEventLoop* loop_ = nullptr;
+};
+
+} // namespace host

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// Loading the module, where it can be of use.
+#include "host/qt/windows.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+bool isSet(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events, Screen screen) {
+    if (screen == Screen::User && !isSet("WAYLAND_DISPLAY") && !isSet("DISPLAY") &&
+        !isSet("QT_QPA_PLATFORM")) {
+        return nullptr;
+    }
+    std::error_code failed;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+    const std::filesystem::path module = program.parent_path().parent_path() / WINDOWS_MODULE;
+    // What is built in more than one place is one all the same: the program exports it.
+    void* const handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const make = handle != nullptr ? dlsym(handle, "glyphoraMakeWindows") : nullptr;
+    return std::unique_ptr<Windows>(make != nullptr
+                                        ? reinterpret_cast<decltype(&glyphoraMakeWindows)>(make)(
+                                              dialogs, std::move(events), screen)
+                                        : nullptr);
+}
+
+} // namespace host

@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: MIT
+// Lists by mouse and keyboard, drawn by a plug-in, and as a screen reader tells them.
+#include "windowfixture.h"
+
+#include <QAccessible>
+#include <QAccessibleInterface>
+#include <QLineEdit>
+#include <QListView>
+#include <QTreeView>
+
+namespace host::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string> heard;
+const ADMDrawerSuite* drawerSuite = nullptr;
+const ADMListEntrySuite4* entrySuite = nullptr;
+const ADMTrackerSuite* trackerSuite = nullptr;
+
+std::string textOf(ADMListEntryRef entry) {
+    char text[64];
+    entrySuite->GetText(entry, text, sizeof text);
+    return text;
+}
+
+/// A triangle, the entry's text, a status in red.
+void drawEntry(ADMListEntryRef entry, ADMDrawerRef drawer) {
+    ADMHierarchyListRef children = nullptr;
+    AIBoolean is = 0;
+    ADMRect area{};
+    drawerSuite->GetBoundsRect(drawer, &area);
+    entrySuite->IsSelected(entry, &is);
+    if (is != 0) {
+        drawerSuite->SetADMColor(drawer, kADMHighlightColor);
+        drawerSuite->FillRect(drawer, &area);
+        drawerSuite->SetADMColor(drawer, kADMTextColor);
+    }
+    entrySuite->GetChildList(entry, &children);
+    if (children != nullptr) {
+        entrySuite->IsExpanded(entry, &is);
+        const ADMPoint corner{3, 3};
+        drawerSuite->DrawResPicture(drawer, is != 0 ? kADMExpandedPicture : kADMCollapsedPicture,
+                                    &corner);
+    }
+    const ADMPoint name{20, 2};
+    drawerSuite->DrawText(drawer, textOf(entry).c_str(), &name);
+    const ADMPoint status{200, 2};
+    drawerSuite->SetRGBColor(drawer, 0xcc3333ff);
+    drawerSuite->DrawText(drawer, "unknown", &status);
+}
+
+AIBoolean trackEntry(ADMListEntryRef entry, ADMTrackerRef tracker) {
+    std::uint32_t modifiers = 0;
+    trackerSuite->GetModifiers(tracker, &modifiers);
+    heard.push_back((modifiers != 0 ? "twice " : "once ") + textOf(entry));
+    return 0;
+}
+
+void noteSelection(ADMItemRef item, ADMNotifierRef /*notifier*/) {
+    std::string names;
+    for (const Row* const row : Current<Dialogs>::object->find(item)->tree->selected()) {
+        names += " " + row->text;
+    }
+    heard.push_back("selected" + names);
+}
+
+class AList : public WindowFixture {
+protected:
+    AList() {
+        heard.clear();
+        drawerSuite = suite<ADMDrawerSuite>();
+        entrySuite = suite<ADMListEntrySuite4>();
+        trackerSuite = suite<ADMTrackerSuite>();
+        tree.draw = drawEntry;
+        tree.track = trackEntry;
+        tree.mask |= kADMButtonMask;
+        tree.multiSelect = true;
+        tree.top().entryHeight = 24;
+        tree.item().notify = noteSelection;
+        item(ref, 4).notify = noteSelection;
+        for (const char* const name : {"Alpha", "Beta", "Gamma"}) {
+            add(tree.top(), name);
+        }
+        RowList& children = dialogs.childrenOf(*tree.top().rows[1]);
+        children.entryHeight = 40;
+        children.indentation = -50;
+        add(children, "Beta one");
+        add(children, "Beta two");
+    }
+    Row& add(RowList& list, const std::string& text) {
+        Row& row = dialogs.insertRow(list, list.rows.size());
+        row.text = text;
+        return row;
+    }
+    Row& top(std::size_t at) { return *tree.top().rows.at(at); }
+
+    static QTreeView& view() { return shown<QTreeView>(7); }
+    /// Where the row of this text is shown; empty where it is not.
+    static QRect areaOf(const QString& text) {
+        const QModelIndexList found =
+            view().model()->match(view().model()->index(0, 0), Qt::DisplayRole, text, 1,
+                                  Qt::MatchStartsWith | Qt::MatchRecursive);
+        return found.isEmpty() ? QRect() : view().visualRect(found.front());
+    }
+    static void click(const QString& text, Qt::KeyboardModifiers keys = {}) {
+        QTest::mouseClick(view().viewport(), Qt::LeftButton, keys, areaOf(text).center());
+        settle();
+    }
+    static void press(QWidget& widget, int key) {
+        QTest::keyClick(&widget, static_cast<Qt::Key>(key));
+        settle();
+    }
+    std::vector<std::string> takeHeard() { return std::exchange(heard, {}); }
+
+    ADMDialogRef ref = create();
+    Tree& tree = *item(ref, 7).tree;
+};
+
+TEST_F(AList, TellsThePluginWhatTheMouseSelectsAndThenClicks) {
+    show(ref, [&] {
+        click("Gamma");
+        EXPECT_THAT(takeHeard(), ElementsAre("selected Gamma", "once Gamma"));
+        EXPECT_EQ(tree.active(), &top(2));
+        click("Alpha", Qt::ControlModifier);
+        EXPECT_THAT(takeHeard(), ElementsAre("selected Alpha Gamma", "once Alpha"));
+        EXPECT_EQ(tree.active(), &top(0));
+        click("Gamma");
+        QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, areaOf("Gamma").center());
+        settle();
+        EXPECT_THAT(takeHeard(), ElementsAre("selected Gamma", "once Gamma", "twice Gamma"));
+        escape();
+    });
+}
+
+TEST_F(AList, IsUsedByKeyboardAlone) {
+    show(ref, [&] {
+        view().setFocus();
+        press(view(), Qt::Key_Down);
+        press(view(), Qt::Key_Down);
+        EXPECT_THAT(takeHeard(), testing::Contains("selected Beta"));
+        press(view(), Qt::Key_Right);
+        EXPECT_TRUE(top(1).expanded);
+        press(view(), Qt::Key_Down);
+        press(view(), Qt::Key_Return);
+        EXPECT_THAT(takeHeard(), ElementsAre("selected Beta one", "twice Beta one"));
+        press(view(), Qt::Key_Home);
+        press(view(), Qt::Key_G);
+        EXPECT_THAT(takeHeard(), ElementsAre("selected Alpha", "selected Gamma"));
+        QTest::keyClick(&view(), Qt::Key_A, Qt::ControlModifier);
+        settle();
+        EXPECT_EQ(tree.selected().size(), 5U);
+        escape();
+    });
+}
+
+TEST_F(AList, OpensARowByItsTriangleWithoutSelectingIt) {
+    show(ref, [&] {
+        const QRect row = areaOf("Beta");
+        for (const bool expanded : {true, false}) {
+            QTest::mouseClick(view().viewport(), Qt::LeftButton, {},
+                              {row.left() + 8, row.center().y()});
+            settle();
+            EXPECT_EQ(top(1).expanded, expanded);
+            EXPECT_EQ(areaOf("Beta one").isValid(), expanded);
+        }
+        QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, {8, areaOf("Alpha").center().y()});
+        settle();
+        EXPECT_FALSE(top(0).expanded);
+        EXPECT_THAT(heard, ElementsAre("selected Alpha", "once Alpha"));
+        escape();
+    });
+}
+
+TEST_F(AList, HasRowsAsHighAsThePluginSays) {
+    top(1).expanded = true;
+    show(ref, [&] {
+        EXPECT_EQ(areaOf("Alpha").height(), 24);
+        EXPECT_EQ(areaOf("Beta one").height(), 40);
+        tree.top().rows[1]->children->entryHeight = 60;
+        dialogs.changed(tree.item());
+        settle();
+        EXPECT_EQ(areaOf("Beta one").height(), 60);
+        escape();
+    });
+}
+
+TEST_F(AList, KeepsSelectionAndExpansionWhenRowsComeAndGo) {
+    top(1).expanded = true;
+    show(ref, [&] {
+        click("Gamma");
+        click("Beta two", Qt::ControlModifier);
+        dialogs.removeRow(tree.top(), 0);
+        add(tree.top(), "Delta").selected = false;
+        settle();
+        EXPECT_FALSE(areaOf("Alpha").isValid());
+        EXPECT_TRUE(areaOf("Beta one").isValid());
+        EXPECT_EQ(view().selectionModel()->selectedRows().size(), 2);
+        EXPECT_EQ(view().currentIndex().data().toString(), "Beta two, unknown");
+        heard.clear();
+        top(0).expanded = false; // as a plug-in does
+        dialogs.changed(tree.item());
+        settle();
+        EXPECT_FALSE(areaOf("Beta one").isValid());
+        EXPECT_THAT(heard, IsEmpty());
+        escape();
+    });
+}
+
+TEST_F(AList, IsDrawnNewBeforeADialogWithinComes) {
+    const ADMDialogRef inner = create("inner");
+    static std::function<void()> press;
+    press = [&] {
+        while (!tree.top().rows.empty()) {
+            dialogs.removeRow(tree.top(), 0);
+        }
+        add(tree.top(), "new");
+        show(inner, [] {
+            for (QWidget* const each : QApplication::topLevelWidgets()) {
+                each->grab();
+            }
+            escape();
+        });
+    };
+    item(ref, 3).notify = [](ADMItemRef, ADMNotifierRef) { press(); };
+    show(ref, [&] {
+        click("Beta");
+        QTest::mouseClick(&shown(3), Qt::LeftButton);
+        settle();
+        EXPECT_TRUE(areaOf("new").isValid());
+        escape();
+    });
+    press = {};
+}
+
+TEST_F(AList, ShowsWhatThePluginDraws) {
+    show(ref, [&] {
+        click("Gamma");
+        const QImage image = view().viewport()->grab().toImage();
+        const auto reddish = [&](const QRect& row) {
+            int count = 0;
+            for (int y = row.top(); y < row.bottom(); ++y) {
+                for (int x = 200; x < 300; ++x) {
+                    const QColor color = image.pixelColor(x, y);
+                    count += color.red() > color.green() + 80 && color.red() > color.blue() + 80;
+                }
+            }
+            return count;
+        };
+        EXPECT_GT(reddish(areaOf("Alpha")), 20);
+        EXPECT_GT(reddish(areaOf("Beta")), 20);
+        EXPECT_EQ(reddish(areaOf("Alpha").translated(0, 200)), 0);
+        EXPECT_EQ(image.pixelColor(areaOf("Gamma").right() - 2, areaOf("Gamma").center().y()),
+                  view().palette().color(QPalette::Highlight));
+        escape();
+    });
+}
+
+TEST_F(AList, TellsScreenReadersItsRowsWords) {
+    show(ref, [&] {
+        view().setAccessibleName(QStringLiteral("Missing fonts"));
+        QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&view());
+        ASSERT_NE(list, nullptr);
+        EXPECT_EQ(list->text(QAccessible::Name), "Missing fonts");
+        QAccessibleInterface* const row = list->tableInterface()->cellAt(1, 0);
+        ASSERT_NE(row, nullptr);
+        EXPECT_EQ(row->text(QAccessible::Name), "Beta, unknown");
+        EXPECT_TRUE(row->state().expandable);
+        EXPECT_FALSE(row->state().expanded);
+        escape();
+    });
+}
+
+TEST_F(AList, OfManyTextsIsFilteredAndNeverHidesWhatIsChosen) {
+    Tree& flat = *item(ref, 4).tree;
+    for (int i = 0; i < 40; ++i) {
+        add(flat.top(), "Font " + std::to_string(i));
+    }
+    EXPECT_EQ(show(ref,
+                   [&] {
+                       auto& list = shown<QListView>(4);
+                       auto* const filter = window().findChild<QLineEdit*>();
+                       ASSERT_NE(filter, nullptr);
+                       list.setCurrentIndex(list.model()->index(5, 0));
+                       settle();
+                       filter->setFocus();
+                       QTest::keyClicks(filter, QStringLiteral("NT 3"));
+                       settle();
+                       EXPECT_EQ(list.model()->rowCount(), 11);
+                       EXPECT_EQ(flat.active()->text, "Font 3");
+                       press(*filter, Qt::Key_Down);
+                       EXPECT_EQ(flat.active()->text, "Font 30");
+                       filter->clear();
+                       settle();
+                       EXPECT_EQ(list.currentIndex().row(), 30);
+                       QTest::keyClicks(filter, QStringLiteral("nothing"));
+                       settle();
+                       EXPECT_EQ(flat.active(), nullptr);
+                       filter->clear();
+                       list.scrollToTop();
+                       const QPoint first = list.visualRect(list.model()->index(0, 0)).center();
+                       QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, first);
+                       QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, first);
+                   }),
+              1);
+    EXPECT_EQ(flat.active()->text, "Font 0");
+}
+
+TEST_F(AList, OfFewTextsHasNoFilter) {
+    add(item(ref, 4).tree->top(), "Font");
+    show(ref, [&] {
+        EXPECT_EQ(window().findChild<QLineEdit*>(), nullptr);
+        escape();
+    });
+}
+
+} // namespace
+} // namespace host::test
