@@ -10,7 +10,7 @@ void HeadlessView::runModal(Dialog& dialog) {
     user_.begun(dialog);
     while (!dialog.ending) {
         std::uint32_t ticks = user_.act(dialog);
-        if (ticks == 0 || dialog.ending || dialogs_.core().runTimers() + dialogs_.runTimers() > 0) {
+        if (ticks == 0 || dialogs_.core().runTimers() + dialogs_.runTimers() > 0) {
             continue; // the user may have something to do now
         }
         for (const auto next :

@@ -282,6 +282,8 @@ TEST_F(AScriptedUser, AnswersTheInnermostDialogAndTheOuterOneAfterIt) {
     for (const ShownDialog& each : user->takeShown()) {
         EXPECT_TRUE(each.givenUp) << each.title;
     }
+    events = {[&] { dialogs.endModal(*dialogs.running().back(), 1, false); }};
+    EXPECT_EQ(play("press 3\nwait for end\npress 2"), 2) << "the inner one has ended";
 }
 
 TEST_F(AScriptedUser, EndsWhatItGivesUpWhateverThePluginDoes) {
@@ -293,6 +295,7 @@ TEST_F(AScriptedUser, MayLeaveADialogToSomebodyElse) {
     events = {[&] { dialogs.press(*dialog.item(1)); }};
     EXPECT_EQ(play("", ScriptedUser::AtEnd::Leave), 1);
     EXPECT_THAT(waits, ElementsAre(DialogUser::forEver));
+    EXPECT_EQ(play("press 9", ScriptedUser::AtEnd::Leave), kADMCancelItemID);
 }
 
 TEST_F(AScriptedUser, ReportsAnswersThatNoDialogCameFor) {
