@@ -2,6 +2,7 @@
 // The document model's few operations; readers fill it and writers save it.
 #include "host/documents/document.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace host {
@@ -18,13 +19,47 @@ std::span<const TextRun> Document::runsOf(ArtId id) const {
 }
 
 void Document::replaceFace(RunId id, const Face& face) {
-    TextRun& run = parts_.runs.at(id);
-    if (faceOf(run) == face) {
+    if (faceOf(run(id)) == face) {
         return;
     }
-    run.face = intern(face);
-    run.replaced = true;
-    modified_ = true;
+    Change change{id, intern(face), true};
+    if (stepEnded_) {
+        done_.emplace_back();
+    }
+    stepEnded_ = false;
+    done_.back().push_back(change);
+    exchange(done_.back().back());
+    undone_.clear();
+}
+
+void Document::exchange(Change& change) noexcept {
+    TextRun& run = parts_.runs[change.run];
+    std::swap(run.face, change.face);
+    std::swap(run.replaced, change.replaced);
+}
+
+bool Document::undo() {
+    if (done_.empty()) {
+        return false;
+    }
+    undone_.push_back(std::move(done_.back()));
+    done_.pop_back();
+    stepEnded_ = true;
+    std::for_each(undone_.back().rbegin(), undone_.back().rend(),
+                  [this](Change& change) { exchange(change); });
+    return true;
+}
+
+bool Document::redo() {
+    if (undone_.empty()) {
+        return false;
+    }
+    done_.push_back(std::move(undone_.back()));
+    undone_.pop_back();
+    for (Change& change : done_.back()) {
+        exchange(change);
+    }
+    return true;
 }
 
 FaceId Document::intern(const Face& face) {

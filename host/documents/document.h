@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -97,7 +98,13 @@ public:
 
     /// Gives one run another face. Takes the family, style, weight, slant and stretch of `face`.
     void replaceFace(RunId run, const Face& face);
-    bool modified() const noexcept { return modified_; }
+    /// What was replaced since the last step ended becomes one step; false when nothing was.
+    bool endStep() { return !std::exchange(stepEnded_, true); }
+    /// Takes the last step back, or makes the last that was taken back again; false when there is
+    /// none. What was taken back is forgotten when something else is replaced.
+    bool undo();
+    bool redo();
+    bool modified() const noexcept { return !done_.empty(); }
 
     /// Writes the document with its replaced runs and everything else unchanged. Throws
     /// DocumentError when it cannot; the file that stood there before is then still there, unless
@@ -105,11 +112,22 @@ public:
     void save(const std::filesystem::path& file) const;
 
 private:
+    /// What a run had before a step, or has after it, whichever it has not now.
+    struct Change {
+        RunId run;
+        FaceId face;
+        bool replaced;
+    };
+    using Step = std::vector<Change>;
+
     FaceId intern(const Face& face);
+    void exchange(Change& change) noexcept;
 
     DocumentParts parts_;
     std::unordered_map<Face, FaceId, FaceHash> givenFaces_;
-    bool modified_ = false;
+    std::vector<Step> done_;
+    std::vector<Step> undone_;
+    bool stepEnded_ = true; ///< else the last one done goes on
 };
 
 } // namespace host

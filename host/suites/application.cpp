@@ -26,6 +26,23 @@ OpenDocument& Application::openDocument(const std::filesystem::path& file) {
     return documents_.add(file, readSvg(file, svg_));
 }
 
+SPErr Application::announceOpened() {
+    const DocumentSerial serial =
+        documents_.current() != nullptr ? documents_.current()->serial() : noDocument;
+    const SPErr answer = core_.notify(kAIDocumentOpenedNotifier);
+    change(serial, &Document::endStep);
+    return answer;
+}
+
+bool Application::change(DocumentSerial serial, bool (Document::*step)()) {
+    OpenDocument* const document = documents_.find(serial);
+    const bool changed = document != nullptr && (document->document().*step)();
+    if (changed) {
+        core_.notify(kAIDocumentChangedNotifier);
+    }
+    return changed;
+}
+
 bool Application::refreshFonts() {
     const bool changed = fonts_.refresh();
     if (changed) {

@@ -40,8 +40,13 @@ public:
     /// Reads a drawing and makes it the current document. Throws DocumentError when it cannot be
     /// read.
     OpenDocument& openDocument(const std::filesystem::path& file);
-    /// Tells all plug-ins that the current document was opened.
-    SPErr announceOpened() { return core_.notify(kAIDocumentOpenedNotifier); }
+    /// Tells all plug-ins that the current document was opened. What they have then replaced in it
+    /// is one step, and announced as a change.
+    SPErr announceOpened();
+    /// Takes the last step of a document back, or makes it again, and announces the change; false
+    /// when there is none.
+    bool undo(DocumentSerial serial) { return change(serial, &Document::undo); }
+    bool redo(DocumentSerial serial) { return change(serial, &Document::redo); }
     bool closeDocument(DocumentSerial serial) noexcept { return documents_.close(serial); }
 
     /// Notices fonts that came or went; true when any did.
@@ -51,6 +56,8 @@ public:
     void shutDownPlugins();
 
 private:
+    bool change(DocumentSerial serial, bool (Document::*step)());
+
     SvgOptions svg_;
     FontList fonts_;
     OpenDocuments documents_{fonts_};

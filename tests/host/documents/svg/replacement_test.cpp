@@ -319,5 +319,39 @@ TEST(ADocument, CountsReplacementsOfRunsOnly) {
     EXPECT_THROW(document.replaceFace(1, newFace()), std::out_of_range);
 }
 
+TEST(ADocument, TakesStepsBackAndMakesThemAgainByteForByte) {
+    Document document = read("<text font-family='A' >a</text><text style='font-family:B'>b</text>");
+    std::vector<std::string> states{saved(document)};
+    const auto endStep = [&] {
+        EXPECT_TRUE(document.endStep());
+        EXPECT_FALSE(document.endStep());
+        states.push_back(saved(document));
+    };
+    EXPECT_FALSE(document.endStep() || document.undo() || document.redo());
+    document.replaceFace(0, newFace("X"));
+    document.replaceFace(0, newFace("Y"));
+    document.replaceFace(1, newFace("Y"));
+    endStep();
+    document.replaceFace(1, newFace("Z"));
+    endStep();
+    for (std::size_t round = 0; round < 2; ++round) {
+        EXPECT_TRUE(document.undo());
+        EXPECT_EQ(saved(document), states[1]);
+        EXPECT_TRUE(document.undo());
+        EXPECT_FALSE(document.undo() || document.modified());
+        EXPECT_EQ(saved(document), states[0]);
+        EXPECT_TRUE(document.redo());
+        EXPECT_EQ(saved(document), states[1]);
+        EXPECT_TRUE(document.redo());
+        EXPECT_FALSE(document.redo());
+        EXPECT_EQ(saved(document), states[2]);
+    }
+    EXPECT_TRUE(document.undo());
+    document.replaceFace(0, newFace("W"));
+    EXPECT_FALSE(document.redo()) << "another way was taken";
+    EXPECT_TRUE(document.undo());
+    EXPECT_EQ(saved(document), states[1]);
+}
+
 } // namespace
 } // namespace host::test
