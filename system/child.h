@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// A process of another program that its owner talks to over a socket, and that goes with its owner.
+#pragma once
+
+#include "system/descriptor.h"
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace sys {
+
+/// How a process ended: by a signal, or with a status.
+struct Ending {
+    int signal = 0;
+    int status = 0;
+};
+
+/// Kills its process when it goes. [one-thread]
+class Child {
+public:
+    /// Starts `program`, whose standard input is one end of a socket. It inherits no other
+    /// descriptor of this process; its output goes nowhere. Throws `std::system_error` when it
+    /// cannot be started.
+    Child(const std::filesystem::path& program, std::span<const std::string> arguments);
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() { static_cast<void>(end()); }
+
+    /// This side of the socket. It does not block.
+    [[nodiscard]] int socket() const noexcept { return socket_.get(); }
+    /// Kills it unless it has ended by itself, and tells how it ended.
+    Ending end() noexcept;
+
+private:
+    Descriptor socket_;
+    pid_t process_ = -1;
+};
+
+/// Has the calling process end when its parent does, write no core file and take at most `memory`
+/// bytes of address space.
+void limitThisProcess(std::size_t memory) noexcept;
+/// Allows the calling process `seconds` more of processor time; SIGXCPU ends it then.
+void allowProcessorTime(unsigned seconds) noexcept;
+
+} // namespace sys
