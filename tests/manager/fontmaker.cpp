@@ -92,6 +92,35 @@ std::string glyphVariations(std::size_t glyphs) {
            u32(20 + (glyphs + 1) * 2) + std::string((glyphs + 1) * 2, '\0');
 }
 
+// An advance that grows by 1000 units for each glyph towards the axis' end.
+std::string advanceVariations(std::size_t glyphs) {
+    std::string table = u32(0x00010000) + u32(20) + u32(0) + u32(0) + u32(0);
+    table += u16(1) + u32(12) + u16(1) + u32(22);                  // the store: regions, data
+    table += u16(1) + u16(1) + u16(0) + u16(0x4000) + u16(0x4000); // one region, peak at the end
+    table += u16(glyphs) + u16(1) + u16(1) + u16(0);
+    for (std::size_t i = 0; i < glyphs; ++i) {
+        table += u16(1000);
+    }
+    return table;
+}
+
+// One strike of 16 pixels, where each glyph has the same picture.
+void addPictures(Tables& tables, const std::string& png) {
+    const std::size_t glyphs = number(tables["maxp"], 4, 2);
+    const std::string lineMetrics = "\x0E\xFE\x10" + std::string(9, '\0');
+    const std::string glyphMetrics("\x10\x10\0\x0E\x10\0\0\x10", 8);
+    tables["CBLC"] = u32(0x00030000) + u32(1) + u32(56) + u32(28) + u32(1) + u32(0) + lineMetrics +
+                     lineMetrics + u16(0) + u16(glyphs - 1) + "\x10\x10\x20\x01" + u16(0) +
+                     u16(glyphs - 1) + u32(8) + u16(2) + u16(19) + u32(4) + u32(4 + png.size()) +
+                     glyphMetrics;
+    tables["CBDT"] = u32(0x00030000);
+    for (std::size_t i = 0; i < glyphs; ++i) {
+        tables["CBDT"] += u32(png.size()) + png;
+    }
+    tables.erase("glyf");
+    tables.erase("loca");
+}
+
 Tables tablesOf(const FontRecipe& recipe) {
     Tables tables = baseTables();
     for (const char* unwanted : {"GSUB", "GPOS", "DSIG"}) {
@@ -106,6 +135,10 @@ Tables tablesOf(const FontRecipe& recipe) {
     if (!recipe.instances.empty()) {
         tables["fvar"] = variationTable(recipe);
         tables["gvar"] = glyphVariations(number(tables["maxp"], 4, 2));
+        tables["HVAR"] = advanceVariations(number(tables["maxp"], 4, 2));
+    }
+    if (!recipe.png.empty()) {
+        addPictures(tables, recipe.png);
     }
     return tables;
 }

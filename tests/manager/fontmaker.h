@@ -14,8 +14,10 @@ struct FontRecipe {
     bool layout = false;                ///< with a layout table, which makes it OpenType
     std::string typographicFamily = {}; ///< empty: none
     std::string typographicStyle = {};
-    /// Names of a variable font's instances, without the first.
+    /// Names of a variable font's instances, without the first. Letters are wider by an em at the
+    /// heaviest.
     std::vector<std::string> instances = {};
+    std::string png = {}; ///< 16 pixels wide and high: what every glyph is instead of its outline
 };
 
 /// A TrueType font's bytes.

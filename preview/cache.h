@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Keeps the answers that were used last, up to a number of bytes.
+#pragma once
+
+#include "preview/request.h"
+
+#include <list>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+namespace preview {
+
+using SharedAnswer = std::shared_ptr<const Answer>;
+
+/// [one-thread]
+class Cache {
+public:
+    explicit Cache(std::size_t maximumBytes) : maximumBytes_(maximumBytes) {}
+    /// Null: there is none.
+    [[nodiscard]] SharedAnswer find(std::string_view key);
+    /// Forgets what has not been used for longest until it fits.
+    void add(const std::string& key, const SharedAnswer& answer);
+
+private:
+    struct Entry {
+        std::string key;
+        SharedAnswer answer;
+        [[nodiscard]] std::size_t bytes() const;
+    };
+
+    std::size_t maximumBytes_;
+    std::size_t bytes_ = 0;
+    std::list<Entry> entries_; ///< last used first
+    std::unordered_map<std::string_view, std::list<Entry>::iterator> places_;
+};
+
+} // namespace preview

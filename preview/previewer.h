@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Has lines drawn in a process apart while a window goes on, the newest request first.
+//
+// A window asks for what it is about to show, cancels what scrolled away, watches `descriptor()` in
+// its event loop and calls `take()` when that is readable. A font that ends the process or takes
+// too long costs the window nothing but its own picture.
+#pragma once
+
+#include "preview/cache.h"
+#include "preview/fileidentity.h"
+#include "preview/request.h"
+#include "system/child.h"
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace preview {
+
+/// Where `glyphora-preview` stands, seen from the running program: beside it, or where it is
+/// installed.
+[[nodiscard]] std::filesystem::path previewProgram();
+
+struct PreviewSettings {
+    std::filesystem::path program = previewProgram();
+    std::chrono::milliseconds timePerLine{5'000};
+    unsigned processorSeconds = 4;               ///< for a line
+    std::size_t memory = std::size_t{1} << 30U;  ///< bytes of address space
+    std::size_t cached = std::size_t{64} << 20U; ///< bytes of answers kept
+};
+
+using RequestId = std::uint64_t;
+
+struct Finished {
+    RequestId id = 0;
+    SharedAnswer answer; ///< never null
+};
+
+/// [one-thread]
+class Previewer {
+public:
+    /// Throws `std::system_error` when the system has no descriptor left. The process is started by
+    /// the first line to be drawn.
+    explicit Previewer(PreviewSettings settings);
+    Previewer(const Previewer&) = delete;
+    Previewer& operator=(const Previewer&) = delete;
+    ~Previewer() = default;
+
+    /// Only notes it: `take()` answers it, once, unless it is cancelled.
+    [[nodiscard]] RequestId request(Request request);
+    /// What was answered already is passed over.
+    void cancel(RequestId id);
+
+    /// Readable when `take()` has something to do. Valid as long as this object.
+    [[nodiscard]] int descriptor() const { return events_.get(); }
+    /// What was answered since the last call. Does not block.
+    [[nodiscard]] std::vector<Finished> take();
+
+private:
+    using Clock = std::chrono::steady_clock;
+    /// A face of a file as it is.
+    using FaceKey = std::pair<FileIdentity, std::uint32_t>;
+
+    struct Work {
+        RequestId id;
+        FaceKey face;
+        Request request;
+        std::string key; ///< of the cache
+        Clock::time_point deadline;
+    };
+
+    [[nodiscard]] SharedAnswer known(const Work& work);
+    void begin();
+    void send(Work work);
+    void receive();
+    void understand();
+    void finish(const SharedAnswer& answer);
+    void fail(const std::string& why, bool ofTheFace);
+    sys::Ending endChild();
+    void setTimer();
+
+    PreviewSettings settings_;
+    sys::Descriptor events_; ///< an epoll of the timer and the child's socket
+    sys::Descriptor timer_;
+    std::optional<sys::Child> child_;
+    std::map<RequestId, Request> waiting_;
+    std::optional<Work> current_;
+    bool isCancelled_ = false; ///< the current one; its answer is still worth keeping
+    std::string received_;
+    std::map<FaceKey, SharedAnswer> dangerous_; ///< faces that ended the process, and what to say
+    Cache cache_;
+    std::vector<Finished> finished_;
+    RequestId lastId_ = 0;
+};
+
+} // namespace preview

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Requests and answers as bytes between a window's process and the one that draws.
+//
+// A message is the length of its body, then the body. Numbers are little-endian, 32 bits, those
+// with fractions in 1/65536. A text is its length and its bytes.
+//   request: face, pixels, scale, file, text, count of axes (tag as four bytes, value),
+//            count of features (text)
+//   answer:  form, width, height, baseline, problem, count of missing characters, these, the pixels
+#pragma once
+
+#include "preview/request.h"
+
+#include <optional>
+#include <string_view>
+
+namespace preview {
+
+inline constexpr std::size_t lengthSize = 4;
+inline constexpr std::size_t maximumRequestBody = std::size_t{32} << 10U;
+inline constexpr std::size_t maximumAnswerBody = maximumArea * 4 + (std::size_t{64} << 10U);
+
+/// Whole messages, with their lengths.
+[[nodiscard]] std::string encode(const Request& request);
+[[nodiscard]] std::string encode(const Answer& answer);
+
+/// The number that a message begins with. `bytes` has at least `lengthSize`.
+[[nodiscard]] std::size_t bodyLength(std::string_view bytes);
+
+/// Nothing: the body is not whole, has more than it should, or oversteps a limit.
+[[nodiscard]] std::optional<Request> decodeRequest(std::string_view body);
+[[nodiscard]] std::optional<Answer> decodeAnswer(std::string_view body);
+
+} // namespace preview

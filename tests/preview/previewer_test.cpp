@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// The process that draws, as windows use it: order, cancelling, keeping, and what it survives.
+#include "preview/previewer.h"
+#include "tests/manager/fontmaker.h"
+#include "tests/support/temporaryfolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+
+#include <limits>
+
+using namespace preview;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+namespace {
+
+class APreview : public testing::Test {
+protected:
+    /// Waits until `count` requests are answered.
+    static std::vector<Finished> await(Previewer& previewer, std::size_t count = 1) {
+        std::vector<Finished> all;
+        while (all.size() < count) {
+            pollfd event{previewer.descriptor(), POLLIN, 0};
+            poll(&event, 1, -1);
+            for (Finished& finished : previewer.take()) {
+                all.push_back(std::move(finished));
+            }
+        }
+        return all;
+    }
+    static SharedAnswer answer(Previewer& previewer, const Request& request) {
+        const RequestId id = previewer.request(request);
+        const Finished finished = await(previewer).front();
+        EXPECT_EQ(finished.id, id);
+        return finished.answer;
+    }
+    Request say(const std::string& text, const std::string& file = "font") const {
+        return {.file = folder_ / file, .text = text};
+    }
+    static std::vector<RequestId> idsOf(const std::vector<Finished>& all) {
+        std::vector<RequestId> ids;
+        for (const Finished& finished : all) {
+            ids.push_back(finished.id);
+        }
+        return ids;
+    }
+
+    testsupport::TemporaryFolder folder_;
+    std::string font_ = folder_.write("font", "x");
+    std::string other_ = folder_.write("other", "x");
+    PreviewSettings awkward_{.program = GLYPHORA_AWKWARD_PEER};
+};
+
+TEST_F(APreview, ComesFromTheProgram) {
+    folder_.write("font", managertest::makeFont({}));
+    Previewer previewer({.program = GLYPHORA_PREVIEW});
+    const SharedAnswer drawn = answer(previewer, say("HAMBURG\u6F22"));
+    EXPECT_EQ(drawn->problem, "");
+    EXPECT_EQ(drawn->missing, U"\u6F22");
+    EXPECT_NE(drawn->picture.pixels.find('\xFF'), std::string::npos);
+    folder_.write("font", "no font");
+    EXPECT_THAT(answer(previewer, say("HAMBURG"))->problem, StartsWith(font_ + ": no font"));
+}
+
+TEST_F(APreview, IsOfTheNewestRequestFirstAndOfNoneThatWasCancelled) {
+    Previewer previewer(awkward_);
+    const RequestId first = previewer.request(say("a"));
+    const RequestId second = previewer.request(say("b"));
+    const RequestId third = previewer.request(say("c"));
+    previewer.cancel(second);
+    EXPECT_THAT(idsOf(previewer.take()), ElementsAre()); // the third is being drawn
+    const RequestId fourth = previewer.request(say("d"));
+    const RequestId fifth = previewer.request(say("c")); // which the third answers
+    previewer.cancel(third);
+    EXPECT_THAT(idsOf(await(previewer, 3)), ElementsAre(fifth, fourth, first));
+    EXPECT_EQ(answer(previewer, say("b"))->picture.pixels, "\4");
+}
+
+TEST_F(APreview, IsKeptUntilItsFileChangesOrTheBoundIsReached) {
+    PreviewSettings settings = awkward_;
+    settings.cached = 1200; // three answers
+    Previewer previewer(settings);
+    const SharedAnswer first = answer(previewer, say("a"));
+    static_cast<void>(answer(previewer, say("b")));
+    EXPECT_EQ(answer(previewer, say("a")), first);
+    Request different = say("a");
+    different.scale = 2;
+    EXPECT_NE(answer(previewer, different), first);
+    static_cast<void>(answer(previewer, say("c")));
+    EXPECT_EQ(answer(previewer, say("a")), first) << "it was used lately";
+    EXPECT_EQ(answer(previewer, say("b"))->picture.pixels, "\5") << "it was kept beyond the bound";
+    folder_.write("font", "changed");
+    EXPECT_EQ(answer(previewer, say("a"))->picture.pixels, "\6");
+}
+
+struct Misdeed {
+    std::string name;
+    std::string text;
+    std::string problem;
+    bool ofTheFace = true; ///< which is not tried again
+};
+
+class APeer : public APreview, public testing::WithParamInterface<Misdeed> {};
+
+TEST_P(APeer, CostsItsOwnPictureOnly) {
+    PreviewSettings settings = awkward_;
+    settings.processorSeconds = 0; // one that has begun
+    settings.memory = std::size_t{1} << 29U;
+    if (GetParam().text == "wait") {
+        settings.timePerLine = std::chrono::milliseconds(30);
+    }
+    Previewer previewer(settings);
+    const RequestId good = previewer.request(say("draw", "other"));
+    const RequestId bad = previewer.request(say(GetParam().text));
+    const std::vector<Finished> all = await(previewer, 2);
+    ASSERT_THAT(idsOf(all), ElementsAre(bad, good));
+    EXPECT_EQ(all[0].answer->problem, font_ + ": " + GetParam().problem);
+    EXPECT_EQ(all[1].answer->picture.pixels, "\1");
+    const SharedAnswer again = answer(previewer, say("draw"));
+    EXPECT_EQ(again->problem, GetParam().ofTheFace ? all[0].answer->problem : "");
+    Request sibling = say("draw");
+    sibling.face = 1;
+    EXPECT_EQ(answer(previewer, sibling)->problem, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ThatMisbehaves, APeer,
+    testing::Values(Misdeed{"Crashing", "crash",
+                            "the preview process ended while drawing it (Segmentation fault)"},
+                    Misdeed{"Killed", "be killed",
+                            "the preview process ended while drawing it (Killed)", false},
+                    Misdeed{"Leaving", "leave",
+                            "the preview process ended while drawing it with status 3", false},
+                    Misdeed{"Waiting", "wait", "drawing it took longer than 30 ms"},
+                    Misdeed{"Spinning", "spin",
+                            "the preview process ended while drawing it (CPU time limit exceeded)"},
+                    Misdeed{"SayingTooMuch", "say too much",
+                            "what the preview process said of it is no answer"},
+                    Misdeed{"SayingNonsense", "say nonsense",
+                            "what the preview process said of it is no answer"},
+                    Misdeed{"GoingOn", "say more than it said",
+                            "what the preview process said of it is no answer"}),
+    [](const auto& misdeed) { return misdeed.param.name; });
+
+TEST_F(APreview, MayTakeNoMoreMemoryThanItsProcessHas) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers' own memory has no bounds";
+#endif
+    PreviewSettings settings = awkward_;
+    settings.memory = std::size_t{1} << 29U;
+    Previewer previewer(settings);
+    EXPECT_EQ(answer(previewer, say("take memory"))->problem,
+              font_ + ": drawing it takes too much memory");
+    EXPECT_EQ(answer(previewer, say("draw"))->picture.pixels, "\1");
+}
+
+TEST_F(APreview, GivesItsProcessNoDescriptorOfTheWindows) {
+    const sys::Descriptor inherited(open("/dev/null", O_RDONLY)); // NOLINT: not closed by exec
+    Previewer previewer(awkward_);
+    EXPECT_EQ(answer(previewer, say("tell descriptors"))->problem, "0");
+}
+
+TEST_F(APreview, IsRefusedWhereNothingCanBeDrawn) {
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<std::pair<Request, std::string>> refused = {
+        {{.file = font_, .text = std::string(maximumText + 1, 'x')}, "the text is longer"},
+        {{.file = font_, .pixels = 0}, "the size is none"},
+        {{.file = font_, .scale = none}, "the size is none"},
+        {{.file = font_, .axes = {{"wght", none}}}, "the axes or features"},
+        {{.file = font_, .axes = {{"wg", 1}}}, "the axes or features"},
+        {{.file = font_, .features = {maximumFeatures + 1, "kern"}}, "the axes or features"},
+        {{.file = "/nowhere"}, "No such file or directory"},
+    };
+    Previewer previewer(awkward_);
+    for (const auto& [request, problem] : refused) {
+        EXPECT_THAT(answer(previewer, request)->problem, StartsWith(request.file + ": " + problem));
+    }
+    Previewer without({.program = "/nowhere"});
+    EXPECT_THAT(answer(without, say("draw"))->problem,
+                StartsWith(font_ + ": it cannot be drawn: /nowhere: No such file"));
+}
+
+} // namespace
