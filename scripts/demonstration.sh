@@ -66,13 +66,14 @@ escape() { printf '%s' "$1" | sed 's/&/\&amp;/g; s/</\&lt;/g'; }
 # The sample sees the sandbox's fonts alone (so not the folder "xdg", which means the machine's data
 # folders too); other documents also see the machine's and the user's
 # fonts, read only.
-system_fonts=''
+system_fonts='' sample=false
 if [ ${#documents[@]} -gt 0 ]; then
     for folder in /usr/share/fonts /usr/local/share/fonts "${XDG_DATA_HOME:-$HOME/.local/share}/fonts" "$HOME/.fonts"; do
         system_fonts+="<dir>$(escape "$folder")</dir>"
     done
 else
     documents=("$root/samples/harbour-festival.svg")
+    sample=true
 fi
 cat >"$sandbox/fonts.conf.new" <<CONF
 <?xml version="1.0"?>
@@ -132,6 +133,10 @@ earlier=$(glyphora history --all | wc -l)
 options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
+if $sample && $manager && ! $json; then
+    options+=(--headless --answers "$root/samples/harbour-festival.answers")
+    save=${save:-$sandbox/harbour-festival.svg}
+fi
 [ -n "$save" ] && options+=(--save "$save")
 # In the background, so that a signal to this script is not kept until the host has ended.
 setpriv --pdeathsig TERM glyphora-host open "${options[@]}" -- "${documents[@]}" &

@@ -63,6 +63,7 @@ struct Dialog : Routines<ADMDialogNotifyProc, ADMDialogDrawProc, ADMDialogTrackP
         bool cancelled = false;
     };
     bool running = false;
+    bool dying = false; ///< being destroyed
     std::optional<Ending> ending;
 };
 

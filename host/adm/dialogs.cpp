@@ -48,14 +48,16 @@ const TextMetrics& Dialogs::metrics() const noexcept {
 
 template <typename Call>
 void Dialogs::call(Dialog& dialog, Call routine) noexcept {
+    Plugin& plugin = *core_.plugin(dialog.plugin);
+    const ADMDialogRef handle = dialog.handle;
     try {
-        const Core::ServeScope serving(core_, core_.plugin(dialog.plugin));
+        const Core::ServeScope serving(core_, &plugin);
         routine();
     } catch (...) {
-        core_.ledger().report(core_.plugin(dialog.plugin)->name(),
-                              "threw an exception out of a routine of the dialog \"" + dialog.name +
-                                  "\"");
-        endModal(dialog, kADMCancelItemID, true);
+        core_.ledger().report(plugin.name(), "threw an exception out of a routine of a dialog");
+        if (Dialog* const still = find(handle)) { // the routine may have destroyed it
+            endModal(*still, kADMCancelItemID, true);
+        }
     }
 }
 
@@ -83,18 +85,22 @@ SPErr Dialogs::create(Plugin& plugin, const char* name, std::int32_t layoutID,
         error = kBadParameterErr; // unless the routine comes to its end
         call(dialog, [&] { error = init(handle, data); });
     }
-    if (error != kNoErr) {
-        drop(dialog);
-        return error;
+    Dialog* const made = find(handle); // the routine may have destroyed it
+    if (error == kNoErr && made != nullptr) {
+        result = handle;
+        return kNoErr;
     }
-    result = handle;
-    return kNoErr;
+    if (made != nullptr) {
+        drop(*made);
+    }
+    return error != kNoErr ? error : kBadParameterErr;
 }
 
 SPErr Dialogs::destroy(Dialog& dialog) {
-    if (dialog.running) {
+    if (dialog.running || dialog.dying) {
         return kBadParameterErr;
     }
+    dialog.dying = true;
     timerHandles_.forEach([&](ADMTimerRef handle, const Timer& timer) {
         if (timer.dialog == &dialog && timer.abort != nullptr) {
             call(dialog, [&] { timer.abort(dialog.handle, handle); });
@@ -191,16 +197,31 @@ void Dialogs::select(Tree& tree, std::vector<Row*> rows, Row* active) {
     notify(item);
 }
 
-void Dialogs::click(Row& row, bool twice) {
-    Item& item = row.list.tree.item();
-    const Tree& tree = row.list.tree;
-    if (!item.enabled || !isReached(item.dialog) || tree.track == nullptr ||
-        (tree.mask & kADMButtonMask) == 0) {
+template <typename Tracked, typename Handle>
+void Dialogs::track(Dialog& dialog, const Tracked& tracked, Handle handle, bool twice) {
+    if (!isReached(dialog) || tracked.track == nullptr || (tracked.mask & kADMButtonMask) == 0) {
         return;
     }
     const ScopedHandle tracker(trackers_,
                                trackers_.add(DialogTracker{twice ? kADMDoubleClickModifier : 0}));
-    call(item.dialog, [&] { tree.track(row.handle, tracker.get()); });
+    call(dialog, [&] { tracked.track(handle, tracker.get()); });
+}
+
+void Dialogs::click(Row& row, bool twice) {
+    const Item& item = row.list.tree.item();
+    if (item.enabled) {
+        track(item.dialog, row.list.tree, row.handle, twice);
+    }
+}
+
+void Dialogs::click(Item& item, bool twice) {
+    if (item.enabled) {
+        track(item.dialog, item, item.handle, twice);
+    }
+}
+
+void Dialogs::click(Dialog& dialog, bool twice) {
+    track(dialog, dialog, dialog.handle, twice);
 }
 
 void Dialogs::setExpanded(Row& row, bool expanded) {

@@ -68,14 +68,16 @@ public:
     /// The dialogs that run, innermost last.
     const std::vector<Dialog*>& running() const noexcept { return running_; }
 
-    // What a user does. None of it does anything to a dialog within which another one runs, or to
-    // an item that is not enabled.
+    // What a user does. None of it, but for the opening of rows, does anything to a dialog within
+    // which another one runs, or to an item that is not enabled.
     void press(Item& item);
     /// As if its second button were pressed; ends it anyway if there is none.
     void giveUp(Dialog& dialog);
     void select(Tree& tree, std::vector<Row*> rows, Row* active);
     /// The release of a mouse button over a row, after the selection has changed.
     void click(Row& row, bool twice);
+    void click(Dialog& dialog, bool twice);
+    void click(Item& item, bool twice);
     void setExpanded(Row& row, bool expanded);
 
     /// Has the row drawn. `width` and `height` are its size. By the plug-in's routine if it has
@@ -134,6 +136,8 @@ private:
     template <typename Call>
     void withDrawer(Canvas& canvas, const ADMRect& bounds, Call routine);
     bool isReached(const Dialog& dialog) const noexcept;
+    template <typename Tracked, typename Handle>
+    void track(Dialog& dialog, const Tracked& tracked, Handle handle, bool twice);
     void notify(Item& item);
     void notifyDialog(Dialog& dialog, ADMNotifierRef handle);
     void dropHandles(Row& row) noexcept;

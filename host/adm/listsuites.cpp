@@ -3,7 +3,7 @@
 #include "host/adm/admsuites.h"
 #include "host/adm/suitebodies.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace host {
 
@@ -76,7 +76,7 @@ SPErr setExtent(Dialogs& dialogs, ADMHierarchyListRef ref, std::int32_t pixels) 
         if (pixels < 1) {
             return kBadParameterErr;
         }
-        list.*member = pixels;
+        list.*member = member == &RowList::entryHeight ? std::max(list.*member, pixels) : pixels;
         dialogs.changed(list.tree.item());
         return kNoErr;
     });
@@ -157,6 +157,13 @@ SPErr expand(Dialogs& dialogs, ADMListEntryRef ref, AIBoolean expanded) {
     return with(dialogs, ref, [&](Row& row) { dialogs.setExpanded(row, expanded != 0); });
 }
 
+SPErr select(Dialogs& dialogs, ADMListEntryRef ref, AIBoolean selected) {
+    return with(dialogs, ref, [&](Row& row) {
+        row.list.tree.setSelected(row, selected != 0);
+        dialogs.changed(row.list.tree.item());
+    });
+}
+
 SPErr getMeasuringDrawer(Dialogs& dialogs, ADMListEntryRef ref, ADMDrawerRef* drawer) {
     return with(dialogs, ref, [&](const Row&) { *drawer = dialogs.measuringDrawer(); });
 }
@@ -203,6 +210,7 @@ constexpr ADMListEntrySuite4 listEntryTable{
     inEntry<"Expand", expand>,
     inEntry<"IsExpanded", getMember<&Row::expanded, ADMListEntryRef, AIBoolean>>,
     inEntry<"IsSelected", getMember<&Row::selected, ADMListEntryRef, AIBoolean>>,
+    inEntry<"Select", select>,
     inEntry<"GetMeasuringDrawer", getMeasuringDrawer>,
 };
 

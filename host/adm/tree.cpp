@@ -83,6 +83,17 @@ void Tree::select(std::vector<Row*> rows, Row* active) {
     active_ = active;
 }
 
+void Tree::setSelected(Row& row, bool selected) {
+    if (selected && !multiSelect) {
+        select({&row}, active_);
+    }
+    row.selected = selected;
+    selectionKnown_ = false;
+    if (selected && active_ == nullptr) {
+        active_ = &row;
+    }
+}
+
 const std::vector<Row*>& Tree::selected() {
     if (!selectionKnown_) {
         selected_.clear();

@@ -70,6 +70,7 @@ public:
     /// Selects exactly `rows`, of which all but the last are left out unless several are allowed.
     /// `active` may be nullptr.
     void select(std::vector<Row*> rows, Row* active);
+    void setSelected(Row& row, bool selected);
     /// In the order of the rows, those below a closed row included.
     const std::vector<Row*>& selected();
     Row* active() const noexcept { return active_; }

@@ -19,6 +19,7 @@ ADMErr BaseADMDialog::Create(SPPluginRef plugin, const char* name, std::int32_t 
                              std::int32_t style, std::int32_t options) {
     ADMDialogRef dialog = nullptr;
     initError_ = kNoErr;
+    failure_ = nullptr;
     const ADMErr error =
         sADMDialog->Create(plugin, name, layoutID, style, initProc, this, options, &dialog);
     if (error != kNoErr) {

@@ -35,7 +35,8 @@ public:
     ADMDialogRef GetDialogRef() const noexcept { return dialog_; }
     /// Null if there is no dialog or no such item.
     ADMItemRef GetItem(std::int32_t itemID) const noexcept;
-    /// Ends the modal run as if the user had pressed `item`; `cancelled` if they gave up.
+    /// Ends the modal run with `item` as what ended it; nobody is notified. `cancelled` if the user
+    /// gave up.
     void EndModal(std::int32_t item, bool cancelled) noexcept;
 
     /// For a routine that is handed to the host by itself: does `work` for the dialog, and if that

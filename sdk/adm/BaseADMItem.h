@@ -19,7 +19,7 @@ public:
     explicit BaseADMItem(ADMItemRef item) noexcept : item_(item) {}
     BaseADMItem(const BaseADMItem&) = delete;
     BaseADMItem& operator=(const BaseADMItem&) = delete;
-    /// An attached item must be destroyed after its dialog, or before any callback comes.
+    /// One that was attached must outlive its dialog.
     virtual ~BaseADMItem() = default;
 
     /// Routes the callbacks to this object, and calls Init().

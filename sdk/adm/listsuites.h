@@ -39,6 +39,7 @@ struct ADMHierarchyListSuite {
     ADMErr (*GetBoundsRect)(ADMHierarchyListRef list, ADMRect* bounds);
     /// [main-thread] Size of the rows of this list alone, in pixels. kBadParameterErr: below 1.
     ADMErr (*SetEntryWidth)(ADMHierarchyListRef list, std::int32_t width);
+    /// [main-thread] The same; of several heights the greatest holds, as all rows are equally high.
     ADMErr (*SetEntryHeight)(ADMHierarchyListRef list, std::int32_t height);
     /// [main-thread] How far the rows of this list stand to the right of where they would stand by
     /// their depth; negative: to the left.
@@ -83,8 +84,11 @@ struct ADMListEntrySuite4 {
     ADMErr (*Expand)(ADMListEntryRef entry, AIBoolean expanded);
     ADMErr (*IsExpanded)(ADMListEntryRef entry, AIBoolean* expanded); ///< [main-thread]
     ADMErr (*IsSelected)(ADMListEntryRef entry, AIBoolean* selected); ///< [main-thread]
+    /// [main-thread] Adds the entry to what is selected, or takes it out, as if it had been so
+    /// before: no notifier comes. It becomes the active one if there is none.
+    ADMErr (*Select)(ADMListEntryRef entry, AIBoolean selected);
     /// [main-thread] A drawer to measure with, as its row would be drawn; valid as long as the
     /// dialog. What is drawn with it goes nowhere.
     ADMErr (*GetMeasuringDrawer)(ADMListEntryRef entry, ADMDrawerRef* drawer);
 };
-static_assert(isSuiteTable<ADMListEntrySuite4, 11>);
+static_assert(isSuiteTable<ADMListEntrySuite4, 12>);

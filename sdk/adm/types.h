@@ -52,8 +52,7 @@ constexpr const char* kADMUserChangedNotifier = "ADM User Changed Notifier";
 
 // What a track routine is called for; a mask is a sum of these.
 constexpr std::uint32_t kADMButtonMask = 0x4; ///< a mouse button was released over it
-/// What the routine is not called for is tracked by the host as ever. Without it, the host does
-/// nothing else with the mouse.
+/// What the routine is not called for is tracked by the host as ever. This host does so anyway.
 constexpr std::uint32_t kADMDefaultTrackingMask = 0x80000000;
 
 /// Bit of a tracker's modifiers: the release ends a double click.
@@ -78,7 +77,7 @@ using ADMDialogInitProc = ADMErr (*)(ADMDialogRef dialog, void* data);
 using ADMDialogNotifyProc = void (*)(ADMDialogRef dialog, ADMNotifierRef notifier);
 /// [main-thread] Draws what lies behind the items.
 using ADMDialogDrawProc = void (*)(ADMDialogRef dialog, ADMDrawerRef drawer);
-/// [main-thread] The result says whether the mouse was dealt with.
+/// [main-thread] The result says whether the mouse was dealt with; the host goes on all the same.
 using ADMDialogTrackProc = AIBoolean (*)(ADMDialogRef dialog, ADMTrackerRef tracker);
 /// [main-thread] The same for one item.
 using ADMItemNotifyProc = void (*)(ADMItemRef item, ADMNotifierRef notifier);
@@ -86,7 +85,7 @@ using ADMItemDrawProc = void (*)(ADMItemRef item, ADMDrawerRef drawer);
 using ADMItemTrackProc = AIBoolean (*)(ADMItemRef item, ADMTrackerRef tracker);
 /// [main-thread] Draws one row.
 using ADMListEntryDrawProc = void (*)(ADMListEntryRef entry, ADMDrawerRef drawer);
-/// [main-thread] The result says whether the mouse was dealt with.
+/// [main-thread] The result says whether the mouse was dealt with; the host goes on all the same.
 using ADMListEntryTrackProc = AIBoolean (*)(ADMListEntryRef entry, ADMTrackerRef tracker);
 /// [main-thread] A timer's time has passed. The result says whether it is to come again.
 using ADMTimerProc = AIBoolean (*)(ADMDialogRef dialog, ADMTimerRef timer);

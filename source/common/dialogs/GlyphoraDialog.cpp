@@ -47,6 +47,7 @@ void GlyphoraDialog::setFontData(const VexFontSuite::FontInfos& fonts) {
 ADMErr GlyphoraDialog::Create(SPPluginRef plugin, const char* name, std::int32_t layoutID,
                               std::int32_t style, std::int32_t options) {
     pluginRef_ = plugin;
+    isClosing_ = false;
     return BaseADMDialog::Create(plugin, name, layoutID, style, options);
 }
 
@@ -118,9 +119,11 @@ GLY::GLYFontRequestEvent GlyphoraDialog::requestFonts() const {
 }
 
 std::int32_t GlyphoraDialog::OnGLYNotify(const std::string& /*text*/) {
-    static_cast<void>(requestFonts());
-    synchronizeDialog();
-    return 0;
+    return guard(GetDialogRef(), std::int32_t{0}, [this](BaseADMDialog& /*dialog*/) {
+        static_cast<void>(requestFonts());
+        synchronizeDialog();
+        return std::int32_t{0};
+    });
 }
 
 void GlyphoraDialog::InitFonts() {

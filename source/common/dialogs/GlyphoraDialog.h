@@ -17,8 +17,9 @@
 
 /// Give it the fonts, then run it by Modal(). It asks the font manager again whenever that has news
 /// of its library, and closes by itself, with the chosen replacements made, once nothing is
-/// missing. Throws ai::Error when the host refuses a call that it cannot do without.
-/// [main-thread], with the suites acquired.
+/// missing. Throws ai::Error when the host refuses a call that it cannot do without; what the font
+/// manager's answers and the replacements make it throw comes out of Modal(), too. [main-thread],
+/// with the suites acquired.
 class GlyphoraDialog : public BaseADMDialog, public GLY::IGLYChangeNotifier {
 public:
     GlyphoraDialog() = default;
@@ -34,12 +35,12 @@ public:
     /// Gives up the news, and the rows with what they own.
     void Destroy() override;
 
-    /// Asks the font manager again, and shows what it says. Returns 0. Throws Orvil::Exception when
-    /// a font of the answer cannot be read, and what synchronizeDialog() throws.
+    /// Asks the font manager again, and shows what it says. Returns 0. What goes wrong ends the
+    /// dialog and comes out of Modal().
     std::int32_t OnGLYNotify(const std::string& text) override;
 
-    /// Makes the rows anew from the records. If none is missing, it also makes the replacements and
-    /// ends the dialog, after a moment in which the user sees that. Throws what
+    /// Makes the rows anew from the records; what was open and selected is so again. If none is
+    /// missing, it also makes the replacements, pauses, and ends the dialog. Throws what
     /// processReplacements() throws.
     void synchronizeDialog();
     /// Texts and enabling of all other items, by what is selected.
@@ -48,7 +49,8 @@ public:
     /// another, and ATE::Exception.
     void processReplacements();
     /// Asks the font manager whether the dialog is to be shown: if not, it runs unattended, out of
-    /// sight and for 15 s at most. For use before Modal(). Throws as OnGLYNotify().
+    /// sight and for 15 s at most. Counts before Init() only. Throws Orvil::Exception when a font
+    /// of the answer cannot be read.
     void InitFonts();
 
     /// Breaks `text` into lines no wider than `width` as the entry's row would draw them; `height`
@@ -76,9 +78,11 @@ private:
     ADMHierarchyListRef fontList() const noexcept;
     Rows selectedRows() const;
     void insertFontRow(std::int32_t index, const Orvil::SmartPointer<GLY::GLYFontInfo>& info,
-                       const Expansions& expansions);
+                       const RowStates& before);
+    /// `before` may be null.
     void insertCandidateRows(ADMListEntryRef fontEntry,
-                             const Orvil::SmartPointer<GLY::GLYFontInfo>& info);
+                             const Orvil::SmartPointer<GLY::GLYFontInfo>& info,
+                             const RowState* before);
     void prepareList();
     void layOutList();
     void runUnattended();
@@ -96,6 +100,7 @@ private:
     std::map<std::string, std::string> replacements_; ///< PostScript name to chosen font's name
     std::unique_ptr<GlyphoraReplaceDialog> replaceDialog_;
     SPPluginRef pluginRef_ = nullptr;
-    std::int32_t stayOpen_ = 1; ///< 0: runs unattended
-    NewsForwarder* news_ = nullptr;
+    std::int32_t stayOpen_ = 1;     ///< 0: runs unattended
+    bool isClosing_ = false;        ///< by itself
+    NewsForwarder* news_ = nullptr; ///< the module's
 };

@@ -75,7 +75,7 @@ AIBoolean GlyphoraDialog::FontListTracker(ADMListEntryRef entry, ADMTrackerRef t
     });
 }
 
-/// Routines come first: the base's Init() may already cause callbacks.
+/// Routines come first: rows may be drawn as soon as there are any.
 void GlyphoraDialog::prepareList() {
     ADMHierarchyListRef list = fontList();
     check(sADMHierarchyList->GetTrackProc(list, &previousTracker));
@@ -116,16 +116,17 @@ GlyphoraDialog::Rows GlyphoraDialog::selectedRows() const {
 }
 
 void GlyphoraDialog::synchronizeDialog() {
-    const Expansions expansions = emptyFontList(fontList());
+    const RowStates before = emptyFontList(fontList());
     std::int32_t index = 0;
     for (const auto& info : fonts_) {
         if (!info->font.isActive) {
-            insertFontRow(index++, info, expansions);
+            insertFontRow(index++, info, before);
         }
     }
     BaseADMItem(*this, fontListItem).Invalidate();
     updateFontList();
-    if (VexFontSuite::getNumMissingFonts(fonts_) == 0) {
+    if (!isClosing_ && VexFontSuite::getNumMissingFonts(fonts_) == 0) {
+        isClosing_ = true; // further news may come before the run has ended
         processReplacements();
         Delay(closingPause, nullptr);
         EndModal(kADMOKItemID, false);
@@ -134,22 +135,28 @@ void GlyphoraDialog::synchronizeDialog() {
 
 void GlyphoraDialog::insertFontRow(std::int32_t index,
                                    const Orvil::SmartPointer<GLY::GLYFontInfo>& info,
-                                   const Expansions& expansions) {
+                                   const RowStates& before) {
     ADMListEntryRef entry = nullptr;
     check(sADMHierarchyList->InsertEntry(fontList(), index, &entry));
     giveContainer(entry, {UserDataContainer::fontRow, info->font.containerID, info});
-    if (info->replaced == 0 && !info->font.fontInfos.empty()) {
-        insertCandidateRows(entry, info);
+    const auto found = before.find(info.get());
+    const RowState* const state = found != before.end() ? &found->second : nullptr;
+    if (state != nullptr && state->selected) {
+        check(sADMListEntry4->Select(entry, 1));
     }
-    if (const auto before = expansions.find(info.get()); before != expansions.end()) {
-        sADMListEntry4->Expand(entry, static_cast<AIBoolean>(before->second));
+    if (info->replaced == 0 && !info->font.fontInfos.empty()) {
+        insertCandidateRows(entry, info, state);
+    }
+    if (state != nullptr) {
+        sADMListEntry4->Expand(entry, static_cast<AIBoolean>(state->expanded));
     } else if (info->font.fontInfos.size() == 1) {
         sADMListEntry4->Expand(entry, 0);
     }
 }
 
 void GlyphoraDialog::insertCandidateRows(ADMListEntryRef fontEntry,
-                                         const Orvil::SmartPointer<GLY::GLYFontInfo>& info) {
+                                         const Orvil::SmartPointer<GLY::GLYFontInfo>& info,
+                                         const RowState* before) {
     ADMHierarchyListRef candidates = nullptr;
     check(sADMListEntry4->CreateChildList(fontEntry, &candidates));
     check(sADMHierarchyList->SetIndentation(candidates, candidateIndentation));
@@ -161,6 +168,9 @@ void GlyphoraDialog::insertCandidateRows(ADMListEntryRef fontEntry,
         check(sADMHierarchyList->InsertEntry(candidates, index++, &entry));
         giveContainer(entry, {UserDataContainer::candidateRow, candidate.name, info});
         check(sADMListEntry4->SetText(entry, candidate.value.c_str()));
+        if (before != nullptr && before->selectedCandidates.contains(candidate.name)) {
+            check(sADMListEntry4->Select(entry, 1));
+        }
         float height = 0;
         breakStringAtWidth(entry, candidate.value, static_cast<float>(width), height);
         check(sADMHierarchyList->SetEntryHeight(candidates,

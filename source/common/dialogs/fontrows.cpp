@@ -18,7 +18,12 @@ std::unique_ptr<UserDataContainer> takeContainer(ADMListEntryRef entry) {
     return container;
 }
 
-void dropCandidateContainers(ADMListEntryRef entry) {
+bool isSelected(ADMListEntryRef entry) {
+    AIBoolean selected = 0;
+    return sADMListEntry4->IsSelected(entry, &selected) == kNoErr && selected != 0;
+}
+
+void takeCandidateContainers(ADMListEntryRef entry, RowState& state) {
     ADMHierarchyListRef candidates = nullptr;
     std::int32_t count = 0;
     if (sADMListEntry4->GetChildList(entry, &candidates) != kNoErr || candidates == nullptr ||
@@ -27,8 +32,12 @@ void dropCandidateContainers(ADMListEntryRef entry) {
     }
     for (std::int32_t i = 0; i < count; ++i) {
         ADMListEntryRef candidate = nullptr;
-        if (sADMHierarchyList->GetEntry(candidates, i, &candidate) == kNoErr) {
-            takeContainer(candidate);
+        if (sADMHierarchyList->GetEntry(candidates, i, &candidate) != kNoErr) {
+            continue;
+        }
+        const auto container = takeContainer(candidate);
+        if (container != nullptr && isSelected(candidate)) {
+            state.selectedCandidates.insert(container->text);
         }
     }
 }
@@ -64,20 +73,23 @@ std::string containerToShow(const UserDataContainer& row) {
     return row.kind == UserDataContainer::fontRow ? anyContainer : row.text;
 }
 
-Expansions emptyFontList(ADMHierarchyListRef list) {
-    Expansions expansions;
+RowStates emptyFontList(ADMHierarchyListRef list) {
+    RowStates states;
     ADMListEntryRef entry = nullptr;
-    while (sADMHierarchyList->GetEntry(list, 0, &entry) == kNoErr) {
+    for (std::int32_t kept = 0; sADMHierarchyList->GetEntry(list, kept, &entry) == kNoErr;) {
         AIBoolean expanded = 0;
+        RowState state;
         const auto container = takeContainer(entry);
+        takeCandidateContainers(entry, state);
         if (container != nullptr && container->kind == UserDataContainer::fontRow &&
             sADMListEntry4->IsExpanded(entry, &expanded) == kNoErr) {
-            expansions[container->info.get()] = expanded != 0;
+            state.expanded = expanded != 0;
+            state.selected = isSelected(entry);
+            states[container->info.get()] = std::move(state);
         }
-        dropCandidateContainers(entry);
-        if (sADMHierarchyList->RemoveEntry(list, 0) != kNoErr) {
-            break;
+        if (sADMHierarchyList->RemoveEntry(list, kept) != kNoErr) {
+            ++kept;
         }
     }
-    return expansions;
+    return states;
 }

@@ -8,6 +8,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 /// Numbers in the layout; OK and Cancel are the host's.
 enum DialogItem : std::int32_t {
@@ -46,9 +47,14 @@ void giveContainer(ADMListEntryRef entry, UserDataContainer container);
 /// The container of a request by which the font manager chooses.
 constexpr const char* anyContainer = "-1";
 
-/// Whether the row of a record shows its candidates.
-using Expansions = std::unordered_map<const GLY::GLYFontInfo*, bool>;
+/// How the rows of a record were.
+struct RowState {
+    bool expanded = false;
+    bool selected = false;
+    std::unordered_set<std::string> selectedCandidates; ///< by name
+};
+using RowStates = std::unordered_map<const GLY::GLYFontInfo*, RowState>;
 
-/// Removes all entries with their containers, and returns how the font rows were. `list` may be
-/// null. Throws nothing but std::bad_alloc.
-Expansions emptyFontList(ADMHierarchyListRef list);
+/// Removes all entries with their containers, and returns how they were. An entry that the host
+/// does not remove stays without one. `list` may be null. Throws nothing but std::bad_alloc.
+RowStates emptyFontList(ADMHierarchyListRef list);
