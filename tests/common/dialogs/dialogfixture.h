@@ -79,9 +79,7 @@ protected:
         platform.sent.clear();
         dialog.setFontData(fonts);
         expect(std::move(user));
-        const std::int32_t item = dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0);
-        view.runs.clear();
-        return item;
+        return dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0);
     }
     std::int32_t run(User user) {
         GlyphoraDialog dialog;

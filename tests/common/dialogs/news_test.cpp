@@ -61,10 +61,38 @@ TEST_F(TheNews, CloseTheDialogOnceNothingIsMissing) {
         ASSERT_TRUE(dialog.ending);
         EXPECT_FALSE(dialog.ending->cancelled);
         EXPECT_THAT(rows(dialog), IsEmpty());
+        announce(); // news that waited behind these
     });
     EXPECT_EQ(ended, kADMOKItemID);
     EXPECT_THAT(platform.delays, ElementsAre(200));
     EXPECT_THAT(documentFamilies(), ElementsAre("Aa", "Spare", "Cc", "Present"));
+}
+
+TEST_F(TheNews, LeaveWhatIsSelectedAndOpen) {
+    run([&](host::Dialog& dialog) {
+        dialogs.setExpanded(row(dialog, "Cc"), true);
+        select(dialog, {"Bb", "Cc 1"});
+        answer({{"Aa", 1, true}, {"Bb"}, {"Cc", 2, false, {"20", "21", "22"}}});
+        announce();
+        EXPECT_THAT(families(dialog), ElementsAre("Bb", "Cc"));
+        EXPECT_TRUE(row(dialog, "Bb").selected && row(dialog, "Cc").expanded);
+        EXPECT_FALSE(row(dialog, "Cc 1").selected);
+        EXPECT_TRUE(row(dialog, "Cc 2").selected) << "it is found by its name";
+    });
+}
+
+TEST_F(TheNews, LeaveTheChoiceThatIsBeingMade) {
+    run([&](host::Dialog& dialog) {
+        select(dialog, {"Bb"});
+        expect([&](host::Dialog& inner) {
+            announce();
+            host::Tree& tree = *inner.item(3)->tree;
+            dialogs.select(tree, {tree.top().rows[1].get()}, tree.top().rows[1].get());
+            press(inner, kADMOKItemID);
+        });
+        press(dialog, replaceButton);
+        EXPECT_EQ(fonts[1]->replaced, 1);
+    });
 }
 
 TEST_F(TheNews, EndWithWhatRunsWithinTheDialog) {
@@ -78,6 +106,7 @@ TEST_F(TheNews, EndWithWhatRunsWithinTheDialog) {
         press(dialog, replaceButton);
         EXPECT_TRUE(dialog.ending);
     });
+    EXPECT_THAT(platform.delays, ElementsAre(200)) << "once";
 }
 
 TEST_F(TheNews, GoToTheOpenDialogAloneAndOnce) {

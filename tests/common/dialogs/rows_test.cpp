@@ -39,7 +39,7 @@ TEST_F(TheRows, HaveTheirSizes) {
         EXPECT_EQ(candidates.indentation, -50);
         EXPECT_EQ(candidates.entryWidth, width);
         EXPECT_EQ(candidates.entryHeight, 3 * 16 + 3);
-        EXPECT_EQ(row(dialog, "Bb").children->entryHeight, 16 + 3) << "the last one's";
+        EXPECT_EQ(row(dialog, "Bb").children->entryHeight, 3 * 16 + 3) << "the highest one's";
     });
 }
 
