@@ -103,9 +103,10 @@ void limitThisProcess(std::size_t memory) noexcept {
 void allowProcessorTime(unsigned seconds) noexcept {
     rusage used{};
     getrusage(RUSAGE_SELF, &used);
-    const auto spent = static_cast<rlim_t>(used.ru_utime.tv_sec + used.ru_stime.tv_sec);
-    // Whole seconds are counted: what is left of this one and of the sum is given away.
-    const rlimit limit{spent + seconds + 1, RLIM_INFINITY};
+    const auto fractions = used.ru_utime.tv_usec + used.ru_stime.tv_usec;
+    const auto spent = used.ru_utime.tv_sec + used.ru_stime.tv_sec + fractions / 1'000'000;
+    // Whole seconds are counted: the one that has begun comes on top.
+    const rlimit limit{static_cast<rlim_t>(spent) + seconds + 1, RLIM_INFINITY};
     setrlimit(RLIMIT_CPU, &limit);
 }
 

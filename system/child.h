@@ -39,10 +39,11 @@ private:
     pid_t process_ = -1;
 };
 
-/// Has the calling process end when its parent does, write no core file and take at most `memory`
-/// bytes of address space.
+/// Has the calling process end when the thread that started it does, write no core file and take at
+/// most `memory` bytes of address space.
 void limitThisProcess(std::size_t memory) noexcept;
-/// Allows the calling process `seconds` more of processor time; SIGXCPU ends it then.
+/// Allows the calling process `seconds` more of processor time, and the rest of the one that has
+/// begun; SIGXCPU ends it then.
 void allowProcessorTime(unsigned seconds) noexcept;
 
 } // namespace sys

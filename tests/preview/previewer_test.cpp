@@ -52,12 +52,14 @@ protected:
     testsupport::TemporaryFolder folder_;
     std::string font_ = folder_.write("font", "x");
     std::string other_ = folder_.write("other", "x");
-    PreviewSettings awkward_{.program = GLYPHORA_AWKWARD_PEER};
+    /// No machine is so busy that a line takes longer.
+    static constexpr std::chrono::minutes patience{2};
+    PreviewSettings awkward_{.program = GLYPHORA_AWKWARD_PEER, .timePerLine = patience};
 };
 
 TEST_F(APreview, ComesFromTheProgram) {
     folder_.write("font", managertest::makeFont({}));
-    Previewer previewer({.program = GLYPHORA_PREVIEW});
+    Previewer previewer({.program = GLYPHORA_PREVIEW, .timePerLine = patience});
     const SharedAnswer drawn = answer(previewer, say("HAMBURG\u6F22"));
     EXPECT_EQ(drawn->problem, "");
     EXPECT_EQ(drawn->missing, U"\u6F22");
@@ -82,7 +84,7 @@ TEST_F(APreview, IsOfTheNewestRequestFirstAndOfNoneThatWasCancelled) {
 
 TEST_F(APreview, IsKeptUntilItsFileChangesOrTheBoundIsReached) {
     PreviewSettings settings = awkward_;
-    settings.cached = 1200; // three answers
+    settings.cached = 3 * (350 + font_.size()); // three answers
     Previewer previewer(settings);
     const SharedAnswer first = answer(previewer, say("a"));
     static_cast<void>(answer(previewer, say("b")));
@@ -108,10 +110,10 @@ class APeer : public APreview, public testing::WithParamInterface<Misdeed> {};
 
 TEST_P(APeer, CostsItsOwnPictureOnly) {
     PreviewSettings settings = awkward_;
-    settings.processorSeconds = 0; // one that has begun
-    settings.memory = std::size_t{1} << 29U;
     if (GetParam().text == "wait") {
-        settings.timePerLine = std::chrono::milliseconds(30);
+        settings.timePerLine = std::chrono::seconds(2);
+    } else if (GetParam().text == "spin") {
+        settings.processorSeconds = 0; // the rest of the first
     }
     Previewer previewer(settings);
     const RequestId good = previewer.request(say("draw", "other"));
@@ -135,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(
                             "the preview process ended while drawing it (Killed)", false},
                     Misdeed{"Leaving", "leave",
                             "the preview process ended while drawing it with status 3", false},
-                    Misdeed{"Waiting", "wait", "drawing it took longer than 30 ms"},
+                    Misdeed{"Waiting", "wait", "drawing it took longer than 2000 ms"},
                     Misdeed{"Spinning", "spin",
                             "the preview process ended while drawing it (CPU time limit exceeded)"},
                     Misdeed{"SayingTooMuch", "say too much",
