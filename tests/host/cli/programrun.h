@@ -25,12 +25,13 @@ struct ProgramResult {
     std::string errors;
 };
 
-/// A folder of its own, with drawings in it, and neither plug-in nor bus in the environment.
+/// A folder of its own, with drawings in it, and neither plug-in, bus nor display in the
+/// environment.
 class ProgramFixture : public ::testing::Test {
 protected:
     ProgramFixture() {
-        for (const char* name :
-             {"GLYPHORA_PLUGIN", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"}) {
+        for (const char* name : {"GLYPHORA_PLUGIN", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR",
+                                 "DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
             unsetenv(name);
         }
     }
