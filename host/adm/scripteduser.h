@@ -52,6 +52,8 @@ public:
     /// No more dialogs will come: a command that is left, other than a wait, is reported as an
     /// error.
     void finish();
+    AtEnd atEnd() const noexcept { return atEnd_; }
+    void setAtEnd(AtEnd atEnd) noexcept { atEnd_ = atEnd; }
     bool failed() const noexcept { return failed_; }
     /// The dialogs that began to run since the last call; none runs now.
     [[nodiscard]] std::vector<ShownDialog> takeShown() { return std::exchange(shown_, {}); }

@@ -12,6 +12,9 @@ void ConsoleFrontend::showAlert(const Alert& alert) {
     std::string text = alert.title.empty() ? alert.text : alert.title + ": " + alert.text;
     std::replace(text.begin(), text.end(), '\n', ' ');
     printLine("alert: " + text);
+    if (alertWindow_) {
+        alertWindow_(alert);
+    }
 }
 
 void ConsoleFrontend::reportError(std::string_view text) {

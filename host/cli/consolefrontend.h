@@ -4,9 +4,11 @@
 
 #include "host/core/frontend.h"
 
+#include <functional>
 #include <iosfwd>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -15,6 +17,11 @@ class ConsoleFrontend : public Frontend {
 public:
     /// `errors` outlives the frontend.
     explicit ConsoleFrontend(std::ostream& errors) : stream_(errors) {}
+
+    /// [main-thread, modal] Shows alerts beside the line about them; must not throw.
+    using AlertWindow = std::function<void(const Alert&)>;
+    /// Nothing: there is no window.
+    void setAlertWindow(AlertWindow window) { alertWindow_ = std::move(window); }
 
     void showAlert(const Alert& alert) override;
     void reportError(std::string_view text) override;
@@ -28,6 +35,7 @@ private:
 
     std::mutex mutex_; ///< of the stream
     std::ostream& stream_;
+    AlertWindow alertWindow_;
     std::vector<Alert> alerts_;
     std::vector<std::string> errors_;
 };

@@ -56,6 +56,10 @@ void declareOpen(CLI::App& app, Options& options) {
     app.add_option("--answers", options.answers,
                    "Answer dialogs by this script, a command a line (see the manual page)")
         ->type_name("FILE");
+    app.add_option("--pictures", options.pictures,
+                   "Write a picture of every window into this folder, without a display, too")
+        ->type_name("FOLDER")
+        ->check(CLI::ExistingDirectory);
 }
 
 } // namespace

@@ -25,9 +25,10 @@ struct Options {
     bool reload = false;                       ///< unload and reload between documents
     bool keepGroups = false;
     bool failOnMissing = false;
-    bool headless = false;                        ///< no windows, even where there is a display
-    std::optional<std::filesystem::path> answers; ///< a script for the dialogs
-    bool quiet = false;                           ///< only what went wrong
+    bool headless = false;                         ///< no windows, even where there is a display
+    std::optional<std::filesystem::path> answers;  ///< a script for the dialogs
+    std::optional<std::filesystem::path> pictures; ///< a folder for pictures of windows
+    bool quiet = false;                            ///< only what went wrong
     bool verbose = false;               ///< with counts of suite calls and what plug-ins print
     std::vector<std::string> misbehave; ///< see applySabotage
 };

@@ -5,6 +5,7 @@
 #include "host/cli/bundlesearch.h"
 #include "host/cli/sabotage.h"
 #include "host/core/text.h"
+#include "platform/application.h"
 
 #include <exception>
 #include <new>
@@ -54,9 +55,10 @@ Session::Session(const Options& options, ConsoleFrontend& frontend, Clock::time_
     : options_(options), frontend_(frontend), start_(start),
       application_(frontend, applicationOptions(options)),
       user_(application_.dialogs(), answersOf(options), ScriptedUser::AtEnd::GiveUp),
-      view_(application_.dialogs(), user_,
-            [this](std::uint32_t ticks) { desktop_->waitForEvents(ticks); }) {
+      headlessView_(application_.dialogs(), user_,
+                    [this](std::uint32_t ticks) { desktop_->waitForEvents(ticks); }) {
     application_.dialogs().setView(&view_);
+    frontend_.setAlertWindow([this](const Alert& alert) { showAlert(alert); });
 }
 
 Session::~Session() {
@@ -193,6 +195,42 @@ void Session::save(const OpenDocument& document, DocumentReport& report) {
     } catch (const std::bad_alloc&) {
         report.error =
             options_.save->string() + ": too large to be made in the memory that there is";
+    }
+}
+
+DialogView& Session::chooseView() {
+    const DesktopEvents events{PLEventFileDescriptor, [this] {
+                                   return desktop_ != nullptr ? desktop_->dispatchEvents() : 0;
+                               }};
+    if (!options_.headless) {
+        windows_ = loadWindows(application_.dialogs(), events, Screen::User);
+    }
+    if (windows_ != nullptr) {
+        user_.setAtEnd(ScriptedUser::AtEnd::Leave);
+    } else if (options_.pictures) {
+        windows_ = loadWindows(application_.dialogs(), events, Screen::Nowhere);
+    }
+    if (windows_ == nullptr) {
+        if (options_.pictures) {
+            frontend_.reportError(options_.pictures->string() +
+                                  ": no pictures, as there is nothing to draw windows with");
+        }
+        return headlessView_;
+    }
+    windows_->setUser(&user_);
+    if (options_.pictures) {
+        windows_->savePictures(*options_.pictures);
+    }
+    return *windows_;
+}
+
+/// Nobody closes it without a display, or when a script answers.
+void Session::showAlert(const Alert& alert) {
+    if (!options_.headless && !options_.answers && mayHaveScreen()) {
+        static_cast<void>(view_.metrics()); // chooses the view
+        if (windows_ != nullptr && user_.atEnd() == ScriptedUser::AtEnd::Leave) {
+            windows_->showAlert(alert);
+        }
     }
 }
 

@@ -8,6 +8,7 @@
 #include "host/cli/options.h"
 #include "host/cli/report.h"
 #include "host/core/desktop.h"
+#include "host/qt/windows.h"
 #include "host/suites/application.h"
 
 #include <chrono>
@@ -47,6 +48,9 @@ private:
     DocumentReport openOne(const std::filesystem::path& file);
     void showToPlugins(OpenDocument& document, DocumentReport& report);
     void save(const OpenDocument& document, DocumentReport& report);
+    /// Windows where there is a display, or where pictures of them are wanted.
+    DialogView& chooseView();
+    void showAlert(const Alert& alert);
     /// Serves timers and waiting events.
     void idle();
     double sinceStart() const;
@@ -57,7 +61,9 @@ private:
     RunReport report_;
     Application application_;
     ScriptedUser user_;
-    HeadlessView view_;
+    HeadlessView headlessView_;
+    std::unique_ptr<Windows> windows_;
+    LateView view_{[this]() -> DialogView& { return chooseView(); }};
     std::unique_ptr<DesktopPresence> desktop_;
     Plugin* plugin_ = nullptr;
 };

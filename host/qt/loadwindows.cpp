@@ -19,9 +19,12 @@ bool isSet(const char* name) {
 
 } // namespace
 
+bool mayHaveScreen() {
+    return isSet("WAYLAND_DISPLAY") || isSet("DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
 std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events, Screen screen) {
-    if (screen == Screen::User && !isSet("WAYLAND_DISPLAY") && !isSet("DISPLAY") &&
-        !isSet("QT_QPA_PLATFORM")) {
+    if (screen == Screen::User && !mayHaveScreen()) {
         return nullptr;
     }
     std::error_code failed;

@@ -157,12 +157,14 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 }
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    constexpr int margin = 2;
+    constexpr int leastMargin = 1;
+    const int line = option.fontMetrics.lineSpacing();
     const Row* const row = model_.row(index);
     if (row == nullptr || model_.tree().draw == nullptr) {
-        return QStyledItemDelegate::sizeHint(option, index);
+        return QStyledItemDelegate::sizeHint(option, index).expandedTo({0, line + 2 * margin});
     }
-    constexpr int margin = 2;
-    return {0, std::max(row->list.entryHeight, option.fontMetrics.lineSpacing() + margin)};
+    return {0, std::max(row->list.entryHeight, line + 2 * leastMargin)};
 }
 
 } // namespace host

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace host {
 
@@ -35,6 +36,36 @@ public:
 enum class Screen : std::uint8_t {
     User,   ///< the user's, if there is one
     Nowhere ///< in memory, for pictures
+};
+
+/// Whether the environment names a screen of the user's, dead or alive.
+[[nodiscard]] bool mayHaveScreen();
+
+/// [main-thread] The view that is chosen when the first dialog needs one, so that nobody else pays
+/// for it.
+class LateView : public DialogView {
+public:
+    /// What it gives outlives the view.
+    using Choose = std::function<DialogView&()>;
+    explicit LateView(Choose choose) : choose_(std::move(choose)) {}
+
+    void runModal(Dialog& dialog) override { chosen().runModal(dialog); }
+    void endModal(Dialog& dialog) override { chosen().endModal(dialog); }
+    void dialogChanged(Dialog& dialog) override { chosen().dialogChanged(dialog); }
+    void itemChanged(Item& item) override { chosen().itemChanged(item); }
+    void forget(Dialog& dialog) override { chosen().forget(dialog); }
+    const TextMetrics& metrics() const override { return chosen().metrics(); }
+
+private:
+    DialogView& chosen() const {
+        if (view_ == nullptr) {
+            view_ = &choose_();
+        }
+        return *view_;
+    }
+
+    Choose choose_;
+    mutable DialogView* view_ = nullptr;
 };
 
 /// Loads the module that knows the toolkit; it stays until the program ends. Nothing when there is

@@ -22,10 +22,13 @@ protected:
         ASSERT_EQ(world_.manager({"add", world_.library().string()}).status, 0);
     }
 
-    Outcome answer(const std::string& script, const std::vector<std::string>& families) {
-        const Outcome outcome =
-            world_.open({"--headless", "--answers", world_.write("answers", script).string(),
-                         "--save", saved_.string(), world_.draw("a.svg", families).string()});
+    Outcome answer(const std::string& script, const std::vector<std::string>& families,
+                   const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments{
+            "--headless", "--answers",     world_.write("answers", script).string(),
+            "--save",     saved_.string(), world_.draw("a.svg", families).string()};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const Outcome outcome = world_.open(arguments);
         EXPECT_THAT(outcome.errors, Not(HasSubstr("misbehaves")));
         return outcome;
     }
@@ -73,6 +76,20 @@ TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {
     EXPECT_EQ(faces["DejaVu Sans Mono"]["after"], "replaced");
     EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U) << "what was saved has one family";
 }
+
+#ifdef HAS_WINDOWS
+TEST_F(ADialogOfMissingFonts, IsAnsweredAlikeInWindowsOfWhichPicturesAreTaken) {
+    const Outcome outcome = answer("expand DejaVu Sans Mono\nselect Quay Stencil\npress 6\n"
+                                   "choose DejaVu Sans Bold\npress 1\npress 1\n",
+                                   {"Quay Stencil", "DejaVu Sans Mono", "DejaVu Sans"},
+                                   {"--pictures", world_.folder().string()});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(facesOf(outcome)["Quay Stencil"]["after"], "replaced");
+    for (const char* const name : {"01-shown", "02-shown", "03-closing", "04-closing"}) {
+        EXPECT_TRUE(exists(world_.folder() / (std::string(name) + ".png"))) << name;
+    }
+}
+#endif
 
 TEST_F(ADialogOfMissingFonts, IsToldOfAndGivenUpWhenNobodyAnswers) {
     const Outcome outcome = world_.open({"--headless", world_.draw("a.svg", {"Quay Stencil"})});
