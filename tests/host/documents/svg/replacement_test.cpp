@@ -330,12 +330,13 @@ TEST(ADocument, TakesStepsBackAndMakesThemAgainByteForByte) {
     EXPECT_FALSE(document.endStep() || document.undo() || document.redo());
     document.replaceFace(0, newFace("X"));
     document.replaceFace(0, newFace("Y"));
-    document.replaceFace(1, newFace("Y"));
     endStep();
+    document.replaceFace(0, newFace("Z"));
     document.replaceFace(1, newFace("Z"));
     endStep();
     for (std::size_t round = 0; round < 2; ++round) {
         EXPECT_TRUE(document.undo());
+        EXPECT_FALSE(document.run(1).replaced);
         EXPECT_EQ(saved(document), states[1]);
         EXPECT_TRUE(document.undo());
         EXPECT_FALSE(document.undo() || document.modified());
