@@ -62,7 +62,9 @@ Session::Session(const Options& options, ConsoleFrontend& frontend, Clock::time_
 }
 
 Session::~Session() {
-    application_.dialogs().setView(nullptr); // plug-ins are shut down after the view has gone
+    // Plug-ins are shut down after the views have gone.
+    application_.dialogs().setView(nullptr);
+    frontend_.setAlertWindow({});
 }
 
 RunReport Session::run(const Progress& progress) {
