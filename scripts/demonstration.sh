@@ -134,7 +134,9 @@ options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
 if $sample && $manager && ! $json; then
-    options+=(--headless --answers "$root/samples/harbour-festival.answers")
+    mkdir -p "$sandbox/pictures"
+    rm -f "$sandbox"/pictures/*.png
+    options+=(--answers "$root/samples/harbour-festival.answers" --pictures "$sandbox/pictures")
     save=${save:-$sandbox/harbour-festival.svg}
 fi
 [ -n "$save" ] && options+=(--save "$save")
