@@ -120,9 +120,10 @@ void DialogWindow::bindItem(Item& item, QWidget& widget) {
         label->setTextFormat(Qt::PlainText);
     } else if (auto* const view = qobject_cast<QAbstractItemView*>(&widget)) {
         view->viewport()->installEventFilter(this);
-        lists_.push_back(new ListView(dialogs_, item, *view, [this](std::function<void()> action) {
-            later(std::move(action));
-        }));
+        lists_.push_back(
+            std::make_unique<ListView>(dialogs_, item, *view, [this](std::function<void()> action) {
+                later(std::move(action));
+            }));
     }
 }
 
@@ -150,7 +151,7 @@ void DialogWindow::synchronize() {
     for (const auto& [widget, item] : items_) {
         showItem(*item, *static_cast<QWidget*>(widget));
     }
-    for (ListView* const list : lists_) {
+    for (const std::unique_ptr<ListView>& list : lists_) {
         list->synchronize();
     }
     place();

@@ -64,7 +64,7 @@ private:
     Dialog& dialog_;
     Serve serve_;
     std::map<QObject*, Item*> items_; ///< by widget
-    std::vector<ListView*> lists_;    ///< the views'
+    std::vector<std::unique_ptr<ListView>> lists_;
     std::deque<std::function<void()>> actions_;
     QTimer actionTimer_;
     ADMRect placed_;

@@ -55,7 +55,7 @@ std::vector<Row*> sorted(std::vector<Row*> rows) {
 } // namespace
 
 ListView::ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later later)
-    : QObject(&view), dialogs_(dialogs), item_(item), tree_(*item.tree), view_(view),
+    : dialogs_(dialogs), item_(item), tree_(*item.tree), view_(view),
       treeView_(qobject_cast<QTreeView*>(&view)), later_(std::move(later)),
       model_(dialogs, tree_, nullptr), delegate_(dialogs, model_) {
     view.setModel(&model_);
@@ -69,6 +69,12 @@ ListView::ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later 
     if (treeView_ != nullptr) {
         connectTree();
     }
+}
+
+ListView::~ListView() {
+    // The view is told that its model goes, and would tell of it.
+    disconnect(view_.selectionModel(), nullptr, this, nullptr);
+    disconnect(&view_, nullptr, this, nullptr);
 }
 
 void ListView::connectView() {
@@ -214,7 +220,6 @@ void ListView::showFilter() {
     filter_ = new QLineEdit(both);
     filter_->setPlaceholderText(QStringLiteral("Filter"));
     filter_->setAccessibleName(QStringLiteral("Filter"));
-    filter_->setClearButtonEnabled(true);
     column->addWidget(filter_);
     QWidget* const before = view_.previousInFocusChain();
     column->addWidget(&view_);

@@ -17,11 +17,13 @@ namespace host {
 /// Has something done once the toolkit has dealt with what the user did, in order.
 using Later = std::function<void(std::function<void()>)>;
 
-/// [main-thread] Belongs to its view. Lists of texts that are long get a field to filter them by.
+/// [main-thread] Goes before its view, which has nothing to show then. Lists of texts that are long
+/// get a field to filter them by.
 class ListView : public QObject {
 public:
     /// `dialogs`, `item` and `view` outlive it. The item is a list.
     ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later later);
+    ~ListView() override;
 
     /// Takes rows, selection and expansion from the model.
     void synchronize();

@@ -92,7 +92,8 @@ TEST_F(ADialogOfMissingFonts, IsAnsweredAlikeInWindowsOfWhichPicturesAreTaken) {
 #endif
 
 TEST_F(ADialogOfMissingFonts, IsToldOfAndGivenUpWhenNobodyAnswers) {
-    const Outcome outcome = world_.open({"--headless", world_.draw("a.svg", {"Quay Stencil"})});
+    world_.setEnvironment("DISPLAY", ":9999"); // there is none
+    const Outcome outcome = world_.open({world_.draw("a.svg", {"Quay Stencil"})});
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     const auto dialogs = dialogsOf(outcome);
     ASSERT_EQ(dialogs.size(), 1U);
