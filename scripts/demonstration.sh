@@ -91,13 +91,22 @@ cat >"$sandbox/fonts.conf.new" <<CONF
 CONF
 mv "$sandbox/fonts.conf.new" "$sandbox/fonts.conf"
 
+# The user's screen, if there is one, is found through these.
+screen=false
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    screen=true
+    export XAUTHORITY="${XAUTHORITY:-$HOME/.Xauthority}"
+    if [ -n "${WAYLAND_DISPLAY:-}" ] && [ -n "${XDG_RUNTIME_DIR:-}" ]; then
+        WAYLAND_DISPLAY=$(realpath -ms -- "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY")
+    fi
+fi
 export HOME="$sandbox/home" XDG_CONFIG_HOME="$sandbox/config" XDG_DATA_HOME="$sandbox/data"
 export XDG_CACHE_HOME="$sandbox/cache" XDG_STATE_HOME="$sandbox/state" XDG_RUNTIME_DIR="$sandbox/runtime"
 export XDG_DATA_DIRS="$release/share:${XDG_DATA_DIRS:-/usr/local/share:/usr/share}"
 $manager || export XDG_DATA_DIRS="$sandbox/none"
 export FONTCONFIG_FILE="$sandbox/fonts.conf"
 export PATH="$release/bin:$PATH"
-unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY
+unset DBUS_SESSION_BUS_ADDRESS
 
 # Its standard error would only tell of limits that it could not raise.
 exec {bus}< <(exec setpriv --pdeathsig TERM dbus-daemon --session --nofork --nopidfile --print-address=1 2>/dev/null)
@@ -133,7 +142,7 @@ earlier=$(glyphora history --all | wc -l)
 options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
-if $sample && $manager && ! $json; then
+if $sample && $manager && ! $json && ! $screen; then
     mkdir -p "$sandbox/pictures"
     rm -f "$sandbox"/pictures/*.png
     options+=(--answers "$root/samples/harbour-festival.answers" --pictures "$sandbox/pictures")
