@@ -9,6 +9,7 @@ import functools
 import hashlib
 import json
 import os
+import re
 import subprocess
 import sys
 
@@ -59,7 +60,7 @@ def main():
             else:  # a key that is never met again, so that the source is read
                 own.append(os.urandom(16).hex())
     for source, own in parts.items():
-        text = '\n'.join(common + own).replace(root + '/', '')
+        text = re.sub(re.escape(root) + r'(?![\w.-])', '', '\n'.join(common + own))
         print(hashlib.sha256(text.encode()).hexdigest(), os.path.relpath(source, root))
 
 
