@@ -2,6 +2,8 @@
 // Reading the widgets of a .ui file, and placing them by boxes of rows and columns.
 #include "host/adm/layout.h"
 
+#include "host/core/translation.h"
+
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
@@ -60,6 +62,7 @@ std::string attribute(const xmlNode* node, const char* name) {
     return std::string(textOf(value.get()));
 }
 
+/// White space included; empty for nullptr.
 std::string content(const xmlNode* node) {
     const std::unique_ptr<xmlChar, decltype(xmlFree)> value(xmlNodeGetContent(node), xmlFree);
     return std::string(textOf(value.get()));
@@ -72,18 +75,16 @@ std::optional<std::int32_t> readNumber(std::string_view text) {
                                                                     : std::nullopt;
 }
 
-/// The text of the first element `name` below `node`, white space included.
-std::optional<std::string> find(const xmlNode* node, std::string_view name, std::size_t depth = 0) {
+/// The first element `name` below `node`.
+const xmlNode* find(const xmlNode* node, std::string_view name, std::size_t depth = 0) {
     for (const xmlNode* child = node->children; child != nullptr && depth < deepest;
          child = child->next) {
-        if (isElement(child, name)) {
-            return content(child);
-        }
-        if (auto found = find(child, name, depth + 1)) {
+        const xmlNode* const found = isElement(child, name) ? child : find(child, name, depth + 1);
+        if (found != nullptr) {
             return found;
         }
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 const xmlNode* property(const xmlNode* widget, std::string_view name) {
@@ -97,7 +98,10 @@ const xmlNode* property(const xmlNode* widget, std::string_view name) {
 
 std::string textProperty(const xmlNode* widget, std::string_view name) {
     const xmlNode* const node = property(widget, name);
-    return node != nullptr ? find(node, "string").value_or("") : "";
+    const xmlNode* const text = node != nullptr ? find(node, "string") : nullptr;
+    const std::string result = content(text);
+    const bool stays = text != nullptr && attribute(text, "notr") == "true";
+    return stays ? result : translated(result.c_str());
 }
 
 class Reader {
@@ -145,7 +149,7 @@ Layout Reader::read() {
     const xmlNode* const geometry = property(widget, "geometry");
     const auto extent = [&](std::string_view name) {
         const auto number =
-            geometry != nullptr ? readNumber(find(geometry, name).value_or("")) : std::nullopt;
+            geometry != nullptr ? readNumber(content(find(geometry, name))) : std::nullopt;
         if (!number || *number < 1 || *number > 0x7FFF) {
             fail(widget, "the dialog has no " + std::string(name));
         }
@@ -160,7 +164,7 @@ Layout Reader::read() {
 /// A widget with a number is an item; any other counts by the layout in it.
 Box Reader::readWidget(const xmlNode* widget, std::size_t depth) {
     if (const xmlNode* const number = property(widget, "itemID")) {
-        const auto id = readNumber(find(number, "number").value_or(""));
+        const auto id = readNumber(content(find(number, "number")));
         if (!id || *id < 1) {
             fail(number, "the number of an item is at least 1");
         }

@@ -30,7 +30,7 @@ struct LayoutItem {
 
 struct Layout {
     std::filesystem::path file; ///< for those who show the dialog as the file says
-    std::string title;
+    std::string title;          ///< this and the items' texts in the user's language
     ADMRect bounds{};
     std::vector<LayoutItem> items; ///< in the file's order; no two have the same number
 };

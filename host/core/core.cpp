@@ -4,6 +4,7 @@
 
 #include "host/core/coresuites.h"
 #include "host/core/text.h"
+#include "host/core/translation.h"
 
 #include <algorithm>
 #include <utility>
@@ -33,6 +34,7 @@ Core::Core(Frontend& frontend, CoreOptions options)
       timers_(options_.clock) {
     mainThread_.store(std::this_thread::get_id(), std::memory_order_relaxed);
     CallSite::resetAll();
+    chooseLanguage(options_.locale);
     provideCoreSuites(suites_);
 }
 

@@ -29,7 +29,8 @@
 namespace host {
 
 struct CoreOptions {
-    std::string locale = "en_US";    ///< what plug-ins are told, such as "de_DE"
+    std::string locale =
+        "en_US"; ///< what plug-ins are told, such as "de_DE"; windows speak it, too
     Timers::Clock clock = TickCount; ///< ticks of 1/60 s
 };
 

@@ -2,6 +2,7 @@
 // Between the rows of a list and the user.
 #include "host/qt/listview.h"
 
+#include "host/core/translation.h"
 #include "host/qt/paintercanvas.h"
 
 #include <QApplication>
@@ -218,8 +219,8 @@ void ListView::showFilter() {
     auto* const column = new QVBoxLayout(both);
     column->setContentsMargins(0, 0, 0, 0);
     filter_ = new QLineEdit(both);
-    filter_->setPlaceholderText(QStringLiteral("Filter"));
-    filter_->setAccessibleName(QStringLiteral("Filter"));
+    filter_->setPlaceholderText(QString::fromStdString(translated("Filter")));
+    filter_->setAccessibleName(filter_->placeholderText());
     column->addWidget(filter_);
     QWidget* const before = view_.previousInFocusChain();
     column->addWidget(&view_);

@@ -3,6 +3,7 @@
 #include "host/qt/windows.h"
 
 #include "host/qt/dialogwindow.h"
+#include "host/qt/translators.h"
 
 #include <QApplication>
 #include <QFontMetrics>
@@ -108,6 +109,7 @@ private:
     };
 
     std::unique_ptr<QApplication> application_;
+    Translators translators_;
     Dialogs& dialogs_;
     DesktopEvents events_;
     FontMetrics metrics_;
@@ -299,6 +301,7 @@ extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::Desk
     static char* arguments[] = {name, nullptr};
     auto application = std::make_unique<QApplication>(argumentCount, arguments);
     std::setlocale(LC_NUMERIC, "C"); // it has taken the user's
+    std::setlocale(LC_MESSAGES, "C");
     QApplication::setQuitOnLastWindowClosed(false);
     if (!wantsNoDisplay && QApplication::platformName() == QLatin1String("offscreen")) {
         return nullptr;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Layouts: items and their places, and files that are none.
 #include "host/adm/layout.h"
+#include "host/core/translation.h"
 #include "tests/support/folder.h"
 
 #include <gmock/gmock.h>
@@ -60,6 +61,19 @@ TEST_F(ALayout, HasItsNumberedWidgetsWhereTheirBoxesPutThem) {
         EXPECT_EQ(edges(layout.items[i].bounds), expected[i].edges);
     }
     EXPECT_EQ(layout.items.front().text, "Family");
+}
+
+TEST_F(ALayout, HasTextsInTheUsersLanguageButForThoseThatPluginsReplace) {
+    const auto label = [](int id, const std::string& attributes) {
+        return item("QLabel", id,
+                    "<property name=\"text\"><string" + attributes + ">Fonts</string></property>");
+    };
+    chooseLanguage("de_DE");
+    const Layout layout =
+        read(dialog("<layout>" + label(1, "") + label(2, " notr=\"true\"") + "</layout>"));
+    chooseLanguage("en_US");
+    EXPECT_EQ(layout.items[0].text, "Schriften");
+    EXPECT_EQ(layout.items[1].text, "Fonts");
 }
 
 struct BadLayout {

@@ -285,6 +285,7 @@ TEST_F(AList, OfManyTextsIsFilteredAndNeverHidesWhatIsChosen) {
                        auto& list = shown<QListView>(4);
                        auto* const filter = window().findChild<QLineEdit*>();
                        ASSERT_NE(filter, nullptr);
+                       EXPECT_EQ(filter->placeholderText(), "Filtern"); // as plug-ins are told
                        list.setCurrentIndex(list.model()->index(5, 0));
                        settle();
                        filter->setFocus();

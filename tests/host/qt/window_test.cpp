@@ -69,6 +69,17 @@ TEST_F(AWindow, ShowsTextsAsTheyStandAndFollowsTheModel) {
     });
 }
 
+TEST_F(AWindow, HasTheTextsOfItsLayoutInTheUsersLanguage) {
+    folder.write("1.ui",
+                 "<ui version=\"4.0\"><widget class=\"QDialog\"><property name=\"geometry\">"
+                 "<rect><width>300</width><height>400</height></rect></property><property "
+                 "name=\"accessibleName\"><string>Fonts</string></property></widget></ui>");
+    show(create(), [&] {
+        EXPECT_EQ(window().accessibleName(), "Schriften");
+        escape();
+    });
+}
+
 TEST_F(AWindow, EndsByKeyboardAndMouse) {
     const ADMDialogRef ref = create();
     const std::pair<std::function<void()>, std::int32_t> ways[] = {
