@@ -7,6 +7,7 @@
 #include "host/core/core.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -131,8 +132,7 @@ private:
         return found != nullptr ? *found : nullptr;
     }
     /// Calls a plug-in's routine.
-    template <typename Call>
-    void call(Dialog& dialog, Call routine) noexcept;
+    void call(Dialog& dialog, const std::function<void()>& routine) noexcept;
     template <typename Call>
     void withDrawer(Canvas& canvas, const ADMRect& bounds, Call routine);
     bool isReached(const Dialog& dialog) const noexcept;
