@@ -107,13 +107,21 @@ DecodedText decode(std::string_view source, std::size_t start, std::size_t end) 
         const std::size_t found = source.find(closing, from);
         return found == std::string_view::npos ? end : std::min(found, end);
     };
-    for (std::size_t position = start; position < end;) {
+    std::size_t position = start;
+    const auto take = [&](bool cdata) {
+        const bool isLineEnd = source[position] == '\r';
+        if (!isLineEnd || position + 1 >= end || source[position + 1] != '\n') { // one of the two
+            result.text += isLineEnd ? '\n' : source[position];
+            note(position, position + 1, cdata);
+        }
+        ++position;
+    };
+    while (position < end) {
         const std::string_view rest = source.substr(position, end - position);
         if (rest.starts_with("<![CDATA[")) {
             const std::size_t close = endOf("]]>", position);
-            for (position += 9; position < close; ++position) {
-                result.text += source[position];
-                note(position, position + 1, true);
+            for (position += 9; position < close;) {
+                take(true);
             }
             position = close + 3;
         } else if (rest.starts_with("<!--")) {
@@ -127,12 +135,8 @@ DecodedText decode(std::string_view source, std::size_t start, std::size_t end) 
                               result.complete;
             note(position, semicolon + 1, false);
             position = semicolon + 1;
-        } else if (rest.starts_with("\r\n")) {
-            ++position; // a line end is one character
         } else {
-            result.text += rest.front() == '\r' ? '\n' : rest.front();
-            note(position, position + 1, false);
-            ++position;
+            take(false);
         }
     }
     return result;

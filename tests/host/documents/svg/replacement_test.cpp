@@ -82,12 +82,14 @@ const Case cases[] = {
      "font-stretch:normal !important\">a</tspan><tspan>b</tspan></text><text font-family='Old'>"
      "<tspan style=\"font-family:'New Sans'\">c</tspan><tspan font-weight='bold'>d</tspan>"
      "</text>"},
-    {"Rule", "<style>.a { font-family: Old; }\n.b{}</style><text class='a'>a</text>", "Old",
-     "<style>.a { font-family: New Sans; }\n.b{}</style><text class='a'>a</text>"},
+    {"Rule", "<style>.a { font-family: Old; }\r\n.b{}</style><text class='a'>a</text>", "Old",
+     "<style>.a { font-family: New Sans; }\r\n.b{}</style><text class='a'>a</text>"},
     {"RuleInCdata",
-     "<style><![CDATA[.a>b{} .a{font-family:\"Old\",serif}]]></style><text class='a'>a</text>",
+     "<style><![CDATA[.a>b{}\r\n.a{font-family:\"Old\",serif}\r]]></style><text class='a'>a"
+     "</text>",
      "Old",
-     "<style><![CDATA[.a>b{} .a{font-family:'New Sans',serif}]]></style><text class='a'>a</text>"},
+     "<style><![CDATA[.a>b{}\r\n.a{font-family:'New Sans',serif}\r]]></style><text class='a'>a"
+     "</text>"},
     {"Shorthand", "<text style='font:bold 12px/1 Old, serif;a:b'>a</text>", "Old",
      "<text style='font:bold 12px/1 New Sans, serif;font-weight:normal;a:b'>a</text>"},
     {"WeightAndSlantWithIt",
@@ -233,6 +235,16 @@ TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
     EXPECT_EQ(saved(document), "<?xml version='1.0' encoding='ISO-8859-1'?><svg "
                                "xmlns='http://www.w3.org/2000/svg'><text font-family='\"\\416 "
                                "\\e4 \"'>\xE4</text></svg>");
+}
+
+TEST(AReplacedFace, IsRefusedWhereOtherTextDoesNotComeBackFromTheEncoding) {
+    // A converter takes this form of a letter for the letter itself when it writes.
+    Document document = readSvg("<?xml version='1.0' encoding='IBM1046'?><svg "
+                                "xmlns='http://www.w3.org/2000/svg'><text font-family='Old'>\x83"
+                                "</text></svg>",
+                                "x.svg");
+    replaceAll(document, "Old", newFace("New"));
+    EXPECT_THROW(static_cast<void>(saved(document)), DocumentError);
 }
 
 TEST(AReplacedFace, IsEscapedInAFileThatIsSaidToBeAscii) {
