@@ -62,8 +62,8 @@ std::string textOf(ADMListEntryRef entry) {
     return withoutCutCharacter(text.data());
 }
 
-/// The list's left and right edge and the left edges of the columns behind the first, all relative
-/// to the list.
+/// Where the texts of family, style, technology and status begin, and where they must end, counted
+/// from the list's left edge.
 struct Columns {
     explicit Columns(const BaseADMDialog& dialog) {
         ADMRect list{};
