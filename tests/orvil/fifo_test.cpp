@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <thread>
 #include <tuple>
@@ -16,25 +17,38 @@
 
 using namespace Orvil;
 
-TEST(AQueue, MakesProducersWaitAtItsCapacity) {
-    SafeFIFOBuffer<int> queue(2);
+namespace {
+
+/// Appends `item` to a full queue by another thread, which must wait until `makeRoom` has run.
+template <typename T>
+void enqueueByWaiting(SafeFIFOBuffer<T>& queue, const T& item,
+                      const std::function<void()>& makeRoom) {
     std::atomic<pid_t> id = 0;
     std::atomic<bool> entered = false;
-    queue.enqueue(1);
-    queue.enqueue(2);
     std::thread producer([&] {
         id = gettid();
-        queue.enqueue(3);
+        queue.enqueue(item);
         entered = true;
     });
-    while (id == 0 || !isAsleep(id)) {
+    while (!entered && (id == 0 || !isAsleep(id))) {
         std::this_thread::yield();
     }
     EXPECT_FALSE(entered);
-    int item = 0;
-    EXPECT_TRUE(queue.tryDequeue(item));
-    EXPECT_EQ(item, 1);
+    makeRoom();
     producer.join();
+}
+
+} // namespace
+
+TEST(AQueue, MakesProducersWaitAtItsCapacity) {
+    SafeFIFOBuffer<int> queue(2);
+    int item = 0;
+    queue.enqueue(1);
+    queue.enqueue(2);
+    enqueueByWaiting(queue, 3, [&] {
+        EXPECT_TRUE(queue.tryDequeue(item));
+        EXPECT_EQ(item, 1);
+    });
     for (const int expected : {2, 3}) {
         EXPECT_TRUE(queue.tryDequeue(item));
         EXPECT_EQ(item, expected);
@@ -96,8 +110,10 @@ TEST(AQueue, LosesNeitherItemNorSlotWhenACopyThrows) {
     Awkward::fails = true;
     EXPECT_THROW(std::ignore = queue.tryDequeue(item), std::runtime_error);
     Awkward::fails = false;
-    EXPECT_TRUE(queue.tryDequeue(item));
+    enqueueByWaiting(queue, Awkward(3), [&] { EXPECT_TRUE(queue.tryDequeue(item)); });
     EXPECT_EQ(item.value, 2);
+    EXPECT_TRUE(queue.tryDequeue(item));
+    EXPECT_EQ(item.value, 3);
 }
 
 // The test's own time limit is the watchdog on progress.
