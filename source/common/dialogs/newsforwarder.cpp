@@ -37,15 +37,10 @@ NewsForwarder* NewsForwarder::forwardTo(GLY::IGLYChangeNotifier& observer) {
 void NewsForwarder::forget() {
     observer_ = nullptr;
     handler().unregisterNotifer(this);
-    isRegistered_ = !wasTold_; // the next round takes an addition that is still queued
+    isRegistered_ = !wasTold_; // what waits to be added is added after what is removed
 }
 
 std::int32_t NewsForwarder::OnGLYNotify(const std::string& text) {
     wasTold_ = true;
-    if (observer_ == nullptr) {
-        handler().unregisterNotifer(this);
-        isRegistered_ = false;
-        return 0;
-    }
-    return observer_->OnGLYNotify(text);
+    return observer_ != nullptr ? observer_->OnGLYNotify(text) : 0;
 }

@@ -5,6 +5,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace {
 
@@ -46,20 +47,23 @@ TEST_F(TheActions, SendTheirRequests) {
         DialogItem button;
         const char* command;
         const char* fonts;
+        const char* active = "";
     };
     const Case cases[] = {
         {{"Aa"}, showButton, "showRequest", "Aa-Regular"},
         {{"Bb", "Cc 1"}, showButton, "showRequest", "Bb-Regular, Cc-Regular 22"},
         {{"Bb"}, buyButton, "buyRequest", "Bb-Regular"},
         {{"Cc 0"}, buyButton, "buyRequest", "Cc-Regular"},
+        {{"Aa"}, buyButton, "buyRequest", "Bb-Regular", "Bb"},
         {{}, activateButton, "activationRequest", "Aa-Regular 11, Bb-Regular 12, Cc-Regular 13"},
         {{"Aa", "Cc 1"}, activateButton, "activationRequest", "Aa-Regular 11, Cc-Regular 22"},
     };
     run([&](host::Dialog& dialog) {
         sent();
+        platform.processes.clear();
         for (const Case& c : cases) {
             SCOPED_TRACE(std::string(c.command) + " " + c.fonts);
-            select(dialog, c.selected);
+            select(dialog, c.selected, c.active);
             for (const auto& info : fonts) {
                 info->chosenContainer = "99";
             }
@@ -73,6 +77,7 @@ TEST_F(TheActions, SendTheirRequests) {
             ASSERT_EQ(commands.size(), 1U);
             EXPECT_THAT(commands[0], testing::StartsWith("<cmd>" + std::string(c.command)));
             EXPECT_EQ(fontsOf(commands[0]), c.fonts);
+            EXPECT_THAT(std::exchange(platform.lookUps, {}), SizeIs(3)) << "for a launcher";
             EXPECT_EQ(item(dialog, fontListItem).tree->selected().size(), c.selected.size())
                 << "the new rows are selected as the old ones were";
         }
@@ -94,6 +99,7 @@ TEST_F(TheActions, ShowWhatIsDoubleClicked) {
         const std::pair<const char*, const char*> cases[] = {{"Aa", "Aa-Regular"},
                                                              {"Cc 0", "Cc-Regular 21"}};
         sent();
+        platform.processes.clear();
         for (const auto& [name, expected] : cases) {
             dialogs.click(row(dialog, name), false);
             EXPECT_THAT(sent(), IsEmpty());
@@ -102,6 +108,7 @@ TEST_F(TheActions, ShowWhatIsDoubleClicked) {
             ASSERT_EQ(commands.size(), 1U);
             EXPECT_THAT(commands[0], HasSubstr("showRequest"));
             EXPECT_EQ(fontsOf(commands[0]), expected);
+            EXPECT_THAT(std::exchange(platform.lookUps, {}), SizeIs(3)) << "for a launcher";
         }
         EXPECT_EQ(fonts[0]->chosenContainer, "-1");
         EXPECT_EQ(item(dialog, fontListItem).tree->mask, 0x80000004);

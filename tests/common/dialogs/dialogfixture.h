@@ -112,13 +112,16 @@ protected:
         }
         return names;
     }
-    void select(host::Dialog& dialog, const std::vector<std::string>& names) {
+    /// The last one is the active one if `active` names none.
+    void select(host::Dialog& dialog, const std::vector<std::string>& names,
+                const std::string& active = {}) {
         std::vector<host::Row*> chosen;
         for (const std::string& name : names) {
             chosen.push_back(&row(dialog, name));
         }
-        host::Row* const active = chosen.empty() ? nullptr : chosen.back();
-        dialogs.select(*dialog.item(fontListItem)->tree, std::move(chosen), active);
+        host::Row* const last = chosen.empty() ? nullptr : chosen.back();
+        dialogs.select(*dialog.item(fontListItem)->tree, std::move(chosen),
+                       active.empty() ? last : &row(dialog, active));
     }
     void press(host::Dialog& dialog, std::int32_t id) { dialogs.press(*dialog.item(id)); }
     /// Chooses a font of the host's in the replace dialog that the button opens.

@@ -80,6 +80,9 @@ TEST_F(TheLook, HasColumnsBelowTheirHeadings) {
         EXPECT_TRUE(cut.ends_with("x…"));
         EXPECT_LE(20 + dialogs.metrics().width(cut), lefts[1] - 5);
         EXPECT_GT(20 + dialogs.metrics().width(cut) + 7, lefts[1] - 5);
+        const ADMRect& bounds = item(dialog, fontListItem).bounds;
+        item(dialog, statusHeading).bounds.left = bounds.right - 8 * 7;
+        EXPECT_EQ(textsOf(drawn(font)).back(), "Not fou…") << "the last column ends with the list";
     });
 }
 
@@ -105,11 +108,11 @@ TEST_F(TheLook, ShowsWhetherCandidatesAreBelow) {
 TEST_F(TheLook, WrapsTheTextsOfCandidates) {
     run([&](host::Dialog& dialog) {
         host::Row& candidate = row(dialog, "Cc 0");
-        candidate.text = std::string(60, 'a') + " " + std::string(60, 'b');
+        candidate.text = std::string(97, 'a') + " b"; // seven pixels each: wider than 690
         const std::vector<Drawn> all = drawn(candidate, 740, 35);
         ASSERT_EQ(all.size(), 2U);
-        EXPECT_EQ(all[0].text, std::string(60, 'a'));
-        EXPECT_EQ(all[1].text, std::string(60, 'b'));
+        EXPECT_EQ(all[0].text, std::string(97, 'a'));
+        EXPECT_EQ(all[1].text, "b");
         EXPECT_EQ(all[0].area.left, 0);
         EXPECT_EQ(all[1].area.top - all[0].area.top, 16);
         candidate.text = std::string(1021, 'c') + "日";
@@ -128,6 +131,22 @@ TEST_F(TheLook, MarksWhatIsSelected) {
         EXPECT_EQ(all[0].area.right, 500);
         EXPECT_EQ(all[0].area.bottom, 20);
         EXPECT_EQ(all[1].color, host::Color(kADMTextColor));
+    });
+}
+
+TEST_F(TheLook, LeavesTheDrawerGrey) {
+    static ADMListEntryDrawProc routine = nullptr;
+    static host::Dialogs* all = nullptr;
+    static host::Color color = kADMTextColor;
+    all = &dialogs;
+    run([&](host::Dialog& dialog) {
+        host::Tree& tree = *item(dialog, fontListItem).tree;
+        routine = std::exchange(tree.draw, [](ADMListEntryRef entry, ADMDrawerRef drawer) {
+            routine(entry, drawer);
+            color = all->find(drawer)->color;
+        });
+        drawn(row(dialog, "Cc"));
+        EXPECT_EQ(color, host::Color(0xff777777));
     });
 }
 

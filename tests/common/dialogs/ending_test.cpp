@@ -31,6 +31,11 @@ TEST_F(TheUnattendedDialog, StaysOutOfSightForFifteenSeconds) {
                       pass(14'900);
                       EXPECT_FALSE(dialog.ending);
                       pass(100);
+                      EXPECT_TRUE(dialog.ending);
+                      dialog.ending.reset();
+                      pass(15'000);
+                      EXPECT_FALSE(dialog.ending) << "once";
+                      dialogs.endModal(dialog, kADMOKItemID, false);
                   }),
               kADMOKItemID);
 }

@@ -121,7 +121,9 @@ TEST_F(TheNews, GoToTheOpenDialogAloneAndOnce) {
     }
     run([&](host::Dialog& /*dialog*/) { EXPECT_EQ(heard(), 1U); });
     EXPECT_EQ(heard(), 0U);
-    run([&](host::Dialog& /*dialog*/) { EXPECT_EQ(heard(), 1U); });
+    for (int i = 0; i < 2; ++i) { // the second one is there before the first one is let go
+        run([&](host::Dialog& /*dialog*/) { EXPECT_EQ(heard(), 1U); });
+    }
     run(cancel);
     EXPECT_EQ(heard(), 0U) << "the last one has registered and gone";
     EXPECT_EQ(heard(), 0U);

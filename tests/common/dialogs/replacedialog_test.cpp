@@ -2,6 +2,8 @@
 // The dialog that chooses among the host's fonts.
 #include "dialogfixture.h"
 
+#include <cstdio>
+
 using testing::ElementsAre;
 
 namespace {
@@ -53,6 +55,22 @@ TEST_F(TheReplaceDialog, TakesTheActiveFontWhenItIsConfirmed) {
     choose([](host::Dialog& /*dialog*/) {});
     EXPECT_EQ(chosen(), "The Spare Bold");
     choose([&](host::Dialog& dialog) { press(dialog, kADMOKItemID); });
+    EXPECT_EQ(chosen(), "1 untouched");
+}
+
+TEST_F(TheReplaceDialog, TakesNothingByOtherNotifiers) {
+    ADMNotifierSuite other = *sADMNotifier;
+    other.GetNotifierType = [](ADMNotifierRef, char* type, std::int32_t size) {
+        std::snprintf(type, static_cast<std::size_t>(size), "ADM Intermediate Changed Notifier");
+        return ADMErr{kNoErr};
+    };
+    const ADMNotifierSuite* const own = std::exchange(sADMNotifier, &other);
+    EXPECT_EQ(choose([&](host::Dialog& dialog) {
+                  activate(dialog, 1);
+                  press(dialog, kADMOKItemID);
+              }),
+              kADMOKItemID);
+    sADMNotifier = own;
     EXPECT_EQ(chosen(), "1 untouched");
 }
 

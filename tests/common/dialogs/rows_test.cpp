@@ -28,7 +28,7 @@ TEST_F(TheRows, AreTheMissingFontsWithTheirCandidates) {
 }
 
 TEST_F(TheRows, HaveTheirSizes) {
-    const std::string longName(150, 'x'); // two lines of seven pixels a character, below "In"
+    const std::string longName(104, 'x'); // fits into 742, a line of its own below "In"
     answer({{"Aa", 1, false, {"21", longName}}, {"Bb", 1, false, {longName, "21"}}});
     run([&](host::Dialog& dialog) {
         const host::Item& list = item(dialog, fontListItem);
@@ -38,8 +38,8 @@ TEST_F(TheRows, HaveTheirSizes) {
         const host::RowList& candidates = *row(dialog, "Aa").children;
         EXPECT_EQ(candidates.indentation, -50);
         EXPECT_EQ(candidates.entryWidth, width);
-        EXPECT_EQ(candidates.entryHeight, 3 * 16 + 3);
-        EXPECT_EQ(row(dialog, "Bb").children->entryHeight, 3 * 16 + 3) << "the highest one's";
+        EXPECT_EQ(candidates.entryHeight, 2 * 16 + 3);
+        EXPECT_EQ(row(dialog, "Bb").children->entryHeight, 2 * 16 + 3) << "the highest one's";
     });
 }
 
@@ -64,8 +64,14 @@ TEST_F(TheRows, StayOpenOrClosed) {
 }
 
 TEST_F(TheRows, AreMadeAnewOnlyAfterTheFirstQuestion) {
+    const scripted::Answer first = platform.answers[0];
+    answer({{"Aa", 1, true}});
+    platform.answers.push_front(first);
+    const host::CallSite& invalidate = *host::CallSite::find("ADM Item Suite", "Invalidate");
+    const std::uint64_t before = invalidate.count();
     run([&](host::Dialog& dialog) {
-        answer({{"Aa", 1, true}});
+        EXPECT_EQ(invalidate.count() - before, 2U) << "when it is laid out, and with its rows";
+        EXPECT_TRUE(fonts[0]->font.isActive) << "the dialog's own question has been answered";
         EXPECT_EQ(families(dialog).size(), 3U);
         EXPECT_THAT(sent(), ElementsAre(testing::AllOf(testing::HasSubstr("fontRequest"),
                                                        testing::HasSubstr("Present-Regular"))));
