@@ -34,6 +34,8 @@ public:
     void noteChange() noexcept { changed_ = true; }
     /// Shows what has changed since the last time.
     void synchronize();
+    /// Does to the model what the user has done.
+    void act();
 
     /// [main-thread, modal] Shows the window until end(), or not at all when the dialog has ended;
     /// calls `shown` when there is something to be seen.
@@ -55,7 +57,6 @@ private:
     void bind();
     void bindItem(Item& item, QWidget& widget);
     void later(std::function<void()> action);
-    void act();
     void showItem(const Item& item, QWidget& widget);
     void place();
     void noteBounds();

@@ -184,6 +184,7 @@ void ListView::synchronize() {
     view_.setSelectionMode(tree_.multiSelect ? QAbstractItemView::ExtendedSelection
                                              : QAbstractItemView::SingleSelection);
     const int scrolled = view_.verticalScrollBar()->value();
+    const int place = view_.currentIndex().row();
     const bool reset = model_.takeOver();
     if (treeView_ != nullptr) {
         const bool native = tree_.draw == nullptr;
@@ -199,6 +200,11 @@ void ListView::synchronize() {
     showFilter();
     if (reset || !selectionWaits_) { // else the user's newest goes the other way
         showSelection();
+    }
+    if (reset && place >= 0 && !view_.currentIndex().isValid()) { // keys go on from there
+        const int last = model_.rowCount({}) - 1;
+        view_.selectionModel()->setCurrentIndex(model_.index(std::min(place, last), 0, {}),
+                                                QItemSelectionModel::NoUpdate);
     }
     const std::size_t heights = heightsOf(tree_.top());
     if (std::exchange(heights_, heights) != heights || reset) {

@@ -70,6 +70,7 @@ public:
         : application_(std::move(application)), dialogs_(dialogs), events_(std::move(events)) {
         timer_.setSingleShot(true);
         QObject::connect(&timer_, &QTimer::timeout, [this] {
+            serveUser();
             serve([this] {
                 dialogs_.runTimers();
                 dialogs_.core().runTimers();
@@ -96,6 +97,7 @@ private:
     DialogWindow& window(Dialog& dialog);
     void noteChange(Dialog& dialog);
     void serve(const std::function<void()>& work);
+    void serveUser();
     void synchronize();
     void watchDesktop();
     void setTimer();
@@ -219,6 +221,15 @@ void QtWindows::serve(const std::function<void()>& work) {
     askUserAgain(0);
 }
 
+/// What has been done to rows comes before what may take them away.
+void QtWindows::serveUser() {
+    if (!dialogs_.running().empty()) {
+        if (const auto found = windows_.find(dialogs_.running().back()); found != windows_.end()) {
+            found->second->act();
+        }
+    }
+}
+
 void QtWindows::askUser() {
     const auto& running = dialogs_.running();
     if (user_ == nullptr || running.empty() || running.back()->ending) {
@@ -258,8 +269,10 @@ void QtWindows::watchDesktop() {
     }
     if (descriptor >= 0) {
         notifier_ = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
-        QObject::connect(notifier_.get(), &QSocketNotifier::activated,
-                         [this] { serve([this] { events_.dispatch(); }); });
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
+            serveUser();
+            serve([this] { events_.dispatch(); });
+        });
     }
 }
 

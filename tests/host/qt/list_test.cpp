@@ -8,6 +8,10 @@
 #include <QListView>
 #include <QTreeView>
 
+#include <unistd.h>
+
+#include <array>
+
 namespace host::test {
 namespace {
 
@@ -207,8 +211,37 @@ TEST_F(AList, KeepsSelectionAndExpansionWhenRowsComeAndGo) {
         settle();
         EXPECT_FALSE(areaOf("Beta one").isValid());
         EXPECT_THAT(heard, IsEmpty());
+        while (tree.top().rows.size() > 1) {
+            dialogs.removeRow(tree.top(), 0);
+        }
+        settle();
+        EXPECT_EQ(view().selectionModel()->selectedRows().size(), 0);
+        EXPECT_EQ(view().currentIndex().data().toString(), "Delta, unknown") << "keys go on there";
         escape();
     });
+}
+
+TEST_F(AList, DoesWhatTheUserDidBeforeNewsTakeTheRowAway) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    events.descriptor = [&] { return ends[0]; };
+    events.dispatch = [&]() -> std::size_t {
+        char byte = 0;
+        EXPECT_EQ(read(ends[0], &byte, 1), 1);
+        dialogs.removeRow(tree.top(), 2);
+        return 1;
+    };
+    show(ref, [&] {
+        QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, areaOf("Gamma").center());
+        EXPECT_EQ(write(ends[1], "x", 1), 1);
+        settle();
+        EXPECT_THAT(heard, ElementsAre("selected Gamma", "once Gamma"));
+        EXPECT_EQ(tree.top().rows.size(), 2U);
+        escape();
+    });
+    events.descriptor = {};
+    close(ends[0]);
+    close(ends[1]);
 }
 
 TEST_F(AList, IsDrawnNewBeforeADialogWithinComes) {

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// The dialogs as windows of an X server, used by nothing but the keys that it sends.
+#include "world.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <future>
+
+namespace endtoend {
+
+namespace {
+
+/// An X server of its own, which draws into memory.
+class XServer {
+public:
+    XServer()
+        : output_(popen("echo $$; exec setpriv --pdeathsig KILL Xvfb -displayfd 1 -nolisten tcp "
+                        "-screen 0 1280x1024x24 2>/dev/null",
+                        "r")) {
+        if (std::fscanf(output_, "%d %u", &process_, &display_) != 2) {
+            throw std::runtime_error("no X server has started");
+        }
+    }
+    ~XServer() {
+        kill(process_, SIGTERM);
+        pclose(output_);
+    }
+    XServer(const XServer&) = delete;
+    XServer& operator=(const XServer&) = delete;
+
+    std::string display() const { return ":" + std::to_string(display_); }
+
+private:
+    FILE* output_;
+    int process_ = 0;
+    unsigned display_ = 0;
+};
+
+class AKeyboard : public testing::Test {
+protected:
+    void SetUp() override {
+        world_.setEnvironment("DISPLAY", server_.display());
+        world_.setEnvironment("QT_QPA_PLATFORM", "xcb");
+    }
+
+    /// Waits for the window first. Its keys come from the server, as those of a keyboard do.
+    void press(const std::string& title, const std::vector<std::string>& keys) const {
+        std::vector<std::string> words{
+            "xdotool",     "search", "--sync", "--onlyvisible", "--name", title,
+            "windowfocus", "--sync", "key",    "--window",      "0"};
+        words.insert(words.end(), keys.begin(), keys.end());
+        const Outcome pressed = world_.run(words);
+        EXPECT_EQ(pressed.status, 0) << pressed.errors;
+    }
+    void awaitEndOf(const std::string& title) const {
+        while (world_.run({"xdotool", "search", "--onlyvisible", "--name", title}).status == 0) {
+        }
+    }
+    /// Until the manager tells of it so many times. The host has its answer before any further key.
+    void awaitDeed(const std::string& words, int times) const {
+        for (int count = 0; count < times;) {
+            const std::string told = world_.manager({"history"}).output;
+            count = 0;
+            for (auto at = told.find(words); at != std::string::npos;
+                 at = told.find(words, at + 1)) {
+                ++count;
+            }
+        }
+    }
+
+    XServer server_;
+    World world_;
+};
+
+TEST_F(AKeyboard, DoesAllThatTheDialogsOffer) {
+    world_.install("DejaVu Sans");
+    world_.stock("DejaVu Sans Mono", "code");
+    world_.stock("DejaVu Sans Mono", "archive");
+    ASSERT_EQ(world_.manager({"add", world_.library().string()}).status, 0);
+    auto opened = std::async(std::launch::async, [&] {
+        return world_.open({world_.draw("a.svg", {"DejaVu Sans Mono", "Quay Stencil"}).string()});
+    });
+    const char* const missing = "Missing Fonts";
+    press(missing, {"Right", "Down", "Return"}); // as a double click
+    awaitDeed("showRequest: 1 font\n", 1);
+    press(missing, {"Tab", "space"}); // Show
+    awaitDeed("showRequest: 1 font\n", 2);
+    press(missing, {"Tab", "space"}); // Buy
+    awaitDeed("buyRequest: 1 font\n", 1);
+    press(missing, {"Tab", "space"});       // Activate
+    awaitDeed("fontRequest: 2 fonts\n", 3); // the news take the row away
+    press(missing, {"shift+Tab", "space", "Return"});
+    awaitDeed("showRequest: 1 font\n", 3);
+    press(missing, {"Tab", "Tab", "space"}); // Replace
+    press("Replace Font", {"Down", "Return"});
+    awaitEndOf("Replace Font");
+    press(missing, {"Tab", "Tab", "space"}); // OK
+    const Outcome outcome = opened.get();
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    auto faces = facesOf(outcome);
+    EXPECT_EQ(faces["DejaVu Sans Mono"]["after"], "activated now");
+    EXPECT_EQ(faces["Quay Stencil"]["after"], "replaced");
+}
+
+} // namespace
+
+} // namespace endtoend
