@@ -46,11 +46,6 @@ bool isOf(ItemKind kind, QWidget* widget) {
     return qobject_cast<QAbstractItemView*>(widget) != nullptr;
 }
 
-/// A label as it stands: "&" would make the letter behind it a shortcut.
-QString plainLabel(const std::string& text) {
-    return QString::fromStdString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
 } // namespace
 
 /// Makes the outermost widget of a layout a window of ours.
@@ -114,6 +109,7 @@ void DialogWindow::bindItem(Item& item, QWidget& widget) {
     items_.emplace(&widget, &item);
     widget.installEventFilter(this);
     if (auto* const button = qobject_cast<QPushButton*>(&widget)) {
+        buttons_.emplace_back(&item, button);
         connect(button, &QPushButton::clicked, this,
                 [this, &item] { later([this, &item] { dialogs_.press(item); }); });
     } else if (auto* const label = qobject_cast<QLabel*>(&widget)) {
@@ -151,6 +147,7 @@ void DialogWindow::synchronize() {
     for (const auto& [widget, item] : items_) {
         showItem(*item, *static_cast<QWidget*>(widget));
     }
+    showButtons();
     for (const std::unique_ptr<ListView>& list : lists_) {
         list->synchronize();
     }
@@ -162,10 +159,21 @@ void DialogWindow::synchronize() {
 
 void DialogWindow::showItem(const Item& item, QWidget& widget) {
     widget.setEnabled(item.enabled);
-    if (auto* const button = qobject_cast<QPushButton*>(&widget)) {
-        button->setText(plainLabel(item.text));
-    } else if (auto* const label = qobject_cast<QLabel*>(&widget)) {
+    if (auto* const label = qobject_cast<QLabel*>(&widget)) {
         label->setText(QString::fromStdString(item.text));
+    }
+}
+
+void DialogWindow::showButtons() {
+    std::vector<QString> texts;
+    for (const auto& [item, button] : buttons_) {
+        texts.push_back(QString::fromStdString(item->text));
+    }
+    mnemonics_ = chooseMnemonics(texts, mnemonics_);
+    for (std::size_t i = 0; i < buttons_.size(); ++i) {
+        QPushButton& button = *buttons_[i].second;
+        button.setText(labelOf(texts[i], mnemonics_[i]));
+        button.setAccessibleName(texts[i]);
     }
 }
 

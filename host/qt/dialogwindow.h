@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/qt/listview.h"
+#include "host/qt/mnemonics.h"
 
 #include <QDialog>
 #include <QTimer>
@@ -11,9 +12,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QEventLoop;
+class QPushButton;
 
 namespace host {
 
@@ -58,6 +61,7 @@ private:
     void bindItem(Item& item, QWidget& widget);
     void later(std::function<void()> action);
     void showItem(const Item& item, QWidget& widget);
+    void showButtons();
     void place();
     void noteBounds();
 
@@ -65,6 +69,8 @@ private:
     Dialog& dialog_;
     Serve serve_;
     std::map<QObject*, Item*> items_; ///< by widget
+    std::vector<std::pair<const Item*, QPushButton*>> buttons_;
+    std::vector<QChar> mnemonics_; ///< of the buttons
     std::vector<std::unique_ptr<ListView>> lists_;
     std::deque<std::function<void()>> actions_;
     QTimer actionTimer_;
