@@ -24,7 +24,7 @@ struct Syntax {
 
 using Kind = Answer::Kind;
 /// The first that fits counts.
-constexpr std::array<Syntax, 10> commands{{{"select none", Kind::SelectNone, Argument::None},
+constexpr std::array<Syntax, 12> commands{{{"select none", Kind::SelectNone, Argument::None},
                                            {"select", Kind::Select, Argument::Text},
                                            {"also", Kind::Also, Argument::Text},
                                            {"choose", Kind::Choose, Argument::Text},
@@ -33,7 +33,9 @@ constexpr std::array<Syntax, 10> commands{{{"select none", Kind::SelectNone, Arg
                                            {"press", Kind::Press, Argument::Number},
                                            {"double-click", Kind::DoubleClick, Argument::Text},
                                            {"wait for news", Kind::WaitForNews, Argument::Seconds},
-                                           {"wait for end", Kind::WaitForEnd, Argument::Seconds}}};
+                                           {"wait for end", Kind::WaitForEnd, Argument::Seconds},
+                                           {"undo", Kind::Undo, Argument::None},
+                                           {"redo", Kind::Redo, Argument::None}}};
 
 constexpr std::int32_t defaultSeconds = 30;
 constexpr std::int32_t greatestNumber = 1'000'000;

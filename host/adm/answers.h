@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A script that answers dialogs: one command a line, for the innermost dialog that runs.
+// A script that answers dialogs: one command a line, for the innermost dialog that runs, or for the
+// drawing once the plug-ins' dialogs for it have ended.
 //
 //   # a comment
 //   select TEXT             select the first row that says TEXT, and no other
@@ -12,6 +13,8 @@
 //   double-click TEXT       double-click the first row that says TEXT
 //   wait for news [SECONDS] until rows have come or gone, or the dialog has ended
 //   wait for end [SECONDS]  until the dialog has ended
+//   undo                    take back what was replaced in the drawing
+//   redo                    replace it again
 #pragma once
 
 #include <cstddef>
@@ -41,7 +44,9 @@ struct Answer {
         Press,
         DoubleClick,
         WaitForNews,
-        WaitForEnd
+        WaitForEnd,
+        Undo,
+        Redo
     };
     Kind kind;
     std::string text;        ///< what the row says; empty where it is about none

@@ -155,6 +155,9 @@ void carryOut(Dialogs& dialogs, Dialog& dialog, const Answer& answer) {
         return press(dialogs, dialog, answer.number);
     case Answer::Kind::DoubleClick:
         return doubleClick(dialogs, row());
+    case Answer::Kind::Undo:
+    case Answer::Kind::Redo:
+        throw Impossible("a dialog is open");
     case Answer::Kind::WaitForNews:
     case Answer::Kind::WaitForEnd:
         return;
@@ -240,6 +243,20 @@ void ScriptedUser::ended(Dialog& dialog) {
 void ScriptedUser::passWaits() {
     while (next_ < answers_.size() && isWait(answers_[next_])) {
         ++next_;
+    }
+}
+
+void ScriptedUser::edit(const Step& undo, const Step& redo) {
+    while (!failed_ && next_ < answers_.size()) {
+        const Answer& answer = answers_[next_];
+        const bool takesBack = answer.kind == Answer::Kind::Undo;
+        if (!takesBack && answer.kind != Answer::Kind::Redo) {
+            return;
+        }
+        ++next_;
+        if (!(takesBack ? undo : redo)()) {
+            fail(answer, takesBack ? "nothing was replaced" : "nothing was taken back");
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include "host/adm/dialoguser.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -48,6 +49,12 @@ public:
     void begun(Dialog& dialog) override;
     std::uint32_t act(Dialog& dialog) override;
     void ended(Dialog& dialog) override;
+
+    /// Takes a step of a drawing back, or makes it again; false when there is none.
+    using Step = std::function<bool()>;
+    /// Carries out what the script has next for a drawing whose dialogs have ended. A step that
+    /// there is not is reported as an error.
+    void edit(const Step& undo, const Step& redo);
 
     /// No more dialogs will come: a command that is left, other than a wait, is reported as an
     /// error.

@@ -171,6 +171,8 @@ void Session::showToPlugins(OpenDocument& document, DocumentReport& report) {
     report.faces = survey.asTaken();
     const Clock::time_point begin = Clock::now();
     report.checkFailed = application_.announceOpened() != kNoErr;
+    user_.edit([&] { return application_.undo(serial); },
+               [&] { return application_.redo(serial); });
     report.dialogs = user_.takeShown();
     report.timings.plugins = milliseconds(Clock::now() - begin);
     if (plugin_ != nullptr) {

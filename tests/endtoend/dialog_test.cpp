@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 namespace endtoend {
 
 namespace {
@@ -31,6 +34,10 @@ protected:
         const Outcome outcome = world_.open(arguments);
         EXPECT_THAT(outcome.errors, Not(HasSubstr("misbehaves")));
         return outcome;
+    }
+    static std::string contentOf(const std::filesystem::path& file) {
+        std::ifstream stream(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
     }
     static nlohmann::json dialogsOf(const Outcome& outcome) {
         return nlohmann::json::parse(outcome.output).at("documents").at(0).at("dialogs");
@@ -75,6 +82,21 @@ TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {
     EXPECT_EQ(faces["Quay Stencil"]["after"], "replaced");
     EXPECT_EQ(faces["DejaVu Sans Mono"]["after"], "replaced");
     EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U) << "what was saved has one family";
+}
+
+TEST_F(ADialogOfMissingFonts, HasItsReplacementsTakenBackBeforeTheDrawingIsSaved) {
+    const std::string script = "select Quay Stencil\npress 6\nchoose DejaVu Sans Bold\npress 1\n"
+                               "press 1\nundo\n";
+    const std::vector<std::string> families{"Quay Stencil", "DejaVu Sans"};
+    const Outcome undone = answer(script, families);
+    EXPECT_EQ(undone.status, 0) << undone.errors;
+    EXPECT_EQ(facesOf(undone)["Quay Stencil"]["after"], "missing");
+    EXPECT_EQ(contentOf(saved_), contentOf(world_.folder() / "documents/a.svg"));
+
+    const Outcome redone = answer(script + "redo\n", families);
+    EXPECT_EQ(redone.status, 0) << redone.errors;
+    EXPECT_EQ(facesOf(redone)["Quay Stencil"]["after"], "replaced");
+    EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U);
 }
 
 #ifdef HAS_WINDOWS

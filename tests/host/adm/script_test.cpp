@@ -32,6 +32,8 @@ TEST(AScript, IsReadLineByLine) {
         Case{"wait for news", Answer::Kind::WaitForNews, "", 30},
         Case{"wait for news 5", Answer::Kind::WaitForNews, "", 5},
         Case{"wait for end 7", Answer::Kind::WaitForEnd, "", 7},
+        Case{"undo", Answer::Kind::Undo, "", 0},
+        Case{"redo", Answer::Kind::Redo, "", 0},
     };
     for (const Case& each : cases) {
         const auto answers = readAnswers("# comment\n\n" + std::string(each.line), "s");
@@ -304,6 +306,23 @@ TEST_F(AScriptedUser, ReportsAnswersThatNoDialogCameFor) {
     user->finish();
     EXPECT_TRUE(user->failed());
     EXPECT_THAT(frontend.errors, ElementsAre("s:2: no dialog was shown for this"));
+}
+
+TEST_F(AScriptedUser, EditsTheDrawingOnceItsDialogsHaveEnded) {
+    std::string steps;
+    const auto edit = [&] {
+        user->edit([&] { return (steps += "undo ").size() <= 15; },
+                   [&] { return !(steps += "redo ").empty(); });
+    };
+    play("undo");
+    EXPECT_THAT(frontend.errors, ElementsAre("s:1: a dialog is open"));
+    play("press 1\nwait for end\nundo\nredo\nundo\npress 1\nundo\nredo");
+    edit();
+    EXPECT_EQ(steps, "undo redo undo ") << "the next one is for a dialog";
+    run(ref);
+    edit();
+    EXPECT_EQ(steps, "undo redo undo undo ");
+    EXPECT_EQ(frontend.errors.back(), "s:7: nothing was replaced");
 }
 
 TEST_F(AScriptedUser, TellsWhatItSaw) {
