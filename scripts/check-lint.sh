@@ -22,7 +22,7 @@ mkdir -p build/lint
 sed 's/ -fno-gnu-unique / /g; s| -Winvalid-pch -include [^ ]*/cmake_pch.hxx||' "$database" \
     >build/lint/compile_commands.json
 
-tidy=(clang-tidy-14 --quiet -p build/lint)
+tidy=(clang-tidy-14 --quiet -p build/lint "--extra-arg-before=-I$root/scripts/lint")
 kept="$caches/lint"
 mkdir -p "$kept"
 find "$kept" -type f -mtime +30 -delete

@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: MIT
 """Prints for each source of a build its path and a key made of all that a reading of it depends on.
 
-The key is the same in every clone: of clang-tidy and how it is called, of its settings, of the
-command lines that compile the source, and of the bytes of every file that the compiler read for it.
+The key is the same in every clone: of clang-tidy and how it is called, of its settings and
+headers, of the command lines that compile the source, and of the bytes of every file that the
+compiler read for it.
 """
 import functools
 import hashlib
@@ -41,7 +42,7 @@ def files_read():
 
 def main():
     settings = output('git', '-C', root, 'ls-files', '--cached', '--others', '--exclude-standard',
-                      '*.clang-tidy').split()
+                      '*.clang-tidy', 'scripts/lint/').split()
     common = [output(call[0], '--version'), *call[1:]]
     common += [f'{name} {digest(os.path.join(root, name))}' for name in sorted(settings)]
 

@@ -12,6 +12,7 @@
 #include "tests/support/scriptedplatform/scriptedplatform.h"
 
 #include <functional>
+#include <stdexcept>
 
 /// What the font manager says of the font FAMILY-Regular.
 struct Answered {
@@ -97,6 +98,9 @@ protected:
             if (infoOf(*row).font.familyName == name.substr(0, 2)) {
                 found = row.get();
             }
+        }
+        if (found == nullptr) {
+            throw std::out_of_range("no row " + name);
         }
         return name.size() > 2
                    ? *found->children->rows.at(static_cast<std::size_t>(name.back() - '0'))
