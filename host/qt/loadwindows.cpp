@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Loading the module, where it can be of use.
+#include "host/qt/displays.h"
 #include "host/qt/windows.h"
 
 #include <dlfcn.h>
@@ -24,8 +25,12 @@ bool mayHaveScreen() {
 }
 
 std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events, Screen screen) {
-    if (screen == Screen::User && !mayHaveScreen()) {
-        return nullptr;
+    constexpr int patience = 3000; // milliseconds
+    if (screen == Screen::User) {
+        forgetDeadDisplays(patience);
+        if (!mayHaveScreen()) {
+            return nullptr;
+        }
     }
     std::error_code failed;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);

@@ -43,14 +43,15 @@ void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     }
 }
 
-/// The toolkit's plug-ins are tried in turn; the last one needs no display, so that one which is
-/// named but dead does not end the program.
+/// The toolkit's plug-ins are tried in turn, for the displays that are named; the last one needs
+/// none, so that one which is named but refuses does not end the program.
 void choosePlatform(Screen screen) {
     QByteArray platforms = qgetenv("QT_QPA_PLATFORM");
     if (screen == Screen::Nowhere) {
         platforms = "offscreen";
     } else if (platforms.isEmpty()) {
-        platforms = "wayland;xcb;offscreen";
+        platforms = qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "" : "wayland;";
+        platforms += qEnvironmentVariableIsEmpty("DISPLAY") ? "offscreen" : "xcb;offscreen";
     } else if (!platforms.contains("offscreen")) {
         platforms += ";offscreen";
     }
