@@ -32,6 +32,7 @@ public:
     virtual void itemChanged(Item& item) = 0;
     /// [main-thread] The dialog is about to die; it does not run.
     virtual void forget(Dialog& dialog) = 0;
+    /// [main-thread] How its texts are measured; valid as long as the view.
     virtual const TextMetrics& metrics() const = 0;
 };
 
@@ -131,7 +132,7 @@ private:
     static Value* value(Value** found) noexcept {
         return found != nullptr ? *found : nullptr;
     }
-    /// Calls a plug-in's routine.
+    /// Calls a plug-in's routine; `routine` is that call.
     void call(Dialog& dialog, const std::function<void()>& routine) noexcept;
     template <typename Call>
     void withDrawer(Canvas& canvas, const ADMRect& bounds, Call routine);

@@ -11,7 +11,7 @@
 
 namespace host {
 
-/// Sizes of text as a view would draw it, in pixels. Implementations do not throw.
+/// [main-thread] Sizes of text as a view would draw it, in pixels. Implementations do not throw.
 class TextMetrics {
 public:
     virtual ~TextMetrics() = default;

@@ -50,7 +50,7 @@ public:
     std::uint32_t act(Dialog& dialog) override;
     void ended(Dialog& dialog) override;
 
-    /// Takes a step of a drawing back, or makes it again; false when there is none.
+    /// [main-thread] Takes a step of a drawing back, or makes it again; false when there is none.
     using Step = std::function<bool()>;
     /// Carries out what the script has next for a drawing whose dialogs have ended. A step that
     /// there is not is reported as an error.

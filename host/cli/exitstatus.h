@@ -8,11 +8,10 @@ enum ExitStatus : int {
     exitSuccess = 0,
     exitFontsMissing = 1,   ///< only with --fail-on-missing
     exitDocumentFailed = 2, ///< a document could not be opened or saved
-    exitPluginFailed =
-        3, ///< the plug-in could not be loaded, unloaded or started, or a check failed
-    exitAnswersFailed = 4, ///< an answer to a dialog could not be given
-    exitUsage = 64,        ///< the command line is wrong
-    exitOutputFailed = 74, ///< the report could not be written
+    exitPluginFailed = 3,   ///< the plug-in, its unloading, its start or a check of its failed
+    exitAnswersFailed = 4,  ///< an answer to a dialog could not be given
+    exitUsage = 64,         ///< the command line is wrong
+    exitOutputFailed = 74,  ///< the report could not be written
 };
 
 } // namespace host

@@ -29,8 +29,8 @@
 namespace host {
 
 struct CoreOptions {
-    std::string locale =
-        "en_US"; ///< what plug-ins are told, such as "de_DE"; windows speak it, too
+    /// What plug-ins are told, such as "de_DE"; windows speak it, too.
+    std::string locale = "en_US";
     Timers::Clock clock = TickCount; ///< ticks of 1/60 s
 };
 

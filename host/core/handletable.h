@@ -56,7 +56,7 @@ enum class HandleState : std::uint8_t {
 };
 
 /// Values by handle; addresses stay while a value lives. Slots are used again, so that a hundred
-/// thousand short-lived values need few. Not synchronised.
+/// thousand short-lived values need few. [one-thread]
 template <typename T, typename Handle>
 class HandleTable {
 public:

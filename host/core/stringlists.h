@@ -16,8 +16,8 @@ using StringList = std::unordered_map<std::int32_t, std::string>;
 
 /// Reads lines `index = text` in UTF-8; lines may be blank or begin with `#`. In the text, \n
 /// stands for a line end and \\ for a backslash; blanks around it are dropped. A line in another
-/// form, a repeated index or one below 1 is left out, and `problem` is called with "FILE:LINE:
-/// reason".
+/// form, a repeated index or one below 1 is left out, and `problem` is called, in this thread, with
+/// "FILE:LINE: reason".
 [[nodiscard]] StringList readStringList(std::string_view content, std::string_view file,
                                         const std::function<void(std::string_view)>& problem);
 

@@ -73,8 +73,8 @@ struct DocumentParts {
     std::shared_ptr<const DocumentWriter> writer;
 };
 
-/// Not synchronised: one thread at a time. Ids stay valid for the document's lifetime; replacing
-/// a face neither joins nor splits runs, so that iterators of a caller survive it.
+/// [one-thread] Ids stay valid for the document's lifetime; replacing a face neither joins nor
+/// splits runs, so that iterators of a caller survive it.
 class Document {
 public:
     explicit Document(DocumentParts parts);

@@ -41,7 +41,7 @@ struct ActiveContainer {
     std::size_t files = 0;
 };
 
-/// Used from one thread; several processes take turns by a lock on disk.
+/// [one-thread], in which reports come, too; several processes take turns by a lock on disk.
 class Activation {
 public:
     /// Makes the folder that fontconfig watches, so that programs started from now on know it.

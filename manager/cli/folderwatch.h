@@ -22,7 +22,7 @@ using Mounts = std::set<std::pair<std::string, std::string>>;
 [[nodiscard]] bool isMountChangedNear(const Mounts& before, const Mounts& after,
                                       const std::vector<std::string>& folders);
 
-/// Watches folders by inotify, and what is mounted there. Used from one thread.
+/// [one-thread] Watches folders by inotify, and what is mounted there.
 class FolderWatch {
 public:
     /// Without inotify nothing is heard; a scan by hand still works.

@@ -13,7 +13,7 @@
 
 namespace manager {
 
-/// One thread; a command is answered before anybody is told of what it changed.
+/// [main-thread] A command is answered before anybody is told of what it changed.
 class Server {
 public:
     /// Mends what a crash left. Throws Error.
@@ -51,8 +51,8 @@ private:
 };
 
 /// Registers under the manager's signature and answers until told to quit: by a 'quit' event,
-/// SIGTERM or SIGINT, or because the bus is gone. When another server runs already, says so and
-/// returns exitSuccess. Throws Error.
+/// SIGTERM, SIGINT or SIGHUP, or because the bus is gone. When another server runs already, says so
+/// and returns exitSuccess. Throws Error.
 int serveCommand(const Places& places, bool verbose);
 
 } // namespace manager

@@ -64,7 +64,7 @@ private:
 /// What to do when there is no such file.
 enum class MissingFile { IsMade, IsAnError };
 
-/// One connection; used from one thread. Waits up to ten seconds for another writer.
+/// [one-thread] One connection. Waits up to ten seconds for another writer.
 class Database {
 public:
     /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to

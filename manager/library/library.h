@@ -71,8 +71,8 @@ struct LibraryCounts {
     std::int64_t problems = 0; ///< bad files
 };
 
-/// Used from one thread. Every call throws Error when the index cannot be read, DamagedDatabase
-/// when it is damaged.
+/// [one-thread] Every call throws Error when the index cannot be read, DamagedDatabase when it is
+/// damaged.
 class Library {
 public:
     /// Opens the index, or makes one that `fill` may fill.
@@ -124,8 +124,8 @@ private:
 
 /// Opens the library. A missing index is begun with the numbers of the `known` containers. A
 /// damaged one is moved aside, which `report` is told in one line, and begun anew in the same way,
-/// with the old numbers of the other containers as far as they can be read. See
-/// Library::isScanOwed.
+/// with the old numbers of the other containers as far as they can be read. Both functions are
+/// called in this thread, before it returns. See Library::isScanOwed.
 [[nodiscard]] std::unique_ptr<Library>
 openLibrary(const Places& places, const KnownContainers& known,
             const std::function<void(const std::string&)>& report);

@@ -8,7 +8,8 @@
 
 namespace manager {
 
-/// Fills tables that were just made, in the transaction that makes them: nobody sees them empty.
+/// [one-thread] Fills tables that were just made, in the transaction that makes them: nobody sees
+/// them empty.
 using TableFiller = std::function<void(Database&)>;
 
 /// Makes the tables in an empty database, or checks that they are this version's. A new index owes

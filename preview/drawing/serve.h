@@ -8,6 +8,7 @@
 
 namespace preview {
 
+/// [main-thread] Draws what is asked for.
 using DrawFunction = std::function<Answer(const Request&)>;
 
 /// Answers the requests that come over `socket`, one after the other, until the other side is

@@ -30,7 +30,7 @@ struct ADMDialogSuite {
     ADMErr (*GetItem)(ADMDialogRef dialog, std::int32_t itemID, ADMItemRef* item);
     /// [main-thread] A pointer of the plug-in's, null at first.
     ADMErr (*SetUserData)(ADMDialogRef dialog, void* data);
-    ADMErr (*GetUserData)(ADMDialogRef dialog, void** data);
+    ADMErr (*GetUserData)(ADMDialogRef dialog, void** data); ///< [main-thread]
     /// [main-thread] The dialog's title.
     ADMErr (*SetText)(ADMDialogRef dialog, const char* title);
     /// [main-thread] Where the dialog is on the screen.
@@ -43,12 +43,16 @@ struct ADMDialogSuite {
 
     /// [main-thread] What the track routine is called for.
     ADMErr (*SetMask)(ADMDialogRef dialog, std::uint32_t mask);
+    /// [main-thread] What is called when something happens to the dialog or to its items.
     ADMErr (*SetNotifyProc)(ADMDialogRef dialog, ADMDialogNotifyProc notify);
-    ADMErr (*SetDrawProc)(ADMDialogRef dialog, ADMDialogDrawProc draw);
+    ADMErr (*SetDrawProc)(ADMDialogRef dialog, ADMDialogDrawProc draw); ///< [main-thread]
+    /// [main-thread]
     ADMErr (*SetTrackProc)(ADMDialogRef dialog, ADMDialogTrackProc track);
     /// [main-thread] What the host does by itself: the buttons 1 and 2 end a modal run.
     ADMErr (*DefaultNotify)(ADMDialogRef dialog, ADMNotifierRef notifier);
+    /// [main-thread] The host draws nothing there by itself.
     ADMErr (*DefaultDraw)(ADMDialogRef dialog, ADMDrawerRef drawer);
+    /// [main-thread] Nor does it track anything: `*handled` is 0.
     ADMErr (*DefaultTrack)(ADMDialogRef dialog, ADMTrackerRef tracker, AIBoolean* handled);
 
     /// [main-thread] Calls `proc` every `milliseconds` while the dialog runs, until it answers 0.
@@ -65,7 +69,7 @@ struct ADMItemSuite {
     ADMErr (*GetDialog)(ADMItemRef item, ADMDialogRef* dialog);
     /// [main-thread] A pointer of the plug-in's, null at first.
     ADMErr (*SetUserData)(ADMItemRef item, void* data);
-    ADMErr (*GetUserData)(ADMItemRef item, void** data);
+    ADMErr (*GetUserData)(ADMItemRef item, void** data); ///< [main-thread]
     /// [main-thread] Whether the user can use the item. They can, at first.
     ADMErr (*Enable)(ADMItemRef item, AIBoolean enabled);
     /// [main-thread] The label of a button, the words of a static text.
@@ -78,16 +82,19 @@ struct ADMItemSuite {
     ADMErr (*SetItemStyle)(ADMItemRef item, std::int32_t style);
     /// [main-thread] The list that the item shows. kBadParameterErr: it shows none of this kind.
     ADMErr (*GetList)(ADMItemRef item, ADMListRef* list);
+    /// [main-thread] See GetList.
     ADMErr (*GetHierarchyList)(ADMItemRef item, ADMHierarchyListRef* list);
 
     /// [main-thread] What the track routine is called for.
     ADMErr (*SetMask)(ADMItemRef item, std::uint32_t mask);
-    ADMErr (*SetNotifyProc)(ADMItemRef item, ADMItemNotifyProc notify);
-    ADMErr (*SetDrawProc)(ADMItemRef item, ADMItemDrawProc draw);
-    ADMErr (*SetTrackProc)(ADMItemRef item, ADMItemTrackProc track);
+    ADMErr (*SetNotifyProc)(ADMItemRef item, ADMItemNotifyProc notify); ///< [main-thread]
+    ADMErr (*SetDrawProc)(ADMItemRef item, ADMItemDrawProc draw);       ///< [main-thread]
+    ADMErr (*SetTrackProc)(ADMItemRef item, ADMItemTrackProc track);    ///< [main-thread]
     /// [main-thread] What the host does by itself: the notifier goes on to the dialog.
     ADMErr (*DefaultNotify)(ADMItemRef item, ADMNotifierRef notifier);
+    /// [main-thread] See ADMDialogSuite::DefaultDraw, here and below.
     ADMErr (*DefaultDraw)(ADMItemRef item, ADMDrawerRef drawer);
+    /// [main-thread]
     ADMErr (*DefaultTrack)(ADMItemRef item, ADMTrackerRef tracker, AIBoolean* handled);
 };
 static_assert(isSuiteTable<ADMItemSuite, 18>);

@@ -30,9 +30,11 @@ struct ADMHierarchyListSuite {
     /// [main-thread] The track routine of the entries, which is never null: at first it is the
     /// host's own.
     ADMErr (*GetTrackProc)(ADMHierarchyListRef list, ADMListEntryTrackProc* track);
+    /// [main-thread]
     ADMErr (*SetTrackProc)(ADMHierarchyListRef list, ADMListEntryTrackProc track);
     /// [main-thread] What the track routine is called for.
     ADMErr (*SetMask)(ADMHierarchyListRef list, std::uint32_t mask);
+    /// [main-thread] What draws each row.
     ADMErr (*SetDrawProc)(ADMHierarchyListRef list, ADMListEntryDrawProc draw);
 
     /// [main-thread] Where the rows are within the dialog.
@@ -73,7 +75,7 @@ struct ADMListEntrySuite4 {
     /// [main-thread] A pointer of the plug-in's, null at first. The plug-in frees what it points to
     /// before the entry goes.
     ADMErr (*SetUserData)(ADMListEntryRef entry, void* data);
-    ADMErr (*GetUserData)(ADMListEntryRef entry, void** data);
+    ADMErr (*GetUserData)(ADMListEntryRef entry, void** data); ///< [main-thread]
     /// [main-thread] The item that shows the entry.
     ADMErr (*GetItem)(ADMListEntryRef entry, ADMItemRef* item);
     /// [main-thread] The list below the entry; null when there is none.

@@ -81,7 +81,9 @@ using ADMDialogDrawProc = void (*)(ADMDialogRef dialog, ADMDrawerRef drawer);
 using ADMDialogTrackProc = AIBoolean (*)(ADMDialogRef dialog, ADMTrackerRef tracker);
 /// [main-thread] The same for one item.
 using ADMItemNotifyProc = void (*)(ADMItemRef item, ADMNotifierRef notifier);
+/// [main-thread] Draws the item.
 using ADMItemDrawProc = void (*)(ADMItemRef item, ADMDrawerRef drawer);
+/// [main-thread] See ADMDialogTrackProc.
 using ADMItemTrackProc = AIBoolean (*)(ADMItemRef item, ADMTrackerRef tracker);
 /// [main-thread] Draws one row.
 using ADMListEntryDrawProc = void (*)(ADMListEntryRef entry, ADMDrawerRef drawer);
