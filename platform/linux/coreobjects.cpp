@@ -64,16 +64,16 @@ bool CFStringGetCString(CFStringRef text, char* buffer, long size, CFStringEncod
 
 void CFShow(CFTypeRef object) {
     if (object == nullptr) {
-        std::cerr << "(null)\n";
+        std::cout << "(null)\n" << std::flush;
         return;
     }
     const auto* shown = static_cast<const CoreObject*>(object);
     if (shown->kind == CoreObject::Kind::String) {
-        std::cerr << shown->text + "\n";
+        std::cout << shown->text + "\n" << std::flush;
         return;
     }
     const platform::TextHandle uri(g_filename_to_uri(shown->text.c_str(), nullptr, nullptr));
-    std::cerr << std::string(uri ? uri.get() : shown->text.c_str()) + "\n";
+    std::cout << std::string(uri ? uri.get() : shown->text.c_str()) + "\n" << std::flush;
 }
 
 void CFRelease(CFTypeRef object) {

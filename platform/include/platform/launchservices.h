@@ -41,7 +41,8 @@ enum : std::uint32_t { kFSCatInfoNone = 0 };
 /// empty text, when it does not fit or a character has no place in the encoding.
 [[nodiscard]] bool CFStringGetCString(CFStringRef text, char* buffer, long size,
                                       CFStringEncoding encoding);
-/// [any-thread] Prints a text or a URL and a line end to standard error. Null is printed as
+/// [any-thread] Prints a text or a URL and a line end to standard output, for whoever looks for
+/// the reason of something: a program that has more to say there keeps it apart. Null is printed as
 /// "(null)".
 void CFShow(CFTypeRef object);
 /// [any-thread] Releases an object made by a creating call. Null is not allowed.
