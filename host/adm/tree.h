@@ -24,7 +24,7 @@ struct RowList {
     Tree& tree;
     Row* parent; ///< nullptr at the top
     ADMHierarchyListRef handle = nullptr;
-    std::int32_t entryWidth = 0;  ///< 0: as wide as the list
+    std::int32_t entryWidth = 0;  ///< 0: as wide as the list, as they always are in windows
     std::int32_t entryHeight = 0; ///< 0: as the text needs
     std::int32_t indentation = 0;
     std::deque<std::unique_ptr<Row>> rows;

@@ -39,7 +39,9 @@ struct ADMHierarchyListSuite {
 
     /// [main-thread] Where the rows are within the dialog.
     ADMErr (*GetBoundsRect)(ADMHierarchyListRef list, ADMRect* bounds);
-    /// [main-thread] Size of the rows of this list alone, in pixels. kBadParameterErr: below 1.
+    /// [main-thread] Size of the rows of this list alone, in pixels. In a window, rows end with the
+    /// list, which grows and shrinks with it, and the height is at least that of a line.
+    /// kBadParameterErr: below 1.
     ADMErr (*SetEntryWidth)(ADMHierarchyListRef list, std::int32_t width);
     /// [main-thread] The same; of several heights the greatest holds, as all rows are equally high.
     ADMErr (*SetEntryHeight)(ADMHierarchyListRef list, std::int32_t height);

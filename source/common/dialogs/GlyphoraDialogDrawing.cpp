@@ -15,7 +15,7 @@ constexpr float wrapWidth = 690.0F;
 constexpr std::int32_t fontRowIndent = 3;
 /// Between a column and the next one's heading.
 constexpr std::int32_t columnGap = 5;
-/// From the left edge to the family: room for the disclosure triangle.
+/// From the left edge to the family at least: room for the disclosure triangle.
 constexpr std::int32_t triangleRoom = 20;
 constexpr std::int32_t triangleHeight = 12;
 
@@ -70,17 +70,19 @@ struct Columns {
         ADMHierarchyListRef rows = nullptr;
         sADMItem->GetHierarchyList(dialog.GetItem(fontListItem), &rows);
         sADMHierarchyList->GetBoundsRect(rows, &list);
-        const std::array headings{styleHeading, technologyHeading, statusHeading};
+        const std::array headings{familyHeading, styleHeading, technologyHeading, statusHeading};
         for (std::size_t i = 0; i < headings.size(); ++i) {
             ADMRect heading{};
             sADMItem->GetBoundsRect(dialog.GetItem(headings[i]), &heading);
-            left[i + 1] = heading.left - list.left;
-            right[i] = left[i + 1] - columnGap;
+            left[i] = heading.left - list.left;
         }
+        left.front() = std::max(left.front(), triangleRoom);
+        std::transform(left.begin() + 1, left.end(), right.begin(),
+                       [](std::int32_t next) { return next - columnGap; });
         right.back() = list.right - list.left;
     }
 
-    std::array<std::int32_t, 4> left{triangleRoom};
+    std::array<std::int32_t, 4> left{};
     std::array<std::int32_t, 4> right{};
 };
 

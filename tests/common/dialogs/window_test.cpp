@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// The dialog of missing fonts as a window of the toolkit.
+#include "dialogfixture.h"
+
+#include "host/qt/windows.h"
+
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+class ADialogInAWindow : public ADialog {
+protected:
+    ADialogInAWindow() { dialogs.setView(windows_.get()); }
+    ~ADialogInAWindow() override { dialogs.setView(nullptr); }
+
+    /// Does `steps` in the window, and closes it.
+    void show(const std::function<void(QWidget&, host::Dialog&)>& steps) {
+        EXPECT_EQ(VexFontSuite::requestFonts(fonts).succeeded, 1);
+        GlyphoraDialog dialog;
+        dialog.setFontData(fonts);
+        QTimer::singleShot(0, qApp, [&] {
+            steps(*QApplication::activeModalWidget(), *dialogs.running().front());
+            QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+        });
+        EXPECT_EQ(dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0), kADMCancelItemID);
+    }
+
+private:
+    testsupport::Variable platform_{"QT_QPA_PLATFORM", std::nullopt};
+    std::unique_ptr<host::Windows> windows_{
+        glyphoraMakeWindows(dialogs, {}, host::Screen::Nowhere)};
+};
+
+TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsWhateverItsSizeAndStyle) {
+    for (const char* const style : {"Fusion", "Windows"}) {
+        for (const int points : {9, 22}) {
+            QApplication::setStyle(QString::fromLatin1(style));
+            QFont font = QApplication::font();
+            font.setPointSize(points);
+            QApplication::setFont(font);
+            show([&](QWidget& window, host::Dialog& dialog) {
+                const QWidget& list = *window.findChild<QAbstractScrollArea*>()->viewport();
+                for (const int width : {760, 1400}) {
+                    window.resize(width, 500);
+                    QCoreApplication::processEvents();
+                    host::RecordingCanvas canvas;
+                    dialogs.draw(row(dialog, "Aa"), canvas, list.width(), 19);
+                    std::size_t column = 0;
+                    for (const host::Drawn& each : canvas.drawn()) {
+                        if (each.kind != host::Drawn::Kind::Text || each.text.empty()) {
+                            continue;
+                        }
+                        const char* const names[] = {"family", "style", "technology", "status"};
+                        const auto& heading =
+                            *window.findChild<QLabel*>(QString::fromLatin1(names[column++]));
+                        EXPECT_EQ(list.mapTo(&window, QPoint()).x() + each.area.left,
+                                  heading.mapTo(&window, heading.contentsRect().topLeft()).x())
+                            << style << points << " " << width << each.text;
+                    }
+                    EXPECT_EQ(column, 4U);
+                }
+            });
+        }
+    }
+}
+
+} // namespace
