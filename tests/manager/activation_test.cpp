@@ -162,7 +162,7 @@ TEST_F(AnActivation, TakesTheDataFolderHoweverItIsWritten) {
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
 }
 
-TEST_F(AnActivation, ShowsTheOthersWhenFontconfigShowsNothingOfAFile) {
+TEST_F(AnActivation, ShowsTheOthersWhenFontconfigRefusesAFile) {
     sandbox_.write("one.ttf", "no font");
     for (int round = 0; round < 2; ++round) { // what failed is tried again
         const auto outcome = activate(fonts());
@@ -177,7 +177,7 @@ TEST_F(AnActivation, ShowsTheOthersWhenFontconfigShowsNothingOfAFile) {
     }
 }
 
-TEST_F(AnActivation, LeavesNothingWhenTheDesktopsSettingsKeepTheFontsFromSight) {
+TEST_F(AnActivation, LeavesNothingThatTheDesktopsSettingsHide) {
     const std::string folder = "<dir>" + sandbox_.root() + "/data/fonts</dir>";
     const struct {
         std::string settings;
@@ -246,7 +246,7 @@ TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
     EXPECT_TRUE(std::filesystem::exists(victim));
 }
 
-TEST_F(AnActivation, TouchesTheFolderAfterwardsForProgramsThatCompareSeconds) {
+TEST_F(AnActivation, TouchesTheFolderForProgramsThatSeeSeconds) {
     Activation activation(sandbox_.places());
     const ContainerFonts wanted = fonts();
     EXPECT_FALSE(activation.isUnsettled());
@@ -262,7 +262,7 @@ TEST_F(AnActivation, TouchesTheFolderAfterwardsForProgramsThatCompareSeconds) {
     EXPECT_FALSE(activation.isUnsettled());
 }
 
-TEST_F(AnActivation, IsUnsettledAgainAfterAProcessThatDidNotSettle) {
+TEST_F(AnActivation, IsUnsettledAfterAProcessThatDidNotSettle) {
     for (const bool expected : {false, true}) {
         Activation activation(sandbox_.places());
         const auto ignore = [](const std::string&) {};

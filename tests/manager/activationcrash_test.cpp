@@ -110,7 +110,7 @@ TEST_F(ACrash, WhileDeactivatingIsFinished) {
                 [&](const StepObserver& observer) { deactivate(observer); }, {"One", "Two"}, {});
 }
 
-TEST_F(ACrash, ThatLeftASetWithoutItsFilesIsMendedAsFarAsTheLibraryGoes) {
+TEST_F(ACrash, ThatLeftASetWithoutFilesIsMendedFromTheLibrary) {
     activate(fonts());
     std::filesystem::remove(set() + "/one.ttf");
     std::filesystem::remove(set() + "/two.ttf");

@@ -43,7 +43,7 @@ TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
     EXPECT_FALSE(answer_.changed);
 }
 
-TEST_F(AnExchange, ReportsAFontOfSeveralContainersAndAsksForTheWindow) {
+TEST_F(AnExchange, AsksForTheWindowWhenSeveralContainersHoldAFont) {
     const std::string asked = font({{"syncID", "1"}, {"psName", "Both"}, {"type", "TT"}});
     const ReplyNode root = ask("fontRequest", asked);
     const ReplyNode& reply = *root.all("font").at(0);
@@ -68,7 +68,7 @@ TEST_F(AnExchange, ReportsAFontOfSeveralContainersAndAsksForTheWindow) {
     EXPECT_EQ(again.value("containerID"), idOf("Both", 1)) << "the active one comes first";
 }
 
-TEST_F(AnExchange, FindsByFamilyAndStyleWhatThePostScriptNameDoesNot) {
+TEST_F(AnExchange, FindsByFamilyAndStyleWhatNoPostScriptNameDoes) {
     const struct {
         const char* psName;
         const char* family;
@@ -109,7 +109,7 @@ TEST_F(AnExchange, SaysThatNobodyHoldsAFont) {
     EXPECT_THAT(answer_.problems, IsEmpty());
 }
 
-TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivatedAndActivatesTheOthersOfItsContainer) {
+TEST_F(AnExchange, SaysWhyAFontFailedAndActivatesTheOthersWithIt) {
     std::filesystem::remove(sandbox_.library() + "/one/lato.ttf");
     const ReplyNode root = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Lato-Regular"}}) +
                                                   font({{"syncID", "2"}, {"psName", "Lato-Bold"}}));
@@ -127,7 +127,7 @@ TEST_F(AnExchange, SaysWhyAFontCouldNotBeActivatedAndActivatesTheOthersOfItsCont
     EXPECT_FALSE(answer_.changed);
 }
 
-TEST_F(AnExchange, RenewsWhatWasReplacedInTheLibraryUnderTheSameName) {
+TEST_F(AnExchange, RenewsWhatTheLibraryReplacedUnderTheSameName) {
     const std::string asked = font({{"syncID", "1"}, {"psName", "Mueller"}});
     EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
     add("odd/m.ttf", {"Müller & Söhne <Co>", "Book", "Mueller", true});
@@ -138,7 +138,7 @@ TEST_F(AnExchange, RenewsWhatWasReplacedInTheLibraryUnderTheSameName) {
     EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "1");
 }
 
-TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneCannotBeActivated) {
+TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneFails) {
     std::filesystem::remove(sandbox_.library() + "/x/both.ttf");
     const std::string named = idOf("Both", 0);
     const std::string other = idOf("Both", 1);
@@ -165,7 +165,7 @@ TEST_F(AnExchange, DoesNotChooseAContainerAgainThatHasFailed) {
     EXPECT_EQ(reply.value("activationSuccessfull"), "1");
 }
 
-TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {
+TEST_F(AnExchange, JudgesByTheFontWhenItsContainerIsShownInPart) {
     sandbox_.setFontconfig("<dir>" + sandbox_.root() +
                            "/data/fonts</dir><selectfont><rejectfont><glob>*/lato-r.ttf</glob>"
                            "</rejectfont></selectfont>");
@@ -179,7 +179,7 @@ TEST_F(AnExchange, JudgesByTheFontAskedForWhenItsContainerIsShownInPart) {
     }
 }
 
-TEST_F(AnExchange, ActivatesByPostScriptNameWhereNoContainerIsNamed) {
+TEST_F(AnExchange, ActivatesByPostScriptNameWithoutAContainer) {
     const std::string plain = idOf("Both", 0);
     const std::string openType = idOf("Both", 1);
     const struct {

@@ -52,7 +52,7 @@ protected:
     std::unique_ptr<Library> library_ = std::make_unique<Library>(sandbox_.places());
 };
 
-TEST_F(ALibrary, HoldsAFamilyInAFolderTogetherAndEachCollectionForItself) {
+TEST_F(ALibrary, HoldsFamiliesByFolderAndEachCollectionByItself) {
     add("a/sans.ttf", {});
     add("a/sansbold.ttf", {"TEST sans", "Bold", "TestSans-Bold"});
     add("a/other.ttf", {"Other", "Regular", "Other-Regular"});
@@ -115,7 +115,7 @@ TEST_F(ALibrary, PrefersTheStyleAsItIsCalled) {
     EXPECT_THAT(library_->findByFamilyAndStyle("Gothic", "Roman"), SizeIs(2));
 }
 
-TEST_F(ALibrary, ReadsOnAgainOnlyWhatHasChangedAndKeepsContainerNumbers) {
+TEST_F(ALibrary, ReadsAgainOnlyWhatHasChangedAndKeepsNumbers) {
     add("a/one.ttf", {});
     add("a/two.ttf", {"Two", "Regular", "Two"});
     sandbox_.write("a/bad.ttf", "bad");

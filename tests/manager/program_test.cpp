@@ -130,7 +130,7 @@ TEST_F(TheProgram, ActivatesOnRequestAndTellsOfItAfterTheAnswer) {
     DisposeAEEventHandlerUPP(routine);
 }
 
-TEST_F(TheProgram, AnswersWithoutALibraryAndSeesWhatOtherCommandsAddLater) {
+TEST_F(TheProgram, AnswersWithoutALibraryAndSeesLaterAdditions) {
     serve();
     EXPECT_EQ(askFor("Lato-Bold", "count"), "0");
     writeBytes(sandbox_.places().data + "/fonts/own.ttf", makeFont({"Own", "Regular", "Own"}));

@@ -37,7 +37,7 @@ TEST(AReply, CarriesValuesExactlyThroughTheFolding) {
     }
 }
 
-TEST(AReply, PutsABlankForWhatXmlCannotCarryAndAMarkForWhatIsNoUtf8) {
+TEST(AReply, PutsABlankForWhatXmlForbidsAndAMarkForNoUtf8) {
     const std::string mark = "\xEF\xBF\xBD";
     const struct {
         std::string value;

@@ -83,7 +83,7 @@ TEST_F(AnInstalledFont, CountsAsLongAsItIsThere) {
     EXPECT_EQ(askActive("fontRequest", "Own-Regular"), "0");
 }
 
-TEST_F(AnInstalledFont, MayBeOneThatWasActivatedBeforeTheLibraryLostIt) {
+TEST_F(AnInstalledFont, MayBeOneThatTheLibraryHasLostSince) {
     EXPECT_EQ(askActive("fontRequest", "Mueller"), "1");
     std::filesystem::remove(sandbox_.library() + "/odd/m.ttf");
     scan();

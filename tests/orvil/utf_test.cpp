@@ -16,6 +16,14 @@ using namespace Orvil;
 using namespace Orvil::UTF;
 using namespace UTFModel;
 
+// Named, as the tests have them in their names, without a namespace.
+struct From8To16 : std::pair<UTF8, UTF16> {};
+struct From16To8 : std::pair<UTF16, UTF8> {};
+struct From8To32 : std::pair<UTF8, UTF32> {};
+struct From32To8 : std::pair<UTF32, UTF8> {};
+struct From16To32 : std::pair<UTF16, UTF32> {};
+struct From32To16 : std::pair<UTF32, UTF16> {};
+
 namespace {
 
 template <typename Pair>
@@ -57,9 +65,7 @@ protected:
     }
 };
 
-using Pairs =
-    testing::Types<std::pair<UTF8, UTF16>, std::pair<UTF16, UTF8>, std::pair<UTF8, UTF32>,
-                   std::pair<UTF32, UTF8>, std::pair<UTF16, UTF32>, std::pair<UTF32, UTF16>>;
+using Pairs = testing::Types<From8To16, From16To8, From8To32, From32To8, From16To32, From32To16>;
 
 } // namespace
 

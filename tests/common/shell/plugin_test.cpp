@@ -75,7 +75,7 @@ TEST_F(APlugin, StopsItsStartAtTheFirstError) {
     }
 }
 
-TEST_F(APlugin, FillsItsTablesLastAtItsStartAndEmptiesThemFirstAtItsUnloading) {
+TEST_F(APlugin, FillsItsTablesLastAndEmptiesThemFirst) {
     struct Filling : RecordingPlugin {
         using RecordingPlugin::RecordingPlugin;
         AIErr AllocateSuiteTables() override { return allocated; }

@@ -25,7 +25,7 @@ protected:
     RecordingFrontend frontend;
 };
 
-TEST_P(AMisbehavingPlugin, IsNoticedAndTheHostGoesOn) {
+TEST_P(AMisbehavingPlugin, IsNoticed) {
     Core core(frontend);
     const std::filesystem::path folder(TEST_BUNDLES);
     Plugin& bad = core.load(folder / "misbehaving.aip");
@@ -117,7 +117,7 @@ TEST(TheLedger, CountsEqualEntriesAndTellsOnlyTheFirst) {
 
 class AForgetfulPlugin : public CoreFixture {};
 
-TEST_F(AForgetfulPlugin, IsGivenTheChanceToPutAwayWhatItMadeBeforeItThrew) {
+TEST_F(AForgetfulPlugin, MayPutAwayWhatItMadeBeforeItThrew) {
     int object = 0;
     std::vector<std::string> selectors;
     handler = [&](std::string_view, std::string_view selector, void* message) -> SPErr {

@@ -226,7 +226,7 @@ TEST_F(TheDialogManager, ShowsAlertsInThePluginsName) {
     EXPECT_EQ(frontend.alerts[2].title, "title");
 }
 
-TEST_F(TheDialogManager, TellsTheLocaleAndEmptiesTheBufferOfAMissingString) {
+TEST_F(TheDialogManager, TellsTheLocaleAndNothingOfAMissingString) {
     const auto* const hostSuite = suite<ADMHostSuite>();
     asGuest([&] {
         char buffer[8] = "old";

@@ -23,7 +23,7 @@ private:
     StringLists lists_{BUNDLE_TEXTS, [](std::string_view problem) { ADD_FAILURE() << problem; }};
 };
 
-TEST_P(MnemonicsOfList, AreOneForEachButtonAndStayWhenItsTextChanges) {
+TEST_P(MnemonicsOfList, AreOneForEachButtonAndStay) {
     const std::vector<QString> texts{text(5), text(6), text(8), text(7), text(10), text(9)};
     const std::vector<QChar> letters = chooseMnemonics(texts, {});
     EXPECT_EQ(std::set<QChar>(letters.begin(), letters.end()).size(), texts.size());

@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(TheFontSuite, FindsByPostScriptNameElseFullNameElseFamilyAndStyle) {
+TEST_F(TheFontSuite, FindsByPostScriptElseFullNameElseFamilyAndStyle) {
     faces.push_back(installed("Trap", "Regular"));
     faces.back().postScriptName = "Trap-One";
     faces.back().fullName = "Alpha-Bold"; // another face's PostScript name

@@ -128,7 +128,7 @@ TEST_F(TheTextEngine, CountsReferences) {
                                      "used a text range reference that is dead"));
 }
 
-TEST_F(TheTextEngine, RecognisesReferencesThatAreNotItsOwnOrOfAnotherKind) {
+TEST_F(TheTextEngine, KnowsReferencesThatAreForeignOrOfAnotherKind) {
     const ATE::ITextRange range = frame().GetTextRange(true);
     std::int32_t size = 0;
     ATE::FontRef font = nullptr;

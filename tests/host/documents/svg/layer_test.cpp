@@ -60,12 +60,12 @@ const Case cases[] = {
     {"TopLevelGroupsElse",
      "<g id='A'><a><text>a</text></a></g><text>b</text><g id='B'><g><g><text>c</text></g></g></g>",
      "A(a)B(c)(b)", "A((a))B(((c)))(b)"},
-    {"WrappersOfADrawingAreLookedThrough",
+    {"WrappersAreLookedThrough",
      "<switch><foreignObject/><g xmlns:i='urn:some-program' i:extraneous='self'><g id='A' "
      "i:layer='yes'><text>a</text></g></g></switch>",
      "A(a)", "A(a)"},
     {"ASwitchAroundPlainGroups", "<switch><g id='A'><text>a</text></g></switch>", "A(a)", "A(a)"},
-    {"GroupModeOfAnotherKindOrNamespace",
+    {"GroupModeOfAnotherKind",
      "<g ink:groupmode='other' id='A'><text>a</text></g><g groupmode='layer' id='B'/>", "A(a)B()",
      "A(a)B()"},
     {"SymbolsAreNoArtButTheirText",
@@ -74,7 +74,7 @@ const Case cases[] = {
 
 class ALayer : public testing::TestWithParam<Case> {};
 
-TEST_P(ALayer, HoldsItsTextsFlatOrInTheirGroups) {
+TEST_P(ALayer, HoldsItsTexts) {
     EXPECT_EQ(outline(read(GetParam().body)), GetParam().flat);
     SvgOptions options;
     options.keepGroups = true;

@@ -50,7 +50,7 @@ const Case cases[] = {
      "<text style=\"fill:red; font-family : 'New Sans', serif ;x:y\">a</text>"},
     {"InlineStyleInEntities", "<text style='font-family:&apos;Old&apos;;a:b'>a</text>", "Old",
      "<text style='font-family:\"New Sans\";a:b'>a</text>"},
-    {"TheLastOfSeveralDeclarations", "<text style='font-family:X;font-family:Old'>a</text>", "Old",
+    {"LastOfSeveral", "<text style='font-family:X;font-family:Old'>a</text>", "Old",
      "<text style='font-family:X;font-family:New Sans'>a</text>"},
     {"ImportantShorthand", "<text style='font:bold 1px Old!important'>a</text>", "Old",
      "<text style='font:bold 1px New Sans!important;font-weight:normal !important'>a</text>"},
@@ -67,13 +67,13 @@ const Case cases[] = {
      "Old",
      "<style>.a{font-weight:/*x*/bold;font: bold /*&amp;*/ 1px /* \"A\", */ New Sans /*y*/, B;"
      "font-weight:normal}</style><text class='a' font-style='/* z */ italic'>a</text>"},
-    {"TextThatInheritsFromItsUse",
+    {"InheritedFromItsUse",
      "<defs><text id='t'>a<tspan>b</tspan></text></defs><g font-family='Old'><use href='#t'/><text "
      "font-weight='bold'>c</text></g>",
      "Old/Regular",
      "<defs><text id='t' style=\"font-family:'New Sans'\">a<tspan>b</tspan></text></defs>"
      "<g font-family='Old'><use href='#t'/><text font-weight='bold'>c</text></g>"},
-    {"OnlyWhatWouldGoWrongIsDoneCarefully",
+    {"CarefulWhereNeeded",
      "<style>.x tspan{font-weight:bold}</style><text class='x' font-family='Old'>a<tspan>b</tspan>"
      "</text><text font-family='Old'>c<tspan font-weight='bold'>d</tspan></text>",
      "Old/Regular",
@@ -99,7 +99,7 @@ const Case cases[] = {
      "<text style=\"font-family:Old;-inkscape-font-specification:'Old, Bold'\">a</text>", "Old",
      "<text style=\"font-family:New Sans;-inkscape-font-specification:'New Sans, Normal'\">a"
      "</text>"},
-    {"NoPropertyThatBeginsAsTheHint",
+    {"NoneThatBeginsAsTheHint",
      "<text style=\"font-family:Old;-inkscape-font-specification:A;-inkscape-font-specifications:B;"
      "-inkscape-font:C\">a</text>",
      "Old",
@@ -109,7 +109,7 @@ const Case cases[] = {
      "<text font-family='New Sans'>a</text>"},
     {"NoDeclarationAtAll", "<text x='1'>a</text><text font-family='B'>b</text>", "sans-serif",
      "<text x='1' style=\"font-family:'New Sans'\">a</text><text font-family='B'>b</text>"},
-    {"InheritedAndSharedValueGoesToTheElement",
+    {"InheritedAndShared",
      "<g font-family='Old, serif'><text style='a:b'>a</text><text font-weight='bold'>b</text></g>",
      "Old/Bold",
      "<g font-family='Old, serif'><text style='a:b'>a</text><text font-weight='normal' "
@@ -119,7 +119,7 @@ const Case cases[] = {
      "Old/Regular",
      "<g font-family='Old'><text style='a:b;font-family:\"New Sans\"'>a</text><text "
      "font-weight='bold'>b</text></g>"},
-    {"TextBesideOtherTextGetsASpan",
+    {"BesideOtherTextASpan",
      "<text font-family='Old'>a <tspan font-weight='bold'>b</tspan> c</text>", "Old/Regular",
      "<text font-family='Old'><tspan style=\"font-family:'New Sans'\">a </tspan><tspan "
      "font-weight='bold'>b</tspan><tspan style=\"font-family:'New Sans'\"> c</tspan></text>"},
@@ -129,13 +129,13 @@ const Case cases[] = {
      "Old/Italic",
      "<style>.a{font-family:Old}</style><text class='a'>a</text><text class='a' "
      "font-style='normal' style=\"font-family:'New Sans'\">b</text>"},
-    {"SharedImportantRuleIsOutdone",
+    {"ImportantRuleIsOutdone",
      "<style>.a{font-family:Old!important}</style><text class='a'>a</text><text class='a' "
      "font-style='italic'>b</text>",
      "Old/Italic",
      "<style>.a{font-family:Old!important}</style><text class='a'>a</text><text class='a' "
      "font-style='normal' style=\"font-family:'New Sans' !important\">b</text>"},
-    {"HiddenTextKeepsItsFaceOnItsOwn",
+    {"HiddenTextKeepsItsFace",
      "<g font-family='Old'><text>a</text><text display='none' font-weight='bold'>b</text></g>",
      "Old/Regular",
      "<g font-family='Old'><text style=\"font-family:'New Sans'\">a</text><text display='none' "
@@ -158,7 +158,7 @@ const Case cases[] = {
      "Old",
      "<text id='t' xml:space='preserve'> </text><text font-family='New Sans'>a<tspan "
      "font-weight='bold'><tref xlink:href='#t'/></tspan></text>"},
-    {"RulesThatWouldCatchASpanSpareIt",
+    {"RulesForSpansSpareIt",
      "<style>tspan{fill:red;font-size:50px}</style><g font-family='Old, serif'><text>a<tspan "
      "font-weight='bold'>b</tspan>c<tspan>d<tspan font-family='X' style='font-weight:300'>e"
      "</tspan></tspan></text></g>",
@@ -167,14 +167,14 @@ const Case cases[] = {
      "font-family:'New Sans', serif\">a<tspan font-weight='bold' style=\"font-family:'Old', serif"
      "\">b</tspan>c<tspan style=\"font-family:'New Sans', serif\">d<tspan font-family='X' "
      "style='font-weight:300'>e</tspan></tspan></text></g>"},
-    {"ImportantRulesAreOutdoneWhereOthersSpareASpan",
+    {"ImportantRulesForSpans",
      "<style>*{a:b} .a{font-family:Old!important}</style><text class='a'>a<tspan "
      "font-weight='bold'>b</tspan></text>",
      "Old/Regular",
      "<style>*{a:b} .a{font-family:Old!important}</style><text class='a' style=\"font-family:"
      "'New Sans' !important\">a<tspan font-weight='bold' style=\"font-family:'Old'\">b</tspan>"
      "</text>"},
-    {"RulesThatWouldCatchASpanSpareItWhenCareful",
+    {"RulesForSpansWhenCareful",
      "<style>*{fill:red} text[style]{font-style:italic}</style><text font-family='Old'>a<tspan "
      "font-weight='bold'>b</tspan></text>",
      "Old/Regular",
@@ -182,7 +182,7 @@ const Case cases[] = {
      "font-family:'New Sans' !important;font-style:normal !important;font-weight:normal !important;"
      "font-stretch:normal !important\">a<tspan font-weight='bold' style=\"font-family:'Old';"
      "font-style:normal;font-stretch:normal\">b</tspan></text>"},
-    {"HintsStayWhereRulesSpareASpan",
+    {"HintsByRulesForSpans",
      "<style>*{a:b}</style><text style=\"font-family:Old;-inkscape-font-specification:'Old, "
      "Bold'\">a<tspan font-weight='bold'>b</tspan></text>",
      "Old/Regular",
@@ -190,7 +190,7 @@ const Case cases[] = {
      "font-family:'New Sans';-inkscape-font-specification:'New Sans, Normal'\">a<tspan font-weight="
      "'bold' style=\"font-family:'Old';-inkscape-font-specification:'Old, "
      "Bold'\">b</tspan></text>"},
-    {"SelectorsThatWouldCatchTheSpanMakeItCareful",
+    {"SelectorsForTheSpan",
      "<style>tspan{font-weight:bold}</style><text font-family='Old'>a<tspan>b</tspan></text>",
      "Old/Regular",
      "<style>tspan{font-weight:bold}</style><text font-family='Old'><tspan style=\"font-family:"
@@ -200,7 +200,7 @@ const Case cases[] = {
 
 class AReplacedFace : public testing::TestWithParam<Case> {};
 
-TEST_P(AReplacedFace, ChangesWhatDecidedItAndNothingElse) {
+TEST_P(AReplacedFace, ChangesThere) {
     Document document = read(GetParam().body);
     const std::string replaced = GetParam().replaced;
     replaceAll(document, replaced, newFace());
@@ -269,7 +269,7 @@ TEST(AReplacedFace, IsQuotedWhereItsFamilyWouldReadDifferently) {
 /// Any text with a style of its own is bold. Done carefully, "a" leaves the rule that it shares
 /// with "b" as it is, for which "b" gets a style; and so on to "c", which would be an attempt too
 /// many.
-TEST(AReplacedFace, IsWrittenCarefullyThroughoutWhenOneRepairBreaksTheNext) {
+TEST(AReplacedFace, IsWrittenWithCareWhenOneRepairBreaksTheNext) {
     Document document = read(
         "<style>text[style]{font-weight:bold} svg{font-style:italic;font-stretch:condensed}</style>"
         "<g font-family='Old'><text font-stretch='normal'>a</text>"
@@ -298,7 +298,7 @@ TEST(AReplacedFace, OfRunsThatDifferIsToldApart) {
     EXPECT_EQ(visibleRuns(readSvg(saved(document), "x.svg")), "A/Regular:a|B/Regular:b");
 }
 
-TEST(AReplacedFace, IsRefusedWhereOnlyASpanWouldDoThatRulesWouldCatch) {
+TEST(AReplacedFace, IsRefusedWhereRulesWouldCatchItsOnlySpan) {
     Document document = read("<style>tspan{fill:red}</style><text font-family='Old'>a<tspan "
                              "font-weight='bold'>b</tspan>c</text>");
     document.replaceFace(0, newFace());

@@ -160,7 +160,7 @@ const Case cases[] = {
 
 class ARun : public testing::TestWithParam<Case> {};
 
-TEST_P(ARun, IsReadAsTheTableSays) {
+TEST_P(ARun, IsRead) {
     EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
 }
 

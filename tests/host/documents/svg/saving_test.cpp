@@ -56,7 +56,7 @@ TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
     EXPECT_TRUE(bytesOf(folder / "other").starts_with("\x1F\x8B"));
 }
 
-TEST(ASavedDrawing, ReplacesTheFileThatALinkLeadsToAndKeepsItsRights) {
+TEST(ASavedDrawing, ReplacesWhatALinkLeadsToAndKeepsItsRights) {
     Folder folder;
     write(folder / "real.svg", "old");
     std::filesystem::permissions(folder / "real.svg", std::filesystem::perms{0640});

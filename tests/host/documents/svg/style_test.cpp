@@ -87,7 +87,7 @@ const Case cases[] = {
      "A/Regular:a"},
     {"GroupsOfSelectors", "<style>.x, #y , z{font-family:A}</style><text id='y'>a</text>",
      "A/Regular:a"},
-    {"SelectorsThatAreNotKnownMatchNothing",
+    {"UnknownSelectorsMatchNothing",
      "<style>text:hover{font-family:A} text::before{font-family:A} g+text{font-family:A} "
      ">text{font-family:A} text>{font-family:A} .{font-family:A}</style><g/><text>a</text>",
      "<sans-serif>/Regular:a"},
@@ -184,7 +184,7 @@ const Case cases[] = {
 
 class AStyle : public testing::TestWithParam<Case> {};
 
-TEST_P(AStyle, IsDecidedAsTheTableSays) {
+TEST_P(AStyle, IsDecided) {
     EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
 }
 
