@@ -2,10 +2,13 @@
 // The dialog of what is missing, answered by scripts, with the real manager.
 #include "world.h"
 
+#include "platform/notify.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <future>
 #include <iterator>
 
 namespace endtoend {
@@ -67,6 +70,24 @@ TEST_F(ADialogOfMissingFonts, FollowsTheLibrarysNews) {
     EXPECT_THAT(outcome.errors, HasSubstr("answers:6: there is no row \"DejaVu Sans Mono\""));
     EXPECT_EQ(facesOf(outcome)["DejaVu Sans Mono"]["after"], "activated now");
     EXPECT_EQ(dialogsOf(outcome)[0]["givenUp"], true);
+}
+
+TEST_F(ADialogOfMissingFonts, KeepsWhatIsChosenInABurstOfNewsAndClosesByThoseFromOutside) {
+    auto answered = std::async(std::launch::async, [&] {
+        return answer("expand DejaVu Sans Mono\nselect Several matches\nwait for news 100\n"
+                      "press 6\npress 2\nselect archive\nwait for end 100\n",
+                      {"DejaVu Sans Mono"});
+    });
+    world_.awaitDeed("fontRequest: 1 font\n", 2); // the dialog's own
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(notify_post("org.glyphora.Glyphora.FontLibraryChanged"), NOTIFY_STATUS_OK);
+    }
+    world_.awaitDeed("fontRequest: 1 font\n", 3);
+    ASSERT_EQ(world_.manager({"activate", "1"}).status, 0);
+    const Outcome outcome = answered.get();
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(facesOf(outcome)["DejaVu Sans Mono"]["after"], "activated now");
+    EXPECT_EQ(dialogsOf(outcome)[0]["givenUp"], false);
 }
 
 TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {

@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A drawing opens, and its missing fonts are found, asked for and activated.
-#include "system/descriptor.h"
 #include "world.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <csignal>
-#include <poll.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace endtoend {
 
@@ -17,16 +11,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-
-/// A process that is being torn down may still look alive to others; afterwards its sockets are
-/// closed.
-void killAndWait(pid_t process) {
-    const sys::Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
-    ASSERT_TRUE(ended);
-    ASSERT_EQ(kill(process, SIGKILL), 0);
-    pollfd watched{ended.get(), POLLIN, 0};
-    EXPECT_EQ(poll(&watched, 1, -1), 1);
-}
 
 /// One family on the desktop, one in the library, one in two containers of it, one with characters
 /// that have a meaning in markup, and one that nobody knows.
@@ -100,8 +84,7 @@ TEST_F(AnOpenedDrawing, IsCheckedAgainAfterThePlugInWasReloaded) {
 TEST_F(AnOpenedDrawing, LaunchesAManagerThatWasKilled) {
     expectStates(world_.open({world_.draw("first.svg", {"DejaVu Serif"}).string()}), 0,
                  {{"DejaVu Serif", "missing > activated now"}});
-    const auto status = nlohmann::json::parse(world_.manager({"status", "--json"}).output);
-    killAndWait(status.at("server").get<pid_t>());
+    world_.killManager();
     expectStates(world_.open({world_.draw("second.svg", {"Müller &amp; Söhne Grotesk"}).string()}),
                  0, {{"Müller & Söhne Grotesk", "missing > activated now"}});
 }

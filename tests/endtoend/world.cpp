@@ -2,11 +2,17 @@
 // Setting up and tearing down a test's desktop.
 #include "world.h"
 
+#include "system/descriptor.h"
 #include "tests/support/privatebus/privatebus.h"
 
 #include <gtest/gtest.h>
 
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -182,6 +188,26 @@ Outcome World::run(const std::vector<std::string>& arguments) const {
 Outcome World::manager(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), GLYPHORA_MANAGER);
     return run(arguments);
+}
+
+void World::awaitDeed(const std::string& words, int times) const {
+    for (int count = 0; count < times;) {
+        const std::string told = manager({"history"}).output;
+        count = 0;
+        for (auto at = told.find(words); at != std::string::npos; at = told.find(words, at + 1)) {
+            ++count;
+        }
+    }
+}
+
+void World::killManager() const {
+    const auto status = nlohmann::json::parse(manager({"status", "--json"}).output);
+    const auto process = status.at("server").get<pid_t>();
+    const sys::Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+    ASSERT_TRUE(ended);
+    ASSERT_EQ(kill(process, SIGKILL), 0);
+    pollfd watched{ended.get(), POLLIN, 0};
+    EXPECT_EQ(poll(&watched, 1, -1), 1);
 }
 
 Outcome World::open(const std::vector<std::string>& arguments) const {

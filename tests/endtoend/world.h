@@ -51,6 +51,10 @@ public:
 
     Outcome run(const std::vector<std::string>& arguments) const;
     Outcome manager(std::vector<std::string> arguments) const;
+    /// Returns when the manager has told so often that it did something.
+    void awaitDeed(const std::string& words, int times) const;
+    /// Returns when its sockets are closed: a process that is being torn down may look alive.
+    void killManager() const;
     /// glyphora-host open --report json ...
     Outcome open(const std::vector<std::string>& arguments) const;
     /// The same without the plug-in.
