@@ -36,7 +36,7 @@ private:
     std::string bytes_;
 };
 
-/// Gives nothings once something was not there.
+/// Gives nothing more once something was not there.
 class Reader {
 public:
     explicit Reader(std::string_view bytes) : bytes_(bytes) {}

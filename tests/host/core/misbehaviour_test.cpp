@@ -67,6 +67,9 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"thrown number",
               {"misbehaving threw the number 'BANG' out of \"AI Notifier\"/\"AI Notify\""},
               {openedAnswer + "'BANG'"}},
+        Fault{"thrown zero",
+              {"misbehaving threw the number 0 out of \"AI Notifier\"/\"AI Notify\""},
+              {openedAnswer + "'!MSG'"}},
         Fault{"thrown exception",
               {"misbehaving threw an exception (out of luck) out of \"AI Notifier\"/\"AI "
                "Notify\""},

@@ -59,6 +59,9 @@ SPErr notified(SPMessageData& data) {
     if (doesWrong("thrown number")) {
         throw int{FourChars("BANG")};
     }
+    if (doesWrong("thrown zero")) {
+        throw int{kNoErr};
+    }
     if (doesWrong("thrown exception")) {
         throw std::runtime_error("out of luck");
     }
