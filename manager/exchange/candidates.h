@@ -32,19 +32,19 @@ public:
     /// By PostScript name; when that finds none, by family and style. One candidate a container, in
     /// this order: active ones first, then those of the wanted type, then OpenType before TrueType
     /// before Type 1, then containers with more faces, then lower numbers.
-    std::vector<Candidate> find(const CommandFont& font);
+    [[nodiscard]] std::vector<Candidate> find(const CommandFont& font);
 
     /// The faces of this PostScript name that the desktop shows already. Those in the sets of the
     /// candidates are left out: whether they are the ones that the index means, Candidate::active
     /// tells.
-    std::vector<DesktopFace> shown(const CommandFont& font,
-                                   const std::vector<Candidate>& candidates);
+    [[nodiscard]] std::vector<DesktopFace> shown(const CommandFont& font,
+                                                 const std::vector<Candidate>& candidates);
 
     /// nullopt: unknown, or without fonts.
     std::optional<Container> container(ContainerId id) { return holder(id).container; }
 
     /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme".
-    static std::string describe(const Candidate& candidate);
+    [[nodiscard]] static std::string describe(const Candidate& candidate);
 
 private:
     struct Holder {

@@ -53,7 +53,7 @@ private:
 /// known only the word and the frame are looked at. A font that is malformed (a line feed in the
 /// name of a document's font is enough) is passed over up to the next line that closes one, and
 /// costs only itself unless its text holds such a line. Throws MalformedCommand.
-Command parseCommand(std::string_view text);
+[[nodiscard]] Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").
 [[nodiscard]] std::string_view typeKeyword(FontType type);

@@ -24,7 +24,7 @@ namespace manager {
 
 /// A whole decimal number of type `Number` and nothing else.
 template <class Number>
-std::optional<Number> toNumber(std::string_view text) {
+[[nodiscard]] std::optional<Number> toNumber(std::string_view text) {
     Number number{};
     const char* end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, number);

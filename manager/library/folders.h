@@ -13,7 +13,7 @@ namespace manager {
 
 /// The recorded folders, in order of recording; none when nothing was recorded yet. Throws Error
 /// (file, line) on a file that is not the manager's.
-std::vector<std::string> readFolders(const Places& places);
+[[nodiscard]] std::vector<std::string> readFolders(const Places& places);
 
 /// Records the folders, given as the user writes them: each must exist and is kept as its canonical
 /// absolute path. One that is recorded already, or lies under a recorded one, changes nothing.

@@ -59,7 +59,7 @@ constexpr std::int64_t maximumFontFileSize = 512LL * 1024 * 1024;
 /// will know them. Throws Error ("PATH: what is wrong and where") for anything that is no whole
 /// font, UnreadableNow for one that could not be looked at. The time for a hostile file is not
 /// bounded here; see FontReader.
-FontFileContents readFontFile(const std::string& path);
+[[nodiscard]] FontFileContents readFontFile(const std::string& path);
 
 /// Family or style reduced for comparison: case folded, blanks dropped.
 [[nodiscard]] std::string nameKey(std::string_view name);

@@ -16,7 +16,7 @@ namespace host::svg {
 /// `document` was read from `source` with `options`; `unicode` tells that the file can hold any
 /// character, otherwise names are escaped. Throws DocumentError when no edit has exactly this
 /// effect.
-std::string editFaces(const std::string& source, const Document& document,
-                      const SvgOptions& options, bool unicode);
+[[nodiscard]] std::string editFaces(const std::string& source, const Document& document,
+                                    const SvgOptions& options, bool unicode);
 
 } // namespace host::svg

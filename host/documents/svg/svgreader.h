@@ -44,9 +44,10 @@ struct SvgOptions {
 /// - The first family of a list is the face's family.
 /// No external entity, DTD, style sheet or link is ever opened.
 /// Throws DocumentError for anything that is not a well-formed SVG drawing within the limits.
-Document readSvg(const std::filesystem::path& file, const SvgOptions& options = {});
+[[nodiscard]] Document readSvg(const std::filesystem::path& file, const SvgOptions& options = {});
 
 /// The same from memory. `bytes` is a whole file, gzipped or not; `name` is for messages.
-Document readSvg(std::string bytes, std::string_view name, const SvgOptions& options = {});
+[[nodiscard]] Document readSvg(std::string bytes, std::string_view name,
+                               const SvgOptions& options = {});
 
 } // namespace host

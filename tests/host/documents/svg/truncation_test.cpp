@@ -30,7 +30,7 @@ bool survives(const std::string& bytes) {
         for (RunId run = 0; run < document.runs().size(); ++run) {
             document.replaceFace(run, face);
         }
-        svg::editFaces(bytes, document, {}, true);
+        static_cast<void>(svg::editFaces(bytes, document, {}, true));
         return true;
     } catch (const DocumentError&) {
         return false;
@@ -41,7 +41,7 @@ TEST(ATruncatedDrawing, IsRefusedAtEveryLength) {
     for (std::size_t length = 0; length < sample.size(); ++length) {
         EXPECT_FALSE(survives(sample.substr(0, length))) << length;
     }
-    EXPECT_NO_THROW(readSvg(sample, "sample.svg"));
+    EXPECT_NO_THROW(static_cast<void>(readSvg(sample, "sample.svg")));
 }
 
 TEST(ADamagedDrawing, IsReadOrRefused) {
