@@ -24,7 +24,7 @@ namespace host {
 /// in order. What the model has become is shown by synchronize().
 class DialogWindow : public QDialog {
 public:
-    /// Calls what may call a plug-in; throws nothing.
+    /// [main-thread] Calls what may call a plug-in; throws nothing.
     using Serve = std::function<void(const std::function<void()>&)>;
 
     /// `dialogs` and `dialog` outlive it. Throws LayoutError when the layout makes no window that

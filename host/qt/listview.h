@@ -14,7 +14,7 @@ class QTreeView;
 
 namespace host {
 
-/// Has something done once the toolkit has dealt with what the user did, in order.
+/// [main-thread] Has something done once the toolkit has dealt with what the user did, in order.
 using Later = std::function<void(std::function<void()>)>;
 
 /// [main-thread] Goes before its view, which has nothing to show then. Lists of texts that are long

@@ -14,7 +14,8 @@
 
 namespace host {
 
-/// The desktop's events, which are served while a window is open. dispatch() may throw.
+/// [main-thread] The desktop's events, which are served while a window is open. dispatch() may
+/// throw.
 struct DesktopEvents {
     std::function<int()> descriptor; ///< readable while events wait; negative: none will come
     std::function<std::size_t()> dispatch;
@@ -45,7 +46,7 @@ enum class Screen : std::uint8_t {
 /// for it.
 class LateView : public DialogView {
 public:
-    /// What it gives outlives the view.
+    /// [main-thread] What it gives outlives the view.
     using Choose = std::function<DialogView&()>;
     explicit LateView(Choose choose) : choose_(std::move(choose)) {}
 

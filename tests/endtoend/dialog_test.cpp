@@ -105,7 +105,7 @@ TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {
     EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U) << "what was saved has one family";
 }
 
-TEST_F(ADialogOfMissingFonts, HasItsReplacementsTakenBackBeforeTheDrawingIsSaved) {
+TEST_F(ADialogOfMissingFonts, HasItsReplacementsTakenBackBeforeItIsSaved) {
     const std::string script = "select Quay Stencil\npress 6\nchoose DejaVu Sans Bold\npress 1\n"
                                "press 1\nundo\n";
     const std::vector<std::string> families{"Quay Stencil", "DejaVu Sans"};
@@ -121,7 +121,7 @@ TEST_F(ADialogOfMissingFonts, HasItsReplacementsTakenBackBeforeTheDrawingIsSaved
 }
 
 #ifdef HAS_WINDOWS
-TEST_F(ADialogOfMissingFonts, IsAnsweredAlikeInWindowsOfWhichPicturesAreTaken) {
+TEST_F(ADialogOfMissingFonts, IsAnsweredAlikeInWindowsThatArePictured) {
     const Outcome outcome = answer("expand DejaVu Sans Mono\nselect Quay Stencil\npress 6\n"
                                    "choose DejaVu Sans Bold\npress 1\npress 1\n",
                                    {"Quay Stencil", "DejaVu Sans Mono", "DejaVu Sans"},

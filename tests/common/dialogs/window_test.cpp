@@ -35,7 +35,7 @@ private:
         glyphoraMakeWindows(dialogs, {}, host::Screen::Nowhere)};
 };
 
-TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsWhateverItsSizeAndStyle) {
+TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsAtAnySize) {
     for (const char* const style : {"Fusion", "Windows"}) {
         for (const int points : {9, 22}) {
             QApplication::setStyle(QString::fromLatin1(style));
