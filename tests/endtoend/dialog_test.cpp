@@ -72,7 +72,7 @@ TEST_F(ADialogOfMissingFonts, FollowsTheLibrarysNews) {
     EXPECT_EQ(dialogsOf(outcome)[0]["givenUp"], true);
 }
 
-TEST_F(ADialogOfMissingFonts, KeepsWhatIsChosenInABurstOfNewsAndClosesByThoseFromOutside) {
+TEST_F(ADialogOfMissingFonts, KeepsItsChoicesInManyNewsAndClosesByThem) {
     auto answered = std::async(std::launch::async, [&] {
         return answer("expand DejaVu Sans Mono\nselect Several matches\nwait for news 100\n"
                       "press 6\npress 2\nselect archive\nwait for end 100\n",

@@ -237,7 +237,7 @@ TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
                                "\\e4 \"'>\xE4</text></svg>");
 }
 
-TEST(AReplacedFace, IsRefusedWhereOtherTextDoesNotComeBackFromTheEncoding) {
+TEST(AReplacedFace, IsRefusedWhereTheEncodingLosesOtherText) {
     // A converter takes this form of a letter for the letter itself when it writes.
     Document document = readSvg("<?xml version='1.0' encoding='IBM1046'?><svg "
                                 "xmlns='http://www.w3.org/2000/svg'><text font-family='Old'>\x83"
