@@ -9,6 +9,9 @@
 
 namespace host::css {
 
+/// How deep conditional blocks may be nested; deeper ones are not looked into.
+inline constexpr unsigned maximumNesting = 16;
+
 [[nodiscard]] bool isBlank(char c) noexcept;
 /// Of an identifier without escapes.
 [[nodiscard]] bool isNameChar(char c) noexcept;

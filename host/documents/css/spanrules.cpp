@@ -11,8 +11,6 @@
 namespace host::css {
 namespace {
 
-constexpr unsigned maximumNesting = 16; // of conditional blocks
-
 bool saysMoreThanAFace(std::string_view block) {
     DeclarationCursor cursor(block);
     for (Declaration declaration; cursor.next(declaration);) {

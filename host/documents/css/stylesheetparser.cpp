@@ -8,12 +8,6 @@
 #include <utility>
 
 namespace host::css {
-namespace {
-
-/// Deepest nesting of conditional blocks.
-constexpr unsigned maximumNesting = 16;
-
-} // namespace
 
 bool appliesToScreens(std::string_view media) {
     media = trim(media);
