@@ -34,6 +34,7 @@ struct InstalledFace {
     int index = 0; ///< face in the file, named instance in the upper 16 bits
     FontTechnology technology = FontTechnology::TrueType;
     bool openType = false;
+    bool symbol = false; ///< it has signs in the places of letters
     int weight = 400;
     Slant slant = Slant::Upright;
     double stretch = 100.0;

@@ -1,28 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Lists the desktop's faces through fontconfig.
 #include "host/fonts/catalogue.h"
-
-#include <fontconfig/fontconfig.h>
+#include "host/fonts/fontconfighandle.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace host {
 namespace {
-
-struct Deleter {
-    void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
-    void operator()(FcObjectSet* objects) const { FcObjectSetDestroy(objects); }
-    void operator()(FcFontSet* fonts) const { FcFontSetDestroy(fonts); }
-    void operator()(FcConfig* config) const { FcConfigDestroy(config); }
-    void operator()(FcChar8* text) const { FcStrFree(text); }
-};
-template <typename T>
-using Handle = std::unique_ptr<T, Deleter>;
 
 /// Fontconfig counts widths in whole percent; style sheets have halves between them.
 double stretchOf(double width) {
@@ -118,6 +106,7 @@ InstalledFace readFace(const PatternReader& reader) {
     face.file = reader.text(FC_FILE);
     face.index = reader.integer(FC_INDEX, 0);
     face.variable = reader.flag(FC_VARIABLE);
+    face.symbol = reader.flag(FC_SYMBOL);
 
     double weight = FC_WEIGHT_REGULAR;
     double weightTo = weight;
@@ -157,7 +146,7 @@ std::string foldName(std::string_view name) {
         ascii = ascii && static_cast<unsigned char>(c) < 0x80;
     }
     if (!ascii) {
-        const Handle<FcChar8> folded(
+        const FontconfigHandle<FcChar8> folded(
             FcStrDowncase(reinterpret_cast<const FcChar8*>(result.c_str())));
         if (folded) {
             result = reinterpret_cast<const char*>(folded.get());
@@ -170,17 +159,18 @@ std::vector<InstalledFace> listInstalledFaces() {
     // A configuration loaded afresh sees every change; fontconfig's own check works in whole
     // seconds and misses some for good. It is not made the process's current one, so that fonts
     // which a toolkit added to that stay.
-    const Handle<FcConfig> config(FcInitLoadConfigAndFonts());
-    const Handle<FcPattern> scalable(FcPatternCreate());
-    const Handle<FcObjectSet> objects(FcObjectSetBuild(
+    const FontconfigHandle<FcConfig> config(FcInitLoadConfigAndFonts());
+    const FontconfigHandle<FcPattern> scalable(FcPatternCreate());
+    const FontconfigHandle<FcObjectSet> objects(FcObjectSetBuild(
         FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_FULLNAME, FC_POSTSCRIPT_NAME,
-        FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT, FC_WIDTH, FC_SLANT, FC_VARIABLE, nullptr));
+        FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT, FC_WIDTH, FC_SLANT, FC_VARIABLE, FC_SYMBOL,
+        nullptr));
     std::vector<InstalledFace> faces;
     if (!config || !scalable || !objects) {
         return faces;
     }
     FcPatternAddBool(scalable.get(), FC_SCALABLE, FcTrue);
-    const Handle<FcFontSet> fonts(FcFontList(config.get(), scalable.get(), objects.get()));
+    const FontconfigHandle<FcFontSet> fonts(FcFontList(config.get(), scalable.get(), objects.get()));
     if (!fonts) {
         return faces;
     }

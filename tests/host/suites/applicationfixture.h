@@ -37,6 +37,7 @@ inline Face named(const std::string& family, const std::string& style) {
 struct MadeRun {
     Face face;
     bool visible = true;
+    std::string text = {};
 };
 
 /// A document of layers of text frames of runs.
@@ -63,7 +64,10 @@ inline Document makeDocument(const std::vector<std::vector<std::vector<MadeRun>>
                 if (known == parts.faces.end()) {
                     parts.faces.push_back(run.face);
                 }
-                parts.runs.push_back({0, 0, face, run.visible, false});
+                parts.runs.push_back({static_cast<std::uint32_t>(parts.text.size()),
+                                      static_cast<std::uint32_t>(run.text.size()), face,
+                                      run.visible, false});
+                parts.text += run.text;
             }
         }
     }
