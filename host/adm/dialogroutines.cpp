@@ -73,6 +73,7 @@ void Dialogs::select(Tree& tree, std::vector<Row*> rows, Row* active) {
         return;
     }
     tree.select(std::move(rows), active);
+    changed(item);
     notify(item);
 }
 

@@ -5,6 +5,7 @@
 #include "host/cli/bundlesearch.h"
 #include "host/cli/sabotage.h"
 #include "host/core/text.h"
+#include "host/suites/documentsamples.h"
 #include "platform/application.h"
 
 #include <exception>
@@ -207,12 +208,14 @@ DialogView& Session::chooseView() {
                                    return desktop_ != nullptr ? desktop_->dispatchEvents() : 0;
                                }};
     if (!options_.headless) {
-        windows_ = loadWindows(application_.dialogs(), events, Screen::User);
+        windows_ =
+            loadWindows(application_.dialogs(), fontSourceOf(application_), events, Screen::User);
     }
     if (windows_ != nullptr) {
         user_.setAtEnd(ScriptedUser::AtEnd::Leave);
     } else if (options_.pictures) {
-        windows_ = loadWindows(application_.dialogs(), events, Screen::Nowhere);
+        windows_ = loadWindows(application_.dialogs(), fontSourceOf(application_), events,
+                               Screen::Nowhere);
     }
     if (windows_ == nullptr) {
         if (options_.pictures) {

@@ -25,8 +25,7 @@ FontconfigHandle<FcCharSet> charactersOf(std::string_view text) {
     FontconfigHandle<FcCharSet> characters(FcCharSetCreate());
     while (!text.empty()) {
         FcChar32 character = 0;
-        const int length =
-            FcUtf8ToUcs4(bytesOf(text), &character, static_cast<int>(text.size()));
+        const int length = FcUtf8ToUcs4(bytesOf(text), &character, static_cast<int>(text.size()));
         if (length <= 0) {
             break;
         }
@@ -102,12 +101,9 @@ std::string DesktopFonts::someCharacters(const FaceFile& face) const {
     constexpr int most = 12;
     constexpr std::uint32_t behindLatin = 0x250;
     const FontconfigHandle<FcPattern> wanted(FcPatternCreate());
-    FcPatternAddString(wanted.get(), FC_FILE,
-                       reinterpret_cast<const FcChar8*>(face.file.c_str()));
-    const FontconfigHandle<FcObjectSet> objects(
-        FcObjectSetBuild(FC_INDEX, FC_CHARSET, nullptr));
-    const FontconfigHandle<FcFontSet> found(
-        FcFontList(config_.get(), wanted.get(), objects.get()));
+    FcPatternAddString(wanted.get(), FC_FILE, reinterpret_cast<const FcChar8*>(face.file.c_str()));
+    const FontconfigHandle<FcObjectSet> objects(FcObjectSetBuild(FC_INDEX, FC_CHARSET, nullptr));
+    const FontconfigHandle<FcFontSet> found(FcFontList(config_.get(), wanted.get(), objects.get()));
     for (int i = 0; found && i < found->nfont; ++i) {
         FcCharSet* characters = nullptr;
         int index = 0;

@@ -161,16 +161,17 @@ std::vector<InstalledFace> listInstalledFaces() {
     // which a toolkit added to that stay.
     const FontconfigHandle<FcConfig> config(FcInitLoadConfigAndFonts());
     const FontconfigHandle<FcPattern> scalable(FcPatternCreate());
-    const FontconfigHandle<FcObjectSet> objects(FcObjectSetBuild(
-        FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_FULLNAME, FC_POSTSCRIPT_NAME,
-        FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT, FC_WIDTH, FC_SLANT, FC_VARIABLE, FC_SYMBOL,
-        nullptr));
+    const FontconfigHandle<FcObjectSet> objects(
+        FcObjectSetBuild(FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_FULLNAME,
+                         FC_POSTSCRIPT_NAME, FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT, FC_WIDTH,
+                         FC_SLANT, FC_VARIABLE, FC_SYMBOL, nullptr));
     std::vector<InstalledFace> faces;
     if (!config || !scalable || !objects) {
         return faces;
     }
     FcPatternAddBool(scalable.get(), FC_SCALABLE, FcTrue);
-    const FontconfigHandle<FcFontSet> fonts(FcFontList(config.get(), scalable.get(), objects.get()));
+    const FontconfigHandle<FcFontSet> fonts(
+        FcFontList(config.get(), scalable.get(), objects.get()));
     if (!fonts) {
         return faces;
     }

@@ -51,8 +51,8 @@ bool isOf(ItemKind kind, QWidget* widget) {
 /// Makes the outermost widget of a layout a window of ours.
 class DialogLoader : public QUiLoader {
 public:
-    DialogLoader(Dialogs& dialogs, Dialog& dialog, DialogWindow::Serve serve)
-        : dialogs_(dialogs), dialog_(dialog), serve_(std::move(serve)) {}
+    DialogLoader(Dialogs& dialogs, Dialog& dialog, FaceServices services, DialogWindow::Serve serve)
+        : dialogs_(dialogs), dialog_(dialog), services_(services), serve_(std::move(serve)) {}
 
     std::unique_ptr<DialogWindow> read() {
         QFile file(QString::fromStdString(dialog_.layout.file.string()));
@@ -66,7 +66,7 @@ public:
         if (parent != nullptr) {
             return QUiLoader::createWidget(className, parent, name);
         }
-        window_.reset(new DialogWindow(dialogs_, dialog_, serve_));
+        window_.reset(new DialogWindow(dialogs_, dialog_, services_, serve_));
         window_->setObjectName(name);
         return window_.get();
     }
@@ -74,18 +74,22 @@ public:
 private:
     Dialogs& dialogs_;
     Dialog& dialog_;
+    FaceServices services_;
     DialogWindow::Serve serve_;
     std::unique_ptr<DialogWindow> window_;
 };
 
-DialogWindow::DialogWindow(Dialogs& dialogs, Dialog& dialog, Serve serve)
-    : dialogs_(dialogs), dialog_(dialog), serve_(std::move(serve)), placed_(dialog.layout.bounds) {
+DialogWindow::DialogWindow(Dialogs& dialogs, Dialog& dialog, FaceServices services, Serve serve)
+    : dialogs_(dialogs), dialog_(dialog), services_(services), serve_(std::move(serve)),
+      placed_(dialog.layout.bounds) {
     actionTimer_.setSingleShot(true);
     connect(&actionTimer_, &QTimer::timeout, this, [this] { act(); });
 }
 
-std::unique_ptr<DialogWindow> DialogWindow::make(Dialogs& dialogs, Dialog& dialog, Serve serve) {
-    std::unique_ptr<DialogWindow> window = DialogLoader(dialogs, dialog, std::move(serve)).read();
+std::unique_ptr<DialogWindow> DialogWindow::make(Dialogs& dialogs, Dialog& dialog,
+                                                 FaceServices services, Serve serve) {
+    std::unique_ptr<DialogWindow> window =
+        DialogLoader(dialogs, dialog, services, std::move(serve)).read();
     window->setWindowModality(Qt::ApplicationModal);
     window->bind();
     return window;
@@ -116,10 +120,9 @@ void DialogWindow::bindItem(Item& item, QWidget& widget) {
         label->setTextFormat(Qt::PlainText);
     } else if (auto* const view = qobject_cast<QAbstractItemView*>(&widget)) {
         view->viewport()->installEventFilter(this);
-        lists_.push_back(
-            std::make_unique<ListView>(dialogs_, item, *view, [this](std::function<void()> action) {
-                later(std::move(action));
-            }));
+        lists_.push_back(std::make_unique<ListView>(
+            dialogs_, item, *view, services_,
+            [this](std::function<void()> action) { later(std::move(action)); }));
     }
 }
 
@@ -199,6 +202,9 @@ void DialogWindow::run(const std::function<void()>& shown) {
     QEventLoop loop;
     loop_ = &loop;
     changed_ = true;
+    for (const std::unique_ptr<ListView>& list : lists_) {
+        list->begin();
+    }
     synchronize();
     if (isVisible()) {
         shown();

@@ -27,10 +27,10 @@ public:
     /// [main-thread] Calls what may call a plug-in; throws nothing.
     using Serve = std::function<void(const std::function<void()>&)>;
 
-    /// `dialogs` and `dialog` outlive it. Throws LayoutError when the layout makes no window that
-    /// has all items of the dialog.
+    /// `dialogs`, `dialog` and what `services` names outlive it. Throws LayoutError when the layout
+    /// makes no window that has all items of the dialog.
     [[nodiscard]] static std::unique_ptr<DialogWindow> make(Dialogs& dialogs, Dialog& dialog,
-                                                            Serve serve);
+                                                            FaceServices services, Serve serve);
 
     Dialog& dialog() const noexcept { return dialog_; }
     /// The dialog, or something in it, has changed.
@@ -55,7 +55,7 @@ protected:
 
 private:
     friend class DialogLoader;
-    DialogWindow(Dialogs& dialogs, Dialog& dialog, Serve serve);
+    DialogWindow(Dialogs& dialogs, Dialog& dialog, FaceServices services, Serve serve);
 
     void bind();
     void bindItem(Item& item, QWidget& widget);
@@ -67,6 +67,7 @@ private:
 
     Dialogs& dialogs_;
     Dialog& dialog_;
+    FaceServices services_;
     Serve serve_;
     std::map<QObject*, Item*> items_; ///< by widget
     std::vector<std::pair<const Item*, QPushButton*>> buttons_;

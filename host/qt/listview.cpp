@@ -55,7 +55,8 @@ std::vector<Row*> sorted(std::vector<Row*> rows) {
 
 } // namespace
 
-ListView::ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later later)
+ListView::ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, FaceServices services,
+                   Later later)
     : dialogs_(dialogs), item_(item), tree_(*item.tree), view_(view),
       treeView_(qobject_cast<QTreeView*>(&view)), later_(std::move(later)),
       model_(dialogs, tree_, nullptr), delegate_(dialogs, model_) {
@@ -69,6 +70,9 @@ ListView::ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later 
     connectView();
     if (treeView_ != nullptr) {
         connectTree();
+    }
+    if (FontChooser::isMarked(view)) {
+        fonts_ = std::make_unique<FontChooser>(dialogs, item, model_, view, services);
     }
 }
 
@@ -179,6 +183,12 @@ void ListView::showExpansion(RowList& list) {
     }
 }
 
+void ListView::begin() {
+    if (fonts_ != nullptr) {
+        fonts_->begin();
+    }
+}
+
 void ListView::synchronize() {
     const Flag synchronizing(synchronizing_);
     view_.setSelectionMode(tree_.multiSelect ? QAbstractItemView::ExtendedSelection
@@ -210,6 +220,9 @@ void ListView::synchronize() {
     if (std::exchange(heights_, heights) != heights || reset) {
         view_.doItemsLayout();
         view_.verticalScrollBar()->setValue(scrolled);
+    }
+    if (fonts_ != nullptr) {
+        fonts_->synchronize();
     }
     view_.viewport()->update();
 }

@@ -2,11 +2,13 @@
 // A list of a dialog in a view of the toolkit.
 #pragma once
 
+#include "host/qt/fontchooser.h"
 #include "host/qt/rowmodel.h"
 
 #include <QObject>
 
 #include <functional>
+#include <memory>
 
 class QAbstractItemView;
 class QLineEdit;
@@ -21,10 +23,13 @@ using Later = std::function<void(std::function<void()>)>;
 /// get a field to filter them by.
 class ListView : public QObject {
 public:
-    /// `dialogs`, `item` and `view` outlive it. The item is a list.
-    ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, Later later);
+    /// `dialogs`, `item`, `view` and what `services` names outlive it. The item is a list.
+    ListView(Dialogs& dialogs, Item& item, QAbstractItemView& view, FaceServices services,
+             Later later);
     ~ListView() override;
 
+    /// The dialog is about to be shown.
+    void begin();
     /// Takes rows, selection and expansion from the model.
     void synchronize();
     QAbstractItemView& view() const noexcept { return view_; }
@@ -51,7 +56,8 @@ private:
     Later later_;
     RowModel model_;
     RowDelegate delegate_;
-    QLineEdit* filter_ = nullptr; ///< the window's
+    std::unique_ptr<FontChooser> fonts_; ///< nullptr in a list of anything else
+    QLineEdit* filter_ = nullptr;        ///< the window's
     std::size_t heights_ = 0;
     bool synchronizing_ = false;
     bool selectionWaits_ = false;

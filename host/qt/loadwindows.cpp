@@ -24,7 +24,8 @@ bool mayHaveScreen() {
     return isSet("WAYLAND_DISPLAY") || isSet("DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 
-std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events, Screen screen) {
+std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, FontSource fonts, DesktopEvents events,
+                                     Screen screen) {
     constexpr int patience = 3000; // milliseconds
     if (screen == Screen::User) {
         forgetDeadDisplays(patience);
@@ -40,7 +41,7 @@ std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events, Scr
     void* const make = handle != nullptr ? dlsym(handle, "glyphoraMakeWindows") : nullptr;
     return std::unique_ptr<Windows>(make != nullptr
                                         ? reinterpret_cast<decltype(&glyphoraMakeWindows)>(make)(
-                                              dialogs, std::move(events), screen)
+                                              dialogs, std::move(fonts), std::move(events), screen)
                                         : nullptr);
 }
 

@@ -67,8 +67,10 @@ int milliseconds(std::uint32_t ticks) {
 
 class QtWindows : public Windows {
 public:
-    QtWindows(std::unique_ptr<QApplication> application, Dialogs& dialogs, DesktopEvents events)
-        : application_(std::move(application)), dialogs_(dialogs), events_(std::move(events)) {
+    QtWindows(std::unique_ptr<QApplication> application, Dialogs& dialogs, FontSource fonts,
+              DesktopEvents events)
+        : application_(std::move(application)), dialogs_(dialogs), fonts_(std::move(fonts)),
+          events_(std::move(events)) {
         timer_.setSingleShot(true);
         QObject::connect(&timer_, &QTimer::timeout, [this] {
             serveUser();
@@ -114,6 +116,8 @@ private:
     std::unique_ptr<QApplication> application_;
     Translators translators_;
     Dialogs& dialogs_;
+    FontSource fonts_;
+    Faces faces_;
     DesktopEvents events_;
     FontMetrics metrics_;
     std::map<Dialog*, std::unique_ptr<DialogWindow>> windows_;
@@ -131,7 +135,7 @@ DialogWindow& QtWindows::window(Dialog& dialog) {
     auto found = windows_.find(&dialog);
     if (found == windows_.end()) {
         found = windows_
-                    .emplace(&dialog, DialogWindow::make(dialogs_, dialog,
+                    .emplace(&dialog, DialogWindow::make(dialogs_, dialog, {faces_, fonts_},
                                                          [this](const std::function<void()>& work) {
                                                              serve(work);
                                                          }))
@@ -295,7 +299,11 @@ void QtWindows::savePicture(QWidget& window, const char* moment) {
     std::string number = std::to_string(++pictureCount_);
     number.insert(0, number.size() < 2 ? 1 : 0, '0');
     const std::filesystem::path file = pictures_ / (number + "-" + moment + ".png");
-    if (!window.grab().save(QString::fromStdString(file.string()), "PNG")) {
+    QPixmap picture = window.grab();
+    while (faces_.finish()) {
+        picture = window.grab();
+    }
+    if (!picture.save(QString::fromStdString(file.string()), "PNG")) {
         dialogs_.core().frontend().reportError(file.string() + ": cannot be written");
     }
 }
@@ -304,8 +312,8 @@ void QtWindows::savePicture(QWidget& window, const char* moment) {
 
 } // namespace host
 
-extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::DesktopEvents events,
-                                              host::Screen screen) {
+extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::FontSource fonts,
+                                              host::DesktopEvents events, host::Screen screen) {
     const bool wantsNoDisplay =
         screen == host::Screen::Nowhere || qgetenv("QT_QPA_PLATFORM").contains("offscreen");
     host::choosePlatform(screen);
@@ -320,5 +328,6 @@ extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::Desk
     if (!wantsNoDisplay && QApplication::platformName() == QLatin1String("offscreen")) {
         return nullptr;
     }
-    return new host::QtWindows(std::move(application), dialogs, std::move(events));
+    return new host::QtWindows(std::move(application), dialogs, std::move(fonts),
+                               std::move(events));
 }

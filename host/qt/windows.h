@@ -4,6 +4,7 @@
 
 #include "host/adm/dialogs.h"
 #include "host/adm/dialoguser.h"
+#include "host/fonts/fontsource.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -71,12 +72,12 @@ private:
 
 /// Loads the module that knows the toolkit; it stays until the program ends. Nothing when there is
 /// no such screen, or no such module.
-[[nodiscard]] std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, DesktopEvents events,
-                                                   Screen screen);
+[[nodiscard]] std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, FontSource fonts,
+                                                   DesktopEvents events, Screen screen);
 
 } // namespace host
 
 /// What the module has. `dialogs` outlives what it makes, which the caller owns; nullptr when there
 /// is no such screen. One at a time.
-extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::DesktopEvents events,
-                                              host::Screen screen);
+extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::FontSource fonts,
+                                              host::DesktopEvents events, host::Screen screen);

@@ -98,9 +98,9 @@ std::vector<Sample> samplesOf(OpenDocument& open, const std::vector<LackingFace>
     std::vector<Sample> samples;
     const Document& document = open.document();
     for (const TextRun& run : document.runs()) {
-        const auto face =
-            std::find_if(faces.begin(), faces.end(),
-                         [&](const LackingFace& lacking) { return lacking.id == run.face; });
+        const auto face = std::find_if(faces.begin(), faces.end(), [&](const LackingFace& lacking) {
+            return lacking.id == run.face;
+        });
         if (!run.visible || face == faces.end()) {
             continue;
         }

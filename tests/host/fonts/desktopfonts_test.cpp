@@ -22,11 +22,10 @@ protected:
     const testsupport::Variable settings_{
         "FONTCONFIG_FILE",
         folder_
-            .write("fonts.conf",
-                   "<?xml version='1.0'?><fontconfig><dir>" + fonts_ +
-                       "</dir><match><edit name='family' mode='append_last'>"
-                       "<string>DejaVu Serif</string></edit></match><cachedir>" +
-                       (folder_ / "cache").string() + "</cachedir></fontconfig>")
+            .write("fonts.conf", "<?xml version='1.0'?><fontconfig><dir>" + fonts_ +
+                                     "</dir><match><edit name='family' mode='append_last'>"
+                                     "<string>DejaVu Serif</string></edit></match><cachedir>" +
+                                     (folder_ / "cache").string() + "</cachedir></fontconfig>")
             .string()};
     const DesktopFonts desktop_;
 };

@@ -70,11 +70,17 @@ protected:
             .string()};
     testsupport::Variable platform{"QT_QPA_PLATFORM", std::nullopt};
     DesktopEvents events;
-    std::unique_ptr<Windows> windows{
-        glyphoraMakeWindows(dialogs,
-                            {[this] { return events.descriptor ? events.descriptor() : -1; },
-                             [this] { return events.dispatch(); }},
-                            Screen::Nowhere)};
+    FontSource fonts;
+    std::unique_ptr<Windows> windows{glyphoraMakeWindows(
+        dialogs,
+        {[this](const std::string& name) { return fonts.face ? fonts.face(name) : std::nullopt; },
+         [this](const FaceFile& face) { return fonts.someCharacters(face); },
+         [this](const std::vector<RowTexts>& rows) {
+             return fonts.samples ? fonts.samples(rows) : std::vector<Sample>();
+         }},
+        {[this] { return events.descriptor ? events.descriptor() : -1; },
+         [this] { return events.dispatch(); }},
+        Screen::Nowhere)};
 };
 
 } // namespace host::test

@@ -56,13 +56,13 @@ TEST_F(ASample, IsInTheLackingFacesThatRowsName) {
 }
 
 TEST_F(ASample, IsALineOfModerateLength) {
-    std::vector<MadeRun> runs{run("Quay", "Regular", "  two\n\t lines \n"),
-                              run("Quay", "Regular", std::string(60, 'a') + " " +
-                                                         std::string(60, 'b')),
-                              run("Quay", "Regular", std::string(79, 'a') + "\u6e2f\u6e2f\u6e2f")};
+    std::vector<MadeRun> runs{
+        run("Quay", "Regular", "  two\n\t lines \n"),
+        run("Quay", "Regular", std::string(60, 'a') + " " + std::string(60, 'b')),
+        run("Quay", "Regular", std::string(79, 'a') + "\u6e2f\u6e2f\u6e2f")};
     open(makeDocument({{runs}}));
-    EXPECT_THAT(texts(), ElementsAre("two lines", std::string(60, 'a'),
-                                     std::string(79, 'a') + "\u6e2f"));
+    EXPECT_THAT(texts(),
+                ElementsAre("two lines", std::string(60, 'a'), std::string(79, 'a') + "\u6e2f"));
     for (int i = 0; i < 40; ++i) {
         runs.push_back(run("Quay", "Regular", std::to_string(i)));
     }
