@@ -32,7 +32,7 @@ protected:
 private:
     testsupport::Variable platform_{"QT_QPA_PLATFORM", std::nullopt};
     std::unique_ptr<host::Windows> windows_{
-        glyphoraMakeWindows(dialogs, {}, host::Screen::Nowhere)};
+        glyphoraMakeWindows(dialogs, {}, {}, host::Screen::Nowhere)};
 };
 
 TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsAtAnySize) {
