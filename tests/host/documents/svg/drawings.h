@@ -5,9 +5,12 @@
 #include "host/documents/svg/svgreader.h"
 #include "tests/support/temporaryfolder.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -46,6 +49,24 @@ inline std::string visibleRuns(const Document& document) {
 }
 
 using Folder = testsupport::TemporaryFolder;
+
+/// A row of a table of drawings, and what visibleRuns() says of it.
+struct DrawingCase {
+    const char* about;
+    const char* body;
+    const char* runs;
+};
+inline void PrintTo(const DrawingCase& test, std::ostream* stream) {
+    *stream << test.about;
+}
+
+class ADrawingOfATable : public testing::TestWithParam<DrawingCase> {
+protected:
+    static void expectItsRuns() { EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs); }
+};
+
+/// Names tests by their rows.
+constexpr auto nameOfCase = [](const auto& test) { return std::string(test.param.about); };
 
 inline std::string bytesOf(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);

@@ -81,8 +81,7 @@ TEST_P(ALayer, HoldsItsTexts) {
     EXPECT_EQ(outline(read(GetParam().body, options)), GetParam().kept);
 }
 
-INSTANTIATE_TEST_SUITE_P(Trees, ALayer, testing::ValuesIn(cases),
-                         [](const auto& test) { return std::string(test.param.about); });
+INSTANTIATE_TEST_SUITE_P(Trees, ALayer, testing::ValuesIn(cases), nameOfCase);
 
 } // namespace
 } // namespace host::test

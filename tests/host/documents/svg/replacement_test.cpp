@@ -209,8 +209,7 @@ TEST_P(AReplacedFace, ChangesThere) {
     EXPECT_EQ(visibleRuns(readSvg(result, "again.svg")).find(replaced + "/"), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(Places, AReplacedFace, testing::ValuesIn(cases),
-                         [](const auto& test) { return std::string(test.param.about); });
+INSTANTIATE_TEST_SUITE_P(Places, AReplacedFace, testing::ValuesIn(cases), nameOfCase);
 
 TEST(AReplacedFace, IsWrittenWithAllItHas) {
     Document document = read("<text font-family='Old'>a</text>");
@@ -226,34 +225,31 @@ TEST(AReplacedFace, IsWrittenWithAllItHas) {
     EXPECT_EQ(read.stretch, 110.5);
 }
 
+std::string inEncoding(const std::string& name, const std::string& family,
+                       const std::string& text = "a") {
+    return "<?xml version='1.0' encoding='" + name +
+           "'?><svg xmlns='http://www.w3.org/2000/svg'><text font-family='" + family + "'>" + text +
+           "</text></svg>";
+}
+
 TEST(AReplacedFace, KeepsTheEncodingOfTheFile) {
-    Document document = readSvg("<?xml version='1.0' encoding='ISO-8859-1'?><svg "
-                                "xmlns='http://www.w3.org/2000/svg'><text font-family='Old'>\xE4"
-                                "</text></svg>",
-                                "x.svg");
+    Document document = readSvg(inEncoding("ISO-8859-1", "Old", "\xE4"), "x.svg");
     replaceAll(document, "Old", newFace("\xD0\x96\xC3\xA4"));
-    EXPECT_EQ(saved(document), "<?xml version='1.0' encoding='ISO-8859-1'?><svg "
-                               "xmlns='http://www.w3.org/2000/svg'><text font-family='\"\\416 "
-                               "\\e4 \"'>\xE4</text></svg>");
+    EXPECT_EQ(saved(document), inEncoding("ISO-8859-1", "\"\\416 \\e4 \"", "\xE4"));
 }
 
 TEST(AReplacedFace, IsRefusedWhereTheEncodingLosesOtherText) {
     // A converter takes this form of a letter for the letter itself when it writes.
-    Document document = readSvg("<?xml version='1.0' encoding='IBM1046'?><svg "
-                                "xmlns='http://www.w3.org/2000/svg'><text font-family='Old'>\x83"
-                                "</text></svg>",
-                                "x.svg");
+    Document document = readSvg(inEncoding("IBM1046", "Old", "\x83"), "x.svg");
     replaceAll(document, "Old", newFace("New"));
     EXPECT_THROW(static_cast<void>(saved(document)), DocumentError);
 }
 
 TEST(AReplacedFace, IsEscapedInAFileThatIsSaidToBeAscii) {
     for (const std::string name : {"us-ascii", "ASCII"}) {
-        const std::string head = "<?xml version='1.0' encoding='" + name +
-                                 "'?><svg xmlns='http://www.w3.org/2000/svg'><text font-family='";
-        Document document = readSvg(head + "Old'>a</text></svg>", "x.svg");
+        Document document = readSvg(inEncoding(name, "Old"), "x.svg");
         replaceAll(document, "Old", newFace("M\xC3\xBCller"));
-        EXPECT_EQ(saved(document), head + "\"M\\fc ller\"'>a</text></svg>");
+        EXPECT_EQ(saved(document), inEncoding(name, "\"M\\fc ller\""));
     }
 }
 

@@ -4,21 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 namespace host::test {
 namespace {
 
-struct Case {
-    const char* about;
-    const char* body;
-    const char* runs;
-};
-void PrintTo(const Case& test, std::ostream* stream) {
-    *stream << test.about;
-}
-
-const Case cases[] = {
+const DrawingCase cases[] = {
     {"SpansOfOneFaceAreOneRun", "<text font-family='A'>a <tspan fill='red'>b</tspan> c</text>",
      "A/Regular:a b c"},
     {"AFaceEndsARun", "<text font-family='A'>a <tspan font-weight='bold'>b</tspan> c</text>",
@@ -158,14 +147,13 @@ const Case cases[] = {
      "B/Regular:b"},
 };
 
-class ARun : public testing::TestWithParam<Case> {};
+class ARun : public ADrawingOfATable {};
 
 TEST_P(ARun, IsRead) {
-    EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
+    expectItsRuns();
 }
 
-INSTANTIATE_TEST_SUITE_P(Text, ARun, testing::ValuesIn(cases),
-                         [](const auto& test) { return std::string(test.param.about); });
+INSTANTIATE_TEST_SUITE_P(Text, ARun, testing::ValuesIn(cases), nameOfCase);
 
 TEST(ADrawing, MayDeclareItsNamespacesAsEntities) {
     const Document document = readSvg(

@@ -4,21 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 namespace host::test {
 namespace {
 
-struct Case {
-    const char* about;
-    const char* body;
-    const char* runs;
-};
-void PrintTo(const Case& test, std::ostream* stream) {
-    *stream << test.about;
-}
-
-const Case cases[] = {
+const DrawingCase cases[] = {
     {"NoFamilyAtAll", "<text>a</text>", "<sans-serif>/Regular:a"},
     {"PresentationAttributes",
      "<text font-family='Foo' font-weight='bold' font-style='italic' "
@@ -182,14 +171,13 @@ const Case cases[] = {
      "[Old]/Regular:a"},
 };
 
-class AStyle : public testing::TestWithParam<Case> {};
+class AStyle : public ADrawingOfATable {};
 
 TEST_P(AStyle, IsDecided) {
-    EXPECT_EQ(visibleRuns(read(GetParam().body)), GetParam().runs);
+    expectItsRuns();
 }
 
-INSTANTIATE_TEST_SUITE_P(Cascade, AStyle, testing::ValuesIn(cases),
-                         [](const auto& test) { return std::string(test.param.about); });
+INSTANTIATE_TEST_SUITE_P(Cascade, AStyle, testing::ValuesIn(cases), nameOfCase);
 
 TEST(AStyleSheet, CostsABoundedAmountOfWork) {
     std::string sheet = "<style>";

@@ -103,6 +103,25 @@ void writePair(UTF32 value, UTF16* target) {
     target[1] = static_cast<UTF16>((value & 0x3FFU) + firstLowSurrogate);
 }
 
+template <typename Unit, typename Read>
+ConversionResult toUTF32(const Unit*& source, const Unit* sourceEnd, UTF32*& target,
+                         const UTF32* targetEnd, Read read) {
+    while (source != sourceEnd) {
+        UTF32 value = 0;
+        int length = 0;
+        const ConversionResult result = read(source, value, length);
+        if (result != conversionOK) {
+            return result;
+        }
+        if (target == targetEnd) {
+            return targetExhausted;
+        }
+        *target++ = value;
+        source += length;
+    }
+    return conversionOK;
+}
+
 } // namespace
 
 bool isLegalUTF8(const UTF8* bytes, int length) {
@@ -197,22 +216,10 @@ ConversionResult ConvertUTF16toUTF8(const UTF16** sourceStart, const UTF16* sour
 ConversionResult ConvertUTF8toUTF32(const UTF8** sourceStart, const UTF8* sourceEnd,
                                     UTF32** targetStart, UTF32* targetEnd,
                                     ConversionFlags /*flags*/) {
-    const UTF8*& source = *sourceStart;
-    UTF32*& target = *targetStart;
-    while (source != sourceEnd) {
-        UTF32 value = 0;
-        int length = 0;
-        const ConversionResult result = readUTF8(source, sourceEnd, value, length);
-        if (result != conversionOK) {
-            return result;
-        }
-        if (target == targetEnd) {
-            return targetExhausted;
-        }
-        *target++ = value;
-        source += length;
-    }
-    return conversionOK;
+    return toUTF32(*sourceStart, sourceEnd, *targetStart, targetEnd,
+                   [sourceEnd](const UTF8* source, UTF32& value, int& length) {
+                       return readUTF8(source, sourceEnd, value, length);
+                   });
 }
 
 ConversionResult ConvertUTF32toUTF8(const UTF32** sourceStart, const UTF32* sourceEnd,
@@ -240,22 +247,10 @@ ConversionResult ConvertUTF32toUTF8(const UTF32** sourceStart, const UTF32* sour
 
 ConversionResult ConvertUTF16toUTF32(const UTF16** sourceStart, const UTF16* sourceEnd,
                                      UTF32** targetStart, UTF32* targetEnd, ConversionFlags flags) {
-    const UTF16*& source = *sourceStart;
-    UTF32*& target = *targetStart;
-    while (source != sourceEnd) {
-        UTF32 value = 0;
-        int length = 0;
-        const ConversionResult result = readUTF16(source, sourceEnd, flags, value, length);
-        if (result != conversionOK) {
-            return result;
-        }
-        if (target == targetEnd) {
-            return targetExhausted;
-        }
-        *target++ = value;
-        source += length;
-    }
-    return conversionOK;
+    return toUTF32(*sourceStart, sourceEnd, *targetStart, targetEnd,
+                   [sourceEnd, flags](const UTF16* source, UTF32& value, int& length) {
+                       return readUTF16(source, sourceEnd, flags, value, length);
+                   });
 }
 
 ConversionResult ConvertUTF32toUTF16(const UTF32** sourceStart, const UTF32* sourceEnd,
