@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The encodings beside ICU and beside the plain loop that goes sequence by sequence.
+// The encodings beside ICU.
 #include "misc/text/utf.h"
 #include "ratios.h"
 
 #include <benchmark/benchmark.h>
 #include <unicode/ustring.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -41,91 +40,13 @@ struct Text {
     std::u16string utf16;
 };
 
-// The plain loop, as the peer to beat: one sequence at a time, checked, without short cuts.
-constexpr std::uint8_t trailing(std::uint8_t lead) {
-    if (lead < 0xC0) {
-        return 0;
-    }
-    if (lead < 0xE0) {
-        return 1;
-    }
-    if (lead < 0xF0) {
-        return 2;
-    }
-    return lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
-}
-struct TrailTable {
-    std::uint8_t extra[256] = {};
-    constexpr TrailTable() {
-        for (unsigned lead = 0; lead < 256; ++lead) {
-            extra[lead] = trailing(static_cast<std::uint8_t>(lead));
-        }
-    }
-};
-constexpr TrailTable trailTable;
-constexpr UTF32 offsets[6] = {0, 0x3080, 0xE2080, 0x3C82080, 0xFA082080, 0x82082080};
-
-ConversionResult plainUTF8toUTF16(const UTF8** sourceStart, const UTF8* sourceEnd,
-                                  UTF16** targetStart, UTF16* targetEnd, ConversionFlags flags) {
-    ConversionResult result = conversionOK;
-    const UTF8* source = *sourceStart;
-    UTF16* target = *targetStart;
-    while (source < sourceEnd) {
-        UTF32 value = 0;
-        const int extra = trailTable.extra[*source];
-        if (source + extra >= sourceEnd) {
-            result = sourceExhausted;
-            break;
-        }
-        if (!isLegalUTF8(source, extra + 1)) {
-            result = sourceIllegal;
-            break;
-        }
-        for (int i = extra; i > 0; --i) {
-            value += *source++;
-            value <<= 6U;
-        }
-        value += *source++;
-        value -= offsets[extra];
-        if (target >= targetEnd) {
-            source -= extra + 1;
-            result = targetExhausted;
-            break;
-        }
-        if (value <= 0xFFFF) {
-            if (value >= 0xD800 && value <= 0xDFFF) {
-                if (flags == strict) {
-                    source -= extra + 1;
-                    result = sourceIllegal;
-                    break;
-                }
-                value = replacementCharacter;
-            }
-            *target++ = static_cast<UTF16>(value);
-        } else {
-            if (target + 1 >= targetEnd) {
-                source -= extra + 1;
-                result = targetExhausted;
-                break;
-            }
-            value -= 0x10000;
-            *target++ = static_cast<UTF16>((value >> 10U) + 0xD800);
-            *target++ = static_cast<UTF16>((value & 0x3FFU) + 0xDC00);
-        }
-    }
-    *sourceStart = source;
-    *targetStart = target;
-    return result;
-}
-
-template <typename Convert>
-void widen(benchmark::State& state, const Text& text, Convert convert) {
+void widen(benchmark::State& state, const Text& text) {
     std::vector<UTF16> target(text.utf8.size() + 1);
     for (auto _ : state) {
         const auto* from = reinterpret_cast<const UTF8*>(text.utf8.data());
         UTF16* to = target.data();
         benchmark::DoNotOptimize(
-            convert(&from, from + text.utf8.size(), &to, to + target.size(), strict));
+            ConvertUTF8toUTF16(&from, from + text.utf8.size(), &to, to + target.size(), strict));
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.utf8.size()));
@@ -173,11 +94,10 @@ bool registerAll() {
     struct Kind {
         const char* name;
         std::string_view piece;
-        double overPlain;
         double narrowOverICU;
     };
     const Kind kinds[] = {
-        {"ascii", asciiPiece, 15, 1}, {"german", germanPiece, 5, 1}, {"cjk", cjkPiece, 1.7, 0.9}};
+        {"ascii", asciiPiece, 1}, {"german", germanPiece, 1}, {"cjk", cjkPiece, 0.9}};
     for (const Kind& kind : kinds) {
         const Text text(kind.piece);
         const auto label = [&kind](const char* direction, const char* peer) {
@@ -187,27 +107,21 @@ bool registerAll() {
             return joined;
         };
         const std::string widening = label("utf8to16_", "");
-        const std::string wideningPlain = label("utf8to16_", "_plain");
         const std::string wideningICU = label("utf8to16_", "_icu");
         const std::string narrowing = label("utf16to8_", "");
         const std::string narrowingICU = label("utf16to8_", "_icu");
-        benchmark::RegisterBenchmark(
-            widening.c_str(), [text](auto& state) { widen(state, text, ConvertUTF8toUTF16); });
-        benchmark::RegisterBenchmark(wideningPlain.c_str(),
-                                     [text](auto& state) { widen(state, text, plainUTF8toUTF16); });
+        benchmark::RegisterBenchmark(widening.c_str(), [text](auto& state) { widen(state, text); });
         benchmark::RegisterBenchmark(wideningICU.c_str(),
                                      [text](auto& state) { widenByICU(state, text); });
         benchmark::RegisterBenchmark(narrowing.c_str(),
                                      [text](auto& state) { narrow(state, text); });
         benchmark::RegisterBenchmark(narrowingICU.c_str(),
                                      [text](auto& state) { narrowByICU(state, text); });
-        ratios::atLeast(widening, wideningPlain, kind.overPlain);
         ratios::atLeast(widening, wideningICU, 1);
         ratios::atLeast(narrowing, narrowingICU, kind.narrowOverICU);
     }
     const Text name(namePiece, namePiece.size());
-    benchmark::RegisterBenchmark("utf8to16_name",
-                                 [name](auto& state) { widen(state, name, ConvertUTF8toUTF16); });
+    benchmark::RegisterBenchmark("utf8to16_name", [name](auto& state) { widen(state, name); });
     benchmark::RegisterBenchmark("utf8to16_name_icu",
                                  [name](auto& state) { widenByICU(state, name); });
     benchmark::RegisterBenchmark("utf16to8_name", [name](auto& state) { narrow(state, name); });

@@ -3,7 +3,6 @@
 #include "tests/manager/sandbox.h"
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace managertest {
@@ -25,14 +24,6 @@ std::string Sandbox::write(const std::string& relativePath, std::string_view byt
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     writeBytes(path, bytes);
     return path;
-}
-
-std::string readBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        throw std::runtime_error(path + ": cannot be read");
-    }
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void writeBytes(const std::string& path, std::string_view bytes) {

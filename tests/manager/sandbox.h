@@ -34,7 +34,9 @@ private:
     testsupport::Variable fontconfig_{"FONTCONFIG_FILE", root_ + "/fonts.conf"};
 };
 
-std::string readBytes(const std::string& path);
+inline std::string readBytes(const std::string& path) {
+    return testsupport::contentOf(path);
+}
 void writeBytes(const std::string& path, std::string_view bytes);
 
 } // namespace managertest

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "misc/exception.h"
-#include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
 #include "tests/support/folder.h"
 
@@ -11,13 +10,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 namespace OrvilTests {
 
 using namespace Orvil;
+using testsupport::contentOf;
 
 /// A document, and a folder for its files that goes with it.
 class AnXmlDocument : public AFolder {
@@ -48,10 +47,6 @@ protected:
         std::string message = failureOf([&] { document->parseString(text); });
         EXPECT_EQ(document->getRootNode(), nullptr);
         return message;
-    }
-    static std::string contentOf(const std::filesystem::path& path) {
-        std::ifstream stream(path);
-        return streamToString(stream);
     }
     std::vector<std::string> entries() const {
         std::vector<std::string> names;

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+using OrvilTests::contentOf;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 

@@ -5,11 +5,21 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
 namespace testsupport {
+
+/// The whole file. Throws std::runtime_error when it cannot be read.
+inline std::string contentOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        throw std::runtime_error(path.string() + ": cannot be read");
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 class TemporaryFolder {
 public:

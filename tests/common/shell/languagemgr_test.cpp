@@ -4,10 +4,9 @@
 
 #include "host/core/stringlists.h"
 #include "tests/support/plugin/startedplugin.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 
@@ -68,8 +67,7 @@ TEST_F(TheTexts, KeepTheLanguageOfTheirFirstUse) {
 
 /// The entries of one of the bundle's lists, as the host reads them.
 std::map<std::int32_t, std::string> bundled(const std::string& list) {
-    std::ifstream file(GLYPHORA_RESOURCES "/" + list + ".strings");
-    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    const std::string content = testsupport::contentOf(GLYPHORA_RESOURCES "/" + list + ".strings");
     const auto entries = host::readStringList(
         content, list, [](std::string_view problem) { ADD_FAILURE() << problem; });
     return {entries.begin(), entries.end()};

@@ -11,13 +11,13 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace host::test {
+
+using testsupport::contentOf;
 
 struct ProgramResult {
     int status = -1; ///< exit status; -1 when a signal ended it
@@ -63,11 +63,6 @@ protected:
         return {WIFEXITED(state) ? WEXITSTATUS(state) : -1,
                 std::filesystem::is_regular_file(output) ? contentOf(output) : "",
                 contentOf(errors)};
-    }
-
-    static std::string contentOf(const std::filesystem::path& file) {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
     }
 
     const testsupport::TemporaryFolder folder;

@@ -115,12 +115,10 @@ TEST_F(ANotifier, CannotBeRegisteredForAnUnknownPlugin) {
     EXPECT_EQ(core.ledger().entries()[0].times, 2U);
 }
 
-class AMenu : public CoreFixture {
-protected:
-    const AIMenuSuite* menus = suite<AIMenuSuite>();
-};
+using AMenu = CoreFixture;
 
 TEST_F(AMenu, TakesItemsAndSubMenusUntilTheirPluginLeaves) {
+    const auto* const menus = suite<AIMenuSuite>();
     const std::size_t ownGroups = core.menus().groups().size();
     AIMenuItemHandle parent = nullptr;
     AIMenuItemHandle item = nullptr;
@@ -156,12 +154,10 @@ TEST_F(AMenu, TakesItemsAndSubMenusUntilTheirPluginLeaves) {
     EXPECT_EQ(core.sendMenu("AI Go", item), kBadParameterErr);
 }
 
-class AnApplicationContext : public CoreFixture {
-protected:
-    const AIAppContextSuite* contexts = suite<AIAppContextSuite>();
-};
+using AnApplicationContext = CoreFixture;
 
 TEST_F(AnApplicationContext, IsPoppedFromTheInnermostOutwards) {
+    const auto* const contexts = suite<AIAppContextSuite>();
     asGuest([&] {
         AIAppContextHandle outer = nullptr;
         AIAppContextHandle inner = nullptr;
@@ -176,12 +172,10 @@ TEST_F(AnApplicationContext, IsPoppedFromTheInnermostOutwards) {
     EXPECT_EQ(frontend.misbehaviour.size(), 1U);
 }
 
-class AUnicodeString : public CoreFixture {
-protected:
-    const AIUnicodeStringSuite* texts = suite<AIUnicodeStringSuite>();
-};
+using AUnicodeString = CoreFixture;
 
 TEST_F(AUnicodeString, IsKeptUntilItIsDestroyed) {
+    const auto* const texts = suite<AIUnicodeStringSuite>();
     asGuest([&] {
         AIUnicodeStringHandle text = nullptr;
         AIUnicodeStringHandle empty = nullptr;

@@ -9,7 +9,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -49,6 +48,7 @@ inline std::string visibleRuns(const Document& document) {
 }
 
 using Folder = testsupport::TemporaryFolder;
+using testsupport::contentOf;
 
 /// A row of a table of drawings, and what visibleRuns() says of it.
 struct DrawingCase {
@@ -68,16 +68,11 @@ protected:
 /// Names tests by their rows.
 constexpr auto nameOfCase = [](const auto& test) { return std::string(test.param.about); };
 
-inline std::string bytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 /// What saving a document writes.
 inline std::string saved(const Document& document) {
     const Folder folder;
     document.save(folder / "out.svg");
-    return bytesOf(folder / "out.svg");
+    return contentOf(folder / "out.svg");
 }
 
 inline void write(const std::filesystem::path& file, std::string_view bytes) {

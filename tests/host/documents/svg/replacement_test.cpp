@@ -314,7 +314,7 @@ TEST(AReplacedFace, InAnEntityIsRefusedAndTheFileKept) {
     Folder folder;
     write(folder / "out.svg", "before");
     EXPECT_THROW(document.save(folder / "out.svg"), DocumentError);
-    EXPECT_EQ(bytesOf(folder / "out.svg"), "before");
+    EXPECT_EQ(contentOf(folder / "out.svg"), "before");
 }
 
 TEST(ADocument, CountsReplacementsOfRunsOnly) {

@@ -8,6 +8,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -40,7 +41,7 @@ TEST(ASavedDrawing, IsTheVeryFileWhenNothingWasReplaced) {
     const Document document = readSvg(packed, "x.svgz");
     Folder folder;
     document.save(folder / "same.svgz");
-    EXPECT_EQ(bytesOf(folder / "same.svgz"), packed);
+    EXPECT_EQ(contentOf(folder / "same.svgz"), packed);
     EXPECT_EQ(saved(document), twice);
 }
 
@@ -48,12 +49,12 @@ TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
     Folder folder;
     const Document plain = read("<text font-family='A'>a</text>");
     plain.save(folder / "packed.svgz");
-    EXPECT_TRUE(bytesOf(folder / "packed.svgz").starts_with("\x1F\x8B"));
+    EXPECT_TRUE(contentOf(folder / "packed.svgz").starts_with("\x1F\x8B"));
     const Document packed = readSvg(folder / "packed.svgz");
     packed.save(folder / "plain.svg");
     packed.save(folder / "other");
-    EXPECT_EQ(bytesOf(folder / "plain.svg"), drawing("<text font-family='A'>a</text>"));
-    EXPECT_TRUE(bytesOf(folder / "other").starts_with("\x1F\x8B"));
+    EXPECT_EQ(contentOf(folder / "plain.svg"), drawing("<text font-family='A'>a</text>"));
+    EXPECT_TRUE(contentOf(folder / "other").starts_with("\x1F\x8B"));
 }
 
 TEST(ASavedDrawing, ReplacesWhatALinkLeadsToAndKeepsItsRights) {
@@ -63,7 +64,7 @@ TEST(ASavedDrawing, ReplacesWhatALinkLeadsToAndKeepsItsRights) {
     std::filesystem::create_symlink(folder / "real.svg", folder / "link.svg");
     read("").save(folder / "link.svg");
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
-    EXPECT_EQ(bytesOf(folder / "real.svg"), drawing(""));
+    EXPECT_EQ(contentOf(folder / "real.svg"), drawing(""));
     EXPECT_EQ(std::filesystem::status(folder / "real.svg").permissions(),
               std::filesystem::perms{0640});
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
@@ -76,7 +77,7 @@ TEST(ASavedDrawing, GoesThroughAPipeThatStaysOne) {
     std::filesystem::create_symlink(pipe, folder / "link.svg");
     for (const char* name : {"pipe.svg", "link.svg"}) {
         std::string received;
-        std::thread reader([&] { received = bytesOf(pipe); });
+        std::thread reader([&] { received = contentOf(pipe); });
         read("").save(folder / name);
         reader.join();
         EXPECT_EQ(received, drawing("")) << name;
