@@ -13,7 +13,6 @@
 
 #include <csignal>
 #include <fstream>
-#include <set>
 
 namespace host::test {
 namespace {
@@ -21,7 +20,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 const std::string folderOfFonts = "/usr/share/fonts/truetype/dejavu/";
 const FaceFile sans{"Sans", folderOfFonts + "DejaVuSans.ttf"};
