@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
@@ -82,6 +83,7 @@ private:
 DialogWindow::DialogWindow(Dialogs& dialogs, Dialog& dialog, FaceServices services, Serve serve)
     : dialogs_(dialogs), dialog_(dialog), services_(services), serve_(std::move(serve)),
       placed_(dialog.layout.bounds) {
+    installEventFilter(this);
     actionTimer_.setSingleShot(true);
     connect(&actionTimer_, &QTimer::timeout, this, [this] { act(); });
 }
@@ -157,6 +159,14 @@ void DialogWindow::synchronize() {
     place();
     if (loop_ != nullptr) {
         setVisible(dialog_.visible);
+    }
+}
+
+void DialogWindow::paint() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    repaint();
+    for (const std::unique_ptr<ListView>& list : lists_) {
+        list->view().viewport()->repaint();
     }
 }
 
@@ -238,19 +248,51 @@ void DialogWindow::noteBounds() {
 }
 
 bool DialogWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
+    switch (event->type()) {
+    case QEvent::Resize:
+    case QEvent::Move:
         noteBounds();
-    } else if (event->type() == QEvent::Paint) {
-        const auto item = items_.find(watched);
-        if (item != items_.end() && item->second->draw != nullptr) {
-            auto* const widget = static_cast<QWidget*>(watched);
-            QPainter painter(widget);
-            PainterCanvas canvas(painter, widget->palette(), widget->backgroundRole(), {});
-            dialogs_.draw(*item->second, canvas);
+        break;
+    case QEvent::MouseButtonDblClick:
+        clickedTwice_ = true;
+        break;
+    case QEvent::MouseButtonRelease:
+        noteClick(watched, static_cast<const QMouseEvent&>(*event));
+        break;
+    case QEvent::Paint:
+        if (drawItem(watched)) {
             return true;
         }
+        break;
+    default:
+        break;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+/// What an item has no use for comes as the window's own, too.
+void DialogWindow::noteClick(QObject* watched, const QMouseEvent& event) {
+    const bool twice = std::exchange(clickedTwice_, false);
+    if (event.button() != Qt::LeftButton) {
+        return;
+    }
+    if (const auto item = items_.find(watched); item != items_.end()) {
+        later([this, clicked = item->second, twice] { dialogs_.click(*clicked, twice); });
+    } else if (watched == this && childAt(event.position().toPoint()) == nullptr) {
+        later([this, twice] { dialogs_.click(dialog_, twice); });
+    }
+}
+
+bool DialogWindow::drawItem(QObject* watched) {
+    const auto item = items_.find(watched);
+    if (item == items_.end() || item->second->draw == nullptr) {
+        return false;
+    }
+    auto* const widget = static_cast<QWidget*>(watched);
+    QPainter painter(widget);
+    PainterCanvas canvas(painter, widget->palette(), widget->backgroundRole(), {});
+    dialogs_.draw(*item->second, canvas);
+    return true;
 }
 
 void DialogWindow::paintEvent(QPaintEvent* event) {

@@ -37,6 +37,8 @@ public:
     void noteChange() noexcept { changed_ = true; }
     /// Shows what has changed since the last time.
     void synchronize();
+    /// Draws at once what would be drawn when the toolkit's loop is next reached.
+    void paint();
     /// Does to the model what the user has done.
     void act();
 
@@ -64,6 +66,8 @@ private:
     void showButtons();
     void place();
     void noteBounds();
+    void noteClick(QObject* watched, const QMouseEvent& event);
+    bool drawItem(QObject* watched);
 
     Dialogs& dialogs_;
     Dialog& dialog_;
@@ -77,6 +81,7 @@ private:
     QTimer actionTimer_;
     ADMRect placed_;
     bool changed_ = true;
+    bool clickedTwice_ = false;
     QEventLoop* loop_ = nullptr;
 };
 

@@ -4,6 +4,7 @@
 
 #include "host/qt/dialogwindow.h"
 #include "host/qt/translators.h"
+#include "platform/application.h"
 
 #include <QApplication>
 #include <QFontMetrics>
@@ -81,9 +82,13 @@ public:
         });
         synchronization_.setSingleShot(true);
         QObject::connect(&synchronization_, &QTimer::timeout, [this] { synchronize(); });
+        current_ = this;
+        PLBeforeDelay([] { current_->paint(); });
         userTimer_.setSingleShot(true);
         QObject::connect(&userTimer_, &QTimer::timeout, [this] { askUser(); });
     }
+
+    ~QtWindows() override { PLBeforeDelay(nullptr); }
 
     void runModal(Dialog& dialog) override;
     void endModal(Dialog& dialog) override;
@@ -102,11 +107,14 @@ private:
     void serve(const std::function<void()>& work);
     void serveUser();
     void synchronize();
+    void paint();
     void watchDesktop();
     void setTimer();
     void askUser();
     void askUserAgain(std::uint32_t ticks);
     void savePicture(QWidget& window, const char* moment);
+
+    static inline QtWindows* current_ = nullptr;
 
     struct OpenAlert {
         QMessageBox* box;
@@ -260,6 +268,14 @@ void QtWindows::synchronize() {
     }
     watchDesktop();
     setTimer();
+}
+
+/// A plug-in is about to let everything stand still for a while.
+void QtWindows::paint() {
+    synchronize();
+    for (const auto& [dialog, window] : windows_) {
+        window->paint();
+    }
 }
 
 void QtWindows::watchDesktop() {

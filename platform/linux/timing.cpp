@@ -2,6 +2,8 @@
 // Ticks, pauses and the clock of timing.h over the POSIX clocks.
 #include "platform/timing.h"
 
+#include "platform/application.h"
+
 #include <cerrno>
 #include <ctime>
 
@@ -12,6 +14,8 @@ constexpr std::int64_t ticksPerSecond = 60;
 /// From 1970-01-01 to 2001-01-01, both 00:00:00 UTC.
 constexpr double secondsBefore2001 = 978'307'200.0;
 
+thread_local void (*beforeDelay)() = nullptr;
+
 } // namespace
 
 std::uint32_t TickCount() {
@@ -21,7 +25,14 @@ std::uint32_t TickCount() {
                                       now.tv_nsec * ticksPerSecond / nanosecondsPerSecond);
 }
 
+void PLBeforeDelay(void (*routine)()) {
+    beforeDelay = routine;
+}
+
 void Delay(std::uint32_t ticks, std::uint32_t* finalTicks) {
+    if (beforeDelay != nullptr) {
+        beforeDelay();
+    }
     timespec until{};
     clock_gettime(CLOCK_MONOTONIC, &until);
     // Rounded up, so that the tick count has advanced by `ticks` at least.

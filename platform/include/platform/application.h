@@ -39,6 +39,10 @@ void PLUnregisterApplication();
 /// PLUnregisterApplication, after which a new registration tries for a bus again.
 [[nodiscard]] int PLEventFileDescriptor();
 
+/// [main-thread] Has `routine` called whenever Delay is about to put this thread to sleep, so that
+/// a program can show what would otherwise not be seen until then; nullptr for nothing.
+void PLBeforeDelay(void (*routine)());
+
 /// [handler-thread] Runs the installed handler of every event that waits at the time of the call,
 /// in the calling thread and in order of arrival, and answers the senders. Returns the number of
 /// events dispatched, or connectionInvalid once the bus is gone or while not registered. An

@@ -18,15 +18,16 @@ protected:
     ~ADialogInAWindow() override { dialogs.setView(nullptr); }
 
     /// Does `steps` in the window, and closes it.
-    void show(const std::function<void(QWidget&, host::Dialog&)>& steps) {
+    void show(const std::function<void(QWidget&, host::Dialog&)>& steps,
+              std::int32_t ending = kADMCancelItemID) {
         EXPECT_EQ(VexFontSuite::requestFonts(fonts).succeeded, 1);
         GlyphoraDialog dialog;
         dialog.setFontData(fonts);
         QTimer::singleShot(0, qApp, [&] {
             steps(*QApplication::activeModalWidget(), *dialogs.running().front());
-            QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+            dialogs.giveUp(*dialogs.running().front());
         });
-        EXPECT_EQ(dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0), kADMCancelItemID);
+        EXPECT_EQ(dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0), ending);
     }
 
 private:
@@ -66,6 +67,37 @@ TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsAtAnySize) {
             });
         }
     }
+}
+
+/// Notes what is drawn.
+class PaintWatcher : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        painted = painted || event->type() == QEvent::Paint;
+        return QObject::eventFilter(watched, event);
+    }
+    bool painted = false;
+};
+
+TEST_F(ADialogInAWindow, ShowsWhatHasBecomeOfTheFontsBeforeItWaitsAndCloses) {
+    GLY::IGLYNotifyHandler& news = *GLY::NotifiyHandlerFactory::getNotifyHandler(false);
+    news.start();
+    PaintWatcher watcher;
+    bool shownEmpty = false;
+    show(
+        [&](QWidget& window, host::Dialog& dialog) {
+            auto& list = *window.findChild<QAbstractScrollArea*>();
+            answer({{"Aa", 1, true}, {"Bb", 1, true}, {"Cc", 1, true}, {"Present", 1, true}});
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+            list.viewport()->installEventFilter(&watcher);
+            platform.delays.clear();
+            platform.handle(FourCharCode("FILC"), FourCharCode("FSBC"));
+            EXPECT_EQ(platform.delays, std::vector<std::uint32_t>{200});
+            shownEmpty = watcher.painted && rows(dialog).empty();
+        },
+        kADMOKItemID);
+    news.end();
+    EXPECT_TRUE(shownEmpty);
 }
 
 } // namespace

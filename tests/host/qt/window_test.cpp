@@ -79,6 +79,46 @@ TEST_F(AWindow, HasTheTextsOfItsLayoutInTheUsersLanguage) {
     });
 }
 
+TEST_F(AWindow, TellsTrackRoutinesOfClicksOnItemsAndBesideThem) {
+    static std::vector<std::string> clicks;
+    static const ADMTrackerSuite* trackers = nullptr;
+    clicks.clear();
+    trackers = suite<ADMTrackerSuite>();
+    const auto note = [](const char* what, ADMTrackerRef tracker) {
+        std::uint32_t modifiers = 0;
+        trackers->GetModifiers(tracker, &modifiers);
+        clicks.push_back(std::string(what) +
+                         ((modifiers & kADMDoubleClickModifier) != 0 ? " twice" : ""));
+    };
+    static const std::function<void(const char*, ADMTrackerRef)> noteIt = note;
+    const ADMDialogRef ref = create();
+    item(ref, 8).text = item(ref, 9).text = "text";
+    Dialog& dialog = *dialogs.find(ref);
+    dialog.mask = item(ref, 3).mask = item(ref, 8).mask = kADMButtonMask;
+    dialog.track = [](ADMDialogRef, ADMTrackerRef tracker) -> AIBoolean {
+        noteIt("dialog", tracker);
+        return 0;
+    };
+    item(ref, 3).track = item(ref, 8).track = [](ADMItemRef, ADMTrackerRef tracker) -> AIBoolean {
+        noteIt("item", tracker);
+        return 0;
+    };
+    noted = [&] { clicks.emplace_back("pressed"); };
+    setNotify(ref, 3);
+    show(ref, [&] {
+        QTest::mouseClick(&shown(3), Qt::LeftButton);
+        QTest::mouseClick(&shown(8), Qt::LeftButton);
+        QTest::mouseDClick(&shown(8), Qt::LeftButton);
+        QTest::mouseRelease(&shown(8), Qt::LeftButton);
+        QTest::mouseClick(&shown(9), Qt::LeftButton);
+        QTest::mouseClick(&window(), Qt::LeftButton, {}, QPoint(1, 1));
+        QTest::mouseClick(&window(), Qt::RightButton, {}, QPoint(1, 1));
+        settle();
+        escape();
+    });
+    EXPECT_THAT(clicks, ElementsAre("item", "pressed", "item", "item twice", "dialog"));
+}
+
 TEST_F(AWindow, EndsByKeyboardAndMouse) {
     const ADMDialogRef ref = create();
     const std::pair<std::function<void()>, std::int32_t> ways[] = {
