@@ -117,7 +117,7 @@ private:
                 pieces.editCarefully(i);
             }
         }
-        return edits.apply();
+        return edits.apply(document_.name());
     }
 
     /// Changes the declarations that decide nothing but text that is to change alike.

@@ -5,9 +5,9 @@
 #include "host/documents/css/css.h"
 #include "host/documents/css/declarations.h"
 #include "host/documents/css/families.h"
+#include "host/documents/documenterror.h"
 
 #include <algorithm>
-#include <cassert>
 #include <utility>
 
 namespace host::svg {
@@ -204,15 +204,16 @@ void FaceEdits::wrap(const Piece& piece, const Values& values, bool important) {
         {piece.sourceEnd, piece.sourceEnd, std::string("</").append(name).append(">")});
 }
 
-// No two edits overlap: each declaration, element and piece is edited once.
-std::string FaceEdits::apply() {
+std::string FaceEdits::apply(std::string_view name) {
     std::stable_sort(edits_.begin(), edits_.end(),
                      [](const Edit& a, const Edit& b) { return a.start < b.start; });
     std::string result;
     result.reserve(source_.size() + edits_.size() * 40);
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-        assert(edit.start >= position);
+        if (edit.start < position) {
+            throw DocumentError(name, "the new fonts need two changes in one place");
+        }
         result.append(source_, position, edit.start - position).append(edit.text);
         position = edit.end;
     }

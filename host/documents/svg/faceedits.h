@@ -34,7 +34,9 @@ public:
     /// Puts a span with declarations around a piece.
     void wrap(const Piece& piece, const Values& values, bool important);
 
-    [[nodiscard]] std::string apply();
+    /// Throws DocumentError with `name` when two edits overlap, which would lose text: each
+    /// declaration, element and piece is to be edited once.
+    [[nodiscard]] std::string apply(std::string_view name);
 
 private:
     struct Edit {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Replaced faces in the saved file: what changes, and that nothing else does.
 #include "drawings.h"
+#include "host/documents/svg/faceedits.h"
+#include "host/documents/svg/svgdrawing.h"
 
 #include <gtest/gtest.h>
 
@@ -315,6 +317,18 @@ TEST(AReplacedFace, InAnEntityIsRefusedAndTheFileKept) {
     write(folder / "out.svg", "before");
     EXPECT_THROW(document.save(folder / "out.svg"), DocumentError);
     EXPECT_EQ(contentOf(folder / "out.svg"), "before");
+}
+
+TEST(AReplacedFace, IsRefusedWhereTwoEditsOverlap) {
+    const std::string source = drawing("<text font-family='Old'>a</text>");
+    const svg::Drawing old = svg::readDrawing(source, "x.svg", {});
+    const auto family = css::Property::Family;
+    svg::FaceEdits edits(source, old.tree, old.styles, true);
+    for (const char* name : {"A", "B"}) {
+        EXPECT_TRUE(edits.changeDeclaration(family, old.styles.elements.back().origin(family),
+                                            {name, false, 0}));
+    }
+    EXPECT_THROW(static_cast<void>(edits.apply("x.svg")), DocumentError);
 }
 
 TEST(ADocument, CountsReplacementsOfRunsOnly) {
