@@ -72,7 +72,7 @@ const std::vector<Folder>& folders() {
         {hostCss, {hostModel}, ""},
         {hostSvg, {hostModel, hostCss, "system"}, ""},
         {hostModel, {"system", "faces"}, ""},
-        {hostWindows, {"host", "sdk"}, ""},
+        {hostWindows, {"host", "sdk", services, "system", "preview"}, ""},
         {"host",
          {"sdk", services, "system", "faces", "preview", hostModel, hostCss, hostSvg, hostWindows},
          ""},
