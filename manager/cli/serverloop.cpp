@@ -229,8 +229,11 @@ int serveCommand(const Places& places, bool verbose) {
         warn("a server is running already");
         return exitSuccess;
     }
+    if (registration->status() == connectionInvalid) {
+        return exitFailure; // it has said why
+    }
     if (registration->status() != noErr) {
-        throw Error("serve: the session bus cannot be reached (status " +
+        throw Error("serve: cannot be registered (status " +
                     std::to_string(registration->status()) + ")");
     }
     makeFolders(places.own());

@@ -28,6 +28,7 @@ Ownership requestName(const BusConnection& connection, const std::string& name) 
     const VariantHandle reply = connection.callBus(
         "RequestName", g_variant_new("(su)", name.c_str(), doNotQueue), "(u)", error);
     if (!reply) {
+        platform::say(std::string("the session bus gives no name (") + error.message() + ")");
         return Ownership::Unknown;
     }
     std::uint32_t result = 0;
@@ -98,7 +99,10 @@ OSStatus PLRegisterApplication(OSType signature, PLInstances instances, const ch
     if (inbox.isOpen() || (name != nullptr && g_utf8_validate(name, -1, nullptr) == 0)) {
         return paramErr;
     }
-    auto connection = platform::SessionBus::instance().connect(platform::WithoutBus::StartOne);
+    // The one that all look for is of use where they look only.
+    auto connection = platform::SessionBus::instance().connect(
+        instances == kPLOneInstance ? platform::WithoutBus::StartOneUnlessNamed
+                                    : platform::WithoutBus::StartOne);
     if (!connection) {
         return connectionInvalid;
     }

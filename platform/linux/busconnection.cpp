@@ -66,17 +66,19 @@ std::shared_ptr<BusConnection> openPrivateBus(const std::string& why, std::strin
     const auto address = startPrivateBus(reason);
     auto connection = address ? BusConnection::open(*address, reason) : nullptr;
     if (!connection) {
-        std::cerr << std::string(program_invocation_short_name) + ": " + why +
-                         ", and no private bus could be started: " + reason + "\n";
+        say(why + ", and no private bus could be started: " + reason);
         return nullptr;
     }
     startedAddress = *address;
-    std::cerr << std::string(program_invocation_short_name) + ": " + why +
-                     "; started a private one for this process: " + *address + "\n";
+    say(why + "; started a private one for this process: " + *address);
     return connection;
 }
 
 } // namespace
+
+void say(const std::string& text) {
+    std::cerr << std::string(program_invocation_short_name) + ": " + text + "\n";
+}
 
 BusConnection::BusConnection(ContextHandle context, ObjectHandle<GDBusConnection> connection)
     : context_(std::move(context)), connection_(std::move(connection)) {
@@ -180,7 +182,10 @@ std::shared_ptr<BusConnection> SessionBus::connect(WithoutBus withoutBus) {
         connection_ = BusConnection::open(*address, reason);
         why = "the session bus at " + *address + " cannot be reached (" + reason + ")";
     }
-    if (!connection_ && withoutBus == WithoutBus::StartOne) {
+    const bool named = address && startedAddress_.empty();
+    if (!connection_ && named && withoutBus == WithoutBus::StartOneUnlessNamed) {
+        say(why);
+    } else if (!connection_ && withoutBus != WithoutBus::Fail) {
         connection_ = openPrivateBus(why, startedAddress_);
     }
     if (connection_) {

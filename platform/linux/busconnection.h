@@ -50,9 +50,14 @@ private:
     std::uint64_t serial_;
 };
 
+/// One line on standard error, after the program's name.
+void say(const std::string& text);
+
+/// What is done and what is missing is said, but for Fail.
 enum class WithoutBus {
     Fail,
-    StartOne, ///< start a private bus for this process and say so on standard error
+    StartOneUnlessNamed, ///< start a private bus for this process if the session names none
+    StartOne,            ///< start one even if the session's cannot be reached
 };
 
 /// The connection of this process, made when first asked for and made again when the bus went away

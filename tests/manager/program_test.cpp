@@ -197,6 +197,14 @@ TEST_F(TheProgram, RunsOnceAndEndsSettledWhenToldTo) {
         EXPECT_TRUE(std::filesystem::is_empty(sets + "/.staging")) << name;
     }
     EXPECT_EQ(glyphora({"quit"}).status, 1);
+    ProgramRun launchedBefore({"serve"}, sandbox_.root() + "/log.late");
+    ASSERT_TRUE(await([&] { return !launchedBefore.output().empty(); }));
+    ASSERT_THAT(launchedBefore.output(), testing::Not(HasSubstr("started"))) << "it serves nobody";
+    const Ending late = launchedBefore.wait();
+    EXPECT_EQ(late.status, 1);
+    EXPECT_THAT(late.output,
+                testing::MatchesRegex("glyphora: the session bus at " + bus_.address() +
+                                      " cannot be reached \\([^\n]*\\)\n"));
 }
 
 TEST_F(TheProgram, TakesUpAfterBeingKilled) {

@@ -22,6 +22,7 @@ using testsupport::Variable;
 struct Surroundings {
     const char* name;
     std::optional<std::string> busAddress;
+    std::string how;
     std::string message;
 };
 
@@ -42,14 +43,16 @@ protected:
 
 TEST_P(ASessionWithoutABus, HasOneForAsLongAsTheProgramLives) {
     for (const bool killed : {false, true}) {
-        PeerProcess peer({"serve-one", "PEER"}, PeerProcess::Errors::Captured);
+        PeerProcess peer({GetParam().how, "PEER"}, PeerProcess::Errors::Captured);
         ASSERT_EQ(peer.readLine(), "0");
         const std::string said = peer.readErrorLine();
         const std::string beforeAddress =
             GetParam().message + "; started a private one for this process: ";
         ASSERT_THAT(said, HasSubstr(beforeAddress));
         RawConnection visitor(said.substr(said.find(beforeAddress) + beforeAddress.size()));
-        EXPECT_EQ(visitor.errorOf("org.glyphora.AppleEvents1.PEER", "/", nullptr, "Handle", nullptr)
+        const std::string name =
+            "org.glyphora.AppleEvents1.PEER.instance" + std::to_string(peer.processID());
+        EXPECT_EQ(visitor.errorOf(name, "/", nullptr, "Handle", nullptr)
                       .find("org.freedesktop.DBus.Error.ServiceUnknown"),
                   std::string::npos)
             << "the program is on that bus";
@@ -65,9 +68,9 @@ TEST_P(ASessionWithoutABus, HasOneForAsLongAsTheProgramLives) {
 
 INSTANTIATE_TEST_SUITE_P(
     When, ASessionWithoutABus,
-    testing::Values(Surroundings{"Unset", std::nullopt, "there is no session bus"},
-                    Surroundings{"Empty", "", "there is no session bus"},
-                    Surroundings{"Gone", "unix:path=/nonexistent/bus",
+    testing::Values(Surroundings{"Unset", std::nullopt, "serve-one", "there is no session bus"},
+                    Surroundings{"Empty", "", "serve-one", "there is no session bus"},
+                    Surroundings{"Gone", "unix:path=/nonexistent/bus", "serve-many",
                                  "the session bus at unix:path=/nonexistent/bus cannot be reached "
                                  "(Could not connect: No such file or directory)"}),
     [](const auto& tested) { return std::string(tested.param.name); });

@@ -19,11 +19,12 @@ enum : OSErr {
 };
 
 /// [any-thread] Makes this process known on the session bus under `signature` and its process id,
-/// so that others find it and send it events. Starts a private bus when the session has none, says
-/// so on standard error, names it in DBUS_SESSION_BUS_ADDRESS to the applications that this one
-/// launches, and ends it with this process, also when this process is killed. Returns noErr;
-/// kPLAlreadyRunningErr; connectionInvalid: no bus could be had; paramErr: registered already,
-/// `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the
+/// so that others find it and send it events. Starts a private bus when the session names none or,
+/// with kPLManyInstances, one that cannot be reached; names it in DBUS_SESSION_BUS_ADDRESS to the
+/// applications that this one launches, and ends it with this process, also when this process is
+/// killed. Standard error tells of a bus that was started or could not be had. Returns noErr;
+/// kPLAlreadyRunningErr; connectionInvalid: no bus could be had, or it went; paramErr: registered
+/// already, `name` is not valid UTF-8, or no descriptors are left. The calling thread counts as the
 /// [handler-thread] until another dispatches. `name` (UTF-8, may be null) is told to others in
 /// ProcessInfoRec::processName.
 [[nodiscard]] OSStatus PLRegisterApplication(OSType signature, PLInstances instances,
