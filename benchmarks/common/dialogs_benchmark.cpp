@@ -1,26 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The dialog of many missing fonts with three candidates each, in the host's dialog manager:
 // opening it, making its rows anew, and drawing a page of them. Twice the fonts, twice the time.
-#include "GlyphoraDialog.h"
-#include "PluginMain.h"
-#include "host/suites/application.h"
-#include "tests/support/scriptedplatform/scriptedplatform.h"
+#include "benchmarks/common/dialogstage.h"
 
 #include <benchmark/benchmark.h>
 
 #include <functional>
-#include <optional>
 
 namespace {
 
 constexpr std::size_t pageSize = 39;
-
-class SilentFrontend : public host::Frontend {
-public:
-    void showAlert(const host::Alert&) override {}
-    void reportError(std::string_view) override {}
-    void reportMisbehaviour(std::string_view, std::string_view) override {}
-};
 
 /// Uses the dialog as it is told, then cancels it.
 class User : public host::DialogView {
@@ -43,46 +32,14 @@ private:
     host::FixedMetrics metrics_;
 };
 
-VexFontSuite::FontInfos missingFonts(std::int64_t count) {
-    VexFontSuite::FontInfos fonts;
-    for (std::int64_t i = 0; i < count; ++i) {
-        Protocol::Font& font = fonts.emplace_back(new GLY::GLYFontInfo)->font;
-        font.familyName = "Family " + std::to_string(i);
-        font.styleName = "Regular";
-        font.count = 3;
-        for (const char* const name : {"1", "2", "3"}) {
-            font.fontInfos.push_back({name, font.familyName + " in the set \"Brochures " + name +
-                                                "\", version 2.001, 480 glyphs"});
-        }
-    }
-    return fonts;
-}
-
-/// The plug-in in a host, and a font manager that knows no font.
-struct Stage {
-    explicit Stage(std::int64_t fontCount) : fonts(missingFonts(fontCount)) {
-        platform.answers = {scripted::textAnswer(
-            "<cmd>answer</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n")};
+/// The stage, and a user on it.
+struct UsedStage : Stage {
+    explicit UsedStage(std::int64_t fontCount) : Stage(fontCount) {
         application.dialogs().setView(&user);
-        plugin.startUp();
-        serving.emplace(application.core(), &plugin);
     }
-    ~Stage() { serving.reset(); }
+    ~UsedStage() { application.dialogs().setView(nullptr); }
 
-    void run(GlyphoraDialog& dialog) {
-        dialog.setFontData(fonts);
-        platform.sent.clear();
-        dialog.Modal(plugin.ref(), "Glyphora", 16000, kADMModalDialogStyle, 0);
-    }
-
-    scripted::Platform platform;
-    SilentFrontend frontend;
-    host::Application application{frontend,
-                                  {{}, {}, [] { return std::vector<host::InstalledFace>(); }}};
     User user{application.dialogs()};
-    host::Plugin& plugin = application.core().addBuiltIn("Glyphora", PluginMain, PLUGIN_RESOURCES);
-    VexFontSuite::FontInfos fonts;
-    std::optional<host::Core::ServeScope> serving;
 };
 
 std::deque<std::unique_ptr<host::Row>>& rowsOf(host::Dialog& dialog) {
@@ -90,7 +47,7 @@ std::deque<std::unique_ptr<host::Row>>& rowsOf(host::Dialog& dialog) {
 }
 
 void OpenAndCancel(benchmark::State& state) {
-    Stage stage(state.range(0));
+    UsedStage stage(state.range(0));
     std::size_t rows = 0;
     stage.user.use = [&](host::Dialog& dialog) { rows = rowsOf(dialog).size(); };
     for (auto _ : state) {
@@ -104,7 +61,7 @@ void OpenAndCancel(benchmark::State& state) {
 BENCHMARK(OpenAndCancel)->RangeMultiplier(2)->Range(512, 4096)->Unit(benchmark::kMillisecond);
 
 void MakeTheRowsAnew(benchmark::State& state) {
-    Stage stage(state.range(0));
+    UsedStage stage(state.range(0));
     GlyphoraDialog dialog;
     stage.user.use = [&](host::Dialog& shown) {
         for (const auto& row : rowsOf(shown)) {
@@ -119,7 +76,7 @@ void MakeTheRowsAnew(benchmark::State& state) {
 BENCHMARK(MakeTheRowsAnew)->RangeMultiplier(2)->Range(512, 4096)->Unit(benchmark::kMillisecond);
 
 void DrawAPage(benchmark::State& state) {
-    Stage stage(2000);
+    UsedStage stage(2000);
     GlyphoraDialog dialog;
     stage.user.use = [&](host::Dialog& shown) {
         for (auto _ : state) {
