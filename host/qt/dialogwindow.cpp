@@ -186,7 +186,6 @@ void DialogWindow::showButtons() {
     for (std::size_t i = 0; i < buttons_.size(); ++i) {
         QPushButton& button = *buttons_[i].second;
         button.setText(labelOf(texts[i], mnemonics_[i]));
-        button.setAccessibleName(texts[i]);
     }
 }
 

@@ -25,6 +25,13 @@ namespace {
 /// From so many rows on, a list of texts is easier to filter than to scroll.
 constexpr std::size_t longList = 30;
 
+bool movesSelection(const QKeyEvent& event) {
+    const int key = event.key();
+    return (event.modifiers() & ~Qt::KeypadModifier) == 0 &&
+           (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Home || key == Qt::Key_End ||
+            key == Qt::Key_PageDown || key == Qt::Key_PageUp);
+}
+
 /// While it lives, what the view tells comes from here, not from the user.
 class Flag {
 public:
@@ -265,6 +272,13 @@ void ListView::filter(const QString& text) {
     }
 }
 
+/// The focus makes a row current, to which no key can move then.
+void ListView::selectCurrent() {
+    if (!view_.selectionModel()->hasSelection() && view_.currentIndex().isValid()) {
+        view_.selectionModel()->select(view_.currentIndex(), QItemSelectionModel::Select);
+    }
+}
+
 Row* ListView::triangleAt(const QPoint& point) const {
     constexpr int reach = 3; // beside it
     const QModelIndex index = view_.indexAt(point);
@@ -296,6 +310,9 @@ bool ListView::eventFilter(QObject* watched, QEvent* event) {
             tree_.track != nullptr && view_.currentIndex().isValid()) {
             click(view_.currentIndex(), true);
             return true;
+        }
+        if (watched == &view_ && movesSelection(*static_cast<QKeyEvent*>(event))) {
+            later_([this] { selectCurrent(); });
         }
     }
     if (watched != view_.viewport()) {

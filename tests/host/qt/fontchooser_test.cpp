@@ -293,6 +293,12 @@ TEST_F(AFontChooser, ShowsTheDocumentsWordsBeforeAndAfter) {
         EXPECT_TRUE(becomes([&] { return words("after") == words("before"); }))
             << "it is the same face";
         EXPECT_EQ(textsOfPane().size(), 4U);
+        for (const auto& [box, name] : {std::pair("before", "Vorher"), {"after", "Nachher"}}) {
+            auto* const said = QAccessible::queryAccessibleInterface(
+                pane().findChild<QFrame*>(QLatin1String(box)));
+            EXPECT_EQ(said->text(QAccessible::Name), name);
+            EXPECT_EQ(said->text(QAccessible::Description), "PIER 7\n\u05D7\u05D5\u05E3");
+        }
         // One line at the left, and one from the right.
         const QImage both = words("before");
         EXPECT_LT(inkOf(both.copy(0, 0, both.width() / 2, both.height())).left(), 20);

@@ -159,6 +159,26 @@ TEST_F(AList, IsUsedByKeyboardAlone) {
     });
 }
 
+TEST_F(AList, SelectsItsOnlyRowByAnyKeyThatMoves) {
+    Tree& flat = *item(ref, 4).tree;
+    add(flat.top(), "Font");
+    show(ref, [&] {
+        shown(4).setFocus();
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End}) {
+            EXPECT_THAT(flat.selected(), IsEmpty());
+            press(shown(4), key);
+            EXPECT_THAT(takeHeard(), ElementsAre("selected Font")) << key;
+            dialogs.select(flat, {}, nullptr);
+            settle();
+            heard.clear();
+        }
+        QTest::keyClick(&shown(4), Qt::Key_Down, Qt::ControlModifier);
+        settle();
+        EXPECT_THAT(heard, IsEmpty()) << "it moves without selecting";
+        escape();
+    });
+}
+
 TEST_F(AList, OpensARowByItsTriangleWithoutSelectingIt) {
     show(ref, [&] {
         click("Beta");
@@ -293,7 +313,7 @@ TEST_F(AList, ShowsWhatThePluginDraws) {
     });
 }
 
-TEST_F(AList, TellsScreenReadersItsRowsWords) {
+TEST_F(AList, TellsScreenReadersItsRowsWordsAndStates) {
     show(ref, [&] {
         view().setAccessibleName(QStringLiteral("Missing fonts"));
         QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&view());
@@ -304,6 +324,23 @@ TEST_F(AList, TellsScreenReadersItsRowsWords) {
         EXPECT_EQ(row->text(QAccessible::Name), "Beta, unknown");
         EXPECT_TRUE(row->state().expandable);
         EXPECT_FALSE(row->state().expanded);
+        EXPECT_FALSE(row->state().selected);
+        press(view(), Qt::Key_Home);
+        press(view(), Qt::Key_Down);
+        press(view(), Qt::Key_Right);
+        const std::array<std::tuple<const char*, bool, bool>, 4> rows{{
+            {"Alpha, unknown", false, false},
+            {"Beta, unknown", true, true},
+            {"Beta one, unknown", false, false},
+            {"Beta two, unknown", false, false},
+        }};
+        for (int at = 0; at < 4; ++at) {
+            const auto& [name, expanded, selected] = rows.at(static_cast<std::size_t>(at));
+            QAccessibleInterface* const cell = list->tableInterface()->cellAt(at, 0);
+            EXPECT_EQ(cell->text(QAccessible::Name), name);
+            EXPECT_EQ(cell->state().expanded, expanded) << name;
+            EXPECT_EQ(cell->state().selected, selected) << name;
+        }
         escape();
     });
 }

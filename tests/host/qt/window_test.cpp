@@ -2,6 +2,7 @@
 // Dialogs as windows: shown, ended, one within another, and served.
 #include "windowfixture.h"
 
+#include <QAccessible>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPixmap>
@@ -62,8 +63,12 @@ TEST_F(AWindow, ShowsTextsAsTheyStandAndFollowsTheModel) {
         QTest::mouseClick(&shown(3), Qt::LeftButton);
         settle();
         EXPECT_EQ(shown<QLabel>(8).text(), "pressed");
-        EXPECT_FALSE(shown(3).isEnabled());
         EXPECT_EQ(window().windowTitle(), "another");
+        QAccessibleInterface* const button = QAccessible::queryAccessibleInterface(&shown(3));
+        EXPECT_EQ(button->text(QAccessible::Name), "Smith & Sons");
+        EXPECT_TRUE(button->state().disabled);
+        QAccessibleInterface* const text = QAccessible::queryAccessibleInterface(&shown(8));
+        EXPECT_EQ(text->text(QAccessible::Name), "pressed");
         escape();
     });
 }
