@@ -11,19 +11,21 @@
 /// "ADM Dialog Suite" 10
 struct ADMDialogSuite {
     /// [main-thread] Makes a dialog, not yet shown, by the layout `layoutID` of the plug-in's
-    /// resources, and calls `init` with it and `data`; the plug-in owns `*dialog` until Destroy.
-    /// The error of `init`, and no dialog; kBadParameterErr: there is no such layout.
+    /// resources, and calls `init`, unless it is null, with it and `data`; the plug-in owns
+    /// `*dialog` until Destroy. `options` are not looked at. The error of `init`, and no dialog;
+    /// kBadParameterErr: there is no such layout, or a style other than kADMModalDialogStyle.
     ADMErr (*Create)(SPPluginRef plugin, const char* name, std::int32_t layoutID,
                      std::int32_t style, ADMDialogInitProc init, void* data, std::int32_t options,
                      ADMDialogRef* dialog);
     /// [main-thread] Ends the dialog and all that belongs to it; its timers are aborted.
-    /// kBadParameterErr: it is running modally.
+    /// kBadParameterErr: it is running modally, or being destroyed.
     ADMErr (*Destroy)(ADMDialogRef dialog);
     /// [main-thread, modal] Shows the dialog until EndModal; `*item` is the item that ended it.
     /// kBadParameterErr: it is running already.
     ADMErr (*DisplayAsModal)(ADMDialogRef dialog, std::int32_t* item);
     /// [main-thread] Ends the dialog's modal run, after those within it, as soon as the callbacks
-    /// return; `cancelled` tells whether the user gave up. A second ending changes nothing.
+    /// return; `cancelled` tells whether the user gave up. A second ending changes nothing; one
+    /// that comes before the run has DisplayAsModal return at once.
     ADMErr (*EndModal)(ADMDialogRef dialog, std::int32_t item, AIBoolean cancelled);
 
     /// [main-thread] kBadParameterErr: there is no item of this number.
