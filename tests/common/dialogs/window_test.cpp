@@ -23,11 +23,14 @@ protected:
         EXPECT_EQ(VexFontSuite::requestFonts(fonts).succeeded, 1);
         GlyphoraDialog dialog;
         dialog.setFontData(fonts);
+        bool begun = false;
         QTimer::singleShot(0, qApp, [&] {
+            begun = true;
             steps(*QApplication::activeModalWidget(), *dialogs.running().front());
             dialogs.giveUp(*dialogs.running().front());
         });
         EXPECT_EQ(dialog.Modal(plugin.ref(), "Glyphora", 16000, 0, 0), ending);
+        EXPECT_TRUE(begun) << "it has never run";
     }
 
 private:

@@ -44,9 +44,15 @@ protected:
     std::int32_t show(ADMDialogRef ref, const std::function<void()>& steps) {
         QTimer begin;
         begin.setSingleShot(true);
-        QObject::connect(&begin, &QTimer::timeout, qApp, [&steps] { steps(); });
+        bool begun = false;
+        QObject::connect(&begin, &QTimer::timeout, qApp, [&] {
+            begun = true;
+            steps();
+        });
         begin.start();
-        return run(ref);
+        const std::int32_t ended = run(ref);
+        EXPECT_TRUE(begun) << "it has never run";
+        return ended;
     }
     static QWidget& window() { return *QApplication::activeModalWidget(); }
     template <typename Widget = QWidget>
