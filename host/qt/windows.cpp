@@ -15,6 +15,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <array>
 #include <clocale>
 #include <cstdio>
 #include <exception>
@@ -46,7 +47,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
 
 /// The toolkit's plug-ins are tried in turn, for the displays that are named; the last one needs
 /// none, so that one which is named but refuses does not end the program.
-void choosePlatform(Screen screen) {
+QByteArray platformsFor(Screen screen) {
     QByteArray platforms = qgetenv("QT_QPA_PLATFORM");
     if (screen == Screen::Nowhere) {
         platforms = "offscreen";
@@ -56,7 +57,7 @@ void choosePlatform(Screen screen) {
     } else if (!platforms.contains("offscreen")) {
         platforms += ";offscreen";
     }
-    qputenv("QT_QPA_PLATFORM", platforms);
+    return platforms;
 }
 
 /// Not before so many ticks have passed; about ten hours at most.
@@ -332,12 +333,17 @@ extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::Font
                                               host::DesktopEvents events, host::Screen screen) {
     const bool wantsNoDisplay =
         screen == host::Screen::Nowhere || qgetenv("QT_QPA_PLATFORM").contains("offscreen");
-    host::choosePlatform(screen);
     qInstallMessageHandler(host::handleMessage);
-    static int argumentCount = 1;
+    // Not by the environment, which applications that are launched inherit, and other threads read.
+    static QByteArray platforms;
+    platforms = host::platformsFor(screen);
     static char name[] = "glyphora-host";
-    static char* arguments[] = {name, nullptr};
-    auto application = std::make_unique<QApplication>(argumentCount, arguments);
+    static char option[] = "-platform";
+    static std::array<char*, 4> arguments;
+    arguments = {name, option, platforms.data(), nullptr}; // the toolkit takes out what it reads
+    static int argumentCount = 0;
+    argumentCount = 3;
+    auto application = std::make_unique<QApplication>(argumentCount, arguments.data());
     std::setlocale(LC_NUMERIC, "C"); // it has taken the user's
     std::setlocale(LC_MESSAGES, "C");
     QApplication::setQuitOnLastWindowClosed(false);

@@ -28,7 +28,8 @@ class Windows : public DialogView {
 public:
     /// [main-thread, modal] Returns when the user has seen it, or a dialog around it ends.
     virtual void showAlert(const Alert& alert) = 0;
-    /// Writes every window from now on into `folder`: as it is shown, and before it goes.
+    /// Writes every window from now on into `folder`: as it is shown, and a dialog before it goes,
+    /// too. What cannot be written is reported as an error.
     virtual void savePictures(std::filesystem::path folder) = 0;
     /// Who uses the dialogs beside whoever sits before the screen; nullptr for nobody. `user`
     /// outlives its last modal run.

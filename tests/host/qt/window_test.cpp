@@ -12,6 +12,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <tuple>
 
 namespace host::test {
 namespace {
@@ -168,6 +169,35 @@ TEST_F(AWindow, EndsThoseWithinItFirst) {
     };
     EXPECT_EQ(show(outer, [] { QTest::mouseClick(&shown(3), Qt::LeftButton); }), 3);
     EXPECT_THAT(ended, ElementsAre("alert", "inner"));
+}
+
+TEST_F(AWindow, ShowsAlertsAsTheirTextsStand) {
+    const std::tuple<Alert, const char*, QMessageBox::Icon> alerts[] = {
+        {{AlertKind::About, "owner", "About it", "<b>a</b>\nb"},
+         "About it",
+         QMessageBox::Information},
+        {{AlertKind::Error, "owner", "", "a & b"}, "owner", QMessageBox::Critical},
+        {{AlertKind::Message, "owner", "", "a"}, "owner", QMessageBox::Information},
+    };
+    for (const auto& [alert, title, icon] : alerts) {
+        bool shown = false;
+        QTimer::singleShot(0, qApp, [&, &text = alert.text, &caption = title, &kind = icon] {
+            const auto& box = dynamic_cast<const QMessageBox&>(window());
+            EXPECT_EQ(box.windowTitle(), caption);
+            EXPECT_EQ(box.text().toStdString(), text);
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            EXPECT_EQ(box.icon(), kind);
+            shown = true;
+            escape();
+        });
+        windows->showAlert(alert);
+        EXPECT_TRUE(shown);
+    }
+}
+
+TEST_F(AWindow, LeavesTheEnvironmentToApplicationsThatAreLaunched) {
+    EXPECT_EQ(QApplication::platformName(), "offscreen");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("QT_QPA_PLATFORM"));
 }
 
 TEST_F(AWindow, ServesTimersAndTheDesktopWhileItIsOpen) {
