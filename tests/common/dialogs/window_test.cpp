@@ -82,7 +82,7 @@ public:
     bool painted = false;
 };
 
-TEST_F(ADialogInAWindow, ShowsWhatHasBecomeOfTheFontsBeforeItWaitsAndCloses) {
+TEST_F(ADialogInAWindow, ShowsWhatBecameOfFontsBeforeItWaitsOrCloses) {
     GLY::IGLYNotifyHandler& news = *GLY::NotifiyHandlerFactory::getNotifyHandler(false);
     news.start();
     PaintWatcher watcher;

@@ -30,7 +30,7 @@ protected:
     const DesktopFonts desktop_;
 };
 
-TEST_F(TheDesktop, ShowsLackingFacesInOnesThatHaveTheirStyleAndCharacters) {
+TEST_F(TheDesktop, ShowsLackingFacesInOnesOfTheirStyleAndCharacters) {
     const struct {
         int weight;
         const char* text;
