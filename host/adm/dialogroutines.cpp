@@ -2,6 +2,7 @@
 // Calling the plug-ins' routines: for what a user does, for drawing, and for timers.
 #include "host/adm/dialogs.h"
 #include "host/core/plugin.h"
+#include "host/core/timers.h"
 
 #include <utility>
 
@@ -181,10 +182,10 @@ SPErr Dialogs::addTimer(Dialog& dialog, std::int32_t milliseconds, ADMTimerProc 
     if (milliseconds < 1) {
         return kBadParameterErr;
     }
-    constexpr std::int64_t ticksPerSecond = 60;
     constexpr std::int64_t millisecondsPerSecond = 1000;
     const auto ticks = static_cast<std::uint32_t>(
-        (milliseconds * ticksPerSecond + millisecondsPerSecond - 1) / millisecondsPerSecond);
+        (std::int64_t{milliseconds} * ticksPerSecond + millisecondsPerSecond - 1) /
+        millisecondsPerSecond);
     const AITimerHandle clock = timers_.add(dialog.plugin, {}, ticks);
     result = timerHandles_.add(Timer{&dialog, clock, proc, abort});
     return kNoErr;

@@ -2,6 +2,8 @@
 // Finding rows by their words, and doing with them what a person would.
 #include "host/adm/scripteduser.h"
 
+#include "host/core/timers.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <string_view>
@@ -9,8 +11,6 @@
 namespace host {
 
 namespace {
-
-constexpr std::uint32_t ticksPerSecond = 60;
 
 /// What a command asks for cannot be done.
 class Impossible : public std::runtime_error {

@@ -2,6 +2,7 @@
 // Registering with the desktop, and serving its events.
 #include "host/core/desktop.h"
 
+#include "host/core/timers.h"
 #include "platform/application.h"
 #include "platform/timing.h"
 
@@ -35,7 +36,6 @@ std::size_t DesktopPresence::waitForEvents(std::uint32_t ticks) noexcept {
         Delay(ticks, nullptr);
         return 0;
     }
-    constexpr std::uint64_t ticksPerSecond = 60;
     constexpr std::uint64_t millisecondsPerSecond = 1000;
     const std::uint64_t milliseconds =
         (ticks * millisecondsPerSecond + ticksPerSecond - 1) / ticksPerSecond;

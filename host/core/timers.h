@@ -13,6 +13,8 @@
 
 namespace host {
 
+inline constexpr std::uint32_t ticksPerSecond = 60;
+
 struct Timer {
     PluginNumber plugin = noPlugin;
     std::string name;

@@ -2,6 +2,7 @@
 // The toolkit: started once, its loop serving dialogs, timers and the desktop together.
 #include "host/qt/windows.h"
 
+#include "host/core/timers.h"
 #include "host/qt/dialogwindow.h"
 #include "host/qt/translators.h"
 #include "platform/application.h"
@@ -62,7 +63,6 @@ QByteArray platformsFor(Screen screen) {
 
 /// Not before so many ticks have passed; about ten hours at most.
 int milliseconds(std::uint32_t ticks) {
-    constexpr std::uint32_t ticksPerSecond = 60;
     constexpr std::uint32_t most = 0x7FFFFFFF / 1000;
     return static_cast<int>((std::min(ticks, most) * 1000 + ticksPerSecond - 1) / ticksPerSecond);
 }
