@@ -12,12 +12,8 @@
 
 using namespace Orvil;
 
-TEST(AHashMap, HashesSignedCharacters) {
-    static_assert(Hash::hashString("") == 0);
-    static_assert(Hash::hashString("ab") == 97 * 31 + 98);
-    static_assert(Hash::hashString("\xFF") == 0xFFFFFFFF);
-    static_assert(Hash::hashString("Aa") == Hash::hashString("BB"));
-}
+// Characters count as signed ones on every machine.
+static_assert(Hash::hashString("a\xFF") == 97 * 31 - 1);
 
 namespace {
 

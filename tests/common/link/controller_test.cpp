@@ -158,8 +158,3 @@ TEST(AVersion, ComparesByLengthFirst) {
         EXPECT_EQ(GLYController::CompareGLYVersion(ascending[i], ascending[i]), 0) << i;
     }
 }
-
-TEST(TheFontManagersVersion, IsNeverRefusedNorItsStore) {
-    EXPECT_EQ(GLYController::CheckRunningVersion(), 0);
-    EXPECT_TRUE(GLY::isStoreEnabled());
-}

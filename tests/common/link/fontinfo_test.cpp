@@ -32,17 +32,6 @@ TEST(AFontRecord, KnowsItsTypeByKeywordAndTechnology) {
     }
 }
 
-TEST(AFontRecord, BeginsWithItsValues) {
-    const GLYFontInfo info;
-    EXPECT_EQ(info.font, Protocol::Font());
-    EXPECT_EQ(info.hostName + info.chosenContainer, "");
-    EXPECT_EQ(info.workValue1, 1);
-    for (const std::int32_t value :
-         {info.replaced, info.installed, info.workValue2, info.workValue3}) {
-        EXPECT_EQ(value, 0);
-    }
-}
-
 TEST(ASetOfFontRecords, KeepsTheFirstOfEachFamilyInAscendingByteOrder) {
     std::set<Record, GLYFontInfo::SDescendingInfoSort> records;
     for (const auto& [family, psName] : std::vector<std::pair<std::string, std::string>>{
