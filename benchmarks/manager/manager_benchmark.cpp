@@ -4,11 +4,10 @@
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/exchange.h"
 #include "manager/library/update.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <benchmark/benchmark.h>
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,25 +19,10 @@ constexpr int faceCount = 100'000;
 constexpr int facesPerFamily = 4;
 constexpr int asked = 1000;
 
-class TemporaryPlaces {
-public:
-    TemporaryPlaces() {
-        std::string pattern = std::filesystem::temp_directory_path() / "glyphora-bench-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder");
-        }
-        places_.data = pattern;
-    }
-    TemporaryPlaces(const TemporaryPlaces&) = delete;
-    TemporaryPlaces& operator=(const TemporaryPlaces&) = delete;
-    ~TemporaryPlaces() {
-        std::error_code ignored;
-        std::filesystem::remove_all(places_.data, ignored);
-    }
-    [[nodiscard]] const Places& places() const { return places_; }
-
-private:
-    Places places_;
+struct TemporaryPlaces {
+    TemporaryPlaces() { places.data = folder.path(); }
+    testsupport::TemporaryFolder folder;
+    Places places;
 };
 
 std::string postScriptName(int face) {
@@ -78,7 +62,7 @@ void fill(Database& database) {
 }
 
 struct LargeLibrary {
-    LargeLibrary() : library(temporary.places()), activation(temporary.places()) {
+    LargeLibrary() : library(temporary.places), activation(temporary.places) {
         fill(library.database());
     }
     TemporaryPlaces temporary;
@@ -169,7 +153,7 @@ void scanTheMachinesFonts(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         const TemporaryPlaces temporary;
-        Library library(temporary.places());
+        Library library(temporary.places);
         state.ResumeTiming();
         files += updateLibrary(library, folders, FontReaderLimits{}).read;
     }
@@ -180,7 +164,7 @@ BENCHMARK(scanTheMachinesFonts)->Unit(benchmark::kMillisecond)->UseRealTime();
 void scanTheMachinesFontsAgain(benchmark::State& state) {
     const std::vector<std::string> folders = {"/usr/share/fonts"};
     const TemporaryPlaces temporary;
-    Library library(temporary.places());
+    Library library(temporary.places);
     updateLibrary(library, folders, FontReaderLimits{});
     std::size_t files = 0;
     for (auto _ : state) {
@@ -194,7 +178,7 @@ void openAndCheckTheIndex(benchmark::State& state) {
     LargeLibrary& large = largeLibrary();
     for (auto _ : state) {
         benchmark::DoNotOptimize(
-            openLibrary(large.temporary.places(), {}, [](const std::string&) {}));
+            openLibrary(large.temporary.places, {}, [](const std::string&) {}));
     }
 }
 BENCHMARK(openAndCheckTheIndex)->Unit(benchmark::kMillisecond);
@@ -203,7 +187,7 @@ BENCHMARK(openAndCheckTheIndex)->Unit(benchmark::kMillisecond);
 void activateContainers(benchmark::State& state) {
     const char* font = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf";
     const TemporaryPlaces temporary;
-    const std::string folder = temporary.places().data + "/library";
+    const std::string folder = temporary.places.data + "/library";
     std::filesystem::create_directories(folder);
     std::vector<ContainerFonts> containers;
     std::vector<ContainerId> ids;
@@ -213,12 +197,12 @@ void activateContainers(benchmark::State& state) {
         ids.push_back(static_cast<ContainerId>(i));
         containers.push_back({ids.back(), "Container", {{path, stampOf(path)}}});
     }
-    const std::string configuration = temporary.places().data + "/fonts.conf";
-    writeFile(configuration, "<?xml version=\"1.0\"?><fontconfig><dir>" + temporary.places().data +
-                                 "/fonts</dir><cachedir>" + temporary.places().data +
+    const std::string configuration = temporary.places.data + "/fonts.conf";
+    writeFile(configuration, "<?xml version=\"1.0\"?><fontconfig><dir>" + temporary.places.data +
+                                 "/fonts</dir><cachedir>" + temporary.places.data +
                                  "/cache</cachedir></fontconfig>");
     setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
-    Activation activation(temporary.places());
+    Activation activation(temporary.places);
     for (auto _ : state) {
         for (const ActivationOutcome& outcome : activation.activate(containers)) {
             if (!outcome.success) {

@@ -4,6 +4,7 @@
 
 #include "system/descriptor.h"
 #include "tests/support/privatebus/privatebus.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -45,17 +46,12 @@ std::string takeError(GError* error) {
 } // namespace
 
 struct World::Parts {
-    fs::path folder;
+    testsupport::TemporaryFolder folder;
     std::unique_ptr<testsupport::PrivateBus> bus;
     std::map<std::string, std::string> environment;
 };
 
 World::World() : parts_(std::make_unique<Parts>()) {
-    std::string pattern = (fs::temp_directory_path() / "glyphora-world.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("no folder for a test's desktop could be made");
-    }
-    parts_->folder = pattern;
     for (const char* name : {"home", "data", "cache", "config", "state", "runtime", "installed",
                              "library", "documents", "share/applications"}) {
         fs::create_directories(folder() / name);
@@ -84,12 +80,10 @@ World::World() : parts_(std::make_unique<Parts>()) {
 World::~World() {
     manager({"quit"});
     parts_->bus.reset();
-    std::error_code ignored; // a leftover in the temporary folder harms nobody
-    fs::remove_all(folder(), ignored);
 }
 
 fs::path World::folder() const {
-    return parts_->folder;
+    return parts_->folder.path();
 }
 
 void World::setEnvironment(const std::string& name, const std::string& value) {

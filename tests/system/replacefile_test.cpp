@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Files are replaced whole or not at all, and nothing else is left.
 #include "system/replacefile.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,21 +52,18 @@ using testing::UnorderedElementsAre;
 class AReplacedFile : public testing::Test {
 protected:
     AReplacedFile() {
-        std::string name = testing::TempDir() + "replaceXXXXXX";
-        folder_ = mkdtemp(name.data());
         watched = path("file");
         synced.clear();
     }
-    ~AReplacedFile() override { fs::remove_all(folder_); }
 
-    std::string path(const std::string& name) const { return folder_ + "/" + name; }
+    std::string path(const std::string& name) const { return folder_ / name; }
     void write(const std::string& name, const std::string& text) const {
         std::ofstream(path(name)) << text;
     }
     std::string read(const std::string& name) const { return readWhole(path(name)); }
     std::vector<std::string> names() const {
         std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder_)) {
+        for (const auto& entry : fs::directory_iterator(folder_.path())) {
             names.push_back(entry.path().filename());
         }
         return names;
@@ -85,7 +83,7 @@ protected:
         return {};
     }
 
-    std::string folder_;
+    testsupport::TemporaryFolder folder_;
 };
 
 TEST_F(AReplacedFile, KeepsItsRightsAndTakesThoseOfNewFilesOtherwise) {
@@ -141,7 +139,7 @@ TEST_F(AReplacedFile, IsOnTheDiskBeforeItTakesItsNameWhichFollows) {
     write("file", "before");
     sys::replaceFile(path("file"), "after");
     EXPECT_THAT(synced, ElementsAre(Pair(StartsWith("file.new"), "before"),
-                                    Pair(fs::path(folder_).filename(), "after")));
+                                    Pair(folder_.path().filename(), "after")));
 }
 
 TEST_F(AReplacedFile, IsWrittenAsideWhereThatIsWanted) {
