@@ -2,13 +2,12 @@
 // What a plug-in's walk over a drawing of 100,000 text runs costs through the suite tables, beside
 // what libxml2 needs to parse the same file.
 #include "ate/itext.h"
+#include "host/documents/xmlhandles.h"
 #include "host/suites/application.h"
 
 #include <benchmark/benchmark.h>
-#include <libxml/parser.h>
 
 #include <array>
-#include <memory>
 #include <string>
 
 namespace {
@@ -127,10 +126,8 @@ BENCHMARK(SurveyThroughTheSuites)->Unit(benchmark::kMillisecond);
 void ParseBesideIt(benchmark::State& state) {
     const std::string& text = drawing();
     for (auto _ : state) {
-        const std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> document(
-            xmlReadMemory(text.data(), static_cast<int>(text.size()), "survey.svg", nullptr,
-                          XML_PARSE_NONET),
-            xmlFreeDoc);
+        const host::xml::Document document(xmlReadMemory(text.data(), static_cast<int>(text.size()),
+                                                         "survey.svg", nullptr, XML_PARSE_NONET));
         if (document == nullptr) {
             state.SkipWithError("the drawing is not well-formed");
             break;

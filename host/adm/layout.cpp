@@ -3,6 +3,7 @@
 #include "host/adm/layout.h"
 
 #include "host/core/translation.h"
+#include "host/documents/xmlhandles.h"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -57,14 +57,13 @@ bool isElement(const xmlNode* node, std::string_view name) {
 }
 
 std::string attribute(const xmlNode* node, const char* name) {
-    const std::unique_ptr<xmlChar, decltype(xmlFree)> value(
-        xmlGetProp(node, reinterpret_cast<const xmlChar*>(name)), xmlFree);
+    const xml::Text value(xmlGetProp(node, reinterpret_cast<const xmlChar*>(name)));
     return std::string(textOf(value.get()));
 }
 
 /// White space included; empty for nullptr.
 std::string content(const xmlNode* node) {
-    const std::unique_ptr<xmlChar, decltype(xmlFree)> value(xmlNodeGetContent(node), xmlFree);
+    const xml::Text value(xmlNodeGetContent(node));
     return std::string(textOf(value.get()));
 }
 
@@ -127,10 +126,8 @@ private:
 
 Layout Reader::read() {
     xmlResetLastError();
-    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-        xmlReadFile(layout_.file.c_str(), nullptr,
-                    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-        xmlFreeDoc);
+    const xml::Document document(xmlReadFile(
+        layout_.file.c_str(), nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (document == nullptr) {
         const xmlError* const error = xmlGetLastError();
         std::string reason = error != nullptr ? error->message : "cannot be read";

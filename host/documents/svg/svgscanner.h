@@ -6,13 +6,13 @@
 #include "host/documents/svg/svgnames.h"
 #include "host/documents/svg/svgreferences.h"
 #include "host/documents/svg/svgtree.h"
+#include "host/documents/xmlhandles.h"
 
 #include <libxml/parser.h>
 
 #include <array>
 #include <cstdint>
 #include <exception>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -26,15 +26,6 @@ constexpr std::size_t maximumAttributes = 1000;  // of one element
 constexpr std::size_t maximumNamespaces = 1024;  // in scope
 constexpr std::size_t maximumDefaults = 24;      // of one element, by the document type
 constexpr std::size_t maximumDefaultText = 1000; // of one element, in bytes
-
-struct ContextDeleter {
-    void operator()(xmlParserCtxtPtr context) const {
-        xmlFreeDoc(context->myDoc);
-        context->myDoc = nullptr;
-        xmlFreeParserCtxt(context);
-    }
-};
-using Context = std::unique_ptr<xmlParserCtxt, ContextDeleter>;
 
 inline const char* chars(const xmlChar* text) {
     return reinterpret_cast<const char*>(text);
@@ -156,7 +147,7 @@ private:
     const std::string& source_;
     std::string_view name_;
     ScanLimits limits_;
-    Context context_;
+    xml::ParserContext context_;
     Tree tree_;
     References references_;
     std::vector<Open> open_;
