@@ -86,6 +86,15 @@ const Case cases[] = {
      "</text>"},
     {"Rule", "<style>.a { font-family: Old; }\r\n.b{}</style><text class='a'>a</text>", "Old",
      "<style>.a { font-family: New Sans; }\r\n.b{}</style><text class='a'>a</text>"},
+    {"RuleOfEntitiesAndComments",
+     "<style><!-- .b{} -->.a{font-family:&#x4F;l&#100;}</style><text class='a'>a</text>", "Old",
+     "<style><!-- .b{} -->.a{font-family:New Sans}</style><text class='a'>a</text>"},
+    {"RulesWithinDecideTheirs",
+     "<style>.b{font-family:B}</style><g font-family='Old'><text>a<tspan class='b'>b</tspan></text>"
+     "<text font-weight='bold'>c</text></g>",
+     "Old/Regular",
+     "<style>.b{font-family:B}</style><g font-family='Old'><text style=\"font-family:'New Sans'\">a"
+     "<tspan class='b'>b</tspan></text><text font-weight='bold'>c</text></g>"},
     {"RuleInCdata",
      "<style><![CDATA[.a>b{}\r\n.a{font-family:\"Old\",serif}\r]]></style><text class='a'>a"
      "</text>",

@@ -75,8 +75,11 @@ const DrawingCase cases[] = {
      "<text style='font-size:0.0pt' font-family='D'>d</text>"
      "<text style='font:0px E'>e</text><text style='font:0.5px/0 F'>f</text>"
      "<text font-size='calc(0px)' font-family='G'>g</text>"
-     "<text font-size='-1' font-family='H'>h</text>",
-     "C/Regular:c|F/Regular:f|G/Regular:g|H/Regular:h"},
+     "<text font-size='-1' font-family='H'>h</text>"
+     "<g font-size='0'><text font-size='smaller' font-family='I'>i</text>"
+     "<text font-size='50%' font-family='J'>j</text>"
+     "<text font-size='medium' font-family='K'>k</text></g>",
+     "K/Regular:k|C/Regular:c|F/Regular:f|G/Regular:g|H/Regular:h"},
     {"OneAlternativeOfASwitch",
      "<switch><foreignObject requiredExtensions='x'/><desc>D</desc>"
      "<text systemLanguage='de' font-family='A'>a</text>"

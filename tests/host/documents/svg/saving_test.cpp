@@ -15,6 +15,27 @@
 namespace host::test {
 namespace {
 
+/// Gzip data without compression, as the host never writes them.
+std::string stored(std::string text) {
+    std::string packed(2000, '\0');
+    z_stream stream{};
+    EXPECT_EQ(deflateInit2(&stream, 0, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    stream.next_in = reinterpret_cast<Bytef*>(text.data());
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+TEST(APackedDrawing, MayComeInSeveralMembersWithOtherBytesBehind) {
+    const std::string text = drawing("<text font-family='A'>a</text>");
+    const std::string packed = stored(text.substr(0, 20)) + stored(text.substr(20));
+    EXPECT_EQ(visibleRuns(readSvg(packed + "\x1Fx", "x.svgz")), "A/Regular:a");
+}
+
 TEST(ASavedDrawing, IsUnchangedWhenNothingWasReplaced) {
     const std::string source = "\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!-- x -->" +
                                drawing("<text\n>a</text >\r\n") + "\n\n";
@@ -28,16 +49,7 @@ TEST(ASavedDrawing, IsTheVeryFileWhenNothingWasReplaced) {
                               "</svg>";
     EXPECT_EQ(saved(readSvg(twice, "x.svg")), twice);
 
-    std::string packed(2000, '\0');
-    z_stream stream{};
-    ASSERT_EQ(deflateInit2(&stream, 0, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY), Z_OK);
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(twice.data()));
-    stream.avail_in = static_cast<uInt>(twice.size());
-    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-    stream.avail_out = static_cast<uInt>(packed.size());
-    ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
+    const std::string packed = stored(twice);
     const Document document = readSvg(packed, "x.svgz");
     Folder folder;
     document.save(folder / "same.svgz");
@@ -47,8 +59,11 @@ TEST(ASavedDrawing, IsTheVeryFileWhenNothingWasReplaced) {
 
 TEST(ASavedDrawing, IsGzippedByItsNameElseAsItWas) {
     Folder folder;
-    const Document plain = read("<text font-family='A'>a</text>");
+    Document plain = read("<text font-family='A'>a</text>");
     plain.save(folder / "packed.svgz");
+    plain.replaceFace(0, {});
+    plain.save(folder / "changed.svg.GZ");
+    EXPECT_TRUE(contentOf(folder / "changed.svg.GZ").starts_with("\x1F\x8B"));
     EXPECT_TRUE(contentOf(folder / "packed.svgz").starts_with("\x1F\x8B"));
     const Document packed = readSvg(folder / "packed.svgz");
     packed.save(folder / "plain.svg");

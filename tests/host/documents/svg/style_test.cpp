@@ -47,8 +47,10 @@ const DrawingCase cases[] = {
      "A & B/Regular:a"},
     {"OtherStyleLanguagesAndMedia",
      "<style type='text/x'>text{font-family:A}</style><style media='print'>text{font-family:B}"
-     "</style><style media='print, screen'>text{font-weight:bold}</style><text>a</text>",
-     "<sans-serif>/Bold:a"},
+     "</style><style media='print, screen'>text{font-weight:bold}</style>"
+     "<style media='only screen'>text{font-style:italic}</style>"
+     "<style media='ALL'>text{font-stretch:expanded}</style><text>a</text>",
+     "<sans-serif>/Expanded Bold Italic:a"},
     {"ChildAndDescendant",
      "<style>g>text{font-family:A} svg text{font-style:italic} svg>text{font-weight:bold}</style>"
      "<g><text>a</text></g><text>b</text>",
@@ -68,6 +70,11 @@ const DrawingCase cases[] = {
      "[|id]{font-stretch:expanded}</style><text ink:label='x'>a</text><text label='x' id='i'>b"
      "</text>",
      "<sans-serif>/Bold Italic:a|A/Expanded Italic:b"},
+    {"RanksOfAttributesAndPrefixes",
+     "<style>@namespace s url(http://www.w3.org/2000/svg);[d^='']{font-family:X} "
+     "[lang|=de]{font-weight:bold} s|text{font-weight:300;font-family:A} text{font-family:B}"
+     "</style><text d='x' lang='de'>a</text>",
+     "B/Bold:a"},
     {"LongClassLists",
      "<style>.a.z{font-family:A} .n{font-family:N} .q .z.q>.a{font-weight:bold}</style>"
      "<g class='q b c d e f g h i j k l m n1 o p q r s t u v w x y aa bb cc dd ee ff gg z'>"
@@ -93,6 +100,9 @@ const DrawingCase cases[] = {
      "<style>} ; a{font-family:;;:x} text{font-weight:nonsense;font-weight:} /* } */ "
      "text{font-family:A}</style><text>a</text>",
      "A/Regular:a"},
+    {"OpenStringsAndCommentsOfPages",
+     "<style><![CDATA[<!-- .a{b:'c\n} text{font-family:A} -->]]></style><text>a</text>",
+     "A/Regular:a"},
     {"ShorthandResetsTheRest",
      "<text style='font-weight:bold;font-style:italic;font:12px Foo'>a</text>"
      "<text style='font:italic small-caps 600 condensed 12px/1.5 \"Foo Bar\", serif'>b</text>",
@@ -101,6 +111,13 @@ const DrawingCase cases[] = {
      "<text style='font:bold 12px/14px Foo;font-weight:300'>a</text>", "Foo/Light:a"},
     {"ShorthandOfTheSystem", "<text style='font-family:Foo;font:menu'>a</text>",
      "<sans-serif>/Regular:a"},
+    {"NumbersInAShorthand",
+     "<text style='font:12 A'>a</text><text style='font:bold 80% B'>b</text>"
+     "<text style='font:12px /1.5 C'>c</text><text style='font:12px/ 1.5 D'>d</text>",
+     "A/Regular:a|B/Bold:b|C/Regular:c|D/Regular:d"},
+    {"ShorthandThatInheritsAll",
+     "<g style='font:italic 12px A'><text style='font-style:normal;font:inherit'>a</text></g>",
+     "A/Italic:a"},
     {"ShorthandWithoutFamilyIsNone",
      "<text style='font-family:Foo;font:12px'>a</text>"
      "<text style='font-family:Foo;font:bold 12px inherit'>b</text>",
@@ -109,8 +126,9 @@ const DrawingCase cases[] = {
      "<g font-weight='300'><text font-family='A' font-weight='bolder'>a</text>"
      "<text font-family='A' font-weight='lighter'>b</text></g>"
      "<g font-weight='400'><text font-family='A'><tspan font-weight='bolder'>c<tspan "
-     "font-weight='bolder'>d<tspan font-weight='lighter'>e</tspan></tspan></tspan></text></g>",
-     "A/Regular:a|A/Thin:b|A/Bold:c|A/Black:d|A/Bold:e"},
+     "font-weight='bolder'>d<tspan font-weight='lighter'>e</tspan></tspan></tspan></text></g>"
+     "<g font-weight='600'><text font-family='A' font-weight='lighter'>f</text></g>",
+     "A/Regular:a|A/Thin:b|A/Bold:c|A/Black:d|A/Bold:e|A/Regular:f"},
     {"RelativeStretch",
      "<g font-stretch='condensed'><text font-family='A' font-stretch='wider'>a</text>"
      "<text font-family='A' font-stretch='narrower'>b</text></g>",
@@ -118,8 +136,9 @@ const DrawingCase cases[] = {
     {"NumbersAndPercents",
      "<text font-family='A' font-weight='850' font-stretch='62.5%'>a</text>"
      "<text font-family='A' font-weight='0'>b</text>"
-     "<text font-family='A' font-style='oblique 10deg'>c</text>",
-     "A/ExtraCondensed Black:a|A/Regular:b|A/Oblique:c"},
+     "<text font-family='A' font-style='oblique 10deg'>c</text>"
+     "<text font-family='A' font-weight='1001' style='font-width:condensed'>d</text>",
+     "A/ExtraCondensed Black:a|A/Regular:b|A/Oblique:c|A/Condensed:d"},
     {"InheritInitialUnset",
      "<g font-family='A' font-weight='bold'><text style='font-family:inherit;font-weight:"
      "initial'>a</text><text style='font-weight:unset;font-family:var(--x)'>b</text></g>",
