@@ -101,8 +101,9 @@ const DrawingCase cases[] = {
      "text{font-family:A}</style><text>a</text>",
      "A/Regular:a"},
     {"OpenStringsAndCommentsOfPages",
-     "<style><![CDATA[<!-- .a{b:'c\n} text{font-family:A} -->]]></style><text>a</text>",
-     "A/Regular:a"},
+     "<style><![CDATA[<!-- text{font-family:A} .a{b:'c\n} text{font-weight:bold} -->]]></style>"
+     "<text>a</text>",
+     "A/Bold:a"},
     {"ShorthandResetsTheRest",
      "<text style='font-weight:bold;font-style:italic;font:12px Foo'>a</text>"
      "<text style='font:italic small-caps 600 condensed 12px/1.5 \"Foo Bar\", serif'>b</text>",
