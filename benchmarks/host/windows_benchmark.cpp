@@ -3,6 +3,7 @@
 // routine, and the first fonts to choose from in their faces, which have come before.
 #include "GlyphoraReplaceDialog.h"
 #include "benchmarks/common/dialogstage.h"
+#include "host/qt/displays.h"
 #include "host/qt/windows.h"
 #include "host/suites/documentsamples.h"
 #include "tests/support/temporaryfolder.h"
@@ -36,7 +37,7 @@ struct WindowedStage : Stage {
     }
 
     std::unique_ptr<host::Windows> windows{glyphoraMakeWindows(
-        application.dialogs(), host::fontSourceOf(application), {}, host::Screen::Nowhere)};
+        application.dialogs(), host::fontSourceOf(application), {}, host::offscreenPlatform)};
 };
 
 void redraw(benchmark::State& state, QAbstractItemView& view) {

@@ -92,6 +92,25 @@ void Dialogs::drop(Dialog& dialog) noexcept {
     dialogs_.remove(dialog.handle);
 }
 
+/// A view may throw.
+class Dialogs::Run {
+public:
+    Run(std::vector<Dialog*>& running, Dialog& dialog) : running_(running), dialog_(dialog) {
+        running.push_back(&dialog);
+        dialog.running = true;
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    ~Run() {
+        running_.pop_back();
+        dialog_.running = false;
+    }
+
+private:
+    std::vector<Dialog*>& running_;
+    Dialog& dialog_;
+};
+
 SPErr Dialogs::runModal(Dialog& dialog, std::int32_t& item) {
     if (dialog.running) {
         return kBadParameterErr;
@@ -100,11 +119,8 @@ SPErr Dialogs::runModal(Dialog& dialog, std::int32_t& item) {
         dialog.ending = Dialog::Ending{kADMCancelItemID, true};
     }
     if (!dialog.ending) { // it may have ended before it was shown
-        dialog.running = true;
-        running_.push_back(&dialog);
+        const Run run(running_, dialog);
         view_->runModal(dialog);
-        running_.pop_back();
-        dialog.running = false;
     }
     item = dialog.ending.value_or(Dialog::Ending{}).item;
     dialog.ending.reset();

@@ -121,6 +121,8 @@ public:
     ADMDrawerRef measuringDrawer() const noexcept { return measuringDrawer_; }
 
 private:
+    class Run;
+
     struct Timer {
         Dialog* dialog;
         AITimerHandle clock;

@@ -14,6 +14,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QUiLoader>
 #include <QVariant>
@@ -201,8 +202,9 @@ void DialogWindow::place() {
         const QRect room = screen()->availableGeometry();
         resize(size().boundedTo(room.size()));
         if (testAttribute(Qt::WA_Moved)) {
-            move(std::clamp(x(), room.left(), room.right() + 1 - width()),
-                 std::clamp(y(), room.top(), room.bottom() + 1 - height()));
+            // Its least size may be larger than the screen.
+            move(std::max(room.left(), std::min(x(), room.right() + 1 - width())),
+                 std::max(room.top(), std::min(y(), room.bottom() + 1 - height())));
         }
     }
 }
@@ -210,6 +212,7 @@ void DialogWindow::place() {
 void DialogWindow::run(const std::function<void()>& shown) {
     QEventLoop loop;
     loop_ = &loop;
+    const auto atEnd = qScopeGuard([this] { loop_ = nullptr; });
     changed_ = true;
     for (const std::unique_ptr<ListView>& list : lists_) {
         list->begin();
@@ -221,7 +224,6 @@ void DialogWindow::run(const std::function<void()>& shown) {
     if (!dialog_.ending) {
         loop.exec();
     }
-    loop_ = nullptr;
 }
 
 void DialogWindow::end() {

@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -90,15 +91,32 @@ bool isDeadWayland(std::string_view display, int milliseconds) {
 
 } // namespace
 
-void forgetDeadDisplays(int milliseconds) {
-    if (const auto display = valueOf("DISPLAY");
-        !display.empty() && isDeadX(display, milliseconds)) {
-        unsetenv("DISPLAY");
+std::string livingPlatforms(int milliseconds) {
+    const std::string_view x = valueOf("DISPLAY");
+    const std::string_view wayland = valueOf("WAYLAND_DISPLAY");
+    std::string named(valueOf("QT_QPA_PLATFORM"));
+    if (named.empty()) {
+        named = wayland.empty() ? "" : "wayland;";
+        named += x.empty() ? "" : "xcb";
     }
-    if (const auto display = valueOf("WAYLAND_DISPLAY");
-        !display.empty() && isDeadWayland(display, milliseconds)) {
-        unsetenv("WAYLAND_DISPLAY");
+    const bool xIsDead = !x.empty() && isDeadX(x, milliseconds);
+    const bool waylandIsDead = !wayland.empty() && isDeadWayland(wayland, milliseconds);
+
+    std::string platforms;
+    std::istringstream list(named);
+    for (std::string platform; std::getline(list, platform, ';');) {
+        const bool isDead = (xIsDead && platform.starts_with("xcb")) ||
+                            (waylandIsDead && platform.starts_with("wayland"));
+        if (!platform.empty() && !isDead) {
+            platforms += platform + ';';
+        }
     }
+    if (platforms.empty()) {
+        return {};
+    }
+    return platforms.find(offscreenPlatform) != std::string::npos
+               ? platforms.substr(0, platforms.size() - 1)
+               : platforms + offscreenPlatform;
 }
 
 } // namespace host

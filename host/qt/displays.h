@@ -2,11 +2,19 @@
 // Which displays that the environment names are there at all.
 #pragma once
 
+#include <string>
+
 namespace host {
 
-/// [main-thread] Takes those names out of the environment behind which nobody answers a greeting
-/// within `milliseconds`: a toolkit would wait for them for ever. Displays of other machines stay,
-/// whose tunnels may complain about a guest that only asks.
-void forgetDeadDisplays(int milliseconds);
+/// The toolkit's platform in memory.
+constexpr const char* offscreenPlatform = "offscreen";
+
+/// [main-thread] The toolkit's platforms to try in turn, as its option -platform takes them: those
+/// that the user names by QT_QPA_PLATFORM, or those whose displays are named, and last the one that
+/// needs none, so that a display which refuses does not end the program. A display behind which
+/// nobody answers a greeting within `milliseconds` is left out: the toolkit would wait for it for
+/// ever. Displays of other machines stay, whose tunnels may complain about a guest that only asks.
+/// Empty where there is nothing to show windows on.
+[[nodiscard]] std::string livingPlatforms(int milliseconds);
 
 } // namespace host

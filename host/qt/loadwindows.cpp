@@ -6,6 +6,7 @@
 #include <dlfcn.h>
 
 #include <cstdlib>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -27,11 +28,10 @@ bool mayHaveScreen() {
 std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, FontSource fonts, DesktopEvents events,
                                      Screen screen) {
     constexpr int patience = 3000; // milliseconds
-    if (screen == Screen::User) {
-        forgetDeadDisplays(patience);
-        if (!mayHaveScreen()) {
-            return nullptr;
-        }
+    const std::string platforms =
+        screen == Screen::Nowhere ? offscreenPlatform : livingPlatforms(patience);
+    if (platforms.empty()) {
+        return nullptr;
     }
     std::error_code failed;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
@@ -39,10 +39,10 @@ std::unique_ptr<Windows> loadWindows(Dialogs& dialogs, FontSource fonts, Desktop
     // What is built in more than one place is one all the same: the program exports it.
     void* const handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* const make = handle != nullptr ? dlsym(handle, "glyphoraMakeWindows") : nullptr;
-    return std::unique_ptr<Windows>(make != nullptr
-                                        ? reinterpret_cast<decltype(&glyphoraMakeWindows)>(make)(
-                                              dialogs, std::move(fonts), std::move(events), screen)
-                                        : nullptr);
+    return std::unique_ptr<Windows>(
+        make != nullptr ? reinterpret_cast<decltype(&glyphoraMakeWindows)>(make)(
+                              dialogs, std::move(fonts), std::move(events), platforms)
+                        : nullptr);
 }
 
 } // namespace host

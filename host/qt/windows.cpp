@@ -4,6 +4,7 @@
 
 #include "host/core/timers.h"
 #include "host/qt/dialogwindow.h"
+#include "host/qt/displays.h"
 #include "host/qt/translators.h"
 #include "platform/application.h"
 
@@ -44,21 +45,6 @@ void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         static_cast<void>(std::fprintf(stderr, "error: %s\n", qUtf8Printable(text)));
     }
-}
-
-/// The toolkit's plug-ins are tried in turn, for the displays that are named; the last one needs
-/// none, so that one which is named but refuses does not end the program.
-QByteArray platformsFor(Screen screen) {
-    QByteArray platforms = qgetenv("QT_QPA_PLATFORM");
-    if (screen == Screen::Nowhere) {
-        platforms = "offscreen";
-    } else if (platforms.isEmpty()) {
-        platforms = qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "" : "wayland;";
-        platforms += qEnvironmentVariableIsEmpty("DISPLAY") ? "offscreen" : "xcb;offscreen";
-    } else if (!platforms.contains("offscreen")) {
-        platforms += ";offscreen";
-    }
-    return platforms;
 }
 
 /// Not before so many ticks have passed; about ten hours at most.
@@ -330,24 +316,24 @@ void QtWindows::savePicture(QWidget& window, const char* moment) {
 } // namespace host
 
 extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::FontSource fonts,
-                                              host::DesktopEvents events, host::Screen screen) {
-    const bool wantsNoDisplay =
-        screen == host::Screen::Nowhere || qgetenv("QT_QPA_PLATFORM").contains("offscreen");
+                                              host::DesktopEvents events,
+                                              const std::string& platforms) {
     qInstallMessageHandler(host::handleMessage);
     // Not by the environment, which applications that are launched inherit, and other threads read.
-    static QByteArray platforms;
-    platforms = host::platformsFor(screen);
+    static std::string tried;
+    tried = platforms;
     static char name[] = "glyphora-host";
     static char option[] = "-platform";
     static std::array<char*, 4> arguments;
-    arguments = {name, option, platforms.data(), nullptr}; // the toolkit takes out what it reads
+    arguments = {name, option, tried.data(), nullptr}; // the toolkit takes out what it reads
     static int argumentCount = 0;
     argumentCount = 3;
     auto application = std::make_unique<QApplication>(argumentCount, arguments.data());
     std::setlocale(LC_NUMERIC, "C"); // it has taken the user's
     std::setlocale(LC_MESSAGES, "C");
     QApplication::setQuitOnLastWindowClosed(false);
-    if (!wantsNoDisplay && QApplication::platformName() == QLatin1String("offscreen")) {
+    if (platforms != host::offscreenPlatform &&
+        QApplication::platformName() == QLatin1String(host::offscreenPlatform)) {
         return nullptr;
     }
     return new host::QtWindows(std::move(application), dialogs, std::move(fonts),

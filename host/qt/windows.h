@@ -78,7 +78,9 @@ private:
 
 } // namespace host
 
-/// What the module has. `dialogs` outlives what it makes, which the caller owns; nullptr when there
-/// is no such screen. One at a time.
+/// What the module has. `dialogs` outlives what it makes, which the caller owns. `platforms` are
+/// the toolkit's, tried in turn; nullptr when none works but the one in memory, unless that one
+/// alone is asked for. One at a time.
 extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::FontSource fonts,
-                                              host::DesktopEvents events, host::Screen screen);
+                                              host::DesktopEvents events,
+                                              const std::string& platforms);

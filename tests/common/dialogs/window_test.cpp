@@ -2,6 +2,7 @@
 // The dialog of missing fonts as a window of the toolkit.
 #include "dialogfixture.h"
 
+#include "host/qt/displays.h"
 #include "host/qt/windows.h"
 
 #include <QAbstractScrollArea>
@@ -36,7 +37,7 @@ protected:
 private:
     testsupport::Variable platform_{"QT_QPA_PLATFORM", std::nullopt};
     std::unique_ptr<host::Windows> windows_{
-        glyphoraMakeWindows(dialogs, {}, {}, host::Screen::Nowhere)};
+        glyphoraMakeWindows(dialogs, {}, {}, host::offscreenPlatform)};
 };
 
 TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsAtAnySize) {

@@ -3,6 +3,7 @@
 #include "dialogfixture.h"
 
 #include <array>
+#include <new>
 #include <stdexcept>
 
 namespace host::test {
@@ -160,6 +161,15 @@ TEST_F(ADialog, IsEndedByARoutineThatThrows) {
     EXPECT_EQ(run(ref, [&](Dialog& dialog) { dialogs.press(*dialog.item(3)); }), kADMCancelItemID);
     EXPECT_THAT(frontend.misbehaviour,
                 ElementsAre("owner threw an exception out of a routine of a dialog"));
+}
+
+TEST_F(ADialog, RunsNoMoreWhenItsViewFails) {
+    const ADMDialogRef ref = create();
+    view.runs.push_back([](Dialog&) { throw std::bad_alloc(); });
+    std::int32_t none = 0;
+    EXPECT_EQ(asOwner([&] { return dialogSuite->DisplayAsModal(ref, &none); }), kOutOfMemoryErr);
+    EXPECT_THAT(dialogs.running(), IsEmpty());
+    EXPECT_EQ(run(ref, [&](Dialog& dialog) { dialogs.press(*dialog.item(1)); }), 1);
 }
 
 TEST_F(ADialog, KeepsWhatItIsTold) {

@@ -29,7 +29,7 @@ public:
         EXPECT_EQ(bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address),
                        static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size())),
                   0);
-        EXPECT_EQ(listen(socket_.get(), 1), 0);
+        EXPECT_EQ(listen(socket_.get(), 2), 0);
     }
     void answer() const {
         const sys::Descriptor guest(accept(socket_.get(), nullptr, nullptr));
@@ -42,37 +42,44 @@ private:
     sys::Descriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
 };
 
-TEST(ADisplay, IsForgottenUnlessItAnswers) {
+TEST(ADisplay, IsLeftOutUnlessItAnswers) {
     const testsupport::TemporaryFolder folder;
     const testsupport::Variable runtime("XDG_RUNTIME_DIR", folder.path().string());
+    const testsupport::Variable x("DISPLAY", "");
+    const testsupport::Variable wayland("WAYLAND_DISPLAY", "");
+    const testsupport::Variable chosen("QT_QPA_PLATFORM", "");
+    EXPECT_EQ(livingPlatforms(1), "");
+
     const std::string number = std::to_string(100'000 + getpid());
-    const std::tuple<const char*, std::string, std::string> kinds[] = {
-        {"DISPLAY", ":" + number + ".0", std::string(1, '\0') + "/tmp/.X11-unix/X" + number},
-        {"WAYLAND_DISPLAY", "wayland-7", (folder / "wayland-7").string()},
+    const std::tuple<const char*, std::string, std::string, std::string> kinds[] = {
+        {"DISPLAY", ":" + number + ".0", std::string(1, '\0') + "/tmp/.X11-unix/X" + number, "xcb"},
+        {"WAYLAND_DISPLAY", "wayland-7", (folder / "wayland-7").string(), "wayland"},
     };
-    for (const auto& [name, value, socketName] : kinds) {
+    for (const auto& [name, value, socketName, platform] : kinds) {
         SCOPED_TRACE(name);
         const testsupport::Variable display(name, value);
-        forgetDeadDisplays(10'000);
-        EXPECT_EQ(std::getenv(name), nullptr) << "nobody is there";
+        EXPECT_EQ(livingPlatforms(10'000), "") << "nobody is there";
 
         const Server server(socketName);
-        setenv(name, value.c_str(), 1);
-        forgetDeadDisplays(1);
-        EXPECT_EQ(std::getenv(name), nullptr) << "nobody answers";
+        EXPECT_EQ(livingPlatforms(1), "") << "nobody answers";
+        {
+            const testsupport::Variable both("QT_QPA_PLATFORM", platform + "-egl;minimal");
+            EXPECT_EQ(livingPlatforms(1), "minimal;offscreen");
+        }
 
-        setenv(name, value.c_str(), 1);
         std::thread answering([&] {
-            server.answer(); // the one that was not patient
+            server.answer(); // the two that were not patient
+            server.answer();
             server.answer();
         });
-        forgetDeadDisplays(10'000);
+        EXPECT_EQ(livingPlatforms(10'000), platform + ";offscreen");
         answering.join();
-        EXPECT_STREQ(std::getenv(name), value.c_str());
+        EXPECT_EQ(std::getenv(name), value) << "others read the environment";
     }
     const testsupport::Variable elsewhere("DISPLAY", "elsewhere.invalid:0");
-    forgetDeadDisplays(1);
-    EXPECT_STREQ(std::getenv("DISPLAY"), "elsewhere.invalid:0");
+    EXPECT_EQ(livingPlatforms(1), "xcb;offscreen");
+    const testsupport::Variable asked("QT_QPA_PLATFORM", "offscreen");
+    EXPECT_EQ(livingPlatforms(1), "offscreen");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // Real windows in memory, for dialogs of a plug-in within the test.
 #pragma once
 
+#include "host/qt/displays.h"
 #include "host/qt/windows.h"
 #include "tests/host/adm/dialogfixture.h"
 
@@ -86,7 +87,7 @@ protected:
          }},
         {[this] { return events.descriptor ? events.descriptor() : -1; },
          [this] { return events.dispatch(); }},
-        Screen::Nowhere)};
+        offscreenPlatform)};
 };
 
 } // namespace host::test
