@@ -12,7 +12,8 @@ class QPainter;
 
 namespace host {
 
-/// The nearest to `color` that can be read on `background`: the contrast is at least 4.5.
+/// The nearest to `color` that can be read on `background`: the contrast is at least 4.5, of both
+/// as if they were opaque.
 [[nodiscard]] QColor readable(QColor color, const QColor& background);
 /// From 1 to 21, by the luminance that the Web Content Accessibility Guidelines define.
 [[nodiscard]] double contrast(const QColor& one, const QColor& other);

@@ -134,7 +134,7 @@ TEST_F(TheLook, MarksWhatIsSelected) {
     });
 }
 
-TEST_F(TheLook, LeavesTheDrawerGrey) {
+TEST_F(TheLook, LeavesTheDrawerItsLastColour) {
     static ADMListEntryDrawProc routine = nullptr;
     static host::Dialogs* all = nullptr;
     static host::Color color = kADMTextColor;
