@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStringList>
 #include <QVBoxLayout>
 
@@ -68,11 +69,8 @@ QString namesOf(const std::vector<Sample>& samples, std::string (*nameOf)(const 
 } // namespace
 
 WordsInFaces::WordsInFaces(Faces& faces, std::function<void()> changed, QWidget* parent)
-    : QFrame(parent), faces_(faces), changed_(std::move(changed)) {
-    setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    setBackgroundRole(QPalette::Base);
-    setForegroundRole(QPalette::Text);
-    setAutoFillBackground(true);
+    : QAbstractScrollArea(parent), faces_(faces), changed_(std::move(changed)) {
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 WordsInFaces::~WordsInFaces() {
@@ -96,7 +94,8 @@ void WordsInFaces::show(std::vector<Words> words) {
     }
     setAccessibleDescription(texts.join(QLatin1Char('\n')));
     changed_();
-    update();
+    setRange();
+    viewport()->update();
 }
 
 bool WordsInFaces::isBroken() const {
@@ -139,26 +138,36 @@ void WordsInFaces::ask(Line& line) {
             lines_[at].asked = 0;
             lines_[at].answer = answer;
             changed_();
-            update();
+            viewport()->update();
         });
 }
 
-void WordsInFaces::paintEvent(QPaintEvent* event) {
-    QFrame::paintEvent(event);
+void WordsInFaces::setRange() {
+    const int room = viewport()->height();
+    const int height = static_cast<int>(lines_.size()) * lineHeight() + 2 * padding;
+    verticalScrollBar()->setRange(0, std::max(0, height - room));
+    verticalScrollBar()->setSingleStep(lineHeight());
+    verticalScrollBar()->setPageStep(room);
+    // There is nothing to do by keyboard where all is seen.
+    setFocusPolicy(height > room ? Qt::StrongFocus : Qt::NoFocus);
+}
+
+void WordsInFaces::resizeEvent(QResizeEvent* /*event*/) {
+    setRange();
+}
+
+void WordsInFaces::paintEvent(QPaintEvent* /*event*/) {
     if (std::exchange(scale_, devicePixelRatioF()) != devicePixelRatioF()) {
         forget();
     }
-    QPainter painter(this);
+    QPainter painter(viewport());
     constexpr double baseline = 1.1; // in ems from a line's top
-    QRectF area = contentsRect().adjusted(padding, padding, -padding, -padding);
-    const double bottom = area.bottom();
+    QRectF area = viewport()->rect().adjusted(padding, padding, -padding, 0);
+    area.translate(0, -verticalScrollBar()->value());
     area.setHeight(lineHeight());
     for (Line& line : lines_) {
-        if (area.bottom() > bottom + 1) {
-            break;
-        }
         if (line.answer == nullptr && line.asked == 0) {
-            ask(line);
+            ask(line); // wherever it is: what it lacks is told of all
         }
         if (line.answer != nullptr && line.answer->problem.empty()) {
             drawFace(painter, line.answer->picture, scale_,

@@ -4,7 +4,7 @@
 
 #include "host/qt/fontdelegate.h"
 
-#include <QFrame>
+#include <QAbstractScrollArea>
 
 #include <cstddef>
 #include <functional>
@@ -15,8 +15,8 @@ class QLabel;
 
 namespace host {
 
-/// [main-thread] Lines of words, each in a face of its own, as many as there is room for.
-class WordsInFaces : public QFrame {
+/// [main-thread] Lines of words, each in a face of its own, that scroll.
+class WordsInFaces : public QAbstractScrollArea {
 public:
     struct Words {
         std::string text;
@@ -38,6 +38,7 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -48,6 +49,7 @@ private:
     };
     void forget();
     void ask(Line& line);
+    void setRange();
     int lineHeight() const;
 
     Faces& faces_;

@@ -338,6 +338,35 @@ TEST_F(AFontChooser, TellsWhatIsSelectedAroundItAndHidesWhatItDoesNotKnow) {
     EXPECT_THAT(around, ElementsAre(ElementsAre("Serif")));
 }
 
+TEST_F(AFontChooser, ShowsMoreWordsThanItHasRoomFor) {
+    std::vector<Sample> samples(12, {"PIER 7", "Quay", sans});
+    samples.back().text = "\u05D7\u05D5\u05E3";
+    fonts.samples = [&](const std::vector<RowTexts>& /*rows*/) { return samples; };
+    add("Serif", serif);
+    showRows([&] {
+        select(0);
+        EXPECT_TRUE(becomes(
+            [&] { return textsOfPane().back() == "Nicht in dieser Schrift: \u05D7\u05D5\u05E3"; }));
+        auto* const box = pane().findChild<QAbstractScrollArea*>(QStringLiteral("before"));
+        const auto isAtRight = [&] {
+            const QImage seen = box->viewport()->grab().toImage();
+            return inkOf(seen).right() > seen.width() - 20;
+        };
+        EXPECT_FALSE(isAtRight());
+        box->setFocus();
+        for (int i = 0; i < 12; ++i) {
+            QTest::keyClick(box, Qt::Key_Down);
+        }
+        EXPECT_TRUE(becomes(isAtRight)) << "the last line is seen";
+        samples.resize(1);
+        escape();
+    });
+    showRows([&] {
+        EXPECT_EQ(pane().findChild<QWidget*>(QStringLiteral("before"))->focusPolicy(), Qt::NoFocus);
+        escape();
+    });
+}
+
 TEST_F(AFontChooser, HasRoomForAnyWords) {
     std::string text;
     for (int i = 0; i < 80; ++i) {
