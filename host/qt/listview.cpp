@@ -272,11 +272,14 @@ void ListView::filter(const QString& text) {
     }
 }
 
-/// The focus makes a row current, to which no key can move then.
-void ListView::selectCurrent() {
-    if (!view_.selectionModel()->hasSelection() && view_.currentIndex().isValid()) {
+/// The focus makes a row current without selecting it: keys are to begin with it, not behind it.
+bool ListView::selectCurrent() {
+    const bool selects = !view_.selectionModel()->hasSelection() && view_.currentIndex().isValid();
+    if (selects) {
         view_.selectionModel()->select(view_.currentIndex(), QItemSelectionModel::Select);
+        view_.scrollTo(view_.currentIndex());
     }
+    return selects;
 }
 
 Row* ListView::triangleAt(const QPoint& point) const {
@@ -312,6 +315,9 @@ bool ListView::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         if (watched == &view_ && movesSelection(*static_cast<QKeyEvent*>(event))) {
+            if ((key == Qt::Key_Down || key == Qt::Key_Up) && selectCurrent()) {
+                return true;
+            }
             later_([this] { selectCurrent(); });
         }
     }

@@ -41,7 +41,7 @@ private:
     void connectTree();
     void takeSelection();
     void showSelection();
-    void selectCurrent();
+    bool selectCurrent();
     void showExpansion(RowList& list);
     void showFilter();
     void filter(const QString& text);

@@ -159,6 +159,29 @@ TEST_F(AList, IsUsedByKeyboardAlone) {
     });
 }
 
+TEST_F(AList, BeginsWithItsFirstRowByKeyboard) {
+    Tree& flat = *item(ref, 4).tree;
+    for (const char* const name : {"One", "Two", "Three"}) {
+        add(flat.top(), name);
+    }
+    show(ref, [&] {
+        for (const auto& [list, id, first, second] :
+             {std::tuple(&tree, 7, "Alpha", "Beta"), {&flat, 4, "One", "Two"}}) {
+            shown(id).setFocus();
+            for (const Qt::Key key : {Qt::Key_Home, Qt::Key_Up, Qt::Key_Down}) {
+                dialogs.select(*list, {}, nullptr);
+                settle();
+                heard.clear();
+                press(shown(id), key);
+                EXPECT_THAT(takeHeard(), ElementsAre("selected " + std::string(first))) << key;
+            }
+            press(shown(id), Qt::Key_Down);
+            EXPECT_THAT(takeHeard(), ElementsAre("selected " + std::string(second)));
+        }
+        escape();
+    });
+}
+
 TEST_F(AList, SelectsItsOnlyRowByAnyKeyThatMoves) {
     Tree& flat = *item(ref, 4).tree;
     add(flat.top(), "Font");
