@@ -113,7 +113,15 @@ void Catalogue::list(std::vector<InstalledFace> faces) {
 void Catalogue::index(const FontEntry& entry) {
     const InstalledFace& face = entry.face;
     if (!face.variable || !face.postScriptName.empty()) {
-        byPostScriptName_.try_emplace(face.postScriptName, entry.key);
+        // Faces may share a PostScript name; who reads it as a full name means the one that has it.
+        const auto isFullName = [](const InstalledFace& of) {
+            return of.fullName == of.postScriptName;
+        };
+        FontKey& named =
+            byPostScriptName_.try_emplace(face.postScriptName, entry.key).first->second;
+        if (isFullName(face) && !isFullName(entries_[named - 1].face)) {
+            named = entry.key;
+        }
         byFullName_.try_emplace(foldName(face.fullName), entry.key);
     }
     const auto add = [&](const std::string& family, const std::string& style, bool asMeasured) {

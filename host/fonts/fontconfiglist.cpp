@@ -66,6 +66,12 @@ std::size_t englishOne(const std::vector<std::string>& languages) {
     return found == languages.end() ? 0 : static_cast<std::size_t>(found - languages.begin());
 }
 
+bool isPlain(const std::string& style) {
+    const StyleWords words = readStyleWords(style);
+    return words.complete && (words.weight + 50) / 100 == 4 && words.slant == Slant::Upright &&
+           words.stretch == 100.0;
+}
+
 void readNames(const PatternReader& reader, InstalledFace& face) {
     const std::vector<std::string> families = reader.texts(FC_FAMILY);
     const std::vector<std::string> styles = reader.texts(FC_STYLE);
@@ -96,7 +102,10 @@ void readNames(const PatternReader& reader, InstalledFace& face) {
             face.fullName = name;
         }
     }
-    if (face.fullName.empty()) {
+    // Each named instance of a variable font comes with the full name of the font.
+    const bool instance = face.index >> 16 != 0;
+    const bool familyAlone = foldName(face.fullName) == foldName(face.family);
+    if (face.fullName.empty() || instance || (familyAlone && !isPlain(face.style))) {
         face.fullName = face.family + " " + face.style;
     }
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The desktop's fonts through fontconfig, in a small font world of the test's own: its fonts are
-// hard copies of what the desktop has of one well-known family.
+// hard copies of what the desktop has of one well-known family, and some made for a test.
 #include "host/fonts/catalogue.h"
+#include "tests/manager/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -101,6 +103,28 @@ TEST_F(APrivateFontWorld, PassesOverFilesThatAreNoFonts) {
     Catalogue catalogue;
     ASSERT_EQ(catalogue.faces().size(), 1U);
     EXPECT_EQ(catalogue.entry(catalogue.faces()[0])->face.postScriptName, "DejaVuSans-Bold");
+}
+
+TEST_F(APrivateFontWorld, TellsTheInstancesOfVariableFontsApart) {
+    managertest::FontRecipe recipe;
+    recipe.family = recipe.typographicFamily = recipe.postScriptName = "Quay";
+    recipe.style.clear(); // the full name is that of the family, with either style
+    recipe.typographicStyle = "Regular";
+    recipe.instances = {"Medium", "Semi Bold"};
+    folder_.write("fonts/set/upright.ttf", managertest::makeFont(recipe));
+    recipe.typographicStyle = "Italic";
+    recipe.instances = {"Medium Italic"};
+    folder_.write("fonts/set/italic.ttf", managertest::makeFont(recipe));
+    Catalogue catalogue;
+    std::vector<std::string> names;
+    for (const FontKey key : catalogue.faces()) {
+        const FontEntry& entry = *catalogue.entry(key);
+        names.push_back(entry.face.fullName);
+        EXPECT_EQ(catalogue.findByName(entry.face.fullName), key) << entry.face.fullName;
+        EXPECT_EQ(catalogue.resolve(entry.asFace()), key) << entry.face.fullName;
+    }
+    EXPECT_THAT(names, testing::ElementsAre("Quay Italic", "Quay Medium", "Quay Medium Italic",
+                                            "Quay", "Quay Semi Bold"));
 }
 
 TEST(AFoldedName, HasNeitherCaseNorBlanks) {
