@@ -9,9 +9,11 @@ namespace host {
 
 void ConsoleFrontend::showAlert(const Alert& alert) {
     alerts_.push_back(alert);
-    std::string text = alert.title.empty() ? alert.text : alert.title + ": " + alert.text;
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    printLine("alert: " + text);
+    if (alert.kind != AlertKind::About) {
+        std::string text = alert.text;
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        printLine("alert: " + text);
+    }
     if (alertWindow_) {
         alertWindow_(alert);
     }

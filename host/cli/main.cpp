@@ -28,8 +28,8 @@ int run(host::Options options, host::Session::Clock::time_point start) {
             print(host::textOfDocument(document));
         }
     });
-    if (options.selfTest && !json && !options.quiet) {
-        print(host::textOfSelfTest(report));
+    if (!json && !options.quiet) {
+        print(host::textOfAbout(report) + (options.selfTest ? host::textOfSelfTest(report) : ""));
     }
     if (options.verbose) {
         std::cerr << host::textOfCalls(report);

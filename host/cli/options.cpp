@@ -73,16 +73,22 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
     app.set_version_flag("--version", "glyphora-host " GLYPHORA_VERSION);
     app.add_flag("--self-test", options.selfTest, "Load everything and quit");
     declareShared(app, options);
+    app.require_subcommand(0, 1);
+    CLI::App* const about = app.add_subcommand("about", "Show the plug-in's about box");
+    about->add_flag("--headless", options.headless,
+                    "Show no window, even where there is a display");
+    declareShared(*about, options);
     CLI::App* const open = app.add_subcommand("open", "Open drawings and tell of their fonts");
     declareOpen(*open, options);
     declareShared(*open, options);
     try {
         app.parse(argumentCount, arguments);
-        if (!options.selfTest && !open->parsed()) {
-            throw CLI::RequiredError("open FILE... or --self-test");
+        options.about = about->parsed();
+        if (!options.selfTest && app.get_subcommands().empty()) {
+            throw CLI::RequiredError("open FILE..., about or --self-test");
         }
-        if (options.selfTest && open->parsed()) {
-            throw CLI::ExcludesError("--self-test", "open");
+        if (options.selfTest && !app.get_subcommands().empty()) {
+            throw CLI::ExcludesError("--self-test", app.get_subcommands().front()->get_name());
         }
         if (options.save && options.files.size() != 1) {
             throw CLI::ValidationError("--save", "works with one drawing only");

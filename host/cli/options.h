@@ -17,6 +17,7 @@ struct Options {
     std::vector<std::filesystem::path> files;
     std::optional<std::filesystem::path> plugin; ///< else it is looked for
     bool noPlugin = false;
+    bool about = false;    ///< show the plug-in's about box and quit; no files
     bool selfTest = false; ///< load everything and quit; no files
     std::string locale;    ///< such as "de_DE"
     ReportFormat report = ReportFormat::Text;

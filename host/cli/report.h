@@ -55,6 +55,8 @@ struct RunReport {
 
 /// A table of one document's faces, and the dialogs that came.
 [[nodiscard]] std::string textOfDocument(const DocumentReport& document);
+/// The about boxes that plug-ins have shown, a title and a text each.
+[[nodiscard]] std::string textOfAbout(const RunReport& report);
 /// One line on what was loaded.
 [[nodiscard]] std::string textOfSelfTest(const RunReport& report);
 /// The counts of suite calls, one per line.

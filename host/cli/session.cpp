@@ -81,6 +81,9 @@ RunReport Session::run(const Progress& progress) {
     }
     report_.startUpMs = sinceStart();
     report_.fonts = application_.fonts().catalogue().faces().size();
+    if (options_.about && plugin_ != nullptr) {
+        report_.pluginFailed = application_.core().askAbout(*plugin_) != kNoErr;
+    }
     for (const std::filesystem::path& file : options_.files) {
         if (options_.reload && !report_.documents.empty()) {
             reloadPlugin();

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <glib.h>
+#include <sstream>
 #include <string_view>
 
 namespace host {
@@ -149,6 +150,19 @@ std::string textOfDocument(const DocumentReport& document) {
     }
     if (!document.savedAs.empty()) {
         text += "  saved as " + printable(document.savedAs) + "\n";
+    }
+    return text;
+}
+
+std::string textOfAbout(const RunReport& report) {
+    std::string text;
+    for (const Alert& alert : report.alerts) {
+        if (alert.kind == AlertKind::About) {
+            std::istringstream lines(alert.title + "\n" + alert.text);
+            for (std::string line; std::getline(lines, line);) {
+                text += printable(line) + "\n";
+            }
+        }
     }
     return text;
 }

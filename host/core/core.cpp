@@ -127,6 +127,11 @@ SPErr Core::notify(const char* type, void* data) {
     return first;
 }
 
+SPErr Core::askAbout(Plugin& plugin) {
+    SPInterfaceMessage message;
+    return tell(plugin, "SP Interface", "About", message, "\"About\"");
+}
+
 std::size_t Core::runTimers() {
     const std::vector<AITimerHandle> due = timers_.takeDue();
     std::size_t count = 0;

@@ -71,6 +71,8 @@ public:
     /// "AI Notifier"/"AI Notify" to every registration of a type, in order of registration. An
     /// answer other than success is reported as an error; the first such answer is returned.
     SPErr notify(const char* type, void* data = nullptr);
+    /// "SP Interface"/"About"; gives the plug-in's answer, and reports one other than success.
+    SPErr askAbout(Plugin& plugin);
     /// "AI Timer"/"AI Go" for each timer that is due. Says how many were.
     std::size_t runTimers();
     /// "AI Menu"/"AI Go" for a chosen item, or "AI Update" before one is shown.

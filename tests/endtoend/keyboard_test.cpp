@@ -95,6 +95,14 @@ TEST_F(AKeyboard, DoesAllThatTheDialogsOffer) {
     EXPECT_EQ(faces["Quay Stencil"]["after"], "replaced");
 }
 
+TEST_F(AKeyboard, ClosesTheAboutBox) {
+    auto shown = std::async(std::launch::async, [&] {
+        return world_.run({GLYPHORA_HOST, "about", "--plugin", GLYPHORA_BUNDLE});
+    });
+    press("About Glyphora", {"Return"});
+    EXPECT_EQ(shown.get().status, 0);
+}
+
 } // namespace
 
 } // namespace endtoend

@@ -117,6 +117,18 @@ TEST_F(AnOpenedDrawing, OpensTheOthersWhenOneIsBad) {
     expectStates(outcome, 1, {{"DejaVu Serif", "missing > activated now"}});
 }
 
+TEST(AnAboutBox, IsPrintedWithoutADisplay) {
+    World world;
+    const Outcome outcome =
+        world.run({GLYPHORA_HOST, "about", "--headless", "--plugin", GLYPHORA_BUNDLE});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output,
+              "About Glyphora\n"
+              "Glyphora finds the fonts that a document needs and you do not have at hand, and has "
+              "them activated by the Glyphora font manager.\n\nMIT License\n");
+    EXPECT_EQ(outcome.errors, "");
+}
+
 } // namespace
 
 } // namespace endtoend

@@ -90,6 +90,9 @@ TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {
         {"open", "a.svg", "--misbehave", "missing-suite=AI Font Suite"},
         {"open", "a.svg", "--misbehave", "failing-call=AddTimer:0"},
         {"open", "a.svg", "--misbehave", "failing-call=AddTimer:OOPS:x"},
+        {"about", "--no-plugin"},
+        {"about", "open", "a.svg"},
+        {"--self-test", "about"},
         {"--self-test", "open", "a.svg"}};
     for (const auto& arguments : wrong) {
         status = -1;

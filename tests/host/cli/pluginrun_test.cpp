@@ -175,6 +175,13 @@ TEST_F(ARun, CanBeASelfTest) {
     EXPECT_EQ(run({"--self-test", "--plugin", bundle("noentry")}).status, 3);
 }
 
+TEST_F(ARun, FailsWhenThePluginRefusesToTellAboutItself) {
+    letMisbehave("About");
+    const ProgramResult result = run({"about", "--plugin", bundle("misbehaving")});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.errors, HasSubstr("answered \"About\" with error 'OOPS'"));
+}
+
 TEST_F(ARun, CanMisbehaveOnPurpose) {
     const std::string drawing = goodDrawing();
     const ProgramResult result = run({"open", "--plugin", bundle("wellbehaved"), "--misbehave",

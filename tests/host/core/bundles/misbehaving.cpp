@@ -105,8 +105,8 @@ PluginMain(const char* caller, const char* selector, void* message) {
     if (std::string_view(selector) == "Startup") {
         return startUp(data);
     }
-    if (std::string_view(caller) == "SP Access" && doesWrong(selector)) {
-        return FourChars("OOPS"); // "Unload" or "Reload"
+    if (std::string_view(caller).substr(0, 3) == "SP " && doesWrong(selector)) {
+        return FourChars("OOPS"); // "Unload", "Reload" or "About"
     }
     return std::string_view(caller) == "AI Notifier" ? notified(data) : kNoErr;
 }
