@@ -30,6 +30,9 @@ SPErr Dialogs::create(Plugin& plugin, const char* name, std::int32_t layoutID,
         core_.frontend().reportError(problem.what());
         return kBadParameterErr;
     }
+    if (beforeCreate_) {
+        beforeCreate_();
+    }
     const ADMDialogRef handle =
         dialogs_.add(std::make_unique<Dialog>(plugin.number(), name, std::move(layout)));
     Dialog& dialog = **dialogs_.find(handle);

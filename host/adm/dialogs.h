@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -65,6 +66,8 @@ public:
     /// Who shows the dialogs from now on; nullptr for nobody: a modal run ends then at once,
     /// cancelled. `view` outlives its last modal run.
     void setView(DialogView* view) noexcept { view_ = view; }
+    /// Done before each dialog is made, so that what its plug-in then asks the host for is fresh.
+    void setBeforeCreate(std::function<void()> routine) { beforeCreate_ = std::move(routine); }
     const TextMetrics& metrics() const noexcept;
     Core& core() noexcept { return core_; }
     /// The dialogs that run, innermost last.
@@ -149,6 +152,7 @@ private:
 
     Core& core_;
     DialogView* view_ = nullptr;
+    std::function<void()> beforeCreate_;
     FixedMetrics fixedMetrics_;
     std::vector<Dialog*> running_;
     Timers timers_;

@@ -14,6 +14,8 @@ Application::Application(Frontend& frontend, ApplicationOptions options)
     provideArtSuites(core_.suites());
     provideFontSuite(core_.suites());
     provideTextSuites(core_.suites());
+    // A dialog that offers fonts offers those, too, that were activated a moment ago.
+    dialogs_.setBeforeCreate([this] { refreshFonts(); });
 }
 
 Plugin& Application::loadPlugin(const std::filesystem::path& bundle) {

@@ -105,6 +105,18 @@ TEST_F(ADialogOfMissingFonts, ReplacesWhatIsSelected) {
     EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U) << "what was saved has one family";
 }
 
+TEST_F(ADialogOfMissingFonts, ReplacesByAFontThatItHasJustActivated) {
+    const Outcome outcome = answer("expand DejaVu Sans Mono\nselect archive\npress 5\n"
+                                   "wait for news\nselect Quay Stencil\npress 6\n"
+                                   "choose DejaVu Sans Mono\npress 1\npress 1\n",
+                                   {"Quay Stencil", "DejaVu Sans Mono"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    auto faces = facesOf(outcome);
+    EXPECT_EQ(faces["Quay Stencil"]["after"], "replaced");
+    EXPECT_EQ(faces["DejaVu Sans Mono"]["after"], "activated now");
+    EXPECT_EQ(facesOf(world_.list(saved_)).size(), 1U);
+}
+
 TEST_F(ADialogOfMissingFonts, HasItsReplacementsTakenBackBeforeItIsSaved) {
     const std::string script = "select Quay Stencil\npress 6\nchoose DejaVu Sans Bold\npress 1\n"
                                "press 1\nundo\n";
