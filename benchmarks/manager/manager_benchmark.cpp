@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A library of 100,000 faces: look-up of 1,000 names, a reply of 1,000 fonts; and the scan of the
 // machine's own fonts, first and again.
+#include "faces/namekey.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/exchange.h"
 #include "manager/library/update.h"
@@ -46,8 +47,8 @@ void fill(Database& database) {
         const std::string familyName = "Family " + std::to_string(family - 1);
         const std::string style = "Style " + std::to_string(i % facesPerFamily);
         const std::string folder = "/fonts/foundry" + std::to_string(family % 500);
-        const std::string key = nameKey(familyName);
-        const std::string styleKey = nameKey(style);
+        const std::string key = faces::nameKey(familyName);
+        const std::string styleKey = faces::nameKey(style);
         const std::string path = folder + "/" + std::to_string(i) + ".otf";
         const std::string psName = postScriptName(i);
         if (i % facesPerFamily == 0) {

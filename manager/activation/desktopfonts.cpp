@@ -2,7 +2,7 @@
 // Reload, and what came of it.
 #include "manager/activation/desktopfonts.h"
 
-#include "manager/library/fontpattern.h"
+#include "faces/fontpattern.h"
 
 #include <functional>
 #include <memory>
@@ -43,7 +43,7 @@ bool isFontFolder(const std::string& folder) {
 std::set<std::string> visibleFontFiles(const std::string& root) {
     std::set<std::string> paths;
     forEachFace([&](const FcPattern* face) {
-        if (std::string path = textOf(face, FC_FILE, 0); path.starts_with(root)) {
+        if (std::string path = faces::textOf(face, FC_FILE, 0); path.starts_with(root)) {
             paths.insert(std::move(path));
         }
     });
@@ -54,10 +54,10 @@ void DesktopFaces::load() {
     reloadDesktopFonts();
     faces_.emplace();
     forEachFace([this](const FcPattern* face) {
-        std::string name = textOf(face, FC_POSTSCRIPT_NAME, 0);
-        const auto type = typeOf(face);
+        std::string name = faces::textOf(face, FC_POSTSCRIPT_NAME, 0);
+        const auto type = faces::technologyOf(face);
         if (!name.empty() && type) {
-            (*faces_)[std::move(name)].push_back({textOf(face, FC_FILE, 0), *type});
+            (*faces_)[std::move(name)].push_back({faces::textOf(face, FC_FILE, 0), *type});
         }
     });
 }

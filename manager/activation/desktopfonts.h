@@ -2,7 +2,7 @@
 // fontconfig as the desktop's programs use it.
 #pragma once
 
-#include "manager/library/fontfile.h"
+#include "faces/face.h"
 
 #include <optional>
 #include <set>
@@ -26,7 +26,7 @@ void reloadDesktopFonts();
 /// A face that the desktop shows.
 struct DesktopFace {
     std::string file;
-    FontType type = FontType::TrueType;
+    faces::Technology type = faces::Technology::TrueType;
 };
 
 /// The desktop's faces by PostScript name, whoever put them there, as a program gets them that

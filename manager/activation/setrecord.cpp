@@ -3,9 +3,9 @@
 // "leaving" line for one that is to go.
 #include "manager/activation/setrecord.h"
 
+#include "faces/namekey.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
-#include "manager/library/fontfile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -75,7 +75,7 @@ std::string libraryFolder(const SetRecord& record) {
 
 bool isSetOf(const SetRecord& record, std::string_view name, std::string_view folder) {
     // Case and blanks may change with the file that a family takes its name from.
-    return nameKey(record.name) == nameKey(name) && libraryFolder(record) == folder;
+    return faces::nameKey(record.name) == faces::nameKey(name) && libraryFolder(record) == folder;
 }
 
 std::vector<ContainerId> setsIn(const std::string& root) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Activation by hand, through the same folders on disk that the server uses.
 #include "manager/cli/activationops.h"
+#include "faces/namekey.h"
 
 #include "manager/activation/activation.h"
 #include "manager/cli/announce.h"
@@ -59,7 +60,7 @@ std::vector<ContainerId> resolveActive(const Places& places, const Activation& a
     }
     std::vector<ContainerId> ids;
     for (const ActiveContainer& container : activation.active(warn)) {
-        if (nameKey(container.name) == nameKey(name)) {
+        if (faces::nameKey(container.name) == faces::nameKey(name)) {
             ids.push_back(container.id);
         }
     }

@@ -2,9 +2,9 @@
 // inotify watches, one per folder.
 #include "manager/cli/folderwatch.h"
 
+#include "faces/fontfile.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
-#include "manager/library/fontfile.h"
 
 #include <algorithm>
 #include <array>
@@ -173,7 +173,7 @@ bool FolderWatch::isOfInterest(const Interest& interest, std::uint32_t events,
     if (!interest.contents || name.front() == '.') {
         return false;
     }
-    if ((events & IN_ISDIR) != 0 || hasFontFileName(name)) {
+    if ((events & IN_ISDIR) != 0 || faces::hasFontFileName(name)) {
         return true;
     }
     // Left are links to folders.

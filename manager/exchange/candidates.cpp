@@ -9,28 +9,28 @@ namespace manager {
 
 namespace {
 
-int typeRank(FontType type) {
+int typeRank(faces::Technology type) {
     switch (type) {
-    case FontType::OpenTypePostScript:
-    case FontType::OpenTypeTrueType:
+    case faces::Technology::OpenTypePostScript:
+    case faces::Technology::OpenTypeTrueType:
         return 0;
-    case FontType::TrueType:
+    case faces::Technology::TrueType:
         return 1;
-    case FontType::Type1:
+    case faces::Technology::Type1:
         break;
     }
     return 2;
 }
 
-const char* technology(FontType type) {
+const char* technology(faces::Technology type) {
     switch (type) {
-    case FontType::Type1:
+    case faces::Technology::Type1:
         return "PostScript";
-    case FontType::TrueType:
+    case faces::Technology::TrueType:
         return "TrueType";
-    case FontType::OpenTypePostScript:
+    case faces::Technology::OpenTypePostScript:
         return "OpenType PostScript";
-    case FontType::OpenTypeTrueType:
+    case faces::Technology::OpenTypeTrueType:
         break;
     }
     return "OpenType TrueType";

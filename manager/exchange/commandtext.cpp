@@ -18,11 +18,11 @@ constexpr std::array<std::pair<std::string_view, CommandKind>, 4> commandWords =
     {"buyRequest", CommandKind::BuyRequest},
 }};
 
-constexpr std::array<std::pair<std::string_view, FontType>, 4> typeKeywords = {{
-    {"T1", FontType::Type1},
-    {"TT", FontType::TrueType},
-    {"OT_T1", FontType::OpenTypePostScript},
-    {"OT_TT", FontType::OpenTypeTrueType},
+constexpr std::array<std::pair<std::string_view, faces::Technology>, 4> typeKeywords = {{
+    {"T1", faces::Technology::Type1},
+    {"TT", faces::Technology::TrueType},
+    {"OT_T1", faces::Technology::OpenTypePostScript},
+    {"OT_TT", faces::Technology::OpenTypeTrueType},
 }};
 
 struct Element {
@@ -128,7 +128,7 @@ private:
         }
     }
 
-    [[nodiscard]] std::optional<FontType> fontType(std::string_view keyword) const {
+    [[nodiscard]] std::optional<faces::Technology> fontType(std::string_view keyword) const {
         for (const auto& [text, type] : typeKeywords) {
             if (text == keyword) {
                 return type;
@@ -218,7 +218,7 @@ Command parseCommand(std::string_view text) {
     return CommandReader(text).read();
 }
 
-std::string_view typeKeyword(FontType type) {
+std::string_view typeKeyword(faces::Technology type) {
     for (const auto& [text, value] : typeKeywords) {
         if (value == type) {
             return text;

@@ -4,8 +4,8 @@
 // and a lone closing tag ends the text. So it is read by lines.
 #pragma once
 
+#include "faces/face.h"
 #include "manager/library/error.h"
-#include "manager/library/fontfile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace manager {
 struct CommandFont {
     std::optional<std::string> syncId;
     std::optional<std::string> postScriptName;
-    std::optional<FontType> type; ///< nullopt: any
+    std::optional<faces::Technology> type; ///< nullopt: any
     std::optional<std::string> familyName;
     std::optional<std::string> styleName;
     std::optional<std::string> containerId;
@@ -56,6 +56,6 @@ private:
 [[nodiscard]] Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").
-[[nodiscard]] std::string_view typeKeyword(FontType type);
+[[nodiscard]] std::string_view typeKeyword(faces::Technology type);
 
 } // namespace manager

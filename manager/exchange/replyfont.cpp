@@ -13,7 +13,7 @@ void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Ca
         reply.element("syncID", *asked.syncId);
     }
     // Of a font that nobody holds the type is not known, unless the command told it.
-    const std::optional<FontType> type =
+    const std::optional<faces::Technology> type =
         found.empty() ? asked.type : std::optional(found.front().face.type);
     if (type) {
         reply.element("type", typeKeyword(*type));

@@ -18,17 +18,20 @@ constexpr std::string_view lastingWord = "lasting";
 constexpr std::string_view passingWord = "passing";
 
 // Fields of a face, read or refused.
-bool readFace(std::vector<std::string>& fields, FontFileContents& contents) {
+bool readFace(std::vector<std::string>& fields, faces::FontFileContents& contents) {
     const auto index = toNumber<std::uint32_t>(fields[1]);
     const auto type = toNumber<std::uint8_t>(fields[2]);
-    if (!index || !type || *type > static_cast<std::uint8_t>(FontType::OpenTypeTrueType)) {
+    if (!index || !type || *type > static_cast<std::uint8_t>(faces::Technology::OpenTypeTrueType)) {
         return false;
     }
-    contents.faces.push_back({*index, static_cast<FontType>(*type), std::move(fields[3]), {}});
+    faces::Face& face = contents.faces.emplace_back();
+    face.index = *index;
+    face.technology = static_cast<faces::Technology>(*type);
+    face.postScriptName = std::move(fields[3]);
     return true;
 }
 
-bool readLine(std::vector<std::string>& fields, FontFileContents& contents) {
+bool readLine(std::vector<std::string>& fields, faces::FontFileContents& contents) {
     const std::string& kind = fields.front();
     if (kind == "file" && fields.size() == 2) {
         contents.collection = fields[1] == "1";
@@ -38,7 +41,7 @@ bool readLine(std::vector<std::string>& fields, FontFileContents& contents) {
         return readFace(fields, contents);
     }
     if (kind == "name" && fields.size() == 3 && !contents.faces.empty()) {
-        contents.faces.back().names.push_back({std::move(fields[1]), std::move(fields[2])});
+        contents.faces.back().names.push_back({std::move(fields[1]), std::move(fields[2]), {}});
         return true;
     }
     return false;
@@ -51,12 +54,13 @@ std::string encodeAnswer(const FontFileOutcome& outcome) {
         const std::string_view word = problem->lasting ? lastingWord : passingWord;
         return joinFields({"problem", word, problem->text}) + "\n";
     }
-    const auto& contents = std::get<FontFileContents>(outcome);
+    const auto& contents = std::get<faces::FontFileContents>(outcome);
     std::string text = joinFields({"file", contents.collection ? "1" : "0"});
-    for (const FaceRecord& face : contents.faces) {
-        text += joinFields({"face", std::to_string(face.index),
-                            std::to_string(static_cast<int>(face.type)), face.postScriptName});
-        for (const FaceName& name : face.names) {
+    for (const faces::Face& face : contents.faces) {
+        text +=
+            joinFields({"face", std::to_string(face.index),
+                        std::to_string(static_cast<int>(face.technology)), face.postScriptName});
+        for (const faces::Name& name : face.names) {
             text += joinFields({"name", name.family, name.style});
         }
     }
@@ -68,7 +72,7 @@ std::optional<FontFileOutcome> decodeAnswer(std::string_view answer) {
         return std::nullopt;
     }
     answer.remove_suffix(1);
-    FontFileContents contents;
+    faces::FontFileContents contents;
     for (const std::string_view line : splitLines(answer)) {
         auto fields = splitFields(line);
         if (!fields) {
@@ -82,7 +86,7 @@ std::optional<FontFileOutcome> decodeAnswer(std::string_view answer) {
         }
     }
     const bool named = std::all_of(contents.faces.begin(), contents.faces.end(),
-                                   [](const FaceRecord& face) { return !face.names.empty(); });
+                                   [](const faces::Face& face) { return !face.names.empty(); });
     if (contents.faces.empty() || !named) {
         return std::nullopt;
     }

@@ -75,7 +75,7 @@ void limitMemory(std::size_t bytes) {
             answer = encodeAnswer(read(path));
         } catch (const std::bad_alloc&) {
             answer = encodeAnswer(FontFileProblem{path + ": reading it takes too much memory"});
-        } catch (const UnreadableNow& problem) {
+        } catch (const faces::UnreadableNow& problem) {
             answer = encodeAnswer(FontFileProblem{problem.what()});
         } catch (const std::exception& problem) {
             answer = encodeAnswer(FontFileProblem{problem.what(), true});

@@ -3,7 +3,7 @@
 // and can take nothing with it but its own reader.
 #pragma once
 
-#include "manager/library/fontfile.h"
+#include "faces/fontfile.h"
 
 #include <chrono>
 #include <cstddef>
@@ -19,7 +19,7 @@ struct FontFileProblem {
     std::string text;     ///< "PATH: ..."
     bool lasting = false; ///< it lies in the file: as long as that is the same, so is this
 };
-using FontFileOutcome = std::variant<FontFileContents, FontFileProblem>;
+using FontFileOutcome = std::variant<faces::FontFileContents, FontFileProblem>;
 
 struct FontReaderLimits {
     unsigned processes = 2;
@@ -27,8 +27,9 @@ struct FontReaderLimits {
     std::size_t memory = std::size_t{2} << 30U; ///< bytes of address space of a reader
 };
 
-/// [main-thread] Run in a reader's process for one file; readFontFile, unless a test wants worse.
-using FontFileFunction = std::function<FontFileContents(const std::string& path)>;
+/// [main-thread] Run in a reader's process for one file; faces::readFontFile, unless a test wants
+/// worse.
+using FontFileFunction = std::function<faces::FontFileContents(const std::string& path)>;
 /// [main-thread] Told of each file once, in no order; `position` is the file's place in the list.
 using FontFileReceiver = std::function<void(std::size_t position, FontFileOutcome outcome)>;
 
@@ -36,6 +37,7 @@ using FontFileReceiver = std::function<void(std::size_t position, FontFileOutcom
 /// that says so, and is replaced. Forks: to be called while the process has no other thread
 /// and no connection to a bus. Throws Error when no process can be made.
 void readFontFiles(std::span<const std::string> paths, const FontReaderLimits& limits,
-                   const FontFileReceiver& receive, const FontFileFunction& read = readFontFile);
+                   const FontFileReceiver& receive,
+                   const FontFileFunction& read = faces::readFontFile);
 
 } // namespace manager

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The statements that write files, containers, faces and names.
 #include "manager/library/indexwriter.h"
+#include "faces/namekey.h"
 
 #include "manager/library/places.h"
 #include "manager/library/stylewords.h"
@@ -42,20 +43,21 @@ void IndexWriter::write(const FoundFile& file, const FontFileOutcome& outcome) {
         addFile_.bindNull(5).bind(6, problem->text).run();
         return;
     }
-    const auto& contents = std::get<FontFileContents>(outcome);
+    const auto& contents = std::get<faces::FontFileContents>(outcome);
     const std::int64_t container = containerOf(file.path, contents);
     addFile_.bind(5, container).bindNull(6).run();
     const std::int64_t id = database_.lastRow();
-    for (const FaceRecord& face : contents.faces) {
+    for (const faces::Face& face : contents.faces) {
         writeFace(id, container, face);
     }
 }
 
-std::int64_t IndexWriter::containerOf(const std::string& path, const FontFileContents& contents) {
+std::int64_t IndexWriter::containerOf(const std::string& path,
+                                      const faces::FontFileContents& contents) {
     const std::string folder = folderOf(path);
     const std::string file = contents.collection ? nameOf(path) : std::string();
     const std::string& family = contents.faces.front().names.front().family;
-    const std::string key = contents.collection ? std::string() : nameKey(family);
+    const std::string key = contents.collection ? std::string() : faces::nameKey(family);
     const StatementUse use(findContainer_);
     findContainer_.bind(1, folder).bind(2, file).bind(3, key);
     if (findContainer_.step()) {
@@ -70,14 +72,14 @@ std::int64_t IndexWriter::containerOf(const std::string& path, const FontFileCon
     return database_.lastRow();
 }
 
-void IndexWriter::writeFace(std::int64_t file, std::int64_t container, const FaceRecord& face) {
+void IndexWriter::writeFace(std::int64_t file, std::int64_t container, const faces::Face& face) {
     addFace_.bind(1, file).bind(2, container).bind(3, std::int64_t{face.index});
-    addFace_.bind(4, static_cast<std::int64_t>(face.type)).bind(5, face.postScriptName);
+    addFace_.bind(4, static_cast<std::int64_t>(face.technology)).bind(5, face.postScriptName);
     addFace_.bind(6, face.names.front().family).bind(7, face.names.front().style).run();
     const std::int64_t id = database_.lastRow();
-    for (const FaceName& name : face.names) {
-        const std::string familyKey = nameKey(name.family);
-        const std::string styleKey = nameKey(name.style);
+    for (const faces::Name& name : face.names) {
+        const std::string familyKey = faces::nameKey(name.family);
+        const std::string styleKey = faces::nameKey(name.style);
         for (const std::string& style : {styleKey, styleForm(styleKey)}) {
             addName_.bind(1, familyKey).bind(2, style).bind(3, id).run();
         }

@@ -23,8 +23,8 @@ public:
     void write(const FoundFile& file, const FontFileOutcome& outcome);
 
 private:
-    std::int64_t containerOf(const std::string& path, const FontFileContents& contents);
-    void writeFace(std::int64_t file, std::int64_t container, const FaceRecord& face);
+    std::int64_t containerOf(const std::string& path, const faces::FontFileContents& contents);
+    void writeFace(std::int64_t file, std::int64_t container, const faces::Face& face);
 
     Database& database_;
     Statement removeFile_;

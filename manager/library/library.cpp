@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Questions to the index, and its repair.
 #include "manager/library/library.h"
+#include "faces/namekey.h"
 
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
@@ -31,7 +32,7 @@ Database openPrepared(const Places& places, const TableFiller& fill, MissingFile
 void keepKnown(Database& database, const KnownContainers& known) {
     for (const auto& [id, name, folder, file] : known ? known() : std::vector<KnownContainer>()) {
         keepContainer(database, {static_cast<std::int64_t>(id), folder, file,
-                                 file.empty() ? nameKey(name) : std::string(), name});
+                                 file.empty() ? faces::nameKey(name) : std::string(), name});
     }
 }
 
@@ -44,7 +45,7 @@ std::vector<FaceMatch> matches(Statement& statement) {
     std::vector<FaceMatch> found;
     while (statement.step()) {
         found.push_back({static_cast<ContainerId>(statement.number(0)),
-                         static_cast<FontType>(statement.number(1)), statement.text(2),
+                         static_cast<faces::Technology>(statement.number(1)), statement.text(2),
                          statement.text(3), statement.text(4), nameOf(statement.text(5))});
     }
     return found;
@@ -116,13 +117,13 @@ std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
 
 std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
                                                      std::string_view style) {
-    const std::string familyKey = nameKey(family);
+    const std::string familyKey = faces::nameKey(family);
     const auto find = [&](std::string_view styleKey) {
         const StatementUse use(byName_);
         byName_.bind(1, familyKey).bind(2, styleKey);
         return matches(byName_);
     };
-    const std::string styleKey = nameKey(style);
+    const std::string styleKey = faces::nameKey(style);
     std::vector<FaceMatch> found = find(styleKey);
     if (found.empty()) {
         found = find(styleForm(styleKey));
@@ -173,7 +174,7 @@ std::vector<Container> Library::containers() {
 }
 
 std::vector<ContainerId> Library::findContainers(std::string_view name) {
-    const std::string key = nameKey(name);
+    const std::string key = faces::nameKey(name);
     Statement statement(database_, "SELECT DISTINCT face.container FROM name "
                                    "JOIN face ON face.id = name.face WHERE name.family_key = ? "
                                    "ORDER BY face.container");

@@ -3,8 +3,8 @@
 // copy, so that what one process changes the others see at their next question.
 #pragma once
 
+#include "faces/face.h"
 #include "manager/library/database.h"
-#include "manager/library/fontfile.h"
 #include "manager/library/places.h"
 #include "manager/library/schema.h"
 #include "manager/library/walk.h"
@@ -31,7 +31,7 @@ inline std::string toText(ContainerId id) {
 /// One face that a look-up found.
 struct FaceMatch {
     ContainerId container{};
-    FontType type = FontType::TrueType;
+    faces::Technology type = faces::Technology::TrueType;
     std::string postScriptName;
     std::string familyName;
     std::string styleName;

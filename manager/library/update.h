@@ -35,6 +35,6 @@ using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
 /// each time. Throws Error.
 UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
                            const FontReaderLimits& limits, const UpdateProgress& progress = {},
-                           const FontFileFunction& read = readFontFile);
+                           const FontFileFunction& read = faces::readFontFile);
 
 } // namespace manager

@@ -2,8 +2,8 @@
 // Walks folder trees without recursion.
 #include "manager/library/walk.h"
 
+#include "faces/fontfile.h"
 #include "manager/library/error.h"
-#include "manager/library/fontfile.h"
 #include "manager/library/places.h"
 
 #include <algorithm>
@@ -118,7 +118,7 @@ private:
     }
 
     void look(const Place& place, int directory, const dirent& entry) {
-        const bool fontName = hasFontFileName(entry.d_name);
+        const bool fontName = faces::hasFontFileName(entry.d_name);
         if (entry.d_type == DT_REG && !fontName) {
             return;
         }

@@ -20,6 +20,7 @@
 
 using namespace manager;
 using namespace managertest;
+using namespace testsupport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -14,6 +14,7 @@
 
 using namespace manager;
 using namespace managertest;
+using namespace testsupport;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "manager/activation/activation.h"
-#include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
+#include "tests/support/fontmaker.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -29,7 +29,7 @@ protected:
     ~AnActivation() override { FcFini(); }
 
     void addFont(const std::string& file, const std::string& name) {
-        sandbox_.write(file, makeFont({name, "Regular", name}));
+        sandbox_.write(file, testsupport::makeFont({name, "Regular", name}));
     }
     manager::ContainerFonts fonts(const std::vector<std::string>& files = {"one.ttf", "two.ttf"}) {
         manager::ContainerFonts result{container, "Both", {}};

@@ -41,7 +41,7 @@ TEST(ACommand, IsReadByLinesWithItsValuesAsTheyStand) {
     EXPECT_EQ(command.targetClass, "FILC");
     ASSERT_THAT(command.fonts, SizeIs(2));
     EXPECT_EQ(command.fonts[0].syncId, "a <b> & c</syncID>");
-    EXPECT_EQ(command.fonts[0].type, FontType::OpenTypePostScript);
+    EXPECT_EQ(command.fonts[0].type, faces::Technology::OpenTypePostScript);
     EXPECT_EQ(command.fonts[0].familyName, "M\xC3\xBCller & S\xC3\xB6hne");
     EXPECT_EQ(command.fonts[0].styleName, "");
     EXPECT_EQ(command.fonts[0].containerId, std::nullopt);

@@ -4,9 +4,9 @@
 
 #include "manager/exchange/exchange.h"
 #include "manager/library/update.h"
-#include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
 #include "tests/support/foldedreply.h"
+#include "tests/support/fontmaker.h"
 
 #include <fontconfig/fontconfig.h>
 #include <gmock/gmock.h>
@@ -29,8 +29,8 @@ protected:
     }
     ~AnExchange() override { FcFini(); }
 
-    void add(const std::string& path, const FontRecipe& recipe) {
-        sandbox_.write(path, makeFont(recipe));
+    void add(const std::string& path, const testsupport::FontRecipe& recipe) {
+        sandbox_.write(path, testsupport::makeFont(recipe));
     }
     void scan() {
         manager::updateLibrary(library_, std::vector{sandbox_.library()},

@@ -20,7 +20,7 @@ namespace {
 class AFontReader : public testing::Test {
 protected:
     // What each file does to its reader is told by its name.
-    static FontFileContents behave(const std::string& path) {
+    static faces::FontFileContents behave(const std::string& path) {
         if (path == "crash") {
             std::signal(SIGSEGV, SIG_DFL);
             raise(SIGSEGV);
@@ -32,7 +32,7 @@ protected:
             throw std::bad_alloc();
         }
         if (path == "closed") {
-            throw UnreadableNow("closed: no permission");
+            throw faces::UnreadableNow("closed: no permission");
         }
         if (path == "hang") {
             for (;;) {
@@ -46,15 +46,26 @@ protected:
             throw Error("refuse: line 1:\tbad\nthing\\");
         }
         if (path == "nameless") {
-            return {false, {{0, FontType::Type1, "X", {}}}};
+            return {false, {face(0, faces::Technology::Type1, "X", {})}};
         }
         return good(path);
     }
 
-    static FontFileContents good(const std::string& path) {
+    static faces::Face face(std::uint32_t index, faces::Technology technology, std::string name,
+                            std::vector<faces::Name> names) {
+        faces::Face face;
+        face.index = index;
+        face.technology = technology;
+        face.postScriptName = std::move(name);
+        face.names = std::move(names);
+        return face;
+    }
+
+    static faces::FontFileContents good(const std::string& path) {
         return {true,
-                {{65537, FontType::OpenTypePostScript, path, {{"A\tB", ""}, {"C\\D", "E\nF"}}},
-                 {1, FontType::Type1, "", {{"Ä", "Ö"}}}}};
+                {face(65537, faces::Technology::OpenTypePostScript, path,
+                      {{"A\tB", "", {}}, {"C\\D", "E\nF", {}}}),
+                 face(1, faces::Technology::Type1, "", {{"Ä", "Ö", {}}})}};
     }
 
     std::map<std::string, FontFileOutcome> read(const std::vector<std::string>& paths) {
@@ -83,8 +94,8 @@ protected:
 TEST_F(AFontReader, HandsEverythingOverAsItWasRead) {
     const auto outcomes = read({"one", "two", "refuse", "three"});
     for (const char* path : {"one", "two", "three"}) {
-        ASSERT_TRUE(std::holds_alternative<FontFileContents>(outcomes.at(path)));
-        EXPECT_EQ(std::get<FontFileContents>(outcomes.at(path)), good(path));
+        ASSERT_TRUE(std::holds_alternative<faces::FontFileContents>(outcomes.at(path)));
+        EXPECT_EQ(std::get<faces::FontFileContents>(outcomes.at(path)), good(path));
     }
     EXPECT_EQ(problem(outcomes.at("refuse")), "refuse: line 1:\tbad\nthing\\");
 }

@@ -2,8 +2,8 @@
 // The index: containers, look-up, incremental scans, damage.
 #include "manager/library/error.h"
 #include "manager/library/update.h"
-#include "tests/manager/fontmaker.h"
 #include "tests/manager/sandbox.h"
+#include "tests/support/fontmaker.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -16,6 +16,7 @@
 
 using namespace manager;
 using namespace managertest;
+using namespace testsupport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -224,9 +225,9 @@ TEST_F(ALibrary, TriesAgainWhatMayHavePassed) {
     const auto scanThroughGate = [&] {
         const auto read = [&](const std::string& path) {
             if (!std::filesystem::exists(gate)) {
-                throw UnreadableNow(path + ": closed");
+                throw faces::UnreadableNow(path + ": closed");
             }
-            return readFontFile(path);
+            return faces::readFontFile(path);
         };
         return updateLibrary(*library_, std::vector{sandbox_.library()}, FontReaderLimits{}, {},
                              read);

@@ -3,11 +3,11 @@
 // end it.
 #include "platform/notify.h"
 #include "platform/processes.h"
-#include "tests/manager/fontmaker.h"
 #include "tests/manager/programrun.h"
 #include "tests/manager/sandbox.h"
 #include "tests/platform/events.h"
 #include "tests/support/foldedreply.h"
+#include "tests/support/fontmaker.h"
 #include "tests/support/privatebus/privatebus.h"
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 using namespace managertest;
+using namespace testsupport;
 using testing::IsEmpty;
 using testsupport::ReplyNode;
 

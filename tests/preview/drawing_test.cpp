@@ -2,7 +2,7 @@
 // What pictures show: told by comparing them with each other, so that no version of a library
 // matters.
 #include "preview/drawing/draw.h"
-#include "tests/manager/fontmaker.h"
+#include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
@@ -100,7 +100,7 @@ TEST_F(ALine, TellsEachCharacterThatTheFaceLacksOnce) {
 }
 
 TEST_F(ALine, IsOfTheFaceAndTheInstanceAndThePlacesThatWereAskedFor) {
-    const std::string variable = write(managertest::makeCollection(
+    const std::string variable = write(testsupport::makeCollection(
         {{.family = "Plain"}, {.family = "Variable", .instances = {"Medium", "Demi"}}}));
     const auto width = [&](std::uint32_t face, std::vector<AxisValue> axes = {}) {
         return picture({.file = variable, .face = face, .axes = std::move(axes), .text = "HHHHH"})
@@ -125,7 +125,7 @@ TEST_F(ALine, IsInColourWhereTheFaceIsAndOfTheSizeThatWasAskedFor) {
         "\x54\x78\xda\x63\xf8\xdf\xc0\xf0\x9f\x12\xcc\x30\x6a\xc0\xa8\x01\xa3\x06\x0c\x17"
         "\x03\x00\x80\x00\x7e\x1f\xe1\xca\xab\xd5\x00\x00\x00\x00\x49\x45\x4e\x44\xae\x42"
         "\x60\x82"sv;
-    const std::string font = write(managertest::makeFont({.png = std::string(orange)}));
+    const std::string font = write(testsupport::makeFont({.png = std::string(orange)}));
     for (const std::uint32_t pixels : {8U, 16U, 40U}) {
         const Picture drawn = picture({.file = font, .text = "A", .pixels = pixels});
         EXPECT_EQ(drawn.form, PixelForm::Colour);
@@ -137,7 +137,7 @@ TEST_F(ALine, IsInColourWhereTheFaceIsAndOfTheSizeThatWasAskedFor) {
 }
 
 TEST_F(ALine, OfABrokenFontIsAPictureOrAProblemThatNamesTheFile) {
-    const std::string whole = managertest::makeFont({.instances = {"Medium"}});
+    const std::string whole = testsupport::makeFont({.instances = {"Medium"}});
     for (std::size_t i = 0; i < whole.size(); i += 61) {
         std::string flipped = whole;
         flipped[i] = static_cast<char>(~flipped[i]);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The process that draws, as windows use it: order, cancelling, keeping, and what it survives.
 #include "preview/previewer.h"
-#include "tests/manager/fontmaker.h"
+#include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
@@ -58,7 +58,7 @@ protected:
 };
 
 TEST_F(APreview, ComesFromTheProgram) {
-    folder_.write("font", managertest::makeFont({}));
+    folder_.write("font", testsupport::makeFont({}));
     Previewer previewer({.program = GLYPHORA_PREVIEW, .timePerLine = patience});
     const SharedAnswer drawn = answer(previewer, say("HAMBURG\u6F22"));
     EXPECT_EQ(drawn->problem, "");

@@ -2,7 +2,7 @@
 // The desktop's fonts through fontconfig, in a small font world of the test's own: its fonts are
 // hard copies of what the desktop has of one well-known family, and some made for a test.
 #include "host/fonts/catalogue.h"
-#include "tests/manager/fontmaker.h"
+#include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
@@ -106,15 +106,15 @@ TEST_F(APrivateFontWorld, PassesOverFilesThatAreNoFonts) {
 }
 
 TEST_F(APrivateFontWorld, TellsTheInstancesOfVariableFontsApart) {
-    managertest::FontRecipe recipe;
+    testsupport::FontRecipe recipe;
     recipe.family = recipe.typographicFamily = recipe.postScriptName = "Quay";
     recipe.style.clear(); // the full name is that of the family, with either style
     recipe.typographicStyle = "Regular";
     recipe.instances = {"Medium", "Semi Bold"};
-    folder_.write("fonts/set/upright.ttf", managertest::makeFont(recipe));
+    folder_.write("fonts/set/upright.ttf", testsupport::makeFont(recipe));
     recipe.typographicStyle = "Italic";
     recipe.instances = {"Medium Italic"};
-    folder_.write("fonts/set/italic.ttf", managertest::makeFont(recipe));
+    folder_.write("fonts/set/italic.ttf", testsupport::makeFont(recipe));
     Catalogue catalogue;
     std::vector<std::string> names;
     for (const FontKey key : catalogue.faces()) {

@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Reading one font file: names, technology, and what is refused.
-#include "manager/library/error.h"
-#include "manager/library/fontfile.h"
-#include "manager/library/stylewords.h"
-#include "tests/manager/fontmaker.h"
-#include "tests/manager/sandbox.h"
+#include "faces/fontfile.h"
+#include "faces/namekey.h"
+#include "tests/support/fontmaker.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <set>
 #include <sys/stat.h>
 
-using namespace manager;
-using namespace managertest;
+using namespace faces;
+using namespace testsupport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -22,18 +20,18 @@ namespace {
 class AFontFile : public testing::Test {
 protected:
     FontFileContents read(const std::string& bytes) {
-        return readFontFile(sandbox_.write("font.ttf", bytes));
+        return readFontFile(folder_.write("font.ttf", bytes));
     }
     std::string problem(const std::string& bytes) {
         try {
             read(bytes);
-        } catch (const Error& error) {
+        } catch (const UnreadableFont& error) {
             return error.what();
         }
         return "none";
     }
 
-    Sandbox sandbox_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
@@ -41,10 +39,10 @@ TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
                                          true, "Test Sans", "Condensed Bold"}));
     ASSERT_EQ(contents.faces.size(), 1U);
     EXPECT_FALSE(contents.collection);
-    EXPECT_EQ(contents.faces[0].type, FontType::OpenTypeTrueType);
+    EXPECT_EQ(contents.faces[0].technology, Technology::OpenTypeTrueType);
     EXPECT_EQ(contents.faces[0].postScriptName, "TestSansCondensed-Bold");
-    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Test Sans", "Condensed Bold"},
-                                                     FaceName{"Test Sans Condensed", "Bold"}));
+    EXPECT_THAT(contents.faces[0].names, ElementsAre(Name{"Test Sans", "Condensed Bold", {}},
+                                                     Name{"Test Sans Condensed", "Bold", {}}));
 }
 
 TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
@@ -52,11 +50,11 @@ TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
         {{"Müller & Söhne", "Regular", "Mueller-Regular"}, {"Other", "Bold", "Other-Bold", true}}));
     EXPECT_TRUE(contents.collection);
     ASSERT_EQ(contents.faces.size(), 2U);
-    EXPECT_THAT(contents.faces[0].names, ElementsAre(FaceName{"Müller & Söhne", "Regular"}));
-    EXPECT_EQ(contents.faces[0].type, FontType::TrueType) << "without layout tables";
+    EXPECT_THAT(contents.faces[0].names, ElementsAre(Name{"Müller & Söhne", "Regular", {}}));
+    EXPECT_EQ(contents.faces[0].technology, Technology::TrueType) << "without layout tables";
     EXPECT_EQ(contents.faces[1].postScriptName, "Other-Bold");
     EXPECT_EQ(contents.faces[1].index, 1U);
-    EXPECT_EQ(contents.faces[1].type, FontType::OpenTypeTrueType);
+    EXPECT_EQ(contents.faces[1].technology, Technology::OpenTypeTrueType);
 }
 
 TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {
@@ -66,7 +64,7 @@ TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {
     ASSERT_EQ(contents.faces.size(), 3U);
     std::vector<std::string> styles;
     std::vector<std::uint32_t> instances;
-    for (const FaceRecord& face : contents.faces) {
+    for (const Face& face : contents.faces) {
         EXPECT_EQ(face.names.front().family, "Test Sans");
         styles.push_back(face.names.front().style);
         instances.push_back(face.index >> 16U);
@@ -93,7 +91,7 @@ TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {
     };
     for (const auto& [bytes, expected] : cases) {
         const std::string text = problem(bytes);
-        EXPECT_THAT(text, StartsWith(sandbox_.library() + "/font.ttf: "));
+        EXPECT_THAT(text, StartsWith(folder_.path().string() + "/font.ttf: "));
         EXPECT_THAT(text, HasSubstr(expected));
     }
 }
@@ -109,9 +107,9 @@ TEST_F(AFontFile, CutAtAnyLengthIsEitherReadOrRefused) {
 }
 
 TEST_F(AFontFile, ThatIsAPipeIsRefusedWithoutWaitingForIt) {
-    const std::string path = sandbox_.library() + "/pipe.ttf";
+    const std::string path = folder_.path().string() + "/pipe.ttf";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_THROW(static_cast<void>(readFontFile(path)), Error);
+    EXPECT_THROW(static_cast<void>(readFontFile(path)), UnreadableFont);
 }
 
 TEST(AFontFileName, IsKnownByItsEnding) {
@@ -120,29 +118,6 @@ TEST(AFontFileName, IsKnownByItsEnding) {
     }
     for (const char* name : {"a.afm", "a.pfm", "ttf", "a.ttf.bak", "a.woff2", ""}) {
         EXPECT_FALSE(hasFontFileName(name)) << name;
-    }
-}
-
-TEST(AStyleForm, IsTheSameForWordsThatSayTheSame) {
-    const std::vector<std::vector<std::string>> groups = {
-        {"", "regular", "book", "roman", "normal"},
-        {"italic", "oblique", "regularitalic", "bookoblique"},
-        {"bolditalic", "boldoblique", "italicbold"},
-        {"semibold", "demibold", "demi"},
-        {"extralight", "ultralight"},
-        {"condensedbold", "boldcondensed", "bold-narrow"},
-        {"12italic", "italic12"},
-        {"light"},
-        {"semilight"},
-        {"12"},
-        {"poster"},
-    };
-    std::set<std::string> forms;
-    for (const auto& group : groups) {
-        for (const std::string& style : group) {
-            EXPECT_EQ(styleForm(style), styleForm(group.front())) << style;
-        }
-        EXPECT_TRUE(forms.insert(styleForm(group.front())).second) << group.front();
     }
 }
 

@@ -2,17 +2,17 @@
 // What fontconfig's pattern of a face tells.
 #pragma once
 
-#include "manager/library/fontfile.h"
+#include "faces/face.h"
 
 #include <fontconfig/fontconfig.h>
 #include <optional>
 #include <string>
 
-namespace manager {
+namespace faces {
 
 /// The text at `position` of the list that `object` has; empty when there is none.
 [[nodiscard]] std::string textOf(const FcPattern* pattern, const char* object, int position);
 /// The face's technology; nullopt: one that is not supported.
-[[nodiscard]] std::optional<FontType> typeOf(const FcPattern* pattern);
+[[nodiscard]] std::optional<Technology> technologyOf(const FcPattern* pattern);
 
-} // namespace manager
+} // namespace faces

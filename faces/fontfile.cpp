@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Checks that a font file is whole, then has fontconfig tell its faces.
-#include "manager/library/fontfile.h"
+#include "faces/fontfile.h"
 
-#include "manager/library/error.h"
-#include "manager/library/fontpattern.h"
-#include "manager/library/places.h"
+#include "faces/fontpattern.h"
+#include "system/descriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -15,9 +14,10 @@
 #include <optional>
 #include <strings.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
-namespace manager {
+namespace faces {
 
 namespace {
 
@@ -33,16 +33,19 @@ public:
         : path_(path), file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status {};
         if (!file_ || fstat(file_.get(), &status) != 0) {
-            throw UnreadableNow(systemError(path, "cannot be read", errno).what());
+            throw UnreadableNow(path +
+                                ": cannot be read: " + std::generic_category().message(errno));
         }
         if (!S_ISREG(status.st_mode)) {
-            throw Error(path + ": not a regular file");
+            throw UnreadableFont(path + ": not a regular file");
         }
         size_ = status.st_size;
     }
 
     [[nodiscard]] std::int64_t size() const { return size_; }
-    [[nodiscard]] Error error(const std::string& what) const { return Error(path_ + ": " + what); }
+    [[nodiscard]] UnreadableFont error(const std::string& what) const {
+        return UnreadableFont(path_ + ": " + what);
+    }
 
     template <std::size_t Count>
     std::array<std::uint8_t, Count> bytes(std::int64_t offset, const std::string& what) const {
@@ -173,10 +176,10 @@ Wrapping checkWhole(const Source& source) {
 
 // Families and styles stand in parallel lists; a face with fewer styles than families repeats the
 // first.
-std::vector<FaceName> namesOf(const FcPattern* pattern) {
-    std::vector<FaceName> names;
+std::vector<Name> namesOf(const FcPattern* pattern) {
+    std::vector<Name> names;
     for (int i = 0;; ++i) {
-        FaceName name{textOf(pattern, FC_FAMILY, i), textOf(pattern, FC_STYLE, i)};
+        Name name{textOf(pattern, FC_FAMILY, i), textOf(pattern, FC_STYLE, i), {}};
         if (name.family.empty()) {
             return names;
         }
@@ -221,8 +224,8 @@ FontFileContents readFontFile(const std::string& path) {
             variable == FcTrue) {
             continue;
         }
-        const std::optional<FontType> type = typeOf(pattern);
-        FaceRecord face;
+        const std::optional<Technology> type = technologyOf(pattern);
+        Face face;
         face.names = namesOf(pattern);
         if (!type || face.names.empty()) {
             continue;
@@ -230,7 +233,7 @@ FontFileContents readFontFile(const std::string& path) {
         int index = 0;
         FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
         face.index = static_cast<std::uint32_t>(index);
-        face.type = *type;
+        face.technology = *type;
         face.postScriptName = textOf(pattern, FC_POSTSCRIPT_NAME, 0);
         contents.faces.push_back(std::move(face));
     }
@@ -241,12 +244,4 @@ FontFileContents readFontFile(const std::string& path) {
     return contents;
 }
 
-std::string nameKey(std::string_view name) {
-    std::string kept(name);
-    std::erase_if(kept, [](char c) { return c == ' ' || c == '\t'; });
-    const std::unique_ptr<FcChar8, void (*)(FcChar8*)> folded(
-        FcStrDowncase(reinterpret_cast<const FcChar8*>(kept.c_str())), FcStrFree);
-    return folded ? reinterpret_cast<const char*>(folded.get()) : kept;
-}
-
-} // namespace manager
+} // namespace faces

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Replaces the name table of the base font, and adds tables. All numbers in fonts are big-endian.
-#include "tests/manager/fontmaker.h"
+#include "tests/support/fontmaker.h"
 
-#include "tests/manager/sandbox.h"
+#include "tests/support/temporaryfolder.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string_view>
 
-namespace managertest {
+namespace testsupport {
 
 namespace {
 
@@ -31,7 +31,7 @@ std::size_t number(std::string_view bytes, std::size_t offset, std::size_t lengt
 }
 
 Tables baseTables() {
-    const std::string font = readBytes(GLYPHORA_BASE_FONT);
+    const std::string font = contentOf(GLYPHORA_BASE_FONT);
     Tables tables;
     for (std::size_t i = 0; i < number(font, 4, 2); ++i) {
         const std::size_t entry = 12 + i * 16;
@@ -173,4 +173,4 @@ std::string makeCollection(const std::vector<FontRecipe>& recipes) {
     return header + fonts;
 }
 
-} // namespace managertest
+} // namespace testsupport

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Reading fontconfig's patterns.
-#include "manager/library/fontpattern.h"
+#include "faces/fontpattern.h"
 
-namespace manager {
+namespace faces {
 
 std::string textOf(const FcPattern* pattern, const char* object, int position) {
     FcChar8* text = nullptr;
@@ -12,21 +12,21 @@ std::string textOf(const FcPattern* pattern, const char* object, int position) {
     return reinterpret_cast<const char*>(text);
 }
 
-std::optional<FontType> typeOf(const FcPattern* pattern) {
+std::optional<Technology> technologyOf(const FcPattern* pattern) {
     const std::string format = textOf(pattern, FC_FONTFORMAT, 0);
     if (format == "TrueType") {
         // Layout tables make the difference between plain TrueType and OpenType.
         const bool layout =
             textOf(pattern, FC_CAPABILITY, 0).find("otlayout:") != std::string::npos;
-        return layout ? FontType::OpenTypeTrueType : FontType::TrueType;
+        return layout ? Technology::OpenTypeTrueType : Technology::TrueType;
     }
     if (format == "CFF") {
-        return FontType::OpenTypePostScript;
+        return Technology::OpenTypePostScript;
     }
     if (format == "Type 1" || format == "CID Type 1") {
-        return FontType::Type1;
+        return Technology::Type1;
     }
     return std::nullopt;
 }
 
-} // namespace manager
+} // namespace faces

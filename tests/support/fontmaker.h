@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace managertest {
+namespace testsupport {
 
 struct FontRecipe {
     std::string family = "Test Sans"; ///< UTF-8; the legacy family when a typographic one is given
@@ -25,4 +25,4 @@ std::string makeFont(const FontRecipe& recipe);
 /// A collection of these.
 std::string makeCollection(const std::vector<FontRecipe>& recipes);
 
-} // namespace managertest
+} // namespace testsupport
