@@ -2,7 +2,7 @@
 // Families one after the other, until there are enough files.
 #include "benchmarks/manager/manyfonts.h"
 
-#include "tests/manager/fontmaker.h"
+#include "tests/support/fontmaker.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@ namespace benchmarks {
 
 namespace {
 
-using managertest::FontRecipe;
+using testsupport::FontRecipe;
 
 struct StyleOfFamily {
     const char* name;
@@ -25,19 +25,26 @@ struct StyleOfFamily {
 };
 
 constexpr std::array styles{
-    StyleOfFamily{"Regular", 400},          StyleOfFamily{"Bold", 700},
-    StyleOfFamily{"Italic", 400},           StyleOfFamily{"Bold Italic", 700},
-    StyleOfFamily{"Light", 300},            StyleOfFamily{"Light Italic", 300},
-    StyleOfFamily{"Medium", 500},           StyleOfFamily{"Medium Italic", 500},
-    StyleOfFamily{"Black", 900},            StyleOfFamily{"Black Italic", 900},
-    StyleOfFamily{"Thin", 100},             StyleOfFamily{"Thin Italic", 100},
-    StyleOfFamily{"Condensed", 400},        StyleOfFamily{"Condensed Bold", 700},
-    StyleOfFamily{"Condensed Italic", 400}, StyleOfFamily{"Condensed Black", 900},
+    StyleOfFamily{"Regular", 400},
+    StyleOfFamily{"Bold", 700},
+    StyleOfFamily{"Italic", 400},
+    StyleOfFamily{"Bold Italic", 700},
+    StyleOfFamily{"Light", 300},
+    StyleOfFamily{"Light Italic", 300},
+    StyleOfFamily{"Medium", 500},
+    StyleOfFamily{"Medium Italic", 500},
+    StyleOfFamily{"Black", 900},
+    StyleOfFamily{"Black Italic", 900},
+    StyleOfFamily{"Thin", 100},
+    StyleOfFamily{"Thin Italic", 100},
+    StyleOfFamily{"Condensed", 400},
+    StyleOfFamily{"Condensed Bold", 700},
+    StyleOfFamily{"Condensed Italic", 400},
+    StyleOfFamily{"Condensed Black", 900},
 };
 
-constexpr std::array syllables{"ba", "cor", "del", "fen", "gro", "hal", "jen", "kis",
-                               "lo", "mar", "nor", "pel", "quo", "ra",  "sil", "ta",
-                               "ul", "ver", "win", "zo"};
+constexpr std::array syllables{"ba",  "cor", "del", "fen", "gro", "hal", "jen", "kis", "lo",  "mar",
+                               "nor", "pel", "quo", "ra",  "sil", "ta",  "ul",  "ver", "win", "zo"};
 constexpr std::array kinds{"Sans", "Serif", "Slab", "Mono", "Text", "Display", "Script"};
 
 constexpr std::size_t familiesInFoundry = 40;
@@ -125,7 +132,7 @@ private:
             const StyleOfFamily& style = styles.at(i);
             FontRecipe recipe = recipeOf(family, style);
             recipe.layout = layout;
-            std::string font = managertest::makeFont(recipe);
+            std::string font = testsupport::makeFont(recipe);
             setWeight(font, style.weight);
             write(folder + "/" + recipe.postScriptName + ".ttf", font, recipe.postScriptName);
         }
@@ -136,14 +143,14 @@ private:
         for (std::size_t i = 0; i < 4; ++i) {
             recipes.push_back(recipeOf(family, styles.at(i)));
         }
-        write(folder + "/" + without(family, ' ') + ".ttc", managertest::makeCollection(recipes),
+        write(folder + "/" + without(family, ' ') + ".ttc", testsupport::makeCollection(recipes),
               recipes.front().postScriptName);
     }
 
     void makeVariable(const std::string& folder, const std::string& family) {
         FontRecipe recipe = recipeOf(family, styles.front());
         recipe.instances = {"Medium", "Bold", "Black"};
-        write(folder + "/" + without(family, ' ') + "-VF.ttf", managertest::makeFont(recipe),
+        write(folder + "/" + without(family, ' ') + "-VF.ttf", testsupport::makeFont(recipe),
               recipe.postScriptName);
     }
 

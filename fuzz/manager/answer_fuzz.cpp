@@ -23,10 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         REQUIRE(same.text == problem->text && same.lasting == problem->lasting);
         return 0;
     }
-    const auto& contents = std::get<faces::FontFileContents>(*outcome);
+    const auto& contents = std::get<ReadFont>(*outcome).contents;
     REQUIRE(!contents.faces.empty());
     REQUIRE(std::none_of(contents.faces.begin(), contents.faces.end(),
                          [](const faces::Face& face) { return face.names.empty(); }));
-    REQUIRE(std::get<faces::FontFileContents>(*again) == contents);
+    REQUIRE(std::get<ReadFont>(*again) == std::get<ReadFont>(*outcome));
     return 0;
 }

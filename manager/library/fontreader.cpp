@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
-// One process per reader and a socket to each: a path goes there, an answer comes back.
+// One process per reader and a socket to each. Paths go there many at a time, so that no reader
+// waits for the next; answers come back one by one, in the same order, so that it is always known
+// which file a reader is at.
+//
+// A path ends in a zero byte. An answer is its length, 4 bytes, and the text of encodeAnswer.
 #include "manager/library/fontreader.h"
 
 #include "manager/library/error.h"
@@ -10,6 +14,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <deque>
+#include <fcntl.h>
 #include <memory>
 #include <new>
 #include <optional>
@@ -19,6 +25,7 @@
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace manager {
@@ -41,6 +48,18 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
+// Of the first bytes, which in most fonts hold the checksums of all its parts. FNV-1a.
+std::uint64_t headDigest(const std::string& path) {
+    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    char block[4096];
+    const ssize_t count = file ? read(file.get(), block, sizeof block) : -1;
+    std::uint64_t digest = 0xCBF29CE484222325U;
+    for (ssize_t i = 0; i < count; ++i) {
+        digest = (digest ^ static_cast<unsigned char>(block[i])) * 0x100000001B3U;
+    }
+    return digest;
+}
+
 void limitMemory(std::size_t bytes) {
 // The sanitizers reserve terabytes of address space.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -51,39 +70,53 @@ void limitMemory(std::size_t bytes) {
 #endif
 }
 
+FontFileOutcome outcomeOf(const std::string& path, const FontFileFunction& read) {
+    try {
+        return ReadFont{read(path), headDigest(path)};
+    } catch (const std::bad_alloc&) {
+        return FontFileProblem{path + ": reading it takes too much memory"};
+    } catch (const faces::UnreadableNow& problem) {
+        return FontFileProblem{problem.what()};
+    } catch (const std::exception& problem) {
+        return FontFileProblem{problem.what(), true};
+    }
+}
+
+bool sendAnswer(int socket, const std::string& path, const FontFileOutcome& outcome) {
+    std::string answer = encodeAnswer(outcome);
+    if (answer.size() > maximumAnswer) {
+        answer = encodeAnswer(FontFileProblem{path + ": tells more than a font has to tell", true});
+    }
+    const auto size = static_cast<std::uint32_t>(answer.size());
+    answer.insert(0, reinterpret_cast<const char*>(&size), sizeof size);
+    return sendAll(socket, answer);
+}
+
 [[noreturn]] void runReader(int socket, std::size_t memory, const FontFileFunction& read) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit noCore{0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     limitMemory(memory);
-    std::string path;
-    char c = 0;
+    std::string paths;
     for (;;) {
-        const ssize_t count = recv(socket, &c, 1, 0);
+        char block[16384];
+        const ssize_t count = recv(socket, block, sizeof block, 0);
         if (count < 0 && errno == EINTR) {
             continue;
         }
         if (count <= 0) {
             _exit(0);
         }
-        if (c != '\0') {
-            path += c;
-            continue;
+        paths.append(block, static_cast<std::size_t>(count));
+        std::size_t begin = 0;
+        for (std::size_t end = 0; (end = paths.find('\0', begin)) != std::string::npos;
+             begin = end + 1) {
+            const std::string path = paths.substr(begin, end - begin);
+            if (!sendAnswer(socket, path, outcomeOf(path, read))) {
+                _exit(1);
+            }
         }
-        std::string answer;
-        try {
-            answer = encodeAnswer(read(path));
-        } catch (const std::bad_alloc&) {
-            answer = encodeAnswer(FontFileProblem{path + ": reading it takes too much memory"});
-        } catch (const faces::UnreadableNow& problem) {
-            answer = encodeAnswer(FontFileProblem{problem.what()});
-        } catch (const std::exception& problem) {
-            answer = encodeAnswer(FontFileProblem{problem.what(), true});
-        }
-        if (!sendAll(socket, answer)) {
-            _exit(1);
-        }
-        path.clear();
+        paths.erase(0, begin);
     }
 }
 
@@ -109,33 +142,73 @@ public:
     Reader& operator=(const Reader&) = delete;
     ~Reader() { end(); }
 
-    /// False: the reader is gone.
-    bool begin(std::size_t position, const std::string& path, Clock::time_point deadline) {
-        position_ = position;
-        deadline_ = deadline;
-        return sendAll(socket_.get(), std::string_view(path.c_str(), path.size() + 1));
+    /// Whether it can be given more without waiting: what it has not taken up yet has to fit into
+    /// the socket.
+    [[nodiscard]] bool hasRoom() const {
+        return waiting_.empty() ||
+               (waiting_.size() < maximumWaiting && waitingBytes_ < maximumWaitingBytes);
     }
 
-    /// Takes what has come. An outcome once it is complete; `gone` is set when the reader died.
-    std::optional<FontFileOutcome> receive(bool& gone) {
-        char block[16384];
+    /// Whether it will soon have nothing to do.
+    [[nodiscard]] bool isLow() const { return waiting_.size() <= maximumWaiting / 2; }
+
+    /// Puts a file last in its line.
+    void add(std::size_t position, const std::string& path) {
+        fresh_ = fresh_ || waiting_.empty();
+        waiting_.push_back({position, path.size() + 1});
+        waitingBytes_ += path.size() + 1;
+        unsent_.append(path.c_str(), path.size() + 1);
+    }
+
+    /// Sends what was added. A reader that is gone is noticed by receive().
+    void flush(Clock::time_point deadline) {
+        if (std::exchange(fresh_, false)) {
+            deadline_ = deadline;
+        }
+        sendAll(socket_.get(), unsent_);
+        unsent_.clear();
+    }
+
+    /// Takes what has come, an outcome for each file from the first in line on. `gone` is set when
+    /// there will be no more.
+    std::vector<std::pair<std::size_t, FontFileOutcome>> receive(Clock::time_point deadline,
+                                                                 bool& gone) {
+        std::vector<std::pair<std::size_t, FontFileOutcome>> outcomes;
+        char block[65536];
         const ssize_t count = recv(socket_.get(), block, sizeof block, 0);
         if (count < 0 && errno == EINTR) {
-            return std::nullopt;
+            return outcomes;
         }
         ended_ = count <= 0;
-        gone = ended_ || answer_.size() > maximumAnswer;
-        if (gone) {
-            return std::nullopt;
+        gone = ended_;
+        answers_.append(block, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        std::string_view left = answers_;
+        std::uint32_t size = 0;
+        while (!gone && left.size() >= sizeof size) {
+            std::memcpy(&size, left.data(), sizeof size);
+            if (size > maximumAnswer || waiting_.empty()) {
+                gone = true;
+            } else if (left.size() - sizeof size < size) {
+                break;
+            } else if (auto outcome = decodeAnswer(left.substr(sizeof size, size))) {
+                left.remove_prefix(sizeof size + size);
+                outcomes.emplace_back(pop(), std::move(*outcome));
+                deadline_ = deadline;
+            } else {
+                gone = true;
+            }
         }
-        answer_.append(block, static_cast<std::size_t>(count));
-        if (!answer_.ends_with("\n\n")) {
-            return std::nullopt;
+        answers_.erase(0, answers_.size() - left.size());
+        return outcomes;
+    }
+
+    /// The files that it was given and has not answered; the first is the one that it is at.
+    [[nodiscard]] std::vector<std::size_t> unanswered() const {
+        std::vector<std::size_t> positions;
+        for (const Waiting& file : waiting_) {
+            positions.push_back(file.position);
         }
-        auto outcome = decodeAnswer(answer_);
-        answer_.clear();
-        gone = !outcome;
-        return outcome;
+        return positions;
     }
 
     /// How a reader came to its end.
@@ -166,17 +239,34 @@ public:
     }
 
     [[nodiscard]] int socket() const { return socket_.get(); }
-    [[nodiscard]] std::size_t position() const { return position_; }
+    [[nodiscard]] bool isIdle() const { return waiting_.empty(); }
     [[nodiscard]] Clock::time_point deadline() const { return deadline_; }
 
 private:
-    static constexpr std::size_t maximumAnswer = std::size_t{16} << 20U;
+    // Enough to hide the way there and back. What waits here is not given to a reader that is idle.
+    static constexpr std::size_t maximumWaiting = 16;
+    static constexpr std::size_t maximumWaitingBytes = 16384;
+
+    struct Waiting {
+        std::size_t position;
+        std::size_t bytes;
+    };
+
+    std::size_t pop() {
+        const Waiting first = waiting_.front();
+        waiting_.pop_front();
+        waitingBytes_ -= first.bytes;
+        return first.position;
+    }
 
     sys::Descriptor socket_;
     pid_t process_ = -1;
-    std::size_t position_ = 0;
-    Clock::time_point deadline_;
-    std::string answer_;
+    std::deque<Waiting> waiting_;
+    std::size_t waitingBytes_ = 0;
+    std::string unsent_;
+    bool fresh_ = false;         ///< the first that waits has not been sent
+    Clock::time_point deadline_; ///< for the first that waits
+    std::string answers_;        ///< begun and not complete
     bool ended_ = false;
 };
 
@@ -191,48 +281,68 @@ public:
     void run() {
         for (auto& reader : readers_) {
             reader = std::make_unique<Reader>(limits_.memory, read_);
-            give(reader);
         }
-        while (wait()) {
-        }
+        do {
+            giveAll();
+        } while (wait());
     }
 
 private:
     using ReaderSlot = std::unique_ptr<Reader>;
 
-    // A reader with nothing left to do is ended.
-    void give(ReaderSlot& reader) {
-        if (next_ == paths_.size()) {
-            reader.reset();
-            return;
+    [[nodiscard]] bool hasNext() const { return !again_.empty() || next_ < paths_.size(); }
+    std::size_t takeNext() {
+        if (again_.empty()) {
+            return next_++;
         }
-        const std::size_t position = next_++;
-        const auto deadline = Clock::now() + limits_.timePerFile;
-        if (!reader->begin(position, paths_[position], deadline)) {
-            reader = std::make_unique<Reader>(limits_.memory, read_); // it died while idle
-            if (!reader->begin(position, paths_[position], deadline)) {
-                throw Error(paths_[position] + ": cannot be given to a font reader");
+        const std::size_t position = again_.front();
+        again_.pop_front();
+        return position;
+    }
+
+    // By turns: the last files are shared, too.
+    void giveAll() {
+        std::vector<Reader*> low;
+        for (const auto& reader : readers_) {
+            if (reader->isLow()) {
+                low.push_back(reader.get());
             }
+        }
+        for (bool given = true; given;) {
+            given = false;
+            for (Reader* reader : low) {
+                if (reader->hasRoom() && hasNext()) {
+                    const std::size_t position = takeNext();
+                    reader->add(position, paths_[position]);
+                    given = true;
+                }
+            }
+        }
+        for (Reader* reader : low) {
+            reader->flush(Clock::now() + limits_.timePerFile);
         }
     }
 
     enum class Cause { End, TimeOut };
     void replace(ReaderSlot& reader, Cause cause, const std::string& why) {
-        const std::size_t position = reader->position();
+        const std::vector<std::size_t> unanswered = reader->unanswered();
         const auto ending = reader->end();
-        receive_(position, FontFileProblem{paths_[position] + ": " + why + ending.text,
-                                           cause == Cause::End && ending.ofTheFile});
+        if (!unanswered.empty()) {
+            const std::size_t position = unanswered.front();
+            receive_(position, FontFileProblem{paths_[position] + ": " + why + ending.text,
+                                               cause == Cause::End && ending.ofTheFile});
+            again_.insert(again_.end(), unanswered.begin() + 1, unanswered.end());
+        }
         reader = std::make_unique<Reader>(limits_.memory, read_);
-        give(reader);
     }
 
     void take(ReaderSlot& reader) {
         bool gone = false;
-        auto outcome = reader->receive(gone);
-        if (outcome) {
-            receive_(reader->position(), std::move(*outcome));
-            give(reader);
-        } else if (gone) {
+        for (auto& [position, outcome] :
+             reader->receive(Clock::now() + limits_.timePerFile, gone)) {
+            receive_(position, std::move(outcome));
+        }
+        if (gone) {
             replace(reader, Cause::End, "the font reader ended while reading it");
         }
     }
@@ -242,8 +352,8 @@ private:
         std::vector<pollfd> sockets;
         auto deadline = Clock::time_point::max();
         for (const auto& reader : readers_) {
-            sockets.push_back({reader ? reader->socket() : -1, POLLIN, 0});
-            if (reader) {
+            sockets.push_back({reader->isIdle() ? -1 : reader->socket(), POLLIN, 0});
+            if (!reader->isIdle()) {
                 deadline = std::min(deadline, reader->deadline());
             }
         }
@@ -255,12 +365,9 @@ private:
              static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000)));
         const auto now = Clock::now();
         for (std::size_t i = 0; i < readers_.size(); ++i) {
-            if (!readers_[i]) {
-                continue;
-            }
             if (sockets[i].revents != 0) {
                 take(readers_[i]);
-            } else if (readers_[i]->deadline() <= now) {
+            } else if (!readers_[i]->isIdle() && readers_[i]->deadline() <= now) {
                 replace(readers_[i], Cause::TimeOut,
                         "reading it took longer than " +
                             std::to_string(limits_.timePerFile.count()) + " ms");
@@ -274,6 +381,7 @@ private:
     const FontFileReceiver& receive_;
     const FontFileFunction& read_;
     std::vector<ReaderSlot> readers_;
+    std::deque<std::size_t> again_; ///< given to a reader that is gone, and not looked at
     std::size_t next_ = 0;
 };
 

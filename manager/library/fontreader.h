@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -19,7 +20,13 @@ struct FontFileProblem {
     std::string text;     ///< "PATH: ..."
     bool lasting = false; ///< it lies in the file: as long as that is the same, so is this
 };
-using FontFileOutcome = std::variant<faces::FontFileContents, FontFileProblem>;
+/// A file that was read.
+struct ReadFont {
+    faces::FontFileContents contents;
+    std::uint64_t digest = 0; ///< of the file's first bytes: files that differ in it differ
+    bool operator==(const ReadFont&) const = default;
+};
+using FontFileOutcome = std::variant<ReadFont, FontFileProblem>;
 
 struct FontReaderLimits {
     unsigned processes = 2;

@@ -43,7 +43,7 @@ void IndexWriter::write(const FoundFile& file, const FontFileOutcome& outcome) {
         addFile_.bindNull(5).bind(6, problem->text).run();
         return;
     }
-    const auto& contents = std::get<faces::FontFileContents>(outcome);
+    const auto& contents = std::get<ReadFont>(outcome).contents;
     const std::int64_t container = containerOf(file.path, contents);
     addFile_.bind(5, container).bindNull(6).run();
     const std::int64_t id = database_.lastRow();

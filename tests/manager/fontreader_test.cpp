@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Reading many files in processes apart: one that crashes, hangs or eats memory costs itself alone.
 #include "manager/library/error.h"
+#include "manager/library/fontanswer.h"
 #include "manager/library/fontreader.h"
+#include "tests/manager/fullface.h"
 
 #include <chrono>
+#include <cmath>
 #include <csignal>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -62,10 +66,9 @@ protected:
     }
 
     static faces::FontFileContents good(const std::string& path) {
-        return {true,
-                {face(65537, faces::Technology::OpenTypePostScript, path,
-                      {{"A\tB", "", {}}, {"C\\D", "E\nF", {}}}),
-                 face(1, faces::Technology::Type1, "", {{"Ä", "Ö", {}}})}};
+        return {
+            true,
+            {managertest::fullFace(path), face(1, faces::Technology::Type1, "", {{"Ä", "Ö", {}}})}};
     }
 
     std::map<std::string, FontFileOutcome> read(const std::vector<std::string>& paths) {
@@ -94,8 +97,8 @@ protected:
 TEST_F(AFontReader, HandsEverythingOverAsItWasRead) {
     const auto outcomes = read({"one", "two", "refuse", "three"});
     for (const char* path : {"one", "two", "three"}) {
-        ASSERT_TRUE(std::holds_alternative<faces::FontFileContents>(outcomes.at(path)));
-        EXPECT_EQ(std::get<faces::FontFileContents>(outcomes.at(path)), good(path));
+        ASSERT_TRUE(std::holds_alternative<ReadFont>(outcomes.at(path)));
+        EXPECT_EQ(std::get<ReadFont>(outcomes.at(path)).contents, good(path));
     }
     EXPECT_EQ(problem(outcomes.at("refuse")), "refuse: line 1:\tbad\nthing\\");
 }
@@ -125,6 +128,31 @@ TEST_F(AFontReader, TellsWhatMayPassFromWhatLiesInTheFile) {
               "killed: the font reader ended while reading it (Killed) (now)");
     EXPECT_EQ(problem(outcomes.at("large")), "large: reading it takes too much memory (now)");
     EXPECT_EQ(problem(outcomes.at("closed")), "closed: no permission (now)");
+}
+
+TEST(AnAnswer, ThatIsNotWholeOrTellsNonsenseIsRefused) {
+    const ReadFont font{{true, {managertest::fullFace("A")}}, 7};
+    const std::string whole = encodeAnswer(font);
+    EXPECT_EQ(std::get<ReadFont>(decodeAnswer(whole).value()), font);
+    EXPECT_FALSE(decodeAnswer(whole + '\0'));
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_FALSE(decodeAnswer(whole.substr(0, length))) << length;
+    }
+    const std::vector<std::function<void(faces::Face&)>> nonsense = {
+        [](auto& face) { face.names.clear(); },
+        [](auto& face) { face.style.weight = std::nan(""); },
+        [](auto& face) { face.style.width = 0; },
+        [](auto& face) { face.measures->stem = INFINITY; },
+        [](auto& face) { face.technology = static_cast<faces::Technology>(4); },
+        [](auto& face) { face.names[1].kind = static_cast<faces::NameKind>(3); },
+        [](auto& face) { std::swap(face.coverage[0], face.coverage[1]); },
+        [](auto& face) { face.coverage[2].second = 0x110000; },
+    };
+    for (std::size_t i = 0; i < nonsense.size(); ++i) {
+        ReadFont forged = font;
+        nonsense[i](forged.contents.faces[0]);
+        EXPECT_FALSE(decodeAnswer(encodeAnswer(forged))) << i;
+    }
 }
 
 } // namespace
