@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+// The rule, over whatever faces an index has found.
+#include "faces/matching.h"
+
+#include "faces/namekey.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace faces {
+
+namespace {
+
+void addOnce(std::vector<std::string>& keys, std::string key) {
+    if (!key.empty() && std::find(keys.begin(), keys.end(), key) == keys.end()) {
+        keys.push_back(std::move(key));
+    }
+}
+
+/// Family and style as they conventionally stand in a PostScript name.
+std::pair<std::string_view, std::string_view> splitPostScriptName(std::string_view name) {
+    const std::size_t dash = name.rfind('-');
+    return dash == std::string_view::npos ? std::pair(name, std::string_view())
+                                          : std::pair(name.substr(0, dash), name.substr(dash + 1));
+}
+
+bool isPlain(std::string_view style) {
+    const StyleWords words = readStyleWords(style);
+    return words.complete && words.style() == Style();
+}
+
+class Matching {
+public:
+    Matching(const Wanted& wanted, std::span<const Known> known)
+        : wanted_(wanted), known_(known), keys_(keysOf(wanted)), asked_(wanted.style) {}
+
+    std::vector<Match> run() {
+        std::vector<Match> found = byPostScriptName();
+        if (!found.empty()) {
+            return found;
+        }
+        Family family;
+        for (std::size_t i = 0; i < known_.size(); ++i) {
+            for (const Name& name : known_[i].names) {
+                if (!keys_.family.empty() && nameKey(name.family) == keys_.family) {
+                    family.add(i, name.family, name.style, known_[i].style, known_[i].reach);
+                }
+            }
+        }
+        found = exact(family.named(asked_), Ground::FamilyAndStyle);
+        if (found.empty()) {
+            found = byFullName();
+        }
+        if (found.empty()) {
+            found = exact(family.meant(asked_), Ground::OnlyOfThisStyle);
+        }
+        if (found.empty()) {
+            found = candidates(family);
+        }
+        return found;
+    }
+
+private:
+    static std::vector<Match> exact(const std::vector<std::size_t>& faces, Ground ground) {
+        std::vector<Match> found;
+        found.reserve(faces.size());
+        for (const std::size_t face : faces) {
+            found.push_back({face, ground, 0, {}});
+        }
+        return found;
+    }
+
+    std::vector<Match> byPostScriptName() const {
+        std::vector<std::size_t> found;
+        for (std::size_t i = 0; i < known_.size() && !keys_.postScriptName.empty(); ++i) {
+            if (postScriptKey(known_[i].postScriptName) == keys_.postScriptName) {
+                found.push_back(i);
+            }
+        }
+        return exact(found, Ground::PostScriptName);
+    }
+
+    std::vector<Match> byFullName() const {
+        for (const std::string& key : keys_.fullNames) {
+            std::vector<std::size_t> found;
+            for (std::size_t i = 0; i < known_.size(); ++i) {
+                const auto& names = known_[i].fullNames;
+                if (std::any_of(names.begin(), names.end(),
+                                [&](const std::string& name) { return nameKey(name) == key; })) {
+                    found.push_back(i);
+                }
+            }
+            if (!found.empty()) {
+                return exact(found, Ground::FullName);
+            }
+        }
+        return {};
+    }
+
+    std::vector<Match> candidates(const Family& family) const {
+        std::vector<Match> found;
+        for (const Family::Near& near : family.nearest(asked_)) {
+            found.push_back({near.face, Ground::SameFamily, near.distance,
+                             "same family, " + near.style + " instead of " + asked_.text});
+        }
+        addOtherSpellings(wanted_.family, asked_, found);
+        const auto [name, style] = splitPostScriptName(wanted_.postScriptName);
+        addOtherSpellings(name, AskedStyle(style), found);
+        return found;
+    }
+
+    void addOtherSpellings(std::string_view name, const AskedStyle& asked,
+                           std::vector<Match>& found) const {
+        const std::string key = normalisedFamilyKey(name);
+        Family family;
+        std::vector<std::string_view> spellings(known_.size());
+        for (std::size_t i = 0; i < known_.size(); ++i) {
+            const bool known = std::any_of(found.begin(), found.end(),
+                                           [i](const Match& match) { return match.face == i; });
+            for (const Name& spelt : known_[i].names) {
+                if (!known && !key.empty() && normalisedFamilyKey(spelt.family) == key) {
+                    family.add(i, spelt.family, spelt.style, known_[i].style, known_[i].reach);
+                    spellings[i] = spelt.family;
+                }
+            }
+        }
+        for (const Family::Near& near : family.nearest(asked)) {
+            std::string reason = "family " + std::string(spellings[near.face]);
+            reason.append(" instead of ").append(name);
+            if (nameKey(near.style) != asked.key) {
+                reason.append(", ").append(near.style).append(" instead of ").append(asked.text);
+            }
+            found.push_back({near.face, Ground::OtherSpelling, near.distance, std::move(reason)});
+        }
+    }
+
+    const Wanted& wanted_;
+    std::span<const Known> known_;
+    Keys keys_;
+    AskedStyle asked_;
+};
+
+} // namespace
+
+Keys keysOf(const Wanted& wanted) {
+    Keys keys{postScriptKey(wanted.postScriptName), nameKey(wanted.family), {}, {}};
+    addOnce(keys.fullNames, keys.family.empty() ? "" : keys.family + nameKey(wanted.style));
+    if (isPlain(wanted.style)) {
+        addOnce(keys.fullNames, keys.family);
+    }
+    if (keys.postScriptName != wanted.postScriptName) { // it has blanks, as only full names may
+        addOnce(keys.fullNames, nameKey(wanted.postScriptName));
+    }
+    addOnce(keys.normalisedFamilies, normalisedFamilyKey(wanted.family));
+    addOnce(keys.normalisedFamilies,
+            normalisedFamilyKey(splitPostScriptName(wanted.postScriptName).first));
+    return keys;
+}
+
+std::vector<Match> match(const Wanted& wanted, std::span<const Known> faces) {
+    return Matching(wanted, faces).run();
+}
+
+} // namespace faces
