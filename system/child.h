@@ -31,6 +31,8 @@ public:
 
     /// This side of the socket. It does not block.
     [[nodiscard]] int socket() const noexcept { return socket_.get(); }
+    /// Its number; 0 or below once it was ended.
+    [[nodiscard]] pid_t process() const noexcept { return process_; }
     /// Kills it unless it has ended by itself, and tells how it ended.
     Ending end() noexcept;
 

@@ -53,7 +53,7 @@ void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string
 } // namespace
 
 SetRecord recordOf(const ContainerFonts& container) {
-    SetRecord record{container.id, container.name, {}};
+    SetRecord record{container.id, container.name, {}, container.reasons};
     std::set<std::string> names;
     for (const LibraryFile& file : container.files) {
         // Files of a container share a folder, so their names differ.
@@ -195,53 +195,6 @@ void Activation::takeAway(const std::set<std::string>& names, SetRecord& record,
     } catch (const Error& error) {
         outcome.problems.emplace_back(error.what());
     }
-}
-
-std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerId> containers) {
-    std::vector<ActivationOutcome> outcomes(containers.size());
-    const FileLock held = lock();
-    beginChange();
-    std::vector<ContainerId> removed;
-    std::vector<std::string> kept;
-    for (std::size_t i = 0; i < containers.size(); ++i) {
-        const std::string folder = folders_.folder(containers[i]);
-        ActivationOutcome& outcome = outcomes[i];
-        try {
-            bool leftBehind = false;
-            outcome.changed = folders_.remove(containers[i], &leftBehind);
-            outcome.success = outcome.changed;
-            if (!outcome.changed) {
-                outcome.problems.push_back("container " + toText(containers[i]) +
-                                           ": is not active");
-                continue;
-            }
-            removed.push_back(containers[i]);
-            if (leftBehind) {
-                outcome.problems.push_back(folder +
-                                           ": kept, it holds files that are not this program's");
-                kept.push_back(folder);
-            }
-        } catch (const Error& error) {
-            outcome.problems.emplace_back(error.what());
-        }
-    }
-    endChange(!removed.empty());
-    if (removed.empty()) {
-        return outcomes;
-    }
-    try {
-        folders_.syncRemoved(removed);
-    } catch (const Error& error) {
-        for (ActivationOutcome& outcome : outcomes) {
-            if (outcome.success) {
-                outcome.success = false;
-                outcome.problems.emplace_back(error.what());
-            }
-        }
-    }
-    changedFolders_.insert(changedFolders_.end(), kept.begin(), kept.end());
-    showChanges(kept);
-    return outcomes;
 }
 
 } // namespace manager

@@ -20,6 +20,7 @@ struct ContainerFonts {
     ContainerId id{};
     std::string name;
     std::vector<LibraryFile> files;
+    std::vector<Reason> reasons = {Reason::byHand()}; ///< added to those of before
 };
 
 /// The record that its set has when all of it is in place.
@@ -28,6 +29,9 @@ struct ContainerFonts {
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container, as it was wanted
     bool changed = false; ///< the files that lie there for it are not those of before
+    /// Programs have it open: it stays under them, and leaves when they end. `problems` tells
+    /// which.
+    bool postponed = false;
     /// Names of files, without their folder, that are not active as they were wanted: they could
     /// not be put in place, or the desktop did not see them and they were taken away again, so that
     /// nothing counts as active that is not. All of them when none is.
@@ -39,6 +43,14 @@ struct ActiveContainer {
     ContainerId id{};
     std::string name;
     std::size_t files = 0;
+    std::vector<Reason> reasons = {}; ///< those that stand
+};
+
+/// A set that lost its last reason.
+struct Withdrawal {
+    ContainerId id{};
+    std::string name;
+    ActivationOutcome outcome;
 };
 
 /// [one-thread], in which reports come, too; several processes take turns by a lock on disk.
@@ -65,8 +77,14 @@ public:
     /// container's fault.
     [[nodiscard]] std::vector<ActivationOutcome>
     activate(std::span<const ContainerFonts> containers);
+    /// Takes them away, whatever they are active for; one that a running program has open stays
+    /// until that ends.
     [[nodiscard]] std::vector<ActivationOutcome>
     deactivate(std::span<const ContainerId> containers);
+    /// Ends reasons that do not stand any more, and takes away the sets that are left without one.
+    [[nodiscard]] std::vector<Withdrawal> withdrawDue();
+    /// The reasons that stand and will end by themselves, each once.
+    [[nodiscard]] std::vector<Reason> endingReasons() const;
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
     /// the files that cannot be had), begun removals are finished. Told to `report`, a line each. A
@@ -83,6 +101,7 @@ private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::optional<SetRecord> recordInPlace(ContainerId id) const;
     [[nodiscard]] std::vector<SetFile> filesInPlace(ContainerId id) const;
+    void takeAll(std::span<const ContainerId> containers, std::span<ActivationOutcome> outcomes);
     void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);

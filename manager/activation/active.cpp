@@ -4,6 +4,7 @@
 #include "manager/library/error.h"
 
 #include <unistd.h>
+#include <utility>
 
 namespace manager {
 
@@ -48,8 +49,10 @@ Activation::active(const std::function<void(const std::string&)>& report) const 
     std::vector<ActiveContainer> result;
     for (const ContainerId id : setsIn(folders_.root())) {
         try {
-            if (const auto record = readSetRecord(folders_.folder(id))) {
-                result.push_back({id, record->name, record->files.size()});
+            if (auto record = readSetRecord(folders_.folder(id))) {
+                removeEnded(record->reasons);
+                result.push_back({id, std::move(record->name), record->files.size(),
+                                  std::move(record->reasons)});
             }
         } catch (const Error& error) {
             report(error.what());

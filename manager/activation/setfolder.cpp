@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
+#include <utility>
 
 namespace manager {
 
@@ -109,6 +110,12 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
     const std::string place = folder(wanted.id);
     if (const auto current = readSetRecord(place)) {
         checkIsSetOf(place, *current, wanted);
+        std::vector<Reason> reasons = current->reasons;
+        removeEnded(reasons);
+        for (const Reason& reason : wanted.reasons) {
+            addReason(reasons, reason);
+        }
+        wanted.reasons = std::move(reasons);
         return update(*current, wanted, lost);
     }
     bool leftBehind = false;
@@ -118,10 +125,20 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
             throw Error(place + ": is in the way and not this program's");
         }
         if (rmdir(place.c_str()) != 0) { // files that are not the manager's lie there
-            return update({wanted.id, wanted.name, {}}, wanted, lost);
+            return update({wanted.id, wanted.name, {}, wanted.reasons}, wanted, lost);
         }
     }
     return prepare(wanted, lost);
+}
+
+bool SetFolders::changeReasons(ContainerId id, const std::vector<Reason>& reasons) {
+    auto record = readSetRecord(folder(id));
+    if (record && record->reasons != reasons) {
+        record->reasons = reasons;
+        step("write record");
+        staging_.replaceRecord(folder(id), *record);
+    }
+    return record.has_value();
 }
 
 } // namespace manager

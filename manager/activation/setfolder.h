@@ -36,7 +36,8 @@ public:
     /// What is left to do after begin().
     enum class Progress { Unchanged, Updated, Prepared };
 
-    /// Makes the set hold exactly `wanted.files`, each linked or copied from its source. A set that
+    /// Makes the set hold exactly `wanted.files`, each linked or copied from its source, and adds
+    /// `wanted.reasons` to those of before that stand. A set that
     /// is in place is brought up to date; files there that are not the manager's stay. A new one is
     /// prepared aside. A file that cannot be had (a source that is missing or not as stamped, a
     /// foreign file in the way) costs only itself: it is added to `lost`, and `wanted` then tells
@@ -52,6 +53,9 @@ public:
     void discard(ContainerId id) noexcept;
     /// Syncs what was placed. Throws Error.
     void syncPlaced() const;
+
+    /// Replaces what the set is active for. False: there is no such set. Throws Error.
+    [[nodiscard]] bool changeReasons(ContainerId id, const std::vector<Reason>& reasons);
 
     /// Takes the set away; it needs no space on the disk. Foreign files stay, and the folder with
     /// them; `leftBehind` is set then. False: there was no such set. Throws Error; the set is

@@ -17,7 +17,8 @@ namespace manager {
 
 namespace {
 
-constexpr std::string_view header = "glyphora-set 1";
+constexpr std::string_view header = "glyphora-set 2";
+constexpr std::string_view headerWithoutReasons = "glyphora-set 1";
 constexpr std::size_t maximumLength = std::size_t{16} << 20U;
 
 // A name that stays in its folder: nothing that a forged record lists may lead out of it.
@@ -41,6 +42,13 @@ bool readLine(std::string_view line, SetRecord& record) {
         record.name = parts[3];
         return true;
     }
+    if (parts[0] == "reason") {
+        const auto reason = reasonOf(parts);
+        if (reason) {
+            record.reasons.push_back(*reason);
+        }
+        return reason.has_value();
+    }
     const bool leaving = parts[0] == "leaving";
     if ((leaving || parts[0] == "file") && parts.size() == 6 && isPlainName(parts[1])) {
         const auto size = toNumber<std::int64_t>(parts[3]);
@@ -61,6 +69,9 @@ std::string recordText(const SetRecord& record) {
     std::string text(header);
     text += '\n';
     text += joinFields({"set", toText(record.id), "active", record.name});
+    for (const Reason& reason : record.reasons) {
+        text += reasonLine(reason);
+    }
     for (const SetFile& file : record.files) {
         text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
                             std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
@@ -104,10 +115,14 @@ std::optional<SetRecord> readSetRecordFile(const std::string& path) {
     }
     const std::string text = readFile(path, maximumLength);
     const auto lines = splitLines(text);
-    if (lines.empty() || lines.front() != header) {
+    const bool knowsReasons = !lines.empty() && lines.front() == header;
+    if (!knowsReasons && (lines.empty() || lines.front() != headerWithoutReasons)) {
         throw Error(path + ": line 1: expected \"" + std::string(header) + "\"");
     }
     SetRecord record;
+    if (!knowsReasons) {
+        record.reasons.push_back(Reason::byHand());
+    }
     for (std::size_t i = 1; i < lines.size(); ++i) {
         if (!readLine(lines[i], record)) {
             throw Error(path + ": line " + std::to_string(i + 1) + ": not a line of a set record");

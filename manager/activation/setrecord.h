@@ -3,6 +3,7 @@
 // It is the journal as well: what it lists is to be there. A set that is to go loses it first.
 #pragma once
 
+#include "manager/activation/reason.h"
 #include "manager/library/library.h"
 
 #include <optional>
@@ -28,6 +29,9 @@ struct SetRecord {
     ContainerId id{};
     std::string name; ///< the container's, for people
     std::vector<SetFile> files;
+    /// What it is active for. It is active until it is taken away, though: a set without a reason
+    /// is one that is due.
+    std::vector<Reason> reasons = {};
     bool operator==(const SetRecord&) const = default;
 };
 
@@ -61,7 +65,7 @@ private:
 [[nodiscard]] std::optional<SetRecord> readSetRecord(const std::string& folder);
 /// The same from a file of any name.
 [[nodiscard]] std::optional<SetRecord> readSetRecordFile(const std::string& path);
-/// The contents of a record's file.
+/// The contents of a record's file. A record of a version that knew no reasons was made by hand.
 [[nodiscard]] std::string recordText(const SetRecord& record);
 
 } // namespace manager

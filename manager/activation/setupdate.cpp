@@ -103,7 +103,12 @@ SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wan
     }
     const std::string place = folder(wanted.id);
     const Transition transition = transitionOf(current, wanted, place);
-    if (staged.empty() && transition.obsolete.empty() && current == wanted) {
+    if (staged.empty() && transition.obsolete.empty() && current.name == wanted.name &&
+        current.files == wanted.files) {
+        if (current.reasons != wanted.reasons) {
+            step("write record");
+            staging_.replaceRecord(place, wanted);
+        }
         return Progress::Unchanged;
     }
     // From here on a crash is mended forwards: the record tells what is to be there.

@@ -85,15 +85,16 @@ int finish(const Places& places, Activation& activation,
     int status = exitSuccess;
     bool changed = false;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        const auto& [success, outcomeChanged, lost, problems] = outcomes[i];
-        changed = changed || outcomeChanged;
-        for (const std::string& problem : problems) {
+        const ActivationOutcome& outcome = outcomes[i];
+        const bool success = outcome.success;
+        changed = changed || outcome.changed;
+        for (const std::string& problem : outcome.problems) {
             warn(problem);
-            if (!success) {
-                recordDeed(places, Deed::Failed, problem);
+            if (!success || outcome.postponed) {
+                recordDeed(places, success ? Deed::Undecided : Deed::Failed, problem);
             }
         }
-        if (success || outcomeChanged) { // also what was done in part
+        if ((success && !outcome.postponed) || outcome.changed) { // also what was done in part
             recordDeed(places, Deed::Done, texts[i]);
             printLine(texts[i]);
         }

@@ -37,11 +37,11 @@ bool isFull(const std::string& path) {
 
 void putAside(const std::string& path) {
     try {
-        const FileLock lock(path + ".lock");
+        const FileLock lock(path + ".lock", std::chrono::milliseconds(0));
         if (isFull(path)) { // or another process was quicker, and the file is a new one
             static_cast<void>(rename(path.c_str(), (path + ".old").c_str()));
         }
-    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it grows on
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it grows on, or another does it
     }
 }
 

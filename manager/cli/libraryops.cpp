@@ -8,6 +8,7 @@
 #include "manager/library/folders.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <thread>
 #include <unistd.h>
@@ -15,6 +16,9 @@
 namespace manager {
 
 namespace {
+
+// Another scan is waited for as long as one of a large library may take.
+constexpr std::chrono::minutes longestScan{10};
 
 FontReaderLimits readerLimits() {
     FontReaderLimits limits;
@@ -26,7 +30,7 @@ FontReaderLimits readerLimits() {
 // recorded folder could not be read.
 int scan(const Places& places, bool quiet, bool changedAlready) {
     makeFolders(places.own());
-    const FileLock lock(places.scanLock());
+    const FileLock lock(places.scanLock(), longestScan);
     const auto library = openForUse(places);
     const bool owed = library->isScanOwed();
     const std::vector<std::string> folders = readFolders(places);

@@ -5,16 +5,51 @@
 #include "manager/library/error.h"
 #include "system/replacefile.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace manager {
+
+namespace {
+
+/// " by PROGRAM (PROCESS)" of whoever holds a lock on the file; empty when it cannot be told.
+std::string holderOf(int file) {
+    struct stat status {};
+    if (fstat(file, &status) != 0) {
+        return {};
+    }
+    // "1: FLOCK ADVISORY WRITE PROCESS MAJOR:MINOR:INODE 0 EOF". Some file systems show another
+    // device there than to programs.
+    const std::string inode = ":" + std::to_string(status.st_ino);
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        std::istringstream fields(line);
+        std::string number;
+        std::string kind;
+        std::string process;
+        std::string place;
+        fields >> number >> kind >> process >> process >> process >> place;
+        if (kind == "FLOCK" && place.ends_with(inode)) {
+            std::string program;
+            std::ifstream comm("/proc/" + process + "/comm");
+            std::getline(comm, program);
+            return " by " + (program.empty() ? "process" : program) + " (" + process + ")";
+        }
+    }
+    return {};
+}
+
+} // namespace
 
 Places Places::fromEnvironment() {
     const char* data = std::getenv("XDG_DATA_HOME");
@@ -97,15 +132,28 @@ void syncFile(const std::string& path) {
     }
 }
 
-FileLock::FileLock(const std::string& path)
+FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
     : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
     if (!file_) {
         throw systemError(path, "cannot be opened", errno);
     }
-    while (flock(file_.get(), LOCK_EX) != 0) {
-        if (errno != EINTR) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + patience;
+    // The kernel waits for ever or not at all.
+    constexpr std::chrono::milliseconds longestPause{50};
+    std::chrono::milliseconds pause{1};
+    while (flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR) {
             throw systemError(path, "cannot be locked", errno);
         }
+        if (Clock::now() >= deadline) {
+            throw Error(path + ": is locked" + holderOf(file_.get()) +
+                        (patience.count() == 0
+                             ? std::string()
+                             : ", for longer than " + std::to_string(patience.count()) + " ms"));
+        }
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, longestPause);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "system/descriptor.h"
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -42,11 +43,14 @@ void syncFolder(const std::string& path);
 /// Syncs a file's contents to the disk. Throws Error.
 void syncFile(const std::string& path);
 
-/// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders.
-/// Throws Error.
+/// How long a lock is waited for that others hold for a moment only.
+constexpr std::chrono::seconds lockPatience{10};
+
+/// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders up
+/// to `patience`. Throws Error, which names the holder when the lock could not be had in time.
 class FileLock {
 public:
-    explicit FileLock(const std::string& path);
+    explicit FileLock(const std::string& path, std::chrono::milliseconds patience = lockPatience);
 
 private:
     sys::Descriptor file_;

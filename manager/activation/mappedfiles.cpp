@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Memory maps as /proc tells them: a line per mapping, which ends with the file's path.
+#include "manager/activation/mappedfiles.h"
+
+#include "manager/library/error.h"
+#include "manager/library/fields.h"
+#include "manager/library/places.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+#include <unistd.h>
+
+namespace manager {
+
+std::unordered_map<std::string, std::vector<ProcessMark>>
+mappersOfFilesBelow(const std::string& root) {
+    constexpr std::size_t maximumLength = std::size_t{64} << 20U;
+    const std::string beginning = " " + root + "/";
+    std::unordered_map<std::string, std::vector<ProcessMark>> mappers;
+    std::error_code code;
+    for (std::filesystem::directory_iterator entry("/proc", code), end; !code && entry != end;
+         entry.increment(code)) {
+        const auto id = toNumber<std::int32_t>(entry->path().filename().string());
+        if (!id || *id == getpid()) {
+            continue;
+        }
+        std::string maps;
+        try {
+            maps = readFile(entry->path() / "maps", maximumLength);
+        } catch (const Error&) {
+            continue; // another user's, or ended
+        }
+        const auto mark = markOf(*id);
+        for (std::size_t at = maps.find(beginning); mark && at != std::string::npos;
+             at = maps.find(beginning, at + 1)) {
+            const std::string_view line(maps.data() + at + 1, maps.find('\n', at) - at - 1);
+            auto& known = mappers[folderOf(line)];
+            if (std::find(known.begin(), known.end(), *mark) == known.end()) {
+                known.push_back(*mark);
+            }
+        }
+    }
+    return mappers;
+}
+
+} // namespace manager

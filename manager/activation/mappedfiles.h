@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Which programs have active fonts open.
+#pragma once
+
+#include "manager/activation/reason.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace manager {
+
+/// The user's running programs, this one apart, that have files below `root` mapped into memory, by
+/// the folder of the file. Reads the memory maps of all of the user's processes.
+[[nodiscard]] std::unordered_map<std::string, std::vector<ProcessMark>>
+mappersOfFilesBelow(const std::string& root);
+
+} // namespace manager

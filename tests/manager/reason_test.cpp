@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// What containers are active for: when that ends, what then leaves, and what stays under a program.
+#include "manager/library/error.h"
+#include "system/child.h"
+#include "tests/manager/activationfixture.h"
+
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class AReason : public AnActivation {
+protected:
+    AReason() {
+        std::filesystem::create_directory(sandbox_.root() + "/run");
+        sigemptyset(&ready_);
+        sigaddset(&ready_, SIGUSR1);
+        pthread_sigmask(SIG_BLOCK, &ready_, nullptr);
+    }
+    ~AReason() override { pthread_sigmask(SIG_UNBLOCK, &ready_, nullptr); }
+
+    void activateFor(const std::vector<Reason>& reasons) {
+        ContainerFonts wanted = fonts();
+        wanted.reasons = reasons;
+        EXPECT_TRUE(activate(wanted).success);
+    }
+    std::vector<Withdrawal> withdrawDue() { return Activation(sandbox_.places()).withdrawDue(); }
+    std::vector<std::string> reasons() {
+        std::vector<std::string> texts;
+        for (const ActiveContainer& active : Activation(sandbox_.places()).active({})) {
+            for (const Reason& reason : active.reasons) {
+                texts.push_back(describe(reason));
+            }
+        }
+        return texts;
+    }
+
+    sigset_t ready_{};
+    testsupport::Variable runtime_{"XDG_RUNTIME_DIR", sandbox_.root() + "/run"};
+};
+
+TEST_F(AReason, KeepsASetAsLongAsOneOfThemStands) {
+    std::optional<sys::Child> program(std::in_place, "/bin/cat", std::span<const std::string>());
+    const pid_t process = program->process();
+    Reason past = Reason::forTime(std::chrono::hours(2));
+    past.time = std::time(nullptr);
+    activateFor({*Reason::forDocumentOf(process), Reason::untilLogout(), past});
+    const std::string document = "for a document of cat (" + std::to_string(process) + ")";
+    EXPECT_THAT(reasons(), ElementsAre(document, "until logout"));
+    EXPECT_THAT(withdrawDue(), IsEmpty());
+    program.reset();
+    EXPECT_FALSE(Reason::forDocumentOf(process));
+    EXPECT_THAT(withdrawDue(), IsEmpty());
+    EXPECT_THAT(reasons(), ElementsAre("until logout"));
+    // The next login has a runtime folder of its own.
+    std::filesystem::remove_all(sandbox_.root() + "/run");
+    std::filesystem::create_directory(sandbox_.root() + "/run");
+    const auto withdrawn = withdrawDue();
+    ASSERT_EQ(withdrawn.size(), 1U);
+    EXPECT_TRUE(withdrawn[0].outcome.changed);
+    EXPECT_THAT(visibleFamilies(), IsEmpty());
+}
+
+TEST_F(AReason, OfAProcessIsNotThatOfALaterOneOfItsNumber) {
+    Reason earlier = *Reason::forDocumentOf(getpid());
+    --earlier.process.started;
+    Reason otherBoot = *Reason::forDocumentOf(getpid());
+    otherBoot.process.boot = "another";
+    for (const Reason& reason : {earlier, otherBoot}) {
+        activateFor({reason});
+        EXPECT_EQ(withdrawDue().size(), 1U);
+    }
+}
+
+TEST_F(AReason, IsAddedToThoseOfBeforeAndRenewed) {
+    activate(fonts());
+    activateFor({Reason::forTime(std::chrono::hours(1))});
+    activateFor({Reason::forTime(std::chrono::hours(2)), *Reason::forDocumentOf(getpid())});
+    EXPECT_THAT(reasons(),
+                ElementsAre("by hand", HasSubstr("until 2"), HasSubstr("a document of")));
+    EXPECT_EQ(Activation(sandbox_.places()).endingReasons().size(), 2U);
+}
+
+TEST_F(AReason, IsByHandInARecordThatKnewNone) {
+    activate(fonts());
+    std::string record = readBytes(set() + "/.glyphora-set");
+    record.replace(record.find("set 2"), 5, "set 1");
+    record.erase(record.find("reason\thand\n"), 12);
+    writeBytes(set() + "/.glyphora-set", record);
+    EXPECT_THAT(reasons(), ElementsAre("by hand"));
+    activateFor({Reason::forTime(std::chrono::hours(1))});
+    EXPECT_THAT(reasons(), ElementsAre("by hand", HasSubstr("until 2")));
+    writeBytes(set() + "/.glyphora-set", record + "reason\twhim\n");
+    EXPECT_THAT(activate(fonts()).problems, ElementsAre(HasSubstr("line 5: not a line of a set")));
+}
+
+TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
+    activate(fonts());
+    const pid_t program = fork();
+    if (program == 0) {
+        const int file = open((set() + "/one.ttf").c_str(), O_RDONLY);
+        mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0);
+        kill(getppid(), SIGUSR1);
+        pause();
+    }
+    ASSERT_GT(program, 0);
+    int number = 0;
+    sigwait(&ready_, &number);
+    const auto outcome = deactivate();
+    EXPECT_TRUE(outcome.postponed && !outcome.changed);
+    EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("(" + std::to_string(program) + "); it")));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    EXPECT_THAT(withdrawDue(), IsEmpty());
+    kill(program, SIGKILL);
+    waitpid(program, nullptr, 0);
+    EXPECT_EQ(withdrawDue().size(), 1U);
+    EXPECT_THAT(visibleFamilies(), IsEmpty());
+}
+
+TEST(ALock, IsWaitedForAWhileAndThenSaysWhoHasIt) {
+    const Sandbox sandbox;
+    const std::string path = sandbox.root() + "/lock";
+    const FileLock held(path);
+    try {
+        const FileLock second(path, std::chrono::milliseconds(20));
+        FAIL() << "locked twice";
+    } catch (const Error& error) {
+        EXPECT_THAT(error.what(), HasSubstr("lock: is locked by manager_activat (" +
+                                            std::to_string(getpid()) + "), for longer than 20 ms"));
+    }
+}
+
+} // namespace
