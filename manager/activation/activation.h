@@ -11,6 +11,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace manager {
@@ -96,6 +97,8 @@ public:
     /// Marks the folder as changed once more. Programs compare whole seconds, and one that looked
     /// in the second of the change would miss it for good.
     void settle();
+    /// The same for a change of these containers that `process` made, which has ended since.
+    void settleFor(pid_t process, std::span<const ContainerId> changed);
 
 private:
     [[nodiscard]] FileLock lock() const;

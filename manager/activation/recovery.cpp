@@ -6,6 +6,7 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
+#include <unistd.h>
 #include <utility>
 
 namespace manager {
@@ -43,15 +44,24 @@ void Activation::beginChange() {
 void Activation::endChange(bool changed) {
     unsettled_ = unsettled_ || changed;
     if (!unsettled_) {
-        folders_.staging().unmarkUnsettled();
+        folders_.staging().unmarkUnsettled(getpid());
     }
 }
 
 void Activation::settle() {
     const std::vector<std::string> folders = std::exchange(changedFolders_, {});
     unsettled_ = false;
-    folders_.staging().unmarkUnsettled();
+    folders_.staging().unmarkUnsettled(getpid());
     showChanges(folders); // the touch has outdated the caches: writes them once more for everybody
+}
+
+void Activation::settleFor(pid_t process, std::span<const ContainerId> changed) {
+    const FileLock held = lock();
+    for (const ContainerId id : changed) {
+        changedFolders_.push_back(folders_.folder(id));
+    }
+    folders_.staging().unmarkUnsettled(process);
+    settle();
 }
 
 void Activation::showChanges(std::span<const std::string> folders) const {

@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::string_view markBeginning = "unsettled.";
 
-std::string markPath(const std::string& folder) {
-    return folder + "/" + std::string(markBeginning) + std::to_string(getpid());
+std::string markPath(const std::string& folder, pid_t process) {
+    return folder + "/" + std::string(markBeginning) + std::to_string(process);
 }
 
 std::vector<std::string> namesIn(const std::string& folder) {
@@ -59,11 +59,12 @@ std::vector<ContainerId> SetStaging::takenRecords() const {
 }
 
 void SetStaging::markUnsettled() const noexcept {
-    const sys::Descriptor mark(open(markPath(path_).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    const sys::Descriptor mark(
+        open(markPath(path_, getpid()).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
 }
 
-void SetStaging::unmarkUnsettled() const noexcept {
-    unlink(markPath(path_).c_str());
+void SetStaging::unmarkUnsettled(pid_t process) const noexcept {
+    unlink(markPath(path_, process).c_str());
 }
 
 bool SetStaging::clear() const {

@@ -6,6 +6,7 @@
 #include "manager/activation/setrecord.h"
 
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace manager {
@@ -33,7 +34,8 @@ public:
     /// Notes that this process has a change to settle, for whoever recovers after its end. Without
     /// it, on a full disk, only that is lost.
     void markUnsettled() const noexcept;
-    void unmarkUnsettled() const noexcept;
+    /// The note of `process`, which may have ended.
+    void unmarkUnsettled(pid_t process) const noexcept;
 
     /// Removes what is left over. Whether a process had a change to settle. Throws Error.
     bool clear() const;

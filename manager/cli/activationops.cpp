@@ -6,19 +6,20 @@
 #include "manager/activation/activation.h"
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
+#include "manager/cli/containernames.h"
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
-#include "manager/exchange/candidates.h"
+#include "manager/cli/settling.h"
+#include "manager/cli/tally.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <set>
-#include <thread>
+#include <span>
+#include <utility>
 
 namespace manager {
 
@@ -26,136 +27,100 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-ContainerId resolve(Library& library, const Activation& activation, const std::string& name) {
-    CandidateFinder finder(library, activation);
-    if (const auto id = toContainerId(name)) {
-        if (!finder.container(*id)) {
-            throw Error("container " + name + ": not in the library");
-        }
-        return *id;
-    }
-    CommandFont font;
-    font.postScriptName = name;
-    if (const auto candidates = finder.find(font); !candidates.empty()) {
-        return candidates.front().container.id;
-    }
-    const auto families = library.findContainers(name);
-    if (families.empty()) {
-        throw Error(name + ": no container, PostScript name or family of the library");
-    }
-    if (families.size() > 1) {
-        std::string text = name + ": in several containers, give the number of one:";
-        for (const ContainerId id : families) {
-            text += " " + toText(id);
-        }
-        throw Error(text);
-    }
-    return families.front();
+/// What is told of a container when it was dealt with.
+struct Told {
+    std::string text;
+    Json item;
+};
+
+Told toldOf(const char* deed, const Container& container) {
+    return {std::string(deed) + " " + container.name + " (container " + toText(container.id) +
+                ", " + container.path() + ")",
+            {{"id", static_cast<std::int32_t>(container.id)},
+             {"name", container.name},
+             {"path", container.path()}}};
 }
 
-std::vector<ContainerId> resolveActive(const Places& places, const Activation& activation,
-                                       const std::string& name) {
-    if (const auto id = toContainerId(name)) {
-        return {*id};
-    }
-    std::vector<ContainerId> ids;
-    for (const ActiveContainer& container : activation.active(warn)) {
-        if (faces::nameKey(container.name) == faces::nameKey(name)) {
-            ids.push_back(container.id);
-        }
-    }
-    if (ids.empty()) {
-        // A collection goes by the name of its file; its families only the library knows.
-        const auto library = openScanned(places);
-        for (const ContainerId id : library->findContainers(name)) {
-            if (const auto container = library->container(id);
-                container && activation.isActive(*container)) {
-                ids.push_back(id);
-            }
-        }
-    }
-    if (ids.empty()) {
-        throw Error(name + ": no active container of this name");
-    }
-    return ids;
-}
-
-int finish(const Places& places, Activation& activation,
-           const std::vector<ActivationOutcome>& outcomes, const std::vector<std::string>& texts) {
-    int status = exitSuccess;
-    bool changed = false;
+// Records and tells what came of each.
+void tell(const Places& places, std::span<const ActivationOutcome> outcomes, std::span<Told> told,
+          Tally& tally) {
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         const ActivationOutcome& outcome = outcomes[i];
-        const bool success = outcome.success;
-        changed = changed || outcome.changed;
         for (const std::string& problem : outcome.problems) {
-            warn(problem);
-            if (!success || outcome.postponed) {
-                recordDeed(places, success ? Deed::Undecided : Deed::Failed, problem);
+            if (outcome.success) {
+                tally.remark(problem);
+            } else {
+                tally.fail(problem);
+            }
+            if (!outcome.success || outcome.postponed) {
+                recordDeed(places, outcome.success ? Deed::Undecided : Deed::Failed, problem);
             }
         }
-        if ((success && !outcome.postponed) || outcome.changed) { // also what was done in part
-            recordDeed(places, Deed::Done, texts[i]);
-            printLine(texts[i]);
-        }
-        if (!success) {
-            status = exitFailure;
+        // Also what was done in part.
+        if ((outcome.success && !outcome.postponed) || outcome.changed) {
+            recordDeed(places, Deed::Done, told[i].text);
+            tally.add(told[i].text, std::move(told[i].item));
         }
     }
-    std::fflush(stdout);
-    if (changed) {
+}
+
+// Lets others know, now and in a second.
+void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
+                std::span<const ActivationOutcome> outcomes) {
+    if (activation.isUnsettled()) { // also by what was put in place and taken away again
+        settleLater(ids);
+    }
+    if (std::any_of(outcomes.begin(), outcomes.end(),
+                    [](const ActivationOutcome& outcome) { return outcome.changed; })) {
         postLibraryChanged();
     }
-    if (activation.isUnsettled()) { // also by what was put in place and taken away again
-        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-        activation.settle();
-    }
-    return status;
 }
 
 } // namespace
 
-int activateCommand(const Places& places, const std::vector<std::string>& names) {
-    const auto library = openScanned(places);
+int activateCommand(const Places& places, const std::vector<std::string>& names, bool json) {
+    Tally tally(json, "activated");
     Activation activation(places);
+    ContainerNames finder(
+        places, activation, [&] { return openScanned(places); }, tally);
     std::vector<ContainerFonts> fonts;
-    std::vector<std::string> texts;
-    std::set<ContainerId> named;
-    for (const std::string& name : names) {
-        const ContainerId id = resolve(*library, activation, name);
-        const auto container = library->container(id);
-        if (!container || !named.insert(id).second) {
-            continue;
-        }
-        fonts.push_back({id, container->name, library->files(id)});
-        texts.push_back("activated " + container->name + " (container " + toText(id) + ", " +
-                        container->path() + ")");
+    std::vector<ContainerId> ids;
+    std::vector<Told> told;
+    for (const Container& container : finder.find(names)) {
+        fonts.push_back({container.id, container.name, finder.library().files(container.id)});
+        ids.push_back(container.id);
+        told.push_back(toldOf("activated", container));
     }
-    return finish(places, activation, activation.activate(fonts), texts);
+    const auto outcomes = activation.activate(fonts);
+    tell(places, outcomes, told, tally);
+    tellOthers(activation, ids, outcomes);
+    return tally.finish();
 }
 
-int deactivateCommand(const Places& places, const std::vector<std::string>& names) {
+int deactivateCommand(const Places& places, const std::vector<std::string>& names, bool all,
+                      bool json) {
+    Tally tally(json, "deactivated");
     Activation activation(places);
+    ContainerNames finder(
+        places, activation, [&] { return openScanned(places); }, tally);
     std::vector<ContainerId> ids;
-    if (names.empty()) {
+    if (all) {
         for (const ActiveContainer& container : activation.active(warn)) {
             ids.push_back(container.id);
         }
+    } else {
+        ids = finder.findActive(names);
     }
-    std::set<ContainerId> known(ids.begin(), ids.end());
-    for (const std::string& name : names) {
-        for (const ContainerId id : resolveActive(places, activation, name)) {
-            if (known.insert(id).second) {
-                ids.push_back(id);
-            }
-        }
-    }
-    std::vector<std::string> texts;
-    texts.reserve(ids.size());
+    std::vector<Told> told;
+    told.reserve(ids.size());
     for (const ContainerId id : ids) {
-        texts.push_back("deactivated container " + toText(id));
+        told.push_back(
+            {"deactivated container " + toText(id), {{"id", static_cast<std::int32_t>(id)}}});
     }
-    return finish(places, activation, activation.deactivate(ids), texts);
+    const auto outcomes = activation.deactivate(ids);
+    tell(places, outcomes, told, tally);
+    tellOthers(activation, ids, outcomes);
+    return tally.finish();
 }
 
 int statusCommand(const Places& places, bool json) {

@@ -9,11 +9,11 @@
 
 namespace manager {
 
-/// Each returns an ExitStatus and throws Error. The changing ones tell others and stay a second
-/// longer, so that no program misses the change.
-int activateCommand(const Places& places, const std::vector<std::string>& names);
-/// With no names: everything.
-int deactivateCommand(const Places& places, const std::vector<std::string>& names);
+/// Each returns an ExitStatus and throws Error. The changing ones tell others, and leave what is
+/// due a second later to a process of its own.
+int activateCommand(const Places& places, const std::vector<std::string>& names, bool json);
+int deactivateCommand(const Places& places, const std::vector<std::string>& names, bool all,
+                      bool json);
 int statusCommand(const Places& places, bool json);
 int historyCommand(const Places& places, bool all, bool json);
 

@@ -4,8 +4,12 @@
 
 #include "manager/cli/activationops.h"
 #include "manager/cli/announce.h"
+#include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/report.h"
 #include "manager/cli/server.h"
+#include "manager/cli/settling.h"
+#include "manager/cli/tally.h"
 #include "manager/library/error.h"
 
 #include <CLI/CLI.hpp>
@@ -14,6 +18,8 @@
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace manager {
 
@@ -22,8 +28,10 @@ namespace {
 /// The values that the options fill.
 struct Options {
     std::vector<std::string> names;
+    std::string group;
     bool json = false;
     bool containers = false;
+    bool problems = false;
     bool all = false;
     bool quiet = false;
     bool verbose = false;
@@ -31,14 +39,19 @@ struct Options {
 
 using Action = std::function<int(const Places&)>;
 
+constexpr const char* nameHelp = "Numbers of containers, PostScript names, families, patterns of "
+                                 "these, collection:NAME or tag:NAME";
+
 class CommandLine {
 public:
     CommandLine() {
         app_.require_subcommand(1);
         app_.set_version_flag("--version", "glyphora " GLYPHORA_VERSION);
         addLibraryCommands();
-        addServerCommands();
         addActivationCommands();
+        addGroupCommands(GroupKind::Collection, "Name containers together, to switch them as one");
+        addGroupCommands(GroupKind::Tag, "Mark containers by a word");
+        addServerCommands();
     }
 
     int run(int argc, char** argv) {
@@ -52,76 +65,131 @@ public:
             }
             return app_.exit(error) == 0 ? exitSuccess : exitUsage;
         }
-        return action_(Places::fromEnvironment());
+        try {
+            return action_(Places::fromEnvironment());
+        } catch (const std::exception& error) {
+            if (options_.json) {
+                printJson({{"problems", {error.what()}}});
+            }
+            throw;
+        }
     }
 
 private:
     CLI::App* command(const char* name, const char* help, Action action) {
-        CLI::App* added = app_.add_subcommand(name, help);
+        CLI::App* added = jsonless(app_, name, help, std::move(action));
+        added->add_flag("--json", options_.json, "Print it as JSON");
+        return added;
+    }
+    CLI::App* jsonless(CLI::App& parent, const char* name, const char* help, Action action) {
+        CLI::App* added = parent.add_subcommand(name, help);
         added->callback([this, action = std::move(action)] { action_ = action; });
         return added;
     }
+    CLI::Option* addNames(CLI::App& command, const char* name, const char* help) {
+        return command.add_option(name, options_.names, help);
+    }
 
     void addLibraryCommands() {
-        command("add", "Record folders of font files and scan them",
-                [this](const Places& places) { return addCommand(places, options_.names); })
-            ->add_option("folder", options_.names, "Folders")
-            ->required();
-        command("remove", "Forget recorded folders",
-                [this](const Places& places) { return removeCommand(places, options_.names); })
-            ->add_option("folder", options_.names, "Folders")
-            ->required();
+        const auto folders = [this](CLI::App* added) {
+            addNames(*added, "folder", "Folders")->required();
+        };
+        folders(command("add", "Record folders of font files and scan them",
+                        [this](const Places& places) {
+                            return addCommand(places, options_.names, options_.json);
+                        }));
+        folders(command("remove", "Forget recorded folders", [this](const Places& places) {
+            return removeCommand(places, options_.names, options_.json);
+        }));
         command("scan", "Look for new, changed and removed font files",
-                [this](const Places& places) { return scanCommand(places, options_.quiet); })
+                [this](const Places& places) {
+                    return scanCommand(places, options_.quiet, options_.json);
+                })
             ->add_flag("--quiet", options_.quiet, "Print new problems alone");
         CLI::App* list = command("list", "List the recorded folders", [this](const Places& places) {
             return listCommand(places, options_.json         ? Listing::Json
                                        : options_.containers ? Listing::Containers
+                                       : options_.problems   ? Listing::Problems
                                                              : Listing::Folders);
         });
-        list->add_flag("--json", options_.json, "Print everything as JSON");
         list->add_flag("--containers", options_.containers, "List what the folders hold");
+        list->add_flag("--problems", options_.problems, "List the files that are no fonts");
     }
 
     void addServerCommands() {
-        command("serve", "Answer commands until told to quit", [this](const Places& places) {
+        jsonless(app_, "serve", "Answer commands until told to quit", [this](const Places& places) {
             return serveCommand(places, options_.verbose);
         })->add_flag("--verbose", options_.verbose, "Log each command to standard error");
-        command("quit", "Tell the server to quit", [](const Places&) {
+        command("quit", "Tell the server to quit", [this](const Places&) {
+            Tally tally(options_.json);
             askServerToQuit();
-            return static_cast<int>(exitSuccess);
+            return tally.finish();
         });
         command("status", "Tell what runs, what there is and what is active",
-                [this](const Places& places) { return statusCommand(places, options_.json); })
-            ->add_flag("--json", options_.json, "Print it as JSON");
-        CLI::App* history =
-            command("history", "Tell what was done since the server was last started",
-                    [this](const Places& places) {
-                        return historyCommand(places, options_.all, options_.json);
-                    });
-        history->add_flag("--all", options_.all, "Tell all that is kept");
-        history->add_flag("--json", options_.json, "Print it as JSON");
+                [this](const Places& places) { return statusCommand(places, options_.json); });
+        command("history", "Tell what was done since the server was last started",
+                [this](const Places& places) {
+                    return historyCommand(places, options_.all, options_.json);
+                })
+            ->add_flag("--all", options_.all, "Tell all that is kept");
     }
 
     void addActivationCommands() {
-        command("activate", "Make containers visible to the desktop",
-                [this](const Places& places) { return activateCommand(places, options_.names); })
-            ->add_option("container", options_.names,
-                         "Numbers of containers, PostScript names or families")
+        addNames(*command("activate", "Make containers visible to the desktop",
+                          [this](const Places& places) {
+                              return activateCommand(places, options_.names, options_.json);
+                          }),
+                 "container", nameHelp)
             ->required();
         CLI::App* deactivate =
             command("deactivate", "Take containers back", [this](const Places& places) {
-                return deactivateCommand(places, options_.names);
+                return deactivateCommand(places, options_.names, options_.all, options_.json);
             });
         auto* all = deactivate->add_flag("--all", options_.all, "Everything that is active");
-        auto* names = deactivate->add_option("container", options_.names,
-                                             "Numbers of containers or families");
+        auto* names = addNames(*deactivate, "container", nameHelp);
         all->excludes(names);
         deactivate->parse_complete_callback([this] {
             if (!options_.all && options_.names.empty()) {
                 throw CLI::ValidationError("deactivate", "name containers, or give --all");
             }
         });
+        // What a change leaves to a process of its own; not for people.
+        addNames(*jsonless(app_, "settle", "Finish a change",
+                           [this](const Places& places) {
+                               return settleCommand(places, options_.names);
+                           }),
+                 "word", "The process, and its containers");
+        app_.get_subcommand("settle")->group("");
+    }
+
+    void addGroupCommands(GroupKind kind, const char* help) {
+        CLI::App* parent = app_.add_subcommand(std::string(wordOf(kind)), help);
+        parent->require_subcommand(1);
+        const auto add = [this, parent, kind](const char* name, const char* text, auto run) {
+            CLI::App* added =
+                jsonless(*parent, name, text, [this, kind, run](const Places& places) {
+                    return run(places, GroupTitle{kind, options_.group});
+                });
+            added->add_flag("--json", options_.json, "Print it as JSON");
+            return added;
+        };
+        const auto addTo = [this](const Places& places, const GroupTitle& title) {
+            return addToGroup(places, title, options_.names, options_.json);
+        };
+        const auto removeFrom = [this](const Places& places, const GroupTitle& title) {
+            return removeFromGroup(places, title, options_.names, options_.json);
+        };
+        const auto list = [this](const Places& places, const GroupTitle& title) {
+            return listGroups(places, title, options_.json);
+        };
+        CLI::App* adding = add("add", "Put containers in; made if need be", addTo);
+        adding->add_option("name", options_.group, "Its name")->required();
+        addNames(*adding, "container", nameHelp);
+        CLI::App* removing = add("remove", "Take containers out, or remove all of it", removeFrom);
+        removing->add_option("name", options_.group, "Its name")->required();
+        addNames(*removing, "container", "Numbers, names or patterns; without: all of it");
+        add("list", "List them, or what is in one", list)
+            ->add_option("name", options_.group, "Its name");
     }
 
     CLI::App app_{

@@ -5,11 +5,14 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/knownsets.h"
+#include "manager/cli/tally.h"
+#include "manager/library/error.h"
 #include "manager/library/folders.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <span>
 #include <thread>
 #include <unistd.h>
 
@@ -26,17 +29,15 @@ FontReaderLimits readerLimits() {
     return limits;
 }
 
-// Comes before anything that connects to the bus: the readers are forked. exitFailure when a
-// recorded folder could not be read.
-int scan(const Places& places, bool quiet, bool changedAlready) {
+// Comes before anything that connects to the bus: the readers are forked.
+UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) {
     makeFolders(places.own());
     const FileLock lock(places.scanLock(), longestScan);
     const auto library = openForUse(places);
     const bool owed = library->isScanOwed();
     const std::vector<std::string> folders = readFolders(places);
-    const bool showProgress = !quiet && isatty(STDERR_FILENO) != 0;
     UpdateProgress progress;
-    if (showProgress) {
+    if (showProgress && isatty(STDERR_FILENO) != 0) {
         progress = [](std::size_t done, std::size_t total) {
             std::fprintf(stderr, "\r%zu of %zu font files read", done, total);
             if (done == total) {
@@ -44,21 +45,50 @@ int scan(const Places& places, bool quiet, bool changedAlready) {
             }
         };
     }
-    const UpdateReport report = updateLibrary(*library, folders, readerLimits(), progress);
-    for (const std::string& problem : report.problems) {
-        warn(problem);
-    }
-    if (!quiet) {
-        for (const std::string& problem : report.knownProblems) {
-            warn(problem);
-        }
-        std::printf("%s read, %zu unchanged, %zu gone\n", counted(report.read, "font file").c_str(),
-                    report.unchanged, report.removed);
-    }
+    UpdateReport report = updateLibrary(*library, folders, readerLimits(), progress);
     if (report.changed() || owed || changedAlready) {
         postLibraryChanged();
     }
-    return report.unreadFolders == 0 ? exitSuccess : exitFailure;
+    return report;
+}
+
+// Only what is new is told: what was wrong before, `list --problems` tells.
+void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
+    for (const std::string& problem : report.problems) {
+        tally.remark(problem);
+    }
+    tally.set("scan", {{"read", report.read},
+                       {"unchanged", report.unchanged},
+                       {"gone", report.removed},
+                       {"unreadFolders", report.unreadFolders},
+                       {"knownProblems", report.knownProblems.size()}});
+    if (!quiet && !tally.isJson()) {
+        const std::string known =
+            report.knownProblems.empty()
+                ? std::string()
+                : ", " + counted(report.knownProblems.size(), "known problem");
+        std::printf("%s read, %zu unchanged, %zu gone%s\n",
+                    counted(report.read, "font file").c_str(), report.unchanged, report.removed,
+                    known.c_str());
+    }
+}
+
+// Deals with each folder by itself, so that a wrong one costs only itself.
+using FolderFunction = std::vector<std::string> (*)(const Places&, std::span<const std::string>);
+bool changeFolders(const Places& places, const std::vector<std::string>& folders, const char* deed,
+                   FolderFunction change, Tally& tally) {
+    bool changed = false;
+    for (const std::string& folder : folders) {
+        try {
+            for (const std::string& path : change(places, std::span(&folder, 1))) {
+                tally.add(std::string(deed) + " " + path, {{"path", path}});
+                changed = true;
+            }
+        } catch (const Error& error) {
+            tally.fail(error.what());
+        }
+    }
+    return changed;
 }
 
 } // namespace
@@ -72,31 +102,43 @@ std::unique_ptr<Library> openScanned(const Places& places) {
     auto library = openForUse(places);
     if (library->isScanOwed()) {
         library.reset();
-        scan(places, true, false);
+        for (const std::string& problem : scan(places, false, false).problems) {
+            warn(problem);
+        }
         library = openForUse(places);
     }
     return library;
 }
 
-int addCommand(const Places& places, const std::vector<std::string>& folders) {
-    const auto added = addFolders(places, folders);
-    for (const std::string& folder : added) {
-        printLine("added " + folder);
+int addCommand(const Places& places, const std::vector<std::string>& folders, bool json) {
+    Tally tally(json, "added");
+    const bool changed = changeFolders(places, folders, "added", addFolders, tally);
+    const UpdateReport report = scan(places, !json, changed);
+    tellScan(report, false, tally);
+    if (report.unreadFolders != 0) {
+        tally.fail(counted(report.unreadFolders, "recorded folder") + " could not be read");
     }
-    return scan(places, false, !added.empty());
+    return tally.finish();
 }
 
-int removeCommand(const Places& places, const std::vector<std::string>& folders) {
-    const auto removed = removeFolders(places, folders);
-    for (const std::string& folder : removed) {
-        printLine("removed " + folder);
+int removeCommand(const Places& places, const std::vector<std::string>& folders, bool json) {
+    Tally tally(json, "removed");
+    if (changeFolders(places, folders, "removed", removeFolders, tally)) {
+        // What it meets in other folders is no fault of this.
+        tellScan(scan(places, !json, true), false, tally);
     }
-    scan(places, false, !removed.empty()); // what it meets in other folders is no fault of this
-    return exitSuccess;
+    return tally.finish();
 }
 
-int scanCommand(const Places& places, bool quiet) {
-    return scan(places, quiet, false);
+int scanCommand(const Places& places, bool quiet, bool json) {
+    Tally tally(json);
+    const UpdateReport report = scan(places, !quiet && !json, false);
+    tellScan(report, quiet, tally);
+    const int status = tally.finish();
+    if (report.unreadFolders == 0) {
+        return status;
+    }
+    return report.unreadFolders == readFolders(places).size() ? exitFailure : exitPartly;
 }
 
 int listCommand(const Places& places, Listing listing) {

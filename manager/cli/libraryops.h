@@ -19,9 +19,9 @@ namespace manager {
 [[nodiscard]] std::unique_ptr<Library> openScanned(const Places& places);
 
 /// Each returns an ExitStatus and throws Error. They scan where needed and tell others of changes.
-int addCommand(const Places& places, const std::vector<std::string>& folders);
-int removeCommand(const Places& places, const std::vector<std::string>& folders);
-int scanCommand(const Places& places, bool quiet);
+int addCommand(const Places& places, const std::vector<std::string>& folders, bool json);
+int removeCommand(const Places& places, const std::vector<std::string>& folders, bool json);
+int scanCommand(const Places& places, bool quiet, bool json);
 int listCommand(const Places& places, Listing listing);
 
 } // namespace manager

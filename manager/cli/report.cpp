@@ -102,6 +102,11 @@ void printLibrary(Library& library, const Activation& activation,
     case Listing::Containers:
         printContainers(library, activation);
         break;
+    case Listing::Problems:
+        for (const std::string& problem : library.problems()) {
+            printLine(problem);
+        }
+        break;
     case Listing::Json:
         printAll(library, activation, folders);
         break;

@@ -21,7 +21,7 @@ namespace manager {
 void printLine(std::string_view text);
 void warn(std::string_view text);
 
-enum class Listing { Folders, Containers, Json };
+enum class Listing { Folders, Containers, Problems, Json };
 
 /// Prints the recorded folders with what they hold.
 void printLibrary(Library& library, const Activation& activation,

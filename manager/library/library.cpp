@@ -186,6 +186,35 @@ std::vector<ContainerId> Library::findContainers(std::string_view name) {
     return result;
 }
 
+std::vector<ContainerId> Library::findContainersLike(std::string_view pattern) {
+    std::string own(pattern);
+    for (std::size_t at = 0; (at = own.find("[!", at)) != std::string::npos; ++at) {
+        own[at + 1] = '^'; // as SQLite writes it
+    }
+    const std::string key = faces::nameKey(own);
+    Statement statement(database_, "SELECT face.container FROM name "
+                                   "JOIN face ON face.id = name.face WHERE name.family_key GLOB ? "
+                                   "UNION SELECT container FROM face WHERE postscript_name GLOB ? "
+                                   "ORDER BY 1");
+    statement.bind(1, key).bind(2, own);
+    std::vector<ContainerId> result;
+    while (statement.step()) {
+        result.push_back(static_cast<ContainerId>(statement.number(0)));
+    }
+    return result;
+}
+
+std::optional<ContainerId> Library::findPlace(const Container& place) {
+    const std::string key = place.file.empty() ? faces::nameKey(place.name) : std::string();
+    Statement statement(database_, "SELECT id FROM container "
+                                   "WHERE folder = ? AND file = ? AND family_key = ?");
+    statement.bind(1, place.folder).bind(2, place.file).bind(3, key);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    return static_cast<ContainerId>(statement.number(0));
+}
+
 LibraryCounts Library::counts(const std::string& folder) {
     const PathRange range(folder);
     return {count(database_,

@@ -94,6 +94,12 @@ public:
     [[nodiscard]] std::vector<Container> containers();
     /// The containers of a family by this name.
     [[nodiscard]] std::vector<ContainerId> findContainers(std::string_view name);
+    /// Those with a family or PostScript name that a shell pattern (*, ?, [...]) describes; in
+    /// families case and blanks do not count.
+    [[nodiscard]] std::vector<ContainerId> findContainersLike(std::string_view pattern);
+    /// The number of the container of this name in this folder, or of this collection file there,
+    /// be there fonts in it or not.
+    [[nodiscard]] std::optional<ContainerId> findPlace(const Container& place);
     /// What lies at or under `folder`.
     [[nodiscard]] LibraryCounts counts(const std::string& folder);
     /// Folders that the last scan walked.

@@ -1,22 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Parts of the program apart from its processes: lines for people, the watch on folders, what the
-// sets on disk tell.
+// sets on disk tell, collections and tags.
 #include "manager/activation/setrecord.h"
 #include "manager/cli/folderwatch.h"
+#include "manager/cli/groups.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/report.h"
+#include "manager/library/error.h"
+#include "manager/library/update.h"
 #include "tests/manager/sandbox.h"
+#include "tests/support/fontmaker.h"
 
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
 #include <sys/stat.h>
 #include <tuple>
 
 using namespace manager;
 using namespace managertest;
+using namespace testsupport;
 namespace fs = std::filesystem;
 
 namespace {
@@ -67,6 +73,74 @@ TEST(ASetOnDisk, TellsItsContainer) {
     EXPECT_EQ(told,
               (std::map<int, std::string>{
                   {4, "Test Sans,/library/a,"}, {9, "pair.ttc,/library/a,pair.ttc"}, {12, ",,"}}));
+}
+
+class AGroup : public testing::Test {
+protected:
+    void scan() {
+        library_.emplace(sandbox_.places());
+        updateLibrary(*library_, std::vector{sandbox_.library()}, FontReaderLimits{});
+    }
+    Group& group() {
+        groups_ = readGroups(sandbox_.places());
+        return *findGroup(groups_, GroupKind::Tag, "two\nlines");
+    }
+
+    Sandbox sandbox_;
+    std::optional<Library> library_;
+    Groups groups_;
+};
+
+TEST_F(AGroup, KeepsItsMembersWhenANewIndexGivesOtherNumbers) {
+    sandbox_.write("b/sans.ttf", makeFont({"Test Sans", "Regular", "TestSans"}));
+    sandbox_.write("b/pair.ttc", makeCollection({{"Pair", "Regular", "Pair"}}));
+    scan();
+    changeGroups(sandbox_.places(), [&](Groups& groups) {
+        groups.push_back({GroupKind::Tag, "two\nlines", {}});
+        for (const Container& c : library_->containers()) {
+            groups.back().members.push_back({c.id, c.name, c.folder, c.file});
+        }
+        groups.back().members.push_back({ContainerId{3}, "Gone", "/gone", ""});
+        groups.push_back({GroupKind::Collection, "empty", {}});
+    });
+    for (const char* part : {"", "-wal", "-shm"}) {
+        fs::remove(sandbox_.places().database() + part);
+    }
+    sandbox_.write("a/sans.ttf", makeFont({"Test Sans", "Regular", "TestSans"}));
+    scan();
+    const auto& members = group().members;
+    ASSERT_EQ(members.size(), 3U);
+    for (const GroupMember& member : members) {
+        const auto id = currentNumber(*library_, member);
+        const auto found = id ? library_->container(*id) : std::nullopt;
+        EXPECT_EQ(found ? found->folder : "", member.name == "Gone" ? "" : member.folder);
+        EXPECT_NE(id, member.id) << "else this shows nothing";
+    }
+    EXPECT_EQ(groups_.front().title(), "collection:empty");
+}
+
+TEST_F(AGroup, IsNotChangedWhereItsFileCannotBeRead) {
+    const std::string path = sandbox_.places().own() + "/groups";
+    fs::create_directories(sandbox_.places().own());
+    const struct {
+        std::string text;
+        const char* problem;
+    } cases[] = {
+        {"", "line 1: expected \"glyphora-groups 1\""},
+        {"glyphora-groups 1\ncontainer\t1\ta\t/a\t\n", "line 2: "},
+        {"glyphora-groups 1\ntag\tx\ncontainer\t0\ta\t/a\t\n", "line 3: "},
+        {"glyphora-groups 1\ntag\tx\nshelf\ty\n", "line 3: "},
+    };
+    for (const auto& [text, problem] : cases) {
+        writeBytes(path, text);
+        try {
+            changeGroups(sandbox_.places(), [](Groups& groups) { groups.clear(); });
+            ADD_FAILURE() << problem;
+        } catch (const Error& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith(path + ": " + problem));
+        }
+        EXPECT_EQ(readBytes(path), text);
+    }
 }
 
 TEST(AListOfMounts, TellsOfChangesNearAFolder) {

@@ -83,6 +83,20 @@ protected:
         return fonts.empty() ? *reply : fonts[0]->value(element);
     }
 
+    /// A command line, how it ends, and what it prints among other things.
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string message;
+    };
+    void expectEach(const std::vector<Case>& cases) {
+        for (const auto& [arguments, expected, message] : cases) {
+            const Ending ending = glyphora(arguments);
+            EXPECT_EQ(ending.status, expected) << testing::PrintToString(arguments);
+            EXPECT_THAT(ending.output, HasSubstr(message));
+        }
+    }
+
     testsupport::PrivateBus bus_;
     Sandbox sandbox_;
     std::optional<ProgramRun> server_;
@@ -247,11 +261,7 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     EXPECT_EQ(history[1]["text"], "fontRequest: 1 font");
     EXPECT_THAT(std::string(history[1]["time"]), testing::MatchesRegex("[0-9-]+T[0-9:]+Z"));
 
-    const struct {
-        std::vector<std::string> arguments;
-        int status;
-        std::string message;
-    } cases[] = {
+    expectEach({
         {{}, 2, "subcommand is required"},
         {{"dance"}, 2, "unknown command 'dance'"},
         {{"--dance"}, 2, "unknown option '--dance'"},
@@ -267,12 +277,31 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"activate", "Pair"}, 0, "activated pair.ttc (container 2, "},
         {{"deactivate", "2", "1", "PAIR", "lato & co"}, 0, "deactivated container 2\ndeactivated"},
         {{"serve", "x"}, 2, "x"},
-    };
-    for (const auto& [arguments, expected, message] : cases) {
-        const Ending ending = glyphora(arguments);
-        EXPECT_EQ(ending.status, expected) << testing::PrintToString(arguments);
-        EXPECT_THAT(ending.output, HasSubstr(message));
-    }
+    });
+}
+
+TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
+    sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
+    sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
+    expectEach({
+        {{"add", "/absent", sandbox_.library()}, 3, "added " + sandbox_.library()},
+        {{"activate", "Twice", "LATO*"}, 3, "in several containers, give the number of one: 2 3"},
+        {{"activate", "T*"}, 0, "activated Twice (container 3, "},
+        {{"collection", "add", "mine", "LATO & CO", "Nobody"}, 3, "mine: added Lato & Co"},
+        {{"collection", "add", "mine", "2", "1"}, 0, "mine: added Twice"},
+        {{"tag", "add", "bold", "Twice-B"}, 0, "tag:bold: added Twice (container 3, "},
+        {{"deactivate", "tag:bold", "tag:mine"}, 3, "mine: there is no tag of this name"},
+        {{"collection", "list", "mine"}, 0, "2  active  Twice"},
+        {{"deactivate", "Twice", "collection:mine"}, 0, "container 2\ndeactivated container 1\n"},
+        {{"collection", "remove", "mine", "l*", "l*"}, 3, "mine: removed Lato & Co"},
+        {{"collection", "list"}, 0, "mine: 1 container\n"},
+        {{"activate", "--json", "collection:mine", "x"}, 3, "\"name\": \"Twice\","},
+        {{"collection", "remove", "mine"}, 0, "removed collection:mine"},
+        {{"collection", "list", "mine", "--json"}, 1, "{\n  \"problems\": [\n"},
+    });
+    // The command did not wait for what is due a second after it.
+    const std::string staging = sandbox_.places().fonts() + "/.staging";
+    EXPECT_TRUE(await([&] { return std::filesystem::is_empty(staging); }));
 }
 
 } // namespace

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+// From names to containers.
+#include "manager/cli/containernames.h"
+
+#include "faces/namekey.h"
+#include "manager/cli/report.h"
+#include "manager/exchange/candidates.h"
+#include "manager/library/error.h"
+
+#include <algorithm>
+#include <fnmatch.h>
+#include <set>
+#include <string_view>
+
+namespace manager {
+
+namespace {
+
+bool isPattern(std::string_view name) {
+    return name.find_first_of("*?[") != std::string_view::npos;
+}
+
+std::string listed(std::span<const ContainerId> ids) {
+    std::string text;
+    for (const ContainerId id : ids) {
+        text += " " + toText(id);
+    }
+    return text;
+}
+
+} // namespace
+
+Library& ContainerNames::library() {
+    if (!library_) {
+        library_ = open_();
+    }
+    return *library_;
+}
+
+const std::vector<ActiveContainer>& ContainerNames::active() {
+    if (!active_) {
+        active_ = activation_.active(warn);
+    }
+    return *active_;
+}
+
+std::vector<Container> ContainerNames::find(std::span<const std::string> names) {
+    std::vector<Container> found;
+    std::set<ContainerId> known;
+    for (const std::string& name : names) {
+        try {
+            for (const ContainerId id : numbersOf(name)) {
+                auto container = library().container(id);
+                if (!container) {
+                    tally_.fail(name + ": container " + toText(id) + " has no fonts now");
+                } else if (known.insert(id).second) {
+                    found.push_back(std::move(*container));
+                }
+            }
+        } catch (const DamagedDatabase&) {
+            throw;
+        } catch (const Error& error) {
+            tally_.fail(error.what());
+        }
+    }
+    return found;
+}
+
+std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
+    if (const auto title = toGroupTitle(name)) {
+        return membersOf(*title);
+    }
+    if (const auto id = toContainerId(name)) {
+        if (!library().container(*id)) {
+            throw Error("container " + name + ": not in the library");
+        }
+        return {*id};
+    }
+    CommandFont font;
+    font.postScriptName = name;
+    if (const auto candidates = CandidateFinder(library(), activation_).find(font);
+        !candidates.empty()) {
+        return {candidates.front().container.id};
+    }
+    auto families = library().findContainers(name);
+    if (families.empty() && isPattern(name)) {
+        families = library().findContainersLike(name);
+        if (families.empty()) {
+            throw Error(name + ": no PostScript name or family of the library is like this");
+        }
+        return families;
+    }
+    if (families.empty()) {
+        throw Error(name + ": no container, PostScript name or family of the library");
+    }
+    if (families.size() > 1) {
+        throw Error(name + ": in several containers, give the number of one:" + listed(families));
+    }
+    return families;
+}
+
+std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {
+    Groups groups = readGroups(places_);
+    const Group* group = findGroup(groups, title.kind, title.name);
+    if (group == nullptr) {
+        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
+                    " of this name");
+    }
+    std::vector<ContainerId> ids;
+    for (const GroupMember& member : group->members) {
+        if (const auto id = currentNumber(library(), member)) {
+            ids.push_back(*id);
+        } else {
+            tally_.fail(group->title() + ": " + member.name + " of " + member.folder +
+                        " is not in the library");
+        }
+    }
+    return ids;
+}
+
+std::vector<ContainerId> ContainerNames::findActive(std::span<const std::string> names) {
+    std::vector<ContainerId> found;
+    std::set<ContainerId> known;
+    for (const std::string& name : names) {
+        try {
+            for (const ContainerId id : activeNumbersOf(name)) {
+                if (known.insert(id).second) {
+                    found.push_back(id);
+                }
+            }
+        } catch (const DamagedDatabase&) {
+            throw;
+        } catch (const Error& error) {
+            tally_.fail(error.what());
+        }
+    }
+    return found;
+}
+
+std::vector<ContainerId> ContainerNames::activeNumbersOf(const std::string& name) {
+    if (const auto id = toContainerId(name)) {
+        return {*id};
+    }
+    const auto title = toGroupTitle(name);
+    const std::string key = faces::nameKey(name);
+    std::vector<ContainerId> ids;
+    if (!title) {
+        // The names on disk come first: they hold when the library has lost the container.
+        for (const ActiveContainer& container : active()) {
+            const std::string own = faces::nameKey(container.name);
+            if (own == key || fnmatch(key.c_str(), own.c_str(), 0) == 0) {
+                ids.push_back(container.id);
+            }
+        }
+    }
+    if (ids.empty()) {
+        std::vector<ContainerId> meant;
+        if (title) {
+            meant = membersOf(*title);
+        } else {
+            meant = library().findContainersLike(name); // a name without wildcards means itself
+        }
+        for (const ContainerId id : meant) {
+            const auto container = library().container(id);
+            if (container && activation_.isActive(*container)) {
+                ids.push_back(id);
+            }
+        }
+    }
+    if (ids.empty() && !title) {
+        throw Error(name + ": no active container of this name");
+    }
+    return ids;
+}
+
+} // namespace manager

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// What people call containers on the command line: numbers, names of faces and families, patterns
+// of names, collections and tags.
+#pragma once
+
+#include "manager/activation/activation.h"
+#include "manager/cli/groups.h"
+#include "manager/cli/tally.h"
+#include "manager/library/library.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// Opens the library, once it is needed.
+using LibraryOpener = std::function<std::unique_ptr<Library>()>;
+
+/// [one-thread] Reads names of one command. A name that means no container, or might mean several,
+/// fails in the tally and costs only itself.
+class ContainerNames {
+public:
+    ContainerNames(const Places& places, const Activation& activation, LibraryOpener open,
+                   Tally& tally)
+        : places_(places), activation_(activation), open_(std::move(open)), tally_(tally) {}
+
+    /// The containers with fonts that the names mean, each once, in the order of the names.
+    [[nodiscard]] std::vector<Container> find(std::span<const std::string> names);
+    /// The numbers of the active containers that the names mean, each once. A number stands for
+    /// itself.
+    [[nodiscard]] std::vector<ContainerId> findActive(std::span<const std::string> names);
+
+    [[nodiscard]] Library& library();
+
+private:
+    [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
+    [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
+    [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);
+    [[nodiscard]] const std::vector<ActiveContainer>& active();
+
+    Places places_;
+    const Activation& activation_;
+    LibraryOpener open_;
+    Tally& tally_;
+    std::unique_ptr<Library> library_;
+    std::optional<std::vector<ActiveContainer>> active_;
+};
+
+} // namespace manager

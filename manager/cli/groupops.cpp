@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// Making, listing and unmaking collections and tags.
+#include "manager/cli/groupops.h"
+
+#include "faces/namekey.h"
+#include "manager/cli/arguments.h"
+#include "manager/cli/containernames.h"
+#include "manager/cli/libraryops.h"
+#include "manager/cli/report.h"
+#include "manager/cli/tally.h"
+#include "manager/library/error.h"
+
+#include <algorithm>
+#include <fnmatch.h>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace manager {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+bool isSamePlace(const GroupMember& a, const GroupMember& b) {
+    return faces::nameKey(a.name) == faces::nameKey(b.name) && a.folder == b.folder &&
+           a.file == b.file;
+}
+
+GroupMember memberOf(const Container& container) {
+    return {container.id, container.name, container.folder, container.file};
+}
+
+std::string pathOf(const GroupMember& member) {
+    return member.file.empty() ? member.folder : member.folder + "/" + member.file;
+}
+
+Json toJson(const GroupMember& member) {
+    return {{"id", static_cast<std::int32_t>(member.id)},
+            {"name", member.name},
+            {"path", pathOf(member)}};
+}
+
+void tellMember(Tally& tally, const std::string& deed, const GroupMember& member) {
+    tally.add(deed + " " + member.name + " (container " + toText(member.id) + ", " +
+                  pathOf(member) + ")",
+              toJson(member));
+}
+
+Group& existing(Groups& groups, const GroupTitle& title) {
+    Group* group = findGroup(groups, title.kind, title.name);
+    if (group == nullptr) {
+        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
+                    " of this name");
+    }
+    return *group;
+}
+
+std::vector<Container> containersOf(const Places& places, const std::vector<std::string>& names,
+                                    Tally& tally) {
+    const Activation activation(places);
+    return ContainerNames(
+               places, activation, [&] { return openScanned(places); }, tally)
+        .find(names);
+}
+
+} // namespace
+
+int addToGroup(const Places& places, const GroupTitle& title, const std::vector<std::string>& names,
+               bool json) {
+    Tally tally(json, "added");
+    const auto containers = containersOf(places, names, tally);
+    if (containers.empty() && !names.empty()) {
+        return tally.finish();
+    }
+    changeGroups(places, [&](Groups& groups) {
+        Group* group = findGroup(groups, title.kind, title.name);
+        if (group == nullptr) {
+            group = &groups.emplace_back(Group{title.kind, title.name, {}});
+        }
+        for (const Container& container : containers) {
+            const GroupMember member = memberOf(container);
+            const auto known =
+                std::find_if(group->members.begin(), group->members.end(),
+                             [&](const GroupMember& other) { return isSamePlace(member, other); });
+            if (known != group->members.end()) {
+                known->id = member.id;
+                continue;
+            }
+            group->members.push_back(member);
+            tellMember(tally, group->title() + ": added", member);
+        }
+    });
+    return tally.finish();
+}
+
+int removeFromGroup(const Places& places, const GroupTitle& title,
+                    const std::vector<std::string>& names, bool json) {
+    Tally tally(json, "removed");
+    std::unique_ptr<Library> library; // only a number needs it
+    if (std::any_of(names.begin(), names.end(),
+                    [](const std::string& name) { return toContainerId(name).has_value(); })) {
+        library = openScanned(places);
+    }
+    const auto isMeant = [&](const GroupMember& member, const std::string& name) {
+        if (const auto id = toContainerId(name)) {
+            return currentNumber(*library, member) == id;
+        }
+        const std::string key = faces::nameKey(name);
+        const std::string own = faces::nameKey(member.name);
+        return own == key || fnmatch(key.c_str(), own.c_str(), 0) == 0;
+    };
+    changeGroups(places, [&](Groups& groups) {
+        Group& group = existing(groups, title);
+        if (names.empty()) {
+            tally.add("removed " + group.title(), {{"name", group.name}});
+            groups.erase(groups.begin() + (&group - groups.data()));
+            return;
+        }
+        for (const std::string& name : names) {
+            const auto rest =
+                std::stable_partition(group.members.begin(), group.members.end(),
+                                      [&](const GroupMember& m) { return !isMeant(m, name); });
+            if (rest == group.members.end()) {
+                tally.fail(group.title() + ": " + name + " is not in it");
+            }
+            std::for_each(rest, group.members.end(), [&](const GroupMember& member) {
+                tellMember(tally, group.title() + ": removed", member);
+            });
+            group.members.erase(rest, group.members.end());
+        }
+    });
+    return tally.finish();
+}
+
+int listGroups(const Places& places, const GroupTitle& title, bool json) {
+    Groups groups = readGroups(places);
+    if (title.name.empty()) {
+        Tally tally(json, title.kind == GroupKind::Collection ? "collections" : "tags");
+        for (const Group& group : groups) {
+            if (group.kind == title.kind) {
+                tally.add(group.name + ": " + counted(group.members.size(), "container"),
+                          {{"name", group.name}, {"containers", group.members.size()}});
+            }
+        }
+        return tally.finish();
+    }
+    Tally tally(json, "containers");
+    const Group& group = existing(groups, title);
+    const auto library = openScanned(places);
+    const Activation activation(places);
+    for (GroupMember member : group.members) {
+        const auto id = currentNumber(*library, member);
+        const auto container = id ? library->container(*id) : std::nullopt;
+        member.id = id.value_or(member.id);
+        const char* state = !container                        ? "away"
+                            : activation.isActive(*container) ? "active"
+                                                              : "inactive";
+        Json item = toJson(member);
+        item["state"] = state;
+        tally.add(toText(member.id) + "  " + state + "  " + member.name + ", " + pathOf(member),
+                  std::move(item));
+    }
+    return tally.finish();
+}
+
+} // namespace manager

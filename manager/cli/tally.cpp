@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// Telling and counting.
+#include "manager/cli/tally.h"
+
+#include "manager/cli/arguments.h"
+#include "manager/cli/report.h"
+
+#include <utility>
+
+namespace manager {
+
+void Tally::add(std::string_view line, nlohmann::ordered_json item) {
+    if (!json_) {
+        printLine(line);
+    }
+    done_.push_back(std::move(item));
+}
+
+void Tally::fail(std::string_view problem) {
+    failed_ = true;
+    remark(problem);
+}
+
+void Tally::remark(std::string_view problem) {
+    warn(problem);
+    problems_.push_back(problem);
+}
+
+int Tally::finish() {
+    const bool anything = !done_.empty();
+    if (json_) {
+        auto document = nlohmann::ordered_json::object();
+        if (key_ != nullptr) {
+            document[key_] = std::move(done_);
+        }
+        document.update(more_);
+        document["problems"] = std::move(problems_);
+        printJson(document);
+    }
+    if (!failed_) {
+        return exitSuccess;
+    }
+    return anything ? exitPartly : exitFailure;
+}
+
+} // namespace manager

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// What a command did, for people line by line and for programs as one document at the end.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace manager {
+
+/// [one-thread] Counts what was done and what was not, which decides how the program ends.
+class Tally {
+public:
+    /// `key` is the name of the document's list of what was done; nullptr: it has none.
+    explicit Tally(bool json, const char* key = nullptr) : json_(json), key_(key) {}
+
+    [[nodiscard]] bool isJson() const { return json_; }
+
+    /// One thing done: `line` for people, `item` for programs.
+    void add(std::string_view line, nlohmann::ordered_json item);
+    /// One thing that was asked for and not done: on standard error, and in the document.
+    void fail(std::string_view problem);
+    /// Something that people should know, though nothing asked for has failed by it.
+    void remark(std::string_view problem);
+
+    /// Another member of the document.
+    void set(const char* key, nlohmann::ordered_json value) { more_[key] = std::move(value); }
+
+    /// Prints the document if there is to be one. The ExitStatus.
+    [[nodiscard]] int finish();
+
+private:
+    bool json_;
+    const char* key_;
+    nlohmann::ordered_json done_ = nlohmann::ordered_json::array();
+    nlohmann::ordered_json problems_ = nlohmann::ordered_json::array();
+    nlohmann::ordered_json more_ = nlohmann::ordered_json::object();
+    bool failed_ = false;
+};
+
+} // namespace manager
