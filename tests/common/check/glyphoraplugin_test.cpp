@@ -58,13 +58,10 @@ TEST_F(GlyphoraAtWork, TellsNotificationsApartByTheirHandles) {
     EXPECT_EQ(printedBy(foreign), "other notifier\n");
 }
 
-TEST_F(GlyphoraAtWork, TakesMenuMessagesAndLeavesTimersAlone) {
+TEST_F(GlyphoraAtWork, TakesMenuMessagesAndClosesTheDocumentByItsTimer) {
     EXPECT_EQ(plugin().GoMenuItem(nullptr), kNoErr);
     EXPECT_EQ(plugin().UpdateMenuItem(nullptr), kNoErr);
     EXPECT_EQ(plugin().GoTimer(nullptr), kUnhandledMsgErr);
-}
-
-TEST_F(GlyphoraAtWork, ClosesTheDocumentFromItsUnreachableTimer) {
     host.timers[0]->active = true;
     AITimerMessage message;
     EXPECT_EQ(plugin().Timer(&message), kNoErr);

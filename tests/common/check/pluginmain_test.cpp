@@ -28,12 +28,9 @@ protected:
     scripted::Host host{PluginMain};
 };
 
-TEST_F(TheEntryPoint, KeepsTheBasicSuiteOfEveryMessage) {
+TEST_F(TheEntryPoint, OnlyKeepsTheBasicSuiteWithoutAnObject) {
     EXPECT_EQ(host.send("any", "message"), kNoErr);
     EXPECT_EQ(sSPBasic, host.basic());
-}
-
-TEST_F(TheEntryPoint, AnswersNothingWithoutAnObject) {
     CaptureStderr();
     for (const char* caller : {"SP Interface", "SP Access", "AI Timer", "nobody"}) {
         for (const char* selector : {"Shutdown", "Reload", "AI Go", "nothing"}) {
@@ -91,15 +88,9 @@ TEST_F(AnObject, IsDestroyedAtShutDownWhateverItAnswers) {
     }
 }
 
-TEST_F(AnObject, GetsNoMessagesWithoutSuites) {
+TEST_F(AnObject, ReportsWhatAnOperationAnswersOnceItHasSuites) {
     EXPECT_EQ(host.send("AI Timer", "AI Go"), kNoErr);
     EXPECT_THAT(plugin->calls, IsEmpty());
-    plugin->acquire();
-    EXPECT_EQ(host.send("AI Timer", "AI Go"), kNoErr);
-    EXPECT_EQ(plugin->calls.size(), 1U);
-}
-
-TEST_F(AnObject, ReportsWhatAnOperationAnswers) {
     plugin->acquire();
     plugin->result = 17;
     EXPECT_EQ(host.send("AI Timer", "AI Go"), 17);

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
-// Which fonts of a document are found, and what is written down about them.
+// Which fonts of a document are found, what is written down about them, and how one is replaced.
 #include "VexFontSuite.h"
+#include "ate/itext.h"
 #include "tests/support/plugin/startedplugin.h"
 
-#include "ate/itext.h"
-
 #include <tuple>
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
 using GLY::GLYFontInfo;
+using testing::ElementsAre;
+using testing::Field;
+using testing::IsEmpty;
+using testing::Throws;
+
 using Infos = VexFontSuite::FontInfos;
 
 std::vector<std::string> namesOf(const Infos& fonts) {
@@ -114,11 +115,10 @@ TEST_F(ASurvey, CutsLongNames) {
     Infos fonts;
     ASSERT_EQ(VexFontSuite::getMissingFontInfos(fonts), kNoErr);
     const std::string cut(999, 'n');
-    EXPECT_EQ(fonts[0]->font.psName, cut);
-    EXPECT_EQ(fonts[0]->font.styleName, cut);
-    EXPECT_EQ(fonts[0]->font.familyName, cut);
-    EXPECT_EQ(fonts[0]->hostName, cut);
-    EXPECT_EQ(fonts[0]->font.syncID, cut + "-" + cut);
+    const Protocol::Font& font = fonts[0]->font;
+    EXPECT_THAT((std::array{font.psName, font.styleName, font.familyName, fonts[0]->hostName}),
+                testing::Each(cut));
+    EXPECT_EQ(font.syncID, cut + "-" + cut);
 }
 
 TEST_F(ASurvey, AsksForAFontsNamesOnce) {
@@ -169,12 +169,9 @@ TEST_F(ASurvey, ThrowsWhatTheTextEngineReportsAndHoldsNothing) {
           "HasLocalCharFeatures", "GetCharInspector", "GetFont", "GetSize", "FontItem", "Next"}) {
         host.fail(call, 62, 1);
         Infos fonts;
-        try {
-            static_cast<void>(VexFontSuite::getMissingFontInfos(fonts));
-            ADD_FAILURE() << call << " was not reported";
-        } catch (const ATE::Exception& failure) {
-            EXPECT_EQ(failure.error, 62) << call;
-        }
+        EXPECT_THAT([&] { std::ignore = VexFontSuite::getMissingFontInfos(fonts); },
+                    Throws<ATE::Exception>(Field(&ATE::Exception::error, 62)))
+            << call;
         EXPECT_THAT(fonts, IsEmpty());
         EXPECT_EQ(host.text.liveReferences(), 0) << call;
     }
@@ -194,6 +191,56 @@ TEST(TheCounts, TellStatesApart) {
     }
     EXPECT_EQ(VexFontSuite::getNumMissingFonts(fonts), 1);
     EXPECT_EQ(VexFontSuite::getNumFontsNotInstalled(fonts), 3);
+}
+
+using Runs = std::vector<std::vector<AIFontKey>>;
+
+class AReplacement : public AStartedPlugin {
+protected:
+    AIFontKey old = host.addFont("Old", "Regular", false);
+    AIFontKey other = host.addFont("Other", "Regular", true);
+    AIFontKey fresh = host.addFont("New", "Bold", true);
+    AIArt& top = host.addLayer();
+    AIArt& first = top.addText({{old}, {other}, {other, old}});
+    AIArt& second = host.addLayer().addText({{old}});
+};
+
+TEST_F(AReplacement, ChangesTheRunsOfTheOldFontOnly) {
+    AIArt& nested = top.addGroup().addText({{old}});
+    VexFontSuite::replaceFontWithFont("Old-Regular", "New Bold"); // as users see it
+    EXPECT_EQ(first.runs, (Runs{{fresh}, {other}, {fresh}}));
+    EXPECT_EQ(second.runs, Runs{{fresh}});
+    EXPECT_EQ(nested.runs, Runs{{old}});
+}
+
+TEST_F(AReplacement, OfAFontThatIsNotThereChangesNothing) {
+    for (const char* name : {"old-regular", "Old-Regula", "Old-Regular ", ""}) {
+        VexFontSuite::replaceFontWithFont(name, "no such font either");
+    }
+    EXPECT_EQ(first.runs, (Runs{{old}, {other}, {other, old}}));
+    EXPECT_EQ(host.callsOf("FindFont"), 0);
+}
+
+TEST_F(AReplacement, ThrowsTheErrorOfTheNewFontAndKeepsWhatIsDone) {
+    EXPECT_THAT([] { VexFontSuite::replaceFontWithFont("Old-Regular", "unknown"); },
+                testing::Throws<std::int32_t>(kNoSuchFontErr));
+    EXPECT_EQ(first.runs, (Runs{{old}, {other}, {other, old}}));
+
+    host.fail("FindFont", 71, 2);
+    EXPECT_THROW(VexFontSuite::replaceFontWithFont("Old-Regular", "New-Bold"), std::int32_t);
+    EXPECT_EQ(first.runs, (Runs{{fresh}, {other}, {other, old}}));
+    EXPECT_EQ(second.runs, Runs{{old}});
+}
+
+TEST_F(AReplacement, HoldsNothingWhenTheTextEngineFails) {
+    host.fail("FontFromFontKey", 72, 1);
+    EXPECT_THROW(VexFontSuite::replaceFontWithFont("Old-Regular", "New-Bold"), std::int32_t);
+    for (const char* call : {"CreateCharFeatures", "SetFont", "ReplaceOrAddLocalCharFeatures"}) {
+        host.fail(call, 72, 1);
+        EXPECT_THROW(VexFontSuite::replaceFontWithFont("Old-Regular", "New-Bold"), ATE::Exception)
+            << call;
+        EXPECT_EQ(host.text.liveReferences(), 0) << call;
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "misc/exception.h"
 #include "tests/support/scriptedplatform/scriptedplatform.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -180,12 +181,8 @@ TEST_F(TheNews, EndAndBeginAgain) {
 
 TEST_F(TheNews, CannotBeWatchedWithoutAToken) {
     platform_.registerStatus = 1000000;
-    try {
-        handler_.start();
-        FAIL() << "watches nothing";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "token could not be registered");
-    }
+    EXPECT_THAT([&] { handler_.start(); },
+                testing::ThrowsMessage<std::runtime_error>("token could not be registered"));
     // The other channel is open, and the empty daemon has no news.
     handler_.registerNotifer(&a_);
     handler_.push();

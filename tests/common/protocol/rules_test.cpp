@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The type keywords, and the rules on the fonts of every message.
+// The type keywords, the rules on the fonts of every message, and the dumps on standard error.
 #include "samplefonts.h"
 
 #include <gtest/gtest.h>
@@ -108,23 +108,13 @@ TEST(AMessage, ChecksTheOldListAndNotTheNewOneWhenItsFontsAreSet) {
     }
 }
 
-TEST(AMessage, KeepsItsOldListWhenSettingFails) {
-    ShowRequest request(false, {});
-    request.setFontList({Font()});
-    EXPECT_THROW(request.setFontList({soundFont()}), Orvil::Exception);
-    EXPECT_EQ(request.fonts, FontList{Font()});
-}
-
-TEST(ABuyRequest, ChecksTheNewFontBeforeItTakesIt) {
+TEST(ABuyRequest, ChecksTheNewFontBeforeItTakesItAndItsReplyNever) {
     EXPECT_EQ(failureOf([] { BuyRequest{Font()}; }), noPsName);
     BuyRequest request(soundFont("old"));
     EXPECT_EQ(failureOf([&] { request.setFont(Font()); }), noPsName);
     EXPECT_EQ(request.font, soundFont("old"));
     EXPECT_EQ(&request.setFont(soundFont("new")), &request.font);
     EXPECT_EQ(request.font, soundFont("new"));
-}
-
-TEST(ABuyReply, TakesAnyFont) {
     BuyReply reply{Font()};
     EXPECT_EQ(reply.setFont(soundFont()), soundFont());
     EXPECT_EQ(reply.setFont(Font()), Font());
@@ -141,8 +131,75 @@ TEST(AnIndexOfFonts, HoldsEverySyncIDOnceInByteOrder) {
         EXPECT_EQ(font->syncID, key);
     }
     EXPECT_EQ(keys, (std::vector<std::string>{"", "B", "b", "\xc3\xa4"}));
-    EXPECT_EQ(failureOf([&] {
-                  getIterMap({soundFont("a"), soundFont("b"), soundFont("a")}, index);
+}
+
+namespace {
+
+template <typename Print>
+std::string printed(Print print) {
+    testing::internal::CaptureStderr();
+    print();
+    return testing::internal::GetCapturedStderr();
+}
+
+std::string bareFont(const std::string& prefix) {
+    std::string text;
+    for (const char* const line :
+         {"Font: ", "  type: all", "  count: 0", "  isActive: 0", "  typeMatchingCount: 0",
+          "  isTypeMatchingActive: 0", "  handled: 0", "  activationSuccessful: 0", "Font END"}) {
+        text += prefix + line + "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+TEST(ADump, OfAFontShowsEveryField) {
+    EXPECT_EQ(printed([] { fullFont().debugPrint(""); }), "Font: \n"
+                                                          "  syncID: 's\"&\n'\n"
+                                                          "  type: OT_TT\n"
+                                                          "  psName: 'A&B<]]>'\n"
+                                                          "  styleName: ' \xf0\x9f\x98\x80\r'\n"
+                                                          "  familyName: '\xc3\x84'\n"
+                                                          "  count: 4294967295\n"
+                                                          "  isActive: 1\n"
+                                                          "  typeMatchingCount: 3\n"
+                                                          "  isTypeMatchingActive: 1\n"
+                                                          "  typeMatchingContainerID: '5'\n"
+                                                          "  2 fontInfos: \n"
+                                                          "    1 => one\n"
+                                                          "    2 => \n"
+                                                          "  handled: 1\n"
+                                                          "  containerID: '9'\n"
+                                                          "  activationSuccessful: 1\n"
+                                                          "Font END\n");
+}
+
+TEST(ADump, OfAListIndentsItsFonts) {
+    EXPECT_EQ(printed([] { debugPrint({}, "-"); }), "-FontList: 0 fonts:\n-FontList END\n");
+    EXPECT_EQ(printed([] {
+                  debugPrint({Font(), Font()}, "-");
               }),
-              protocolFailure("got FontList with duplicate syncID", 666));
+              "-FontList: 2 fonts:\n" + bareFont("-  ") + bareFont("-  ") + "-FontList END\n");
+}
+
+TEST(ADump, OfAMessageNamesItAndShowsItsScalars) {
+    const auto expectDump = [](const auto& message, const std::string& name,
+                               const std::string& content) {
+        EXPECT_EQ(printed([&] { message.debugPrint("* "); }),
+                  "* " + name + ": \n" + content + "* " + name + " END\n");
+    };
+    const std::string noFonts = "*   FontList: 0 fonts:\n*   FontList END\n";
+    expectDump(FontRequest(true, {}, "ART5", ""), "FontRequest",
+               "*   mustMatchFontType: 1\n*   targetApp: ART5\n" + noFonts);
+    expectDump(FontRequest(false, {}, "", "FILC"), "FontRequest",
+               "*   mustMatchFontType: 0\n*   targetClass: FILC\n" + noFonts);
+    expectDump(FontReply(true, FontList()), "FontReply", "*   showWindow: 1\n" + noFonts);
+    expectDump(ShowRequest(false, {}), "ShowRequest", "*   mustMatchFontType: 0\n" + noFonts);
+    expectDump(ShowReply(FontList()), "ShowReply", noFonts);
+    expectDump(ActivationRequest(FontList()), "ActivationRequest", noFonts);
+    expectDump(ActivationReply(FontList()), "ActivationReply", noFonts);
+    expectDump(BuyReply(Font()), "BuyReply", bareFont("*   "));
+    expectDump(BuyRequest(soundFont()), "BuyRequest",
+               printed([] { soundFont().debugPrint("*   "); }));
 }

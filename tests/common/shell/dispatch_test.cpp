@@ -69,14 +69,10 @@ TEST_F(AMessage, OfAnUnknownPairIsNotHandled) {
     EXPECT_THAT(plugin.calls, IsEmpty());
 }
 
-TEST_F(AMessage, OfStartUpIsTakenWithoutAnOperation) {
+TEST_F(AMessage, OfStartUpOrPurgeHasNoOperation) {
     auto record = host.message<SPInterfaceMessage>();
     EXPECT_EQ(plugin.Message("SP Interface", "Startup", &record), kNoErr);
     EXPECT_THAT(plugin.calls, IsEmpty());
-}
-
-TEST_F(AMessage, ToPurgeIsRefusedWithACodeWhenSomethingWasFreed) {
-    auto record = host.message<SPInterfaceMessage>();
     EXPECT_EQ(plugin.Message("SP Cache", "Plug-in Purge", &record), kNoErr);
     plugin.purges = true;
     EXPECT_EQ(plugin.Message("SP Cache", "Plug-in Purge", &record), FourChars("pFls"));

@@ -3,6 +3,7 @@
 #include "misc/text/strings.h"
 #include "misc/xml/ixmlparser.h"
 #include "protocolschema.h"
+#include "tests/support/repeated.h"
 #include "tests/support/temporaryfolder.h"
 #include "tools/protocol/diagnosis.h"
 #include "tools/protocol/protocoltool.h"
@@ -42,14 +43,6 @@ Outcome run(const std::string& arguments, const std::string& input = "") {
     const int exitCode =
         ProtocolTool::run(static_cast<int>(values.size()), values.data(), in, out, err);
     return {exitCode, out.str(), err.str()};
-}
-
-std::string repeat(const std::string& text, int times) {
-    std::string result;
-    for (int i = 0; i < times; ++i) {
-        result += text;
-    }
-    return result;
 }
 
 const std::string head = "<cmd xmlns=\"http://glyphora.org/schema/GlyPluginCommunication_1.0\">";
@@ -119,7 +112,7 @@ TEST(TheProtocolTool, SaysWhereADocumentIsWrong) {
         {"<!DOCTYPE cmd [\n<!ENTITY a 'x'>]>" + head + "</cmd>",
          "standard input:2:15: entities must not be declared"},
         {"<!DOCTYPE cmd [<!ATTLIST font syncID CDATA '" + std::string(20'000, 's') + "'>]>" + head +
-             "\n" + replyOf(repeat("<font><psName>a</psName></font>", 100)),
+             "\n" + replyOf(repeated("<font><psName>a</psName></font>", 100)),
          "standard input: LibXml: Document not parsed successfully: line 2, column "},
         {head + "\n\n" +
              replyOf("<font syncID='1'><psName>" + halfTooLong + "&amp;" + halfTooLong +
@@ -140,7 +133,7 @@ TEST(TheProtocolTool, SaysWhichFontOfAValidReplyBreaksARule) {
     const std::string good = "<font syncID='1'><psName>a</psName><type>TT</type></font>\n";
     const std::string bad = "<font syncID='7'><psName>a</psName><type>all</type></font>\n";
     const Outcome refused =
-        run("decode", head + "<?pi?>\n<showRequestReply><fonts>\n" + repeat(good, 70'000) + bad +
+        run("decode", head + "<?pi?>\n<showRequestReply><fonts>\n" + repeated(good, 70'000) + bad +
                           good + bad + "</fonts></showRequestReply></cmd>");
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_EQ(refused.output, "");
@@ -166,8 +159,8 @@ TEST(TheProtocolTool, DoesNotLookIntoADocumentBeyondTheCodecsLimit) {
 
 TEST(TheProtocolTool, SaysTwentyTimesAtMostThatADocumentIsWrong) {
     const std::string font = "<font syncID='1'>\n<psName>a</psName><count>x</count></font>";
-    for (const int fonts : {1, 100'000}) {
-        const Outcome refused = run("decode", head + replyOf(repeat(font, fonts)));
+    for (const std::size_t fonts : {1U, 100'000U}) {
+        const Outcome refused = run("decode", head + replyOf(repeated(font, fonts)));
         const auto lines = std::count(refused.errors.begin(), refused.errors.end(), '\n');
         EXPECT_THAT(refused.errors, StartsWith("standard input:2:"));
         EXPECT_EQ(lines, fonts == 1 ? 1 : ProtocolTool::maximumComplaints);
