@@ -34,8 +34,10 @@ struct Ending {
 /// One run of the program.
 class ProgramRun {
 public:
-    ProgramRun(const std::vector<std::string>& arguments, const std::string& log) : log_(log) {
-        std::vector<const char*> words{GLYPHORA_PROGRAM};
+    ProgramRun(const std::vector<std::string>& arguments, const std::string& log,
+               const char* program = GLYPHORA_PROGRAM)
+        : log_(log) {
+        std::vector<const char*> words{program};
         for (const std::string& argument : arguments) {
             words.push_back(argument.c_str());
         }
