@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <utility>
@@ -64,6 +65,13 @@ void tell(const Places& places, std::span<const ActivationOutcome> outcomes, std
     }
 }
 
+std::vector<std::string> reasonTexts(const ActiveContainer& container) {
+    std::vector<std::string> texts;
+    std::transform(container.reasons.begin(), container.reasons.end(), std::back_inserter(texts),
+                   describe);
+    return texts;
+}
+
 // Lets others know, now and in a second.
 void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
                 std::span<const ActivationOutcome> outcomes) {
@@ -78,7 +86,8 @@ void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
 
 } // namespace
 
-int activateCommand(const Places& places, const std::vector<std::string>& names, bool json) {
+int activateCommand(const Places& places, const std::vector<std::string>& names,
+                    const Reason& reason, bool json) {
     Tally tally(json, "activated");
     Activation activation(places);
     ContainerNames finder(
@@ -87,7 +96,8 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
     std::vector<ContainerId> ids;
     std::vector<Told> told;
     for (const Container& container : finder.find(names)) {
-        fonts.push_back({container.id, container.name, finder.library().files(container.id)});
+        fonts.push_back(
+            {container.id, container.name, finder.library().files(container.id), {reason}});
         ids.push_back(container.id);
         told.push_back(toldOf("activated", container));
     }
@@ -141,7 +151,8 @@ int statusCommand(const Places& places, bool json) {
         for (const ActiveContainer& container : active) {
             document["active"].push_back({{"id", static_cast<std::int32_t>(container.id)},
                                           {"name", container.name},
-                                          {"files", container.files}});
+                                          {"files", container.files},
+                                          {"reasons", reasonTexts(container)}});
         }
         printJson(document);
         return exitSuccess;
@@ -153,8 +164,11 @@ int statusCommand(const Places& places, bool json) {
                 counted(counts.containers, "container").c_str());
     std::printf("active: %s\n", counted(active.size(), "container").c_str());
     for (const ActiveContainer& container : active) {
-        std::printf("%6s  %s, %s\n", toText(container.id).c_str(),
-                    printable(container.name).c_str(), counted(container.files, "file").c_str());
+        std::string line = container.name + ", " + counted(container.files, "file");
+        for (const std::string& reason : reasonTexts(container)) {
+            line += ", " + reason;
+        }
+        std::printf("%6s  %s\n", toText(container.id).c_str(), printable(line).c_str());
     }
     return exitSuccess;
 }

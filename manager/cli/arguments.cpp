@@ -14,10 +14,13 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,12 +32,20 @@ namespace {
 struct Options {
     std::vector<std::string> names;
     std::string group;
+    std::int64_t seconds = 0;
+    bool untilLogout = false;
     bool json = false;
     bool containers = false;
     bool problems = false;
     bool all = false;
     bool quiet = false;
     bool verbose = false;
+
+    [[nodiscard]] Reason reason() const {
+        return untilLogout    ? Reason::untilLogout()
+               : seconds != 0 ? Reason::forTime(std::chrono::seconds(seconds))
+                              : Reason::byHand();
+    }
 };
 
 using Action = std::function<int(const Places&)>;
@@ -135,12 +146,18 @@ private:
     }
 
     void addActivationCommands() {
-        addNames(*command("activate", "Make containers visible to the desktop",
-                          [this](const Places& places) {
-                              return activateCommand(places, options_.names, options_.json);
-                          }),
-                 "container", nameHelp)
-            ->required();
+        CLI::App* activate = command(
+            "activate", "Make containers visible to the desktop", [this](const Places& places) {
+                return activateCommand(places, options_.names, options_.reason(), options_.json);
+            });
+        addNames(*activate, "container", nameHelp)->required();
+        static const std::map<std::string, std::int64_t> units = {
+            {"s", 1}, {"min", 60}, {"h", 60 * 60}, {"d", 24 * 60 * 60}};
+        auto* time = activate->add_option("--for", options_.seconds, "For a time: 30min, 2h, 7d");
+        time->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
+            ->check(CLI::PositiveNumber);
+        activate->add_flag("--until-logout", options_.untilLogout, "Until you log out")
+            ->excludes(time);
         CLI::App* deactivate =
             command("deactivate", "Take containers back", [this](const Places& places) {
                 return deactivateCommand(places, options_.names, options_.all, options_.json);
