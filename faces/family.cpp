@@ -104,7 +104,6 @@ AskedStyle::AskedStyle(std::string_view style, const Style& asked) : AskedStyle(
         key.clear();
     }
     look = asked;
-    lookIsKnown = true;
 }
 
 void Family::add(std::size_t face, std::string_view family, std::string_view style,

@@ -142,12 +142,24 @@ private:
 
 } // namespace
 
-Keys keysOf(const Wanted& wanted) {
-    Keys keys{postScriptKey(wanted.postScriptName), nameKey(wanted.family), {}, {}};
-    addOnce(keys.fullNames, keys.family.empty() ? "" : keys.family + nameKey(wanted.style));
-    if (isPlain(wanted.style)) {
-        addOnce(keys.fullNames, keys.family);
+std::vector<std::string> fullNameKeys(std::string_view family, std::string_view style) {
+    std::vector<std::string> keys;
+    if (family.empty()) {
+        return keys;
     }
+    const std::string key = nameKey(family);
+    addOnce(keys, key + nameKey(style));
+    if (isPlain(style)) {
+        addOnce(keys, key);
+    }
+    return keys;
+}
+
+Keys keysOf(const Wanted& wanted) {
+    Keys keys{postScriptKey(wanted.postScriptName),
+              nameKey(wanted.family),
+              fullNameKeys(wanted.family, wanted.style),
+              {}};
     if (keys.postScriptName != wanted.postScriptName) { // it has blanks, as only full names may
         addOnce(keys.fullNames, nameKey(wanted.postScriptName));
     }

@@ -32,6 +32,10 @@ struct Keys {
     std::vector<std::string> normalisedFamilies; ///< normalisedFamilyKey of the family
 };
 [[nodiscard]] Keys keysOf(const Wanted& wanted);
+/// Those of them that family and style make: both together, and the family alone where the style
+/// is plain.
+[[nodiscard]] std::vector<std::string> fullNameKeys(std::string_view family,
+                                                    std::string_view style);
 
 /// What the rule looks at of a face that is there.
 struct Known {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 namespace faces {
 
@@ -120,21 +119,19 @@ struct Text {
                 continue;
             }
             const bool capital = c != lower(c) && before == lower(before);
-            begins.push_back(starts || capital || isDigit(c) != isDigit(before));
+            const bool begin = starts || capital || isDigit(c) != isDigit(before);
+            begins += begin ? '1' : '0';
             letters += lower(c);
             starts = false;
             before = c;
         }
-        begins.push_back(true);
+        begins += '1';
     }
     [[nodiscard]] std::size_t nextBegin(std::size_t after) const {
-        do {
-            ++after;
-        } while (!begins[after]);
-        return after;
+        return begins.find('1', after + 1);
     }
     std::string letters;
-    std::vector<bool> begins; ///< one more than letters
+    std::string begins; ///< '1' at each letter where a word may, and behind the last one
 };
 
 /// The longest word that `text` begins with.
@@ -180,7 +177,7 @@ bool readJoined(const Text& text, std::size_t& position, StyleWords& result) {
         }
         take(read, *word);
         end += word->text.size();
-    } while (!text.begins[end]);
+    } while (text.begins[end] == '0');
     result = read;
     position = end;
     return true;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Resolving the faces of a document over a catalogue of 10,000 made-up fonts, and listing the
 // desktop's own ones.
+#include "faces/stylewords.h"
 #include "host/fonts/catalogue.h"
 
 #include <benchmark/benchmark.h>
@@ -17,7 +18,7 @@ host::Face wanted(int number) {
     host::Face face;
     face.family = "Family " + std::to_string(number % families);
     face.weight = weights[number / families % 4];
-    face.style = host::styleText(face.weight, host::Slant::Upright, 100);
+    face.style = faces::styleText(face.look());
     return face;
 }
 

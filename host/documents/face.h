@@ -2,6 +2,8 @@
 // A typeface as a document names it: shared by the document model and the font catalogue.
 #pragma once
 
+#include "faces/face.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +12,7 @@
 
 namespace host {
 
-enum class Slant : std::uint8_t { Upright, Italic, Oblique };
+using faces::Slant;
 
 /// Where the outlines of a face come from.
 enum class FaceOrigin : std::uint8_t {
@@ -30,6 +32,10 @@ struct Face {
     FaceOrigin origin = FaceOrigin::Named;
 
     bool operator==(const Face&) const = default;
+
+    [[nodiscard]] faces::Style look() const {
+        return {static_cast<double>(weight), stretch, slant};
+    }
 };
 
 struct FaceHash {
@@ -40,42 +46,27 @@ struct FaceHash {
 /// write in their place ("Sans", "Mono"). Case is ignored.
 [[nodiscard]] bool isGenericFamily(std::string_view family);
 
-/// The customary name of a style: width, weight and slant in words, "Regular" when all are normal.
-[[nodiscard]] std::string styleText(int weight, Slant slant, double stretch);
-
 /// The conventional PostScript name: family without blanks, "-", style without blanks. "Regular" is
 /// written too and stands for an empty style.
 [[nodiscard]] std::string conventionalPostScriptName(std::string_view family,
                                                      std::string_view style);
 
-/// A width that has a name.
+/// A width that has a name in style sheets.
 struct NamedStretch {
     double percent;
-    std::string_view keyword; ///< of style sheets
-    std::string_view word;    ///< in the name of a style; nothing for the normal width
+    std::string_view keyword;
 };
 /// From narrow to wide.
 inline constexpr std::array<NamedStretch, 9> namedStretches{{
-    {50, "ultra-condensed", "UltraCondensed"},
-    {62.5, "extra-condensed", "ExtraCondensed"},
-    {75, "condensed", "Condensed"},
-    {87.5, "semi-condensed", "SemiCondensed"},
-    {100, "normal", ""},
-    {112.5, "semi-expanded", "SemiExpanded"},
-    {125, "expanded", "Expanded"},
-    {150, "extra-expanded", "ExtraExpanded"},
-    {200, "ultra-expanded", "UltraExpanded"},
+    {50, "ultra-condensed"},
+    {62.5, "extra-condensed"},
+    {75, "condensed"},
+    {87.5, "semi-condensed"},
+    {100, "normal"},
+    {112.5, "semi-expanded"},
+    {125, "expanded"},
+    {150, "extra-expanded"},
+    {200, "ultra-expanded"},
 }};
-
-/// What the words of a style name say about a face.
-struct StyleWords {
-    int weight = 400;
-    Slant slant = Slant::Upright;
-    double stretch = 100.0;
-    bool complete = true; ///< every word was understood
-};
-
-/// Reads style words, joined or apart: "BoldItalic", "Condensed Bold Oblique", "SemiBold It".
-[[nodiscard]] StyleWords readStyleWords(std::string_view style);
 
 } // namespace host

@@ -3,28 +3,22 @@
 // family, so that a document of any size resolves in linear time.
 #include "host/fonts/catalogue.h"
 
+#include "faces/matching.h"
+#include "faces/namekey.h"
+
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 namespace host {
 namespace {
 
-constexpr double normalStretch = 100.0;
-
-/// Weights that users take for the same: "Book" is 380 in many fonts that are meant as 400.
-int weightClass(int weight) {
-    return (weight + 50) / 100;
-}
-
-bool isSlanted(Slant slant) {
-    return slant != Slant::Upright;
-}
-
-bool sameStretch(double a, double b) {
-    return std::abs(a - b) < 4.0;
+/// Which font of which file a face is of, whatever instance of it.
+std::string fontOf(const InstalledFace& face) {
+    return face.file + "\n" + std::to_string(face.index & 0xFFFF);
 }
 
 /// Everything that tells one face of the desktop from another.
@@ -44,7 +38,7 @@ Face FontEntry::asFace() const {
     result.family = face.family;
     result.style = face.style;
     result.postScriptName = face.postScriptName;
-    result.weight = std::clamp(weightClass(face.weight) * 100, 100, 900);
+    result.weight = std::clamp((face.weight + 50) / 100 * 100, 100, 900);
     result.slant = face.slant;
     result.stretch = face.stretch;
     result.origin = origin;
@@ -72,11 +66,17 @@ void Catalogue::list(std::vector<InstalledFace> faces) {
     for (FontEntry& entry : entries_) {
         entry.present = entry.present && entry.face.file.empty();
     }
-    std::unordered_set<std::string> filesWithInstances;
+    std::unordered_map<std::string, faces::Reach> reaches; // by fontOf
+    std::unordered_set<std::string> withInstances;
     for (const InstalledFace& face : faces) {
-        // Named instances alone have something in the upper half of the index.
-        if (!face.variable && face.index >> 16 != 0) {
-            filesWithInstances.insert(face.file);
+        if (face.variable) {
+            const auto end = [&](int weight, double width) {
+                return faces::Style{static_cast<double>(weight), width, face.slant};
+            };
+            reaches[fontOf(face)] = {end(face.weight, face.stretch),
+                                     end(face.weightTo, face.stretchTo)};
+        } else if (face.index >> 16 != 0) { // of named instances alone
+            withInstances.insert(fontOf(face));
         }
     }
     sorted_.clear();
@@ -84,14 +84,16 @@ void Catalogue::list(std::vector<InstalledFace> faces) {
     byPostScriptName_.clear();
     byFullName_.clear();
 
-    std::vector<FontKey> whole; // variable fonts that their named instances stand for
     for (InstalledFace& face : faces) {
-        const bool listed = !face.variable || !filesWithInstances.contains(face.file);
+        // A variable font as a whole stands behind its named instances.
+        const bool listed = !face.variable || !withInstances.contains(fontOf(face));
         const FontKey key = keyFor(identityOf(face));
         FontEntry& entry = entries_[key - 1];
         entry.present = true;
         entry.face = std::move(face);
-        (listed ? sorted_ : whole).push_back(key);
+        if (listed) {
+            sorted_.push_back(key);
+        }
     }
     std::sort(sorted_.begin(), sorted_.end(), [this](FontKey a, FontKey b) {
         const auto order = [this](FontKey key) {
@@ -103,14 +105,13 @@ void Catalogue::list(std::vector<InstalledFace> faces) {
     // A fontconfig that lists a file twice must not show it twice.
     sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
     for (const FontKey key : sorted_) {
-        index(entries_[key - 1]);
-    }
-    for (const FontKey key : whole) {
-        index(entries_[key - 1]);
+        const FontEntry& entry = entries_[key - 1];
+        const auto reach = reaches.empty() ? reaches.end() : reaches.find(fontOf(entry.face));
+        index(entry, reach == reaches.end() ? std::nullopt : std::optional(reach->second));
     }
 }
 
-void Catalogue::index(const FontEntry& entry) {
+void Catalogue::index(const FontEntry& entry, const std::optional<faces::Reach>& reach) {
     const InstalledFace& face = entry.face;
     if (!face.variable || !face.postScriptName.empty()) {
         // Faces may share a PostScript name; who reads it as a full name means the one that has it.
@@ -118,102 +119,64 @@ void Catalogue::index(const FontEntry& entry) {
             return of.fullName == of.postScriptName;
         };
         FontKey& named =
-            byPostScriptName_.try_emplace(face.postScriptName, entry.key).first->second;
+            byPostScriptName_.try_emplace(faces::postScriptKey(face.postScriptName), entry.key)
+                .first->second;
         if (isFullName(face) && !isFullName(entries_[named - 1].face)) {
             named = entry.key;
         }
-        byFullName_.try_emplace(foldName(face.fullName), entry.key);
+        byFullName_.try_emplace(faces::nameKey(face.fullName), entry.key);
     }
-    const auto add = [&](const std::string& family, const std::string& style, bool asMeasured) {
-        Candidate candidate{entry.key,    face.weight,     face.slant,
-                            face.stretch, foldName(style), false};
-        std::vector<Candidate>& candidates = byFamily_[foldName(family)];
-        if (asMeasured) {
-            candidates.push_back(candidate);
-        }
-        // A legacy family holds what its style leaves out: "Foo Condensed", "Bold". And the words
-        // of a style are what users go by when a font's numbers disagree.
-        const StyleWords words = readStyleWords(style);
-        if (words.complete && !style.empty() && !face.variable) {
-            candidate.weight = words.weight;
-            candidate.slant = words.slant;
-            candidate.stretch = words.stretch;
-            candidate.byWords = true;
-            candidates.push_back(candidate);
-        } else if (!asMeasured) {
-            candidates.push_back(candidate);
-        }
+    const faces::Style look{static_cast<double>(face.weight), face.stretch, face.slant};
+    const auto add = [&](const std::string& family, const std::string& style) {
+        byFamily_[faces::nameKey(family)].add(entry.key, family, style, look, reach);
     };
-    add(face.family, face.style, true);
+    add(face.family, face.style);
     for (const InstalledFace::Alias& alias : face.aliases) {
-        add(alias.family, alias.style, alias.family == face.family);
+        add(alias.family, alias.style);
     }
 }
 
 FontKey Catalogue::findByStyle(const Face& face) const {
-    const auto family = byFamily_.find(foldName(face.family));
+    const auto family = byFamily_.find(faces::nameKey(face.family));
     if (family == byFamily_.end()) {
         return noFont;
     }
-    const std::string style = foldName(face.style);
-    // Smaller is better: style by name, slant as wanted, weight, numbers before words, technology.
-    using Rank = std::tuple<bool, bool, int, bool, bool>;
-    const Candidate* best = nullptr;
-    Rank bestRank{};
-    for (const Candidate& candidate : family->second) {
-        const FontEntry& entry = entries_[candidate.key - 1];
-        const bool named = candidate.style == style;
-        bool fits = isSlanted(candidate.slant) == isSlanted(face.slant);
-        if (entry.face.variable) {
-            fits = fits && face.weight >= entry.face.weight && face.weight <= entry.face.weightTo &&
-                   face.stretch >= entry.face.stretch - 4.0 &&
-                   face.stretch <= entry.face.stretchTo + 4.0;
-        } else {
-            fits = fits && weightClass(candidate.weight) == weightClass(face.weight) &&
-                   sameStretch(candidate.stretch, face.stretch);
-        }
-        if (!named && !fits) {
-            continue;
-        }
-        const Rank rank{!named, candidate.slant != face.slant,
-                        std::abs(candidate.weight - face.weight),
-                        candidate.byWords || entry.face.variable, !entry.face.openType};
-        if (best == nullptr || rank < bestRank) {
-            best = &candidate;
-            bestRank = rank;
-        }
+    const faces::AskedStyle asked(face.style, face.look());
+    std::vector<std::size_t> found = family->second.named(asked);
+    if (found.empty()) {
+        found = family->second.meant(asked);
     }
-    if (best == nullptr) {
-        return noFont;
-    }
-    const FontEntry& entry = entries_[best->key - 1];
-    return entry.face.variable ? instanceOf(entry, face, family->second) : best->key;
+    // The same face in several files: what its numbers say, then OpenType.
+    const auto order = [&](std::size_t key) {
+        const InstalledFace& of = entries_[key - 1].face;
+        return std::make_tuple(std::abs(of.weight - face.weight), of.slant != face.slant,
+                               !of.openType);
+    };
+    const auto best =
+        std::min_element(found.begin(), found.end(),
+                         [&](std::size_t a, std::size_t b) { return order(a) < order(b); });
+    return best == found.end() ? noFont : static_cast<FontKey>(*best);
 }
 
-FontKey Catalogue::instanceOf(const FontEntry& variable, const Face& face,
-                              std::span<const Candidate> family) const {
-    FontKey nearest = variable.key;
-    int distance = 0;
-    for (const Candidate& candidate : family) {
-        const InstalledFace& instance = entries_[candidate.key - 1].face;
-        if (instance.variable || instance.file != variable.face.file ||
-            isSlanted(instance.slant) != isSlanted(face.slant)) {
-            continue;
-        }
-        const int away = std::abs(instance.weight - face.weight);
-        if (nearest == variable.key || away < distance) {
-            nearest = candidate.key;
-            distance = away;
+FontKey Catalogue::findByPostScriptName(std::string_view name) const {
+    const auto found = byPostScriptName_.find(faces::postScriptKey(name));
+    return found == byPostScriptName_.end() ? noFont : found->second;
+}
+
+FontKey Catalogue::findByFullName(const Face& face) const {
+    for (const std::string& key : faces::fullNameKeys(face.family, face.style)) {
+        if (const auto found = byFullName_.find(key); found != byFullName_.end()) {
+            return found->second;
         }
     }
-    return nearest;
+    return noFont;
 }
 
 FontKey Catalogue::findByName(std::string_view name) const {
-    if (const auto found = byPostScriptName_.find(name); found != byPostScriptName_.end()) {
-        return found->second;
+    if (const FontKey key = findByPostScriptName(name); key != noFont) {
+        return key;
     }
-    const auto found = byFullName_.find(foldName(name));
+    const auto found = byFullName_.find(faces::nameKey(name));
     return found == byFullName_.end() ? noFont : found->second;
 }
 
@@ -224,34 +187,24 @@ FontKey Catalogue::resolve(const Face& face) {
     if (const FontKey key = findByStyle(face); key != noFont) {
         return key;
     }
-    const auto byPostScriptName = [this](std::string_view name) {
-        const auto found = byPostScriptName_.find(name);
-        return found == byPostScriptName_.end() ? noFont : found->second;
-    };
     if (!face.postScriptName.empty()) {
-        if (const FontKey key = byPostScriptName(face.postScriptName); key != noFont) {
+        if (const FontKey key = findByPostScriptName(face.postScriptName); key != noFont) {
             return key;
         }
     }
     const std::string conventional = conventionalPostScriptName(face.family, face.style);
-    if (const FontKey key = byPostScriptName(conventional); key != noFont) {
+    if (const FontKey key = findByPostScriptName(conventional); key != noFont) {
         return key;
     }
     // A family that nobody has may be a PostScript name, whatever weight is asked for beside it:
     // programs write the weight of the face that they name so.
-    if (!byFamily_.contains(foldName(face.family))) {
-        if (const FontKey key = byPostScriptName(face.family); key != noFont) {
+    if (!byFamily_.contains(faces::nameKey(face.family))) {
+        if (const FontKey key = findByPostScriptName(face.family); key != noFont) {
             return key;
         }
     }
-    // The whole name of a face in the family's place says nothing of a style beside it.
-    if (face.weight == 400 && face.slant == Slant::Upright &&
-        sameStretch(face.stretch, normalStretch)) {
-        if (const FontKey key = findByName(face.family); key != noFont) {
-            return key;
-        }
-    }
-    return noteUnlisted(face);
+    const FontKey key = findByFullName(face);
+    return key == noFont ? noteUnlisted(face) : key;
 }
 
 FontKey Catalogue::noteUnlisted(const Face& face) {

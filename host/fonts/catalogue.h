@@ -3,6 +3,7 @@
 // the desktop lacks, and the way from the one to the other.
 #pragma once
 
+#include "faces/family.h"
 #include "host/documents/face.h"
 #include "host/documents/textmap.h"
 
@@ -66,9 +67,6 @@ struct FontEntry {
     Face asFace() const;
 };
 
-/// Families and full names compare without case and blanks.
-[[nodiscard]] std::string foldName(std::string_view name);
-
 /// Lists the faces of the desktop through fontconfig, noticing what changed since the last call.
 /// Bitmap fonts are left out. In no particular order.
 [[nodiscard]] std::vector<InstalledFace> listInstalledFaces();
@@ -89,10 +87,11 @@ public:
     const FontEntry* entry(FontKey key) const noexcept;
 
     /// The entry for a face that a document names. Generic and embedded faces are always present.
-    /// Others are sought by family and style, then by PostScript name, which some programs write
-    /// in place of the family, with or without the style beside it, then by full name. What is not
-    /// found gets an entry with the document's names and the conventional PostScript name, present
-    /// = false; the same names always give the same key.
+    /// Others are judged by the rule of faces/matching.h, but sought by family and style first, by
+    /// which they are drawn: then by PostScript name, which some programs write in place of the
+    /// family, with or without the style beside it, then by full name. What is not found gets an
+    /// entry with the document's names and the conventional PostScript name, present = false; the
+    /// same names always give the same key.
     [[nodiscard]] FontKey resolve(const Face& face);
 
     /// The face of the desktop with exactly this PostScript name, else with this full name.
@@ -103,31 +102,22 @@ public:
     bool refresh();
 
 private:
-    /// A face under one of its names.
-    struct Candidate {
-        FontKey key = noFont;
-        int weight = 400;
-        Slant slant = Slant::Upright;
-        double stretch = 100.0;
-        std::string style;    ///< folded
-        bool byWords = false; ///< the three above are what the style's words say
-    };
-
     FontKey keyFor(std::string identity);
     FontKey noteUnlisted(const Face& face);
     FontKey findByStyle(const Face& face) const;
-    FontKey instanceOf(const FontEntry& variable, const Face& face,
-                       std::span<const Candidate> family) const;
+    FontKey findByPostScriptName(std::string_view name) const;
+    FontKey findByFullName(const Face& face) const;
     void list(std::vector<InstalledFace> faces);
-    void index(const FontEntry& entry);
+    void index(const FontEntry& entry, const std::optional<faces::Reach>& reach);
 
     Lister lister_;
     std::deque<FontEntry> entries_; ///< by key - 1; references stay valid while it grows
     TextMap<FontKey> keys_;         ///< identity to key
     std::vector<FontKey> sorted_;
-    TextMap<std::vector<Candidate>> byFamily_; ///< by folded family
+    // By the keys of faces/namekey.h.
+    TextMap<faces::Family> byFamily_;
     TextMap<FontKey> byPostScriptName_;
-    TextMap<FontKey> byFullName_; ///< by folded name
+    TextMap<FontKey> byFullName_;
 };
 
 } // namespace host

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Lists the desktop's faces through fontconfig.
+#include "faces/namekey.h"
+#include "faces/stylewords.h"
 #include "host/fonts/catalogue.h"
 #include "host/fonts/fontconfighandle.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -60,37 +63,85 @@ private:
     const FcPattern* pattern_;
 };
 
-/// The first English text of several in parallel languages, else the first one.
-std::size_t englishOne(const std::vector<std::string>& languages) {
-    const auto found = std::find(languages.begin(), languages.end(), "en");
-    return found == languages.end() ? 0 : static_cast<std::size_t>(found - languages.begin());
+bool isPlain(const std::string& style) {
+    const faces::StyleWords words = faces::readStyleWords(style);
+    return words.complete && words.style() == faces::Style();
 }
 
-bool isPlain(const std::string& style) {
-    const StyleWords words = readStyleWords(style);
-    return words.complete && (words.weight + 50) / 100 == 4 && words.slant == Slant::Upright &&
-           words.stretch == 100.0;
+/// A list of texts, each in a language.
+struct Texts {
+    Texts(const PatternReader& reader, const char* texts, const char* languagesOfTexts)
+        : all(reader.texts(texts)), languages(reader.texts(languagesOfTexts)) {
+        languages.resize(all.size());
+    }
+    /// The places of the texts of a language.
+    std::vector<std::size_t> of(const std::string& language) const {
+        std::vector<std::size_t> places;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (languages[i] == language) {
+                places.push_back(i);
+            }
+        }
+        return places;
+    }
+    /// The partner for the text that is the `number`th of its language elsewhere.
+    const std::string& partner(const std::string& language, std::size_t number) const {
+        std::vector<std::size_t> places = of(language);
+        if (places.empty()) {
+            places = of("en");
+        }
+        if (places.empty()) {
+            places = of(languages.front());
+        }
+        return all[places[std::min(number, places.size() - 1)]];
+    }
+
+    std::vector<std::string> all;
+    std::vector<std::string> languages;
+};
+
+/// Fontconfig lists families and styles apart from each other, and not each in every language:
+/// those of one language pair in their order. English ones come first.
+std::vector<InstalledFace::Alias> namesOf(const PatternReader& reader) {
+    const Texts families(reader, FC_FAMILY, FC_FAMILYLANG);
+    Texts styles(reader, FC_STYLE, FC_STYLELANG);
+    if (styles.all.empty()) {
+        styles.all = styles.languages = {std::string()};
+    }
+    std::vector<InstalledFace::Alias> names;
+    std::size_t english = 0; // how many of them stand at the front
+    const auto add = [&](const std::string& family, const std::string& style,
+                         const std::string& language) {
+        InstalledFace::Alias name{family, style};
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            const bool first = language == "en";
+            names.insert(first ? names.begin() + static_cast<std::ptrdiff_t>(english) : names.end(),
+                         std::move(name));
+            english += first ? 1 : 0;
+        }
+    };
+    const auto pairAll = [](const Texts& texts, auto&& pair) {
+        std::map<std::string_view, std::size_t> numbers;
+        for (std::size_t i = 0; i < texts.all.size(); ++i) {
+            pair(texts.all[i], texts.languages[i], numbers[texts.languages[i]]++);
+        }
+    };
+    pairAll(families, [&](const std::string& family, const std::string& language, std::size_t n) {
+        add(family, styles.partner(language, n), language);
+    });
+    pairAll(styles, [&](const std::string& style, const std::string& language, std::size_t n) {
+        add(families.partner(language, n), style, language);
+    });
+    return names;
 }
 
 void readNames(const PatternReader& reader, InstalledFace& face) {
-    const std::vector<std::string> families = reader.texts(FC_FAMILY);
-    const std::vector<std::string> styles = reader.texts(FC_STYLE);
-    // Typographic and legacy names stand in parallel, and so do those of several languages.
-    const auto styleAt = [&](std::size_t i) {
-        return styles.empty() ? std::string() : styles[std::min(i, styles.size() - 1)];
-    };
-    const std::size_t first = englishOne(reader.texts(FC_FAMILYLANG));
-    for (std::size_t i = 0; i < std::max(families.size(), styles.size()); ++i) {
-        InstalledFace::Alias name{families[std::min(i, families.size() - 1)], styleAt(i)};
-        if (i == first) {
-            face.family = name.family;
-            face.style = name.style;
-        } else {
-            face.aliases.push_back(std::move(name));
-        }
-    }
+    face.aliases = namesOf(reader);
+    face.family = std::move(face.aliases.front().family);
+    face.style = std::move(face.aliases.front().style);
+    face.aliases.erase(face.aliases.begin());
     if (face.style.empty()) {
-        face.style = styleText(face.weight, face.slant, face.stretch);
+        face.style = faces::styleText({static_cast<double>(face.weight), face.stretch, face.slant});
     }
     face.postScriptName = reader.text(FC_POSTSCRIPT_NAME);
     if (face.postScriptName.empty()) {
@@ -104,7 +155,7 @@ void readNames(const PatternReader& reader, InstalledFace& face) {
     }
     // Each named instance of a variable font comes with the full name of the font.
     const bool instance = face.index >> 16 != 0;
-    const bool familyAlone = foldName(face.fullName) == foldName(face.family);
+    const bool familyAlone = faces::nameKey(face.fullName) == faces::nameKey(face.family);
     if (face.fullName.empty() || instance || (familyAlone && !isPlain(face.style))) {
         face.fullName = face.family + " " + face.style;
     }
@@ -144,26 +195,6 @@ InstalledFace readFace(const PatternReader& reader) {
 
 } // namespace
 
-std::string foldName(std::string_view name) {
-    std::string result;
-    result.reserve(name.size());
-    bool ascii = true;
-    for (const char c : name) {
-        if (c != ' ' && (c < '\t' || c > '\r')) {
-            result += c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-        }
-        ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-    }
-    if (!ascii) {
-        const FontconfigHandle<FcChar8> folded(
-            FcStrDowncase(reinterpret_cast<const FcChar8*>(result.c_str())));
-        if (folded) {
-            result = reinterpret_cast<const char*>(folded.get());
-        }
-    }
-    return result;
-}
-
 std::vector<InstalledFace> listInstalledFaces() {
     // A configuration loaded afresh sees every change; fontconfig's own check works in whole
     // seconds and misses some for good. It is not made the process's current one, so that fonts
@@ -171,9 +202,9 @@ std::vector<InstalledFace> listInstalledFaces() {
     const FontconfigHandle<FcConfig> config(FcInitLoadConfigAndFonts());
     const FontconfigHandle<FcPattern> scalable(FcPatternCreate());
     const FontconfigHandle<FcObjectSet> objects(
-        FcObjectSetBuild(FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_FULLNAME,
-                         FC_POSTSCRIPT_NAME, FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT, FC_WIDTH,
-                         FC_SLANT, FC_VARIABLE, FC_SYMBOL, nullptr));
+        FcObjectSetBuild(FC_FILE, FC_INDEX, FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_STYLELANG,
+                         FC_FULLNAME, FC_POSTSCRIPT_NAME, FC_FONTFORMAT, FC_CAPABILITY, FC_WEIGHT,
+                         FC_WIDTH, FC_SLANT, FC_VARIABLE, FC_SYMBOL, nullptr));
     std::vector<InstalledFace> faces;
     if (!config || !scalable || !objects) {
         return faces;

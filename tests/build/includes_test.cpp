@@ -70,7 +70,7 @@ const std::vector<Folder>& folders() {
         {"faces", {"system"}, ""},
         {"preview", {"system"}, ""},
         {hostCss, {hostModel}, ""},
-        {hostSvg, {hostModel, hostCss, "system"}, ""},
+        {hostSvg, {hostModel, hostCss, "system", "faces"}, ""},
         {hostModel, {"system", "faces"}, ""},
         {hostWindows, {"host", "sdk", services, "system", "preview"}, ""},
         {"host",

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading one font file: names, technology, and what is refused.
 #include "faces/fontfile.h"
-#include "faces/namekey.h"
 #include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
@@ -119,13 +118,6 @@ TEST(AFontFileName, IsKnownByItsEnding) {
     for (const char* name : {"a.afm", "a.pfm", "ttf", "a.ttf.bak", "a.woff2", ""}) {
         EXPECT_FALSE(hasFontFileName(name)) << name;
     }
-}
-
-TEST(ANameKey, LeavesOutCaseAndBlanksInAnyScript) {
-    EXPECT_EQ(nameKey("EB Garamond"), nameKey("ebgaramond"));
-    EXPECT_EQ(nameKey("MÜLLER  Söhne"), nameKey("Müller söhne"));
-    EXPECT_EQ(nameKey("ГОСТ"), nameKey("гост"));
-    EXPECT_NE(nameKey("A-B"), nameKey("AB"));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "faces/matching.h"
+#include "tests/support/fontmaker.h"
 
 #include <string>
 #include <vector>
@@ -27,6 +28,21 @@ struct MatchingCase {
     const char* near;  ///< the reason of the first candidate; "": there is none
 };
 
+/// A font that has this face.
+inline testsupport::FontRecipe recipeOf(const HeldFace& face) {
+    testsupport::FontRecipe recipe;
+    const bool legacy = !face.legacyFamily.empty();
+    recipe.family = legacy ? face.legacyFamily : face.family;
+    recipe.style = legacy ? face.legacyStyle : face.style;
+    recipe.postScriptName = face.postScriptName;
+    recipe.typographicFamily = legacy ? face.family : "";
+    recipe.typographicStyle = legacy ? face.style : "";
+    recipe.weight = static_cast<std::size_t>(face.look.weight);
+    recipe.widthClass = static_cast<std::size_t>(face.look.width / 12.5) - 3;
+    recipe.italic = face.look.slant != faces::Slant::Upright;
+    return recipe;
+}
+
 inline const std::vector<MatchingCase>& matchingCases() {
     using faces::Slant;
     using faces::Style;
@@ -49,7 +65,7 @@ inline const std::vector<MatchingCase>& matchingCases() {
     static const std::vector<MatchingCase> cases{
         {"by PostScript name, whatever else is told",
          lato,
-         {"Lato-Black", "Lato", "Regular"},
+         {"Lato-Black", "Other", "Regular"},
          "Lato-Black",
          ""},
         {"by PostScript name without the blanks that it should not have",
@@ -125,13 +141,13 @@ inline const std::vector<MatchingCase>& matchingCases() {
          ""},
         {"a style relative to the family's name",
          {{"DejaVu Sans",
-           "Condensed",
-           "DejaVuSansCondensed",
-           {400, 87.5},
+           "Condensed Oblique",
+           "DejaVuSansCondensed-Oblique",
+           {400, 87.5, Slant::Oblique},
            "DejaVu Sans Condensed",
-           "Book"}},
-         {"", "DejaVu Sans Condensed", "Regular"},
-         "DejaVuSansCondensed",
+           "Oblique"}},
+         {"", "DejaVu Sans Condensed", "Italic"},
+         "DejaVuSansCondensed-Oblique",
          ""},
 
         {"not for a word that the family has for another face",
@@ -160,6 +176,11 @@ inline const std::vector<MatchingCase>& matchingCases() {
          "",
          "same family, Black instead of Black Swash"},
         {"not upright for italic",
+         {{"Gothic", "Bold", "Gothic-Bold", {700}}},
+         {"", "Gothic", "Bold Italic"},
+         "",
+         "same family, Bold instead of Bold Italic"},
+        {"slant before weight",
          {{"Gothic", "Bold", "Gothic-Bold", {700}},
           {"Gothic", "Italic", "Gothic-Italic", {400, 100, Slant::Italic}}},
          {"", "Gothic", "Bold Italic"},

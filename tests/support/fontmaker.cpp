@@ -66,12 +66,18 @@ std::string nameTable(const FontRecipe& recipe) {
     }
     std::string records;
     std::string texts;
-    for (const auto& [id, name] : names) {
+    const auto add = [&](std::size_t language, std::size_t id, const std::string& name) {
         const std::string text = utf16(name);
-        records += u16(3) + u16(1) + u16(0x409) + u16(id) + u16(text.size()) + u16(texts.size());
+        records += u16(3) + u16(1) + u16(language) + u16(id) + u16(text.size()) + u16(texts.size());
         texts += text;
+    };
+    for (const auto& [language, family] : recipe.translatedFamilies) {
+        add(language, 1, family);
     }
-    return u16(0) + u16(names.size()) + u16(6 + records.size()) + records + texts;
+    for (const auto& [id, name] : names) {
+        add(0x409, id, name);
+    }
+    return u16(0) + u16(records.size() / 12) + u16(6 + records.size()) + records + texts;
 }
 
 // A weight axis from 100 to 900 at 400, and an instance per name at 500, 600, ...
@@ -127,6 +133,9 @@ Tables tablesOf(const FontRecipe& recipe) {
         tables.erase(unwanted);
     }
     tables["name"] = nameTable(recipe);
+    tables["OS/2"].replace(4, 4, u16(recipe.weight) + u16(recipe.widthClass));
+    tables["OS/2"].replace(62, 2, u16(recipe.italic ? 0x01 : 0x40)); // regular otherwise
+    tables["head"].replace(44, 2, u16(recipe.italic ? 0x02 : 0));
     if (recipe.layout) {
         // One script without features.
         tables["GSUB"] = u32(0x00010000) + u16(10) + u16(22) + u16(24) + u16(1) + "latn" + u16(8) +

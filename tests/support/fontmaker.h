@@ -2,6 +2,8 @@
 // Makes small, whole font files with any names, from a font of this project.
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,11 @@ struct FontRecipe {
     /// Names of a variable font's instances, without the first. Letters are wider by an em at the
     /// heaviest.
     std::vector<std::string> instances = {};
+    std::size_t weight = 400;
+    std::size_t widthClass = 5; ///< 1 to 9, from ultra-condensed to ultra-expanded
+    bool italic = false;
+    /// Further family names with their Windows language; the style stays without a translation.
+    std::map<std::size_t, std::string> translatedFamilies = {};
     std::string png = {}; ///< 16 pixels wide and high: what every glyph is instead of its outline
 };
 

@@ -2,6 +2,7 @@
 // Makes a face of the values that the cascade gave.
 #include "host/documents/svg/svgdrawing.h"
 
+#include "faces/stylewords.h"
 #include "host/documents/css/families.h"
 
 #include <algorithm>
@@ -70,15 +71,16 @@ Face styledFace(Face face, const Style& look) {
     face.stretch = look.value(css::Property::Stretch) / 1000.0;
     if (!face.postScriptName.empty() && face.weight == 400 && face.slant == Slant::Upright &&
         face.stretch == 100) {
-        const StyleWords words = readStyleWords(
+        const faces::StyleWords words = faces::readStyleWords(
             std::string_view(face.family).substr(styleInPostScriptName(face.family)));
         if (words.complete) {
-            face.weight = words.weight;
-            face.slant = words.slant;
-            face.stretch = words.stretch;
+            const faces::Style said = words.style();
+            face.weight = static_cast<int>(said.weight);
+            face.slant = said.slant;
+            face.stretch = said.width;
         }
     }
-    face.style = styleText(face.weight, face.slant, face.stretch);
+    face.style = faces::styleText(face.look());
     return face;
 }
 

@@ -2,6 +2,8 @@
 // Keys and look-up, over a list of fonts that the test makes up.
 #include "host/fonts/catalogue.h"
 
+#include "faces/stylewords.h"
+
 #include <gtest/gtest.h>
 
 #include <unordered_set>
@@ -61,7 +63,7 @@ Face named(std::string family, int weight = 400, Slant slant = Slant::Upright,
     result.weight = weight;
     result.slant = slant;
     result.stretch = stretch;
-    result.style = styleText(weight, slant, stretch);
+    result.style = faces::styleText(result.look());
     return result;
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The desktop's fonts through fontconfig, in a small font world of the test's own: its fonts are
 // hard copies of what the desktop has of one well-known family, and some made for a test.
+#include "faces/stylewords.h"
 #include "host/fonts/catalogue.h"
+#include "tests/faces/matching_cases.h"
 #include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
@@ -52,7 +54,7 @@ protected:
         Face face;
         face.family = "DejaVu Sans";
         face.weight = weight;
-        face.style = styleText(weight, Slant::Upright, 100);
+        face.style = faces::styleText(face.look());
         return face;
     }
 
@@ -127,9 +129,42 @@ TEST_F(APrivateFontWorld, TellsTheInstancesOfVariableFontsApart) {
                                             "Quay", "Quay Semi Bold"));
 }
 
-TEST(AFoldedName, HasNeitherCaseNorBlanks) {
-    EXPECT_EQ(foldName(" DejaVu  Sans\t"), "dejavusans");
-    EXPECT_EQ(foldName("M\xC3\x9CLLER"), foldName("m\xC3\xBCller"));
+TEST_F(APrivateFontWorld, PairsStylesWithTheFamiliesOfTheirLanguage) {
+    testsupport::FontRecipe recipe;
+    recipe.family = "Quay Heavy"; // the typographic style has no Korean family beside it
+    recipe.typographicFamily = "Quay";
+    recipe.typographicStyle = "Heavy";
+    recipe.translatedFamilies = {{0x412, "\xEB\xB6\x80\xEB\x91\x90"}};
+    folder_.write("fonts/set/a.ttf", testsupport::makeFont(recipe));
+    const std::vector<InstalledFace> faces = listInstalledFaces();
+    ASSERT_EQ(faces.size(), 1U);
+    EXPECT_EQ(faces[0].family + "/" + faces[0].style, "Quay/Heavy");
+    EXPECT_THAT(faces[0].aliases,
+                testing::ElementsAre(InstalledFace::Alias{"Quay Heavy", "Regular"},
+                                     InstalledFace::Alias{"\xEB\xB6\x80\xEB\x91\x90", "Heavy"}));
+}
+
+TEST_F(APrivateFontWorld, HasTheFacesThatTheTableOfMatchingSays) {
+    for (const facestest::MatchingCase& c : facestest::matchingCases()) {
+        std::filesystem::remove_all(folder_ / "fonts/set");
+        for (const facestest::HeldFace& held : c.held) {
+            folder_.write("fonts/set/" + held.postScriptName + ".ttf",
+                          testsupport::makeFont(recipeOf(held)));
+        }
+        Face wanted;
+        wanted.postScriptName = c.wanted.postScriptName;
+        wanted.family = c.wanted.family.empty() ? c.wanted.postScriptName : c.wanted.family;
+        wanted.style = c.wanted.style;
+        const faces::Style look = faces::readStyleWords(c.wanted.style).style();
+        wanted.weight = static_cast<int>(look.weight);
+        wanted.slant = look.slant;
+        wanted.stretch = look.width;
+        Catalogue catalogue;
+        ASSERT_EQ(catalogue.faces().size(), c.held.size()) << c.what;
+        const FontEntry& entry = *catalogue.entry(catalogue.resolve(wanted));
+        const std::filesystem::path file = entry.face.file;
+        EXPECT_EQ(entry.present ? file.stem() : "", c.exact) << c.what;
+    }
 }
 
 } // namespace

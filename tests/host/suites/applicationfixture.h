@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ate/itext.h"
+#include "faces/stylewords.h"
 #include "host/suites/application.h"
 #include "suitepointers.h"
 #include "tests/host/core/recordingfrontend.h"
@@ -21,17 +22,18 @@ inline InstalledFace installed(const std::string& family, const std::string& sty
     face.style = style;
     face.postScriptName = conventionalPostScriptName(family, style);
     face.fullName = "The " + family + " " + style;
-    const StyleWords words = readStyleWords(style);
-    face.weight = words.weight;
-    face.slant = words.slant;
-    face.stretch = words.stretch;
+    const faces::Style look = faces::readStyleWords(style).style();
+    face.weight = static_cast<int>(look.weight);
+    face.slant = look.slant;
+    face.stretch = look.width;
     face.file = "/fonts/" + face.postScriptName;
     return face;
 }
 
 inline Face named(const std::string& family, const std::string& style) {
-    const StyleWords words = readStyleWords(style);
-    return {family, style, "", words.weight, words.slant, words.stretch, FaceOrigin::Named};
+    const faces::Style look = faces::readStyleWords(style).style();
+    return {family,           style, "", static_cast<int>(look.weight), look.slant, look.width,
+            FaceOrigin::Named};
 }
 
 struct MadeRun {

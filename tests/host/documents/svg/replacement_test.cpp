@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Replaced faces in the saved file: what changes, and that nothing else does.
 #include "drawings.h"
+#include "faces/stylewords.h"
 #include "host/documents/svg/faceedits.h"
 #include "host/documents/svg/svgdrawing.h"
 
@@ -16,7 +17,7 @@ Face newFace(const char* family = "New Sans", int weight = 400, Slant slant = Sl
     face.family = family;
     face.weight = weight;
     face.slant = slant;
-    face.style = styleText(weight, slant, 100);
+    face.style = faces::styleText(face.look());
     return face;
 }
 
