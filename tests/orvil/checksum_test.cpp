@@ -118,16 +118,12 @@ TEST(AChecksumTable, IsSharedPerPolynomial) {
     EXPECT_EQ(table[0], 0U);
     EXPECT_EQ(table[1], 0x77073096U);
     EXPECT_EQ(table[255], 0x2D02EF8DU);
-    std::vector<std::thread> threads;
-    threads.reserve(4);
+    std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([table] {
             EXPECT_EQ(CRC32::getPolyTable(usual), table);
             EXPECT_EQ(CRC32::getPolyTable(0xABCDEF01), CRC32::getPolyTable(0xABCDEF01));
         });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The configuration tree: paths, inheritance, editing, typed values, views and copies.
 #include "misc/configuration/configuration.h"
+#include "tests/support/repeated.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@ using namespace Orvil;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
-using Values = std::vector<std::string>;
 
 TEST(AConfiguration, MakesWhatAValueNeeds) {
     Configuration store;
@@ -174,10 +174,7 @@ TEST(AView, SharesNodesAndACopyDoesNot) {
 
 TEST(AConfiguration, CopiesAndFreesADeepTree) {
     Configuration store;
-    std::string path = "a";
-    for (int i = 0; i < 50000; ++i) {
-        path += ".a";
-    }
+    const std::string path = "a" + repeated(".a", 50000);
     EXPECT_TRUE(store.setValue(path, "deep", true));
     const auto copy = store.getCategory("a", true);
     EXPECT_EQ(copy->getString(path.substr(2), ""), "deep");
@@ -185,8 +182,7 @@ TEST(AConfiguration, CopiesAndFreesADeepTree) {
 
 TEST(AConfiguration, IsSafeForManyThreads) {
     Configuration store;
-    std::vector<std::thread> threads;
-    threads.reserve(4);
+    std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&store, i] {
             const std::string own = "t" + std::to_string(i) + ".v";
@@ -198,9 +194,7 @@ TEST(AConfiguration, IsSafeForManyThreads) {
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     EXPECT_EQ(store.getSubCategories("").size(), 5U);
 }
 

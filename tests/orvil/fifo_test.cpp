@@ -124,7 +124,7 @@ TEST(AQueue, PassesAMillionItemsBetweenManyThreads) {
     SafeFIFOBuffer<std::uint32_t> queue(64);
     std::atomic<std::uint32_t> taken = 0;
     std::atomic<std::uint64_t> sum = 0;
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (std::uint32_t producer = 0; producer < producers; ++producer) {
         threads.emplace_back([&queue, producer] {
             for (std::uint32_t i = 0; i < perProducer; ++i) {
@@ -152,9 +152,7 @@ TEST(AQueue, PassesAMillionItemsBetweenManyThreads) {
             sum += own;
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     EXPECT_EQ(sum, std::uint64_t{producers} * perProducer * (perProducer - 1) / 2);
     std::uint32_t item = 0;
     EXPECT_FALSE(queue.tryDequeue(item));

@@ -100,8 +100,7 @@ TEST(ASharedObject, IsCountedExactlyByManyThreads) {
     std::string log;
     {
         const SmartPointer<Shared> kept(new Shared(log));
-        std::vector<std::thread> threads;
-        threads.reserve(4);
+        std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([pointer = kept] {
                 for (int round = 0; round < 20000; ++round) {
@@ -110,9 +109,7 @@ TEST(ASharedObject, IsCountedExactlyByManyThreads) {
                 }
             });
         }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        threads.clear();
         EXPECT_EQ(log, "");
     }
     EXPECT_EQ(log, "x");

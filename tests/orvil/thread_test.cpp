@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: MIT
-// The life of threads: start, end, use again; and what a thread may ask about itself.
+// The life of threads: start, end, use again; what a thread may ask about itself; how long it
+// sleeps when signals come in between; and the guard of memory, which is one.
+#include "misc/threads/memoryguard.h"
 #include "misc/threads/thread.h"
 #include "task.h"
 
 #include <gtest/gtest.h>
 
 #include <sched.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <ctime>
 #include <stdexcept>
 #include <thread>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 using namespace Orvil;
@@ -103,4 +111,71 @@ TEST(AThread, IsNotBoundToAProcessor) {
     EXPECT_TRUE(Thread::setCurrentProcessorAffinity(1, true));
     EXPECT_TRUE(Thread::setCurrentProcessorAffinity(std::vector<int>{0, 1}, false));
     EXPECT_TRUE(Thread::getCurrentProcessorAffinity().empty());
+}
+
+namespace {
+
+/// What the scripted sleep was asked for, in seconds and nanoseconds, and what it leaves each time.
+struct Script {
+    using Time = std::pair<time_t, long>;
+    std::vector<Time> asked;
+    std::vector<Time> rests; // one for every sleep that a signal interrupts
+};
+thread_local Script* script = nullptr;
+
+} // namespace
+
+extern "C" int nanosleep(const timespec* wanted, timespec* rest) {
+    if (script == nullptr) {
+        errno = clock_nanosleep(CLOCK_MONOTONIC, 0, wanted, rest);
+        return errno == 0 ? 0 : -1;
+    }
+    const std::size_t call = script->asked.size();
+    script->asked.emplace_back(wanted->tv_sec, wanted->tv_nsec);
+    if (call >= script->rests.size()) {
+        return 0;
+    }
+    if (rest != nullptr) {
+        std::tie(rest->tv_sec, rest->tv_nsec) = script->rests[call];
+    }
+    errno = EINTR;
+    return -1;
+}
+
+TEST(ASleep, GoesOnForTheRestAfterEachSignal) {
+    Script interrupted{{}, {{1, 2}, {0, 400'000'000}, {0, 1}}};
+    script = &interrupted;
+    Thread::sleep(1500);
+    script = nullptr;
+    EXPECT_EQ(interrupted.asked,
+              (std::vector<Script::Time>{{1, 500'000'000}, {1, 2}, {0, 400'000'000}, {0, 1}}));
+}
+
+TEST(AMemoryGuard, StopsTheProcessByItselfWhileItRuns) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGSEGV, SIG_DFL);
+            alarm(60); // the end if nobody looks
+            std::vector<std::uint32_t> words(3, 1);
+            MemoryGuard guard;
+            guard.addEntry(words.data(), words.size());
+            std::ignore = guard.start(false, -1);
+            __atomic_store_n(&words[2], 4, __ATOMIC_RELAXED);
+            guard.join();
+        },
+        testing::KilledBySignal(SIGSEGV), "");
+}
+
+TEST(AMemoryGuard, WatchesUntilItIsDestroyed) {
+    const std::vector<std::uint32_t> words(100, 7);
+    {
+        MemoryGuard guard;
+        EXPECT_TRUE(guard.start(false, -1));
+        EXPECT_TRUE(guard.addEntry(words.data(), words.size()));
+        EXPECT_TRUE(guard.isRunning());
+    }
+    MemoryGuard again;
+    EXPECT_TRUE(again.start(false, -1));
+    EXPECT_TRUE(again.destroy());
+    EXPECT_FALSE(again.isRunning());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Documents and nodes: reading, walking, making and letting go.
 #include "misc/xml/libxmlparser.h"
+#include "tests/support/repeated.h"
 #include "xmldocument.h"
 
 #include <libxml/parser.h>
@@ -142,11 +143,7 @@ TEST_F(AnXmlDocument, MayBeOutlivedByAnAddedNode) {
 }
 
 TEST_F(AnXmlDocument, FreesAMillionSiblingsAndADeepTreeWithoutDeepCalls) {
-    std::string text = "<a>";
-    for (int i = 0; i < 1000000; ++i) {
-        text += "<b/>";
-    }
-    EXPECT_EQ(read(text + "</a>")->getChildren().size(), 1000000U);
+    EXPECT_EQ(read("<a>" + repeated("<b/>", 1000000) + "</a>")->getChildren().size(), 1000000U);
     document->cleanup();
     EXPECT_EQ(document->getRootNode(), nullptr);
 
