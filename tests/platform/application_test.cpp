@@ -179,7 +179,7 @@ TEST_F(AnApplication, NoticesTheEndOfTheBus) {
 
 TEST_F(AnApplication, ComesAndGoesWhileOthersSend) {
     std::atomic<bool> done = false;
-    std::vector<std::thread> senders;
+    std::vector<std::jthread> senders;
     for (int i = 0; i < 3; ++i) {
         senders.emplace_back([&done] {
             while (!done) {
@@ -197,9 +197,6 @@ TEST_F(AnApplication, ComesAndGoesWhileOthersSend) {
     }
     done = true;
     PLUnregisterApplication(); // refuses those who wait
-    for (std::thread& sender : senders) {
-        sender.join();
-    }
 }
 
 } // namespace

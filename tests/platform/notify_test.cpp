@@ -81,7 +81,7 @@ TEST_F(ANotification, IsNotLostAmongThousandsFromTwoProcesses) {
     }
     // Two readers share the token while the postings come in.
     std::atomic<int> seen = 0;
-    std::vector<std::thread> readers;
+    std::vector<std::jthread> readers;
     for (int i = 0; i < 2; ++i) {
         readers.emplace_back([&] {
             while (seen < 2 * timesEach) {
@@ -89,9 +89,7 @@ TEST_F(ANotification, IsNotLostAmongThousandsFromTwoProcesses) {
             }
         });
     }
-    for (std::thread& reader : readers) {
-        reader.join();
-    }
+    readers.clear();
     EXPECT_EQ(first.readLine(), "posted");
     EXPECT_EQ(second.readLine(), "posted");
     settle();
