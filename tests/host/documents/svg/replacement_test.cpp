@@ -5,6 +5,7 @@
 #include "host/documents/svg/faceedits.h"
 #include "host/documents/svg/svgdrawing.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -310,12 +311,8 @@ TEST(AReplacedFace, IsRefusedWhereRulesWouldCatchItsOnlySpan) {
     Document document = read("<style>tspan{fill:red}</style><text font-family='Old'>a<tspan "
                              "font-weight='bold'>b</tspan>c</text>");
     document.replaceFace(0, newFace());
-    try {
-        saved(document);
-        ADD_FAILURE();
-    } catch (const DocumentError& error) {
-        EXPECT_NE(std::string(error.what()).find("would catch the span"), std::string::npos);
-    }
+    EXPECT_THAT([&] { saved(document); },
+                testing::ThrowsMessage<DocumentError>(testing::HasSubstr("would catch the span")));
 }
 
 TEST(AReplacedFace, InAnEntityIsRefusedAndTheFileKept) {
