@@ -4,6 +4,7 @@
 #include "faces/namekey.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/exchange.h"
+#include "manager/library/indexwriter.h"
 #include "manager/library/update.h"
 #include "tests/support/temporaryfolder.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int faceCount = 100'000;
 constexpr int facesPerFamily = 4;
+constexpr int folderCount = 500;
 constexpr int asked = 1000;
 
 struct TemporaryPlaces {
@@ -31,33 +33,27 @@ std::string postScriptName(int face) {
            std::to_string(face % facesPerFamily);
 }
 
-// The rows that a scan of 100,000 single fonts would write.
+// As a scan of 100,000 single fonts would write them.
 void fill(Database& database) {
     Transaction transaction(database);
-    Statement container(database, "INSERT INTO container (id, folder, file, family_key, name) "
-                                  "VALUES (?, ?, '', ?, ?)");
-    Statement file(database, "INSERT INTO file (id, path, size, changed, inode, container) "
-                             "VALUES (?, ?, 1, 1, 1, ?)");
-    Statement face(database, "INSERT INTO face (id, file, container, number, type, "
-                             "postscript_name, family, style) VALUES (?, ?, ?, 0, 3, ?, ?, ?)");
-    Statement name(database, "INSERT INTO name (family_key, style_key, face) VALUES (?, ?, ?)");
+    IndexWriter writer(database);
+    FoundFolder folder;
+    std::int64_t directory = 0;
     for (int i = 0; i < faceCount; ++i) {
-        const std::int64_t id = i + 1;
-        const std::int64_t family = i / facesPerFamily + 1;
-        const std::string familyName = "Family " + std::to_string(family - 1);
-        const std::string style = "Style " + std::to_string(i % facesPerFamily);
-        const std::string folder = "/fonts/foundry" + std::to_string(family % 500);
-        const std::string key = faces::nameKey(familyName);
-        const std::string styleKey = faces::nameKey(style);
-        const std::string path = folder + "/" + std::to_string(i) + ".otf";
-        const std::string psName = postScriptName(i);
-        if (i % facesPerFamily == 0) {
-            container.bind(1, family).bind(2, folder).bind(3, key).bind(4, familyName).run();
+        const int family = i / facesPerFamily;
+        if (i % (faceCount / folderCount) == 0) {
+            folder.path = "/fonts/foundry" + std::to_string(i / (faceCount / folderCount));
+            directory = writer.addDirectory(folder, false);
         }
-        file.bind(1, id).bind(2, path).bind(3, family).run();
-        face.bind(1, id).bind(2, id).bind(3, family).bind(4, psName);
-        face.bind(5, familyName).bind(6, style).run();
-        name.bind(1, key).bind(2, styleKey).bind(3, id).run();
+        faces::Face face;
+        face.technology = faces::Technology::OpenTypeTrueType;
+        face.postScriptName = postScriptName(i);
+        face.names = {{"Family " + std::to_string(family),
+                       "Style " + std::to_string(i % facesPerFamily), "en",
+                       faces::NameKind::Legacy}};
+        face.fullNames = {face.names[0].family + " " + face.names[0].style};
+        writer.write(folder, directory, {std::to_string(i) + ".otf", {1, 1, i}}, 0,
+                     ReadFont{{false, {face}}, 0});
     }
     transaction.commit();
 }

@@ -52,6 +52,16 @@ Statement& Statement::bind(int parameter, std::int64_t number) {
     return checked(sqlite3_bind_int64(statement_.get(), parameter, number));
 }
 
+Statement& Statement::bind(int parameter, double number) {
+    return checked(sqlite3_bind_double(statement_.get(), parameter, number));
+}
+
+Statement& Statement::bindBlob(int parameter, std::string_view bytes) {
+    const char* data = bytes.data() == nullptr ? "" : bytes.data();
+    return checked(
+        sqlite3_bind_blob64(statement_.get(), parameter, data, bytes.size(), SQLITE_STATIC));
+}
+
 Statement& Statement::bindNull(int parameter) {
     return checked(sqlite3_bind_null(statement_.get(), parameter));
 }
@@ -85,10 +95,15 @@ std::int64_t Statement::number(int column) const {
     return sqlite3_column_int64(statement_.get(), column);
 }
 
-std::string Statement::text(int column) const {
-    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+double Statement::real(int column) const {
+    return sqlite3_column_double(statement_.get(), column);
+}
+
+std::string_view Statement::view(int column) const {
+    const auto* data = static_cast<const char*>(sqlite3_column_blob(statement_.get(), column));
     const int size = sqlite3_column_bytes(statement_.get(), column);
-    return data == nullptr ? std::string() : std::string(data, static_cast<std::size_t>(size));
+    return data == nullptr ? std::string_view()
+                           : std::string_view(data, static_cast<std::size_t>(size));
 }
 
 bool Statement::isNull(int column) const {
@@ -139,6 +154,20 @@ void Database::fail(int code) const {
         throw DamagedDatabase(text);
     }
     throw Error(text);
+}
+
+Reading::Reading(Database& database)
+    : database_(database), own_(sqlite3_get_autocommit(database.handle()) != 0) {
+    if (own_) {
+        database_.run("BEGIN");
+    }
+}
+
+Reading::~Reading() {
+    if (own_) {
+        // Nothing was written that could be lost, so an error has nothing to tell.
+        sqlite3_exec(database_.handle(), "COMMIT", nullptr, nullptr, nullptr);
+    }
 }
 
 Transaction::~Transaction() {

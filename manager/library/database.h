@@ -28,6 +28,9 @@ public:
     /// Parameters count from 1. Texts are referred to, not copied, until the next reset.
     Statement& bind(int parameter, std::string_view text);
     Statement& bind(int parameter, std::int64_t number);
+    Statement& bind(int parameter, double number);
+    /// Refers to the bytes, like bind().
+    Statement& bindBlob(int parameter, std::string_view bytes);
     Statement& bindNull(int parameter);
     /// Advances to the next row; false at the end. Throws Error.
     bool step();
@@ -36,7 +39,10 @@ public:
     void reset();
 
     [[nodiscard]] std::int64_t number(int column) const;
-    [[nodiscard]] std::string text(int column) const;
+    [[nodiscard]] double real(int column) const;
+    [[nodiscard]] std::string text(int column) const { return std::string(view(column)); }
+    /// The bytes of a text or blob, until the next step or reset.
+    [[nodiscard]] std::string_view view(int column) const;
     [[nodiscard]] bool isNull(int column) const;
 
 private:
@@ -84,6 +90,20 @@ private:
     };
     std::string path_;
     std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+/// Until it ends, everything that is read is of one moment; and costs less than alone. What is read
+/// within another, or within a Transaction, is part of that.
+class Reading {
+public:
+    explicit Reading(Database& database);
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    ~Reading();
+
+private:
+    Database& database_;
+    bool own_;
 };
 
 /// Rolled back unless committed.

@@ -186,16 +186,17 @@ public:
         std::uint32_t size = 0;
         while (!gone && left.size() >= sizeof size) {
             std::memcpy(&size, left.data(), sizeof size);
-            if (size > maximumAnswer || waiting_.empty()) {
-                gone = true;
-            } else if (left.size() - sizeof size < size) {
+            if (size <= maximumAnswer && left.size() - sizeof size < size) {
                 break;
-            } else if (auto outcome = decodeAnswer(left.substr(sizeof size, size))) {
+            }
+            auto outcome = size <= maximumAnswer && !waiting_.empty()
+                               ? decodeAnswer(left.substr(sizeof size, size))
+                               : std::nullopt;
+            gone = !outcome;
+            if (outcome) {
                 left.remove_prefix(sizeof size + size);
                 outcomes.emplace_back(pop(), std::move(*outcome));
                 deadline_ = deadline;
-            } else {
-                gone = true;
             }
         }
         answers_.erase(0, answers_.size() - left.size());

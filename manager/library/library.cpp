@@ -4,9 +4,9 @@
 #include "faces/namekey.h"
 
 #include "manager/library/error.h"
+#include "manager/library/facelookup.h"
 #include "manager/library/fields.h"
 #include "manager/library/schema.h"
-#include "manager/library/stylewords.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -19,9 +19,6 @@ namespace manager {
 
 namespace {
 
-constexpr const char* faceColumns = "SELECT face.container, face.type, face.postscript_name, "
-                                    "face.family, face.style, file.path FROM ";
-
 Database openPrepared(const Places& places, const TableFiller& fill, MissingFile missing) {
     makeFolders(places.own());
     Database database(places.database(), missing);
@@ -30,9 +27,11 @@ Database openPrepared(const Places& places, const TableFiller& fill, MissingFile
 }
 
 void keepKnown(Database& database, const KnownContainers& known) {
-    for (const auto& [id, name, folder, file] : known ? known() : std::vector<KnownContainer>()) {
-        keepContainer(database, {static_cast<std::int64_t>(id), folder, file,
-                                 file.empty() ? faces::nameKey(name) : std::string(), name});
+    for (const auto& [id, name, folder, file, format] :
+         known ? known() : std::vector<KnownContainer>()) {
+        keepContainer(database,
+                      {static_cast<std::int64_t>(id), folder, file,
+                       file.empty() ? faces::nameKey(name) : std::string(), name, format});
     }
 }
 
@@ -41,32 +40,37 @@ std::int64_t inodeOf(const std::string& path) {
     return stat(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_ino) : -1;
 }
 
-std::vector<FaceMatch> matches(Statement& statement) {
-    std::vector<FaceMatch> found;
-    while (statement.step()) {
-        found.push_back({static_cast<ContainerId>(statement.number(0)),
-                         static_cast<faces::Technology>(statement.number(1)), statement.text(2),
-                         statement.text(3), statement.text(4), nameOf(statement.text(5))});
-    }
-    return found;
-}
+// A directory is that of the container's folder, where all of its files lie.
+constexpr const char* containerColumns =
+    "SELECT container.id, container.name, container.folder, container.file, container.format, "
+    "directory.away, directory.shown, count(*) FROM container "
+    "JOIN file ON file.container = container.id AND file.spare = 0 "
+    "JOIN face ON face.file = file.id "
+    "JOIN directory ON directory.id = file.directory ";
 
 Container containerFrom(const Statement& statement) {
-    return {static_cast<ContainerId>(statement.number(0)), statement.text(1), statement.text(2),
-            statement.text(3), statement.number(4)};
+    Container container;
+    container.id = static_cast<ContainerId>(statement.number(0));
+    container.name = statement.text(1);
+    container.folder = statement.text(2);
+    container.file = statement.text(3);
+    container.faces = statement.number(7);
+    if (!statement.isNull(4)) {
+        container.format = static_cast<FontFormat>(statement.number(4));
+    }
+    container.away = statement.number(5) != 0;
+    container.shownByDesktop = statement.number(6) != 0;
+    return container;
 }
 
-// The texts between `folder/` and `folder0` are those that begin with `folder/`: '0' follows '/'.
-struct PathRange {
-    explicit PathRange(const std::string& folder)
-        : first(folder == "/" ? "/" : folder + "/"), last(folder == "/" ? "0" : folder + "0") {}
-    std::string first;
-    std::string last;
-};
-
-std::int64_t count(Database& database, const char* sql, const PathRange& range) {
-    Statement statement(database, sql);
-    statement.bind(1, range.first).bind(2, range.last);
+std::int64_t count(Database& database, const std::string& what, const std::string& folder) {
+    Statement statement(database, ("SELECT count(" + what +
+                                   "FROM directory JOIN file ON file.directory = directory.id "
+                                   "LEFT JOIN face ON face.file = file.id WHERE " +
+                                   std::string(atOrUnder))
+                                      .c_str());
+    const PathRange range(folder);
+    statement.bind(1, folder).bind(2, range.first).bind(3, range.last);
     statement.step();
     return statement.number(0);
 }
@@ -93,79 +97,48 @@ std::optional<ContainerId> toContainerId(std::string_view text) {
 Library::Library(const Places& places, const TableFiller& fill, MissingFile missing)
     : places_(places), database_(openPrepared(places, fill, missing)),
       inode_(inodeOf(places.database())),
-      byPostScriptName_(database_,
-                        (std::string(faceColumns) + "face JOIN file ON file.id = face.file "
-                                                    "WHERE face.postscript_name = ? "
-                                                    "ORDER BY face.container, face.id")
-                            .c_str()),
-      byName_(database_, (std::string(faceColumns) +
-                          "name JOIN face ON face.id = name.face JOIN file ON file.id = face.file "
-                          "WHERE name.family_key = ? AND name.style_key = ? "
-                          "ORDER BY face.container, face.id")
-                             .c_str()),
-      container_(database_, "SELECT id, name, folder, file, 0 FROM container WHERE id = ?"),
-      faceCount_(database_, "SELECT count(*) FROM face WHERE container = ?") {}
-
-std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
-    if (name.empty()) {
-        return {}; // faces without a name do not answer to it
-    }
-    const StatementUse use(byPostScriptName_);
-    byPostScriptName_.bind(1, name);
-    return matches(byPostScriptName_);
-}
-
-std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
-                                                     std::string_view style) {
-    const std::string familyKey = faces::nameKey(family);
-    const auto find = [&](std::string_view styleKey) {
-        const StatementUse use(byName_);
-        byName_.bind(1, familyKey).bind(2, styleKey);
-        return matches(byName_);
-    };
-    const std::string styleKey = faces::nameKey(style);
-    std::vector<FaceMatch> found = find(styleKey);
-    if (found.empty()) {
-        found = find(styleForm(styleKey));
-    }
-    if (found.empty() && styleKey.empty()) {
-        found = find("medium");
-    }
-    return found;
-}
+      byPostScriptKey_(database_, faceLookUp("face.postscript_key = ?").c_str()),
+      byFullName_(database_,
+                  faceLookUp("face.id IN (SELECT face FROM full_name WHERE key = ?)").c_str()),
+      byFamily_(database_, faceLookUp("face.id IN (SELECT name.face FROM family JOIN name "
+                                      "ON name.family = family.id WHERE family.key = ?)")
+                               .c_str()),
+      byNormalisedFamily_(database_,
+                          faceLookUp("face.id IN (SELECT name.face FROM family JOIN name ON "
+                                     "name.family = family.id WHERE family.normalised_key = ?)")
+                              .c_str()),
+      names_(database_, "SELECT family.name, name.style, name.language, name.kind FROM name "
+                        "JOIN family ON family.id = name.family WHERE name.face = ? "
+                        "ORDER BY name.position"),
+      fullNames_(database_, "SELECT name FROM full_name WHERE face = ? ORDER BY position"),
+      container_(database_, (std::string(containerColumns) + "WHERE container.id = ?").c_str()) {}
 
 std::optional<Container> Library::container(ContainerId id) {
-    const StatementUse countUse(faceCount_);
-    faceCount_.bind(1, static_cast<std::int64_t>(id));
-    faceCount_.step();
-    const std::int64_t faces = faceCount_.number(0);
     const StatementUse use(container_);
     container_.bind(1, static_cast<std::int64_t>(id));
-    if (faces == 0 || !container_.step()) {
+    if (!container_.step() || container_.number(7) == 0) {
         return std::nullopt;
     }
-    Container container = containerFrom(container_);
-    container.faces = faces;
-    return container;
+    return containerFrom(container_);
 }
 
 std::vector<LibraryFile> Library::files(ContainerId id) {
-    Statement statement(database_, "SELECT path, size, changed, inode FROM file "
-                                   "WHERE container = ? ORDER BY path");
+    Statement statement(database_, "SELECT directory.path, file.name, size, changed, inode "
+                                   "FROM file JOIN directory ON directory.id = file.directory "
+                                   "WHERE container = ? AND spare = 0 ORDER BY file.name");
     statement.bind(1, static_cast<std::int64_t>(id));
     std::vector<LibraryFile> files;
     while (statement.step()) {
-        files.push_back(
-            {statement.text(0), {statement.number(1), statement.number(2), statement.number(3)}});
+        files.push_back({joinPath(statement.text(0), statement.text(1)),
+                         {statement.number(2), statement.number(3), statement.number(4)}});
     }
     return files;
 }
 
 std::vector<Container> Library::containers() {
-    Statement statement(database_,
-                        "SELECT container.id, container.name, container.folder, container.file, "
-                        "count(*) FROM container JOIN face ON face.container = container.id "
-                        "GROUP BY container.id ORDER BY container.name, container.id");
+    Statement statement(database_, (std::string(containerColumns) +
+                                    "GROUP BY container.id ORDER BY container.name, container.id")
+                                       .c_str());
     std::vector<Container> result;
     while (statement.step()) {
         result.push_back(containerFrom(statement));
@@ -175,8 +148,9 @@ std::vector<Container> Library::containers() {
 
 std::vector<ContainerId> Library::findContainers(std::string_view name) {
     const std::string key = faces::nameKey(name);
-    Statement statement(database_, "SELECT DISTINCT face.container FROM name "
-                                   "JOIN face ON face.id = name.face WHERE name.family_key = ? "
+    Statement statement(database_, "SELECT DISTINCT face.container FROM family "
+                                   "JOIN name ON name.family = family.id "
+                                   "JOIN face ON face.id = name.face WHERE family.key = ? "
                                    "ORDER BY face.container");
     statement.bind(1, key);
     std::vector<ContainerId> result;
@@ -192,8 +166,9 @@ std::vector<ContainerId> Library::findContainersLike(std::string_view pattern) {
         own[at + 1] = '^'; // as SQLite writes it
     }
     const std::string key = faces::nameKey(own);
-    Statement statement(database_, "SELECT face.container FROM name "
-                                   "JOIN face ON face.id = name.face WHERE name.family_key GLOB ? "
+    Statement statement(database_, "SELECT face.container FROM family "
+                                   "JOIN name ON name.family = family.id "
+                                   "JOIN face ON face.id = name.face WHERE family.key GLOB ? "
                                    "UNION SELECT container FROM face WHERE postscript_name GLOB ? "
                                    "ORDER BY 1");
     statement.bind(1, key).bind(2, own);
@@ -207,8 +182,10 @@ std::vector<ContainerId> Library::findContainersLike(std::string_view pattern) {
 std::optional<ContainerId> Library::findPlace(const Container& place) {
     const std::string key = place.file.empty() ? faces::nameKey(place.name) : std::string();
     Statement statement(database_, "SELECT id FROM container "
-                                   "WHERE folder = ? AND file = ? AND family_key = ?");
+                                   "WHERE folder = ? AND file = ? AND family_key = ? "
+                                   "ORDER BY id = ? DESC, id");
     statement.bind(1, place.folder).bind(2, place.file).bind(3, key);
+    statement.bind(4, static_cast<std::int64_t>(place.id));
     if (!statement.step()) {
         return std::nullopt;
     }
@@ -216,19 +193,12 @@ std::optional<ContainerId> Library::findPlace(const Container& place) {
 }
 
 LibraryCounts Library::counts(const std::string& folder) {
-    const PathRange range(folder);
-    return {count(database_,
-                  "SELECT count(*) FROM file WHERE path >= ? AND path < ? AND problem IS NULL",
-                  range),
-            count(database_,
-                  "SELECT count(*) FROM file JOIN face ON face.file = file.id "
-                  "WHERE path >= ? AND path < ?",
-                  range),
-            count(database_,
-                  "SELECT count(DISTINCT container) FROM file WHERE path >= ? AND path < ?", range),
-            count(database_,
-                  "SELECT count(*) FROM file WHERE path >= ? AND path < ? AND problem IS NOT NULL",
-                  range)};
+    return {
+        count(database_, "DISTINCT CASE WHEN file.problem IS NULL THEN file.id END) ", folder),
+        count(database_, "face.id) ", folder),
+        count(database_, "DISTINCT file.container) ", folder),
+        count(database_, "DISTINCT CASE WHEN file.problem IS NOT NULL THEN file.id END) ", folder),
+    };
 }
 
 std::vector<std::string> Library::directories() {

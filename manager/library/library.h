@@ -5,21 +5,25 @@
 
 #include "faces/face.h"
 #include "manager/library/database.h"
+#include "manager/library/facequery.h"
 #include "manager/library/places.h"
 #include "manager/library/schema.h"
 #include "manager/library/walk.h"
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace manager {
 
-/// A container's number, at least 1; stable as long as its folder and family (or file) are.
+/// A container's number, at least 1; stable as long as its folder, family and format (or
+/// file) are.
 enum class ContainerId : std::int32_t {};
 
 inline std::string toText(ContainerId id) {
@@ -28,14 +32,47 @@ inline std::string toText(ContainerId id) {
 /// A decimal number from 1 to 2,147,483,647.
 [[nodiscard]] std::optional<ContainerId> toContainerId(std::string_view text);
 
-/// One face that a look-up found.
+/// A face's number in the index. The next scan that reads its file again gives it another.
+enum class FaceId : std::int64_t {};
+
+/// One face that a look-up found, with what tells it from others.
 struct FaceMatch {
+    FaceId id{};
     ContainerId container{};
     faces::Technology type = faces::Technology::TrueType;
     std::string postScriptName;
-    std::string familyName;
+    std::string familyName; ///< of the name to show
     std::string styleName;
-    std::string fileName; ///< without its folder
+    std::string folder;
+    std::string fileName;        ///< without its folder
+    bool shownByDesktop = false; ///< it lies where the desktop looks for fonts by itself
+    bool away = false;           ///< its library folder is not there now
+    faces::Style style;
+    std::string version;
+    std::uint32_t revision = 0;
+    std::string foundry;
+    std::vector<faces::Name> names; ///< the first is the one to show
+    std::vector<std::string> fullNames;
+    std::vector<faces::Axis> axes;
+    FileStamp stamp;          ///< of the file
+    std::uint64_t digest = 0; ///< of its first bytes
+};
+
+/// Everything that the index has of a face.
+struct FaceDetails {
+    FaceMatch match;
+    faces::Face face;
+};
+
+/// A page of what a search found.
+struct FoundFaces {
+    std::vector<FaceMatch> faces;
+    std::size_t total = 0; ///< on all pages
+};
+
+struct MeasuredFace {
+    FaceId id{};
+    faces::Measures measures;
 };
 
 /// A container whose number is known from elsewhere than the index.
@@ -44,17 +81,21 @@ struct KnownContainer {
     std::string name;   ///< as in Container
     std::string folder; ///< empty: only the number is known, and is not to be given to another
     std::string file;
+    std::optional<FontFormat> format = {}; ///< nullopt: not known
 };
 /// [main-thread] Asked when an index is begun anew.
 using KnownContainers = std::function<std::vector<KnownContainer>()>;
 
-/// What the library holds together: one family in one folder, or one collection file.
+/// What the library holds together: one family in one folder in one format, or one collection file.
 struct Container {
     ContainerId id{};
     std::string name;   ///< the family, or the collection's file name
     std::string folder; ///< absolute
     std::string file;   ///< the collection's file name, else empty
     std::int64_t faces = 0;
+    std::optional<FontFormat> format = {};
+    bool shownByDesktop = false; ///< it lies where the desktop looks for fonts by itself
+    bool away = false;           ///< its library folder is not there now: it cannot be activated
 
     [[nodiscard]] std::string path() const { return file.empty() ? folder : folder + "/" + file; }
 };
@@ -79,16 +120,36 @@ public:
     explicit Library(const Places& places, const TableFiller& fill = {},
                      MissingFile missing = MissingFile::IsMade);
 
-    /// The faces of a PostScript name (exact), by container.
+    /// Look-ups of faces that can be activated, by container: no spares, and none in folders that
+    /// are away. Keys are those of faces/namekey.h; an empty one finds nothing.
+    [[nodiscard]] std::vector<FaceMatch> findByPostScriptKey(std::string_view key);
+    [[nodiscard]] std::vector<FaceMatch> findByFullName(std::string_view key);
+    [[nodiscard]] std::vector<FaceMatch> findByFamily(std::string_view key);
+    [[nodiscard]] std::vector<FaceMatch> findByNormalisedFamily(std::string_view key);
+
+    /// The faces of a PostScript name; blanks do not count, case does.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
     /// The faces of a family and style; case and blanks do not count, legacy families go with
     /// legacy styles. When no face has just this style, those that say it in other words are
     /// taken ("Book" for "Regular"). An empty style means the family's upright text face.
     [[nodiscard]] std::vector<FaceMatch> findByFamilyAndStyle(std::string_view family,
                                                               std::string_view style);
+    /// Whether two faces lie in the same file, or in files with the same bytes. Compares them when
+    /// all else is equal, once for as long as this object lives.
+    [[nodiscard]] bool haveSameBytes(const FaceMatch& a, const FaceMatch& b);
+
+    /// What a query describes, a page of it.
+    [[nodiscard]] FoundFaces search(const FaceQuery& query);
+    /// nullopt: there is none of this number (any more).
+    [[nodiscard]] std::optional<FaceDetails> face(FaceId id);
+    /// Everything of a container's faces, spares included.
+    [[nodiscard]] std::vector<FaceDetails> faces(ContainerId id);
+    /// The measures of all faces that have some and can be activated.
+    [[nodiscard]] std::vector<MeasuredFace> measures();
 
     /// nullopt when it is unknown or has no fonts (any more).
     [[nodiscard]] std::optional<Container> container(ContainerId id);
+    /// The files that show each of its faces once: spares are left out.
     [[nodiscard]] std::vector<LibraryFile> files(ContainerId id);
     /// All that have fonts, by name.
     [[nodiscard]] std::vector<Container> containers();
@@ -115,6 +176,8 @@ public:
     /// Reads the whole index. Throws DamagedDatabase.
     void check();
 
+    /// While it lives, look-ups are of one moment, and faster: to be had for a command.
+    [[nodiscard]] Reading reading() { return Reading(database_); }
     [[nodiscard]] Database& database() { return database_; }
     [[nodiscard]] const Places& places() const { return places_; }
 
@@ -122,10 +185,18 @@ private:
     Places places_;
     Database database_;
     std::int64_t inode_ = 0;
-    Statement byPostScriptName_;
-    Statement byName_;
+    [[nodiscard]] std::vector<FaceMatch> find(Statement& statement, std::string_view key);
+    [[nodiscard]] FaceMatch matchOf(const Statement& row);
+    [[nodiscard]] FaceDetails detailsOf(const Statement& row);
+
+    Statement byPostScriptKey_;
+    Statement byFullName_;
+    Statement byFamily_;
+    Statement byNormalisedFamily_;
+    Statement names_;
+    Statement fullNames_;
     Statement container_;
-    Statement faceCount_;
+    std::map<std::pair<std::string, std::string>, bool> comparedFiles_;
 };
 
 /// Opens the library. A missing index is begun with the numbers of the `known` containers. A

@@ -162,6 +162,14 @@ bool liesUnder(std::string_view path, std::string_view folder) {
            (path.starts_with(folder) && path.size() > folder.size() && path[folder.size()] == '/');
 }
 
+std::string joinPath(std::string_view folder, std::string_view name) {
+    std::string path(folder);
+    if (!path.ends_with('/')) {
+        path += '/';
+    }
+    return path.append(name);
+}
+
 std::string folderOf(std::string_view path) {
     const std::size_t slash = path.rfind('/');
     return slash == std::string_view::npos || slash == 0 ? "/" : std::string(path.substr(0, slash));

@@ -59,6 +59,9 @@ private:
 /// Whether an absolute path is the folder itself or lies in it, by their names.
 [[nodiscard]] bool liesUnder(std::string_view path, std::string_view folder);
 
+/// The path of `name` in an absolute folder.
+[[nodiscard]] std::string joinPath(std::string_view folder, std::string_view name);
+
 /// The folder part and the last part of an absolute path.
 [[nodiscard]] std::string folderOf(std::string_view path);
 [[nodiscard]] std::string nameOf(std::string_view path);

@@ -1,13 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Schema version 2.
+// Schema version 3.
 //
-// container: one family in one folder (file empty, family_key set) or one collection file (file
-// set, family_key empty). Rows stay when their files go, and numbers are never given twice, so that
-// a number keeps its meaning across scans. file: every file named like a font; one that holds none
-// has a problem and no container. face: `number` is fontconfig's index. name: the keys by which a
-// face is found, families and styles in their pairs. A file of size -1 could not be read for a
-// reason outside of it and is read again by the next scan. walk_problem: what the last scan could
-// not look at. state: one row; scan_owed until a scan has filled a new index.
+// container: one family in one folder in one format (file empty, family_key set) or one collection
+// file (file set, family_key empty). Rows stay when their files go, and numbers are never given
+// twice, so that a number keeps its meaning across scans. format is NULL until it is known.
+// directory: every folder that was walked; away: it lies in a library folder that is not there now;
+// shown: the desktop shows it by itself. file: every file named like a font; one that holds none
+// has a problem and no container. A file of size -1 could not be read for a reason outside of it
+// and is read again by the next scan. spare: all of its faces are another file's of its container,
+// too. face: `number` is fontconfig's index. name: the families and styles of a face in their
+// pairs, the one to show at position 0. family: each family's name once, with the keys by which it
+// is found. shared: what many faces have in common, each value once. walk_problem: what the last
+// scan could not look at. state: one row; scan_owed until a scan has filled a new index.
+//
+// Schema 2 had one container for all formats of a family in a folder. Its number stays with the
+// format that most of its faces have; of as many OpenType with PostScript outlines comes before
+// TrueType, and Type 1 last. So an active set keeps its number and, at its next update, the most of
+// its files.
 #include "manager/library/schema.h"
 
 #include <string>
@@ -17,26 +26,38 @@ namespace manager {
 namespace {
 
 constexpr std::int64_t applicationId = 0x474C5946;
-constexpr std::int64_t schemaVersion = 2;
+constexpr std::int64_t schemaVersion = 3;
+constexpr std::int64_t previousVersion = 2;
 
 constexpr const char* tables = R"sql(
-CREATE TABLE directory (path TEXT PRIMARY KEY) WITHOUT ROWID;
 CREATE TABLE container (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     folder TEXT NOT NULL,
     file TEXT NOT NULL,
     family_key TEXT NOT NULL,
+    format INTEGER,
     name TEXT NOT NULL,
-    UNIQUE (folder, file, family_key)
+    UNIQUE (folder, file, family_key, format)
+);
+CREATE TABLE directory (
+    id INTEGER PRIMARY KEY,
+    path TEXT NOT NULL UNIQUE,
+    device INTEGER NOT NULL DEFAULT 0,
+    away INTEGER NOT NULL DEFAULT 0,
+    shown INTEGER NOT NULL DEFAULT 0
 );
 CREATE TABLE file (
     id INTEGER PRIMARY KEY,
-    path TEXT NOT NULL UNIQUE,
+    directory INTEGER NOT NULL REFERENCES directory (id),
+    name TEXT NOT NULL,
     size INTEGER NOT NULL,
     changed INTEGER NOT NULL,
     inode INTEGER NOT NULL,
+    digest INTEGER NOT NULL,
     container INTEGER REFERENCES container (id),
-    problem TEXT
+    spare INTEGER NOT NULL DEFAULT 0,
+    problem TEXT,
+    UNIQUE (directory, name)
 );
 CREATE INDEX file_container ON file (container);
 CREATE TABLE face (
@@ -44,24 +65,103 @@ CREATE TABLE face (
     file INTEGER NOT NULL REFERENCES file (id) ON DELETE CASCADE,
     container INTEGER NOT NULL REFERENCES container (id),
     number INTEGER NOT NULL,
-    type INTEGER NOT NULL,
+    technology INTEGER NOT NULL,
+    weight REAL NOT NULL,
+    width REAL NOT NULL,
+    slant INTEGER NOT NULL,
+    classification INTEGER NOT NULL,
+    monospaced INTEGER NOT NULL,
+    symbolic INTEGER NOT NULL,
+    colour INTEGER NOT NULL,
+    glyphs INTEGER NOT NULL,
+    revision INTEGER NOT NULL,
+    embedding INTEGER,
     postscript_name TEXT NOT NULL,
-    family TEXT NOT NULL,
-    style TEXT NOT NULL
+    postscript_key TEXT NOT NULL,
+    version TEXT NOT NULL,
+    foundry INTEGER,
+    copyright INTEGER,
+    licence INTEGER,
+    licence_link INTEGER,
+    scripts INTEGER,
+    languages INTEGER,
+    features INTEGER,
+    axes INTEGER,
+    coverage INTEGER,
+    position TEXT,
+    panose BLOB,
+    measures BLOB
 );
 CREATE INDEX face_file ON face (file);
 CREATE INDEX face_container ON face (container);
-CREATE INDEX face_postscript_name ON face (postscript_name);
+CREATE INDEX face_postscript_key ON face (postscript_key, container);
+CREATE TABLE family (
+    id INTEGER PRIMARY KEY,
+    name TEXT NOT NULL UNIQUE,
+    key TEXT NOT NULL,
+    normalised_key TEXT NOT NULL
+);
+CREATE INDEX family_key ON family (key);
+CREATE INDEX family_normalised_key ON family (normalised_key);
 CREATE TABLE name (
-    family_key TEXT NOT NULL,
-    style_key TEXT NOT NULL,
     face INTEGER NOT NULL REFERENCES face (id) ON DELETE CASCADE,
-    PRIMARY KEY (family_key, style_key, face)
+    position INTEGER NOT NULL,
+    family INTEGER NOT NULL REFERENCES family (id),
+    style TEXT NOT NULL,
+    language TEXT NOT NULL,
+    kind INTEGER NOT NULL,
+    PRIMARY KEY (face, position)
 ) WITHOUT ROWID;
-CREATE INDEX name_face ON name (face);
+CREATE INDEX name_family ON name (family);
+CREATE TABLE full_name (
+    face INTEGER NOT NULL REFERENCES face (id) ON DELETE CASCADE,
+    position INTEGER NOT NULL,
+    name TEXT NOT NULL,
+    key TEXT NOT NULL,
+    PRIMARY KEY (face, position)
+) WITHOUT ROWID;
+CREATE INDEX full_name_key ON full_name (key);
+CREATE TABLE shared (
+    id INTEGER PRIMARY KEY,
+    kind INTEGER NOT NULL,
+    hash INTEGER NOT NULL,
+    value BLOB NOT NULL
+);
+CREATE INDEX shared_hash ON shared (kind, hash);
 CREATE TABLE walk_problem (problem TEXT PRIMARY KEY) WITHOUT ROWID;
 CREATE TABLE state (scan_owed INTEGER NOT NULL);
 INSERT INTO state (scan_owed) VALUES (1);
+)sql";
+
+// The formats by their numbers: Type 1, TrueType, PostScript, collection. Reserved numbers that
+// no container has are kept by the sequence.
+constexpr const char* setPreviousAside = R"sql(
+CREATE TEMP TABLE numbered AS
+    SELECT id, folder, file, family_key, name,
+        CASE WHEN file <> '' THEN 3 ELSE
+            (SELECT CASE type WHEN 0 THEN 0 WHEN 2 THEN 2 ELSE 1 END AS format
+             FROM face WHERE container = container.id
+             GROUP BY format ORDER BY count(*) DESC, format DESC LIMIT 1) END AS format
+    FROM container;
+CREATE TEMP TABLE last_number AS SELECT seq FROM sqlite_sequence WHERE name = 'container';
+DROP TABLE name;
+DROP TABLE face;
+DROP TABLE file;
+DROP TABLE container;
+DROP TABLE directory;
+DROP TABLE walk_problem;
+DROP TABLE state;
+)sql";
+constexpr const char* takePreviousOver = R"sql(
+INSERT INTO container (id, folder, file, family_key, format, name)
+    SELECT id, folder, file, family_key, format, name FROM temp.numbered;
+INSERT INTO sqlite_sequence (name, seq)
+    SELECT 'container', 0 WHERE NOT EXISTS
+        (SELECT 1 FROM sqlite_sequence WHERE name = 'container');
+UPDATE sqlite_sequence SET seq = max(seq, (SELECT ifnull(max(seq), 0) FROM temp.last_number))
+    WHERE name = 'container';
+DROP TABLE temp.numbered;
+DROP TABLE temp.last_number;
 )sql";
 
 std::int64_t pragma(Database& database, const char* sql) {
@@ -84,15 +184,22 @@ void prepareSchema(Database& database, const TableFiller& fill) {
         return; // another process made the tables in the meantime
     }
     const std::int64_t version = pragma(database, "PRAGMA user_version");
-    if (pragma(database, "SELECT count(*) FROM sqlite_master") != 0) {
+    const bool isNew = pragma(database, "SELECT count(*) FROM sqlite_master") == 0;
+    if (!isNew) {
         if (pragma(database, "PRAGMA application_id") != applicationId) {
             throw Error(database.path() + ": not an index of this program");
         }
-        throw Error(database.path() + ": written by another version of this program (schema " +
-                    std::to_string(version) + ", known: " + std::to_string(schemaVersion) + ")");
+        if (version != previousVersion) {
+            throw Error(database.path() + ": written by another version of this program (schema " +
+                        std::to_string(version) + ", known: " + std::to_string(schemaVersion) +
+                        ")");
+        }
+        database.run(setPreviousAside);
     }
     database.run(tables);
-    if (fill) {
+    if (!isNew) {
+        database.run(takePreviousOver);
+    } else if (fill) {
         fill(database);
     }
     database.run(("PRAGMA application_id=" + std::to_string(applicationId)).c_str());
@@ -113,24 +220,35 @@ void keepContainer(Database& database, const ContainerRow& row) {
         return;
     }
     Statement write(database, "INSERT OR IGNORE INTO container (id, folder, file, family_key, "
-                              "name) VALUES (?, ?, ?, ?, ?)");
+                              "name, format) VALUES (?, ?, ?, ?, ?, ?)");
     write.bind(1, row.id).bind(2, row.folder).bind(3, row.file).bind(4, row.familyKey);
-    write.bind(5, row.name).run();
+    write.bind(5, row.name).bindNull(6);
+    if (row.format) {
+        write.bind(6, static_cast<std::int64_t>(*row.format));
+    }
+    write.run();
 }
 
 void salvageContainers(Database& fresh, const std::string& damagedPath) {
     // The last number given comes first: no number of a container that cannot be read is to be
     // given to another.
-    for (const char* sql : {"SELECT seq, '', '', '', '' FROM sqlite_sequence "
+    for (const char* sql : {"SELECT seq, '', '', '', '', NULL FROM sqlite_sequence "
                             "WHERE name = 'container' AND seq BETWEEN 1 AND 2147483646",
-                            "SELECT id, folder, file, family_key, name FROM container "
-                            "WHERE id BETWEEN 1 AND 2147483647"}) {
+                            "SELECT id, folder, file, family_key, name, format FROM container "
+                            "WHERE id BETWEEN 1 AND 2147483647",
+                            "SELECT id, folder, file, family_key, name, NULL FROM container "
+                            "WHERE id BETWEEN 1 AND 2147483647"}) { // of schema 2
         try {
             Database damaged(damagedPath, MissingFile::IsAnError);
             Statement read(damaged, sql);
             while (read.step()) {
-                keepContainer(fresh, {read.number(0), read.text(1), read.text(2), read.text(3),
-                                      read.text(4)});
+                ContainerRow row{read.number(0), read.text(1), read.text(2),
+                                 read.text(3),   read.text(4), {}};
+                const std::int64_t format = read.number(5);
+                if (!read.isNull(5) && format >= 0 && format <= 3) {
+                    row.format = static_cast<FontFormat>(format);
+                }
+                keepContainer(fresh, row);
             }
         } catch (const Error&) { // NOLINT(bugprone-empty-catch): the damage begins here
         }

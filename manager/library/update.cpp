@@ -2,13 +2,17 @@
 // The incremental scan.
 #include "manager/library/update.h"
 
+#include "manager/library/desktopfolders.h"
 #include "manager/library/indexwriter.h"
 #include "manager/library/places.h"
 
+#include <algorithm>
+#include <chrono>
 #include <map>
 #include <set>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace manager {
@@ -16,39 +20,58 @@ namespace manager {
 namespace {
 
 struct KnownFile {
+    std::int64_t id = 0;
+    std::string name;
     FileStamp stamp;
     std::string problem; ///< empty: it holds fonts
     bool found = false;
 };
 
-std::unordered_map<std::string, KnownFile> knownFiles(Database& database) {
-    std::unordered_map<std::string, KnownFile> known;
-    Statement statement(database, "SELECT path, size, changed, inode, problem FROM file");
-    while (statement.step()) {
-        known.emplace(statement.text(0),
-                      KnownFile{{statement.number(1), statement.number(2), statement.number(3)},
-                                statement.text(4)});
-    }
-    return known;
-}
+struct KnownFolder {
+    std::int64_t id = 0;
+    std::int64_t device = 0;
+    bool away = false;
+    bool shown = false;
+    bool met = false;
+    std::vector<KnownFile> files; ///< by name
+};
 
-void writeDirectories(Database& database, const std::vector<std::string>& directories) {
-    Statement read(database, "SELECT path FROM directory");
-    std::set<std::string> gone;
-    while (read.step()) {
-        gone.insert(read.text(0));
+using KnownFolders = std::map<std::string, KnownFolder>;
+
+KnownFolders knownFolders(Database& database) {
+    KnownFolders known;
+    std::unordered_map<std::int64_t, KnownFolder*> byId;
+    Statement folders(database, "SELECT path, id, device, away, shown FROM directory");
+    while (folders.step()) {
+        KnownFolder& folder = known[folders.text(0)];
+        folder.id = folders.number(1);
+        folder.device = folders.number(2);
+        folder.away = folders.number(3) != 0;
+        folder.shown = folders.number(4) != 0;
+        byId[folder.id] = &folder;
     }
-    read.reset();
-    Statement add(database, "INSERT OR IGNORE INTO directory (path) VALUES (?)");
-    for (const std::string& path : directories) {
-        if (gone.erase(path) == 0) {
-            add.bind(1, path).run();
+    // Files of a folder were written one after the other, so that most follow the one before.
+    std::int64_t last = 0;
+    KnownFolder* folder = nullptr;
+    Statement files(database, "SELECT directory, id, name, size, changed, inode, problem "
+                              "FROM file");
+    while (files.step()) {
+        if (files.number(0) != last || folder == nullptr) {
+            last = files.number(0);
+            folder = byId.at(last);
+        }
+        folder->files.push_back({files.number(1),
+                                 files.text(2),
+                                 {files.number(3), files.number(4), files.number(5)},
+                                 files.text(6)});
+    }
+    const auto byName = [](const KnownFile& a, const KnownFile& b) { return a.name < b.name; };
+    for (auto& [path, entry] : known) {
+        if (!std::is_sorted(entry.files.begin(), entry.files.end(), byName)) {
+            std::sort(entry.files.begin(), entry.files.end(), byName);
         }
     }
-    Statement remove(database, "DELETE FROM directory WHERE path = ?");
-    for (const std::string& path : gone) {
-        remove.bind(1, path).run();
-    }
+    return known;
 }
 
 /// Replaces the walk's problems, and sorts them into new and known ones.
@@ -73,9 +96,14 @@ void writeWalkProblems(Database& database, const std::vector<std::string>& probl
     }
 }
 
-// A portion large enough to make commits cheap, small enough not to keep readers of the index from
-// seeing progress, and to lose little when the process is killed.
-constexpr std::size_t portionSize = 500;
+// Long enough to make commits cheap, which write each changed page once; short enough not to keep
+// readers of the index from seeing progress, and to lose little when the process is killed.
+constexpr std::chrono::milliseconds portionTime{700};
+constexpr std::size_t portionSize = 5000;
+
+// Names and values that no face has any more stay until so many files in a hundred were replaced:
+// to find them takes reading the whole index.
+constexpr std::size_t sweepPercentage = 3;
 
 /// One scan, step by step.
 class Update {
@@ -85,60 +113,147 @@ public:
 
     UpdateReport run(std::span<const std::string> folders, const FontReaderLimits& limits,
                      const FontFileFunction& read) {
-        const FoundFiles found = findFontFiles(folders, library_.places().fonts());
-        report_.unreadFolders = found.unreadRoots;
-        known_ = knownFiles(library_.database());
-        for (const FoundFile& file : found.files) {
-            if (!isKnown(file)) {
-                paths_.push_back(file.path);
-                files_.push_back(&file);
-            }
+        found_ = findFontFiles(folders, library_.places().fonts());
+        report_.unreadFolders = found_.unreadRoots;
+        known_ = knownFolders(library_.database());
+        for (const auto& [path, folder] : known_) {
+            knownFileCount_ += folder.files.size();
         }
-        writeWalk(found);
+        findShownFolders();
+        findAwayFolders();
+        for (std::size_t i = 0; i < found_.folders.size(); ++i) {
+            compare(i);
+        }
+        writeWalk();
+        lastPortion_ = Clock::now();
         readFontFiles(
             paths_, limits,
             [this](std::size_t position, FontFileOutcome outcome) {
                 take(position, std::move(outcome));
             },
             read);
-        if (!portion_.empty() || library_.isScanOwed()) {
-            writePortion(Portion::Last);
-        }
+        writePortion(Portion::Last);
         return std::move(report_);
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
     enum class Portion { Another, Last };
 
-    // Whether the file is as it was; it then counts as unchanged.
-    bool isKnown(const FoundFile& file) {
-        const auto position = known_.find(file.path);
-        if (position == known_.end()) {
-            return false;
-        }
-        KnownFile& known = position->second;
-        known.found = true;
-        if (known.stamp != file.stamp) {
-            return false;
-        }
-        ++report_.unchanged;
-        if (!known.problem.empty()) {
-            report_.knownProblems.push_back(known.problem);
-        }
-        return true;
-    }
+    /// A file to be read.
+    struct Task {
+        std::size_t folder; ///< its place in what was found, as the file's in the folder
+        std::size_t file;
+        std::int64_t before = 0; ///< its row in the index
+        std::string problem;     ///< that it had
+    };
 
-    // Removes what is gone, and records the folders that the walk visited.
-    void writeWalk(const FoundFiles& found) {
-        Transaction transaction(library_.database());
-        for (const auto& [path, file] : known_) {
-            if (!file.found) {
-                writer_.remove(path);
-                ++report_.removed;
+    void findShownFolders() {
+        const std::vector<std::string> desktop = desktopFolders();
+        for (const FoundFolder& folder : found_.folders) {
+            if (std::any_of(desktop.begin(), desktop.end(),
+                            [&](const std::string& by) { return liesUnder(folder.path, by); })) {
+                shown_.insert(folder.path);
+                if (!shown_.contains(folderOf(folder.path))) {
+                    found_.problems.push_back(folder.path +
+                                              ": the desktop shows the fonts in it anyway");
+                }
             }
         }
-        writeDirectories(library_.database(), found.directories);
-        writeWalkProblems(library_.database(), found.problems, report_);
+    }
+
+    // An empty folder on another file system than before is where a disk is mounted at times.
+    void findAwayFolders() {
+        for (const std::string& root : found_.emptyRoots) {
+            const auto before = known_.find(root);
+            const auto now =
+                std::lower_bound(found_.folders.begin(), found_.folders.end(), root,
+                                 [](const FoundFolder& a, const auto& b) { return a.path < b; });
+            if (before != known_.end() &&
+                (before->second.away || before->second.device != now->device)) {
+                found_.unread.push_back(root);
+                found_.problems.push_back(root + ": empty, and not the disk that was there");
+                found_.folders.erase(now);
+            }
+        }
+    }
+
+    [[nodiscard]] bool isAway(const std::string& path) const {
+        return std::any_of(found_.unread.begin(), found_.unread.end(),
+                           [&](const std::string& gone) { return liesUnder(path, gone); });
+    }
+
+    // Files that are as they were count as unchanged, others are to be read.
+    void compare(std::size_t position) {
+        const FoundFolder& folder = found_.folders[position];
+        const auto entry = known_.find(folder.path);
+        const bool isKnown = entry != known_.end();
+        if (isKnown) {
+            entry->second.met = true;
+        }
+        auto known = isKnown ? entry->second.files.begin() : std::vector<KnownFile>::iterator();
+        const auto end = isKnown ? entry->second.files.end() : known;
+        for (std::size_t i = 0; i < folder.files.size(); ++i) {
+            const FoundFile& file = folder.files[i];
+            while (known != end && known->name < file.name) {
+                ++known;
+            }
+            if (known == end || known->name != file.name) {
+                plan({position, i, 0, {}});
+                continue;
+            }
+            known->found = true;
+            if (known->stamp != file.stamp) {
+                plan({position, i, known->id, known->problem});
+                continue;
+            }
+            ++report_.unchanged;
+            if (!known->problem.empty()) {
+                report_.knownProblems.push_back(known->problem);
+            }
+        }
+    }
+
+    void plan(Task task) {
+        const FoundFolder& folder = found_.folders[task.folder];
+        paths_.push_back(joinPath(folder.path, folder.files[task.file].name));
+        tasks_.push_back(std::move(task));
+    }
+
+    // Removes what is gone, marks what is away, and records the folders that the walk visited.
+    void writeWalk() {
+        Transaction transaction(library_.database());
+        for (const auto& [path, folder] : known_) {
+            const bool away = !folder.met && isAway(path);
+            for (const KnownFile& file : folder.files) {
+                if (away) {
+                    ++report_.away;
+                } else if (!file.found && !isAway(joinPath(path, file.name))) {
+                    writer_.remove(file.id);
+                    ++report_.removed;
+                }
+            }
+            if (away && !folder.away) {
+                writer_.markAway(folder.id);
+                report_.moved = true;
+            } else if (!folder.met && !away) {
+                writer_.removeDirectory(folder.id);
+            }
+        }
+        for (const FoundFolder& folder : found_.folders) {
+            const auto known = known_.find(folder.path);
+            const bool shown = shown_.contains(folder.path);
+            directories_.push_back(known == known_.end() ? 0 : known->second.id);
+            if (known == known_.end()) {
+                directories_.back() = writer_.addDirectory(folder, shown);
+            } else if (known->second.away || known->second.shown != shown ||
+                       known->second.device != folder.device) {
+                writer_.updateDirectory(known->second.id, folder, shown);
+                report_.moved = report_.moved || known->second.away || known->second.shown != shown;
+            }
+        }
+        writeWalkProblems(library_.database(), found_.problems, report_);
+        writer_.settle();
         transaction.commit();
     }
 
@@ -149,16 +264,26 @@ private:
         while (!early_.empty() && early_.begin()->first == next_) {
             portion_.emplace_back(next_++, std::move(early_.begin()->second));
             early_.erase(early_.begin());
-            if (portion_.size() == portionSize) {
-                writePortion(Portion::Another);
-            }
+        }
+        if (portion_.size() >= portionSize || Clock::now() - lastPortion_ > portionTime) {
+            writePortion(Portion::Another);
+            lastPortion_ = Clock::now();
         }
     }
 
     void writePortion(Portion which) {
+        const bool sweep = which == Portion::Last && isSweepDue();
+        const bool owed = which == Portion::Last && library_.isScanOwed();
+        if (portion_.empty() && !sweep && !owed) {
+            return;
+        }
         Transaction transaction(library_.database());
         for (const auto& [position, outcome] : portion_) {
-            write(*files_[position], outcome);
+            write(tasks_[position], outcome);
+        }
+        writer_.settle();
+        if (sweep) {
+            writer_.sweep();
         }
         if (which == Portion::Last) {
             library_.database().run("UPDATE state SET scan_owed = 0");
@@ -170,17 +295,24 @@ private:
         portion_.clear();
     }
 
-    void write(const FoundFile& file, const FontFileOutcome& outcome) {
+    [[nodiscard]] bool isSweepDue() const {
+        const std::size_t replaced = report_.removed + replaced_;
+        return replaced != 0 && replaced * 100 >= knownFileCount_ * sweepPercentage;
+    }
+
+    void write(const Task& task, const FontFileOutcome& outcome) {
         const auto* problem = std::get_if<FontFileProblem>(&outcome);
-        const auto before = known_.find(file.path);
-        if (problem != nullptr && !problem->lasting && before != known_.end() &&
-            before->second.problem == problem->text) {
+        if (problem != nullptr && !problem->lasting && task.before != 0 &&
+            task.problem == problem->text) {
             report_.knownProblems.push_back(problem->text);
             ++report_.unchanged;
             return;
         }
-        writer_.write(file, outcome);
+        const FoundFolder& folder = found_.folders[task.folder];
+        writer_.write(folder, directories_[task.folder], folder.files[task.file], task.before,
+                      outcome);
         ++report_.read;
+        replaced_ += task.before != 0 ? 1 : 0;
         if (problem != nullptr) {
             report_.problems.push_back(problem->text);
         }
@@ -189,13 +321,19 @@ private:
     Library& library_;
     const UpdateProgress& progress_;
     IndexWriter writer_;
-    std::unordered_map<std::string, KnownFile> known_;
+    FoundFiles found_;
+    KnownFolders known_;
+    std::size_t knownFileCount_ = 0;
+    std::unordered_set<std::string> shown_; ///< by the desktop
+    std::vector<std::int64_t> directories_; ///< rows of the folders that were found
     UpdateReport report_;
-    std::vector<std::string> paths_; ///< of what is to be read
-    std::vector<const FoundFile*> files_;
+    std::vector<std::string> paths_;               ///< of what is to be read
+    std::vector<Task> tasks_;                      ///< the same
     std::map<std::size_t, FontFileOutcome> early_; ///< read before those that stand before them
     std::vector<std::pair<std::size_t, FontFileOutcome>> portion_;
+    Clock::time_point lastPortion_;
     std::size_t next_ = 0; ///< the first that is not in a portion yet
+    std::size_t replaced_ = 0;
 };
 
 } // namespace

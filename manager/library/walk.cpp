@@ -7,12 +7,16 @@
 #include "manager/library/places.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <dirent.h>
+#include <linux/magic.h>
+#include <map>
 #include <memory>
 #include <set>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <utility>
 
 namespace manager {
@@ -31,6 +35,12 @@ FileStamp stampOf(const struct stat& status) {
 
 // Deeper trees are forged or a mistake.
 constexpr unsigned maximumDepth = 100;
+
+constexpr std::array<std::uint32_t, 12> kernelFileSystems = {
+    PROC_SUPER_MAGIC, SYSFS_MAGIC,        DEBUGFS_MAGIC,       TRACEFS_MAGIC,
+    SECURITYFS_MAGIC, CGROUP_SUPER_MAGIC, CGROUP2_SUPER_MAGIC, DEVPTS_SUPER_MAGIC,
+    BPF_FS_MAGIC,     BINFMTFS_MAGIC,     PSTOREFS_MAGIC,      EFIVARFS_MAGIC,
+};
 
 class Walk {
 public:
@@ -55,8 +65,12 @@ public:
             source.pop_back();
             visit(place);
         }
-        std::sort(found_.files.begin(), found_.files.end(),
-                  [](const FoundFile& a, const FoundFile& b) { return a.path < b.path; });
+        std::sort(found_.folders.begin(), found_.folders.end(),
+                  [](const FoundFolder& a, const FoundFolder& b) { return a.path < b.path; });
+        for (FoundFolder& folder : found_.folders) {
+            std::sort(folder.files.begin(), folder.files.end(),
+                      [](const FoundFile& a, const FoundFile& b) { return a.name < b.name; });
+        }
         return std::move(found_);
     }
 
@@ -87,6 +101,7 @@ private:
         struct stat status {};
         if (!directory || fstat(dirfd(directory.get()), &status) != 0) {
             problem(place.path, "the folder cannot be read", errno);
+            found_.unread.push_back(place.path);
             found_.unreadRoots += place.depth == 0 ? 1 : 0;
             return;
         }
@@ -101,35 +116,65 @@ private:
                                       " folders deep");
             return;
         }
-        found_.directories.push_back(place.path);
-        for (;;) {
+        if (isOfTheKernel(directory.get(), status.st_dev)) {
+            return;
+        }
+        FoundFolder& folder = found_.folders.emplace_back();
+        folder.path = place.path;
+        folder.device = static_cast<std::int64_t>(status.st_dev);
+        if (readEntries(place, folder, directory.get()) == 0 && place.depth == 0) {
+            found_.emptyRoots.push_back(place.path);
+        }
+    }
+
+    // How many there are, hidden ones not counted.
+    std::size_t readEntries(const Place& place, FoundFolder& folder, DIR* directory) {
+        for (std::size_t count = 0;;) {
             errno = 0;
-            const dirent* entry = readdir(directory.get());
+            const dirent* entry = readdir(directory);
             if (entry == nullptr) {
                 if (errno != 0) {
                     problem(place.path, "the folder cannot be read to its end", errno);
                 }
-                return;
+                return count;
             }
             if (entry->d_name[0] != '.') {
-                look(place, dirfd(directory.get()), *entry);
+                ++count;
+                look(place, folder, dirfd(directory), *entry);
             }
         }
     }
 
-    void look(const Place& place, int directory, const dirent& entry) {
+    // Whether it is of a file system that holds no files of anybody's. Asked once for each.
+    bool isOfTheKernel(DIR* directory, dev_t device) {
+        const auto [known, isNew] = ofTheKernel_.try_emplace(device, false);
+        struct statfs status {};
+        if (isNew && fstatfs(dirfd(directory), &status) == 0) {
+            known->second =
+                std::find(kernelFileSystems.begin(), kernelFileSystems.end(),
+                          static_cast<std::uint32_t>(status.f_type)) != kernelFileSystems.end();
+        }
+        return known->second;
+    }
+
+    void look(const Place& place, FoundFolder& folder, int directory, const dirent& entry) {
         const bool fontName = faces::hasFontFileName(entry.d_name);
         if (entry.d_type == DT_REG && !fontName) {
             return;
         }
-        std::string path = place.path + (place.path.ends_with('/') ? "" : "/") + entry.d_name;
         struct stat status {};
         if (fstatat(directory, entry.d_name, &status, 0) != 0) {
             if (fontName || entry.d_type == DT_LNK) { // to a folder on a disk that is away, maybe
-                problem(path, "cannot be read", errno);
+                problem(joinPath(place.path, entry.d_name), "cannot be read", errno);
+                found_.unread.push_back(joinPath(place.path, entry.d_name));
             }
             return;
         }
+        if (fontName && S_ISREG(status.st_mode) && entry.d_type == DT_REG) {
+            folder.files.push_back({entry.d_name, stampOf(status)});
+            return;
+        }
+        std::string path = joinPath(place.path, entry.d_name);
         if (entry.d_type == DT_LNK && isPassedOver(path)) {
             return;
         }
@@ -137,7 +182,7 @@ private:
             auto& target = entry.d_type == DT_LNK ? linked_ : waiting_;
             target.push_back({std::move(path), place.depth + 1});
         } else if (fontName && S_ISREG(status.st_mode)) {
-            found_.files.push_back({std::move(path), stampOf(status)});
+            folder.files.push_back({entry.d_name, stampOf(status)});
         } else if (fontName) {
             found_.problems.push_back(path + ": not a regular file");
         }
@@ -148,6 +193,7 @@ private:
     std::vector<Place> waiting_;
     std::vector<Place> linked_;
     std::set<std::pair<dev_t, ino_t>> visited_;
+    std::map<dev_t, bool> ofTheKernel_;
 };
 
 } // namespace

@@ -22,20 +22,28 @@ struct FileStamp {
 [[nodiscard]] FileStamp stampOf(const std::string& path);
 
 struct FoundFile {
-    std::string path;
+    std::string name;
     FileStamp stamp;
 };
 
+struct FoundFolder {
+    std::string path;
+    std::int64_t device = 0;
+    std::vector<FoundFile> files; ///< those named like fonts, by name
+};
+
 struct FoundFiles {
-    std::vector<FoundFile> files;         ///< those named like fonts, by path
-    std::vector<std::string> directories; ///< every folder that was looked at
-    std::vector<std::string> problems;    ///< "PATH: ..." of what could not be looked at
-    std::size_t unreadRoots = 0;          ///< roots among that
+    std::vector<FoundFolder> folders;    ///< all that were looked at, by path
+    std::vector<std::string> problems;   ///< "PATH: ..." of what could not be looked at
+    std::vector<std::string> unread;     ///< folders and links to some among that
+    std::size_t unreadRoots = 0;         ///< roots among them
+    std::vector<std::string> emptyRoots; ///< in which nothing lies, as where a disk is not
 };
 
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;
-/// hidden entries are passed over, and so is what lies in `passedOver`, by whatever way it is
-/// reached. Problems are gathered, not thrown.
+/// hidden entries are passed over, so are file systems of the kernel's own (proc, sysfs, ...), and
+/// so is what lies in `passedOver`, by whatever way it is reached. Problems are gathered, not
+/// thrown.
 [[nodiscard]] FoundFiles findFontFiles(std::span<const std::string> roots,
                                        const std::string& passedOver = {});
 

@@ -61,18 +61,20 @@ TEST(ASetOnDisk, TellsItsContainer) {
         const std::string source = std::string("/library/a/") + file;
         writeBytes(fonts + std::to_string(id) + "/" + setRecordName,
                    recordText({ContainerId{id}, name, {{file, source, {1, 2, 3}}}}));
+        writeBytes(fonts + std::to_string(id) + "/" + file, id == 4 ? "OTTO" : "ttcf");
     }
     fs::create_directories(fonts + "11"); // of somebody else
     fs::create_directories(fonts + "12");
     writeBytes(fonts + "12/" + setRecordName, "rubbish");
 
     std::map<int, std::string> told;
-    for (const auto& [id, name, folder, file] : containersOnDisk(sandbox.places())) {
-        told[static_cast<int>(id)] = name + "," + folder + "," + file;
+    for (const auto& [id, name, folder, file, format] : containersOnDisk(sandbox.places())) {
+        told[static_cast<int>(id)] = name + "," + folder + "," + file + "," +
+                                     (format ? std::to_string(static_cast<int>(*format)) : "");
     }
-    EXPECT_EQ(told,
-              (std::map<int, std::string>{
-                  {4, "Test Sans,/library/a,"}, {9, "pair.ttc,/library/a,pair.ttc"}, {12, ",,"}}));
+    EXPECT_EQ(told, (std::map<int, std::string>{{4, "Test Sans,/library/a,,2"},
+                                                {9, "pair.ttc,/library/a,pair.ttc,3"},
+                                                {12, ",,,"}}));
 }
 
 class AGroup : public testing::Test {

@@ -102,8 +102,11 @@ class AFolderWalk : public AFolderList {
 protected:
     std::vector<std::string> names(const FoundFiles& found) {
         std::vector<std::string> result;
-        for (const FoundFile& file : found.files) {
-            result.push_back(file.path.substr(sandbox_.library().size() + 1));
+        for (const FoundFolder& folder : found.folders) {
+            for (const FoundFile& file : folder.files) {
+                result.push_back(
+                    joinPath(folder.path, file.name).substr(sandbox_.library().size() + 1));
+            }
         }
         return result;
     }
@@ -118,14 +121,16 @@ TEST_F(AFolderWalk, EndsInSpiteOfLoopsAndVisitsEachFolderOnce) {
     std::filesystem::create_directory_symlink("a/b", sandbox_.library() + "/0-first");
     std::filesystem::create_symlink("self.ttf", sandbox_.library() + "/self.ttf");
     std::filesystem::create_symlink("/away/fonts", sandbox_.library() + "/disk");
+    std::filesystem::create_directory_symlink("/proc/self", sandbox_.library() + "/kernel");
     ASSERT_EQ(mkfifo((sandbox_.library() + "/pipe.ttf").c_str(), 0600), 0);
 
     const FoundFiles found = findFontFiles(std::vector{sandbox_.library()});
-    EXPECT_THAT(names(found), ElementsAre("a/b/two.otf", "a/one.ttf"));
+    EXPECT_THAT(names(found), ElementsAre("a/one.ttf", "a/b/two.otf"));
     EXPECT_THAT(found.problems,
                 testing::UnorderedElementsAre(HasSubstr("/self.ttf: cannot be read"),
                                               HasSubstr("/disk: cannot be read: No such file"),
                                               HasSubstr("/pipe.ttf: not a regular")));
+    EXPECT_THAT(found.folders, testing::SizeIs(3));
 }
 
 TEST_F(AFolderWalk, NamesAFolderThatIsAwayAndGoesOn) {

@@ -31,7 +31,7 @@ inline faces::Face fullFace(const std::string& postScriptName) {
     face.monospaced = true;
     face.colour = true;
     face.measures =
-        faces::Measures{0.5, 0.75, 0.875, 0.25, 0.5, 0.625, 0.5625, 0.1, 0.375, 0.125, -12, 0.7};
+        faces::Measures{0.5, 0.75, 0.875, 0.25, 0.5, 0.625, 0.5625, 0.125, 0.375, 0.25, -12, 0.75};
     face.glyphs = 70'000;
     face.scripts = {"Cyrl", "Latn"};
     face.languages = {"de", "pt-br", "ru"};

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+// Looking faces up, and reading them from their rows.
+#include "manager/library/facelookup.h"
+
+#include "faces/namekey.h"
+#include "manager/library/library.h"
+#include "manager/library/packing.h"
+#include "manager/library/stylewords.h"
+
+#include <algorithm>
+
+namespace manager {
+
+namespace {
+
+// Columns of faceColumns().
+enum Column {
+    Id,
+    InContainer,
+    Technology,
+    PostScriptName,
+    Folder,
+    Shown,
+    Away,
+    FileName,
+    Size,
+    Changed,
+    Inode,
+    Digest,
+    Weight,
+    Width,
+    Slant,
+    Version,
+    Revision,
+    Foundry,
+    Axes,
+    Number,
+    Classification,
+    Monospaced,
+    Symbolic,
+    Colour,
+    Glyphs,
+    Embedding,
+    Copyright,
+    Licence,
+    LicenceLink,
+    Scripts,
+    Languages,
+    Features,
+    Coverage,
+    InstancePosition,
+    Panose,
+    Measures,
+};
+
+constexpr std::string_view columns =
+    "face.id, face.container, face.technology, face.postscript_name, directory.path, "
+    "directory.shown, directory.away, file.name, file.size, file.changed, file.inode, file.digest, "
+    "face.weight, face.width, face.slant, face.version, face.revision, "
+    "(SELECT value FROM shared WHERE id = face.foundry), "
+    "(SELECT value FROM shared WHERE id = face.axes)";
+
+constexpr std::string_view moreColumns =
+    ", face.number, face.classification, face.monospaced, face.symbolic, face.colour, face.glyphs, "
+    "face.embedding, "
+    "(SELECT value FROM shared WHERE id = face.copyright), "
+    "(SELECT value FROM shared WHERE id = face.licence), "
+    "(SELECT value FROM shared WHERE id = face.licence_link), "
+    "(SELECT value FROM shared WHERE id = face.scripts), "
+    "(SELECT value FROM shared WHERE id = face.languages), "
+    "(SELECT value FROM shared WHERE id = face.features), "
+    "(SELECT value FROM shared WHERE id = face.coverage), "
+    "face.position, face.panose, face.measures";
+
+constexpr std::string_view withFile = " JOIN file ON file.id = face.file "
+                                      "JOIN directory ON directory.id = file.directory ";
+
+} // namespace
+
+std::string faceColumns() {
+    return std::string("SELECT ").append(columns).append(" FROM face").append(withFile);
+}
+
+std::string faceLookUp(std::string_view condition) {
+    return faceColumns() + "WHERE " + std::string(condition) +
+           " AND file.spare = 0 AND directory.away = 0 ORDER BY face.container, face.id";
+}
+
+FaceMatch Library::matchOf(const Statement& row) {
+    FaceMatch match;
+    match.id = static_cast<FaceId>(row.number(Id));
+    match.container = static_cast<ContainerId>(row.number(InContainer));
+    match.type = static_cast<faces::Technology>(row.number(Technology));
+    match.postScriptName = row.text(PostScriptName);
+    match.folder = row.text(Folder);
+    match.shownByDesktop = row.number(Shown) != 0;
+    match.away = row.number(Away) != 0;
+    match.fileName = row.text(FileName);
+    match.stamp = {row.number(Size), row.number(Changed), row.number(Inode)};
+    match.digest = static_cast<std::uint64_t>(row.number(Digest));
+    match.style = {row.real(Weight), row.real(Width), static_cast<faces::Slant>(row.number(Slant))};
+    match.version = row.text(Version);
+    match.revision = static_cast<std::uint32_t>(row.number(Revision));
+    match.foundry = row.text(Foundry);
+    match.axes = unpackAxes(row.view(Axes));
+    const StatementUse names(names_);
+    names_.bind(1, row.number(Id));
+    while (names_.step()) {
+        match.names.push_back({names_.text(0), names_.text(1), names_.text(2),
+                               static_cast<faces::NameKind>(names_.number(3))});
+    }
+    if (!match.names.empty()) {
+        match.familyName = match.names.front().family;
+        match.styleName = match.names.front().style;
+    }
+    const StatementUse fullNames(fullNames_);
+    fullNames_.bind(1, row.number(Id));
+    while (fullNames_.step()) {
+        match.fullNames.push_back(fullNames_.text(0));
+    }
+    return match;
+}
+
+FaceDetails Library::detailsOf(const Statement& row) {
+    FaceDetails details{matchOf(row), {}};
+    const FaceMatch& match = details.match;
+    faces::Face& face = details.face;
+    face.index = static_cast<std::uint32_t>(row.number(Number));
+    face.technology = match.type;
+    face.postScriptName = match.postScriptName;
+    face.fullNames = match.fullNames;
+    face.names = match.names;
+    face.style = match.style;
+    face.version = match.version;
+    face.revision = match.revision;
+    face.foundry = match.foundry;
+    face.copyright = row.text(Copyright);
+    face.licence = row.text(Licence);
+    face.licenceLink = row.text(LicenceLink);
+    if (!row.isNull(Embedding)) {
+        face.embedding = static_cast<std::uint16_t>(row.number(Embedding));
+    }
+    face.classification = static_cast<faces::Classification>(row.number(Classification));
+    if (const std::string_view panose = row.view(Panose); panose.size() == 10) {
+        std::copy(panose.begin(), panose.end(), face.panose.emplace().begin());
+    }
+    face.monospaced = row.number(Monospaced) != 0;
+    face.symbolic = row.number(Symbolic) != 0;
+    face.colour = row.number(Colour) != 0;
+    if (!row.isNull(Measures)) {
+        face.measures = unpackMeasures(row.view(Measures));
+    }
+    face.glyphs = static_cast<std::uint32_t>(row.number(Glyphs));
+    face.scripts = unpackTags(row.view(Scripts));
+    face.languages = unpackTags(row.view(Languages));
+    face.features = unpackTags(row.view(Features));
+    face.axes = match.axes;
+    face.position = unpackPosition(row.view(InstancePosition));
+    face.coverage = unpackCoverage(row.view(Coverage));
+    return details;
+}
+
+std::vector<FaceMatch> Library::find(Statement& statement, std::string_view key) {
+    std::vector<FaceMatch> found;
+    if (key.empty()) {
+        return found;
+    }
+    const Reading together(database_);
+    const StatementUse use(statement);
+    statement.bind(1, key);
+    while (statement.step()) {
+        found.push_back(matchOf(statement));
+    }
+    return found;
+}
+
+std::vector<FaceMatch> Library::findByPostScriptKey(std::string_view key) {
+    return find(byPostScriptKey_, key);
+}
+std::vector<FaceMatch> Library::findByFullName(std::string_view key) {
+    return find(byFullName_, key);
+}
+std::vector<FaceMatch> Library::findByFamily(std::string_view key) {
+    return find(byFamily_, key);
+}
+std::vector<FaceMatch> Library::findByNormalisedFamily(std::string_view key) {
+    return find(byNormalisedFamily_, key);
+}
+
+std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
+    return findByPostScriptKey(faces::postScriptKey(name));
+}
+
+std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
+                                                     std::string_view style) {
+    const std::string familyKey = faces::nameKey(family);
+    const std::vector<FaceMatch> all = findByFamily(familyKey);
+    const auto find = [&](const auto& isStyle) {
+        std::vector<FaceMatch> found;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(found), [&](const FaceMatch& face) {
+            return std::any_of(face.names.begin(), face.names.end(), [&](const faces::Name& name) {
+                return faces::nameKey(name.family) == familyKey &&
+                       isStyle(faces::nameKey(name.style));
+            });
+        });
+        return found;
+    };
+    const std::string styleKey = faces::nameKey(style);
+    auto found = find([&](const std::string& key) { return key == styleKey; });
+    if (found.empty()) {
+        const std::string form = styleForm(styleKey);
+        found = find([&](const std::string& key) { return styleForm(key) == form; });
+    }
+    if (found.empty() && styleKey.empty()) {
+        found = find([](const std::string& key) { return key == "medium"; });
+    }
+    return found;
+}
+
+std::optional<FaceDetails> Library::face(FaceId id) {
+    const Reading together(database_);
+    Statement statement(database_, ("SELECT " + std::string(columns) + std::string(moreColumns) +
+                                    " FROM face" + std::string(withFile) + "WHERE face.id = ?")
+                                       .c_str());
+    statement.bind(1, static_cast<std::int64_t>(id));
+    return statement.step() ? std::optional(detailsOf(statement)) : std::nullopt;
+}
+
+std::vector<FaceDetails> Library::faces(ContainerId id) {
+    const Reading together(database_);
+    Statement statement(database_, ("SELECT " + std::string(columns) + std::string(moreColumns) +
+                                    " FROM face" + std::string(withFile) +
+                                    "WHERE face.container = ? ORDER BY file.name, face.id")
+                                       .c_str());
+    statement.bind(1, static_cast<std::int64_t>(id));
+    std::vector<FaceDetails> result;
+    while (statement.step()) {
+        result.push_back(detailsOf(statement));
+    }
+    return result;
+}
+
+std::vector<MeasuredFace> Library::measures() {
+    Statement statement(database_, "SELECT face.id, face.measures FROM face "
+                                   "JOIN file ON file.id = face.file AND file.spare = 0 "
+                                   "JOIN directory ON directory.id = file.directory AND "
+                                   "directory.away = 0 WHERE face.measures IS NOT NULL");
+    std::vector<MeasuredFace> result;
+    while (statement.step()) {
+        result.push_back(
+            {static_cast<FaceId>(statement.number(0)), unpackMeasures(statement.view(1))});
+    }
+    return result;
+}
+
+} // namespace manager

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+// A query turned into one statement. Values that faces share are tested once each, not once a face.
+#include "faces/namekey.h"
+#include "manager/library/facelookup.h"
+#include "manager/library/library.h"
+#include "manager/library/packing.h"
+
+#include <algorithm>
+#include <variant>
+
+namespace manager {
+
+namespace {
+
+/// Conditions and the values of their parameters, in order.
+class Conditions {
+public:
+    using Value = std::variant<std::int64_t, double, std::string>;
+
+    void add(const std::string& sql, std::initializer_list<Value> values) {
+        sql_ += " AND (" + sql + ")";
+        values_.insert(values_.end(), values);
+    }
+
+    [[nodiscard]] const std::string& sql() const { return sql_; }
+    int bind(Statement& statement) const {
+        int parameter = 1;
+        for (const Value& value : values_) {
+            std::visit([&](const auto& plain) { statement.bind(parameter, plain); }, value);
+            ++parameter;
+        }
+        return parameter;
+    }
+
+private:
+    std::string sql_;
+    std::vector<Value> values_;
+};
+
+template <class Enumerator>
+void addOneOf(Conditions& conditions, const std::string& column,
+              const std::vector<Enumerator>& wanted) {
+    if (wanted.empty()) {
+        return;
+    }
+    std::string list;
+    for (const Enumerator value : wanted) {
+        list += (list.empty() ? "" : ", ") + std::to_string(static_cast<int>(value));
+    }
+    conditions.add(column + " IN (" + list + ")", {});
+}
+
+void addFlag(Conditions& conditions, const std::string& sql, const std::optional<bool>& wanted) {
+    if (wanted) {
+        conditions.add(sql + " = ?", {std::int64_t{*wanted}});
+    }
+}
+
+// The numbers of a kind's values for which a test holds.
+std::string among(SharedKind kind, const std::string& test) {
+    return " IN (SELECT id FROM shared WHERE kind = " + std::to_string(static_cast<int>(kind)) +
+           " AND " + test + ")";
+}
+
+void addRange(Conditions& conditions, const char* column, const char* axis,
+              const std::optional<Range>& range) {
+    if (!range) {
+        return;
+    }
+    const std::string name(column);
+    conditions.add(name + " BETWEEN ? AND ? OR face.axes" +
+                       among(SharedKind::Axes, "reaches(value, ?, ?, ?)"),
+                   {range->from, range->to, std::string(axis), range->from, range->to});
+}
+
+void addTags(Conditions& conditions, const std::string& column, SharedKind kind,
+             const std::vector<std::string>& tags) {
+    for (const std::string& tag : tags) {
+        conditions.add(column + among(kind, "instr(value, ?)"), {" " + tag + " "});
+    }
+}
+
+void addTexts(Conditions& conditions, const FaceQuery& query) {
+    for (std::string_view left = query.text; !left.empty();) {
+        const std::string word(left.substr(0, left.find(' ')));
+        left.remove_prefix(std::min(left.size(), word.size() + 1));
+        const std::string key = faces::nameKey(word);
+        if (key.empty()) {
+            continue;
+        }
+        conditions.add("face.id IN (SELECT face FROM full_name WHERE instr(key, ?) "
+                       "UNION SELECT name.face FROM family JOIN name ON name.family = family.id "
+                       "WHERE instr(family.key, ?) "
+                       "UNION SELECT id FROM face WHERE instr(lower(postscript_key), ?) "
+                       "UNION SELECT face FROM name WHERE instr(lower(style), ?))",
+                       {key, key, key, key});
+    }
+    if (!query.foundry.empty()) {
+        conditions.add("face.foundry" + among(SharedKind::Foundry, "instr(lower(value), lower(?))"),
+                       {query.foundry});
+    }
+    if (!query.licence.empty()) {
+        const std::string test = "instr(lower(value), lower(?))";
+        conditions.add("face.licence" + among(SharedKind::Licence, test) + " OR face.licence_link" +
+                           among(SharedKind::LicenceLink, test) + " OR face.copyright" +
+                           among(SharedKind::Copyright, test),
+                       {query.licence, query.licence, query.licence});
+    }
+    if (!query.version.empty()) {
+        conditions.add("substr(face.version, 1, length(?)) = ?", {query.version, query.version});
+    }
+}
+
+void addPlace(Conditions& conditions, const FaceQuery& query) {
+    if (!query.folder.empty()) {
+        const PathRange range(query.folder);
+        conditions.add("directory.path = ? OR (directory.path >= ? AND directory.path < ?)",
+                       {query.folder, range.first, range.last});
+    }
+    if (query.container) {
+        conditions.add("face.container = ?", {std::int64_t{*query.container}});
+    }
+    addFlag(conditions, "directory.away", query.away);
+    if (!query.spares) {
+        conditions.add("file.spare = 0", {});
+    }
+}
+
+Conditions conditionsOf(const FaceQuery& query) {
+    Conditions conditions;
+    addPlace(conditions, query);
+    addTexts(conditions, query);
+    addRange(conditions, "face.weight", "wght", query.weight);
+    addRange(conditions, "face.width", "wdth", query.width);
+    addOneOf(conditions, "face.slant", query.slants);
+    addOneOf(conditions, "face.technology", query.technologies);
+    addOneOf(conditions, "face.classification", query.classifications);
+    addFlag(conditions, "face.monospaced", query.monospaced);
+    addFlag(conditions, "face.symbolic", query.symbolic);
+    addFlag(conditions, "face.colour", query.colour);
+    addFlag(conditions, "(face.axes IS NOT NULL)", query.variable);
+    // Bits 0 to 3 of fsType: 0 may be installed, 8 is for documents that can be edited.
+    addFlag(conditions, "(face.embedding IS NOT NULL AND (face.embedding & 15) IN (0, 8))",
+            query.embeddable);
+    addTags(conditions, "face.scripts", SharedKind::Scripts, query.scripts);
+    addTags(conditions, "face.languages", SharedKind::Languages, query.languages);
+    addTags(conditions, "face.features", SharedKind::Features, query.features);
+    for (const std::string& tag : query.axes) {
+        conditions.add("face.axes" + among(SharedKind::Axes, "instr(char(10) || value, ?)"),
+                       {"\n" + tag + "\t"});
+    }
+    for (const char32_t character : query.characters) {
+        conditions.add("face.coverage" + among(SharedKind::Coverage, "covers(value, ?)"),
+                       {static_cast<std::int64_t>(character)});
+    }
+    return conditions;
+}
+
+const char* orderOf(FaceOrder order) {
+    return order == FaceOrder::ByFolder
+               ? "directory.path, file.name, face.number, face.id"
+               : "first_family.key, face.weight, face.width, face.slant, directory.path, "
+                 "file.name, face.number, face.id";
+}
+
+std::string_view textOf(sqlite3_value* value) {
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
+    const int size = sqlite3_value_bytes(value);
+    return data == nullptr ? std::string_view()
+                           : std::string_view(data, static_cast<std::size_t>(size));
+}
+
+void reaches(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    const std::string_view tag = textOf(values[1]);
+    const double from = sqlite3_value_double(values[2]);
+    const double to = sqlite3_value_double(values[3]);
+    const auto axes = unpackAxes(textOf(values[0]));
+    const bool found = std::any_of(axes.begin(), axes.end(), [&](const faces::Axis& axis) {
+        return axis.tag == tag && axis.minimum <= to && axis.maximum >= from;
+    });
+    sqlite3_result_int(context, found ? 1 : 0);
+}
+
+void covers(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    const auto character = static_cast<char32_t>(sqlite3_value_int64(values[1]));
+    const auto coverage = unpackCoverage(textOf(values[0]));
+    const auto range =
+        std::partition_point(coverage.begin(), coverage.end(),
+                             [&](const auto& before) { return before.second < character; });
+    sqlite3_result_int(context, range != coverage.end() && range->first <= character ? 1 : 0);
+}
+
+// Again and again for one connection does no harm.
+void addFunctions(Database& database) {
+    constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+    sqlite3_create_function(database.handle(), "reaches", 4, flags, nullptr, reaches, nullptr,
+                            nullptr);
+    sqlite3_create_function(database.handle(), "covers", 2, flags, nullptr, covers, nullptr,
+                            nullptr);
+}
+
+} // namespace
+
+FoundFaces Library::search(const FaceQuery& query) {
+    addFunctions(database_);
+    const Conditions conditions = conditionsOf(query);
+    const std::string from =
+        " JOIN name AS first_name ON first_name.face = face.id AND first_name.position = 0 "
+        "JOIN family AS first_family ON first_family.id = first_name.family WHERE 1" +
+        conditions.sql();
+    const Reading together(database_);
+    FoundFaces found;
+    Statement count(database_, ("SELECT count(*) FROM face JOIN file ON file.id = face.file "
+                                "JOIN directory ON directory.id = file.directory" +
+                                from)
+                                   .c_str());
+    conditions.bind(count);
+    count.step();
+    found.total = static_cast<std::size_t>(count.number(0));
+    Statement page(
+        database_,
+        (faceColumns() + from + " ORDER BY " + orderOf(query.order) + " LIMIT ? OFFSET ?").c_str());
+    const int next = conditions.bind(page);
+    page.bind(next, static_cast<std::int64_t>(query.limit));
+    page.bind(next + 1, static_cast<std::int64_t>(query.offset));
+    while (page.step()) {
+        found.faces.push_back(matchOf(page));
+    }
+    return found;
+}
+
+} // namespace manager
