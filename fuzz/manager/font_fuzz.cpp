@@ -16,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const fuzz::MemoryFile file(data, size);
     try {
         const faces::FontFileContents contents = faces::readFontFile(file.path());
-        const auto carried = decodeAnswer(encodeAnswer(contents));
-        REQUIRE(carried && std::get<faces::FontFileContents>(*carried) == contents);
+        const auto carried = decodeAnswer(encodeAnswer(ReadFont{contents}));
+        REQUIRE(carried && std::get<ReadFont>(*carried).contents == contents);
         for (const faces::Face& face : contents.faces) {
             REQUIRE(!face.names.front().family.empty());
             static_cast<void>(faces::nameKey(face.names.front().family));

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Reading one font file: names, technology, and what is refused.
 #include "faces/fontfile.h"
+#include "faces/namedecoder.h"
 #include "tests/support/fontmaker.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
 #include <sys/stat.h>
 
 using namespace faces;
@@ -30,8 +33,103 @@ protected:
         return "none";
     }
 
+    static std::vector<std::string> pairs(const Face& face) {
+        std::vector<std::string> texts;
+        for (const Name& name : face.names) {
+            texts.push_back(name.family + "/" + name.style);
+        }
+        return texts;
+    }
+
     TemporaryFolder folder_;
 };
+
+// Records of Microsoft's platform in two languages.
+RawName english(unsigned id, const std::string& text) {
+    return {.id = id, .bytes = wide(text)};
+}
+RawName korean(unsigned id, const std::string& text) {
+    return {.language = 0x412, .id = id, .bytes = wide(text)};
+}
+
+TEST_F(AFontFile, PairsFamiliesWithTheStylesOfTheirLanguageAndKind) {
+    const struct {
+        const char* what;
+        std::vector<RawName> names;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"the Korean family has more records than the Korean styles",
+         {korean(1, "나눔고딕 ExtraBold"), korean(16, "나눔고딕"), english(1, "Nanum ExtraBold"),
+          english(2, "Regular"), english(16, "Nanum"), english(17, "ExtraBold")},
+         {"Nanum/ExtraBold", "나눔고딕/ExtraBold", "Nanum ExtraBold/Regular",
+          "나눔고딕 ExtraBold/Regular"}},
+        {"styles in two languages",
+         {english(1, "Sans"), english(2, "Bold"), korean(1, "고딕"), korean(2, "볼드")},
+         {"Sans/Bold", "고딕/볼드"}},
+        {"the style of all weights, but their family told once",
+         {english(1, "Slab"), english(2, "Regular"), english(17, "Thin")},
+         {"Slab/Thin"}},
+        {"a legacy style that says the same",
+         {english(1, "Slab"), english(2, "Italic"), english(17, "Oblique")},
+         {"Slab/Oblique", "Slab/Italic"}},
+        {"weight, width and slant, without a style of their own",
+         {english(1, "Text Light"), english(2, "Regular"), english(16, "Text"),
+          english(17, "Light"), english(21, "Text Caption")},
+         {"Text Caption/Light", "Text/Light", "Text Light/Regular"}},
+        {"another platform's family",
+         {english(1, "One"), english(2, "Bold"), {1, 0, 0, 1, "Two"}, {1, 0, 0, 2, "Heavy"}},
+         {"One/Bold", "Two/Heavy"}},
+    };
+    for (const auto& [what, names, expected] : cases) {
+        EXPECT_EQ(pairs(read(makeFont({.names = names})).faces.at(0)), expected) << what;
+    }
+    const auto nameless = read(makeFont({.names = {english(0, "Copyright")}}));
+    EXPECT_EQ(nameless.faces.at(0).names.at(0).family, "font") << "by its file";
+}
+
+TEST_F(AFontFile, KeepsNamesAsTheyStandInIt) {
+    const Face face =
+        read(makeFont({.names = {english(1, "A  B "), english(2, "Regular"), english(4, "A B"),
+                                 korean(4, "가"), english(4, "A B"), english(5, "Version 2.5; x"),
+                                 english(6, "A B-Regular"), english(13, "Free")}}))
+            .faces.at(0);
+    EXPECT_EQ(face.names.at(0), (Name{"A  B", "Regular", "en", NameKind::Legacy}));
+    EXPECT_EQ(face.postScriptName, "A B-Regular");
+    EXPECT_THAT(face.fullNames, ElementsAre("A B", "가"));
+    EXPECT_EQ(face.version, "2.5; x");
+    EXPECT_EQ(face.licence, "Free");
+}
+
+TEST(ANameRecord, IsDecodedByItsPlatformAndEncoding) {
+    const struct {
+        unsigned platform;
+        unsigned encoding;
+        std::string bytes;
+        std::optional<std::string> expected;
+    } cases[] = {
+        {3, 1, wide("Größe 🂡"), "Größe 🂡"},
+        {0, 3, wide("x"), "x"},
+        // Half a pair, half a letter.
+        {3, 10, std::string("\0A\xD8\0\0B\0", 7),
+         "A\xEF\xBF\xBD"
+         "B"},
+        {3, 1, std::string("\0A\0\0\0B", 6), "A"},
+        {1, 0, "Caf\x8E \xDB\xC6", "Café €∆"},
+        {1, 0, "\x83\x82\x83\x67\x83\x84", "モトヤ"}, // Shift JIS, whatever it says
+        {1, 1, "\x83\x82", "モ"},
+        {1, 7, "\xE4\xE0", "да"},
+        {1, 4, "\xC4", std::nullopt}, // Arabic, which iconv does not know
+        {3, 3, std::string("\0A\xC4\xE3", 4), "A你"},
+        {3, 4, "\xA7\x41", "你"},
+        {2, 2, "\xE9", "é"},
+        {3, 1, "", ""},
+    };
+    NameDecoder decoder;
+    for (const auto& [platform, encoding, bytes, expected] : cases) {
+        EXPECT_EQ(decoder.decode(static_cast<Platform>(platform), encoding, bytes), expected)
+            << platform << " " << encoding << " " << testing::PrintToString(bytes);
+    }
+}
 
 TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
     const auto contents = read(makeFont({"Test Sans Condensed", "Bold", "TestSansCondensed-Bold",
@@ -40,8 +138,8 @@ TEST_F(AFontFile, TellsTypographicNamesFirstAndPairsTheLegacyOnes) {
     EXPECT_FALSE(contents.collection);
     EXPECT_EQ(contents.faces[0].technology, Technology::OpenTypeTrueType);
     EXPECT_EQ(contents.faces[0].postScriptName, "TestSansCondensed-Bold");
-    EXPECT_THAT(contents.faces[0].names, ElementsAre(Name{"Test Sans", "Condensed Bold", {}},
-                                                     Name{"Test Sans Condensed", "Bold", {}}));
+    EXPECT_THAT(pairs(contents.faces[0]),
+                ElementsAre("Test Sans/Condensed Bold", "Test Sans Condensed/Bold"));
 }
 
 TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
@@ -49,7 +147,7 @@ TEST_F(AFontFile, HoldsTheFacesOfACollectionEachWithItsIndex) {
         {{"Müller & Söhne", "Regular", "Mueller-Regular"}, {"Other", "Bold", "Other-Bold", true}}));
     EXPECT_TRUE(contents.collection);
     ASSERT_EQ(contents.faces.size(), 2U);
-    EXPECT_THAT(contents.faces[0].names, ElementsAre(Name{"Müller & Söhne", "Regular", {}}));
+    EXPECT_THAT(pairs(contents.faces[0]), ElementsAre("Müller & Söhne/Regular"));
     EXPECT_EQ(contents.faces[0].technology, Technology::TrueType) << "without layout tables";
     EXPECT_EQ(contents.faces[1].postScriptName, "Other-Bold");
     EXPECT_EQ(contents.faces[1].index, 1U);
@@ -60,16 +158,25 @@ TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {
     FontRecipe recipe;
     recipe.instances = {"Medium", "Semi Bold"};
     const auto contents = read(makeFont(recipe));
-    ASSERT_EQ(contents.faces.size(), 3U);
-    std::vector<std::string> styles;
-    std::vector<std::uint32_t> instances;
-    for (const Face& face : contents.faces) {
-        EXPECT_EQ(face.names.front().family, "Test Sans");
-        styles.push_back(face.names.front().style);
-        instances.push_back(face.index >> 16U);
+    const struct {
+        std::uint32_t index;
+        const char* pair;
+        const char* postScriptName;
+        double weight;
+    } expected[] = {{0, "Test Sans/Regular", "TestSans-Regular", 400},
+                    {0x10000, "Test Sans/Medium", "TestSans-Medium", 500},
+                    {0x20000, "Test Sans/Semi Bold", "TestSans-SemiBold", 600}};
+    ASSERT_EQ(contents.faces.size(), std::size(expected));
+    for (std::size_t i = 0; i < contents.faces.size(); ++i) {
+        const Face& face = contents.faces[i];
+        EXPECT_EQ(face.index, expected[i].index);
+        EXPECT_THAT(pairs(face), ElementsAre(expected[i].pair));
+        EXPECT_EQ(face.postScriptName, expected[i].postScriptName);
+        EXPECT_EQ(face.style.weight, expected[i].weight);
+        EXPECT_THAT(face.axes, ElementsAre(Axis{"wght", "Regular", 100, 400, 900, false}));
     }
-    EXPECT_THAT(styles, testing::UnorderedElementsAre("Regular", "Medium", "Semi Bold"));
-    EXPECT_THAT(instances, testing::UnorderedElementsAre(0U, 1U, 2U));
+    EXPECT_GT(contents.faces[2].measures.value().letterWidth,
+              contents.faces[1].measures.value().letterWidth);
 }
 
 TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {

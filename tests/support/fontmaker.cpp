@@ -41,18 +41,23 @@ Tables baseTables() {
     return tables;
 }
 
-// A path changes the encoding of its text by the standard library.
-std::string utf16(const std::string& text) {
-    std::string result;
-    for (const char16_t unit : std::filesystem::path(text).u16string()) {
-        result += u16(unit);
-    }
-    return result;
-}
-
 constexpr std::size_t firstInstanceName = 256;
 
+std::string nameTable(const std::vector<RawName>& names) {
+    std::string records;
+    std::string texts;
+    for (const RawName& name : names) {
+        records += u16(name.platform) + u16(name.encoding) + u16(name.language) + u16(name.id) +
+                   u16(name.bytes.size()) + u16(texts.size());
+        texts += name.bytes;
+    }
+    return u16(0) + u16(names.size()) + u16(6 + records.size()) + records + texts;
+}
+
 std::string nameTable(const FontRecipe& recipe) {
+    if (!recipe.names.empty()) {
+        return nameTable(recipe.names);
+    }
     std::map<std::size_t, std::string> names = {{1, recipe.family},
                                                 {2, recipe.style},
                                                 {4, recipe.family + " " + recipe.style},
@@ -64,20 +69,15 @@ std::string nameTable(const FontRecipe& recipe) {
     for (std::size_t i = 0; i < recipe.instances.size(); ++i) {
         names[firstInstanceName + i] = recipe.instances[i];
     }
-    std::string records;
-    std::string texts;
-    const auto add = [&](std::size_t language, std::size_t id, const std::string& name) {
-        const std::string text = utf16(name);
-        records += u16(3) + u16(1) + u16(language) + u16(id) + u16(text.size()) + u16(texts.size());
-        texts += text;
-    };
+    std::vector<RawName> records;
     for (const auto& [language, family] : recipe.translatedFamilies) {
-        add(language, 1, family);
+        records.push_back(
+            {.language = static_cast<unsigned>(language), .id = 1, .bytes = wide(family)});
     }
     for (const auto& [id, name] : names) {
-        add(0x409, id, name);
+        records.push_back({.id = static_cast<unsigned>(id), .bytes = wide(name)});
     }
-    return u16(0) + u16(records.size() / 12) + u16(6 + records.size()) + records + texts;
+    return nameTable(records);
 }
 
 // A weight axis from 100 to 900 at 400, and an instance per name at 500, 600, ...
@@ -166,6 +166,15 @@ std::string assemble(const Tables& tables, std::size_t start) {
 }
 
 } // namespace
+
+// A path changes the encoding of its text by the standard library.
+std::string wide(const std::string& utf8) {
+    std::string result;
+    for (const char16_t unit : std::filesystem::path(utf8).u16string()) {
+        result += u16(unit);
+    }
+    return result;
+}
 
 std::string makeFont(const FontRecipe& recipe) {
     return assemble(tablesOf(recipe), 0);

@@ -9,6 +9,18 @@
 
 namespace testsupport {
 
+/// A record of a name table as it stands in the file.
+struct RawName {
+    unsigned platform = 3;
+    unsigned encoding = 1;
+    unsigned language = 0x409;
+    unsigned id = 1;
+    std::string bytes;
+};
+
+/// UTF-16BE, as most records have it.
+std::string wide(const std::string& utf8);
+
 struct FontRecipe {
     std::string family = "Test Sans"; ///< UTF-8; the legacy family when a typographic one is given
     std::string style = "Regular";
@@ -24,6 +36,7 @@ struct FontRecipe {
     bool italic = false;
     /// Further family names with their Windows language; the style stays without a translation.
     std::map<std::size_t, std::string> translatedFamilies = {};
+    std::vector<RawName> names = {}; ///< all the records, in place of those that the others make
     std::string png = {}; ///< 16 pixels wide and high: what every glyph is instead of its outline
 };
 
