@@ -39,13 +39,18 @@ private:
     FixedMetrics metrics_;
 };
 
+/// Calls are the plug-in "owner"'s.
 class DialogFixture : public CoreFixture {
 protected:
     DialogFixture() {
         owner.startUp();
         dialogs.setView(&view);
+        serving.emplace(core, &owner);
     }
-    ~DialogFixture() override { core.shutDownAll(); }
+    ~DialogFixture() override {
+        serving.reset();
+        core.shutDownAll();
+    }
 
     /// Layout 1: buttons 1, 2 and 3, a tree 7, a flat list 4, a text 8.
     static std::string layoutText() {
@@ -63,34 +68,31 @@ protected:
                "</layout></widget></ui>";
     }
 
-    /// Makes calls in the owner's name.
-    template <typename Calls>
-    auto asOwner(Calls calls) {
-        const Core::ServeScope serving(core, &owner);
-        return calls();
-    }
     ADMDialogRef create(const char* title = "Title", ADMDialogInitProc init = nullptr,
                         void* data = nullptr) {
         ADMDialogRef ref = nullptr;
-        asOwner([&] {
-            EXPECT_EQ(suite<ADMDialogSuite>()->Create(owner.ref(), "name", 1, kADMModalDialogStyle,
-                                                      init, data, 0, &ref),
-                      kNoErr);
-            EXPECT_EQ(suite<ADMDialogSuite>()->SetText(ref, title), kNoErr);
-        });
+        EXPECT_EQ(suite<ADMDialogSuite>()->Create(owner.ref(), "name", 1, kADMModalDialogStyle,
+                                                  init, data, 0, &ref),
+                  kNoErr);
+        EXPECT_EQ(suite<ADMDialogSuite>()->SetText(ref, title), kNoErr);
         return ref;
     }
     /// Runs the dialog; the item that ended it.
     std::int32_t run(ADMDialogRef ref) {
         std::int32_t item = -1;
-        EXPECT_EQ(asOwner([&] { return suite<ADMDialogSuite>()->DisplayAsModal(ref, &item); }),
-                  kNoErr);
+        EXPECT_EQ(suite<ADMDialogSuite>()->DisplayAsModal(ref, &item), kNoErr);
         return item;
     }
-    /// The same, doing `during` meanwhile.
+    /// The same, doing `during` meanwhile; -1 when it is only given up after that.
     std::int32_t run(ADMDialogRef ref, std::function<void(Dialog&)> during) {
-        view.runs.push_back(std::move(during));
-        return run(ref);
+        bool givenUp = false;
+        view.runs.emplace_back([this, &givenUp, use = std::move(during)](Dialog& dialog) {
+            use(dialog);
+            givenUp = !dialog.ending;
+            dialogs.giveUp(dialog);
+        });
+        const std::int32_t item = run(ref);
+        return givenUp ? -1 : item;
     }
 
     testsupport::TemporaryFolder folder;

@@ -3,6 +3,7 @@
 #include "host/adm/layout.h"
 #include "host/core/translation.h"
 #include "tests/support/folder.h"
+#include "tests/support/repeated.h"
 
 #include <gmock/gmock.h>
 
@@ -85,24 +86,9 @@ struct BadLayout {
 class ABadLayout : public ALayout, public testing::WithParamInterface<BadLayout> {};
 
 TEST_P(ABadLayout, IsToldByFileAndLine) {
-    try {
-        static_cast<void>(read(GetParam().content));
-        FAIL() << "it was read";
-    } catch (const LayoutError& problem) {
-        EXPECT_THAT(problem.what(), testing::HasSubstr("1.ui:"));
-        EXPECT_THAT(problem.what(), testing::HasSubstr(GetParam().problem));
-    }
-}
-
-std::string nested(int depth) {
-    std::string content;
-    for (int i = 0; i < depth; ++i) {
-        content += "<layout class=\"QVBoxLayout\"><item>";
-    }
-    for (int i = 0; i < depth; ++i) {
-        content += "</item></layout>";
-    }
-    return content;
+    EXPECT_THAT([&] { std::ignore = read(GetParam().content); },
+                testing::ThrowsMessage<LayoutError>(
+                    testing::HasSubstr("1.ui" + std::string(GetParam().problem))));
 }
 
 const std::vector<BadLayout> badLayouts{
@@ -116,18 +102,17 @@ const std::vector<BadLayout> badLayouts{
      ":7: there is another item 3"},
     {"ANumberOfNothing", dialog("<layout>" + item("QLabel", 0) + "</layout>"),
      ":7: the number of an item is at least 1"},
-    {"NoBottom", dialog(nested(100)), ":7: layouts are nested too deeply"},
+    {"NoBottom",
+     dialog(repeated("<layout class=\"QVBoxLayout\"><item>", 100) +
+            repeated("</item></layout>", 100)),
+     ":7: layouts are nested too deeply"},
 };
 INSTANTIATE_TEST_SUITE_P(Files, ABadLayout, testing::ValuesIn(badLayouts),
                          [](const auto& test) { return test.param.name; });
 
 TEST_F(ALayout, ThatIsMissingIsToldByItsFile) {
-    try {
-        static_cast<void>(readLayout(folder / "missing.ui"));
-        FAIL() << "it was read";
-    } catch (const LayoutError& problem) {
-        EXPECT_THAT(problem.what(), testing::HasSubstr("missing.ui"));
-    }
+    EXPECT_THAT([&] { std::ignore = readLayout(folder / "missing.ui"); },
+                testing::ThrowsMessage<LayoutError>(testing::HasSubstr("missing.ui")));
 }
 
 } // namespace

@@ -75,6 +75,9 @@ TEST_F(ACommandLine, IsReadInAnyOrder) {
     EXPECT_FALSE(options->keepGroups);
     EXPECT_TRUE(options->headless);
     EXPECT_EQ(options->answers, "a");
+    EXPECT_FALSE(read({"open", "--help"}));
+    EXPECT_EQ(status, exitSuccess);
+    EXPECT_THAT(output.str(), HasSubstr("--fail-on-missing"));
 }
 
 TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {
@@ -101,12 +104,6 @@ TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {
         EXPECT_EQ(status, exitUsage) << testing::PrintToString(arguments);
         EXPECT_FALSE(errors.str().empty()) << testing::PrintToString(arguments);
     }
-}
-
-TEST_F(ACommandLine, MayAskForHelp) {
-    EXPECT_FALSE(read({"open", "--help"}));
-    EXPECT_EQ(status, exitSuccess);
-    EXPECT_THAT(output.str(), HasSubstr("--fail-on-missing"));
 }
 
 TEST(ThePlugin, IsLookedForAroundTheProgram) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The program with real plug-ins, good and bad.
+// The program with real plug-ins, good and bad, and with bad drawings.
 #include "programrun.h"
 #include "system/descriptor.h"
 
-#include <fcntl.h>
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace host::test {
@@ -121,20 +123,15 @@ TEST_F(ARun, TellsMisbehaviourApartFromErrors) {
     EXPECT_EQ(report["documents"][1]["checkFailed"], true);
 }
 
-TEST_F(ARun, FailsForMissingFontsOnlyWhenAskedTo) {
-    const std::string drawing = goodDrawing();
-    EXPECT_EQ(run({"open", "--no-plugin", drawing}).status, 0);
-    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", drawing}).status, 1);
-    const std::string plain =
-        write("plain.svg", R"(<svg xmlns="http://www.w3.org/2000/svg"><rect/></svg>)");
-    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", plain}).status, 0);
-}
-
-TEST_F(ARun, SavesAnUnchangedDrawingByteForByte) {
+TEST_F(ARun, SavesByteForByteAndFailsForMissingFontsOnlyWhenAskedTo) {
     const std::string drawing = goodDrawing();
     const std::string copy = folder / "copy.svg";
     EXPECT_EQ(run({"open", "--no-plugin", "--save", copy, drawing}).status, 0);
     EXPECT_EQ(contentOf(copy), contentOf(drawing));
+    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", drawing}).status, 1);
+    const std::string plain =
+        write("plain.svg", R"(<svg xmlns="http://www.w3.org/2000/svg"><rect/></svg>)");
+    EXPECT_EQ(run({"open", "--no-plugin", "--fail-on-missing", plain}).status, 0);
 }
 
 TEST_F(ARun, RefusesToReplaceTheFileThatItsReportGoesTo) {
@@ -168,18 +165,15 @@ TEST_F(ARun, SavesThroughDescriptors) {
     EXPECT_EQ(run({"open", "--no-plugin", "--save", "/dev/fd/987", drawing}).status, 2);
 }
 
-TEST_F(ARun, CanBeASelfTest) {
+TEST_F(ARun, CanBeASelfTestOrTellOfThePlugin) {
     const ProgramResult good = run({"--self-test", "--plugin", bundle("wellbehaved")});
     EXPECT_EQ(good.status, 0) << good.errors;
     EXPECT_THAT(good.output, HasSubstr("wellbehaved: loaded, started and shut down"));
     EXPECT_EQ(run({"--self-test", "--plugin", bundle("noentry")}).status, 3);
-}
-
-TEST_F(ARun, FailsWhenThePluginRefusesToTellAboutItself) {
     letMisbehave("About");
-    const ProgramResult result = run({"about", "--plugin", bundle("misbehaving")});
-    EXPECT_EQ(result.status, 3);
-    EXPECT_THAT(result.errors, HasSubstr("answered \"About\" with error 'OOPS'"));
+    const ProgramResult refused = run({"about", "--plugin", bundle("misbehaving")});
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_THAT(refused.errors, HasSubstr("answered \"About\" with error 'OOPS'"));
 }
 
 TEST_F(ARun, CanMisbehaveOnPurpose) {
@@ -199,6 +193,49 @@ TEST_F(ARun, SaysWhenItsReportCannotBeWritten) {
         EXPECT_EQ(result.status, 74);
         EXPECT_THAT(result.errors, HasSubstr("could not be written"));
     }
+}
+
+class ABadDrawing : public ProgramFixture {};
+
+TEST_F(ABadDrawing, IsNamedAndTheOthersAreStillOpened) {
+    const std::string directory = folder / "folder.svg";
+    std::filesystem::create_directory(directory);
+    const std::vector<std::string> bad{
+        write("empty.svg", ""),
+        write("text.svg", "Dear reader,\nhello.\n"),
+        write("cut.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><g><text>cut o"),
+        write("cut.svgz", std::string("\x1F\x8B\x08\0\0\0\0\0\0\3\x4B", 11)),
+        folder / "none.svg",
+        directory};
+    std::vector<std::string> arguments{"open", "--no-plugin"};
+    arguments.insert(arguments.end(), bad.begin(), bad.end());
+    arguments.push_back(goodDrawing());
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.status, 2) << result.errors;
+    for (const std::string& file : bad) {
+        EXPECT_THAT(result.errors, HasSubstr("error: " + file + ":"));
+    }
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 6) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("NoSuchFace-Bold")) << "the good one was opened";
+}
+
+TEST_F(ABadDrawing, IsSaidInTheJsonReportToo) {
+    const std::string none = folder / "none.svg";
+    const ProgramResult result = run({"open", "--no-plugin", "--report", "json", none});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.output, HasSubstr("\"opened\": false"));
+    EXPECT_THAT(result.output, HasSubstr("\"error\": \"" + none));
+}
+
+using AnUnwritablePlace = ABadDrawing;
+
+TEST_F(AnUnwritablePlace, ToSaveToLosesNothing) {
+    const std::string drawing = goodDrawing();
+    const std::string target = folder / "no/such/folder.svg";
+    const ProgramResult result = run({"open", "--no-plugin", "--save", target, drawing});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("error: " + target + ":"));
+    EXPECT_THAT(result.output, HasSubstr("NoSuchFace-Bold"));
 }
 
 } // namespace

@@ -149,13 +149,11 @@ TEST_F(AForgetfulPlugin, HasNotStartedWhenItThrewZero) {
 
 TEST_F(AForgetfulPlugin, IsNotTrustedWithAForeignBlock) {
     int local = 0;
-    asGuest([&] {
-        void* block = nullptr;
-        EXPECT_EQ(basic->AllocateBlock(0, &block), kNoErr);
-        EXPECT_EQ(basic->FreeBlock(block), kNoErr);
-        EXPECT_EQ(basic->FreeBlock(block), kBadParameterErr);
-        EXPECT_EQ(basic->FreeBlock(&local), kBadParameterErr);
-    });
+    void* block = nullptr;
+    EXPECT_EQ(basic->AllocateBlock(0, &block), kNoErr);
+    EXPECT_EQ(basic->FreeBlock(block), kNoErr);
+    EXPECT_EQ(basic->FreeBlock(block), kBadParameterErr);
+    EXPECT_EQ(basic->FreeBlock(&local), kBadParameterErr);
     ASSERT_EQ(core.ledger().entries().size(), 1U);
     EXPECT_EQ(core.ledger().entries()[0].times, 2U);
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,26 +33,20 @@ class CoreFixture : public ::testing::Test {
 protected:
     using Handler = std::function<SPErr(std::string_view caller, std::string_view selector, void*)>;
 
-    CoreFixture() { guest.startUp(); }
-    ~CoreFixture() override { handler = {}; }
-
-    /// Makes calls in the guest's name.
-    template <typename Calls>
-    auto asGuest(Calls calls) {
-        const Core::ServeScope serving(core, &guest);
-        return calls();
+    CoreFixture() {
+        guest.startUp();
+        serving.emplace(core, &guest);
     }
+    ~CoreFixture() override { handler = {}; }
 
     /// A suite's table, acquired and released at once: the table itself stays.
     template <typename Suite>
     const Suite* suite() {
-        return asGuest([&] {
-            const void* table = nullptr;
-            const SuiteId id = SuiteIdentity<Suite>::id;
-            EXPECT_EQ(basic->AcquireSuite(id.name, id.version, &table), kNoErr);
-            EXPECT_EQ(basic->ReleaseSuite(id.name, id.version), kNoErr);
-            return static_cast<const Suite*>(table);
-        });
+        const void* table = nullptr;
+        const SuiteId id = SuiteIdentity<Suite>::id;
+        EXPECT_EQ(basic->AcquireSuite(id.name, id.version, &table), kNoErr);
+        EXPECT_EQ(basic->ReleaseSuite(id.name, id.version), kNoErr);
+        return static_cast<const Suite*>(table);
     }
 
     static SPErr entry(const char* caller, const char* selector, void* message) {
@@ -64,6 +59,7 @@ protected:
     Core core{frontend, {"de_DE", [this] { return ticks; }}};
     Plugin& guest = core.addBuiltIn("guest", entry);
     const SPBasicSuite* basic = &Core::basicSuite();
+    std::optional<Core::ServeScope> serving; ///< calls are the guest's until it is reset
 };
 
 } // namespace host::test

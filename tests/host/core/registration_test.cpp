@@ -25,24 +25,21 @@ protected:
     }
     AINotifierHandle add(const char* type, Plugin& plugin) {
         AINotifierHandle handle = nullptr;
-        EXPECT_EQ(asGuest([&] { return suites->AddNotifier(plugin.ref(), "name", type, &handle); }),
-                  kNoErr);
+        EXPECT_EQ(suites->AddNotifier(plugin.ref(), "name", type, &handle), kNoErr);
         return handle;
     }
     /// As a plug-in enumerates them.
     std::vector<AINotifierHandle> enumerated() {
-        return asGuest([&] {
-            std::int32_t count = 0;
-            EXPECT_EQ(suites->CountNotifiers(&count), kNoErr);
-            std::vector<AINotifierHandle> handles(static_cast<std::size_t>(count));
-            for (std::int32_t n = 0; n < count; ++n) {
-                EXPECT_EQ(suites->GetNthNotifier(n, &handles[static_cast<std::size_t>(n)]), kNoErr);
-            }
-            AINotifierHandle none = nullptr;
-            EXPECT_EQ(suites->GetNthNotifier(count, &none), kBadParameterErr);
-            EXPECT_EQ(suites->GetNthNotifier(-1, &none), kBadParameterErr);
-            return handles;
-        });
+        std::int32_t count = 0;
+        EXPECT_EQ(suites->CountNotifiers(&count), kNoErr);
+        std::vector<AINotifierHandle> handles(static_cast<std::size_t>(count));
+        for (std::int32_t n = 0; n < count; ++n) {
+            EXPECT_EQ(suites->GetNthNotifier(n, &handles[static_cast<std::size_t>(n)]), kNoErr);
+        }
+        AINotifierHandle none = nullptr;
+        EXPECT_EQ(suites->GetNthNotifier(count, &none), kBadParameterErr);
+        EXPECT_EQ(suites->GetNthNotifier(-1, &none), kBadParameterErr);
+        return handles;
     }
 
     const AINotifierSuite* suites = suite<AINotifierSuite>();
@@ -67,24 +64,24 @@ TEST_F(ANotifier, OfAPluginThatLeavesIsGoneAndTheOthersKeepTheirOrder) {
     EXPECT_THAT(enumerated(), ElementsAre(first, second, third));
     other.shutDown();
     EXPECT_THAT(enumerated(), ElementsAre(first, third));
-    asGuest([&] {
-        SPPluginRef owner = nullptr;
-        const char* type = nullptr;
-        EXPECT_EQ(suites->GetNotifierPlugin(second, &owner), kBadParameterErr);
-        EXPECT_EQ(suites->GetNotifierType(second, &type), kBadParameterErr);
-        EXPECT_EQ(suites->GetNotifierPlugin(third, &owner), kNoErr);
-        EXPECT_EQ(suites->GetNotifierType(third, &type), kNoErr);
-        EXPECT_EQ(owner, guest.ref());
-        EXPECT_STREQ(type, "type");
-    });
+    SPPluginRef owner = nullptr;
+    const char* type = nullptr;
+    EXPECT_EQ(suites->GetNotifierPlugin(second, &owner), kBadParameterErr);
+    EXPECT_EQ(suites->GetNotifierType(second, &type), kBadParameterErr);
+    EXPECT_EQ(suites->GetNotifierPlugin(third, &owner), kNoErr);
+    EXPECT_EQ(suites->GetNotifierType(third, &type), kNoErr);
+    EXPECT_EQ(owner, guest.ref());
+    EXPECT_STREQ(type, "type");
 }
 
 TEST_F(ANotifier, IsKeptWhileItsPluginIsUnloadedButNotTold) {
     const AINotifierHandle kept = add("type", guest);
+    serving.reset();
     ASSERT_TRUE(guest.unload());
     core.notify("type");
     EXPECT_THAT(notified, IsEmpty());
     EXPECT_EQ(guest.reload(), kNoErr);
+    serving.emplace(core, &guest);
     EXPECT_THAT(enumerated(), ElementsAre(kept));
     core.notify("type");
     EXPECT_THAT(notified, ElementsAre(kept));
@@ -105,11 +102,9 @@ TEST_F(ANotifier, CannotBeRegisteredForAnUnknownPlugin) {
     Plugin& ended = core.addBuiltIn("ended", entry);
     ended.startUp();
     ended.shutDown();
-    asGuest([&] {
-        EXPECT_EQ(suites->AddNotifier(reinterpret_cast<SPPluginRef>(this), "n", "t", nullptr),
-                  kBadParameterErr);
-        EXPECT_EQ(suites->AddNotifier(ended.ref(), "n", "t", nullptr), kBadParameterErr);
-    });
+    EXPECT_EQ(suites->AddNotifier(reinterpret_cast<SPPluginRef>(this), "n", "t", nullptr),
+              kBadParameterErr);
+    EXPECT_EQ(suites->AddNotifier(ended.ref(), "n", "t", nullptr), kBadParameterErr);
     ASSERT_EQ(core.ledger().entries().size(), 1U);
     EXPECT_EQ(core.ledger().entries()[0].what, "registered a notifier for an unknown plug-in");
     EXPECT_EQ(core.ledger().entries()[0].times, 2U);
@@ -122,23 +117,20 @@ TEST_F(AMenu, TakesItemsAndSubMenusUntilTheirPluginLeaves) {
     const std::size_t ownGroups = core.menus().groups().size();
     AIMenuItemHandle parent = nullptr;
     AIMenuItemHandle item = nullptr;
-    asGuest([&] {
-        AIMenuGroup group = nullptr;
-        const char* name = nullptr;
-        std::int32_t count = 0;
-        EXPECT_EQ(menus->AddMenuItem(guest.ref(), "n", "No such group", "text", 0, &item),
-                  kBadParameterErr);
-        EXPECT_EQ(
-            menus->AddMenuItem(guest.ref(), "p", kAIAboutPluginsMenuGroup, "Parent", 0, &parent),
-            kNoErr);
-        EXPECT_EQ(menus->AddMenuGroupAsSubMenu("Mine", 0, parent, &group), kNoErr);
-        EXPECT_EQ(menus->AddMenuGroupAsSubMenu("Mine", 0, parent, &group), kBadParameterErr);
-        EXPECT_EQ(menus->AddMenuItem(guest.ref(), "i", "Mine", "Item", 0, &item), kNoErr);
-        EXPECT_EQ(menus->CountMenuGroups(&count), kNoErr);
-        EXPECT_EQ(menus->GetNthMenuGroup(count - 1, &group), kNoErr);
-        EXPECT_EQ(menus->GetMenuGroupName(group, &name), kNoErr);
-        EXPECT_STREQ(name, "Mine");
-    });
+    AIMenuGroup group = nullptr;
+    const char* name = nullptr;
+    std::int32_t count = 0;
+    EXPECT_EQ(menus->AddMenuItem(guest.ref(), "n", "No such group", "text", 0, &item),
+              kBadParameterErr);
+    EXPECT_EQ(menus->AddMenuItem(guest.ref(), "p", kAIAboutPluginsMenuGroup, "Parent", 0, &parent),
+              kNoErr);
+    EXPECT_EQ(menus->AddMenuGroupAsSubMenu("Mine", 0, parent, &group), kNoErr);
+    EXPECT_EQ(menus->AddMenuGroupAsSubMenu("Mine", 0, parent, &group), kBadParameterErr);
+    EXPECT_EQ(menus->AddMenuItem(guest.ref(), "i", "Mine", "Item", 0, &item), kNoErr);
+    EXPECT_EQ(menus->CountMenuGroups(&count), kNoErr);
+    EXPECT_EQ(menus->GetNthMenuGroup(count - 1, &group), kNoErr);
+    EXPECT_EQ(menus->GetMenuGroupName(group, &name), kNoErr);
+    EXPECT_STREQ(name, "Mine");
     AIMenuItemHandle chosen = nullptr;
     handler = [&](std::string_view caller, std::string_view selector, void* message) {
         if (caller == "AI Menu" && selector == "AI Go") {
@@ -158,16 +150,14 @@ using AnApplicationContext = CoreFixture;
 
 TEST_F(AnApplicationContext, IsPoppedFromTheInnermostOutwards) {
     const auto* const contexts = suite<AIAppContextSuite>();
-    asGuest([&] {
-        AIAppContextHandle outer = nullptr;
-        AIAppContextHandle inner = nullptr;
-        EXPECT_EQ(contexts->PushAppContext(guest.ref(), &outer), kNoErr);
-        EXPECT_EQ(contexts->PushAppContext(guest.ref(), &inner), kNoErr);
-        EXPECT_EQ(contexts->PopAppContext(outer), kBadParameterErr);
-        EXPECT_EQ(contexts->PopAppContext(inner), kNoErr);
-        EXPECT_EQ(contexts->PopAppContext(inner), kBadParameterErr);
-        EXPECT_EQ(contexts->PopAppContext(outer), kNoErr);
-    });
+    AIAppContextHandle outer = nullptr;
+    AIAppContextHandle inner = nullptr;
+    EXPECT_EQ(contexts->PushAppContext(guest.ref(), &outer), kNoErr);
+    EXPECT_EQ(contexts->PushAppContext(guest.ref(), &inner), kNoErr);
+    EXPECT_EQ(contexts->PopAppContext(outer), kBadParameterErr);
+    EXPECT_EQ(contexts->PopAppContext(inner), kNoErr);
+    EXPECT_EQ(contexts->PopAppContext(inner), kBadParameterErr);
+    EXPECT_EQ(contexts->PopAppContext(outer), kNoErr);
     EXPECT_EQ(core.contexts().innermost(), noPlugin);
     EXPECT_EQ(frontend.misbehaviour.size(), 1U);
 }
@@ -176,23 +166,21 @@ using AUnicodeString = CoreFixture;
 
 TEST_F(AUnicodeString, IsKeptUntilItIsDestroyed) {
     const auto* const texts = suite<AIUnicodeStringSuite>();
-    asGuest([&] {
-        AIUnicodeStringHandle text = nullptr;
-        AIUnicodeStringHandle empty = nullptr;
-        AIUnicodeStringHandle bad = nullptr;
-        const char* bytes = nullptr;
-        std::size_t size = 0;
-        EXPECT_EQ(texts->CreateFromUTF8("gr\xC3\xBC\xC3\x9F...", 6, &text), kNoErr);
-        EXPECT_EQ(texts->CreateFromUTF8(nullptr, 0, &empty), kNoErr);
-        EXPECT_EQ(texts->CreateFromUTF8("\xFF", 1, &bad), kBadParameterErr);
-        EXPECT_EQ(texts->CreateFromUTF8(nullptr, 1, &bad), kBadParameterErr);
-        EXPECT_EQ(texts->GetUTF8(text, &bytes, &size), kNoErr);
-        EXPECT_STREQ(bytes, "gr\xC3\xBC\xC3\x9F");
-        EXPECT_EQ(size, 6U);
-        EXPECT_EQ(texts->Destroy(text), kNoErr);
-        EXPECT_EQ(texts->GetUTF8(text, &bytes, &size), kBadParameterErr);
-        EXPECT_EQ(texts->Destroy(text), kBadParameterErr);
-    });
+    AIUnicodeStringHandle text = nullptr;
+    AIUnicodeStringHandle empty = nullptr;
+    AIUnicodeStringHandle bad = nullptr;
+    const char* bytes = nullptr;
+    std::size_t size = 0;
+    EXPECT_EQ(texts->CreateFromUTF8("gr\xC3\xBC\xC3\x9F...", 6, &text), kNoErr);
+    EXPECT_EQ(texts->CreateFromUTF8(nullptr, 0, &empty), kNoErr);
+    EXPECT_EQ(texts->CreateFromUTF8("\xFF", 1, &bad), kBadParameterErr);
+    EXPECT_EQ(texts->CreateFromUTF8(nullptr, 1, &bad), kBadParameterErr);
+    EXPECT_EQ(texts->GetUTF8(text, &bytes, &size), kNoErr);
+    EXPECT_STREQ(bytes, "gr\xC3\xBC\xC3\x9F");
+    EXPECT_EQ(size, 6U);
+    EXPECT_EQ(texts->Destroy(text), kNoErr);
+    EXPECT_EQ(texts->GetUTF8(text, &bytes, &size), kBadParameterErr);
+    EXPECT_EQ(texts->Destroy(text), kBadParameterErr);
     guest.shutDown();
     EXPECT_THAT(frontend.misbehaviour,
                 ElementsAre("guest destroyed a Unicode string that is not live",
@@ -205,14 +193,12 @@ protected:
 };
 
 TEST_F(TheDialogManager, ShowsAlertsInThePluginsName) {
-    asGuest([&] {
-        const void* early = nullptr;
-        EXPECT_EQ(basic->AcquireSuite("ADM Basic Suite", 2, &early), kNoErr);
-        static_cast<const ADMBasicSuite*>(early)->ErrorAlert("early");
-        basic->ReleaseSuite("ADM Basic Suite", 2);
-        dialogs->MessageAlert("message");
-        dialogs->AboutBox(guest.ref(), "title", "text");
-    });
+    const void* early = nullptr;
+    EXPECT_EQ(basic->AcquireSuite("ADM Basic Suite", 2, &early), kNoErr);
+    static_cast<const ADMBasicSuite*>(early)->ErrorAlert("early");
+    basic->ReleaseSuite("ADM Basic Suite", 2);
+    dialogs->MessageAlert("message");
+    dialogs->AboutBox(guest.ref(), "title", "text");
     ASSERT_EQ(frontend.alerts.size(), 3U);
     EXPECT_EQ(frontend.alerts[0].kind, AlertKind::Error);
     EXPECT_EQ(frontend.alerts[0].plugin, "guest");
@@ -222,15 +208,13 @@ TEST_F(TheDialogManager, ShowsAlertsInThePluginsName) {
 
 TEST_F(TheDialogManager, TellsTheLocaleAndNothingOfAMissingString) {
     const auto* const hostSuite = suite<ADMHostSuite>();
-    asGuest([&] {
-        char buffer[8] = "old";
-        EXPECT_EQ(hostSuite->GetAppLocale(buffer, 8), kNoErr);
-        EXPECT_STREQ(buffer, "de_DE");
-        EXPECT_EQ(hostSuite->GetAppLocale(buffer, 3), kNoErr);
-        EXPECT_STREQ(buffer, "de");
-        EXPECT_EQ(dialogs->GetIndexString(guest.ref(), 1, 1, buffer, 8), kNoSuchStringErr);
-        EXPECT_STREQ(buffer, "");
-    });
+    char buffer[8] = "old";
+    EXPECT_EQ(hostSuite->GetAppLocale(buffer, 8), kNoErr);
+    EXPECT_STREQ(buffer, "de_DE");
+    EXPECT_EQ(hostSuite->GetAppLocale(buffer, 3), kNoErr);
+    EXPECT_STREQ(buffer, "de");
+    EXPECT_EQ(dialogs->GetIndexString(guest.ref(), 1, 1, buffer, 8), kNoSuchStringErr);
+    EXPECT_STREQ(buffer, "");
 }
 
 } // namespace

@@ -25,60 +25,48 @@ TEST_F(TheSuites, CanAllBeAcquiredByNameAndVersion) {
     const std::vector<SuiteId> suites = allSuites();
     ASSERT_EQ(suites.size(), 127U);
     EXPECT_EQ(core.suites().size(), suites.size());
-    asGuest([&] {
-        std::set<const void*> tables;
-        for (const SuiteId& id : suites) {
-            const void* table = nullptr;
-            EXPECT_EQ(basic->AcquireSuite(id.name, id.version, &table), kNoErr) << id.name;
-            EXPECT_NE(table, nullptr) << id.name;
-            tables.insert(table);
-        }
-        EXPECT_EQ(tables.size(), 126U) << "only the two versions of one suite share a table";
-        for (const SuiteId& id : suites) {
-            EXPECT_EQ(basic->ReleaseSuite(id.name, id.version), kNoErr) << id.name;
-        }
-    });
+    std::set<const void*> tables;
+    for (const SuiteId& id : suites) {
+        const void* table = nullptr;
+        EXPECT_EQ(basic->AcquireSuite(id.name, id.version, &table), kNoErr) << id.name;
+        EXPECT_NE(table, nullptr) << id.name;
+        tables.insert(table);
+    }
+    EXPECT_EQ(tables.size(), 126U) << "only the two versions of one suite share a table";
+    for (const SuiteId& id : suites) {
+        EXPECT_EQ(basic->ReleaseSuite(id.name, id.version), kNoErr) << id.name;
+    }
     guest.shutDown();
     EXPECT_THAT(frontend.misbehaviour, IsEmpty());
 }
 
-TEST_F(TheSuites, AreNotFoundUnderAnotherNameOrVersion) {
-    asGuest([&] {
-        const void* table = this;
-        EXPECT_EQ(basic->AcquireSuite("AI Font Suite", 1004, &table), kSuiteNotFoundErr);
-        EXPECT_EQ(table, nullptr);
-        EXPECT_EQ(basic->AcquireSuite("ai font suite", 1003, &table), kSuiteNotFoundErr);
-        EXPECT_EQ(basic->ReleaseSuite("AI Font Suite", 1004), kSuiteNotFoundErr);
-    });
+TEST_F(TheSuites, AreNotFoundUnderAnotherNameOrVersionOrHiddenOnPurpose) {
+    const void* table = this;
+    EXPECT_EQ(basic->AcquireSuite("AI Font Suite", 1004, &table), kSuiteNotFoundErr);
+    EXPECT_EQ(table, nullptr);
+    EXPECT_EQ(basic->AcquireSuite("ai font suite", 1003, &table), kSuiteNotFoundErr);
+    EXPECT_EQ(basic->ReleaseSuite("AI Font Suite", 1004), kSuiteNotFoundErr);
     EXPECT_THAT(frontend.misbehaviour,
                 ElementsAre("guest released \"AI Font Suite\" 1004, which does not exist"));
+    EXPECT_TRUE(core.suites().hide("AI Font Suite", 1003));
+    EXPECT_FALSE(core.suites().hide("AI Font Suite", 1003));
+    EXPECT_EQ(basic->AcquireSuite("AI Font Suite", 1003, &table), kSuiteNotFoundErr);
 }
 
 TEST_F(TheSuites, AreCountedPerPlugin) {
     Plugin& other = core.addBuiltIn("other", entry);
     other.startUp();
     const void* table = nullptr;
-    asGuest([&] {
-        basic->AcquireSuite("AI Font Suite", 1003, &table);
-        basic->AcquireSuite("AI Font Suite", 1003, &table);
-    });
-    {
-        const Core::ServeScope serving(core, &other);
-        EXPECT_EQ(basic->ReleaseSuite("AI Font Suite", 1003), kSuiteNotFoundErr);
-    }
+    basic->AcquireSuite("AI Font Suite", 1003, &table);
+    basic->AcquireSuite("AI Font Suite", 1003, &table);
+    serving.emplace(core, &other);
+    EXPECT_EQ(basic->ReleaseSuite("AI Font Suite", 1003), kSuiteNotFoundErr);
+    serving.reset();
     guest.shutDown();
     EXPECT_THAT(frontend.misbehaviour,
                 ElementsAre("other released \"AI Font Suite\" 1003 without acquiring it",
                             "guest did not release 1 suite(s) at its shut-down: AI Font Suite 1003 "
                             "(2 times)"));
-}
-
-TEST_F(TheSuites, CanBeHiddenOnPurpose) {
-    EXPECT_TRUE(core.suites().hide("AI Font Suite", 1003));
-    EXPECT_FALSE(core.suites().hide("AI Font Suite", 1003));
-    const void* table = nullptr;
-    EXPECT_EQ(asGuest([&] { return basic->AcquireSuite("AI Font Suite", 1003, &table); }),
-              kSuiteNotFoundErr);
 }
 
 } // namespace

@@ -56,7 +56,7 @@ protected:
     static QListView& view() { return shown<QListView>(4); }
     /// Shows it without the marks of a focus, all rows at once.
     void showRows(const std::function<void()>& steps) {
-        show(ref, [&] {
+        look(ref, [&] {
             shown(1).setFocus();
             view().viewport()->grab(); // asks for all of them before any can come
             settle();
@@ -75,7 +75,6 @@ protected:
             for (int row = 0; row < count; ++row) {
                 images.push_back(imageOf(row));
             }
-            escape();
         });
         known = faces;
         windows->forget(*dialogs.find(ref));
@@ -156,14 +155,12 @@ TEST_F(AFontChooser, ShowsNamesInTheirFacesAndPlainOnesWhereThereIsNone) {
         QTest::keyClick(&view(), Qt::Key_B);
         settle();
         EXPECT_EQ(item(ref, 4).tree->active()->text, "Broken");
-        escape();
     });
     known["Harbour"] = serif;
     windows->forget(*dialogs.find(ref));
     showRows([&] {
         EXPECT_TRUE(becomes([&] { return imageOf(0) != plain[0]; }));
         EXPECT_NE(imageOf(0), inSans);
-        escape();
     });
 }
 
@@ -195,7 +192,6 @@ TEST_F(AFontChooser, AsksForWhatIsSeenAndForgetsWhatScrolledAway) {
         view().scrollToTop();
         imageOf(0);
         EXPECT_THAT(asked, IsEmpty()) << "pictures are not kept";
-        escape(); // while some are waited for
     });
 }
 
@@ -223,7 +219,6 @@ TEST_F(AFontChooser, FollowsThePalette) {
         EXPECT_TRUE(has(imageOf(0), Qt::yellow));
         EXPECT_TRUE(becomes([&] { return has(imageOf(1), Qt::green); }));
         EXPECT_FALSE(has(imageOf(1), Qt::yellow));
-        escape();
     });
 }
 
@@ -247,7 +242,6 @@ TEST_F(AFontChooser, SurvivesTheProcessThatDraws) {
         view().scrollTo(view().model()->index(50, 0), QAbstractItemView::PositionAtTop);
         const QImage waiting = imageOf(50);
         EXPECT_TRUE(becomes([&] { return imageOf(50) != waiting; }));
-        escape();
     });
     windows.reset();
     EXPECT_THAT(children(), IsEmpty());
@@ -262,7 +256,6 @@ TEST_F(AFontChooser, SavesPicturesWithAllFacesInThem) {
         const QImage saved(QString::fromStdString((folder / "01-shown.png").string()));
         EXPECT_NE(saved.copy(QRect(at, plain[0].size())).convertToFormat(QImage::Format_RGB32),
                   plain[0].convertToFormat(QImage::Format_RGB32));
-        escape();
     });
 }
 
@@ -310,7 +303,6 @@ TEST_F(AFontChooser, ShowsTheDocumentsWordsBeforeAndAfter) {
             })) << bad;
             EXPECT_TRUE(inkOf(words("after")).isEmpty());
         }
-        escape();
     });
     EXPECT_THAT(around, IsEmpty());
 }
@@ -329,11 +321,7 @@ TEST_F(AFontChooser, TellsWhatIsSelectedAroundItAndHidesWhatItDoesNotKnow) {
     showRows([&] {
         dialogs.select(outside, {outside.top().rows[1].get()}, outside.top().rows[1].get());
         EXPECT_FALSE(pane().isVisible());
-        show(inner, [&] {
-            EXPECT_FALSE(pane().isVisible());
-            escape();
-        });
-        escape();
+        look(inner, [&] { EXPECT_FALSE(pane().isVisible()); });
     });
     EXPECT_THAT(around, ElementsAre(ElementsAre("Serif")));
 }
@@ -359,11 +347,9 @@ TEST_F(AFontChooser, ShowsMoreWordsThanItHasRoomFor) {
         }
         EXPECT_TRUE(becomes(isAtRight)) << "the last line is seen";
         samples.resize(1);
-        escape();
     });
     showRows([&] {
         EXPECT_EQ(pane().findChild<QWidget*>(QStringLiteral("before"))->focusPolicy(), Qt::NoFocus);
-        escape();
     });
 }
 
@@ -385,7 +371,6 @@ TEST_F(AFontChooser, HasRoomForAnyWords) {
             EXPECT_TRUE(
                 window().rect().contains(QRect(pane().mapTo(&window(), QPoint()), pane().size())));
         }
-        escape();
     });
 }
 
@@ -398,7 +383,6 @@ TEST_F(AFontChooser, ShowsWhatIsChosenByAScript) {
         settle();
         EXPECT_EQ(view().currentIndex().row(), 1);
         EXPECT_TRUE(view().selectionModel()->isSelected(view().currentIndex()));
-        escape();
     });
 }
 

@@ -123,7 +123,7 @@ protected:
 };
 
 TEST_F(AList, TellsThePluginWhatTheMouseSelectsAndThenClicks) {
-    show(ref, [&] {
+    look(ref, [&] {
         click("Gamma");
         EXPECT_THAT(takeHeard(), ElementsAre("selected Gamma", "once Gamma"));
         EXPECT_EQ(tree.active(), &top(2));
@@ -134,12 +134,11 @@ TEST_F(AList, TellsThePluginWhatTheMouseSelectsAndThenClicks) {
         QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, areaOf("Gamma").center());
         settle();
         EXPECT_THAT(takeHeard(), ElementsAre("selected Gamma", "once Gamma", "twice Gamma"));
-        escape();
     });
 }
 
 TEST_F(AList, IsUsedByKeyboardAlone) {
-    show(ref, [&] {
+    look(ref, [&] {
         view().setFocus();
         press(view(), Qt::Key_Down);
         press(view(), Qt::Key_Down);
@@ -155,7 +154,6 @@ TEST_F(AList, IsUsedByKeyboardAlone) {
         QTest::keyClick(&view(), Qt::Key_A, Qt::ControlModifier);
         settle();
         EXPECT_EQ(tree.selected().size(), 5U);
-        escape();
     });
 }
 
@@ -164,7 +162,7 @@ TEST_F(AList, BeginsWithItsFirstRowByKeyboard) {
     for (const char* const name : {"One", "Two", "Three"}) {
         add(flat.top(), name);
     }
-    show(ref, [&] {
+    look(ref, [&] {
         for (const auto& [list, id, first, second] :
              {std::tuple(&tree, 7, "Alpha", "Beta"), {&flat, 4, "One", "Two"}}) {
             shown(id).setFocus();
@@ -178,14 +176,13 @@ TEST_F(AList, BeginsWithItsFirstRowByKeyboard) {
             press(shown(id), Qt::Key_Down);
             EXPECT_THAT(takeHeard(), ElementsAre("selected " + std::string(second)));
         }
-        escape();
     });
 }
 
 TEST_F(AList, SelectsItsOnlyRowByAnyKeyThatMoves) {
     Tree& flat = *item(ref, 4).tree;
     add(flat.top(), "Font");
-    show(ref, [&] {
+    look(ref, [&] {
         shown(4).setFocus();
         for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End}) {
             EXPECT_THAT(flat.selected(), IsEmpty());
@@ -198,12 +195,11 @@ TEST_F(AList, SelectsItsOnlyRowByAnyKeyThatMoves) {
         QTest::keyClick(&shown(4), Qt::Key_Down, Qt::ControlModifier);
         settle();
         EXPECT_THAT(heard, IsEmpty()) << "it moves without selecting";
-        escape();
     });
 }
 
 TEST_F(AList, OpensARowByItsTriangleWithoutSelectingIt) {
-    show(ref, [&] {
+    look(ref, [&] {
         click("Beta");
         heard.clear();
         const QRect row = areaOf("Beta");
@@ -219,26 +215,24 @@ TEST_F(AList, OpensARowByItsTriangleWithoutSelectingIt) {
         settle();
         EXPECT_FALSE(top(0).expanded);
         EXPECT_THAT(heard, ElementsAre("selected Alpha", "once Alpha"));
-        escape();
     });
 }
 
 TEST_F(AList, HasRowsAsHighAsThePluginSays) {
     top(1).expanded = true;
-    show(ref, [&] {
+    look(ref, [&] {
         EXPECT_EQ(areaOf("Alpha").height(), 24);
         EXPECT_EQ(areaOf("Beta one").height(), 40);
         tree.top().rows[1]->children->entryHeight = 60;
         dialogs.changed(tree.item());
         settle();
         EXPECT_EQ(areaOf("Beta one").height(), 60);
-        escape();
     });
 }
 
 TEST_F(AList, KeepsSelectionAndExpansionWhenRowsComeAndGo) {
     top(1).expanded = true;
-    show(ref, [&] {
+    look(ref, [&] {
         click("Gamma");
         click("Beta two", Qt::ControlModifier);
         dialogs.removeRow(tree.top(), 0);
@@ -260,7 +254,6 @@ TEST_F(AList, KeepsSelectionAndExpansionWhenRowsComeAndGo) {
         settle();
         EXPECT_EQ(view().selectionModel()->selectedRows().size(), 0);
         EXPECT_EQ(view().currentIndex().data().toString(), "Delta, unknown") << "keys go on there";
-        escape();
     });
 }
 
@@ -274,13 +267,12 @@ TEST_F(AList, DoesWhatTheUserDidBeforeNewsTakeTheRowAway) {
         dialogs.removeRow(tree.top(), 2);
         return 1;
     };
-    show(ref, [&] {
+    look(ref, [&] {
         QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, areaOf("Gamma").center());
         EXPECT_EQ(write(ends[1], "x", 1), 1);
         settle();
         EXPECT_THAT(heard, ElementsAre("selected Gamma", "once Gamma"));
         EXPECT_EQ(tree.top().rows.size(), 2U);
-        escape();
     });
     events.descriptor = {};
     close(ends[0]);
@@ -295,26 +287,24 @@ TEST_F(AList, IsDrawnNewBeforeADialogWithinComes) {
             dialogs.removeRow(tree.top(), 0);
         }
         add(tree.top(), "new");
-        show(inner, [] {
+        look(inner, [] {
             for (QWidget* const each : QApplication::topLevelWidgets()) {
                 each->grab();
             }
-            escape();
         });
     };
     item(ref, 3).notify = [](ADMItemRef, ADMNotifierRef) { press(); };
-    show(ref, [&] {
+    look(ref, [&] {
         click("Beta");
         QTest::mouseClick(&shown(3), Qt::LeftButton);
         settle();
         EXPECT_TRUE(areaOf("new").isValid());
-        escape();
     });
     press = {};
 }
 
 TEST_F(AList, ShowsWhatThePluginDraws) {
-    show(ref, [&] {
+    look(ref, [&] {
         click("Gamma");
         const QImage image = view().viewport()->grab().toImage();
         const auto reddish = [&](const QRect& row) {
@@ -332,12 +322,11 @@ TEST_F(AList, ShowsWhatThePluginDraws) {
         EXPECT_EQ(reddish(areaOf("Alpha").translated(0, 200)), 0);
         EXPECT_EQ(image.pixelColor(areaOf("Gamma").right() - 2, areaOf("Gamma").center().y()),
                   view().palette().color(QPalette::Highlight));
-        escape();
     });
 }
 
 TEST_F(AList, TellsScreenReadersItsRowsWordsAndStates) {
-    show(ref, [&] {
+    look(ref, [&] {
         view().setAccessibleName(QStringLiteral("Missing fonts"));
         QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&view());
         ASSERT_NE(list, nullptr);
@@ -364,7 +353,6 @@ TEST_F(AList, TellsScreenReadersItsRowsWordsAndStates) {
             EXPECT_EQ(cell->state().expanded, expanded) << name;
             EXPECT_EQ(cell->state().selected, selected) << name;
         }
-        escape();
     });
 }
 
@@ -406,10 +394,7 @@ TEST_F(AList, OfManyTextsIsFilteredAndNeverHidesWhatIsChosen) {
 
 TEST_F(AList, OfFewTextsHasNoFilter) {
     add(item(ref, 4).tree->top(), "Font");
-    show(ref, [&] {
-        EXPECT_EQ(window().findChild<QLineEdit*>(), nullptr);
-        escape();
-    });
+    look(ref, [&] { EXPECT_EQ(window().findChild<QLineEdit*>(), nullptr); });
 }
 
 } // namespace

@@ -57,7 +57,7 @@ TEST_F(AWindow, ShowsTextsAsTheyStandAndFollowsTheModel) {
         dialogSuite->SetText(ref, "another");
     };
     setNotify(ref, 3);
-    show(ref, [&] {
+    look(ref, [&] {
         EXPECT_EQ(window().windowTitle(), "Fonts & more");
         EXPECT_EQ(shown<QLabel>(8).text(), "<b>bold</b>");
         EXPECT_EQ(shown<QLabel>(8).textFormat(), Qt::PlainText);
@@ -70,7 +70,6 @@ TEST_F(AWindow, ShowsTextsAsTheyStandAndFollowsTheModel) {
         EXPECT_TRUE(button->state().disabled);
         QAccessibleInterface* const text = QAccessible::queryAccessibleInterface(&shown(8));
         EXPECT_EQ(text->text(QAccessible::Name), "pressed");
-        escape();
     });
 }
 
@@ -79,10 +78,7 @@ TEST_F(AWindow, HasTheTextsOfItsLayoutInTheUsersLanguage) {
                  "<ui version=\"4.0\"><widget class=\"QDialog\"><property name=\"geometry\">"
                  "<rect><width>300</width><height>400</height></rect></property><property "
                  "name=\"accessibleName\"><string>Fonts</string></property></widget></ui>");
-    show(create(), [&] {
-        EXPECT_EQ(window().accessibleName(), "Schriften");
-        escape();
-    });
+    look(create(), [&] { EXPECT_EQ(window().accessibleName(), "Schriften"); });
 }
 
 TEST_F(AWindow, TellsTrackRoutinesOfClicksOnItemsAndBesideThem) {
@@ -111,7 +107,7 @@ TEST_F(AWindow, TellsTrackRoutinesOfClicksOnItemsAndBesideThem) {
     };
     noted = [&] { clicks.emplace_back("pressed"); };
     setNotify(ref, 3);
-    show(ref, [&] {
+    look(ref, [&] {
         QTest::mouseClick(&shown(3), Qt::LeftButton);
         QTest::mouseClick(&shown(8), Qt::LeftButton);
         QTest::mouseDClick(&shown(8), Qt::LeftButton);
@@ -120,7 +116,6 @@ TEST_F(AWindow, TellsTrackRoutinesOfClicksOnItemsAndBesideThem) {
         QTest::mouseClick(&window(), Qt::LeftButton, {}, QPoint(1, 1));
         QTest::mouseClick(&window(), Qt::RightButton, {}, QPoint(1, 1));
         settle();
-        escape();
     });
     EXPECT_THAT(clicks, ElementsAre("item", "pressed", "item", "item twice", "dialog"));
 }
@@ -213,7 +208,7 @@ TEST_F(AWindow, ServesTimersAndTheDesktopWhileItIsOpen) {
         return kNoErr;
     };
     AITimerHandle timer = nullptr;
-    asOwner([&] { suite<AITimerSuite>()->AddTimer(owner.ref(), "t", 2, &timer); });
+    suite<AITimerSuite>()->AddTimer(owner.ref(), "t", 2, &timer);
     ticked = [&] {
         ticks = 2; // the plug-in's timer is next, and it causes an event
         return AIBoolean{0};
@@ -296,7 +291,7 @@ TEST_F(AWindow, IsNotShownWhenItCannotBeMadeOrIsHidden) {
 
     folder.write("1.ui", layoutText());
     const ADMDialogRef hidden = create();
-    asOwner([&] { return dialogSuite->Show(hidden, 0); });
+    dialogSuite->Show(hidden, 0);
     show(hidden, [&] {
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         dialogs.giveUp(*dialogs.find(hidden));
@@ -305,7 +300,7 @@ TEST_F(AWindow, IsNotShownWhenItCannotBeMadeOrIsHidden) {
 
 TEST_F(AWindow, TellsTheModelWhereItemsAre) {
     const ADMDialogRef ref = create();
-    show(ref, [&] {
+    look(ref, [&] {
         window().resize(700, 650);
         settle();
         const Item& text = item(ref, 9);
@@ -316,7 +311,6 @@ TEST_F(AWindow, TellsTheModelWhereItemsAre) {
         const QWidget& rows = *shown<QTreeView>(7).viewport();
         EXPECT_EQ(item(ref, 7).bounds.left, rows.mapTo(&window(), QPoint()).x());
         EXPECT_EQ(dialogs.find(ref)->bounds.right - dialogs.find(ref)->bounds.left, 700);
-        escape();
     });
 }
 
@@ -324,14 +318,11 @@ TEST_F(AWindow, IsKeptOnTheScreenUnlessThePluginWillNot) {
     const ADMRect outside{-500, -700, 0, 0};
     for (const bool forced : {true, false}) {
         const ADMDialogRef ref = create();
-        asOwner([&] {
-            dialogSuite->ForceOnScreen(ref, static_cast<AIBoolean>(forced));
-            return dialogSuite->SetBoundsRect(ref, &outside);
-        });
-        show(ref, [&] {
+        dialogSuite->ForceOnScreen(ref, static_cast<AIBoolean>(forced));
+        dialogSuite->SetBoundsRect(ref, &outside);
+        look(ref, [&] {
             EXPECT_EQ(window().size(), QSize(500, 700));
             EXPECT_EQ(window().pos().x() >= 0, forced);
-            escape();
         });
     }
 }
@@ -339,10 +330,9 @@ TEST_F(AWindow, IsKeptOnTheScreenUnlessThePluginWillNot) {
 TEST_F(AWindow, IsSavedAsPicturesWhenShownAndBeforeItCloses) {
     windows->savePictures(folder.path());
     const ADMDialogRef ref = create();
-    show(ref, [&] {
+    look(ref, [&] {
         item(ref, 8).text = "something else";
         dialogs.changed(item(ref, 8));
-        escape();
     });
     const QImage before(QString::fromStdString((folder / "01-shown.png").string()));
     const QImage after(QString::fromStdString((folder / "02-closing.png").string()));

@@ -55,6 +55,13 @@ protected:
         EXPECT_TRUE(begun) << "it has never run";
         return ended;
     }
+    /// Closes it after them.
+    void look(ADMDialogRef ref, const std::function<void()>& steps) {
+        show(ref, [&] {
+            steps();
+            escape();
+        });
+    }
     static QWidget& window() { return *QApplication::activeModalWidget(); }
     template <typename Widget = QWidget>
     static Widget& shown(int id) {
