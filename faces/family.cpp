@@ -92,7 +92,7 @@ std::size_t closeness(const Style& look, const Style& wanted) {
 } // namespace
 
 AskedStyle::AskedStyle(std::string_view style)
-    : text(style.empty() ? "Regular" : style), key(nameKey(style)), isTold(!style.empty()) {
+    : text(style.empty() ? "Regular" : style), key(nameKey(text)), isTold(!style.empty()) {
     const StyleWords read = readStyleWords(style);
     look = read.style();
     lookIsKnown = read.complete;
@@ -157,9 +157,15 @@ std::vector<std::size_t> Family::meant(const AskedStyle& asked) const {
         }
         return found;
     };
-    Members found = nearestThat([&](const Member& member) {
+    const auto byNumbers = [&](const Member& member) {
         return fits(member.look, asked.look) ? &member.look : nullptr;
-    });
+    };
+    // Of several those are better whose words agree.
+    Members found = nearestThat(
+        [&](const Member& member) { return member.said.empty() ? byNumbers(member) : nullptr; });
+    if (found.empty()) {
+        found = nearestThat(byNumbers);
+    }
     if (found.empty()) {
         found = nearestThat([&](const Member& member) {
             return member.reach && reaches(*member.reach, member.look, asked.look) ? &member.look

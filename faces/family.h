@@ -30,7 +30,7 @@ public:
     AskedStyle(std::string_view style, const Style& look);
 
     std::string text;        ///< for people
-    std::string key;         ///< nameKey; empty: the name is not to be looked for
+    std::string key;         ///< nameKey; empty: there is no name to look for
     Style look;              ///< as far as it is known
     bool lookIsKnown = true; ///< false: there are words in it that nobody knows
     std::uint64_t words = 0; ///< as in StyleWords

@@ -78,7 +78,7 @@ std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
     }
     CommandFont font;
     font.postScriptName = name;
-    if (const auto candidates = CandidateFinder(library(), activation_).find(font);
+    if (const auto candidates = CandidateFinder(library(), activation_).find(font).exact;
         !candidates.empty()) {
         return {candidates.front().container.id};
     }

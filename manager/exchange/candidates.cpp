@@ -2,8 +2,13 @@
 // Grouping and ranking of what a look-up found.
 #include "manager/exchange/candidates.h"
 
+#include "faces/matching.h"
+
 #include <algorithm>
+#include <cstdint>
+#include <span>
 #include <tuple>
+#include <utility>
 
 namespace manager {
 
@@ -38,45 +43,181 @@ const char* technology(faces::Technology type) {
 
 bool isBetter(const Candidate& a, const Candidate& b) {
     const auto key = [](const Candidate& candidate) {
-        return std::make_tuple(!candidate.active, !candidate.typeMatches,
-                               typeRank(candidate.face.type), -candidate.container.faces,
-                               candidate.container.id);
+        return std::make_tuple(
+            !candidate.active, !candidate.typeMatches, -std::int64_t{candidate.face.revision},
+            typeRank(candidate.face.type), -candidate.container.faces, candidate.container.id);
     };
     return key(a) < key(b);
 }
 
+/// How far the axes of a variable font go from the style of one of its instances.
+std::optional<faces::Reach> reachOf(const FaceMatch& face) {
+    if (face.axes.empty()) {
+        return std::nullopt;
+    }
+    faces::Reach reach{face.style, face.style};
+    for (const faces::Axis& axis : face.axes) {
+        if (axis.tag == "wght") {
+            reach.from.weight = axis.minimum;
+            reach.to.weight = axis.maximum;
+        } else if (axis.tag == "wdth") {
+            reach.from.width = axis.minimum;
+            reach.to.width = axis.maximum;
+        }
+    }
+    return reach;
+}
+
+/// Asks the index for more and more, until the rule finds the face in what has come.
+class LookUp {
+public:
+    LookUp(Library& library, faces::Wanted wanted)
+        : library_(library), wanted_(std::move(wanted)), keys_(faces::keysOf(wanted_)) {}
+
+    std::vector<faces::Match> run() {
+        if (isFound(library_.findByPostScriptKey(keys_.postScriptName)) ||
+            (isFound(library_.findByFamily(keys_.family)) &&
+             matches_.front().ground == faces::Ground::FamilyAndStyle)) {
+            return std::move(matches_);
+        }
+        for (const std::string& key : keys_.fullNames) { // better than another word for the style
+            isFound(library_.findByFullName(key));
+        }
+        for (const std::string& key : keys_.normalisedFamilies) {
+            if (!isExact()) {
+                isFound(library_.findByNormalisedFamily(key));
+            }
+        }
+        return std::move(matches_);
+    }
+
+    FaceMatch& face(const faces::Match& match) { return faces_[match.face]; }
+
+private:
+    [[nodiscard]] bool isExact() const {
+        return !matches_.empty() && faces::isExact(matches_.front().ground);
+    }
+
+    bool isFound(std::vector<FaceMatch> more) {
+        bool any = false;
+        for (FaceMatch& face : more) {
+            if (std::none_of(faces_.begin(), faces_.end(),
+                             [&](const FaceMatch& known) { return known.id == face.id; })) {
+                faces_.push_back(std::move(face));
+                any = true;
+            }
+        }
+        if (any) {
+            std::vector<faces::Known> known;
+            known.reserve(faces_.size());
+            for (const FaceMatch& face : faces_) {
+                // The instances of a variable font all have the font's full name.
+                known.push_back(
+                    {face.postScriptName,
+                     face.axes.empty() ? std::span(face.fullNames) : std::span<const std::string>(),
+                     face.names, face.style, reachOf(face)});
+            }
+            matches_ = faces::match(wanted_, known);
+        }
+        return isExact();
+    }
+
+    Library& library_;
+    faces::Wanted wanted_;
+    faces::Keys keys_;
+    std::vector<FaceMatch> faces_;
+    std::vector<faces::Match> matches_;
+};
+
 } // namespace
 
-std::vector<Candidate> CandidateFinder::find(const CommandFont& font) {
-    std::vector<FaceMatch> faces;
-    if (font.postScriptName) {
-        faces = library_.findByPostScriptName(*font.postScriptName);
+const Candidate* Finding::decided(const CommandFont& font) const {
+    if (exact.size() == 1) {
+        return &exact.front();
     }
-    if (faces.empty() && font.familyName && !font.familyName->empty()) {
-        faces = library_.findByFamilyAndStyle(*font.familyName, font.styleName.value_or(""));
+    const Candidate* only = nullptr;
+    for (const Candidate& candidate : exact) {
+        if (font.type && candidate.typeMatches) {
+            if (only != nullptr) {
+                return nullptr;
+            }
+            only = &candidate;
+        }
     }
-    std::vector<Candidate> found;
-    for (FaceMatch& face : faces) { // those of one container stand together
-        const auto& [container, activeFiles] = holder(face.container);
-        if (!container) {
+    return only;
+}
+
+Finding CandidateFinder::find(const CommandFont& font) {
+    LookUp lookUp(library_, {font.postScriptName.value_or(""), font.familyName.value_or(""),
+                             font.styleName.value_or("")});
+    constexpr std::size_t mostNear = 5;
+    Finding finding;
+    std::vector<FaceMatch> exact;
+    for (const faces::Match& match : lookUp.run()) {
+        if (faces::isExact(match.ground)) {
+            exact.push_back(std::move(lookUp.face(match)));
             continue;
         }
-        Candidate candidate{std::move(face), *container, false, true};
-        candidate.active = activeFiles.contains(candidate.face.fileName);
-        candidate.typeMatches = !font.type || *font.type == candidate.face.type;
-        if (found.empty() || found.back().container.id != container->id) {
-            found.push_back(std::move(candidate));
-        } else if (isBetter(candidate, found.back())) {
-            found.back() = std::move(candidate);
+        if (finding.near.size() == mostNear) {
+            break;
+        }
+        auto near = candidate(font, std::move(lookUp.face(match)));
+        if (near &&
+            std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
+                return of.container.id == near->container.id ||
+                       library_.haveSameBytes(of.face, near->face);
+            })) {
+            near->reason = match.reason;
+            finding.near.push_back(std::move(*near));
+        }
+    }
+    finding.exact = holders(font, std::move(exact));
+    return finding;
+}
+
+std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
+                                                std::vector<FaceMatch> faces) {
+    std::vector<Candidate> found;
+    for (FaceMatch& face : faces) {
+        if (auto holding = candidate(font, std::move(face))) {
+            found.push_back(std::move(*holding));
         }
     }
     std::sort(found.begin(), found.end(), isBetter);
-    return found;
+    std::vector<Candidate> different;
+    for (Candidate& one : found) {
+        if (std::none_of(different.begin(), different.end(), [&](const Candidate& better) {
+                return better.container.id == one.container.id ||
+                       library_.haveSameBytes(better.face, one.face);
+            })) {
+            different.push_back(std::move(one));
+        }
+    }
+    return different;
+}
+
+std::optional<Candidate> CandidateFinder::candidate(const CommandFont& font, FaceMatch&& face) {
+    const auto& [container, activeFiles] = holder(face.container);
+    if (!container) {
+        return std::nullopt;
+    }
+    Candidate candidate{std::move(face), *container};
+    candidate.active =
+        candidate.face.shownByDesktop || activeFiles.contains(candidate.face.fileName);
+    candidate.typeMatches = !font.type || *font.type == candidate.face.type;
+    return candidate;
 }
 
 std::vector<DesktopFace> CandidateFinder::shown(const CommandFont& font,
                                                 const std::vector<Candidate>& candidates) {
     std::vector<DesktopFace> faces = desktop_.find(font.postScriptName.value_or(""));
+    std::set<std::string> names{font.postScriptName.value_or("")};
+    for (const Candidate& candidate : candidates) {
+        if (names.insert(candidate.face.postScriptName).second) {
+            const auto& more = desktop_.find(candidate.face.postScriptName);
+            faces.insert(faces.end(), more.begin(), more.end());
+        }
+    }
     std::erase_if(faces, [&](const DesktopFace& face) {
         return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
             return folderOf(face.file) == activation_.folder(candidate.container.id);
@@ -97,13 +238,29 @@ const CandidateFinder::Holder& CandidateFinder::holder(ContainerId id) {
     return entry->second;
 }
 
-std::string CandidateFinder::describe(const Candidate& candidate) {
+std::string CandidateFinder::describe(const Candidate& candidate,
+                                      const std::vector<Candidate>& among) {
+    const FaceMatch& face = candidate.face;
+    const auto differ = [&](auto&& of) {
+        return std::any_of(among.begin(), among.end(),
+                           [&](const Candidate& other) { return of(other.face) != of(face); });
+    };
     const std::int64_t styles = candidate.container.faces;
-    std::string text = candidate.face.familyName;
-    if (!candidate.face.styleName.empty()) {
-        text.append(" ").append(candidate.face.styleName);
+    std::string text = face.familyName;
+    if (!face.styleName.empty()) {
+        text.append(" ").append(face.styleName);
     }
-    text.append(" — ").append(technology(candidate.face.type)).append(", ");
+    text.append(" — ");
+    if (!candidate.reason.empty()) {
+        text.append(candidate.reason).append("; ");
+    }
+    text.append(technology(face.type)).append(", ");
+    if (!face.version.empty() && differ([](const FaceMatch& of) { return of.version; })) {
+        text.append("version ").append(face.version).append(", ");
+    }
+    if (!face.foundry.empty() && differ([](const FaceMatch& of) { return of.foundry; })) {
+        text.append(face.foundry).append(", ");
+    }
     text.append(std::to_string(styles)).append(styles == 1 ? " style, " : " styles, ");
     return text.append(candidate.container.path());
 }

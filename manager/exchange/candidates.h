@@ -15,36 +15,55 @@
 
 namespace manager {
 
-/// A container that holds the face.
+/// A container that holds the face, or one that comes near it.
 struct Candidate {
     FaceMatch face; ///< of several in the container the best
     Container container;
-    bool active = false;      ///< with this file, as the index has it
+    bool active = false; ///< with this file, as the index has it; or shown by the desktop anyway
     bool typeMatches = false; ///< of the wanted type; true when any will do
+    std::string reason = {};  ///< of one that only comes near: why it may do
 };
 
-/// Finds candidates; remembers containers for as long as one command is answered.
+/// What the library has for a font that is asked for, one candidate a container.
+struct Finding {
+    /// Of the face itself, in this order: active ones first, then those of the wanted type, newer
+    /// versions, OpenType before TrueType before Type 1, containers with more faces, lower numbers.
+    std::vector<Candidate> exact;
+    /// When nobody has the face: what comes near, the nearest first; a few.
+    std::vector<Candidate> near;
+
+    /// The container that is to be activated without asking: the only one, or the only one of the
+    /// type that `font` asks for. Null when there is none, or several.
+    [[nodiscard]] const Candidate* decided(const CommandFont& font) const;
+    /// Whether the user is to choose: several have the face, and none is active.
+    [[nodiscard]] bool isOpen(const CommandFont& font) const {
+        return !exact.empty() && !exact.front().active && decided(font) == nullptr;
+    }
+};
+
+/// Finds candidates by the rule of faces/matching.h; remembers containers for as long as one
+/// command is answered.
 class CandidateFinder {
 public:
     CandidateFinder(Library& library, const Activation& activation)
         : library_(library), activation_(activation) {}
 
-    /// By PostScript name; when that finds none, by family and style. One candidate a container, in
-    /// this order: active ones first, then those of the wanted type, then OpenType before TrueType
-    /// before Type 1, then containers with more faces, then lower numbers.
-    [[nodiscard]] std::vector<Candidate> find(const CommandFont& font);
+    /// Of containers with the same file, byte for byte, the best stands for all.
+    [[nodiscard]] Finding find(const CommandFont& font);
 
-    /// The faces of this PostScript name that the desktop shows already. Those in the sets of the
-    /// candidates are left out: whether they are the ones that the index means, Candidate::active
-    /// tells.
+    /// The faces that the desktop shows already, by the PostScript name that is asked for and by
+    /// those of the candidates. Those in the sets of the candidates are left out: whether they are
+    /// the ones that the index means, Candidate::active tells.
     [[nodiscard]] std::vector<DesktopFace> shown(const CommandFont& font,
                                                  const std::vector<Candidate>& candidates);
 
     /// nullopt: unknown, or without fonts.
     std::optional<Container> container(ContainerId id) { return holder(id).container; }
 
-    /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme".
-    [[nodiscard]] static std::string describe(const Candidate& candidate);
+    /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme"; with version and
+    /// foundry where these tell it from others `among` which it stands, and the reason.
+    [[nodiscard]] static std::string describe(const Candidate& candidate,
+                                              const std::vector<Candidate>& among);
 
 private:
     struct Holder {
@@ -52,6 +71,9 @@ private:
         std::set<std::string> activeFiles;
     };
     const Holder& holder(ContainerId id);
+    [[nodiscard]] std::optional<Candidate> candidate(const CommandFont& font, FaceMatch&& face);
+    [[nodiscard]] std::vector<Candidate> holders(const CommandFont& font,
+                                                 std::vector<FaceMatch> faces);
 
     Library& library_;
     const Activation& activation_;

@@ -33,6 +33,17 @@ std::string calledName(const CommandFont& asked) {
     return *asked.familyName + (asked.styleName ? " " + *asked.styleName : std::string());
 }
 
+/// What is told behind the name of a font that is not activated.
+std::string whyNothingIsDone(const Finding& held) {
+    if (!held.exact.empty()) {
+        return ": in " + std::to_string(held.exact.size()) + " containers, to be chosen from";
+    }
+    if (held.near.empty()) {
+        return ": not in the library";
+    }
+    return ": not in the library; near: " + CandidateFinder::describe(held.near.front(), held.near);
+}
+
 /// What an activation request is to activate.
 struct Choice {
     std::optional<Container> container;
@@ -80,20 +91,16 @@ private:
         ActivationBatch batch;
         bool showWindow = false;
         for (const CommandFont& font : command_.fonts) {
-            const auto& [candidates, shown] = found.emplace_back(lookUp(font));
-            showWindow = showWindow || candidates.size() > 1;
-            if (!shown.empty()) {
+            const auto& [held, shown] = found.emplace_back(lookUp(font));
+            if (!shown.empty() || (!held.exact.empty() && held.exact.front().active)) {
                 continue; // a second face of this name would make it a matter of luck which is seen
             }
-            if (candidates.size() == 1 && !candidates.front().active) {
-                batch.add(candidates.front().container);
-            } else if (candidates.empty()) {
-                answer_.undecided.push_back(calledName(font) + ": not in the library");
-            } else if (!candidates.front().active) {
-                answer_.undecided.push_back(calledName(font) + ": in " +
-                                            std::to_string(candidates.size()) +
-                                            " containers, to be chosen from");
+            if (const Candidate* const decided = held.decided(font)) {
+                batch.add(decided->container);
+                continue;
             }
+            showWindow = showWindow || held.isOpen(font) || !held.near.empty();
+            answer_.undecided.push_back(calledName(font) + whyNothingIsDone(held));
         }
         batch.run(library_, activation_, answer_);
         reply_.flag("showWindow", showWindow);
@@ -135,7 +142,7 @@ private:
                 (choice.holdsFont && first.succeeded(choice.container->id, choice.fileName))) {
                 continue;
             }
-            for (const Candidate& candidate : finder_.find(command_.fonts[i])) {
+            for (const Candidate& candidate : finder_.find(command_.fonts[i]).exact) {
                 const bool tried = first.holds(candidate.container.id);
                 if (tried && !first.succeeded(candidate.container.id, candidate.face.fileName)) {
                     continue;
@@ -172,13 +179,14 @@ private:
     }
 
     Found lookUp(const CommandFont& font) {
-        auto candidates = finder_.find(font);
-        auto shown = finder_.shown(font, candidates);
-        return {std::move(candidates), std::move(shown)};
+        Finding held = finder_.find(font);
+        auto shown = finder_.shown(font, held.exact);
+        return {std::move(held), std::move(shown)};
     }
 
     Choice choose(const CommandFont& font) {
-        const auto [candidates, shown] = lookUp(font);
+        const auto [held, shown] = lookUp(font);
+        const std::vector<Candidate>& candidates = held.exact;
         if (!shown.empty()) {
             return {{}, {}, true, true};
         }
@@ -202,10 +210,11 @@ private:
     void answerWithoutActing() {
         reply_.flag("showWindow", false);
         for (const CommandFont& font : command_.fonts) {
-            auto [candidates, shown] = lookUp(font);
+            auto [held, shown] = lookUp(font);
+            std::vector<Candidate>& candidates = held.exact;
             preferNamed(candidates, font);
             reply_.beginFont();
-            writeNames(reply_, font, candidates);
+            writeNames(reply_, font, held);
             if (!shown.empty() || !candidates.empty()) {
                 reply_.flag("isActive", !shown.empty() || candidates.front().active);
             }

@@ -8,13 +8,21 @@
 
 namespace manager {
 
-void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Candidate>& found) {
+void writeNames(ReplyText& reply, const CommandFont& asked, const Finding& held) {
+    const std::vector<Candidate>& found = held.exact;
     if (asked.syncId) {
         reply.element("syncID", *asked.syncId);
     }
-    // Of a font that nobody holds the type is not known, unless the command told it.
-    const std::optional<faces::Technology> type =
-        found.empty() ? asked.type : std::optional(found.front().face.type);
+    // Of a font that nobody holds the type is not known, unless the command told it. While it is
+    // open which is meant, no type is told that not all have: the next request would ask for it.
+    std::optional<faces::Technology> type = asked.type;
+    if (!found.empty() &&
+        (!held.isOpen(asked) || std::all_of(found.begin(), found.end(), [&](const Candidate& one) {
+            return one.face.type == found.front().face.type;
+        }))) {
+        const Candidate* const decided = held.decided(asked);
+        type = (decided != nullptr ? *decided : found.front()).face.type;
+    }
     if (type) {
         reply.element("type", typeKeyword(*type));
     }
@@ -36,7 +44,8 @@ void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Ca
 
 void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Found& found,
                           const ActivationBatch& batch) {
-    const auto& [candidates, shown] = found;
+    const auto& [held, shown] = found;
+    const std::vector<Candidate>& candidates = held.exact;
     const auto isActive = [&](const Candidate& candidate) {
         return batch.holds(candidate.container.id)
                    ? batch.succeeded(candidate.container.id, candidate.face.fileName)
@@ -54,7 +63,7 @@ void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Foun
                                     return one.typeMatches && isActive(one);
                                 });
     reply.beginFont();
-    writeNames(reply, asked, candidates);
+    writeNames(reply, asked, held);
     reply.flag("isActive", active);
     reply.element("typeMatchingCount",
                   std::count_if(candidates.begin(), candidates.end(), isMatching));
@@ -65,11 +74,14 @@ void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Foun
     if (!candidates.empty()) {
         reply.element("containerID", toText(candidates.front().container.id));
     }
-    if (candidates.size() == 1) {
+    if (held.decided(asked) != nullptr) {
         reply.flag("activationSuccessfull", active);
     }
-    for (const Candidate& candidate : candidates) {
-        reply.fontInfo(toText(candidate.container.id), CandidateFinder::describe(candidate));
+    for (const std::vector<Candidate>& listed : {candidates, held.near}) {
+        for (const Candidate& candidate : listed) {
+            reply.fontInfo(toText(candidate.container.id),
+                           CandidateFinder::describe(candidate, listed));
+        }
     }
     reply.endFont();
 }

@@ -13,12 +13,12 @@ namespace manager {
 
 /// What was found of a font asked for: in the library, and on the desktop beside it.
 struct Found {
-    std::vector<Candidate> candidates;
+    Finding held;
     std::vector<DesktopFace> shown;
 };
 
 /// What the font asked for is called, and how many containers hold it.
-void writeNames(ReplyText& reply, const CommandFont& asked, const std::vector<Candidate>& found);
+void writeNames(ReplyText& reply, const CommandFont& asked, const Finding& held);
 
 /// The whole font of the reply to a font request; `batch` is what the request activated.
 void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Found& found,

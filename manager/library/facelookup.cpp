@@ -5,7 +5,6 @@
 #include "faces/namekey.h"
 #include "manager/library/library.h"
 #include "manager/library/packing.h"
-#include "manager/library/stylewords.h"
 
 #include <algorithm>
 
@@ -189,32 +188,6 @@ std::vector<FaceMatch> Library::findByNormalisedFamily(std::string_view key) {
 
 std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
     return findByPostScriptKey(faces::postScriptKey(name));
-}
-
-std::vector<FaceMatch> Library::findByFamilyAndStyle(std::string_view family,
-                                                     std::string_view style) {
-    const std::string familyKey = faces::nameKey(family);
-    const std::vector<FaceMatch> all = findByFamily(familyKey);
-    const auto find = [&](const auto& isStyle) {
-        std::vector<FaceMatch> found;
-        std::copy_if(all.begin(), all.end(), std::back_inserter(found), [&](const FaceMatch& face) {
-            return std::any_of(face.names.begin(), face.names.end(), [&](const faces::Name& name) {
-                return faces::nameKey(name.family) == familyKey &&
-                       isStyle(faces::nameKey(name.style));
-            });
-        });
-        return found;
-    };
-    const std::string styleKey = faces::nameKey(style);
-    auto found = find([&](const std::string& key) { return key == styleKey; });
-    if (found.empty()) {
-        const std::string form = styleForm(styleKey);
-        found = find([&](const std::string& key) { return styleForm(key) == form; });
-    }
-    if (found.empty() && styleKey.empty()) {
-        found = find([](const std::string& key) { return key == "medium"; });
-    }
-    return found;
 }
 
 std::optional<FaceDetails> Library::face(FaceId id) {

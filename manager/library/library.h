@@ -129,11 +129,6 @@ public:
 
     /// The faces of a PostScript name; blanks do not count, case does.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
-    /// The faces of a family and style; case and blanks do not count, legacy families go with
-    /// legacy styles. When no face has just this style, those that say it in other words are
-    /// taken ("Book" for "Regular"). An empty style means the family's upright text face.
-    [[nodiscard]] std::vector<FaceMatch> findByFamilyAndStyle(std::string_view family,
-                                                              std::string_view style);
     /// Whether two faces lie in the same file, or in files with the same bytes. Compares them when
     /// all else is equal, once for as long as this object lives.
     [[nodiscard]] bool haveSameBytes(const FaceMatch& a, const FaceMatch& b);

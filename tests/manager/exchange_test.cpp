@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Commands answered over a real library and real activation.
+#include "manager/exchange/candidates.h"
+#include "tests/faces/matching_cases.h"
 #include "tests/manager/exchangefixture.h"
 
 #include <filesystem>
@@ -44,17 +46,23 @@ TEST_F(AnExchange, ActivatesAFontThatOneContainerHolds) {
 }
 
 TEST_F(AnExchange, AsksForTheWindowWhenSeveralContainersHoldAFont) {
-    const std::string asked = font({{"syncID", "1"}, {"psName", "Both"}, {"type", "TT"}});
+    FontRecipe newer{"Both", "Regular", "Both", true};
+    newer.revision = 0x28000;
+    add("w/both.ttf", newer);
+    add("z/copy.ttf", newer); // the same bytes are the same font
+    scan();
+    const std::string asked = font({{"syncID", "1"}, {"psName", "Both"}});
     const ReplyNode root = ask("fontRequest", asked);
     const ReplyNode& reply = *root.all("font").at(0);
     EXPECT_EQ(root.value("showWindow"), "1");
-    EXPECT_EQ(reply.value("count"), "2");
+    EXPECT_EQ(reply.value("count"), "3");
     EXPECT_EQ(reply.value("isActive"), "0");
-    EXPECT_EQ(reply.value("typeMatchingCount"), "1");
-    EXPECT_EQ(reply.value("type"), "TT");
-    EXPECT_EQ(reply.value("typeMatchingContainerID"), idOf("Both"));
-    EXPECT_THAT(reply.all("fontInfo"), SizeIs(2));
-    EXPECT_THAT(answer_.undecided, ElementsAre("Both: in 2 containers, to be chosen from"));
+    EXPECT_EQ(reply.value("type"), "(none)") << "it would be asked for by the next request";
+    EXPECT_EQ(reply.value("activationSuccessfull"), "(none)");
+    ASSERT_THAT(reply.all("fontInfo"), SizeIs(3));
+    EXPECT_THAT(reply.all("fontInfo").at(0)->value("value"),
+                HasSubstr("Both Regular — OpenType TrueType, version 2.5"));
+    EXPECT_THAT(answer_.undecided, ElementsAre("Both: in 3 containers, to be chosen from"));
     EXPECT_FALSE(answer_.changed);
 
     // The user's choice.
@@ -62,10 +70,77 @@ TEST_F(AnExchange, AsksForTheWindowWhenSeveralContainersHoldAFont) {
         "activationRequest", font({{"containerID", idOf("Both", 1)}, {"psName", "Both"}}));
     EXPECT_EQ(chosen.value("activationSuccessfull"), "1");
     EXPECT_EQ(chosen.value("containerID"), idOf("Both", 1));
-    const ReplyNode again = askForOne("fontRequest", asked);
-    EXPECT_EQ(again.value("isActive"), "1");
-    EXPECT_EQ(again.value("isTypeMatchingActive"), "0");
-    EXPECT_EQ(again.value("containerID"), idOf("Both", 1)) << "the active one comes first";
+    const ReplyNode again = ask("fontRequest", asked);
+    EXPECT_EQ(again.value("showWindow"), "0");
+    EXPECT_EQ(again.all("font").at(0)->value("isActive"), "1");
+    EXPECT_EQ(again.all("font").at(0)->value("containerID"), idOf("Both", 1))
+        << "the active one comes first";
+}
+
+TEST_F(AnExchange, TakesTheOnlyContainerOfTheTypeAskedFor) {
+    const ReplyNode root =
+        ask("fontRequest", font({{"syncID", "1"}, {"psName", "Both"}, {"type", "TT"}}));
+    const ReplyNode& reply = *root.all("font").at(0);
+    EXPECT_EQ(root.value("showWindow"), "0");
+    EXPECT_EQ(reply.value("count") + reply.value("typeMatchingCount"), "21");
+    EXPECT_EQ(reply.value("isActive") + reply.value("isTypeMatchingActive"), "11");
+    EXPECT_EQ(reply.value("activationSuccessfull"), "1");
+    EXPECT_EQ(reply.value("type"), "TT");
+    EXPECT_EQ(reply.value("typeMatchingContainerID"), idOf("Both"));
+}
+
+TEST_F(AnExchange, TellsWhatComesNearWithoutSayingThatItIsHeld) {
+    const std::string asked = font({{"syncID", "1"},
+                                    {"psName", "Lato-SemiBold"},
+                                    {"familyName", "Lato"},
+                                    {"styleName", "SemiBold"}});
+    const std::string id = idOf("Lato-Bold");
+    for (const bool isActive : {false, true}) {
+        const ReplyNode root = ask("fontRequest", asked);
+        const ReplyNode& reply = *root.all("font").at(0);
+        EXPECT_EQ(root.value("showWindow"), "1");
+        EXPECT_EQ(reply.value("count"), "0");
+        EXPECT_EQ(reply.value("isActive"), "0");
+        EXPECT_EQ(reply.value("styleName"), "SemiBold");
+        for (const char* absent : {"containerID", "typeMatchingContainerID", "type"}) {
+            EXPECT_EQ(reply.value(absent), "(none)") << absent;
+        }
+        ASSERT_THAT(reply.all("fontInfo"), SizeIs(1));
+        EXPECT_EQ(reply.all("fontInfo").at(0)->value("name"), id);
+        EXPECT_THAT(reply.value("fontInfo"),
+                    HasSubstr("Lato Bold — same family, Bold instead of SemiBold; OpenType"));
+        EXPECT_THAT(answer_.undecided,
+                    ElementsAre(HasSubstr("not in the library; near: Lato Bold")));
+        EXPECT_FALSE(answer_.changed);
+        // It is activated where the user names it, and is not the font for that.
+        if (!isActive) {
+            const ReplyNode unnamed = ask("activationRequest", font({{"psName", "Lato-SemiBold"}}));
+            EXPECT_EQ(unnamed.all("font").at(0)->value("isActive"), "0");
+            const ReplyNode named = askForOne(
+                "activationRequest", font({{"containerID", id}, {"psName", "Lato-SemiBold"}}));
+            EXPECT_EQ(named.value("activationSuccessfull"), "1");
+        }
+    }
+}
+
+TEST(TheLookUp, FindsWhatTheTableOfMatchingSays) {
+    for (const facestest::MatchingCase& c : facestest::matchingCases()) {
+        const Sandbox sandbox;
+        for (const facestest::HeldFace& held : c.held) {
+            sandbox.write(held.postScriptName + ".ttf", makeFont(recipeOf(held)));
+        }
+        Library library(sandbox.places());
+        updateLibrary(library, std::vector{sandbox.library()}, FontReaderLimits{});
+        const Activation activation(sandbox.places());
+        CommandFont font;
+        font.postScriptName = c.wanted.postScriptName;
+        font.familyName = c.wanted.family;
+        font.styleName = c.wanted.style;
+        const Finding finding = CandidateFinder(library, activation).find(font);
+        EXPECT_EQ(finding.exact.empty() ? "" : finding.exact.front().face.postScriptName, c.exact)
+            << c.what;
+        EXPECT_EQ(finding.near.empty() ? "" : finding.near.front().reason, c.near) << c.what;
+    }
 }
 
 TEST_F(AnExchange, FindsByFamilyAndStyleWhatNoPostScriptNameDoes) {

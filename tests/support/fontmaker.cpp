@@ -135,6 +135,7 @@ Tables tablesOf(const FontRecipe& recipe) {
     tables["name"] = nameTable(recipe);
     tables["OS/2"].replace(4, 4, u16(recipe.weight) + u16(recipe.widthClass));
     tables["OS/2"].replace(62, 2, u16(recipe.italic ? 0x01 : 0x40)); // regular otherwise
+    tables["head"].replace(4, 4, u32(recipe.revision));
     tables["head"].replace(44, 2, u16(recipe.italic ? 0x02 : 0));
     if (recipe.layout) {
         // One script without features.

@@ -34,6 +34,7 @@ struct FontRecipe {
     std::size_t weight = 400;
     std::size_t widthClass = 5; ///< 1 to 9, from ultra-condensed to ultra-expanded
     bool italic = false;
+    std::size_t revision = 0x10000; ///< 16.16
     /// Further family names with their Windows language; the style stays without a translation.
     std::map<std::size_t, std::string> translatedFamilies = {};
     std::vector<RawName> names = {}; ///< all the records, in place of those that the others make
