@@ -33,7 +33,8 @@ FontReaderLimits readerLimits() {
 UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) {
     makeFolders(places.own());
     const FileLock lock(places.scanLock(), longestScan);
-    const auto library = openForUse(places);
+    const auto library = openLibrary(
+        places, [&] { return containersOnDisk(places); }, warn, IndexCheck::WhenUnclean);
     const bool owed = library->isScanOwed();
     const std::vector<std::string> folders = readFolders(places);
     UpdateProgress progress;

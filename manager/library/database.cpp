@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <glib.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -111,26 +112,53 @@ bool Statement::isNull(int column) const {
 }
 
 Database::Database(const std::string& path, MissingFile missing) : path_(path) {
+    if (isReadOnly(path)) {
+        open(immutableUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+        return;
+    }
+    try {
+        open(path,
+             SQLITE_OPEN_READWRITE | (missing == MissingFile::IsMade ? SQLITE_OPEN_CREATE : 0));
+        // A log beside the file lets the server read while a scan writes.
+        run("PRAGMA journal_mode=WAL");
+        run("PRAGMA synchronous=NORMAL");
+        run("PRAGMA foreign_keys=ON");
+    } catch (const DamagedDatabase&) {
+        throw;
+    } catch (const Error&) {
+        if (!may(R_OK, path)) {
+            throw;
+        }
+        openWithoutSpace();
+    }
+}
+
+void Database::open(const std::string& name, int flags) {
+    handle_.reset();
     sqlite3* handle = nullptr;
-    const bool readOnly = isReadOnly(path);
-    const int writing =
-        SQLITE_OPEN_READWRITE | (missing == MissingFile::IsMade ? SQLITE_OPEN_CREATE : 0);
-    const int code = sqlite3_open_v2((readOnly ? immutableUri(path) : path).c_str(), &handle,
-                                     (readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : writing) |
-                                         SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
+    const int code = sqlite3_open_v2(name.c_str(), &handle,
+                                     flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     handle_.reset(handle);
     if (code != SQLITE_OK) {
         fail(code);
     }
     sqlite3_busy_timeout(handle, 10'000);
-    if (readOnly) {
-        return;
+}
+
+// On a full disk there is no room for what connections share about the log. What the log holds is
+// read by one connection alone; where there is none, the file is all.
+void Database::openWithoutSpace() {
+    struct stat log {};
+    const bool hasLog = stat((path_ + "-wal").c_str(), &log) == 0 && log.st_size > 0;
+    if (hasLog) {
+        open(path_, SQLITE_OPEN_READWRITE);
+        run("PRAGMA locking_mode=EXCLUSIVE");
+        run("PRAGMA query_only=ON");
+    } else {
+        open(immutableUri(path_), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     }
-    // A log beside the file lets the server read while a scan writes.
-    run("PRAGMA journal_mode=WAL");
-    run("PRAGMA synchronous=NORMAL");
-    run("PRAGMA foreign_keys=ON");
+    run("SELECT count(*) FROM sqlite_master");
+    withoutSpace_ = true;
 }
 
 void Database::run(const char* sql) {
@@ -151,6 +179,7 @@ void Database::fail(int code) const {
         text.append(": ").append(std::generic_category().message(reason));
     }
     if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
+        unlink((path_ + soundMark).c_str()); // whoever opens it next looks at all of it
         throw DamagedDatabase(text);
     }
     throw Error(text);

@@ -18,6 +18,10 @@ public:
     using Error::Error;
 };
 
+/// Ends the name of the file beside a database that tells when it was last known to be sound. It is
+/// removed when damage is met.
+constexpr const char* soundMark = ".sound";
+
 class Database;
 
 /// A prepared statement, for repeated use: bind, step, read, reset. Not to outlive its database.
@@ -73,22 +77,28 @@ enum class MissingFile { IsMade, IsAnError };
 /// [one-thread] One connection. Waits up to ten seconds for another writer.
 class Database {
 public:
-    /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to
-    /// it can be read only.
+    /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to,
+    /// or on a full disk, it can be read only.
     explicit Database(const std::string& path, MissingFile missing = MissingFile::IsMade);
 
     void run(const char* sql);
     [[nodiscard]] std::int64_t lastRow() const { return sqlite3_last_insert_rowid(handle_.get()); }
     [[nodiscard]] const std::string& path() const { return path_; }
+    /// Whether it could be opened for reading only, for want of space, and sees no changes.
+    [[nodiscard]] bool isWithoutSpace() const { return withoutSpace_; }
     [[nodiscard]] sqlite3* handle() const { return handle_.get(); }
     /// Throws the error of a call that did not succeed, with the system's reason where it has one.
     [[noreturn]] void fail(int code) const;
 
 private:
+    void open(const std::string& name, int flags);
+    void openWithoutSpace();
+
     struct Closer {
         void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
     };
     std::string path_;
+    bool withoutSpace_ = false;
     std::unique_ptr<sqlite3, Closer> handle_;
 };
 

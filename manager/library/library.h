@@ -166,10 +166,15 @@ public:
     /// nothing about what the folders hold then.
     [[nodiscard]] bool isScanOwed();
 
-    /// Whether the index file was replaced since it was opened; open anew then.
+    /// Whether the index file was replaced since it was opened, or could be opened for want of
+    /// space only as it was then; open anew then.
     [[nodiscard]] bool isReplaced() const;
     /// Reads the whole index. Throws DamagedDatabase.
     void check();
+    /// Whether the index file is as it was when it was last known to be sound.
+    [[nodiscard]] bool isVouchedFor() const;
+    /// Marks the index as sound as it is now; to be called when a change has ended well.
+    void vouch();
 
     /// While it lives, look-ups are of one moment, and faster: to be had for a command.
     [[nodiscard]] Reading reading() { return Reading(database_); }
@@ -194,12 +199,19 @@ private:
     std::map<std::pair<std::string, std::string>, bool> comparedFiles_;
 };
 
+/// When an opened index is read as a whole, which takes time.
+enum class IndexCheck {
+    WhenSuspect, ///< when damage was met, or the file is cut short
+    WhenUnclean, ///< also when a change did not end well, or others may have written to the file
+};
+
 /// Opens the library. A missing index is begun with the numbers of the `known` containers. A
 /// damaged one is moved aside, which `report` is told in one line, and begun anew in the same way,
 /// with the old numbers of the other containers as far as they can be read. Both functions are
 /// called in this thread, before it returns. See Library::isScanOwed.
 [[nodiscard]] std::unique_ptr<Library>
 openLibrary(const Places& places, const KnownContainers& known,
-            const std::function<void(const std::string&)>& report);
+            const std::function<void(const std::string&)>& report,
+            IndexCheck check = IndexCheck::WhenSuspect);
 
 } // namespace manager

@@ -133,6 +133,7 @@ public:
             },
             read);
         writePortion(Portion::Last);
+        library_.vouch();
         return std::move(report_);
     }
 

@@ -5,11 +5,13 @@
 #include "tests/manager/sandbox.h"
 #include "tests/support/fontmaker.h"
 
+#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -41,10 +43,10 @@ protected:
         }
         return result;
     }
-    std::unique_ptr<Library> open() {
+    std::unique_ptr<Library> open(IndexCheck check = IndexCheck::WhenUnclean) {
         return openLibrary(
             sandbox_.places(), [this] { return known_; },
-            [this](const std::string& text) { reports_.push_back(text); });
+            [this](const std::string& text) { reports_.push_back(text); }, check);
     }
 
     Sandbox sandbox_;
@@ -265,6 +267,86 @@ TEST_F(ALibrary, OfANewerVersionOrAnotherProgramIsLeftAlone) {
         database.run("PRAGMA application_id=1");
     }
     EXPECT_THROW(open(), Error);
+    EXPECT_THAT(reports_, IsEmpty());
+}
+
+// Cut anywhere, it is noticed when it is opened; damaged in place, when it is met or scanned.
+TEST_F(ALibrary, IsReadAsAWholeOnlyWhereItMayBeDamaged) {
+    add("a/one.ttf", {});
+    scan();
+    const auto before = ids();
+    library_.reset();
+    const std::string path = sandbox_.places().database();
+    const std::string whole = readBytes(path);
+    const auto put = [&](std::string_view bytes) {
+        library_.reset();
+        std::filesystem::remove(path + "-wal");
+        std::filesystem::remove(path + "-shm");
+        writeBytes(path, bytes);
+        reports_.clear();
+    };
+    for (std::size_t length = 1; length < whole.size(); length += length < 4096 ? 509 : 4096) {
+        put(std::string_view(whole).substr(0, length));
+        library_ = open(IndexCheck::WhenSuspect);
+        EXPECT_THAT(reports_, SizeIs(1)) << length;
+        EXPECT_TRUE(library_->isScanOwed()) << length;
+    }
+
+    std::string damaged = whole;
+    damaged.replace(whole.find("TestSans-Regular") / 4096 * 4096, 8, 8, '\xFF');
+    put(damaged);
+    library_ = open(IndexCheck::WhenSuspect);
+    EXPECT_THAT(reports_, IsEmpty());
+    EXPECT_FALSE(library_->isVouchedFor());
+    EXPECT_THROW(static_cast<void>(library_->search({})), DamagedDatabase);
+    library_.reset();
+    library_ = open(IndexCheck::WhenSuspect);
+    EXPECT_THAT(reports_, SizeIs(1));
+    scan();
+    EXPECT_TRUE(library_->isVouchedFor());
+    EXPECT_EQ(ids(), before);
+
+    put(damaged);
+    library_ = open(IndexCheck::WhenUnclean);
+    EXPECT_THAT(reports_, SizeIs(1));
+}
+
+TEST_F(ALibrary, CanBeReadOnAFullDisk) {
+    add("a/one.ttf", {});
+    scan();
+    const std::string path = sandbox_.places().database();
+    for (const bool withLog : {false, true}) {
+        if (withLog) { // as a process leaves it that is killed
+            add("a/two.ttf", {"Two", "Regular", "Two"});
+            scan();
+            for (const char* part : {"", "-wal"}) {
+                std::filesystem::copy_file(path + part, path + part + "-copy");
+            }
+            library_.reset();
+            for (const char* part : {"", "-wal"}) {
+                std::filesystem::rename(path + part + "-copy", path + part);
+            }
+        }
+        library_.reset();
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before{};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit nothing{0, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &nothing);
+        try {
+            library_ = open(IndexCheck::WhenSuspect);
+            EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(1));
+            EXPECT_THAT(library_->findByPostScriptName("Two"), SizeIs(withLog ? 1 : 0));
+            EXPECT_TRUE(library_->isReplaced()) << "to be opened anew once there is room";
+        } catch (const Error& error) {
+            ADD_FAILURE() << error.what();
+        }
+        library_.reset();
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+        library_ = open();
+        EXPECT_FALSE(library_->isReplaced());
+    }
     EXPECT_THAT(reports_, IsEmpty());
 }
 
