@@ -123,4 +123,3 @@ TEST(AHexDump, ShowsRowsOfBytesAndMarksTheEndOnce) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
     }
 }
-

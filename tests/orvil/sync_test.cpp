@@ -94,7 +94,6 @@ namespace {
 class Sleepers {
 public:
     Sleepers(const SynchEvent& event, int count) {
-        threads_.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             std::atomic<pid_t> id = 0;
             threads_.emplace_back([this, &event, &id] {
@@ -108,13 +107,6 @@ public:
             }
         }
     }
-    Sleepers(const Sleepers&) = delete;
-    Sleepers& operator=(const Sleepers&) = delete;
-    ~Sleepers() {
-        for (std::thread& thread : threads_) {
-            thread.join();
-        }
-    }
 
     void awaitWoken(int count) const {
         while (woken_ < count) {
@@ -124,7 +116,7 @@ public:
 
 private:
     std::atomic<int> woken_ = 0;
-    std::vector<std::thread> threads_;
+    std::vector<std::jthread> threads_;
 };
 
 } // namespace

@@ -12,8 +12,6 @@
 class Task : public Orvil::Thread {
 public:
     explicit Task(std::function<int(Task&)> work) : work_(std::move(work)) {}
-    Task(const Task&) = delete;
-    Task& operator=(const Task&) = delete;
     ~Task() override { destroy(); }
 
     int run() override { return work_(*this); }

@@ -103,8 +103,6 @@ public:
         destroy();
         ended_.inc();
     }
-    SharedThread(const SharedThread&) = delete;
-    SharedThread& operator=(const SharedThread&) = delete;
     int run() override {
         for (;;) {
             sleep(1);
@@ -143,8 +141,6 @@ public:
         self_ = this;
     }
     ~SelfHeldThread() override { destroy(); }
-    SelfHeldThread(const SelfHeldThread&) = delete;
-    SelfHeldThread& operator=(const SelfHeldThread&) = delete;
     int run() override {
         struct AtEnd {
             Semaphore& ended;

@@ -5,6 +5,7 @@
 
 #include "misc/text/utf.h"
 
+#include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <cstddef>
@@ -86,21 +87,14 @@ Step read(const Units& source, std::size_t at, ConversionFlags flags) {
 
 template <typename Unit>
 Units written(std::uint32_t value) {
-    if (sizeof(Unit) == 1 && value >= 0x80) {
-        Units bytes;
-        std::uint32_t rest = value;
-        const std::size_t length = value < 0x800 ? 2 : value < 0x10000 ? 3 : 4;
-        for (; bytes.size() + 1 < length; rest /= 64) {
-            bytes.insert(bytes.begin(), 0x80 + rest % 64);
-        }
-        static constexpr std::uint32_t marks[] = {0, 0, 0xC0, 0xE0, 0xF0};
-        bytes.insert(bytes.begin(), marks[length] + rest);
-        return bytes;
+    std::uint32_t units[4] = {value};
+    std::ptrdiff_t count = sizeof(Unit) == 4 ? 1 : 0;
+    if constexpr (sizeof(Unit) == 1) {
+        U8_APPEND_UNSAFE(units, count, value);
+    } else if constexpr (sizeof(Unit) == 2) {
+        U16_APPEND_UNSAFE(units, count, value);
     }
-    if (sizeof(Unit) == 2 && value >= 0x10000) {
-        return {0xD800 + (value - 0x10000) / 0x400, 0xDC00 + value % 0x400};
-    }
-    return {value};
+    return {units, units + count};
 }
 
 template <typename Source, typename Target>

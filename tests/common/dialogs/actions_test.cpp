@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the buttons and a double click send, and what a replacement does.
 #include "dialogfixture.h"
+#include "tests/support/foldedreply.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -12,21 +13,11 @@ namespace {
 /// A font of a command as "PSNAME CONTAINER", fonts divided by commas.
 std::string fontsOf(const std::string& command) {
     std::string result;
-    std::size_t at = 0;
-    const auto element = [&](const std::string& font, const std::string& name) {
-        const std::size_t begin = font.find("<" + name + ">");
-        return begin == std::string::npos
-                   ? std::string()
-                   : font.substr(begin + name.size() + 2,
-                                 font.find("</" + name + ">") - begin - name.size() - 2);
-    };
-    while ((at = command.find("<font>", at)) != std::string::npos) {
-        const std::size_t end = command.find("</font>", at);
-        const std::string font = command.substr(at, end - at);
-        const std::string container = element(font, "containerID");
-        result += (result.empty() ? "" : ", ") + element(font, "psName") +
-                  (container.empty() ? "" : " " + container);
-        at = end;
+    const testsupport::ReplyNode folded = testsupport::parseFolded(command);
+    for (const testsupport::ReplyNode* const font : folded.all("font")) {
+        const bool hasContainer = !font->all("containerID").empty();
+        result += (result.empty() ? "" : ", ") + font->value("psName") +
+                  (hasContainer ? " " + font->value("containerID") : "");
     }
     return result;
 }

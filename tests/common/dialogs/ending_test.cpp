@@ -94,14 +94,6 @@ protected:
     }
 };
 
-TEST_F(AFailure, OfTheFirstQuestionComesOutOfTheCheck) {
-    platform.answers = {platform.answers[0], platform.answers[0], badAnswer()};
-    const auto [error, printed] = check({});
-    view.runs.clear();
-    EXPECT_EQ(error, kUnhandledMsgErr);
-    EXPECT_THAT(printed, printsTheFailure());
-}
-
 TEST_F(AFailure, OfLaterNewsEndsTheDialogAndComesOutOfTheCheck) {
     const scripted::Answer good = platform.answers[0];
     for (const bool byEvent : {false, true}) {
