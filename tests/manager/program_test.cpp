@@ -281,8 +281,8 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
 }
 
 TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
-    sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
-    sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
+    sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
+    sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
     expectEach({
         {{"add", "/absent", sandbox_.library()}, 3, "added " + sandbox_.library()},
         {{"activate", "Twice", "LATO*"}, 3, "in several containers, give the number of one: 2 3"},
