@@ -177,7 +177,7 @@ TEST(TheStringListsOfABundle, AreReadFromItsFolder) {
 namespace host::test {
 namespace {
 
-TEST(ATranslation, IsOfExactlyTheLocaleThatPluginsAreToldAndLeavesOtherTexts) {
+TEST(ATranslation, IsOfExactlyTheLocaleThatPluginsAreTold) {
     chooseLanguage("de_DE");
     for (const char* const text : {"", "of no catalogue", "%s", "\xC3\xA4"}) {
         EXPECT_EQ(translated(text), text);
