@@ -62,6 +62,7 @@ public:
     }
 
     std::string run() {
+        const Reading together = library_.reading();
         switch (command_.kind) {
         case CommandKind::FontRequest:
             answerFontRequest();

@@ -165,7 +165,10 @@ Library::Library(const Places& places, const TableFiller& fill, MissingFile miss
                         "JOIN family ON family.id = name.family WHERE name.face = ? "
                         "ORDER BY name.position"),
       fullNames_(database_, "SELECT name FROM full_name WHERE face = ? ORDER BY position"),
-      container_(database_, (std::string(containerColumns) + "WHERE container.id = ?").c_str()) {}
+      container_(database_, (std::string(containerColumns) + "WHERE container.id = ?").c_str()),
+      files_(database_, "SELECT directory.path, file.name, size, changed, inode FROM file "
+                        "JOIN directory ON directory.id = file.directory "
+                        "WHERE container = ? AND spare = 0 ORDER BY file.name") {}
 
 std::optional<Container> Library::container(ContainerId id) {
     const StatementUse use(container_);
@@ -177,14 +180,12 @@ std::optional<Container> Library::container(ContainerId id) {
 }
 
 std::vector<LibraryFile> Library::files(ContainerId id) {
-    Statement statement(database_, "SELECT directory.path, file.name, size, changed, inode "
-                                   "FROM file JOIN directory ON directory.id = file.directory "
-                                   "WHERE container = ? AND spare = 0 ORDER BY file.name");
-    statement.bind(1, static_cast<std::int64_t>(id));
+    const StatementUse use(files_);
+    files_.bind(1, static_cast<std::int64_t>(id));
     std::vector<LibraryFile> files;
-    while (statement.step()) {
-        files.push_back({joinPath(statement.text(0), statement.text(1)),
-                         {statement.number(2), statement.number(3), statement.number(4)}});
+    while (files_.step()) {
+        files.push_back({joinPath(files_.text(0), files_.text(1)),
+                         {files_.number(2), files_.number(3), files_.number(4)}});
     }
     return files;
 }

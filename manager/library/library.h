@@ -196,6 +196,7 @@ private:
     Statement names_;
     Statement fullNames_;
     Statement container_;
+    Statement files_;
     std::map<std::pair<std::string, std::string>, bool> comparedFiles_;
 };
 
