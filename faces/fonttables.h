@@ -27,8 +27,7 @@ public:
     /// OS/2 sFamilyClass, its upper half; 0: not told.
     [[nodiscard]] unsigned familyClass() const;
     [[nodiscard]] Coverage coverage() const;
-    /// Writes style, revision, foundry (where that is empty), embedding, PANOSE, features and
-    /// whether the font says that it is monospaced.
+    /// Writes style, revision, foundry (where that is empty), embedding, PANOSE and features.
     void fill(Face& face) const;
 
 private:

@@ -98,7 +98,6 @@ NameTable::NameTable(FT_Face face, Extent extent, NameDecoder& decoder) {
             continue;
         }
         const auto id = static_cast<NameId>(record.name_id);
-        // Two bytes a letter: half of what is left after decoding, or more.
         if (!isWanted(id, extent) || record.string_len > (isText(id) ? maximumText : maximumName)) {
             continue;
         }
