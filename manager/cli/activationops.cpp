@@ -81,6 +81,7 @@ void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
     if (std::any_of(outcomes.begin(), outcomes.end(),
                     [](const ActivationOutcome& outcome) { return outcome.changed; })) {
         postLibraryChanged();
+        tellDisplay();
     }
 }
 

@@ -4,9 +4,12 @@
 
 #include "manager/cli/activationops.h"
 #include "manager/cli/announce.h"
+#include "manager/cli/collectops.h"
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
+#include "manager/cli/searchops.h"
+#include "manager/cli/searchoptions.h"
 #include "manager/cli/server.h"
 #include "manager/cli/settling.h"
 #include "manager/cli/tally.h"
@@ -32,6 +35,8 @@ namespace {
 struct Options {
     std::vector<std::string> names;
     std::string group;
+    std::string to;
+    SearchOptions search;
     std::int64_t seconds = 0;
     bool untilLogout = false;
     bool json = false;
@@ -117,6 +122,21 @@ private:
                     return scanCommand(places, options_.quiet, options_.json);
                 })
             ->add_flag("--quiet", options_.quiet, "Print new problems alone");
+        addSearch();
+        addNames(*command("info", "Tell everything about faces",
+                          [this](const Places& places) {
+                              return infoCommand(places, options_.names, options_.json);
+                          }),
+                 "container", nameHelp)
+            ->required();
+        command("duplicates", "List files with the same bytes",
+                [this](const Places& places) { return duplicatesCommand(places, options_.json); });
+        CLI::App* collect =
+            command("collect", "Copy fonts to a new folder", [this](const Places& places) {
+                return collectCommand(places, options_.names, options_.to, options_.json);
+            });
+        collect->add_option("--to", options_.to, "The folder to make")->required();
+        addNames(*collect, "container", nameHelp)->required();
         CLI::App* list = command("list", "List the recorded folders", [this](const Places& places) {
             return listCommand(places, options_.json         ? Listing::Json
                                        : options_.containers ? Listing::Containers
@@ -125,6 +145,13 @@ private:
         });
         list->add_flag("--containers", options_.containers, "List what the folders hold");
         list->add_flag("--problems", options_.problems, "List the files that are no fonts");
+    }
+
+    void addSearch() {
+        CLI::App* search = command("search", "Find faces of the library", [this](const Places& p) {
+            return searchCommand(p, options_.search.query(), options_.json);
+        });
+        options_.search.addTo(*search);
     }
 
     void addServerCommands() {
@@ -176,7 +203,10 @@ private:
                                return settleCommand(places, options_.names);
                            }),
                  "word", "The process, and its containers");
-        app_.get_subcommand("settle")->group("");
+        jsonless(app_, "kick", "Tell programs", [](const Places&) { return kickCommand(); });
+        for (const char* own : {"settle", "kick"}) {
+            app_.get_subcommand(own)->group("");
+        }
     }
 
     void addGroupCommands(GroupKind kind, const char* help) {

@@ -23,11 +23,11 @@ using Json = nlohmann::ordered_json;
 
 bool isSamePlace(const GroupMember& a, const GroupMember& b) {
     return faces::nameKey(a.name) == faces::nameKey(b.name) && a.folder == b.folder &&
-           a.file == b.file;
+           a.file == b.file && a.format == b.format;
 }
 
 GroupMember memberOf(const Container& container) {
-    return {container.id, container.name, container.folder, container.file};
+    return {container.id, container.name, container.folder, container.file, container.format};
 }
 
 std::string pathOf(const GroupMember& member) {

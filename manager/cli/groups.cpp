@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Field lines: a header, a line of kind and name for each group, and after it a "container" line of
-// number, name, folder and file for each member.
+// number, name, folder, file and format for each member.
 #include "manager/cli/groups.h"
 
 #include "manager/library/error.h"
@@ -19,6 +19,9 @@ namespace {
 
 constexpr std::string_view header = "glyphora-groups 1";
 constexpr std::size_t maximumLength = std::size_t{64} << 20U;
+/// By their numbers.
+constexpr std::array<std::string_view, 4> formats = {"type1", "truetype", "postscript",
+                                                     "collection"};
 constexpr std::array kinds = {GroupKind::Collection, GroupKind::Tag};
 
 std::string pathOf(const Places& places) {
@@ -32,12 +35,19 @@ bool readLine(std::string_view line, Groups& groups) {
     }
     auto& parts = *fields;
     if (parts[0] == "container") {
-        const auto id = parts.size() == 5 ? toContainerId(parts[1]) : std::nullopt;
+        const auto id = parts.size() == 6 ? toContainerId(parts[1]) : std::nullopt;
         if (!id || groups.empty()) {
             return false;
         }
+        const auto* const format = std::find(formats.begin(), formats.end(), parts[5]);
+        if (format == formats.end() && !parts[5].empty()) {
+            return false;
+        }
         groups.back().members.push_back(
-            {*id, std::move(parts[2]), std::move(parts[3]), std::move(parts[4])});
+            {*id, std::move(parts[2]), std::move(parts[3]), std::move(parts[4]),
+             format == formats.end()
+                 ? std::nullopt
+                 : std::optional(static_cast<FontFormat>(format - formats.begin()))});
         return true;
     }
     const auto* const kind = std::find_if(kinds.begin(), kinds.end(), [&](GroupKind candidate) {
@@ -55,8 +65,9 @@ std::string textOf(const Groups& groups) {
     text += '\n';
     for (const Group& group : groups) {
         text += joinFields({wordOf(group.kind), group.name});
-        for (const auto& [id, name, folder, file] : group.members) {
-            text += joinFields({"container", toText(id), name, folder, file});
+        for (const auto& [id, name, folder, file, format] : group.members) {
+            text += joinFields({"container", toText(id), name, folder, file,
+                                format ? formats.at(static_cast<std::size_t>(*format)) : ""});
         }
     }
     return text;
@@ -117,7 +128,9 @@ std::optional<GroupTitle> toGroupTitle(std::string_view text) {
 }
 
 std::optional<ContainerId> currentNumber(Library& library, const GroupMember& member) {
-    return library.findPlace({member.id, member.name, member.folder, member.file});
+    Container place{member.id, member.name, member.folder, member.file};
+    place.format = member.format;
+    return library.findPlace(place);
 }
 
 } // namespace manager

@@ -23,6 +23,7 @@ struct GroupMember {
     std::string name; ///< as in Container, and so the rest
     std::string folder;
     std::string file;
+    std::optional<FontFormat> format;
 };
 
 struct Group {

@@ -5,6 +5,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/settling.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 
@@ -95,6 +96,7 @@ void Server::tellOthers() {
     }
     changed_ = false;
     postLibraryChanged();
+    tellDisplay();
     std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
 }
 

@@ -4,20 +4,22 @@
 #include "manager/cli/settling.h"
 
 #include "manager/cli/arguments.h"
+#include "manager/cli/fonttimestamp.h"
 #include "manager/cli/report.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
 
+#include <algorithm>
 #include <chrono>
-#include <fcntl.h>
+#include <cstdlib>
+#include <glib.h>
+#include <iterator>
 #include <optional>
-#include <spawn.h>
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
-
-extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace manager {
 
@@ -26,37 +28,58 @@ namespace {
 // Other programs compare times in whole seconds.
 constexpr std::chrono::milliseconds settleDelay{1100};
 
-} // namespace
+// A second change comes after the folder was marked anew, at the latest.
+constexpr std::chrono::milliseconds kickDelay{1400};
+// What programs have to read the setting before it goes.
+constexpr std::chrono::milliseconds readingTime{500};
 
-void settleLater(std::span<const ContainerId> changed) {
-    std::vector<std::string> words = {"glyphora", "settle", std::to_string(getpid())};
-    for (const ContainerId id : changed) {
-        words.push_back(toText(id));
-    }
+/// Between fork and exec: nothing but async-signal-safe calls. An interrupt is not meant for it.
+void leaveSession(gpointer /*data*/) {
+    setsid();
+}
+
+// Who reads this command's output through a pipe must not wait for it.
+void startDetached(std::vector<std::string> words) {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_t files;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID); // an interrupt is not meant for it
-    posix_spawn_file_actions_init(&files);
-    // Who reads this command's output through a pipe must not wait for it.
-    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        posix_spawn_file_actions_addopen(&files, descriptor, "/dev/null", O_RDWR, 0);
+    // Without G_SPAWN_DO_NOT_REAP_CHILD it is nobody's to reap; all descriptors are closed in it.
+    constexpr auto flags = static_cast<GSpawnFlags>(
+        G_SPAWN_FILE_AND_ARGV_ZERO | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+    GError* error = nullptr;
+    if (g_spawn_async(nullptr, arguments.data(), nullptr, flags, leaveSession, nullptr, nullptr,
+                      &error) == 0) {
+        warn(words[2] + ": cannot be started: " + error->message);
+        g_error_free(error);
     }
-    posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
-    pid_t process = -1;
-    const int code =
-        posix_spawn(&process, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&files);
-    posix_spawnattr_destroy(&attributes);
-    if (code != 0) {
-        warn(systemError("settle", "cannot be started", code).what());
+}
+
+} // namespace
+
+void settleLater(std::span<const ContainerId> changed) {
+    std::vector<std::string> words = {"/proc/self/exe", "glyphora", "settle",
+                                      std::to_string(getpid())};
+    std::transform(changed.begin(), changed.end(), std::back_inserter(words), toText);
+    startDetached(std::move(words));
+}
+
+void tellDisplay() {
+    if (std::getenv("DISPLAY") != nullptr) {
+        startDetached({"/proc/self/exe", "glyphora", "kick"});
     }
+}
+
+int kickCommand() {
+    FontTimestamp timestamp;
+    if (timestamp.isOffered()) {
+        std::this_thread::sleep_for(kickDelay);
+        timestamp.change();
+        std::this_thread::sleep_for(readingTime);
+    }
+    return exitSuccess;
 }
 
 int settleCommand(const Places& places, const std::vector<std::string>& words) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The second step of a change of what is active, left to a process of its own, so that a command
-// need not wait for it.
+// What comes after a change of what is active, left to processes of their own, so that nobody waits
+// for it.
 #pragma once
 
 #include "manager/activation/activation.h"
@@ -17,5 +17,11 @@ void settleLater(std::span<const ContainerId> changed);
 
 /// What that process does.
 int settleCommand(const Places& places, const std::vector<std::string>& words);
+
+/// Has GTK programs on the display look at their fonts, now and once the folder of the active ones
+/// has been marked anew: the first time they empty their lists before fontconfig has read what is
+/// new, so it takes two. Done by a process of its own, and where a settings daemon runs by that.
+void tellDisplay();
+int kickCommand();
 
 } // namespace manager

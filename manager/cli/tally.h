@@ -19,6 +19,8 @@ public:
 
     /// One thing done: `line` for people, `item` for programs.
     void add(std::string_view line, nlohmann::ordered_json item);
+    /// The same, where people are told otherwise.
+    void addQuietly(nlohmann::ordered_json item) { done_.push_back(std::move(item)); }
     /// One thing that was asked for and not done: on standard error, and in the document.
     void fail(std::string_view problem);
     /// Something that people should know, though nothing asked for has failed by it.

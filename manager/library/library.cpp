@@ -238,9 +238,13 @@ std::optional<ContainerId> Library::findPlace(const Container& place) {
     const std::string key = place.file.empty() ? faces::nameKey(place.name) : std::string();
     Statement statement(database_, "SELECT id FROM container "
                                    "WHERE folder = ? AND file = ? AND family_key = ? "
-                                   "ORDER BY id = ? DESC, id");
+                                   "AND (?5 IS NULL OR format IS ?5) "
+                                   "ORDER BY id = ?4 DESC, id");
     statement.bind(1, place.folder).bind(2, place.file).bind(3, key);
     statement.bind(4, static_cast<std::int64_t>(place.id));
+    if (place.format) {
+        statement.bind(5, static_cast<std::int64_t>(*place.format));
+    }
     if (!statement.step()) {
         return std::nullopt;
     }

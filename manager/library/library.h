@@ -105,6 +105,13 @@ struct LibraryFile {
     FileStamp stamp;
 };
 
+/// One of several files with the same bytes.
+struct FileCopy {
+    std::string path;
+    ContainerId container{};
+    std::int64_t size = 0;
+};
+
 struct LibraryCounts {
     std::int64_t files = 0; ///< font files, bad ones not counted
     std::int64_t faces = 0;
@@ -132,6 +139,10 @@ public:
     /// Whether two faces lie in the same file, or in files with the same bytes. Compares them when
     /// all else is equal, once for as long as this object lives.
     [[nodiscard]] bool haveSameBytes(const FaceMatch& a, const FaceMatch& b);
+
+    /// Files with the same bytes, the copies of each together; links to one file are one. Reads
+    /// those that may be equal.
+    [[nodiscard]] std::vector<std::vector<FileCopy>> duplicates();
 
     /// What a query describes, a page of it.
     [[nodiscard]] FoundFaces search(const FaceQuery& query);

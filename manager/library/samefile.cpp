@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
+#include <iterator>
 #include <unistd.h>
 
 namespace manager {
@@ -72,6 +73,46 @@ bool Library::haveSameBytes(const FaceMatch& a, const FaceMatch& b) {
         known->second = areEqual(joinPath(a.folder, a.fileName), joinPath(b.folder, b.fileName));
     }
     return known->second;
+}
+
+std::vector<std::vector<FileCopy>> Library::duplicates() {
+    Statement statement(
+        database_,
+        "SELECT directory.path, file.name, file.container, file.size, file.changed, file.inode, "
+        "file.digest FROM file JOIN directory ON directory.id = file.directory "
+        "JOIN (SELECT size, digest FROM file WHERE container IS NOT NULL GROUP BY size, digest "
+        "HAVING count(*) > 1) AS alike ON alike.size = file.size AND alike.digest = file.digest "
+        "WHERE file.container IS NOT NULL AND directory.away = 0 "
+        "ORDER BY file.size DESC, file.digest, directory.path, file.name");
+    std::vector<std::vector<FaceMatch>> alike;
+    while (statement.step()) {
+        FaceMatch file;
+        file.folder = statement.text(0);
+        file.fileName = statement.text(1);
+        file.container = static_cast<ContainerId>(statement.number(2));
+        file.stamp = {statement.number(3), statement.number(4), statement.number(5)};
+        file.digest = static_cast<std::uint64_t>(statement.number(6));
+        const auto same = std::find_if(alike.rbegin(), alike.rend(), [&](const auto& copies) {
+            return haveSameBytes(copies.front(), file);
+        });
+        if (same == alike.rend()) {
+            alike.push_back({std::move(file)});
+        } else if (std::none_of(same->begin(), same->end(),
+                                [&](const FaceMatch& copy) { return copy.stamp == file.stamp; })) {
+            same->push_back(std::move(file));
+        }
+    }
+    std::vector<std::vector<FileCopy>> result;
+    for (const auto& copies : alike) {
+        if (copies.size() > 1) {
+            auto& files = result.emplace_back();
+            for (const FaceMatch& copy : copies) {
+                files.push_back(
+                    {joinPath(copy.folder, copy.fileName), copy.container, copy.stamp.size});
+            }
+        }
+    }
+    return result;
 }
 
 } // namespace manager

@@ -100,9 +100,9 @@ TEST_F(AGroup, KeepsItsMembersWhenANewIndexGivesOtherNumbers) {
     changeGroups(sandbox_.places(), [&](Groups& groups) {
         groups.push_back({GroupKind::Tag, "two\nlines", {}});
         for (const Container& c : library_->containers()) {
-            groups.back().members.push_back({c.id, c.name, c.folder, c.file});
+            groups.back().members.push_back({c.id, c.name, c.folder, c.file, c.format});
         }
-        groups.back().members.push_back({ContainerId{3}, "Gone", "/gone", ""});
+        groups.back().members.push_back({ContainerId{3}, "Gone", "/gone", "", {}});
         groups.push_back({GroupKind::Collection, "empty", {}});
     });
     for (const char* part : {"", "-wal", "-shm"}) {
@@ -129,8 +129,9 @@ TEST_F(AGroup, IsNotChangedWhereItsFileCannotBeRead) {
         const char* problem;
     } cases[] = {
         {"", "line 1: expected \"glyphora-groups 1\""},
-        {"glyphora-groups 1\ncontainer\t1\ta\t/a\t\n", "line 2: "},
-        {"glyphora-groups 1\ntag\tx\ncontainer\t0\ta\t/a\t\n", "line 3: "},
+        {"glyphora-groups 1\ncontainer\t1\ta\t/a\t\t\n", "line 2: "},
+        {"glyphora-groups 1\ntag\tx\ncontainer\t0\ta\t/a\t\t\n", "line 3: "},
+        {"glyphora-groups 1\ntag\tx\ncontainer\t1\ta\t/a\t\tbitmap\n", "line 3: "},
         {"glyphora-groups 1\ntag\tx\nshelf\ty\n", "line 3: "},
     };
     for (const auto& [text, problem] : cases) {

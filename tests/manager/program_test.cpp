@@ -280,6 +280,41 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     });
 }
 
+TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
+    const std::string font = makeFont({"Plain/Sans", "Regular", "PlainSans"});
+    sandbox_.write("fonts/plain.ttf", font);
+    sandbox_.write("more/copy.ttf", font);
+    std::filesystem::create_hard_link(sandbox_.library() + "/fonts/lato.ttf",
+                                      sandbox_.library() + "/more/lato.ttf");
+    const std::string target = sandbox_.root() + "/to";
+    const auto listing = [&](const std::string& file) { return readBytes(target + "/" + file); };
+    expectEach({
+        {{"add", sandbox_.library()}, 0, "4 font files read"},
+        {{"search", "plain", "SANS"}, 0, "  inactive  Plain/Sans Regular, "},
+        {{"search", "--weight", "600-800", "--json"}, 0, "\"total\": 2"},
+        {{"search", "--covers", "a", "--limit", "1"}, 0, "4 in all; --limit shows more"},
+        {{"search", "--slant", "bent"}, 2, "--slant"},
+        {{"search", "--covers", "\xff"}, 1, "--covers: not a text in UTF-8"},
+        {{"info", "PlainSans", "Nobody"}, 3, "  PostScript name: PlainSans\n"},
+        {{"duplicates"},
+         0,
+         sandbox_.library() + "/fonts/plain.ttf " + sandbox_.library() + "/more/copy"},
+        {{"collect", "--to", target, "Nobody"}, 1, "Nobody: no container"},
+        {{"collect", "--to", target, "p*", "2"}, 0, "copied Plain_Sans/plain.ttf\n"},
+        {{"collect", "--to", target, "1"}, 1, target + ": is there already"},
+        {{"collect", "--to", target + "2/no", "1"}, 1, target + "2/no: cannot be made"},
+    });
+    EXPECT_EQ(listing("Plain_Sans/plain.ttf"), font);
+    EXPECT_THAT(listing("fonts.txt"), HasSubstr("    PostScript name: PlainSans\n"));
+    EXPECT_THAT(glyphora({"duplicates"}).output, testing::Not(HasSubstr("lato"))) << "one file";
+    std::filesystem::remove(sandbox_.library() + "/more/copy.ttf");
+    expectEach(
+        {{{"collect", "--to", target + "2", "plain*"}, 3, "copy.ttf: cannot be copied: No"}});
+    for (const auto& entry : std::filesystem::directory_iterator(sandbox_.root())) {
+        EXPECT_FALSE(entry.path().filename().string().starts_with(".")) << "left behind";
+    }
+}
+
 TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
     sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
     sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice-A"}));

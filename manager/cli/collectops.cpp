@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+// Copies are made in a hidden folder beside the new one, which then takes its name at one stroke.
+#include "manager/cli/collectops.h"
+
+#include "manager/activation/activation.h"
+#include "manager/cli/arguments.h"
+#include "manager/cli/containernames.h"
+#include "manager/cli/libraryops.h"
+#include "manager/cli/searchops.h"
+#include "manager/cli/tally.h"
+#include "manager/library/error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdlib.h>
+
+namespace manager {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder that goes with its owner unless it was given its name.
+class NewFolder {
+public:
+    explicit NewFolder(const fs::path& wanted) : wanted_(fs::absolute(wanted)) {
+        if (!wanted_.has_filename()) {
+            wanted_ = wanted_.parent_path(); // it ends in a slash
+        }
+        if (fs::exists(fs::symlink_status(wanted_))) {
+            throw Error(wanted_.string() + ": is there already; collect makes a new folder");
+        }
+        std::string name =
+            (wanted_.parent_path() / ("." + wanted_.filename().string() + ".XXXXXX")).string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw systemError(wanted_.string(), "cannot be made", errno);
+        }
+        path_ = name;
+    }
+    NewFolder(const NewFolder&) = delete;
+    NewFolder& operator=(const NewFolder&) = delete;
+    ~NewFolder() {
+        std::error_code ignored;
+        if (!path_.empty()) {
+            fs::remove_all(path_, ignored);
+        }
+    }
+
+    [[nodiscard]] const fs::path& path() const { return path_; }
+    void giveName() {
+        fs::permissions(path_,
+                        fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read |
+                            fs::perms::others_exec,
+                        fs::perm_options::add);
+        if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, wanted_.c_str(), RENAME_NOREPLACE) != 0) {
+            throw systemError(wanted_.string(), "cannot be given its name", errno);
+        }
+        path_.clear();
+    }
+
+private:
+    fs::path wanted_;
+    fs::path path_;
+};
+
+/// A name for the container's folder that no other one has.
+std::string folderName(const Container& container, std::set<std::string>& taken) {
+    std::string name = container.name;
+    std::replace(name.begin(), name.end(), '/', '_');
+    if (name.empty() || name.front() == '.') {
+        name.insert(0, "_");
+    }
+    if (!taken.insert(name).second) {
+        name += " (" + toText(container.id) + ")";
+        taken.insert(name);
+    }
+    return name;
+}
+
+std::string lineOf(const char* title, const std::string& text) {
+    std::string line = text;
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return line.empty() ? line : std::string("    ") + title + ": " + line + "\n";
+}
+
+class Collecting {
+public:
+    Collecting(Library& library, const fs::path& folder, Tally& tally)
+        : library_(library), folder_(folder), tally_(tally) {}
+
+    void add(const Container& container) {
+        const fs::path own = folder_ / folderName(container, taken_);
+        fs::create_directory(own);
+        const auto faces = library_.faces(container.id);
+        for (const LibraryFile& file : library_.files(container.id)) {
+            const std::string name = nameOf(file.path);
+            std::error_code code;
+            if (!fs::copy_file(file.path, own / name, code)) {
+                tally_.fail(systemError(file.path, "cannot be copied", code.value()).what());
+                fs::remove(own / name, code);
+                continue;
+            }
+            tell(file, own.filename() / name, faces);
+        }
+        std::error_code ignored;
+        fs::remove(own, ignored); // when nothing could be copied into it
+    }
+    void writeList() const { writeFile((folder_ / "fonts.txt").string(), list_); }
+    [[nodiscard]] bool isEmpty() const { return list_.empty(); }
+
+private:
+    void tell(const LibraryFile& file, const fs::path& copy,
+              const std::vector<FaceDetails>& faces) {
+        list_ += copy.string() + "\n";
+        auto told = nlohmann::ordered_json::array();
+        for (const FaceDetails& details : faces) {
+            if (joinPath(details.match.folder, details.match.fileName) != file.path) {
+                continue;
+            }
+            const faces::Face& face = details.face;
+            list_ += "  " + details.match.familyName + " " + details.match.styleName + "\n";
+            list_ += lineOf("PostScript name", face.postScriptName);
+            list_ += lineOf("version", face.version);
+            list_ += lineOf("foundry", face.foundry);
+            list_ += lineOf("copyright", face.copyright);
+            list_ += lineOf("licence", face.licence);
+            list_ += lineOf("licence at", face.licenceLink);
+            list_ += lineOf("embedding", embeddingText(face.embedding));
+            told.push_back({{"postScriptName", face.postScriptName},
+                            {"family", details.match.familyName},
+                            {"style", details.match.styleName},
+                            {"version", face.version},
+                            {"foundry", face.foundry},
+                            {"copyright", face.copyright},
+                            {"licence", face.licence},
+                            {"licenceLink", face.licenceLink},
+                            {"embeddingText", embeddingText(face.embedding)}});
+        }
+        tally_.add("copied " + copy.string(),
+                   {{"path", copy.string()}, {"source", file.path}, {"faces", std::move(told)}});
+    }
+
+    Library& library_;
+    fs::path folder_;
+    Tally& tally_;
+    std::set<std::string> taken_;
+    std::string list_;
+};
+
+} // namespace
+
+int collectCommand(const Places& places, const std::vector<std::string>& names,
+                   const std::string& to, bool json) {
+    Tally tally(json, "collected");
+    try {
+        NewFolder folder(to);
+        const Activation activation(places);
+        ContainerNames finder(
+            places, activation, [&] { return openScanned(places); }, tally);
+        const auto containers = finder.find(names);
+        Collecting collecting(finder.library(), folder.path(), tally);
+        std::for_each(containers.begin(), containers.end(),
+                      [&](const Container& container) { collecting.add(container); });
+        if (!collecting.isEmpty()) {
+            collecting.writeList();
+            folder.giveName();
+        }
+    } catch (const fs::filesystem_error& error) {
+        throw systemError(to, "cannot be written", error.code().value());
+    }
+    return tally.finish();
+}
+
+} // namespace manager

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The commands that look at faces: search, info, duplicates.
+#pragma once
+
+#include "manager/library/facequery.h"
+#include "manager/library/library.h"
+
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// What a font's embedding flags (OS/2 fsType) allow, for people.
+[[nodiscard]] std::string embeddingText(std::optional<std::uint16_t> flags);
+
+/// Everything of a face, for programs. `state`: whether it is active.
+[[nodiscard]] nlohmann::ordered_json toJson(const FaceDetails& details, const char* state);
+
+/// Each returns an ExitStatus and throws Error.
+int searchCommand(const Places& places, const FaceQuery& query, bool json);
+int infoCommand(const Places& places, const std::vector<std::string>& names, bool json);
+int duplicatesCommand(const Places& places, bool json);
+
+} // namespace manager
