@@ -67,6 +67,13 @@ TEST_F(AnInstalledFont, IsNotActivatedASecondTime) {
             "1");
         expectNothingDone();
     }
+    // Nor under the name that a document has for it.
+    install({"Lato", "Bold", "Lato-Bold", true});
+    const std::string asked =
+        font({{"syncID", "1"}, {"psName", "LatoB"}, {"familyName", "Lato"}, {"styleName", "Bold"}});
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    expectNothingDone();
+    install({"Both", "Regular", "Both"});
     // Others of the command are.
     const ReplyNode root = ask("fontRequest", font({{"syncID", "1"}, {"psName", "Both"}}) +
                                                   font({{"syncID", "2"}, {"psName", "Mueller"}}));
