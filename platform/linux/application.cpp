@@ -10,6 +10,13 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 using platform::BusConnection;
 using platform::ErrorSlot;
 using platform::EventInbox;
@@ -67,6 +74,51 @@ struct OwnedEvent : AppleEvent {
     OwnedEvent& operator=(const OwnedEvent&) = delete;
 };
 
+/// An event that a handler was called with. [handler-thread]
+struct Dispatched {
+    explicit Dispatched(platform::PendingAnswer owed) : answer(std::move(owed)) {}
+
+    void giveAnswer() {
+        if (const platform::Event* content = platform::eventOf(&reply)) {
+            answer.give(platform::replyBody(content->parameters));
+        }
+    }
+
+    OwnedEvent event;
+    OwnedEvent reply;
+    platform::PendingAnswer answer;
+    bool isSuspended = false;
+    Dispatched* outer = nullptr; ///< a handler may have events dispatched itself
+};
+
+Dispatched* innermost = nullptr;
+
+std::vector<std::unique_ptr<Dispatched>>& suspended() {
+    static platform::Immortal<std::vector<std::unique_ptr<Dispatched>>> events;
+    return *events;
+}
+
+// A sender asks several times in a row; its name on the bus is never another's.
+std::optional<std::int32_t> processOf(const std::string& sender) {
+    static platform::Immortal<std::pair<std::string, std::optional<std::int32_t>>> last;
+    const auto connection = EventInbox::instance().connection();
+    if (sender.empty() || !connection) {
+        return std::nullopt;
+    }
+    if ((*last).first != sender) {
+        ErrorSlot error;
+        const VariantHandle reply = connection->callBus(
+            "GetConnectionUnixProcessID", g_variant_new("(s)", sender.c_str()), "(u)", error);
+        std::uint32_t process = 0;
+        if (reply) {
+            g_variant_get(reply.get(), "(u)", &process);
+        }
+        *last = {sender,
+                 process != 0 ? std::optional(static_cast<std::int32_t>(process)) : std::nullopt};
+    }
+    return (*last).second;
+}
+
 void dispatch(IncomingEvent incoming) {
     const platform::Event& told = incoming.event;
     const auto handler = platform::HandlerTable::instance().find(told.eventClass, told.eventID);
@@ -74,22 +126,30 @@ void dispatch(IncomingEvent incoming) {
         return incoming.answer.refuse(platform::errorNotHandled,
                                       "the application has no handler for this event");
     }
-    OwnedEvent event;
-    OwnedEvent reply;
+    auto dispatched = std::make_unique<Dispatched>(std::move(incoming.answer));
     platform::Event empty;
     empty.eventClass = FourCharCode("aevt");
     empty.eventID = FourCharCode("ansr");
-    if (platform::makeEventDesc(std::move(incoming.event), event) != noErr ||
-        platform::makeEventDesc(std::move(empty), reply) != noErr) {
+    incoming.event.senderProcess = processOf(incoming.sender);
+    if (platform::makeEventDesc(std::move(incoming.event), dispatched->event) != noErr ||
+        platform::makeEventDesc(std::move(empty), dispatched->reply) != noErr) {
         return;
     }
-    const std::int32_t result = handler->routine(&event, &reply, handler->refCon);
+    dispatched->outer = std::exchange(innermost, dispatched.get());
+    const auto leave = [](Dispatched* left) { innermost = left->outer; };
+    std::int32_t result = noErr;
+    {
+        const std::unique_ptr<Dispatched, decltype(leave)> running(dispatched.get(), leave);
+        result = handler->routine(&dispatched->event, &dispatched->reply, handler->refCon);
+    }
+    if (dispatched->isSuspended) {
+        suspended().push_back(std::move(dispatched));
+        return;
+    }
     if (result != noErr) {
-        AEPutParamPtr(&reply, keyErrorNumber, typeSInt32, &result, sizeof result);
+        AEPutParamPtr(&dispatched->reply, keyErrorNumber, typeSInt32, &result, sizeof result);
     }
-    if (const platform::Event* answer = platform::eventOf(&reply)) {
-        incoming.answer.give(platform::replyBody(answer->parameters));
-    }
+    dispatched->giveAnswer();
 }
 
 } // namespace
@@ -121,6 +181,7 @@ void PLUnregisterApplication() {
     EventInbox& inbox = EventInbox::instance();
     const OSType signature = inbox.signature();
     const auto connection = inbox.close();
+    suspended().clear();
     if (!connection) {
         return;
     }
@@ -161,4 +222,28 @@ std::int32_t PLWaitForEvents(std::int32_t milliseconds) {
     }
     poll(&watched, 1, milliseconds);
     return PLDispatchPendingEvents();
+}
+
+OSErr AESuspendTheCurrentEvent(const AppleEvent* event) {
+    for (Dispatched* running = innermost; running != nullptr; running = running->outer) {
+        if (event == &running->event) {
+            running->isSuspended = true;
+            return noErr;
+        }
+    }
+    return paramErr;
+}
+
+OSErr AEResumeTheCurrentEvent(const AppleEvent* event, const AppleEvent* reply,
+                              AEEventHandlerUPP dispatcher, void* /*refCon*/) {
+    auto& events = suspended();
+    const auto found = std::find_if(events.begin(), events.end(), [&](const auto& dispatched) {
+        return &dispatched->event == event && &dispatched->reply == reply;
+    });
+    if (found == events.end() || dispatcher != kAENoDispatch) {
+        return paramErr;
+    }
+    (*found)->giveAnswer();
+    events.erase(found);
+    return noErr;
 }

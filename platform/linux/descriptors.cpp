@@ -17,9 +17,10 @@ using platform::eventOf;
 
 namespace {
 
-/// These five are fields of the event; they are told as attributes but cannot be set as such.
-constexpr std::array computedAttributes = {keyEventClassAttr, keyEventIDAttr, keyAddressAttr,
-                                           keyReturnIDAttr, keyTransactionIDAttr};
+/// These are fields of the event; they are told as attributes but cannot be set as such.
+constexpr std::array computedAttributes = {keyEventClassAttr,    keyEventIDAttr,
+                                           keyAddressAttr,       keyReturnIDAttr,
+                                           keyTransactionIDAttr, keySenderPIDAttr};
 
 bool isValidData(const void* data, Size size) {
     return size >= 0 && (data != nullptr || size == 0);
@@ -193,6 +194,9 @@ OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType des
         return tell(typeSInt32, std::int32_t{read->returnID});
     case keyTransactionIDAttr:
         return tell(typeSInt32, read->transactionID);
+    case keySenderPIDAttr:
+        return read->senderProcess ? tell(typeSInt32, *read->senderProcess)
+                                   : OSErr{errAEDescNotFound};
     default:
         break;
     }

@@ -7,6 +7,8 @@
 #include "platform/appleevents.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -57,6 +59,7 @@ struct Event {
     EventItem target; ///< no data in events that came in and in replies
     EventItems parameters;
     EventItems attributes;
+    std::optional<std::int32_t> senderProcess; ///< of events that came in
 
     std::size_t wireSize() const { return parameters.wireSize() + attributes.wireSize(); }
 };

@@ -94,6 +94,11 @@ bool EventInbox::isOpen() {
     return connection_ != nullptr;
 }
 
+std::shared_ptr<BusConnection> EventInbox::connection() {
+    const std::scoped_lock lock(mutex_);
+    return connection_;
+}
+
 OSType EventInbox::signature() {
     const std::scoped_lock lock(mutex_);
     return signature_;
@@ -221,7 +226,8 @@ bool EventInbox::takeEvent(GDBusConnection* connection, GDBusMessage* message) {
         answer.refuse(fault.errorName, fault.text);
         return true;
     }
-    accept({std::move(event), std::move(answer)});
+    const char* sender = g_dbus_message_get_sender(message);
+    accept({std::move(event), std::move(answer), sender != nullptr ? sender : ""});
     return true;
 }
 

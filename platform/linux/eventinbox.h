@@ -38,6 +38,7 @@ private:
 struct IncomingEvent {
     Event event;
     PendingAnswer answer;
+    std::string sender; ///< its unique name on the bus
 };
 
 /// One per process. [any-thread] but for takeEvent.
@@ -55,6 +56,8 @@ public:
     std::shared_ptr<BusConnection> close();
 
     bool isOpen();
+    /// Null when closed.
+    std::shared_ptr<BusConnection> connection();
     OSType signature();
     std::string name();
     /// Readable while events wait or the bus is gone; -1 when closed.

@@ -34,6 +34,8 @@ using AppleEvent = AEDesc;
 using AEEventHandlerProcPtr = OSErr (*)(const AppleEvent* event, AppleEvent* reply, void* refCon);
 /// A routine reference made of a handler; owned by the caller until DisposeAEEventHandlerUPP.
 using AEEventHandlerUPP = struct OpaqueAEEventHandler*;
+/// What AEResumeTheCurrentEvent is to do with the event; it can only be answered here.
+constexpr AEEventHandlerUPP kAENoDispatch = nullptr;
 using AEIdleUPP = struct OpaqueAEIdle*;
 using AEFilterUPP = struct OpaqueAEFilter*;
 
@@ -56,6 +58,7 @@ enum : AEKeyword {
     keyAddressAttr = FourCharCode("addr"),
     keyReturnIDAttr = FourCharCode("rtid"),
     keyTransactionIDAttr = FourCharCode("tran"),
+    keySenderPIDAttr = FourCharCode("spid"),
 };
 
 enum : AESendMode {
@@ -107,7 +110,7 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
 OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                     Size size);
 /// [any-thread] Sets (or replaces) one attribute; errors as AEPutParamPtr, and paramErr for the
-/// five attributes listed above, which are the event's own.
+/// six attributes listed above, which are the event's own.
 OSErr AEPutAttributePtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                         Size size);
 
@@ -121,7 +124,8 @@ OSErr AEGetParamPtr(const AppleEvent* event, AEKeyword keyword, DescType desired
 /// [any-thread] Reads one attribute, in the same way. "evcl" and "evid" are of type typeType and
 /// tell the event's class and ID as one native OSType; "rtid" and "tran" are of type typeSInt32;
 /// "addr" is the target of an event that was made here; of one that came in it is what the sender
-/// put there.
+/// put there. "spid" of one that came in is the kernel's id of the sender as the bus knows it, of
+/// type typeSInt32, whatever the sender put there; errAEDescNotFound when it has gone already.
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 
@@ -162,6 +166,17 @@ void DisposeAEEventHandlerUPP(AEEventHandlerUPP upp);
 /// code is unloaded.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                             void* refCon, bool isSystemHandler);
+/// [handler-thread] To be called by a handler: `event`, which it was called with, is not answered
+/// when it returns, whatever it returns, but by AEResumeTheCurrentEvent. Until then event and reply
+/// stay valid. paramErr: no handler is running for this event.
+[[nodiscard]] OSErr AESuspendTheCurrentEvent(const AppleEvent* event);
+/// [handler-thread] Answers a suspended event with `reply`, the one that its handler was called
+/// with, and releases both. `dispatcher` must be kAENoDispatch; `refCon` is not looked at.
+/// paramErr: the event is not suspended (any more: those are given up when the application
+/// unregisters).
+OSErr AEResumeTheCurrentEvent(const AppleEvent* event, const AppleEvent* reply,
+                              AEEventHandlerUPP dispatcher, void* refCon);
+
 /// [any-thread] Removes it. errAEHandlerNotFound when another routine or none is installed for the
 /// pair; a null `handler` removes whichever there is.
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
