@@ -13,6 +13,8 @@ namespace manager {
 
 namespace {
 
+constexpr const char* endlessText = ": fontconfig does not come to an end with it";
+
 /// Tells what is wrong with files of a container, each a line; of one that is lost whole the first
 /// file's line stands for all.
 void tell(std::vector<std::string> problems, std::size_t files, ActivationOutcome& outcome) {
@@ -26,6 +28,7 @@ void tell(std::vector<std::string> problems, std::size_t files, ActivationOutcom
 
 /// The names of the files of a set that the desktop does not see, and what is to be told of them.
 std::set<std::string> findInvisible(const SetRecord& record, const std::string& folder,
+                                    const FolderReading& reading,
                                     const std::set<std::string>& visible,
                                     std::vector<std::string>& problems) {
     std::set<std::string> invisible;
@@ -36,7 +39,9 @@ std::set<std::string> findInvisible(const SetRecord& record, const std::string& 
         }
         invisible.insert(file.name);
         problems.push_back(path +
-                           (isFontFolder(folder)
+                           (!reading.problems.empty()        ? ": " + reading.problems.front()
+                            : reading.endless.contains(path) ? endlessText
+                            : reading.isLookedAt
                                 ? ": was in place, but fontconfig shows no font of it"
                                 : ": was in place, but fontconfig does not look at this folder"));
     }
@@ -64,8 +69,8 @@ SetRecord recordOf(const ContainerFonts& container) {
     return record;
 }
 
-Activation::Activation(const Places& places, StepObserver observer)
-    : folders_(places.fonts(), std::move(observer)) {
+Activation::Activation(const Places& places, StepObserver observer, std::filesystem::path desktop)
+    : folders_(places.fonts(), std::move(observer)), program_(std::move(desktop)) {
     makeFolders(folders_.staging().path());
 }
 
@@ -87,6 +92,13 @@ void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOut
         try {
             std::vector<LostFile> lost;
             std::vector<std::string> problems;
+            std::erase_if(records[i].files, [&](const SetFile& file) {
+                const bool bad = endless_.contains({file.source, file.stamp.inode});
+                if (bad) {
+                    lost.push_back({file.name, file.source + endlessText});
+                }
+                return bad;
+            });
             const SetFolders::Progress progress = folders_.begin(records[i], lost);
             for (LostFile& file : lost) {
                 outcome.lost.insert(std::move(file.name));
@@ -94,6 +106,9 @@ void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOut
             }
             tell(std::move(problems), files, outcome);
             outcome.changed = progress == SetFolders::Progress::Updated;
+            if (outcome.changed) { // a new one is noticed by the root
+                changedFolders_.push_back(folders_.folder(records[i].id));
+            }
             if (progress == SetFolders::Progress::Prepared) {
                 prepared.push_back(i);
                 ids.push_back(records[i].id);
@@ -151,21 +166,29 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
                 folders.push_back(folders_.folder(records[i].id));
             }
         }
-        changedFolders_.insert(changedFolders_.end(), folders.begin(), folders.end());
-        showChanges(folders);
-        const std::set<std::string> visible = visibleFontFiles(folders_.root());
+        const FolderReading reading = showChanges(folders);
+        std::set<std::string> visible;
+        for (const auto& [name, face] : reading.faces) {
+            visible.insert(face.file);
+        }
         for (std::size_t i = 0; i < records.size(); ++i) {
             if (!outcomes[i].changed) {
                 continue;
             }
             const std::string folder = folders_.folder(records[i].id);
             std::vector<std::string> problems;
-            const auto invisible = findInvisible(records[i], folder, visible, problems);
+            const auto invisible = findInvisible(records[i], folder, reading, visible, problems);
             tell(std::move(problems), records[i].files.size(), outcomes[i]);
+            for (const SetFile& file : records[i].files) {
+                if (reading.endless.contains(folder + "/" + file.name)) {
+                    endless_.emplace(file.source, file.stamp.inode);
+                }
+            }
             if (!invisible.empty()) {
                 takeAway(invisible, records[i], outcomes[i]);
                 outcomes[i].changed = filesInPlace(records[i].id) != before[i];
                 reduced.push_back(folder);
+                changedFolders_.push_back(folder);
             }
         }
     }

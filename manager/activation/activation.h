@@ -4,6 +4,7 @@
 // it.
 #pragma once
 
+#include "manager/activation/desktopfonts.h"
 #include "manager/activation/setfolder.h"
 
 #include <functional>
@@ -59,7 +60,8 @@ class Activation {
 public:
     /// Makes the folder that fontconfig watches, so that programs started from now on know it.
     /// Throws Error.
-    explicit Activation(const Places& places, StepObserver observer = {});
+    explicit Activation(const Places& places, StepObserver observer = {},
+                        std::filesystem::path desktop = desktopProgram());
 
     /// The folder of this container's set, be it there or not.
     [[nodiscard]] std::string folder(ContainerId id) const { return folders_.folder(id); }
@@ -92,6 +94,12 @@ public:
     /// change that a killed process did not settle is unsettled again.
     void recover(const std::function<void(const std::string&)>& report);
 
+    /// The desktop's faces as of the last refreshDesktop(), with this object's own changes since.
+    [[nodiscard]] const DesktopFaces& desktop() const { return desktop_; }
+    [[nodiscard]] DesktopFaces& desktop() { return desktop_; }
+    /// Reads them when they may be others by now. Throws Error.
+    void refreshDesktop();
+
     /// Whether settle() is due about a second after the last change.
     [[nodiscard]] bool isUnsettled() const { return unsettled_; }
     /// Marks the folder as changed once more. Programs compare whole seconds, and one that looked
@@ -108,14 +116,18 @@ private:
     void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);
-    /// Has the desktop read what changed in the root and in these folders of sets.
-    void showChanges(std::span<const std::string> folders) const;
+    /// Has fontconfig read what changed in the root and in these folders of sets.
+    FolderReading showChanges(std::span<const std::string> folders);
     void beginChange();
     void endChange(bool changed);
 
     SetFolders folders_;
+    std::filesystem::path program_;
+    DesktopFaces desktop_;
+    std::set<std::pair<std::string, std::int64_t>> endless_; ///< sources, with their inodes
     std::vector<std::string> changedFolders_;
     bool unsettled_ = false;
+    bool knowsRoot_ = false; ///< nobody else has changed what is active since desktop_ was read
 };
 
 } // namespace manager

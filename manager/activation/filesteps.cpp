@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Links, copies, removals.
+// Copies, removals.
 #include "manager/activation/filesteps.h"
 
 #include "manager/library/error.h"
@@ -10,6 +10,8 @@
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,20 +41,22 @@ void removeTree(const std::string& path) {
     }
 }
 
-void linkOrCopy(const std::string& source, const std::string& target) {
+void cloneOrCopy(const std::string& source, const std::string& target) {
     removeFile(target);
-    if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-        return;
+    {
+        const sys::Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+        const sys::Descriptor to(
+            open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+        if (from && to && ioctl(to.get(), FICLONE, from.get()) == 0) {
+            return;
+        }
     }
     try {
-        std::filesystem::copy_file(source, target);
-        syncFile(target);
+        std::filesystem::copy_file(source, target,
+                                   std::filesystem::copy_options::overwrite_existing);
     } catch (const std::filesystem::filesystem_error& error) {
         unlink(target.c_str());
         throw systemError(source, "cannot be copied to " + folderOf(target), error.code().value());
-    } catch (const Error&) {
-        unlink(target.c_str());
-        throw;
     }
 }
 

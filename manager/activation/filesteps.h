@@ -16,11 +16,11 @@ void removeFile(const std::string& path);
 /// Removes a folder and all in it; one that is not there is no error. Throws Error.
 void removeTree(const std::string& path);
 
-/// Makes `target` a hard link to the file behind `source` where the file system allows: no second
-/// copy on disk, and nothing to sync. A synced copy elsewhere. Never a symbolic link: those stay
-/// listed after their target went. Replaces what lies at `target`. Throws Error, and then leaves
-/// nothing there.
-void linkOrCopy(const std::string& source, const std::string& target);
+/// Makes `target` a copy of the file behind `source`; where the file system can, one that shares
+/// its blocks until one of the two is written to. Never a link: what writes to an active font must
+/// not reach the library, and symbolic links stay listed after their target went. Replaces what
+/// lies at `target`; not synced. Throws Error, and then leaves nothing there.
+void cloneOrCopy(const std::string& source, const std::string& target);
 
 /// Gives a folder the present time, to the nanosecond. What the kernel writes counts in ticks, so
 /// that a cache made between two changes of one tick would be believed for good. One that is not

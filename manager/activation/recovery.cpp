@@ -38,6 +38,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
 
 // The mark is there before the first change, so that a process killed after it is found out.
 void Activation::beginChange() {
+    knowsRoot_ = desktop_.isAsWatched(folders_.root());
     folders_.staging().markUnsettled();
 }
 
@@ -49,6 +50,7 @@ void Activation::endChange(bool changed) {
 }
 
 void Activation::settle() {
+    knowsRoot_ = desktop_.isAsWatched(folders_.root());
     const std::vector<std::string> folders = std::exchange(changedFolders_, {});
     unsettled_ = false;
     folders_.staging().unmarkUnsettled(getpid());
@@ -64,10 +66,21 @@ void Activation::settleFor(pid_t process, std::span<const ContainerId> changed) 
     settle();
 }
 
-void Activation::showChanges(std::span<const std::string> folders) const {
+FolderReading Activation::showChanges(std::span<const std::string> folders) {
     touchFolder(folders_.root());
     std::for_each(folders.begin(), folders.end(), touchFolder);
-    reloadDesktopFonts();
+    FolderReading reading = readFolders(program_, folders_.root(), folders);
+    desktop_.replaceFolders(folders, reading.faces);
+    if (knowsRoot_) { // these changes were ours
+        desktop_.watch(folders_.root(), changeTime(folders_.root()));
+    }
+    return reading;
+}
+
+void Activation::refreshDesktop() {
+    if (desktop_.isOutdated()) {
+        desktop_ = readDesktop(program_, folders_.root());
+    }
 }
 
 } // namespace manager

@@ -5,6 +5,7 @@
 #include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -41,7 +42,7 @@ void SetFolders::stage(const SetFile& file, const std::string& folder) const {
     if (stamp != file.stamp) {
         throw Error(file.source + ": has changed since it was scanned; run \"glyphora scan\"");
     }
-    linkOrCopy(file.source, folder + "/" + file.name);
+    cloneOrCopy(file.source, folder + "/" + file.name);
 }
 
 SetFolders::Progress SetFolders::prepare(SetRecord& wanted, std::vector<LostFile>& lost) {
@@ -84,7 +85,9 @@ void SetFolders::syncPrepared(std::span<const ContainerId> sets) const {
         return;
     }
     for (const ContainerId id : sets) {
-        syncFile(staging_.folder(id) + "/" + setRecordName);
+        for (const auto& file : std::filesystem::directory_iterator(staging_.folder(id))) {
+            syncFile(file.path());
+        }
         syncFolder(staging_.folder(id));
     }
 }
@@ -113,7 +116,11 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
         std::vector<Reason> reasons = current->reasons;
         removeEnded(reasons);
         for (const Reason& reason : wanted.reasons) {
-            addReason(reasons, reason);
+            // One by hand outlives documents.
+            if (reason.kind != Reason::Kind::Document ||
+                std::find(reasons.begin(), reasons.end(), Reason::byHand()) == reasons.end()) {
+                addReason(reasons, reason);
+            }
         }
         wanted.reasons = std::move(reasons);
         return update(*current, wanted, lost);

@@ -36,7 +36,7 @@ public:
     /// What is left to do after begin().
     enum class Progress { Unchanged, Updated, Prepared };
 
-    /// Makes the set hold exactly `wanted.files`, each linked or copied from its source, and adds
+    /// Makes the set hold exactly `wanted.files`, each copied from its source, and adds
     /// `wanted.reasons` to those of before that stand. A set that
     /// is in place is brought up to date; files there that are not the manager's stay. A new one is
     /// prepared aside. A file that cannot be had (a source that is missing or not as stamped, a

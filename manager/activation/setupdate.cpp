@@ -111,6 +111,9 @@ SetFolders::Progress SetFolders::update(const SetRecord& current, SetRecord& wan
         }
         return Progress::Unchanged;
     }
+    for (const std::string& name : staged) {
+        syncFile(staging_.folder(wanted.id).append("/").append(name));
+    }
     // From here on a crash is mended forwards: the record tells what is to be there.
     step("write record");
     staging_.replaceRecord(place, transition.both);

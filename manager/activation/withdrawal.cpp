@@ -52,6 +52,7 @@ void Activation::takeAll(std::span<const ContainerId> containers,
                 continue;
             }
             removed.push_back(containers[i]);
+            desktop_.replaceFolders(std::span(&folder, 1), {});
             if (leftBehind) {
                 outcome.problems.push_back(folder +
                                            ": kept, it holds files that are not this program's");
@@ -126,7 +127,7 @@ std::vector<Reason> Activation::endingReasons() const {
     for (const ContainerId id : setsIn(folders_.root())) {
         const auto record = recordInPlace(id);
         for (const Reason& reason : record ? record->reasons : std::vector<Reason>()) {
-            if (reason.kind != Reason::Kind::ByHand &&
+            if (reason.kind != Reason::Kind::ByHand && stands(reason) &&
                 std::find(ending.begin(), ending.end(), reason) == ending.end()) {
                 ending.push_back(reason);
             }

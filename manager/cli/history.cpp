@@ -6,6 +6,7 @@
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -23,6 +24,10 @@ namespace {
 constexpr std::array<std::string_view, 6> deedNames = {"started",   "asked",  "done",
                                                        "undecided", "failed", "stopped"};
 constexpr off_t maximumSize = off_t{1} << 20U;
+constexpr std::size_t maximumText = 4096; // of an entry, in bytes
+constexpr std::string_view cutMark = " [...]";
+// What a file may have become before there was a maximum.
+constexpr off_t readableSize = off_t{16} << 20U;
 
 std::string historyPath(const Places& places) {
     return places.own() + "/history";
@@ -33,6 +38,43 @@ using BreakDown = std::tm*(const std::time_t*, std::tm*);
 bool isFull(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && status.st_size > maximumSize;
+}
+
+/// The text, or its beginning with a mark; no character of UTF-8 is cut in two.
+std::string bounded(std::string_view text) {
+    if (text.size() <= maximumText) {
+        return std::string(text);
+    }
+    std::size_t end = maximumText - cutMark.size();
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        --end;
+    }
+    return std::string(text.substr(0, end)).append(cutMark);
+}
+
+/// The end of a file, from a whole line on when it is too long to be read.
+std::string lastPart(const std::string& path) {
+    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file || fstat(file.get(), &status) != 0) {
+        throw systemError(path, "cannot be read", errno);
+    }
+    const off_t begin = std::max<off_t>(0, status.st_size - readableSize);
+    std::string text(static_cast<std::size_t>(status.st_size - begin), '\0');
+    std::size_t length = 0;
+    while (length < text.size()) {
+        const ssize_t count = pread(file.get(), text.data() + length, text.size() - length,
+                                    begin + static_cast<off_t>(length));
+        if (count < 0 && errno != EINTR) {
+            throw systemError(path, "cannot be read", errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    text.resize(length);
+    return begin == 0 ? text : text.substr(std::min(text.find('\n'), text.size() - 1) + 1);
 }
 
 void putAside(const std::string& path) {
@@ -73,7 +115,7 @@ void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
     const std::string now = std::to_string(std::time(nullptr));
     std::string lines;
     for (const auto& [deed, text] : entries) {
-        lines += joinFields({now, deedNames[static_cast<std::size_t>(deed)], text});
+        lines += joinFields({now, deedNames[static_cast<std::size_t>(deed)], bounded(text)});
     }
     if (file && write(file.get(), lines.data(), lines.size()) < 0) {
         return;
@@ -85,7 +127,7 @@ std::vector<PastDeed> readHistory(const Places& places, bool all) {
     for (const char* part : {".old", ""}) {
         const std::string path = historyPath(places) + part;
         if (access(path.c_str(), F_OK) == 0) {
-            text += readFile(path, std::size_t{64} << 20U);
+            text += lastPart(path);
         }
     }
     std::vector<PastDeed> entries;
@@ -99,7 +141,7 @@ std::vector<PastDeed> readHistory(const Places& places, bool all) {
         if ((*fields)[1] == "started" && !all) {
             entries.clear();
         }
-        entries.push_back({*seconds, std::move((*fields)[1]), std::move((*fields)[2])});
+        entries.push_back({*seconds, std::move((*fields)[1]), bounded((*fields)[2])});
     }
     return entries;
 }

@@ -16,7 +16,8 @@ namespace manager {
 enum class Deed { Started, Asked, Done, Undecided, Failed, Stopped };
 
 /// Appends one entry; a file above a megabyte is put aside first (one such is kept). A history that
-/// cannot be written is no reason to stop: nothing is thrown.
+/// cannot be written is no reason to stop: nothing is thrown. A text above 4096 bytes is cut, with
+/// a mark at its end.
 void recordDeed(const Places& places, Deed deed, std::string_view text);
 
 /// The same for several at once, in their order.

@@ -3,12 +3,19 @@
 #pragma once
 
 #include "manager/activation/activation.h"
+#include "manager/activation/activator.h"
 #include "manager/cli/folderwatch.h"
 #include "manager/exchange/exchange.h"
 
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace manager {
@@ -16,11 +23,21 @@ namespace manager {
 /// [main-thread] A command is answered before anybody is told of what it changed.
 class Server {
 public:
-    /// Mends what a crash left. Throws Error.
+    /// Begins to mend what a crash left. Throws Error.
     Server(const Places& places, bool verbose);
 
-    /// Answers one command text. Never throws: what goes wrong stands in the reply.
-    std::string answer(std::string_view command);
+    using Clock = std::chrono::steady_clock;
+    /// Takes the reply of a command.
+    using Receiver = std::function<void(const std::string& reply)>;
+
+    /// Answers one command text of a process (nullopt: it has gone). Never throws: what goes wrong
+    /// stands in the reply. nullopt: the reply goes to `later`, when all is done or the time is up.
+    [[nodiscard]] std::optional<std::string>
+    answer(std::string command, std::optional<std::int32_t> sender, Receiver later);
+    /// Takes up what the activator has done, and answers what then can be answered, or must be.
+    void goOn();
+    /// When goOn() is to be called at the latest.
+    [[nodiscard]] std::optional<Clock::time_point> nextDeadline() const;
 
     /// Tells others of changes; to be called when no sender waits for an answer any more.
     void tellOthers();
@@ -31,21 +48,48 @@ public:
         scanNeeded_ = false;
         return needed;
     }
+    /// The reasons that will end, when they have been looked at since the last call.
+    std::optional<std::vector<Reason>> takeEndingReasons() { return std::exchange(ending_, {}); }
     /// Watches the folders that the index knows by now, and for those recorded folders that are
     /// away. Whether there is something new among them.
     bool watchFolders(FolderWatch& watch);
 
-    [[nodiscard]] Activation& activation() { return activation_; }
+    [[nodiscard]] Activator& activator() { return activator_; }
 
 private:
+    /// A command that is being answered, or of which something is still to be done.
+    struct Pending {
+        std::string command;
+        std::optional<std::int32_t> sender;
+        Receiver receiver; ///< empty: it has its reply
+        Clock::time_point begun;
+        Clock::duration roundTime{}; ///< what a round of looking up takes
+        bool isLookedUp = false;     ///< the last round knew all that is known by now
+        bool isNoted = false;
+        ActivationRun run;
+        Answer answer;                            ///< of the last round
+        std::unordered_set<std::int32_t> awaited; ///< containers
+    };
+
     void openLibrary();
-    void note(const Answer& answer);
+    void round(Pending& pending);
+    /// Makes all rounds for which nothing has to be awaited. False: something has.
+    bool finish(Pending& pending);
+    void answerAsItStands(Pending& pending);
+    static Clock::time_point deadlineOf(const Pending& pending);
+    void takeNews();
+    void noteQuestion(Pending& pending);
+    void noteOutcome(const Answer& answer);
 
     Places places_;
     bool verbose_;
     std::unique_ptr<Library> library_;
-    Activation activation_;
+    Activation activation_; ///< only read
+    Activator activator_;
+    std::list<Pending> pending_;
+    bool desktopAwaited_ = false;
     std::vector<ChangeTarget> targets_; ///< those that asked lately, the last one at the end
+    std::optional<std::vector<Reason>> ending_;
     bool changed_ = false;
     bool scanNeeded_ = false;
 };

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The server's one loop: events, signals, the scan in a process of its own, and two timers.
+// The server's one loop: events, signals, the scan in a process of its own, reasons that end, and
+// timers.
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/history.h"
+#include "manager/cli/reasonwatch.h"
 #include "manager/cli/report.h"
 #include "manager/cli/scanprocess.h"
 #include "manager/cli/server.h"
@@ -51,6 +53,13 @@ OSErr putText(AppleEvent* reply, const std::string& text) {
                          static_cast<Size>(text.size()));
 }
 
+OSErr putReply(AppleEvent* reply, const std::string& text) {
+    const OSErr status = putText(reply, text);
+    return status == memFullErr
+               ? putText(reply, failureReply("", "the reply is too long; ask for fewer fonts"))
+               : status;
+}
+
 /// [handler-thread] Answers one command of a plug-in.
 OSErr handleCommand(const AppleEvent* event, AppleEvent* reply, void* refCon) {
     auto* context = static_cast<HandlerContext*>(refCon);
@@ -64,11 +73,16 @@ OSErr handleCommand(const AppleEvent* event, AppleEvent* reply, void* refCon) {
     if (status != noErr) {
         return status;
     }
-    status = putText(reply, context->server->answer(command));
-    if (status == memFullErr) {
-        status = putText(reply, failureReply("", "the reply is too long; ask for fewer fonts"));
-    }
-    return status;
+    std::int32_t sender = 0;
+    const bool isSenderKnown = AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr,
+                                                 &sender, sizeof sender, nullptr) == noErr;
+    const auto now = context->server->answer(
+        std::move(command), isSenderKnown ? std::optional(sender) : std::nullopt,
+        [event, reply](const std::string& text) {
+            putReply(reply, text);
+            AEResumeTheCurrentEvent(event, reply, kAENoDispatch, nullptr);
+        });
+    return now ? putReply(reply, *now) : AESuspendTheCurrentEvent(event);
 }
 
 /// [handler-thread] Ends the loop after this event.
@@ -120,8 +134,8 @@ private:
     OSStatus status_;
 };
 
-// Other programs compare times in whole seconds.
-constexpr std::chrono::milliseconds settleDelay{1100};
+// After a change by whomever, reasons are looked at: one of them may be new.
+constexpr std::chrono::milliseconds reasonDelay{500};
 // A copy of many files into a folder is scanned once it has come to rest, or now and then while it
 // does not.
 constexpr std::chrono::milliseconds scanDelay{1000};
@@ -130,7 +144,8 @@ constexpr std::chrono::milliseconds longestScanDelay{5000};
 class Loop {
 public:
     Loop(const Places& places, bool verbose, sys::Descriptor signals)
-        : signals_(std::move(signals)), server_(places, verbose), watch_(places) {}
+        : signals_(std::move(signals)), server_(places, verbose), watch_(places),
+          reasons_(places.fonts()) {}
 
     void run() {
         HandlerContext context{&server_};
@@ -145,6 +160,7 @@ public:
                 warn("the session bus is gone");
                 return;
             }
+            server_.goOn();
             server_.tellOthers();
             if (readSignals()) {
                 return;
@@ -153,29 +169,26 @@ public:
         }
     }
 
-    /// Settles what run() left unsettled; up to settleDelay later, and needs no bus.
-    void settle() {
-        Activation& activation = server_.activation();
-        if (!activation.isUnsettled()) {
-            return;
-        }
-        settleTimer_.startUnlessRunning(settleDelay);
-        while (!settleTimer_.takeExpired()) {
-            poll(nullptr, 0, settleTimer_.shorten(-1));
-        }
-        activation.settle();
-    }
-
 private:
     void waitForAnything() {
-        std::array<pollfd, 4> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
+        std::array<pollfd, 7> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
                                           {signals_.get(), POLLIN, 0},
                                           {watch_.descriptor(), POLLIN, 0},
-                                          {watch_.mountDescriptor(), POLLPRI, 0}}};
+                                          {watch_.mountDescriptor(), POLLPRI, 0},
+                                          {server_.activator().descriptor(), POLLIN, 0},
+                                          {reasons_.descriptor(), POLLIN, 0},
+                                          {reasons_.changeDescriptor(), POLLIN, 0}}};
         // A scan that is due while one runs waits for the end of that, which is a signal.
-        const int settle = settleTimer_.shorten(-1);
-        poll(sources.data(), sources.size(),
-             scan_.isRunning() ? settle : scanTimer_.shorten(settle));
+        int wait = reasonTimer_.shorten(reasons_.shorten(-1));
+        if (!scan_.isRunning()) {
+            wait = scanTimer_.shorten(wait);
+        }
+        if (const auto deadline = server_.nextDeadline()) {
+            Timer answering;
+            answering.startAt(*deadline);
+            wait = answering.shorten(wait);
+        }
+        poll(sources.data(), sources.size(), wait);
         if (sources[3].revents != 0) {
             watch_.checkMounts();
         }
@@ -203,11 +216,15 @@ private:
         if (!scan_.isRunning() && scanTimer_.takeExpired()) {
             scan_.start();
         }
-        if (server_.activation().isUnsettled()) {
-            settleTimer_.startUnlessRunning(settleDelay);
-            if (settleTimer_.takeExpired()) {
-                server_.activation().settle();
-            }
+        if (auto ending = server_.takeEndingReasons()) {
+            reasons_.watch(*ending);
+        }
+        if (reasons_.takeChange()) {
+            reasonTimer_.startUnlessRunning(reasonDelay);
+        }
+        const bool isLook = reasonTimer_.takeExpired();
+        if (reasons_.takeEnd() || isLook) {
+            server_.activator().withdraw();
         }
     }
 
@@ -216,7 +233,8 @@ private:
     FolderWatch watch_;
     ScanProcess scan_;
     Timer scanTimer_;
-    Timer settleTimer_;
+    ReasonWatch reasons_;
+    Timer reasonTimer_;
 };
 
 } // namespace
@@ -238,10 +256,11 @@ int serveCommand(const Places& places, bool verbose) {
     }
     makeFolders(places.own());
     recordDeed(places, Deed::Started, "server started, process " + std::to_string(getpid()));
-    Loop loop(places, verbose, std::move(signals));
-    loop.run();
-    registration.reset(); // another server may begin: the rest is done on the disk alone
-    loop.settle();
+    {
+        Loop loop(places, verbose, std::move(signals));
+        loop.run();
+        registration.reset(); // another server may begin: the rest is done on the disk alone
+    }
     recordDeed(places, Deed::Stopped, "server stopped");
     return exitSuccess;
 }

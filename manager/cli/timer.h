@@ -17,6 +17,7 @@ public:
             due_ = std::chrono::steady_clock::now() + after;
         }
     }
+    void startAt(std::chrono::steady_clock::time_point due) { due_ = due; }
     /// Starts anew, but puts what was due already off to `longest` from its first start at most.
     void restart(std::chrono::milliseconds after, std::chrono::milliseconds longest) {
         const auto now = std::chrono::steady_clock::now();

@@ -1,8 +1,55 @@
 // SPDX-License-Identifier: MIT
-// Activates the containers of a command at one go.
+// What a command asks for, and what is known of it.
 #include "manager/exchange/activationbatch.h"
 
+#include "manager/exchange/exchange.h"
+
+#include <utility>
+
 namespace manager {
+
+ContainerFonts ActivationRun::fontsOf(const Container& container, Library& library) const {
+    return {container.id, container.name, library.files(container.id), reasons_};
+}
+
+const ActivationOutcome* ActivationRun::want(const Container& container, Library& library) {
+    const auto [position, isNew] =
+        byId_.try_emplace(static_cast<std::int32_t>(container.id), nullptr);
+    if (isNew) {
+        wanted_.push_back(fontsOf(container, library));
+        position->second = &all_.emplace_back(Wanted{container, false, {}});
+    }
+    return position->second->known ? &position->second->outcome : nullptr;
+}
+
+void ActivationRun::use(const Container& container, Library& library) {
+    if (!byId_.contains(static_cast<std::int32_t>(container.id))) {
+        used_.push_back(fontsOf(container, library));
+    }
+}
+
+void ActivationRun::tell(ContainerId id, ActivationOutcome outcome) {
+    const auto position = byId_.find(static_cast<std::int32_t>(id));
+    if (position != byId_.end()) {
+        position->second->outcome = std::move(outcome);
+        position->second->known = true;
+    }
+}
+
+void ActivationRun::report(Answer& answer) const {
+    if (!remark_.empty()) {
+        answer.problems.push_back(remark_);
+    }
+    for (const auto& [container, known, outcome] : all_) {
+        answer.changed = answer.changed || outcome.changed;
+        answer.problems.insert(answer.problems.end(), outcome.problems.begin(),
+                               outcome.problems.end());
+        if (outcome.changed) {
+            answer.done.push_back("activated " + container.name + " (container " +
+                                  toText(container.id) + ", " + container.path() + ")");
+        }
+    }
+}
 
 void ActivationBatch::add(const Container& container) {
     if (positions_.emplace(static_cast<std::int32_t>(container.id), containers_.size()).second) {
@@ -10,28 +57,24 @@ void ActivationBatch::add(const Container& container) {
     }
 }
 
-void ActivationBatch::run(Library& library, Activation& activation, Answer& answer) {
-    std::vector<ContainerFonts> fonts;
-    fonts.reserve(containers_.size());
+void ActivationBatch::run(Library& library, ActivationRun& run) {
     for (const Container& container : containers_) {
-        fonts.push_back({container.id, container.name, library.files(container.id)});
-    }
-    outcomes_ = activation.activate(fonts);
-    for (std::size_t i = 0; i < outcomes_.size(); ++i) {
-        answer.changed = answer.changed || outcomes_[i].changed;
-        const std::vector<std::string>& problems = outcomes_[i].problems;
-        answer.problems.insert(answer.problems.end(), problems.begin(), problems.end());
-        if (outcomes_[i].changed) {
-            answer.done.push_back("activated " + containers_[i].name + " (container " +
-                                  toText(containers_[i].id) + ", " + containers_[i].path() + ")");
-        }
+        outcomes_.push_back(run.want(container, library));
     }
 }
 
 bool ActivationBatch::succeeded(ContainerId id, const std::string& fileName) const {
-    const ActivationOutcome& outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
-    const bool partly = !outcome.lost.empty() && !fileName.empty();
-    return outcome.success || (partly && !outcome.lost.contains(fileName));
+    const ActivationOutcome* outcome = outcomes_[positions_.at(static_cast<std::int32_t>(id))];
+    if (outcome == nullptr) {
+        return false;
+    }
+    const bool partly = !outcome->lost.empty() && !fileName.empty();
+    return outcome->success || (partly && !outcome->lost.contains(fileName));
+}
+
+bool ActivationBatch::failed(ContainerId id, const std::string& fileName) const {
+    return outcomes_[positions_.at(static_cast<std::int32_t>(id))] != nullptr &&
+           !succeeded(id, fileName);
 }
 
 } // namespace manager

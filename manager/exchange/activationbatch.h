@@ -1,37 +1,81 @@
 // SPDX-License-Identifier: MIT
-// The containers that one command activates.
+// The containers that one command wants activated, from the question to the outcome.
 #pragma once
 
-#include "manager/exchange/exchange.h"
+#include "manager/activation/activation.h"
+#include "manager/library/library.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace manager {
 
-/// Gathers the containers that a command activates, each once, and activates them together.
+struct Answer;
+
+/// What a command has had activated so far. A command is answered in rounds: one that wants
+/// containers of which the outcome is not known yet is answered anew when it is, or when its time
+/// is up, with what is known by then. [one-thread]
+class ActivationRun {
+public:
+    /// What the command's containers are to be active for from now on.
+    void setReasons(std::vector<Reason> reasons) { reasons_ = std::move(reasons); }
+
+    /// Asks for a container. nullptr: the outcome is not known yet. Throws Error when the index
+    /// cannot be read.
+    const ActivationOutcome* want(const Container& container, Library& library);
+    /// Asks that an active one stays active for the command's reasons, too; nobody waits for it.
+    void use(const Container& container, Library& library);
+
+    /// What was asked for since the last call, each container once in a command.
+    [[nodiscard]] std::vector<ContainerFonts> takeWanted() { return std::exchange(wanted_, {}); }
+    [[nodiscard]] std::vector<ContainerFonts> takeUsed() { return std::exchange(used_, {}); }
+    /// The outcome of one that was wanted.
+    void tell(ContainerId id, ActivationOutcome outcome);
+    /// A problem of the moment, told in every answer until it is another; empty for none.
+    void setRemark(std::string remark) { remark_ = std::move(remark); }
+    /// Adds to the answer what was done and what failed so far.
+    void report(Answer& answer) const;
+
+private:
+    struct Wanted {
+        Container container;
+        bool known = false;
+        ActivationOutcome outcome;
+    };
+    ContainerFonts fontsOf(const Container& container, Library& library) const;
+
+    std::vector<Reason> reasons_ = {Reason::byHand()};
+    std::string remark_;
+    std::deque<Wanted> all_; ///< in the order asked for
+    std::unordered_map<std::int32_t, Wanted*> byId_;
+    std::vector<ContainerFonts> wanted_;
+    std::vector<ContainerFonts> used_;
+};
+
+/// Gathers the containers that a step of a command activates, each once.
 class ActivationBatch {
 public:
     void add(const Container& container);
-
-    /// Activates them, and tells the answer what was done and what failed. Throws Error when the
-    /// index cannot be read.
-    void run(Library& library, Activation& activation, Answer& answer);
+    /// Asks for all of them. Throws Error when the index cannot be read.
+    void run(Library& library, ActivationRun& run);
 
     [[nodiscard]] bool holds(ContainerId id) const {
         return positions_.contains(static_cast<std::int32_t>(id));
     }
-
-    /// Whether a file of a container in the batch is active now; every file when no name is given.
+    /// Whether a file of a container in the batch is known to be active now; every file when no
+    /// name is given.
     [[nodiscard]] bool succeeded(ContainerId id, const std::string& fileName) const;
+    /// Whether it is known to have failed.
+    [[nodiscard]] bool failed(ContainerId id, const std::string& fileName) const;
 
 private:
     std::vector<Container> containers_;
     std::unordered_map<std::int32_t, std::size_t> positions_;
-    std::vector<ActivationOutcome> outcomes_;
+    std::vector<const ActivationOutcome*> outcomes_; ///< nullptr: not known yet
 };
 
 } // namespace manager

@@ -210,11 +210,11 @@ std::optional<Candidate> CandidateFinder::candidate(const CommandFont& font, Fac
 
 std::vector<DesktopFace> CandidateFinder::shown(const CommandFont& font,
                                                 const std::vector<Candidate>& candidates) {
-    std::vector<DesktopFace> faces = desktop_.find(font.postScriptName.value_or(""));
+    std::vector<DesktopFace> faces = activation_.desktop().find(font.postScriptName.value_or(""));
     std::set<std::string> names{font.postScriptName.value_or("")};
     for (const Candidate& candidate : candidates) {
         if (names.insert(candidate.face.postScriptName).second) {
-            const auto& more = desktop_.find(candidate.face.postScriptName);
+            const auto& more = activation_.desktop().find(candidate.face.postScriptName);
             faces.insert(faces.end(), more.begin(), more.end());
         }
     }

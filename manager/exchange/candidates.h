@@ -77,7 +77,6 @@ private:
 
     Library& library_;
     const Activation& activation_;
-    DesktopFaces desktop_;
     std::unordered_map<std::int32_t, Holder> holders_;
 };
 

@@ -55,8 +55,9 @@ struct Choice {
 /// Answers one command.
 class Exchange {
 public:
-    Exchange(Library& library, Activation& activation, const Command& command, Answer& answer)
-        : library_(library), activation_(activation), finder_(library, activation),
+    Exchange(Library& library, const Activation& activation, const Command& command,
+             ActivationRun& run, Answer& answer)
+        : library_(library), activation_(activation), run_(run), finder_(library, activation),
           command_(command), answer_(answer), reply_(command.word) {
         answer_.problems = command.problems;
     }
@@ -79,6 +80,7 @@ public:
                                        "'");
             break;
         }
+        run_.report(answer_);
         for (const std::string& problem : answer_.problems) {
             reply_.element("error", problem);
         }
@@ -93,6 +95,10 @@ private:
         bool showWindow = false;
         for (const CommandFont& font : command_.fonts) {
             const auto& [held, shown] = found.emplace_back(lookUp(font));
+            if (shown.empty() && !held.exact.empty() && held.exact.front().active &&
+                activation_.isActive(held.exact.front().container)) {
+                run_.use(held.exact.front().container, library_);
+            }
             if (!shown.empty() || (!held.exact.empty() && held.exact.front().active)) {
                 continue; // a second face of this name would make it a matter of luck which is seen
             }
@@ -103,7 +109,7 @@ private:
             showWindow = showWindow || held.isOpen(font) || !held.near.empty();
             answer_.undecided.push_back(calledName(font) + whyNothingIsDone(held));
         }
-        batch.run(library_, activation_, answer_);
+        batch.run(library_, run_);
         reply_.flag("showWindow", showWindow);
         for (std::size_t i = 0; i < found.size(); ++i) {
             writeFontRequestFont(reply_, command_.fonts[i], found[i], batch);
@@ -127,7 +133,7 @@ private:
                                            "': not in the library");
             }
         }
-        batch.run(library_, activation_, answer_);
+        batch.run(library_, run_);
         const ActivationBatch second = tryOthers(chosen, batch);
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             writeActivatedFont(command_.fonts[i], chosen[i], batch, second);
@@ -140,12 +146,12 @@ private:
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             Choice& choice = chosen[i];
             if (choice.isShown || !choice.container ||
-                (choice.holdsFont && first.succeeded(choice.container->id, choice.fileName))) {
+                (choice.holdsFont && !first.failed(choice.container->id, choice.fileName))) {
                 continue;
             }
             for (const Candidate& candidate : finder_.find(command_.fonts[i]).exact) {
                 const bool tried = first.holds(candidate.container.id);
-                if (tried && !first.succeeded(candidate.container.id, candidate.face.fileName)) {
+                if (tried && first.failed(candidate.container.id, candidate.face.fileName)) {
                     continue;
                 }
                 choice = {candidate.container, candidate.face.fileName};
@@ -155,7 +161,7 @@ private:
                 break;
             }
         }
-        second.run(library_, activation_, answer_);
+        second.run(library_, run_);
         return second;
     }
 
@@ -230,7 +236,8 @@ private:
     }
 
     Library& library_;
-    Activation& activation_;
+    const Activation& activation_;
+    ActivationRun& run_;
     CandidateFinder finder_;
     const Command& command_;
     Answer& answer_;
@@ -239,7 +246,8 @@ private:
 
 } // namespace
 
-Answer answerCommand(Library& library, Activation& activation, std::string_view text) {
+Answer answerCommand(Library& library, const Activation& activation, std::string_view text,
+                     std::optional<std::int32_t> sender, ActivationRun& run) {
     Answer answer;
     Command command;
     try {
@@ -255,8 +263,32 @@ Answer answerCommand(Library& library, Activation& activation, std::string_view 
     if (command.targetPid) {
         answer.target = ChangeTarget{*command.targetPid, command.targetClass.value_or("FILC")};
     }
-    answer.reply = Exchange(library, activation, command, answer).run();
+    // A program in a sandbox may know itself by another number.
+    for (const auto& process : {command.targetPid, sender}) {
+        if (const auto reason = process ? Reason::forDocumentOf(*process) : std::nullopt) {
+            run.setReasons({*reason});
+            break;
+        }
+    }
+    answer.reply = Exchange(library, activation, command, run, answer).run();
     return answer;
+}
+
+Answer answerCommand(Library& library, Activation& activation, std::string_view text) {
+    activation.refreshDesktop();
+    ActivationRun run;
+    for (;;) {
+        Answer answer = answerCommand(library, activation, text, std::nullopt, run);
+        const std::vector<ContainerFonts> wanted = run.takeWanted();
+        if (wanted.empty()) {
+            static_cast<void>(activation.activate(run.takeUsed()));
+            return answer;
+        }
+        std::vector<ActivationOutcome> outcomes = activation.activate(wanted);
+        for (std::size_t i = 0; i < wanted.size(); ++i) {
+            run.tell(wanted[i].id, std::move(outcomes[i]));
+        }
+    }
 }
 
 std::string failureReply(std::string_view word, std::string_view problem) {

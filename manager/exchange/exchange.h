@@ -3,6 +3,7 @@
 #pragma once
 
 #include "manager/activation/activation.h"
+#include "manager/exchange/activationbatch.h"
 #include "manager/library/library.h"
 
 #include <cstdint>
@@ -42,6 +43,15 @@ struct Answer {
 /// answers with that. A font that nobody holds is judged by the whole container named. showRequest,
 /// buyRequest: tell what is held; nothing is opened or bought. In all of them a font that the
 /// desktop shows already is active, whoever holds it, and is not activated a second time.
+///
+/// One round of it: what is still to be activated is found in `run` afterwards, and counts as not
+/// active in this answer. What is activated counts for the document of the process that a
+/// fontRequest names, or of `sender`; when neither is known, as done by hand.
+[[nodiscard]] Answer answerCommand(Library& library, const Activation& activation,
+                                   std::string_view command, std::optional<std::int32_t> sender,
+                                   ActivationRun& run);
+
+/// The same with all that is to be activated, however long it takes.
 [[nodiscard]] Answer answerCommand(Library& library, Activation& activation,
                                    std::string_view command);
 

@@ -132,6 +132,12 @@ void syncFile(const std::string& path) {
     }
 }
 
+std::string lockHolder(const std::string& path) {
+    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::string holder = file ? holderOf(file.get()) : std::string();
+    return holder.ends_with("(" + std::to_string(getpid()) + ")") ? std::string() : holder;
+}
+
 FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
     : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
     if (!file_) {

@@ -43,6 +43,10 @@ void syncFolder(const std::string& path);
 /// Syncs a file's contents to the disk. Throws Error.
 void syncFile(const std::string& path);
 
+/// " by PROGRAM (PROCESS)" of another process that holds a lock on the file; empty when there is
+/// none or it cannot be told.
+[[nodiscard]] std::string lockHolder(const std::string& path);
+
 /// How long a lock is waited for that others hold for a moment only.
 constexpr std::chrono::seconds lockPatience{10};
 

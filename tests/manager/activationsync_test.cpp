@@ -72,6 +72,7 @@ TEST_F(ABatchOfSets, OfEightIsSyncedSetBySet) {
     std::vector<std::string> expected;
     for (int id = 1; id <= 8; ++id) {
         expected.push_back(staging_ + std::to_string(id) + "/" + setRecordName);
+        expected.push_back(staging_ + std::to_string(id) + "/one.ttf");
         expected.push_back(staging_ + std::to_string(id));
     }
     EXPECT_THAT(activateMany(8), Each(testing::Field(&ActivationOutcome::success, true)));

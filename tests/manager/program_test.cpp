@@ -3,6 +3,7 @@
 // end it.
 #include "platform/notify.h"
 #include "platform/processes.h"
+#include "system/child.h"
 #include "tests/manager/programrun.h"
 #include "tests/manager/sandbox.h"
 #include "tests/platform/events.h"
@@ -67,9 +68,9 @@ protected:
         event.putText(command);
         return event.send(3600) == noErr ? event.text() : std::nullopt;
     }
-    static std::string request(const std::string& psName) {
+    static std::string request(const std::string& psName, pid_t process = getpid()) {
         return "<cmd>fontRequest</cmd>\n<targetClass>FILC</targetClass>\n<targetPid>" +
-               std::to_string(getpid()) + "</targetPid>\n<font>\n<syncID>1</syncID>\n<psName>" +
+               std::to_string(process) + "</targetPid>\n<font>\n<syncID>1</syncID>\n<psName>" +
                psName + "</psName>\n</font>\n</cmd>\n";
     }
     // The value of an element of the only font in the reply, or the reply itself when it has none.
@@ -154,6 +155,32 @@ TEST_F(TheProgram, AnswersWithoutALibraryAndSeesLaterAdditions) {
                 StartsWith("<cmd>showRequest</cmd>\n<protocolVersion>2.0</protocolVersion>\n"));
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
+}
+
+TEST_F(TheProgram, AnswersAsItStandsWhileSetsAreLockedAndSaysByWhom) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    EXPECT_EQ(askFor("Nobody", "count"), "0");
+    std::optional<manager::FileLock> held(sandbox_.places().fonts() + "/.lock");
+    const std::string reply = send(request("Lato-Bold")).value_or("no reply");
+    EXPECT_THAT(reply, HasSubstr("<isActive>0</isActive>"));
+    EXPECT_THAT(reply, HasSubstr(".lock: is locked by manager_program (" +
+                                 std::to_string(getpid()) + "); the rest is done when"));
+    held.reset();
+    const std::string file = sandbox_.places().fonts() + "/1/lato.ttf";
+    EXPECT_TRUE(await([&] { return std::filesystem::exists(file); })) << server_->output();
+}
+
+TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    std::optional<sys::Child> program(std::in_place, "/bin/cat", std::span<const std::string>());
+    const std::string set = sandbox_.places().fonts() + "/1";
+    EXPECT_THAT(send(request("Lato-Bold", program->process())).value_or("no reply"),
+                HasSubstr("<isActive>1</isActive>"));
+    EXPECT_TRUE(std::filesystem::exists(set));
+    program.reset();
+    EXPECT_TRUE(await([&] { return !std::filesystem::exists(set); })) << server_->output();
 }
 
 TEST_F(TheProgram, ScansWhenAFolderChanges) {

@@ -86,9 +86,13 @@ TEST_F(AReason, OfAProcessIsNotThatOfALaterOneOfItsNumber) {
 TEST_F(AReason, IsAddedToThoseOfBeforeAndRenewed) {
     activate(fonts());
     activateFor({Reason::forTime(std::chrono::hours(1))});
-    activateFor({Reason::forTime(std::chrono::hours(2)), *Reason::forDocumentOf(getpid())});
-    EXPECT_THAT(reasons(),
-                ElementsAre("by hand", HasSubstr("until 2"), HasSubstr("a document of")));
+    const Reason document = *Reason::forDocumentOf(getpid());
+    activateFor({Reason::forTime(std::chrono::hours(2)), document});
+    EXPECT_THAT(reasons(), ElementsAre("by hand", HasSubstr("until 2"))) << "that outlives it";
+    deactivate();
+    activateFor({document});
+    activateFor({document, Reason::untilLogout()});
+    EXPECT_THAT(reasons(), ElementsAre(HasSubstr("a document of"), "until logout"));
     EXPECT_EQ(Activation(sandbox_.places()).endingReasons().size(), 2U);
 }
 

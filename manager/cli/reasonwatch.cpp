@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// Descriptors of processes, and a watch on the folder through which every change of a set passes.
+#include "manager/cli/reasonwatch.h"
+
+#include "manager/activation/setstaging.h"
+#include "manager/library/error.h"
+#include "manager/library/places.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <sys/epoll.h>
+#include <sys/inotify.h>
+#include <sys/syscall.h>
+
+namespace manager {
+
+ReasonWatch::ReasonWatch(const std::string& sets)
+    : staging_(SetStaging(sets).path()), changes_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      ended_(epoll_create1(EPOLL_CLOEXEC)) {
+    try {
+        makeFolders(staging_);
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): then there are no sets either
+    }
+    inotify_add_watch(changes_.get(), staging_.c_str(), IN_MOVED_FROM | IN_ONLYDIR);
+}
+
+int ReasonWatch::shorten(int wait) const {
+    if (earliest_ == 0) {
+        return wait;
+    }
+    constexpr std::time_t longest = 3600; // the clock may be set
+    const auto left = std::clamp<std::time_t>(earliest_ - std::time(nullptr), 0, longest);
+    const int rest = static_cast<int>(left) * 1000;
+    return wait < 0 ? rest : std::min(wait, rest);
+}
+
+void ReasonWatch::watch(const std::vector<Reason>& reasons) {
+    processes_.clear(); // closed, they are not waited for any more
+    earliest_ = 0;
+    std::set<std::int32_t> known;
+    for (const Reason& reason : reasons) {
+        if (reason.kind == Reason::Kind::UntilTime) {
+            earliest_ =
+                earliest_ == 0 ? reason.time : std::min<std::time_t>(earliest_, reason.time);
+        } else if (reason.process.id != 0 && known.insert(reason.process.id).second) {
+            sys::Descriptor process(
+                static_cast<int>(syscall(SYS_pidfd_open, reason.process.id, 0)));
+            epoll_event end{EPOLLIN, {}};
+            if (process && epoll_ctl(ended_.get(), EPOLL_CTL_ADD, process.get(), &end) == 0) {
+                processes_.push_back(std::move(process));
+            } else {
+                earliest_ = std::time(nullptr) + 1; // it has ended by now
+            }
+        }
+    }
+}
+
+bool ReasonWatch::takeEnd() {
+    epoll_event event{};
+    const bool isDue = earliest_ != 0 && earliest_ <= std::time(nullptr);
+    const bool ended = epoll_wait(ended_.get(), &event, 1, 0) > 0;
+    if (isDue || ended) {
+        watch({}); // until the reasons that are left are told
+        return true;
+    }
+    return false;
+}
+
+bool ReasonWatch::takeChange() {
+    alignas(inotify_event) std::array<char, 16384> block{};
+    bool changed = false;
+    while (read(changes_.get(), block.data(), block.size()) > 0) {
+        changed = true;
+    }
+    return changed;
+}
+
+} // namespace manager
