@@ -110,6 +110,13 @@ void World::place(const std::string& family, const fs::path& folder) const {
     }
 }
 
+void World::stock(const std::string& family, const std::string& subfolder) {
+    place(family, library() / subfolder);
+    for (const fs::directory_entry& file : fs::directory_iterator(library() / subfolder)) {
+        std::ofstream(file.path(), std::ios::binary | std::ios::app) << subfolder;
+    }
+}
+
 void World::stockFile(const fs::path& font, const std::string& subfolder) {
     fs::create_directories(library() / subfolder);
     fs::copy_file(font, library() / subfolder / font.filename());

@@ -34,10 +34,9 @@ public:
 
     /// Puts faces of a family of the machine (found by fontconfig) where the desktop sees them.
     void install(const std::string& family) { place(family, folder() / "installed"); }
-    /// Puts them into a folder of the library.
-    void stock(const std::string& family, const std::string& subfolder) {
-        place(family, library() / subfolder);
-    }
+    /// Puts them into a folder of the library, as an edition of its own: files with the same bytes
+    /// would be one font.
+    void stock(const std::string& family, const std::string& subfolder);
     /// Puts one file there.
     void stockFile(const std::filesystem::path& font, const std::string& subfolder);
 

@@ -64,7 +64,7 @@ protected:
     int runs_ = 0;
 };
 
-TEST_F(APeerInAnotherLanguage, StartsTheManagerByACallAndNotByAQuestion) {
+TEST_F(APeerInAnotherLanguage, StartsTheManagerByACallNotAQuestion) {
     EXPECT_FALSE(isManagerKnown());
     EXPECT_THAT(glyphora({"status"}).output, HasSubstr("server: not running"));
     for (const char* time : {"first", "again"}) {

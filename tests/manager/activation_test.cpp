@@ -180,7 +180,7 @@ TEST_F(AnActivation, ShowsTheOthersWhenFontconfigRefusesAFile) {
     }
 }
 
-TEST_F(AnActivation, TakesAFileBackThatFontconfigDoesNotComeToAnEndWith) {
+TEST_F(AnActivation, TakesAFileBackThatFontconfigLoopsIn) {
     // In place of a font that does it: a reader that loops while it finds one of this name.
     const std::string reader = sandbox_.root() + "/reader";
     writeBytes(reader,

@@ -290,7 +290,7 @@ PRAGMA application_id=1196185926;
 PRAGMA user_version=2;
 )sql";
 
-TEST_F(AnIndex, OfSchema2IsReplacedAndItsContainersKeepTheirNumbers) {
+TEST_F(AnIndex, OfSchema2IsReplacedAndKeepsItsNumbers) {
     const std::string path = sandbox_.places().database();
     library_.reset();
     std::filesystem::remove(path);

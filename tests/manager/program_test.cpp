@@ -157,7 +157,7 @@ TEST_F(TheProgram, AnswersWithoutALibraryAndSeesLaterAdditions) {
     EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
 }
 
-TEST_F(TheProgram, AnswersAsItStandsWhileSetsAreLockedAndSaysByWhom) {
+TEST_F(TheProgram, AnswersWhileSetsAreLockedAndSaysByWhom) {
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     serve();
     EXPECT_EQ(askFor("Nobody", "count"), "0");
