@@ -39,8 +39,7 @@ std::set<std::string> findInvisible(const SetRecord& record, const std::string& 
         }
         invisible.insert(file.name);
         problems.push_back(path +
-                           (!reading.problems.empty()        ? ": " + reading.problems.front()
-                            : reading.endless.contains(path) ? endlessText
+                           (reading.endless.contains(path) ? endlessText
                             : reading.isLookedAt
                                 ? ": was in place, but fontconfig shows no font of it"
                                 : ": was in place, but fontconfig does not look at this folder"));
@@ -176,6 +175,10 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
                 continue;
             }
             const std::string folder = folders_.folder(records[i].id);
+            if (const auto unread = reading.unread.find(folder); unread != reading.unread.end()) {
+                outcomes[i].problems.push_back(unread->second + "; what is in place stays");
+                continue; // programs may well see it
+            }
             std::vector<std::string> problems;
             const auto invisible = findInvisible(records[i], folder, reading, visible, problems);
             tell(std::move(problems), records[i].files.size(), outcomes[i]);

@@ -105,27 +105,34 @@ std::optional<NamedFace> faceOf(const Fields& fields) {
                 : std::nullopt;
 }
 
+/// Paths that no reader began, and why.
+struct Unbegun {
+    std::span<const std::string> paths;
+    std::string why;
+};
+
 /// Runs readers until one gets to the end of the paths. Those that a reader does not get past are
 /// told to `stopped`, with the reason.
-void readPaths(const std::filesystem::path& program, const std::string& mode,
-               const std::string& root, std::span<const std::string> paths,
-               const std::function<void(const Fields&)>& receive,
-               const std::function<void(const std::string&, const std::string&)>& stopped) {
-    for (;;) {
+Unbegun readPaths(const std::filesystem::path& program, const std::string& mode,
+                  const std::string& root, std::span<const std::string> paths,
+                  const std::function<void(const Fields&)>& receive,
+                  const std::function<void(const std::string&, const std::string&)>& stopped) {
+    do {
         std::size_t begun = 0;
         const Failure failure = runReader(program, mode, root, paths, [&](const Fields& fields) {
             begun += fields[0] == "at" ? 1 : 0;
             receive(fields);
         });
         if (!failure) {
-            return;
+            break;
         }
         if (begun == 0 || begun > paths.size()) {
-            return stopped({}, program.string() + ": " + *failure);
+            return {paths, program.string() + ": " + *failure};
         }
         stopped(paths[begun - 1], *failure);
         paths = paths.subspan(begun);
-    }
+    } while (!paths.empty());
+    return {};
 }
 
 std::vector<std::string> filesIn(const std::string& folder) {
@@ -213,19 +220,20 @@ FolderReading readFolders(const std::filesystem::path& program, const std::strin
             reading.isLookedAt = true;
         }
     };
-    readPaths(
+    const auto leaveUnread = [&](const std::string& folder, const std::string& why) {
+        reading.unread.emplace(folder, folder + ": cannot be read by fontconfig: " + why);
+    };
+    const Unbegun rest = readPaths(
         program, "folders", root, folders, receive,
         [&](const std::string& folder, const std::string& why) {
             // One of its files did that. It is found by reading them one by one.
-            const Fields files = folder.empty() ? Fields() : filesIn(folder);
+            const Fields files = filesIn(folder);
             const std::size_t before = reading.endless.size();
             readPaths(
                 program, "files", root, files, [](const Fields&) {},
                 [&](const std::string& file, const std::string&) { reading.endless.insert(file); });
             if (reading.endless.size() == before) {
-                reading.problems.push_back((folder.empty() ? root : folder) +
-                                           ": cannot be read by fontconfig: " + why);
-                return;
+                return leaveUnread(folder, why);
             }
             // The others can be seen once those are gone. Their names are told then.
             for (const std::string& file : files) {
@@ -234,6 +242,9 @@ FolderReading readFolders(const std::filesystem::path& program, const std::strin
                 }
             }
         });
+    for (const std::string& folder : rest.paths) {
+        leaveUnread(folder, rest.why);
+    }
     return reading;
 }
 

@@ -58,7 +58,8 @@ struct FolderReading {
     std::vector<NamedFace> faces;  ///< those that programs get
     bool isLookedAt = false;       ///< whether fontconfig looks below the root at all
     std::set<std::string> endless; ///< files that it did not come to an end with
-    std::vector<std::string> problems;
+    /// Folders of which it is not known what programs get, with a line that says why.
+    std::unordered_map<std::string, std::string> unread;
 };
 
 /// Has fontconfig read these folders in `root`, which writes the caches that all programs read.

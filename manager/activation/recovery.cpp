@@ -6,6 +6,7 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unistd.h>
 #include <utility>
 
@@ -70,8 +71,11 @@ FolderReading Activation::showChanges(std::span<const std::string> folders) {
     touchFolder(folders_.root());
     std::for_each(folders.begin(), folders.end(), touchFolder);
     FolderReading reading = readFolders(program_, folders_.root(), folders);
-    desktop_.replaceFolders(folders, reading.faces);
-    if (knowsRoot_) { // these changes were ours
+    std::vector<std::string> read;
+    std::copy_if(folders.begin(), folders.end(), std::back_inserter(read),
+                 [&](const std::string& folder) { return !reading.unread.contains(folder); });
+    desktop_.replaceFolders(read, reading.faces);
+    if (knowsRoot_ && read.size() == folders.size()) { // these changes were ours
         desktop_.watch(folders_.root(), changeTime(folders_.root()));
     }
     return reading;

@@ -73,9 +73,10 @@ std::vector<std::string> requestedPaths() {
     return paths;
 }
 
-void tellFaces(FcConfig* config, FcSetName set) {
+/// Those after the first `told` ones. How many there are now.
+int tellFaces(FcConfig* config, FcSetName set, int told) {
     const FcFontSet* all = FcConfigGetFonts(config, set);
-    for (int i = 0; all != nullptr && i < all->nfont; ++i) {
+    for (int i = told; all != nullptr && i < all->nfont; ++i) {
         const FcPattern* face = all->fonts[i];
         // Instances of variable fonts go without names of their own.
         if (const auto type = faces::technologyOf(face)) {
@@ -83,6 +84,7 @@ void tellFaces(FcConfig* config, FcSetName set) {
                   std::to_string(static_cast<int>(*type)), faces::textOf(face, FC_FILE, 0)});
         }
     }
+    return all != nullptr ? all->nfont : 0;
 }
 
 void forEach(FcStrList* list, const std::function<void(const std::string&)>& visit) {
@@ -111,7 +113,7 @@ void readAll(const std::string& root) {
             watch(folder);
         }
     });
-    tellFaces(config.get(), FcSetSystem);
+    tellFaces(config.get(), FcSetSystem, 0);
 }
 
 void readFoldersOf(const std::string& root) {
@@ -128,13 +130,15 @@ void readFoldersOf(const std::string& root) {
     if (FcCache* cache = FcDirCacheRead(rootPath, FcFalse, config.get())) {
         FcDirCacheUnload(cache);
     }
+    int told = 0;
     for (const std::string& folder : folders) {
         tell({"at", folder});
         flush();
         sys::allowProcessorTime(secondsForAFolder);
         FcConfigAppFontAddDir(config.get(), reinterpret_cast<const FcChar8*>(folder.c_str()));
+        // At once: the next folder may be the end of this process.
+        told = tellFaces(config.get(), FcSetApplication, told);
     }
-    tellFaces(config.get(), FcSetApplication);
 }
 
 void readFilesOneByOne() {

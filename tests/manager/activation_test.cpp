@@ -202,6 +202,24 @@ TEST_F(AnActivation, TakesAFileBackThatFontconfigLoopsIn) {
     }
 }
 
+TEST_F(AnActivation, TakesNothingAwayThatNoReaderGotToTheEndOf) {
+    activate(fonts());
+    const std::string reader = sandbox_.root() + "/reader";
+    const std::pair<const char*, std::string> changes[] = {
+        {"Three", "exit 1"},
+        {"Two", "[ $1 = folders ] && printf 'at\\t7\\n' >&0 && exit 1; echo end >&0"}};
+    for (const auto& [name, script] : changes) {
+        addFont("two.ttf", name);
+        writeBytes(reader, "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(reader, std::filesystem::perms::owner_all);
+        Activation activation(sandbox_.places(), {}, reader);
+        const ContainerFonts wanted = fonts();
+        const auto outcome = activation.activate(std::span(&wanted, 1)).at(0);
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("/7: cannot be read by fontconfig")));
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One", name));
+    }
+}
+
 TEST_F(AnActivation, LeavesNothingThatTheDesktopsSettingsHide) {
     const std::string folder = "<dir>" + sandbox_.root() + "/data/fonts</dir>";
     const struct {
