@@ -67,6 +67,9 @@ std::vector<Container> containersOf(const Places& places, const std::vector<std:
 
 int addToGroup(const Places& places, const GroupTitle& title, const std::vector<std::string>& names,
                bool json) {
+    if (title.name.empty()) {
+        throw Error("a " + std::string(wordOf(title.kind)) + " needs a name");
+    }
     Tally tally(json, "added");
     const auto containers = containersOf(places, names, tally);
     if (containers.empty() && !names.empty()) {

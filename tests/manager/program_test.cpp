@@ -352,6 +352,7 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
         {{"collection", "add", "mine", "LATO & CO", "Nobody"}, 3, "mine: added Lato & Co"},
         {{"collection", "add", "mine", "2", "1"}, 0, "mine: added Twice"},
         {{"tag", "add", "bold", "Twice-B"}, 0, "tag:bold: added Twice (container 3, "},
+        {{"tag", "add", "", "1"}, 1, "a tag needs a name"},
         {{"deactivate", "tag:bold", "tag:mine"}, 3, "mine: there is no tag of this name"},
         {{"collection", "list", "mine"}, 0, "2  active  Twice"},
         {{"deactivate", "Twice", "collection:mine"}, 0, "container 2\ndeactivated container 1\n"},
