@@ -3,6 +3,7 @@
 #include "manager/cli/collectops.h"
 
 #include "manager/activation/activation.h"
+#include "manager/activation/filesteps.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
 #include "manager/cli/libraryops.h"
@@ -12,11 +13,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <stdlib.h>
 
 namespace manager {
@@ -57,7 +55,7 @@ public:
                         fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read |
                             fs::perms::others_exec,
                         fs::perm_options::add);
-        if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, wanted_.c_str(), RENAME_NOREPLACE) != 0) {
+        if (!renameToFree(path_, wanted_)) {
             throw systemError(wanted_.string(), "cannot be given its name", errno);
         }
         path_.clear();
@@ -68,18 +66,17 @@ private:
     fs::path path_;
 };
 
-/// A name for the container's folder that no other one has.
-std::string folderName(const Container& container, std::set<std::string>& taken) {
+/// Makes a folder for the container alone, whatever this file system takes for one name.
+fs::path makeFolderFor(const Container& container, const fs::path& parent) {
     std::string name = container.name;
     std::replace(name.begin(), name.end(), '/', '_');
     if (name.empty() || name.front() == '.') {
         name.insert(0, "_");
     }
-    if (!taken.insert(name).second) {
+    while (!fs::create_directory(parent / name)) {
         name += " (" + toText(container.id) + ")";
-        taken.insert(name);
     }
-    return name;
+    return parent / name;
 }
 
 std::string lineOf(const char* title, const std::string& text) {
@@ -95,15 +92,16 @@ public:
         : library_(library), folder_(folder), tally_(tally) {}
 
     void add(const Container& container) {
-        const fs::path own = folder_ / folderName(container, taken_);
-        fs::create_directory(own);
+        const fs::path own = makeFolderFor(container, folder_);
         const auto faces = library_.faces(container.id);
         for (const LibraryFile& file : library_.files(container.id)) {
             const std::string name = nameOf(file.path);
             std::error_code code;
             if (!fs::copy_file(file.path, own / name, code)) {
                 tally_.fail(systemError(file.path, "cannot be copied", code.value()).what());
-                fs::remove(own / name, code);
+                if (code != std::errc::file_exists) { // then it is another file's copy
+                    fs::remove(own / name, code);
+                }
                 continue;
             }
             tell(file, own.filename() / name, faces);
@@ -149,7 +147,6 @@ private:
     Library& library_;
     fs::path folder_;
     Tally& tally_;
-    std::set<std::string> taken_;
     std::string list_;
 };
 

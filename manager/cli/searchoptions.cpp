@@ -5,6 +5,7 @@
 #include "manager/library/error.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <glib.h>
 #include <map>
 #include <memory>
@@ -27,8 +28,29 @@ const std::map<std::string, faces::Classification> classes = {
     {"script", faces::Classification::Script},  {"decorative", faces::Classification::Decorative},
     {"symbol", faces::Classification::Symbol}};
 
-std::optional<Range> rangeOf(const std::vector<double>& ends) {
-    return ends.empty() ? std::nullopt : std::optional(Range{ends.front(), ends.back()});
+/// "400", "400-700". nullopt: neither.
+std::optional<Range> toRange(const std::string& text) {
+    Range range;
+    const char* const end = text.data() + text.size();
+    auto read = std::from_chars(text.data(), end, range.from);
+    range.to = range.from;
+    if (read.ec == std::errc() && read.ptr != end && *read.ptr == '-') {
+        read = std::from_chars(read.ptr + 1, end, range.to);
+    }
+    return read.ec == std::errc() && read.ptr == end ? std::optional(range) : std::nullopt;
+}
+
+void addRange(CLI::App& command, const std::string& name, std::optional<Range>& range,
+              const char* help) {
+    command.add_option_function<std::string>(
+        name,
+        [name, &range](const std::string& text) {
+            range = toRange(text);
+            if (!range) {
+                throw CLI::ValidationError(name, "'" + text + "' is no number and no range");
+            }
+        },
+        help);
 }
 
 std::u32string charactersOf(const std::string& text) {
@@ -45,12 +67,8 @@ std::u32string charactersOf(const std::string& text) {
 
 void SearchOptions::addTo(CLI::App& command) {
     command.add_option("word", words_, "Words that names of the face hold");
-    command.add_option("--weight", weight_, "Weight, or the lightest and the boldest (1 to 1000)")
-        ->expected(1, 2)
-        ->delimiter('-');
-    command.add_option("--width", width_, "Width in per cent, or the least and the greatest")
-        ->expected(1, 2)
-        ->delimiter('-');
+    addRange(command, "--weight", query_.weight, "Weight from 1 to 1000, or a range: 300-500");
+    addRange(command, "--width", query_.width, "Width in per cent, or a range: 50-87.5");
     command.add_option("--slant", query_.slants, "upright, italic, oblique")
         ->expected(1)
         ->transform(CLI::CheckedTransformer(slants));
@@ -85,8 +103,6 @@ FaceQuery SearchOptions::query() const {
     for (const std::string& word : words_) {
         query.text += (query.text.empty() ? "" : " ") + word;
     }
-    query.weight = rangeOf(weight_);
-    query.width = rangeOf(width_);
     const auto only = [](bool flag) { return flag ? std::optional(true) : std::nullopt; };
     query.monospaced = only(monospaced_);
     query.variable = only(variable_);

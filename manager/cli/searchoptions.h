@@ -23,8 +23,6 @@ public:
 private:
     FaceQuery query_;
     std::vector<std::string> words_;
-    std::vector<double> weight_; ///< one value or two
-    std::vector<double> width_;
     std::string covered_;
     bool monospaced_ = false;
     bool variable_ = false;

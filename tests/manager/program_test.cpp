@@ -309,6 +309,8 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
 
 TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     const std::string font = makeFont({"Plain/Sans", "Regular", "PlainSans"});
+    const std::string namesake = makeFont({"Plain/Sans (4)", "Regular", "Namesake"});
+    sandbox_.write("fonts/copy.ttf", namesake);
     sandbox_.write("fonts/plain.ttf", font);
     sandbox_.write("more/copy.ttf", font);
     std::filesystem::create_hard_link(sandbox_.library() + "/fonts/lato.ttf",
@@ -316,10 +318,12 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     const std::string target = sandbox_.root() + "/to";
     const auto listing = [&](const std::string& file) { return readBytes(target + "/" + file); };
     expectEach({
-        {{"add", sandbox_.library()}, 0, "4 font files read"},
+        {{"add", sandbox_.library()}, 0, "5 font files read"},
         {{"search", "plain", "SANS"}, 0, "  inactive  Plain/Sans Regular, "},
         {{"search", "--weight", "600-800", "--json"}, 0, "\"total\": 2"},
-        {{"search", "--covers", "a", "--limit", "1"}, 0, "4 in all; --limit shows more"},
+        {{"search", "--weight", "700", "lato", "--json"}, 0, "\"total\": 2"},
+        {{"search", "--width", "75-"}, 2, "--width: '75-' is no number and no range"},
+        {{"search", "--covers", "a", "--limit", "1"}, 0, "5 in all; --limit shows more"},
         {{"search", "--slant", "bent"}, 2, "--slant"},
         {{"search", "--covers", "\xff"}, 1, "--covers: not a text in UTF-8"},
         {{"info", "PlainSans", "Nobody"}, 3, "  PostScript name: PlainSans\n"},
@@ -327,11 +331,13 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
          0,
          sandbox_.library() + "/fonts/plain.ttf " + sandbox_.library() + "/more/copy"},
         {{"collect", "--to", target, "Nobody"}, 1, "Nobody: no container"},
-        {{"collect", "--to", target, "p*", "2"}, 0, "copied Plain_Sans/plain.ttf\n"},
+        {{"collect", "--to", target, "p*", "3"}, 0, "copied Plain_Sans/plain.ttf\n"},
         {{"collect", "--to", target, "1"}, 1, target + ": is there already"},
         {{"collect", "--to", target + "2/no", "1"}, 1, target + "2/no: cannot be made"},
     });
     EXPECT_EQ(listing("Plain_Sans/plain.ttf"), font);
+    EXPECT_EQ(listing("Plain_Sans (4)/copy.ttf"), namesake);
+    EXPECT_EQ(listing("Plain_Sans (4) (4)/copy.ttf"), font);
     EXPECT_THAT(listing("fonts.txt"), HasSubstr("    PostScript name: PlainSans\n"));
     EXPECT_THAT(glyphora({"duplicates"}).output, testing::Not(HasSubstr("lato"))) << "one file";
     std::filesystem::remove(sandbox_.library() + "/more/copy.ttf");
