@@ -37,7 +37,7 @@ _glyphora() {
             ;;
         remove)
             local IFS=$'\n'
-            mapfile -t COMPREPLY < <(compgen -W "$(glyphora list 2>/dev/null | sed -n 's/: [0-9]* font files\{0,1\},.*//p')" -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W "$(_glyphora_folders | _glyphora_quoted)" -- "$current")
             compopt -o filenames
             ;;
         collection | tag)
@@ -45,7 +45,7 @@ _glyphora() {
                 mapfile -t COMPREPLY < <(compgen -W 'add remove list' -- "$current")
             elif [ "$position" -eq 1 ]; then
                 local IFS=$'\n'
-                mapfile -t COMPREPLY < <(compgen -W "$(_glyphora_groups "$command")" -- "$current")
+                mapfile -t COMPREPLY < <(compgen -W "$(_glyphora_groups "$command" | _glyphora_quoted)" -- "$current")
                 compopt -o filenames
             fi
             ;;
@@ -61,6 +61,16 @@ _glyphora() {
         '' | add | remove | collection | tag) ;;
         *) [[ $current == -* ]] && mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current") ;;
     esac
+}
+
+# What is a word of compgen -W is expanded like one of the shell, with the commands in it.
+_glyphora_quoted() {
+    sed "s/'/'\\\\''/g; s/^/'/; s/\$/'/"
+}
+
+# The recorded folders, one a line.
+_glyphora_folders() {
+    glyphora list 2>/dev/null | sed -n 's/: [0-9]* font files\{0,1\},.*//p'
 }
 
 # The names of collections or tags, one a line.

@@ -348,6 +348,17 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     }
 }
 
+TEST_F(TheProgram, IsCompletedByNamesAsTheyAre) {
+    const std::string name = "a '$(echo b)";
+    EXPECT_EQ(glyphora({"tag", "add", name}).status, 0);
+    const char* script = ". " GLYPHORA_COMPLETION "; compopt() { :; }\n"
+                         "glyphora() { " GLYPHORA_PROGRAM " \"$@\"; }\n"
+                         "COMP_WORDS=(glyphora tag remove a) COMP_CWORD=3; _glyphora\n"
+                         "printf '<%s>' \"${COMPREPLY[@]}\"";
+    EXPECT_EQ(ProgramRun({"-c", script}, sandbox_.root() + "/log.shell", "/bin/bash").wait().output,
+              "<" + name + ">");
+}
+
 TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
     sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
     sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
