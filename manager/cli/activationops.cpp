@@ -97,6 +97,11 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
     std::vector<ContainerId> ids;
     std::vector<Told> told;
     for (const Container& container : finder.find(names)) {
+        if (container.shownByDesktop && !activation.isActive(container)) {
+            tally.remark(container.name + " (" + container.path() +
+                         "): the desktop shows it without being activated");
+            continue;
+        }
         fonts.push_back(
             {container.id, container.name, finder.library().files(container.id), {reason}});
         ids.push_back(container.id);

@@ -379,6 +379,12 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
         {{"collection", "remove", "mine"}, 0, "removed collection:mine"},
         {{"collection", "list", "mine", "--json"}, 1, "{\n  \"problems\": [\n"},
     });
+    sandbox_.setFontconfig("<dir>" + sandbox_.root() + "/data/fonts</dir><dir>" +
+                           sandbox_.library() + "/fonts/other</dir>");
+    expectEach({
+        {{"scan"}, 0, "fonts/other: the desktop shows"},
+        {{"activate", "--json", "Twice-B"}, 0, "\"activated\": [],"},
+    });
     // The command did not wait for what is due a second after it.
     const std::string staging = sandbox_.places().fonts() + "/.staging";
     EXPECT_TRUE(await([&] { return std::filesystem::is_empty(staging); }));
