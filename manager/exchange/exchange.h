@@ -35,14 +35,15 @@ struct Answer {
 /// Answers one command text; never throws for what stands in it. Throws Error when the index cannot
 /// be read (see failureReply).
 ///
-/// fontRequest: a face in exactly one container is activated; one in several is reported with all
-/// of them and asks for the window; one in none has count 0 and the requested type, or none. A
-/// font keeps the PostScript name that it was asked for by. activationRequest: activates the
-/// container named; when there is none, it does not hold the font or the font does not become
-/// visible, the best other one by PostScript name (CandidateFinder::find tells which is best), and
-/// answers with that. A font that nobody holds is judged by the whole container named. showRequest,
-/// buyRequest: tell what is held; nothing is opened or bought. In all of them a font that the
-/// desktop shows already is active, whoever holds it, and is not activated a second time.
+/// fontRequest: a face in exactly one container is activated, and so is the only one of the
+/// requested type; one in several is else reported with all of them and asks for the window; one in
+/// none has count 0 and the requested type, or none. A font keeps the PostScript name that it was
+/// asked for by. activationRequest: activates the container named; when there is none, it does not
+/// hold the font or the font does not become visible, the best other one by PostScript name
+/// (CandidateFinder::find tells which is best), and answers with that. A font that nobody holds is
+/// judged by the whole container named. showRequest, buyRequest: tell what is held; nothing is
+/// opened or bought. In all of them a font that the desktop shows already is active, whoever holds
+/// it, and is not activated a second time.
 ///
 /// One round of it: what is still to be activated is found in `run` afterwards, and counts as not
 /// active in this answer. What is activated counts for the document of the process that a
