@@ -13,16 +13,31 @@
 
 namespace manager {
 
+namespace {
+
+/// Reads fonts for others and is gone in a moment.
+bool isReader(const std::filesystem::path& process) {
+    std::error_code code;
+    const auto program = std::filesystem::read_symlink(process / "exe", code).filename();
+    return program == "glyphora-desktop" || program == "fc-cache";
+}
+
+} // namespace
+
 std::unordered_map<std::string, std::vector<ProcessMark>>
 mappersOfFilesBelow(const std::string& root) {
     constexpr std::size_t maximumLength = std::size_t{64} << 20U;
-    const std::string beginning = " " + root + "/";
     std::unordered_map<std::string, std::vector<ProcessMark>> mappers;
     std::error_code code;
+    const std::string resolved = std::filesystem::canonical(root, code).string(); // as maps have it
+    if (code) {
+        return mappers;
+    }
+    const std::string beginning = " " + resolved + "/";
     for (std::filesystem::directory_iterator entry("/proc", code), end; !code && entry != end;
          entry.increment(code)) {
         const auto id = toNumber<std::int32_t>(entry->path().filename().string());
-        if (!id || *id == getpid()) {
+        if (!id || *id == getpid() || isReader(entry->path())) {
             continue;
         }
         std::string maps;
@@ -35,7 +50,7 @@ mappersOfFilesBelow(const std::string& root) {
         for (std::size_t at = maps.find(beginning); mark && at != std::string::npos;
              at = maps.find(beginning, at + 1)) {
             const std::string_view line(maps.data() + at + 1, maps.find('\n', at) - at - 1);
-            auto& known = mappers[folderOf(line)];
+            auto& known = mappers[root + folderOf(line).substr(resolved.size())];
             if (std::find(known.begin(), known.end(), *mark) == known.end()) {
                 known.push_back(*mark);
             }

@@ -10,8 +10,9 @@
 
 namespace manager {
 
-/// The user's running programs, this one apart, that have files below `root` mapped into memory, by
-/// the folder of the file. Reads the memory maps of all of the user's processes.
+/// The user's running programs that have files below `root` mapped into memory, by the folder of
+/// the file; this one and those that only read fonts for others apart. Reads the memory maps of all
+/// of the user's processes.
 [[nodiscard]] std::unordered_map<std::string, std::vector<ProcessMark>>
 mappersOfFilesBelow(const std::string& root);
 

@@ -2,6 +2,7 @@
 // Reasons: when they end, and how they are written down.
 #include "manager/activation/reason.h"
 
+#include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
 #include "manager/library/places.h"
@@ -13,6 +14,7 @@
 #include <fcntl.h>
 #include <random>
 #include <sstream>
+#include <unistd.h>
 
 namespace manager {
 
@@ -53,12 +55,15 @@ std::string newSession(const std::string& path) {
     std::ostringstream name;
     name << std::hex << random() << random() << random() << random();
     const std::string text = name.str() + "\n";
+    // Aside, so that nobody ever finds it empty.
+    const std::string aside = path + "." + name.str();
     const sys::Descriptor file(
-        open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file || !sys::writeAll(file.get(), text)) {
-        return {};
+        open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const bool isMade = file && sys::writeAll(file.get(), text) && renameToFree(aside, path);
+    if (!isMade) {
+        unlink(aside.c_str());
     }
-    return name.str();
+    return isMade ? name.str() : std::string();
 }
 
 constexpr std::array<std::string_view, 5> kindNames = {"hand", "document", "use", "logout", "time"};
@@ -114,7 +119,8 @@ bool stands(const Reason& reason) {
     case Reason::Kind::InUse:
         return isRunning(reason.process);
     case Reason::Kind::UntilLogout:
-        return firstLine(sessionPath()) == reason.session;
+        // Whoever has no runtime folder knows of no logout.
+        return sessionPath().empty() || firstLine(sessionPath()) == reason.session;
     case Reason::Kind::UntilTime:
         break;
     }

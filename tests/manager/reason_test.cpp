@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What containers are active for: when that ends, what then leaves, and what stays under a program.
+#include "manager/activation/mappedfiles.h"
 #include "manager/library/error.h"
 #include "system/child.h"
 #include "tests/manager/activationfixture.h"
@@ -8,6 +9,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <memory>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -63,6 +65,10 @@ TEST_F(AReason, KeepsASetAsLongAsOneOfThemStands) {
     EXPECT_FALSE(Reason::forDocumentOf(process));
     EXPECT_THAT(withdrawDue(), IsEmpty());
     EXPECT_THAT(reasons(), ElementsAre("until logout"));
+    {
+        const testsupport::Variable none("XDG_RUNTIME_DIR", "");
+        EXPECT_THAT(withdrawDue(), IsEmpty()) << "who has no such folder cannot tell";
+    }
     // The next login has a runtime folder of its own.
     std::filesystem::remove_all(sandbox_.root() + "/run");
     std::filesystem::create_directory(sandbox_.root() + "/run");
@@ -114,7 +120,7 @@ TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
     const pid_t program = fork();
     if (program == 0) {
         const int file = open((set() + "/one.ttf").c_str(), O_RDONLY);
-        mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0);
+        static_cast<void>(mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0));
         kill(getppid(), SIGUSR1);
         pause();
     }
@@ -130,6 +136,23 @@ TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
     waitpid(program, nullptr, 0);
     EXPECT_EQ(withdrawDue().size(), 1U);
     EXPECT_THAT(visibleFamilies(), IsEmpty());
+}
+
+TEST_F(AReason, IsNotThatItsFontIsReadForOthers) {
+    // Each program is a file below the folder, which it maps, and so in place of a font.
+    const std::string folder = sandbox_.root() + "/sets";
+    const std::string link = sandbox_.root() + "/link";
+    std::filesystem::create_directory(folder);
+    std::filesystem::create_symlink(folder, link);
+    std::vector<std::unique_ptr<sys::Child>> programs;
+    for (const char* name : {"/glyphora-desktop", "/fc-cache", "/editor"}) {
+        std::filesystem::copy_file("/bin/cat", folder + name);
+        programs.push_back(
+            std::make_unique<sys::Child>(folder + name, std::span<const std::string>()));
+    }
+    const auto mappers = mappersOfFilesBelow(link);
+    ASSERT_TRUE(mappers.contains(link));
+    EXPECT_THAT(mappers.at(link), ElementsAre(*markOf(programs.back()->process())));
 }
 
 TEST(ALock, IsWaitedForAWhileAndThenSaysWhoHasIt) {
