@@ -64,6 +64,10 @@ void Server::round(Pending& pending) {
         }
         pending.answer =
             answerCommand(*library_, activation_, pending.command, pending.sender, pending.run);
+        if (desktopAwaited_) { // may show them already
+            pending.run.giveUpWanted();
+            pending.isLookedUp = false;
+        }
         std::vector<ContainerFonts> wanted = pending.run.takeWanted();
         for (const ContainerFonts& container : wanted) {
             pending.awaited.insert(static_cast<std::int32_t>(container.id));
@@ -104,7 +108,9 @@ Server::Clock::time_point Server::deadlineOf(const Pending& pending) {
 void Server::answerAsItStands(Pending& pending) {
     const std::string lock = places_.fonts() + "/.lock";
     if (const std::string holder = lockHolder(lock); !holder.empty()) {
-        pending.run.setRemark(lock + ": is locked" + holder + "; the rest is done when it is free");
+        pending.run.setRemark(lock + ": is locked" + holder +
+                              "; the rest is done if it is free within " +
+                              std::to_string(lockPatience.count()) + " s");
     }
     // Once more with what is done by now, unless the first round has taken the time for it.
     if (Clock::now() < deadlineOf(pending) + spareTime || !pending.isLookedUp) {

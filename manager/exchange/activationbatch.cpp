@@ -28,6 +28,13 @@ void ActivationRun::use(const Container& container, Library& library) {
     }
 }
 
+void ActivationRun::giveUpWanted() {
+    for (const ContainerFonts& container : std::exchange(wanted_, {})) {
+        byId_.erase(static_cast<std::int32_t>(container.id));
+        all_.pop_back(); // the last ones, in this order
+    }
+}
+
 void ActivationRun::tell(ContainerId id, ActivationOutcome outcome) {
     const auto position = byId_.find(static_cast<std::int32_t>(id));
     if (position != byId_.end()) {

@@ -33,6 +33,8 @@ public:
     /// What was asked for since the last call, each container once in a command.
     [[nodiscard]] std::vector<ContainerFonts> takeWanted() { return std::exchange(wanted_, {}); }
     [[nodiscard]] std::vector<ContainerFonts> takeUsed() { return std::exchange(used_, {}); }
+    /// Forgets what was asked for since the last call of takeWanted(), as if it had never been.
+    void giveUpWanted();
     /// The outcome of one that was wanted.
     void tell(ContainerId id, ActivationOutcome outcome);
     /// A problem of the moment, told in every answer until it is another; empty for none.

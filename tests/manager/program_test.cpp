@@ -165,10 +165,27 @@ TEST_F(TheProgram, AnswersWhileSetsAreLockedAndSaysByWhom) {
     const std::string reply = send(request("Lato-Bold")).value_or("no reply");
     EXPECT_THAT(reply, HasSubstr("<isActive>0</isActive>"));
     EXPECT_THAT(reply, HasSubstr(".lock: is locked by manager_program (" +
-                                 std::to_string(getpid()) + "); the rest is done when"));
+                                 std::to_string(getpid()) + "); the rest is done if"));
     held.reset();
     const std::string file = sandbox_.places().fonts() + "/1/lato.ttf";
     EXPECT_TRUE(await([&] { return std::filesystem::exists(file); })) << server_->output();
+}
+
+TEST_F(TheProgram, ActivatesNothingBeforeItKnowsTheDesktop) {
+    sandbox_.write("other/other.ttf", makeFont({"Other", "Regular", "Other"}));
+    for (const char* folder : {"/fonts", "/other"}) {
+        ASSERT_EQ(glyphora({"add", sandbox_.library() + folder}).status, 0);
+    }
+    const std::string sets = sandbox_.places().fonts();
+    std::filesystem::create_directories(sets);
+    std::filesystem::copy_file(sandbox_.library() + "/fonts/lato.ttf", sets + "/../lato.ttf");
+    std::optional<manager::FileLock> held(sets + "/.lock"); // before it can look
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "0");
+    held.reset();
+    EXPECT_EQ(askFor("Other", "isActive"), "1"); // after the other one, in turn
+    EXPECT_TRUE(std::filesystem::exists(sets + "/2/other.ttf"));
+    EXPECT_FALSE(std::filesystem::exists(sets + "/1"));
 }
 
 TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
