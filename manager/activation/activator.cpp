@@ -17,6 +17,8 @@ namespace {
 constexpr std::chrono::milliseconds settleDelay{1100};
 // As many as are done in a fraction of a second: others wait no longer for their turn.
 constexpr std::size_t largestBatch = 200;
+// What failed was most likely locked for longer than anybody waits for it.
+constexpr std::chrono::minutes retryDelay{1};
 
 void activateBatch(Activation& activation, std::vector<ContainerFonts> batch, ActivatorNews& news) {
     std::vector<ActivationOutcome> outcomes(batch.size());
@@ -35,12 +37,14 @@ void activateBatch(Activation& activation, std::vector<ContainerFonts> batch, Ac
     }
 }
 
-/// Tells what a step throws as a problem.
-void guarded(ActivatorNews& news, const std::function<void()>& step) {
+/// Tells what a step throws as a problem. Whether it threw nothing.
+bool guarded(ActivatorNews& news, const std::function<void()>& step) {
     try {
         step();
+        return true;
     } catch (const std::exception& error) {
         news.problems.emplace_back(error.what());
+        return false;
     }
 }
 
@@ -143,14 +147,21 @@ std::function<void(Activation&, ActivatorNews&)> Activator::next() {
     };
     // At the end the settling is waited for all the same.
     const auto isToGoOn = [&] { return ending_ ? !settling_ : isAwake(); };
-    if (settling_) {
-        wake_.wait_until(lock, *settling_, isToGoOn);
-        if (*settling_ <= Clock::now()) {
+    do {
+        const bool isRetryNext = retry_ && (!settling_ || *retry_ < *settling_);
+        if (const auto due = isRetryNext ? retry_ : settling_) {
+            wake_.wait_until(lock, *due, isToGoOn);
+        } else {
+            wake_.wait(lock, isToGoOn);
+        }
+        if (settling_ && *settling_ <= Clock::now()) {
             return {};
         }
-    } else {
-        wake_.wait(lock, isToGoOn);
-    }
+        if (retry_ && *retry_ <= Clock::now()) {
+            retry_.reset();
+            withdrawalWanted_ = true;
+        }
+    } while (!isToGoOn());
     if (ending_) {
         return {};
     }
@@ -161,11 +172,13 @@ std::function<void(Activation&, ActivatorNews&)> Activator::next() {
         };
     }
     if (std::exchange(withdrawalWanted_, false)) {
-        return [](Activation& activation, ActivatorNews& news) {
-            guarded(news, [&] {
-                news.withdrawn = activation.withdrawDue();
-                news.ending = activation.endingReasons();
-            });
+        return [this](Activation& activation, ActivatorNews& news) {
+            const bool done = recover(activation, news) &&
+                              guarded(news, [&] { news.withdrawn = activation.withdrawDue(); });
+            guarded(news, [&] { news.ending = activation.endingReasons(); });
+            if (!done) {
+                retry_ = Clock::now() + retryDelay;
+            }
         };
     }
     return [batch = takeSome()](Activation& activation, ActivatorNews& news) mutable {
@@ -173,13 +186,20 @@ std::function<void(Activation&, ActivatorNews&)> Activator::next() {
     };
 }
 
+bool Activator::recover(Activation& activation, ActivatorNews& news) {
+    isRecovered_ =
+        isRecovered_ || guarded(news, [&] {
+            activation.recover([&](const std::string& text) { news.mended.push_back(text); });
+        });
+    return isRecovered_;
+}
+
 void Activator::run() {
     std::optional<Activation> activation;
     ActivatorNews begun;
-    guarded(begun, [&] {
-        activation.emplace(places_);
-        activation->recover([&](const std::string& text) { begun.mended.push_back(text); });
-    });
+    if (guarded(begun, [&] { activation.emplace(places_); })) {
+        recover(*activation, begun);
+    }
     publish(std::move(begun));
     while (activation) {
         if (!settling_ && activation->isUnsettled()) {

@@ -59,6 +59,8 @@ private:
     using Queue = std::list<std::deque<ContainerFonts>>;
 
     void run();
+    /// Unless it is done. Whether it is now.
+    bool recover(Activation& activation, ActivatorNews& news);
     /// Something of what waits, or nothing when the next settling is due or the end has come.
     std::function<void(Activation&, ActivatorNews&)> next();
     std::vector<ContainerFonts> takeSome();
@@ -72,7 +74,10 @@ private:
     bool desktopWanted_ = false;
     bool withdrawalWanted_ = true;
     bool ending_ = false;
-    std::optional<Clock::time_point> settling_; ///< of the thread
+    // Of the thread.
+    std::optional<Clock::time_point> settling_;
+    std::optional<Clock::time_point> retry_; ///< of what withdraw() asks for
+    bool isRecovered_ = false;
     ActivatorNews news_;
     std::thread thread_; ///< last: it uses the others
 };
