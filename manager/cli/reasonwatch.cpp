@@ -18,6 +18,10 @@ namespace manager {
 ReasonWatch::ReasonWatch(const std::string& sets)
     : staging_(SetStaging(sets).path()), changes_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       ended_(epoll_create1(EPOLL_CLOEXEC)) {
+    watchStaging();
+}
+
+void ReasonWatch::watchStaging() {
     try {
         makeFolders(staging_);
     } catch (const Error&) { // NOLINT(bugprone-empty-catch): then there are no sets either
@@ -72,6 +76,9 @@ bool ReasonWatch::takeChange() {
     bool changed = false;
     while (read(changes_.get(), block.data(), block.size()) > 0) {
         changed = true;
+    }
+    if (changed) { // the folder may have been removed
+        watchStaging();
     }
     return changed;
 }

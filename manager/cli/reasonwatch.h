@@ -32,6 +32,8 @@ public:
     bool takeChange();
 
 private:
+    void watchStaging();
+
     std::string staging_;
     sys::Descriptor changes_; ///< inotify
     sys::Descriptor ended_;   ///< epoll over the processes
