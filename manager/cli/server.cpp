@@ -7,9 +7,11 @@
 #include "manager/cli/libraryops.h"
 #include "manager/cli/settling.h"
 #include "manager/library/error.h"
+#include "manager/library/fields.h"
 #include "manager/library/folders.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 
 namespace manager {
@@ -18,14 +20,21 @@ namespace {
 
 // Processes come and go; those that asked longest ago are forgotten first.
 constexpr std::size_t maximumTargets = 1024;
-// What is not done by then is answered as it stands. Whoever asks waits a second.
-constexpr std::chrono::milliseconds longestAnswer{750};
+// What is not done by then is answered as it stands: whoever asks waits a second. Machines that are
+// too slow for it may be given longer.
+std::chrono::milliseconds replyTime() {
+    constexpr std::chrono::milliseconds usual{750};
+    const char* const told = std::getenv("GLYPHORA_REPLY_TIME");
+    const auto time = toNumber<std::int32_t>(told != nullptr ? told : "");
+    return time && *time > 0 ? std::chrono::milliseconds(*time) : usual;
+}
 constexpr std::chrono::milliseconds spareTime{150};
 
 } // namespace
 
 Server::Server(const Places& places, bool verbose)
-    : places_(places), verbose_(verbose), activation_(places), activator_(places) {
+    : places_(places), verbose_(verbose), activation_(places), activator_(places),
+      replyTime_(replyTime()) {
     openLibrary();
 }
 
@@ -101,8 +110,8 @@ bool Server::finish(Pending& pending) {
     return true;
 }
 
-Server::Clock::time_point Server::deadlineOf(const Pending& pending) {
-    return pending.begun + longestAnswer - pending.roundTime;
+Server::Clock::time_point Server::deadlineOf(const Pending& pending) const {
+    return pending.begun + replyTime_ - pending.roundTime;
 }
 
 void Server::answerAsItStands(Pending& pending) {

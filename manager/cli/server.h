@@ -76,7 +76,7 @@ private:
     /// Makes all rounds for which nothing has to be awaited. False: something has.
     bool finish(Pending& pending);
     void answerAsItStands(Pending& pending);
-    static Clock::time_point deadlineOf(const Pending& pending);
+    [[nodiscard]] Clock::time_point deadlineOf(const Pending& pending) const;
     void takeNews();
     void noteQuestion(Pending& pending);
     void noteOutcome(const Answer& answer);
@@ -86,6 +86,7 @@ private:
     std::unique_ptr<Library> library_;
     Activation activation_; ///< only read
     Activator activator_;
+    std::chrono::milliseconds replyTime_;
     std::list<Pending> pending_;
     bool desktopAwaited_ = false;
     std::vector<ChangeTarget> targets_; ///< those that asked lately, the last one at the end

@@ -72,6 +72,7 @@ World::World() : parts_(std::make_unique<Parts>()) {
     setEnvironment("FONTCONFIG_FILE", (folder() / "fonts.conf").string());
     setEnvironment("DBUS_SESSION_BUS_ADDRESS", parts_->bus->address());
     setEnvironment("LC_ALL", "C.UTF-8");
+    setEnvironment("GLYPHORA_REPLY_TIME", "20000"); // however slow the machine is
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         setEnvironment(name, "");
     }

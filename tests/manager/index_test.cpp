@@ -18,7 +18,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 namespace {
 

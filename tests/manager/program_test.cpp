@@ -158,6 +158,7 @@ TEST_F(TheProgram, AnswersWithoutALibraryAndSeesLaterAdditions) {
 }
 
 TEST_F(TheProgram, AnswersWhileSetsAreLockedAndSaysByWhom) {
+    const Variable usual("GLYPHORA_REPLY_TIME", std::nullopt);
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     serve();
     EXPECT_EQ(askFor("Nobody", "count"), "0");
@@ -172,6 +173,7 @@ TEST_F(TheProgram, AnswersWhileSetsAreLockedAndSaysByWhom) {
 }
 
 TEST_F(TheProgram, ActivatesNothingBeforeItKnowsTheDesktop) {
+    const Variable usual("GLYPHORA_REPLY_TIME", std::nullopt);
     sandbox_.write("other/other.ttf", makeFont({"Other", "Regular", "Other"}));
     for (const char* folder : {"/fonts", "/other"}) {
         ASSERT_EQ(glyphora({"add", sandbox_.library() + folder}).status, 0);

@@ -32,6 +32,7 @@ private:
     testsupport::Variable data_{"XDG_DATA_HOME", root_ + "/data"};
     testsupport::Variable cache_{"XDG_CACHE_HOME", root_ + "/cache"};
     testsupport::Variable fontconfig_{"FONTCONFIG_FILE", root_ + "/fonts.conf"};
+    testsupport::Variable replyTime_{"GLYPHORA_REPLY_TIME", "20000"}; // on a slow machine, too
 };
 
 inline std::string readBytes(const std::string& path) {
