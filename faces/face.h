@@ -91,7 +91,8 @@ struct Axis {
 /// The characters of a face: ranges from first to last, in order, apart from each other.
 using Coverage = std::vector<std::pair<char32_t, char32_t>>;
 
-/// One face. A variable font has one for each named instance, or for its defaults when it has none.
+/// One face. A variable font has one for its defaults, and one for each named instance that is
+/// called otherwise.
 struct Face {
     std::uint32_t index = 0; ///< place in the file; named instance, from 1, in the upper 16 bits
     Technology technology = Technology::TrueType;

@@ -38,8 +38,8 @@ constexpr std::int64_t maximumFontFileSize = 512LL * 1024 * 1024;
 /// files (.afm, .pfm) do not.
 [[nodiscard]] bool hasFontFileName(std::string_view name);
 
-/// Reads a file's faces with fontconfig's scanner, so that they bear the names by which the desktop
-/// will know them. Throws UnreadableFont for anything that is no whole font, UnreadableNow for one
+/// [one-thread] Reads a file's faces: their names as they stand in the file, numbered as fontconfig
+/// does. Throws UnreadableFont for anything that is no whole font, UnreadableNow for one
 /// that could not be looked at. The time for a hostile file is not bounded here: whoever reads
 /// files of unknown origin does it in a process apart.
 [[nodiscard]] FontFileContents readFontFile(const std::string& path);
