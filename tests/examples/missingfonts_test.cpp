@@ -89,13 +89,16 @@ TEST_F(APeerInAnotherLanguage, MakesAllFourRequests) {
          "  1  Lato & <Co> Bold — OpenType TrueType, 1 style, " +
              sandbox_.library() + "/a\nOwn: not active, in 2 containers\n  2  "},
         {{"activate", "3", "Own"}, "Own: active, in ? containers\n"},
-        {{"show", "Own"}, "Own: active, in 2 containers\n"},
         {{"show", "two\nlines"}, "two lines: not active, in 0 containers\n"},
         {{"activate", "9", "Nobody"}, "font 'Nobody', container '9': not in the library\n"},
     };
     for (const auto& [arguments, output] : cases) {
         EXPECT_THAT(ask(arguments).output, HasSubstr(output));
     }
+    // What a process has asked for leaves after it.
+    EXPECT_TRUE(await([&] {
+        return ask({"show", "Own"}).output == "Own: not active, in 2 containers\n";
+    }));
 }
 
 TEST_F(APeerInAnotherLanguage, HearsOfChanges) {
