@@ -4,6 +4,7 @@
 #include "manager/library/error.h"
 #include "system/child.h"
 #include "tests/manager/activationfixture.h"
+#include "tests/manager/programrun.h"
 
 #include <csignal>
 #include <ctime>
@@ -149,6 +150,8 @@ TEST_F(AReason, IsNotThatItsFontIsReadForOthers) {
         std::filesystem::copy_file("/bin/cat", folder + name);
         programs.push_back(
             std::make_unique<sys::Child>(folder + name, std::span<const std::string>()));
+        const std::string maps = "/proc/" + std::to_string(programs.back()->process()) + "/maps";
+        ASSERT_TRUE(await([&] { return readBytes(maps).find(folder) != std::string::npos; }));
     }
     const auto mappers = mappersOfFilesBelow(link);
     ASSERT_TRUE(mappers.contains(link));
