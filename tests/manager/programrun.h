@@ -3,28 +3,15 @@
 #pragma once
 
 #include "tests/manager/sandbox.h"
+#include "tests/support/await.h"
 
-#include <chrono>
-#include <functional>
 #include <gio/gio.h>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace managertest {
 
-inline bool await(const std::function<bool()>& condition) {
-    using Clock = std::chrono::steady_clock;
-    // A watchdog, far beyond what anything here takes.
-    const auto deadline = Clock::now() + std::chrono::seconds(60);
-    while (!condition()) {
-        if (Clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
+using testsupport::await;
 
 struct Ending {
     int status = -1;

@@ -4,7 +4,7 @@
 #include "manager/library/error.h"
 #include "system/child.h"
 #include "tests/manager/activationfixture.h"
-#include "tests/manager/programrun.h"
+#include "tests/support/await.h"
 
 #include <csignal>
 #include <ctime>
@@ -151,7 +151,8 @@ TEST_F(AReason, IsNotThatItsFontIsReadForOthers) {
         programs.push_back(
             std::make_unique<sys::Child>(folder + name, std::span<const std::string>()));
         const std::string maps = "/proc/" + std::to_string(programs.back()->process()) + "/maps";
-        ASSERT_TRUE(await([&] { return readBytes(maps).find(folder) != std::string::npos; }));
+        ASSERT_TRUE(
+            testsupport::await([&] { return readBytes(maps).find(folder) != std::string::npos; }));
     }
     const auto mappers = mappersOfFilesBelow(link);
     ASSERT_TRUE(mappers.contains(link));
