@@ -17,6 +17,22 @@ namespace {
 constexpr float mostOfAPart = 2;
 constexpr float mostOfScripts = 1.5;
 
+/// A part that people have words for.
+struct Told {
+    std::size_t part;
+    float least; ///< difference that is worth telling
+    std::string_view less;
+    std::string_view more;
+};
+constexpr std::array differences = {
+    Told{15, 1, "not monospaced", "monospaced"},
+    Told{14, 1, "upright", "slanted"},
+    Told{10, 1, "without serifs", "with serifs"},
+    Told{8, 1, "lighter", "bolder"},
+    Told{0, 3, "narrower", "wider"},
+    Told{1, 1.5, "smaller letters", "larger letters"},
+};
+
 } // namespace
 
 // The divisors come from families that are copies of each other, set by the recall that
@@ -77,6 +93,17 @@ float distance(const Likeness& one, const Likeness& other) {
         sum += std::min(std::abs(one.parts[i] - other.parts[i]), mostOfAPart);
     }
     return sum;
+}
+
+std::string differenceText(const Likeness& one, const Likeness& other) {
+    std::string text;
+    for (const auto& [part, least, less, more] : differences) {
+        const float difference = other.parts[part] - one.parts[part];
+        if (std::abs(difference) >= least) {
+            text.append(text.empty() ? "" : ", ").append(difference < 0 ? less : more);
+        }
+    }
+    return text;
 }
 
 std::vector<SimilarFace> similarFaces(const Likeness& wanted, std::span<const Likeness> faces,

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +31,10 @@ struct Likeness {
 /// How far two faces are apart: 0 for the same drawing; about 2 for a copy of a design; from 12 on
 /// they have little in common.
 [[nodiscard]] float distance(const Likeness& one, const Likeness& other);
+
+/// How a reader sees that `other` is not `one`, the most striking first: "lighter, narrower".
+/// Empty: hardly.
+[[nodiscard]] std::string differenceText(const Likeness& one, const Likeness& other);
 
 struct SimilarFace {
     std::size_t place = 0; ///< in what was searched

@@ -40,6 +40,7 @@ Server::Server(const Places& places, bool verbose)
 
 void Server::openLibrary() {
     library_.reset(); // its files may be those of an index that was moved aside
+    standIns_ = {};
     library_ = openForUse(places_);
     scanNeeded_ = scanNeeded_ || library_->isScanOwed();
 }
@@ -71,8 +72,8 @@ void Server::round(Pending& pending) {
         if (!library_ || library_->isReplaced()) {
             openLibrary();
         }
-        pending.answer =
-            answerCommand(*library_, activation_, pending.command, pending.sender, pending.run);
+        pending.answer = answerCommand(*library_, activation_, standIns_, pending.command,
+                                       pending.sender, pending.run);
         if (desktopAwaited_) { // may show them already
             pending.run.giveUpWanted();
             pending.isLookedUp = false;

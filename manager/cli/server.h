@@ -85,6 +85,7 @@ private:
     bool verbose_;
     std::unique_ptr<Library> library_;
     Activation activation_; ///< only read
+    StandIns standIns_;
     Activator activator_;
     std::chrono::milliseconds replyTime_;
     std::list<Pending> pending_;

@@ -2,11 +2,10 @@
 // Grouping and ranking of what a look-up found.
 #include "manager/exchange/candidates.h"
 
-#include "faces/matching.h"
+#include "manager/exchange/lookup.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <span>
 #include <tuple>
 #include <utility>
 
@@ -50,86 +49,12 @@ bool isBetter(const Candidate& a, const Candidate& b) {
     return key(a) < key(b);
 }
 
-/// How far the axes of a variable font go from the style of one of its instances.
-std::optional<faces::Reach> reachOf(const FaceMatch& face) {
-    if (face.axes.empty()) {
-        return std::nullopt;
-    }
-    faces::Reach reach{face.style, face.style};
-    for (const faces::Axis& axis : face.axes) {
-        if (axis.tag == "wght") {
-            reach.from.weight = axis.minimum;
-            reach.to.weight = axis.maximum;
-        } else if (axis.tag == "wdth") {
-            reach.from.width = axis.minimum;
-            reach.to.width = axis.maximum;
-        }
-    }
-    return reach;
-}
-
-/// Asks the index for more and more, until the rule finds the face in what has come.
-class LookUp {
-public:
-    LookUp(Library& library, faces::Wanted wanted)
-        : library_(library), wanted_(std::move(wanted)), keys_(faces::keysOf(wanted_)) {}
-
-    std::vector<faces::Match> run() {
-        if (isFound(library_.findByPostScriptKey(keys_.postScriptName)) ||
-            (isFound(library_.findByFamily(keys_.family)) &&
-             matches_.front().ground == faces::Ground::FamilyAndStyle)) {
-            return std::move(matches_);
-        }
-        for (const std::string& key : keys_.fullNames) { // better than another word for the style
-            isFound(library_.findByFullName(key));
-        }
-        for (const std::string& key : keys_.normalisedFamilies) {
-            if (!isExact()) {
-                isFound(library_.findByNormalisedFamily(key));
-            }
-        }
-        return std::move(matches_);
-    }
-
-    FaceMatch& face(const faces::Match& match) { return faces_[match.face]; }
-
-private:
-    [[nodiscard]] bool isExact() const {
-        return !matches_.empty() && faces::isExact(matches_.front().ground);
-    }
-
-    bool isFound(std::vector<FaceMatch> more) {
-        bool any = false;
-        for (FaceMatch& face : more) {
-            if (std::none_of(faces_.begin(), faces_.end(),
-                             [&](const FaceMatch& known) { return known.id == face.id; })) {
-                faces_.push_back(std::move(face));
-                any = true;
-            }
-        }
-        if (any) {
-            std::vector<faces::Known> known;
-            known.reserve(faces_.size());
-            for (const FaceMatch& face : faces_) {
-                // The instances of a variable font all have the font's full name.
-                known.push_back(
-                    {face.postScriptName,
-                     face.axes.empty() ? std::span(face.fullNames) : std::span<const std::string>(),
-                     face.names, face.style, reachOf(face)});
-            }
-            matches_ = faces::match(wanted_, known);
-        }
-        return isExact();
-    }
-
-    Library& library_;
-    faces::Wanted wanted_;
-    faces::Keys keys_;
-    std::vector<FaceMatch> faces_;
-    std::vector<faces::Match> matches_;
-};
-
 } // namespace
+
+faces::Wanted wantedOf(const CommandFont& font) {
+    return {font.postScriptName.value_or(""), font.familyName.value_or(""),
+            font.styleName.value_or("")};
+}
 
 const Candidate* Finding::decided(const CommandFont& font) const {
     if (exact.size() == 1) {
@@ -148,31 +73,35 @@ const Candidate* Finding::decided(const CommandFont& font) const {
 }
 
 Finding CandidateFinder::find(const CommandFont& font) {
-    LookUp lookUp(library_, {font.postScriptName.value_or(""), font.familyName.value_or(""),
-                             font.styleName.value_or("")});
-    constexpr std::size_t mostNear = 5;
+    LookUp lookUp(library_, wantedOf(font));
     Finding finding;
     std::vector<FaceMatch> exact;
     for (const faces::Match& match : lookUp.run()) {
         if (faces::isExact(match.ground)) {
             exact.push_back(std::move(lookUp.face(match)));
-            continue;
-        }
-        if (finding.near.size() == mostNear) {
+        } else if (!addNear(finding, font, std::move(lookUp.face(match)), match.reason)) {
             break;
-        }
-        auto near = candidate(font, std::move(lookUp.face(match)));
-        if (near &&
-            std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
-                return of.container.id == near->container.id ||
-                       library_.haveSameBytes(of.face, near->face);
-            })) {
-            near->reason = match.reason;
-            finding.near.push_back(std::move(*near));
         }
     }
     finding.exact = holders(font, std::move(exact));
     return finding;
+}
+
+bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMatch&& face,
+                              const std::string& reason) {
+    constexpr std::size_t most = 5;
+    if (finding.near.size() == most) {
+        return false;
+    }
+    auto near = candidate(font, std::move(face));
+    if (near && std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
+            return of.container.id == near->container.id ||
+                   library_.haveSameBytes(of.face, near->face);
+        })) {
+        near->reason = reason;
+        finding.near.push_back(std::move(*near));
+    }
+    return true;
 }
 
 std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,

@@ -2,6 +2,7 @@
 // The containers that hold a wanted face, best first.
 #pragma once
 
+#include "faces/matching.h"
 #include "manager/activation/activation.h"
 #include "manager/activation/desktopfonts.h"
 #include "manager/exchange/commandtext.h"
@@ -41,6 +42,9 @@ struct Finding {
     }
 };
 
+/// The face that a command asks for.
+[[nodiscard]] faces::Wanted wantedOf(const CommandFont& font);
+
 /// Finds candidates by the rule of faces/matching.h; remembers containers for as long as one
 /// command is answered.
 class CandidateFinder {
@@ -50,6 +54,10 @@ public:
 
     /// Of containers with the same file, byte for byte, the best stands for all.
     [[nodiscard]] Finding find(const CommandFont& font);
+    /// Adds one that only comes near, unless its container or its file is there already. False:
+    /// there are enough.
+    bool addNear(Finding& finding, const CommandFont& font, FaceMatch&& face,
+                 const std::string& reason);
 
     /// The faces that the desktop shows already, by the PostScript name that is asked for and by
     /// those of the candidates. Those in the sets of the candidates are left out: whether they are

@@ -55,10 +55,10 @@ struct Choice {
 /// Answers one command.
 class Exchange {
 public:
-    Exchange(Library& library, const Activation& activation, const Command& command,
-             ActivationRun& run, Answer& answer)
-        : library_(library), activation_(activation), run_(run), finder_(library, activation),
-          command_(command), answer_(answer), reply_(command.word) {
+    Exchange(Library& library, const Activation& activation, StandIns& standIns,
+             const Command& command, ActivationRun& run, Answer& answer)
+        : library_(library), activation_(activation), standIns_(standIns), run_(run),
+          finder_(library, activation), command_(command), answer_(answer), reply_(command.word) {
         answer_.problems = command.problems;
     }
 
@@ -89,12 +89,12 @@ public:
 
 private:
     void answerFontRequest() {
-        std::vector<Found> found;
-        found.reserve(command_.fonts.size());
+        const std::vector<Found> found = lookUpAll();
         ActivationBatch batch;
         bool showWindow = false;
-        for (const CommandFont& font : command_.fonts) {
-            const auto& [held, shown] = found.emplace_back(lookUp(font));
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const CommandFont& font = command_.fonts[i];
+            const auto& [held, shown] = found[i];
             if (shown.empty() && !held.exact.empty() && held.exact.front().active &&
                 activation_.isActive(held.exact.front().container)) {
                 run_.use(held.exact.front().container, library_);
@@ -185,6 +185,20 @@ private:
         reply_.endFont();
     }
 
+    std::vector<Found> lookUpAll() {
+        std::vector<Found> found;
+        found.reserve(command_.fonts.size());
+        std::vector<Absent> absent;
+        for (const CommandFont& font : command_.fonts) {
+            auto& [held, shown] = found.emplace_back(lookUp(font));
+            if (held.exact.empty() && shown.empty()) {
+                absent.push_back({font, held});
+            }
+        }
+        standIns_.add(library_, finder_, absent);
+        return found;
+    }
+
     Found lookUp(const CommandFont& font) {
         Finding held = finder_.find(font);
         auto shown = finder_.shown(font, held.exact);
@@ -237,6 +251,7 @@ private:
 
     Library& library_;
     const Activation& activation_;
+    StandIns& standIns_;
     ActivationRun& run_;
     CandidateFinder finder_;
     const Command& command_;
@@ -246,8 +261,9 @@ private:
 
 } // namespace
 
-Answer answerCommand(Library& library, const Activation& activation, std::string_view text,
-                     std::optional<std::int32_t> sender, ActivationRun& run) {
+Answer answerCommand(Library& library, const Activation& activation, StandIns& standIns,
+                     std::string_view text, std::optional<std::int32_t> sender,
+                     ActivationRun& run) {
     Answer answer;
     Command command;
     try {
@@ -270,15 +286,16 @@ Answer answerCommand(Library& library, const Activation& activation, std::string
             break;
         }
     }
-    answer.reply = Exchange(library, activation, command, run, answer).run();
+    answer.reply = Exchange(library, activation, standIns, command, run, answer).run();
     return answer;
 }
 
 Answer answerCommand(Library& library, Activation& activation, std::string_view text) {
     activation.refreshDesktop();
     ActivationRun run;
+    StandIns standIns;
     for (;;) {
-        Answer answer = answerCommand(library, activation, text, std::nullopt, run);
+        Answer answer = answerCommand(library, activation, standIns, text, std::nullopt, run);
         const std::vector<ContainerFonts> wanted = run.takeWanted();
         if (wanted.empty()) {
             static_cast<void>(activation.activate(run.takeUsed()));

@@ -4,6 +4,7 @@
 
 #include "manager/activation/activation.h"
 #include "manager/exchange/activationbatch.h"
+#include "manager/exchange/standins.h"
 #include "manager/library/library.h"
 
 #include <cstdint>
@@ -49,8 +50,8 @@ struct Answer {
 /// active in this answer. What is activated counts for the document of the process that a
 /// fontRequest names, or of `sender`; when neither is known, as done by hand.
 [[nodiscard]] Answer answerCommand(Library& library, const Activation& activation,
-                                   std::string_view command, std::optional<std::int32_t> sender,
-                                   ActivationRun& run);
+                                   StandIns& standIns, std::string_view command,
+                                   std::optional<std::int32_t> sender, ActivationRun& run);
 
 /// The same with all that is to be activated, however long it takes.
 [[nodiscard]] Answer answerCommand(Library& library, Activation& activation,

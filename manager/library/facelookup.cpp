@@ -213,17 +213,55 @@ std::vector<FaceDetails> Library::faces(ContainerId id) {
     return result;
 }
 
-std::vector<MeasuredFace> Library::measures() {
-    Statement statement(database_, "SELECT face.id, face.measures FROM face "
-                                   "JOIN file ON file.id = face.file AND file.spare = 0 "
-                                   "JOIN directory ON directory.id = file.directory AND "
-                                   "directory.away = 0 WHERE face.measures IS NOT NULL");
-    std::vector<MeasuredFace> result;
+std::vector<FaceMatch> Library::findAway(std::string_view postScriptKey, std::string_view family) {
+    const Reading together(database_);
+    Statement statement(
+        database_,
+        (faceColumns() +
+         "WHERE (face.postscript_key = ?1 AND ?1 <> '' OR face.id IN (SELECT name.face FROM family "
+         "JOIN name ON name.family = family.id WHERE family.key = ?2)) "
+         "AND file.spare = 0 AND directory.away = 1 ORDER BY face.id")
+            .c_str());
+    statement.bind(1, postScriptKey).bind(2, family);
+    std::vector<FaceMatch> found;
     while (statement.step()) {
-        result.push_back(
-            {static_cast<FaceId>(statement.number(0)), unpackMeasures(statement.view(1))});
+        found.push_back(matchOf(statement));
+    }
+    return found;
+}
+
+bool Library::hasAwayFolders() {
+    Statement statement(database_, "SELECT EXISTS (SELECT 1 FROM directory WHERE away = 1)");
+    return statement.step() && statement.number(0) != 0;
+}
+
+ComparableFaces Library::comparableFaces() {
+    Statement statement(database_,
+                        "SELECT face.id, face.measures, face.weight, face.slant, face.monospaced, "
+                        "(SELECT value FROM shared WHERE id = face.scripts) FROM face "
+                        "JOIN file ON file.id = face.file AND file.spare = 0 "
+                        "JOIN directory ON directory.id = file.directory AND directory.away = 0 "
+                        "WHERE face.measures IS NOT NULL");
+    ComparableFaces result;
+    faces::Face face;
+    while (statement.step()) {
+        face.measures = unpackMeasures(statement.view(1));
+        face.style.weight = statement.real(2);
+        face.style.slant = static_cast<faces::Slant>(statement.number(3));
+        face.monospaced = statement.number(4) != 0;
+        face.scripts = unpackTags(statement.view(5));
+        if (const auto likeness = faces::likenessOf(face)) {
+            result.ids.push_back(static_cast<FaceId>(statement.number(0)));
+            result.likenesses.push_back(*likeness);
+        }
     }
     return result;
+}
+
+Library::Generation Library::generation() {
+    Statement statement(database_, "PRAGMA data_version"); // of what others change
+    statement.step();
+    return {statement.number(0), sqlite3_total_changes(database_.handle())};
 }
 
 } // namespace manager

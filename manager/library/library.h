@@ -4,6 +4,7 @@
 #pragma once
 
 #include "faces/face.h"
+#include "faces/similar.h"
 #include "manager/library/database.h"
 #include "manager/library/facequery.h"
 #include "manager/library/places.h"
@@ -70,9 +71,10 @@ struct FoundFaces {
     std::size_t total = 0; ///< on all pages
 };
 
-struct MeasuredFace {
-    FaceId id{};
-    faces::Measures measures;
+/// Faces as they are compared, and their numbers in the same order.
+struct ComparableFaces {
+    std::vector<FaceId> ids;
+    std::vector<faces::Likeness> likenesses;
 };
 
 /// A container whose number is known from elsewhere than the index.
@@ -134,6 +136,11 @@ public:
     [[nodiscard]] std::vector<FaceMatch> findByFamily(std::string_view key);
     [[nodiscard]] std::vector<FaceMatch> findByNormalisedFamily(std::string_view key);
 
+    /// Those of a PostScript name or a family that are in folders that are away, by the same keys.
+    [[nodiscard]] std::vector<FaceMatch> findAway(std::string_view postScriptKey,
+                                                  std::string_view family);
+    [[nodiscard]] bool hasAwayFolders();
+
     /// The faces of a PostScript name; blanks do not count, case does.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
     /// Whether two faces lie in the same file, or in files with the same bytes. Compares them when
@@ -150,8 +157,11 @@ public:
     [[nodiscard]] std::optional<FaceDetails> face(FaceId id);
     /// Everything of a container's faces, spares included.
     [[nodiscard]] std::vector<FaceDetails> faces(ContainerId id);
-    /// The measures of all faces that have some and can be activated.
-    [[nodiscard]] std::vector<MeasuredFace> measures();
+    /// All faces that can be compared and activated.
+    [[nodiscard]] ComparableFaces comparableFaces();
+    /// Another one after each change of the index.
+    using Generation = std::pair<std::int64_t, std::int64_t>;
+    [[nodiscard]] Generation generation();
 
     /// nullopt when it is unknown or has no fonts (any more).
     [[nodiscard]] std::optional<Container> container(ContainerId id);

@@ -73,6 +73,9 @@ TEST(SimilarFaces, ComeInTheOrderOfTheirDistance) {
     EXPECT_LT(found[0].distance, found[1].distance);
     EXPECT_EQ(similarFaces(all[0], all, 9).size(), all.size());
     EXPECT_EQ(distance(all[0], all[0]), 0);
+    EXPECT_EQ(differenceText(all[3], all[0]), "with serifs");
+    EXPECT_EQ(differenceText(all[1], all[3]), "lighter, narrower");
+    EXPECT_EQ(differenceText(all[2], all[3]), "not monospaced, narrower");
 
     const Coverage& coverage = wanted.coverage;
     EXPECT_EQ(distanceOfCoverage(coverage, U"Größe Ж"), 0);

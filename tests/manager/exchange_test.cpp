@@ -14,6 +14,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -121,6 +122,51 @@ TEST_F(AnExchange, TellsWhatComesNearWithoutSayingThatItIsHeld) {
             EXPECT_EQ(named.value("activationSuccessfull"), "1");
         }
     }
+}
+
+TEST_F(AnExchange, TellsWhatMayStandInForAFaceWhoseLookIsKnown) {
+    sandbox_.setFontconfig("<alias binding='same'><family>Absent Sans</family><accept>"
+                           "<family>Unknown</family><family>Lato</family></accept></alias>"
+                           "<alias><family>Other Sans</family><accept><family>Lato</family>"
+                           "</accept></alias>");
+    const std::vector folders{sandbox_.library(), sandbox_.root() + "/away"};
+    sandbox_.write("../away/gone.ttf", makeFont({"Gone", "Regular", "Gone"}));
+    updateLibrary(library_, folders, FontReaderLimits{});
+    StandIns standIns; // as a service has them
+    const auto near = [&](const char* family, const char* style) {
+        ActivationRun run;
+        const std::string asked = font(
+            {{"syncID", "1"}, {"psName", "Nobody"}, {"familyName", family}, {"styleName", style}});
+        const ReplyNode root =
+            parseFolded(answerCommand(library_, activation_, standIns,
+                                      "<cmd>fontRequest</cmd>\n" + asked + asked + "</cmd>\n",
+                                      std::nullopt, run)
+                            .reply);
+        std::vector<std::string> lines;
+        for (const ReplyNode* info : root.all("font").at(1)->all("fontInfo")) {
+            const std::string line = info->value("value");
+            lines.push_back(line.substr(0, line.find(';')));
+        }
+        return lines;
+    };
+    const std::string lato = "Lato Regular — the desktop's replacement for Absent Sans";
+    EXPECT_THAT(near("Absent Sans", "Regular"),
+                UnorderedElementsAre(lato, "Both Regular — similar to Absent Sans",
+                                     "Müller & Söhne <Co> Regular — similar to Absent Sans",
+                                     "Gone Regular — similar to Absent Sans"));
+    EXPECT_EQ(near("Absent Sans", "Regular").at(0), lato);
+    EXPECT_THAT(near("Absent Sans", "Black"),
+                ElementsAre("Lato Bold — the desktop's replacement for Absent Sans, "
+                            "Bold instead of Black"));
+    EXPECT_THAT(near("Other Sans", "Regular"), IsEmpty());
+
+    std::filesystem::remove_all(folders[1]);
+    updateLibrary(library_, folders, FontReaderLimits{});
+    EXPECT_THAT(near("Absent Sans", "Regular"), SizeIs(3));
+    EXPECT_THAT(near("Gone", "Regular"),
+                UnorderedElementsAre("Both Regular — similar to Gone",
+                                     "Lato Regular — similar to Gone", HasSubstr("Müller")));
+    EXPECT_THAT(near("Gone", "Bold"), IsEmpty());
 }
 
 TEST(TheLookUp, FindsWhatTheTableOfMatchingSays) {

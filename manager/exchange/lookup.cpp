@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// One question after the other, the cheapest first.
+#include "manager/exchange/lookup.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+/// How far the axes of a variable font go from the style of one of its instances.
+std::optional<faces::Reach> reachOf(const FaceMatch& face) {
+    if (face.axes.empty()) {
+        return std::nullopt;
+    }
+    faces::Reach reach{face.style, face.style};
+    for (const faces::Axis& axis : face.axes) {
+        if (axis.tag == "wght") {
+            reach.from.weight = axis.minimum;
+            reach.to.weight = axis.maximum;
+        } else if (axis.tag == "wdth") {
+            reach.from.width = axis.minimum;
+            reach.to.width = axis.maximum;
+        }
+    }
+    return reach;
+}
+
+} // namespace
+
+std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
+                                     std::span<const FaceMatch> faces) {
+    std::vector<faces::Known> known;
+    known.reserve(faces.size());
+    for (const FaceMatch& face : faces) {
+        // The instances of a variable font all have the font's full name.
+        known.push_back(
+            {face.postScriptName,
+             face.axes.empty() ? std::span(face.fullNames) : std::span<const std::string>(),
+             face.names, face.style, reachOf(face)});
+    }
+    return faces::match(wanted, known);
+}
+
+LookUp::LookUp(Library& library, faces::Wanted wanted)
+    : library_(library), wanted_(std::move(wanted)), keys_(faces::keysOf(wanted_)) {}
+
+std::vector<faces::Match> LookUp::run() {
+    if (isFound(library_.findByPostScriptKey(keys_.postScriptName)) ||
+        (isFound(library_.findByFamily(keys_.family)) &&
+         matches_.front().ground == faces::Ground::FamilyAndStyle)) {
+        return std::move(matches_);
+    }
+    for (const std::string& key : keys_.fullNames) { // better than another word for the style
+        isFound(library_.findByFullName(key));
+    }
+    for (const std::string& key : keys_.normalisedFamilies) {
+        if (!isExact()) {
+            isFound(library_.findByNormalisedFamily(key));
+        }
+    }
+    return std::move(matches_);
+}
+
+bool LookUp::isExact() const {
+    return !matches_.empty() && faces::isExact(matches_.front().ground);
+}
+
+bool LookUp::isFound(std::vector<FaceMatch> more) {
+    bool any = false;
+    for (FaceMatch& face : more) {
+        if (std::none_of(faces_.begin(), faces_.end(),
+                         [&](const FaceMatch& known) { return known.id == face.id; })) {
+            faces_.push_back(std::move(face));
+            any = true;
+        }
+    }
+    if (any) {
+        matches_ = matchFaces(wanted_, faces_);
+    }
+    return isExact();
+}
+
+} // namespace manager

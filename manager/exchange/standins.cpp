@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// The desktop's replacement first, then what looks like the absent face, the nearest first.
+#include "manager/exchange/standins.h"
+
+#include "faces/family.h"
+#include "faces/namekey.h"
+#include "manager/exchange/lookup.h"
+
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace manager {
+
+namespace {
+
+// A command may take a part of its second for this. Reading a face takes as long as comparing some
+// hundreds.
+constexpr std::size_t mostWork = 500'000;
+constexpr std::size_t workForAFont = 5'000;
+
+std::optional<faces::Likeness> lookOf(Library& library, const FaceMatch& face) {
+    const auto details = library.face(face.id);
+    return details ? faces::likenessOf(details->face) : std::nullopt;
+}
+
+} // namespace
+
+void StandIns::add(Library& library, CandidateFinder& finder, std::span<const Absent> absent) {
+    std::set<std::string> families;
+    for (const auto& [font, finding] : absent) {
+        families.insert(font.familyName.value_or(""));
+    }
+    families.erase("");
+    aliases_.learn(families);
+    const bool hasAway = !absent.empty() && library.hasAwayFolders();
+    work_ = 0;
+    for (const Absent& one : absent) {
+        auto look = hasAway ? lookOfAway(library, wantedOf(one.font)) : std::nullopt;
+        const auto lookOfAlias = addAlias(library, finder, one);
+        look = look ? look : lookOfAlias;
+        if (look) {
+            addSimilar(library, finder, one, *look);
+        }
+    }
+}
+
+std::optional<faces::Likeness> StandIns::lookOfAway(Library& library, const faces::Wanted& wanted) {
+    const faces::Keys keys = faces::keysOf(wanted);
+    const auto faces = library.findAway(keys.postScriptName, keys.family);
+    const auto matches = matchFaces(wanted, faces);
+    return !matches.empty() && faces::isExact(matches.front().ground)
+               ? lookOf(library, faces[matches.front().face])
+               : std::nullopt;
+}
+
+std::optional<faces::Likeness> StandIns::addAlias(Library& library, CandidateFinder& finder,
+                                                  const Absent& absent) const {
+    const faces::Wanted wanted = wantedOf(absent.font);
+    for (const std::string& alias : aliases_.of(wanted.family)) {
+        auto faces = library.findByFamily(faces::nameKey(alias));
+        const auto matches = matchFaces({{}, alias, wanted.style}, faces);
+        if (matches.empty()) {
+            continue;
+        }
+        FaceMatch& face = faces[matches.front().face];
+        std::string reason = "the desktop's replacement for " + wanted.family;
+        if (!faces::isExact(matches.front().ground)) {
+            reason.append(", ").append(face.styleName).append(" instead of ");
+            finder.addNear(absent.finding, absent.font, std::move(face),
+                           reason + faces::AskedStyle(wanted.style).text);
+            return std::nullopt;
+        }
+        auto look = lookOf(library, face);
+        finder.addNear(absent.finding, absent.font, std::move(face), reason);
+        return look;
+    }
+    return std::nullopt;
+}
+
+void StandIns::addSimilar(Library& library, CandidateFinder& finder, const Absent& absent,
+                          const faces::Likeness& look) {
+    constexpr std::size_t most = 50; // a family may be there in many versions
+    constexpr float farthest = 8;
+    const ComparableFaces& all = facesOf(library);
+    work_ += all.ids.size() + workForAFont;
+    if (work_ > mostWork) {
+        return;
+    }
+    std::set<std::string> families;
+    for (const Candidate& near : absent.finding.near) {
+        families.insert(faces::nameKey(near.face.familyName));
+    }
+    const faces::Wanted wanted = wantedOf(absent.font);
+    const std::string reason =
+        "similar to " + (wanted.family.empty() ? wanted.postScriptName : wanted.family);
+    for (const auto& [place, distance] : faces::similarFaces(look, all.likenesses, most)) {
+        auto details = distance < farthest ? library.face(all.ids[place]) : std::nullopt;
+        if (!details || !families.insert(faces::nameKey(details->match.familyName)).second) {
+            continue;
+        }
+        const std::string differences = faces::differenceText(look, all.likenesses[place]);
+        std::string line = reason;
+        line.append(differences.empty() ? "" : ": ").append(differences);
+        if (!finder.addNear(absent.finding, absent.font, std::move(details->match), line)) {
+            return;
+        }
+    }
+}
+
+const ComparableFaces& StandIns::facesOf(Library& library) {
+    const Library::Generation now = library.generation();
+    if (generation_ != now) {
+        faces_ = library.comparableFaces();
+        generation_ = now;
+    }
+    return faces_;
+}
+
+} // namespace manager
