@@ -75,21 +75,6 @@ void fillNames(Face& face, FT_Face font, const NameTable& names, const std::stri
     face.foundry = names.text(NameId::Manufacturer);
 }
 
-// Many fonts leave their numbers at the default and tell their style by words alone. But "Medium"
-// is what a wide-spread editor calls the regular weight.
-void correctStyle(Style& style, std::string_view words) {
-    const StyleWords said = readStyleWords(words);
-    if (style.weight == 400 && said.weight.value_or(500) != 500) {
-        style.weight = *said.weight;
-    }
-    if (style.width == 100) {
-        style.width = said.width.value_or(100);
-    }
-    if (style.slant == Slant::Upright || said.slant == Slant::Oblique) {
-        style.slant = said.slant.value_or(Slant::Upright);
-    }
-}
-
 void fillFromPostScript(Face& face, FT_Face font) {
     PS_FontInfoRec info{};
     if (FT_Get_PS_Font_Info(font, &info) != 0) {
@@ -232,8 +217,8 @@ void FaceReader::addFaces(std::vector<Face>& faces, FT_Face font,
                           std::span<const std::uint8_t> bytes, long number,
                           const std::string& fileName) {
     const std::optional<Technology> technology = technologyOf(font);
-    if (!technology) {
-        return;
+    if (!technology || (!FT_IS_SCALABLE(font) && !FT_HAS_COLOR(font))) {
+        return; // no program of today shows plain bitmaps
     }
     const FontTables tables(font, bytes, number);
     const Variations variations(font);

@@ -119,9 +119,19 @@ void Family::add(std::size_t face, std::string_view family, std::string_view sty
         if (other.face == face) {
             member.words |= other.words;
             other.words |= inStyle.words;
+            member.size = member.size ? member.size : other.size;
+            other.size = member.size;
         }
     }
     members_.push_back(std::move(member));
+}
+
+bool Family::isOneFace() const {
+    Members all;
+    for (const Member& member : members_) {
+        all.push_back(&member);
+    }
+    return areOneFace(all);
 }
 
 std::vector<std::size_t> Family::named(const AskedStyle& asked) const {
@@ -225,9 +235,8 @@ bool Family::isFree(const AskedStyle& asked, const Member& member) const {
 void Family::keepTextSize(Members& members) {
     static constexpr int text = 12;
     const auto away = [](const Member* one) { return std::abs(one->size.value_or(text) - text); };
-    if (!members.empty() && std::all_of(members.begin(), members.end(), [&](const Member* one) {
-            return one->size && one->words == members.front()->words;
-        })) {
+    if (!members.empty() &&
+        std::all_of(members.begin(), members.end(), [](const Member* one) { return one->size; })) {
         const int least = away(
             *std::min_element(members.begin(), members.end(),
                               [&](const Member* a, const Member* b) { return away(a) < away(b); }));

@@ -50,6 +50,9 @@ public:
     void add(std::size_t face, std::string_view family, std::string_view style, const Style& look,
              const std::optional<Reach>& reach = {});
 
+    [[nodiscard]] bool isEmpty() const { return members_.empty(); }
+    /// Whether all are the same face, in several files.
+    [[nodiscard]] bool isOneFace() const;
     /// The faces that bear the style's name.
     [[nodiscard]] std::vector<std::size_t> named(const AskedStyle& asked) const;
     /// The only face that is what the style's words mean, in each file that has it; of faces that

@@ -24,9 +24,18 @@ std::pair<std::string_view, std::string_view> splitPostScriptName(std::string_vi
                                           : std::pair(name.substr(0, dash), name.substr(dash + 1));
 }
 
-bool isPlain(std::string_view style) {
-    const StyleWords words = readStyleWords(style);
-    return words.complete && words.style() == Style();
+/// Family and style together, and the family alone where the style is plain.
+std::vector<std::string> fullNameKeys(std::string_view family, std::string_view style) {
+    std::vector<std::string> keys;
+    if (family.empty()) {
+        return keys;
+    }
+    const std::string key = nameKey(family);
+    addOnce(keys, key + nameKey(style));
+    if (isPlain(style)) {
+        addOnce(keys, key);
+    }
+    return keys;
 }
 
 class Matching {
@@ -35,7 +44,7 @@ public:
         : wanted_(wanted), known_(known), keys_(keysOf(wanted)), asked_(wanted.style) {}
 
     std::vector<Match> run() {
-        std::vector<Match> found = byPostScriptName();
+        std::vector<Match> found = byPostScriptName(keys_.postScriptName);
         if (!found.empty()) {
             return found;
         }
@@ -49,10 +58,13 @@ public:
         }
         found = exact(family.named(asked_), Ground::FamilyAndStyle);
         if (found.empty()) {
-            found = byFullName();
+            found = byFullName(family);
         }
         if (found.empty()) {
             found = exact(family.meant(asked_), Ground::OnlyOfThisStyle);
+        }
+        if (found.empty() && family.isEmpty()) {
+            found = byPostScriptName(keys_.postScriptFamily);
         }
         if (found.empty()) {
             found = candidates(family);
@@ -70,23 +82,31 @@ private:
         return found;
     }
 
-    std::vector<Match> byPostScriptName() const {
+    std::vector<Match> byPostScriptName(const std::string& key) const {
         std::vector<std::size_t> found;
-        for (std::size_t i = 0; i < known_.size() && !keys_.postScriptName.empty(); ++i) {
-            if (postScriptKey(known_[i].postScriptName) == keys_.postScriptName) {
+        for (std::size_t i = 0; i < known_.size() && !key.empty(); ++i) {
+            if (postScriptKey(known_[i].postScriptName) == key) {
                 found.push_back(i);
             }
         }
         return exact(found, Ground::PostScriptName);
     }
 
-    std::vector<Match> byFullName() const {
+    // That is no name of a face in its family, unless it is a plain one or the only one.
+    bool isOnlyTheFamilys(const std::string& fullName, const Known& face,
+                          const Family& family) const {
+        return fullName == keys_.family && !family.isEmpty() && !family.isOneFace() &&
+               (face.names.empty() || !isPlain(face.names.front().style));
+    }
+
+    std::vector<Match> byFullName(const Family& family) const {
         for (const std::string& key : keys_.fullNames) {
             std::vector<std::size_t> found;
             for (std::size_t i = 0; i < known_.size(); ++i) {
                 const auto& names = known_[i].fullNames;
                 if (std::any_of(names.begin(), names.end(),
-                                [&](const std::string& name) { return nameKey(name) == key; })) {
+                                [&](const std::string& name) { return nameKey(name) == key; }) &&
+                    !isOnlyTheFamilys(key, known_[i], family)) {
                     found.push_back(i);
                 }
             }
@@ -142,21 +162,14 @@ private:
 
 } // namespace
 
-std::vector<std::string> fullNameKeys(std::string_view family, std::string_view style) {
-    std::vector<std::string> keys;
-    if (family.empty()) {
-        return keys;
-    }
-    const std::string key = nameKey(family);
-    addOnce(keys, key + nameKey(style));
-    if (isPlain(style)) {
-        addOnce(keys, key);
-    }
-    return keys;
+bool isPlain(std::string_view style) {
+    const StyleWords words = readStyleWords(style);
+    return words.complete && words.style() == Style();
 }
 
 Keys keysOf(const Wanted& wanted) {
     Keys keys{postScriptKey(wanted.postScriptName),
+              postScriptKey(wanted.family),
               nameKey(wanted.family),
               fullNameKeys(wanted.family, wanted.style),
               {}};

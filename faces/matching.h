@@ -27,15 +27,14 @@ struct Wanted {
 /// has come so far. Empty texts need no look-up.
 struct Keys {
     std::string postScriptName;                  ///< postScriptKey of the face's PostScript name
+    std::string postScriptFamily;                ///< the same of what may stand for a family
     std::string family;                          ///< nameKey of the family in one of its names
     std::vector<std::string> fullNames;          ///< nameKey of one of its full names
     std::vector<std::string> normalisedFamilies; ///< normalisedFamilyKey of the family
 };
 [[nodiscard]] Keys keysOf(const Wanted& wanted);
-/// Those of them that family and style make: both together, and the family alone where the style
-/// is plain.
-[[nodiscard]] std::vector<std::string> fullNameKeys(std::string_view family,
-                                                    std::string_view style);
+/// Whether a style is the one of a family's regular text face, by its words.
+[[nodiscard]] bool isPlain(std::string_view style);
 
 /// What the rule looks at of a face that is there.
 struct Known {

@@ -219,6 +219,19 @@ StyleWords readFamilyWords(std::string_view family) {
     return {};
 }
 
+void correctStyle(Style& style, std::string_view words) {
+    const StyleWords said = readStyleWords(words);
+    if (style.weight == 400 && said.weight.value_or(500) != 500) {
+        style.weight = *said.weight;
+    }
+    if (style.width == 100) {
+        style.width = said.width.value_or(100);
+    }
+    if (style.slant == Slant::Upright || said.slant == Slant::Oblique) {
+        style.slant = said.slant.value_or(Slant::Upright);
+    }
+}
+
 std::string styleText(const Style& style) {
     const double weight = std::clamp(std::floor((style.weight + 50) / 100), 1.0, 9.0) * 100;
     const auto nearest = [](Says axis, double value, double normal) -> std::string_view {

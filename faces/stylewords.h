@@ -33,6 +33,10 @@ struct StyleWords {
 /// and no abbreviations.
 [[nodiscard]] StyleWords readFamilyWords(std::string_view family);
 
+/// Corrects numbers that a font left at the default, as many do that tell their style by words
+/// alone. But "Medium" is what a wide-spread editor calls the regular weight.
+void correctStyle(Style& style, std::string_view words);
+
 /// The customary name of a style: width, weight (in hundreds from 100 to 900) and slant in words,
 /// "Regular" when all are normal.
 [[nodiscard]] std::string styleText(const Style& style);

@@ -109,6 +109,11 @@ void Catalogue::list(std::vector<InstalledFace> faces) {
         const auto reach = reaches.empty() ? reaches.end() : reaches.find(fontOf(entry.face));
         index(entry, reach == reaches.end() ? std::nullopt : std::optional(reach->second));
     }
+    for (const FontKey key : sorted_) { // where no face has them as the name that users read
+        for (const std::string& name : entries_[key - 1].face.otherFullNames) {
+            byFullName_.try_emplace(faces::nameKey(name), key);
+        }
+    }
 }
 
 void Catalogue::index(const FontEntry& entry, const std::optional<faces::Reach>& reach) {
@@ -164,8 +169,17 @@ FontKey Catalogue::findByPostScriptName(std::string_view name) const {
 }
 
 FontKey Catalogue::findByFullName(const Face& face) const {
-    for (const std::string& key : faces::fullNameKeys(face.family, face.style)) {
-        if (const auto found = byFullName_.find(key); found != byFullName_.end()) {
+    for (const std::string& key :
+         faces::keysOf({face.postScriptName, face.family, face.style}).fullNames) {
+        const auto found = byFullName_.find(key);
+        if (found == byFullName_.end()) {
+            continue;
+        }
+        // A full name that is the family's is no name of a face, unless that is a plain one or the
+        // only one.
+        const auto family = byFamily_.find(key);
+        if (family == byFamily_.end() || family->second.isOneFace() ||
+            faces::isPlain(entries_[found->second - 1].face.style)) {
             return found->second;
         }
     }

@@ -28,9 +28,10 @@ enum class FontTechnology : std::uint8_t { PostScript = 0, TrueType = 1 };
 /// One face of the desktop, as the font library reports it. Texts are UTF-8.
 struct InstalledFace {
     std::string postScriptName;
-    std::string family;   ///< typographic family
-    std::string style;    ///< typographic style, the pair of `family`
-    std::string fullName; ///< what users read
+    std::string family;                      ///< typographic family
+    std::string style;                       ///< typographic style, the pair of `family`
+    std::string fullName;                    ///< what users read
+    std::vector<std::string> otherFullNames; ///< in other languages, or of the family alone
     std::string file;
     int index = 0; ///< face in the file, named instance in the upper 16 bits
     FontTechnology technology = FontTechnology::TrueType;

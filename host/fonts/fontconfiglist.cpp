@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Lists the desktop's faces through fontconfig.
+#include "faces/matching.h"
 #include "faces/namekey.h"
 #include "faces/stylewords.h"
 #include "host/fonts/catalogue.h"
@@ -62,11 +63,6 @@ public:
 private:
     const FcPattern* pattern_;
 };
-
-bool isPlain(const std::string& style) {
-    const faces::StyleWords words = faces::readStyleWords(style);
-    return words.complete && words.style() == faces::Style();
-}
 
 /// A list of texts, each in a language.
 struct Texts {
@@ -148,7 +144,8 @@ void readNames(const PatternReader& reader, InstalledFace& face) {
         face.postScriptName = conventionalPostScriptName(face.family, face.style);
     }
     // Some fonts give their PostScript name as a full name too; it is not what users read.
-    for (const std::string& name : reader.texts(FC_FULLNAME)) {
+    std::vector<std::string> fullNames = reader.texts(FC_FULLNAME);
+    for (const std::string& name : fullNames) {
         if (face.fullName.empty() || face.fullName == face.postScriptName) {
             face.fullName = name;
         }
@@ -156,9 +153,27 @@ void readNames(const PatternReader& reader, InstalledFace& face) {
     // Each named instance of a variable font comes with the full name of the font.
     const bool instance = face.index >> 16 != 0;
     const bool familyAlone = faces::nameKey(face.fullName) == faces::nameKey(face.family);
-    if (face.fullName.empty() || instance || (familyAlone && !isPlain(face.style))) {
+    if (face.fullName.empty() || instance || (familyAlone && !faces::isPlain(face.style))) {
         face.fullName = face.family + " " + face.style;
     }
+    std::erase(fullNames, face.fullName);
+    if (!instance && !face.variable) {
+        face.otherFullNames = std::move(fullNames);
+    }
+}
+
+/// Fontconfig takes the weight of a font without numbers from a word: see faces::correctStyle() for
+/// what "Medium" means.
+void correctLook(InstalledFace& face, bool isWithoutNumbers) {
+    constexpr int medium = 500;
+    faces::Style look{static_cast<double>(face.weight), face.stretch, face.slant};
+    if (isWithoutNumbers && face.weight == medium) {
+        look.weight = faces::Style().weight;
+    }
+    faces::correctStyle(look, face.style);
+    face.weight = static_cast<int>(look.weight);
+    face.stretch = look.width;
+    face.slant = look.slant;
 }
 
 InstalledFace readFace(const PatternReader& reader) {
@@ -190,6 +205,9 @@ InstalledFace readFace(const PatternReader& reader) {
     // together with layout tables, as the format is older than OpenType.
     face.openType = format == "CFF" || (format == "TrueType" && layout);
     readNames(reader, face);
+    if (!face.variable) {
+        correctLook(face, face.technology == FontTechnology::PostScript && !face.openType);
+    }
     return face;
 }
 

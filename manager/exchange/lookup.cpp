@@ -57,6 +57,9 @@ std::vector<faces::Match> LookUp::run() {
     for (const std::string& key : keys_.fullNames) { // better than another word for the style
         isFound(library_.findByFullName(key));
     }
+    if (!isExact()) {
+        isFound(library_.findByPostScriptKey(keys_.postScriptFamily));
+    }
     for (const std::string& key : keys_.normalisedFamilies) {
         if (!isExact()) {
             isFound(library_.findByNormalisedFamily(key));

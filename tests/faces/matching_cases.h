@@ -18,6 +18,7 @@ struct HeldFace {
     faces::Style look = {};
     std::string legacyFamily = {}; ///< empty: `family` and `style` are all its names
     std::string legacyStyle = {};
+    std::string fullName = {}; ///< empty: the typographic family and style
 };
 
 struct MatchingCase {
@@ -35,6 +36,7 @@ inline testsupport::FontRecipe recipeOf(const HeldFace& face) {
     recipe.family = legacy ? face.legacyFamily : face.family;
     recipe.style = legacy ? face.legacyStyle : face.style;
     recipe.postScriptName = face.postScriptName;
+    recipe.fullName = face.fullName.empty() ? face.family + " " + face.style : face.fullName;
     recipe.typographicFamily = legacy ? face.family : "";
     recipe.typographicStyle = legacy ? face.style : "";
     recipe.weight = static_cast<std::size_t>(face.look.weight);
@@ -58,7 +60,7 @@ inline const std::vector<MatchingCase>& matchingCases() {
          "Italic"},
     };
     static const std::vector<HeldFace> garamond{
-        {"EB Garamond", "08 Regular", "EBGaramond08-Regular", {}, "EB Garamond 08", "Regular"},
+        {"EB Garamond", "08 Regular", "EBGaramond08-Regular", {}, "EB Garamond", "Normal"},
         {"EB Garamond", "12 Regular", "EBGaramond12-Regular", {}, "EB Garamond 12", "Regular"},
         {"EB Garamond", "12 Bold", "EBGaramond12-Bold", {700}, "EB Garamond 12", "Bold"},
     };
@@ -92,6 +94,16 @@ inline const std::vector<MatchingCase>& matchingCases() {
          {{"Grand", "Black", "Grand-Black", {900}}},
          {"", "Grand Black", "Regular"},
          "Grand-Black",
+         ""},
+        {"by the PostScript name in the family's place",
+         {{"Lato", "Heavy", "LatoHeavy", {800}}, {"Lato", "Black", "LatoBlack", {900}}},
+         {"LatoBlack-Bold", "LatoBlack", "Bold"},
+         "LatoBlack",
+         ""},
+        {"by a full name that is the family's, of its only face",
+         {{"Puft", "Heavy", "P-Heavy", {900}, "", "", "Puft"}},
+         {"Puft-Regular", "Puft", "Regular"},
+         "P-Heavy",
          ""},
         {"by full name cut elsewhere",
          {{"Grand", "Black Italic", "Grand-BlackItalic", {900, 100, Slant::Italic}}},
@@ -176,6 +188,16 @@ inline const std::vector<MatchingCase>& matchingCases() {
          {"Lato-SemiBold", "Lato", "ExtraLight"},
          "",
          "same family, Regular instead of ExtraLight"},
+        {"not for a family that has the medium weight alone",
+         {{"Gothic", "Medium", "G-Medium", {500}}},
+         {"", "Gothic", "Regular"},
+         "",
+         "same family, Medium instead of Regular"},
+        {"not by a full name that is the family's, of one of its faces",
+         {{"Puft", "Heavy", "P-Heavy", {900}, "", "", "Puft"}, {"Puft", "Thin", "P-Thin", {100}}},
+         {"Puft-Regular", "Puft", "Regular"},
+         "",
+         "same family, Thin instead of Regular"},
         {"not by numbers that say otherwise than the word",
          {{"Lato", "Heavy", "Lato-Heavy", {800}}},
          {"Lato-Black", "Lato", "Black"},

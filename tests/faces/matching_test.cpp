@@ -18,7 +18,8 @@ TEST(TheRuleOfMatching, JudgesAsTheTableSays) {
         std::vector<std::vector<std::string>> fullNames;
         for (const HeldFace& face : c.held) {
             names.push_back({{face.family, face.style, "en", NameKind::Typographic}});
-            fullNames.push_back({face.family + " " + face.style});
+            fullNames.push_back(
+                {face.fullName.empty() ? face.family + " " + face.style : face.fullName});
             if (!face.legacyFamily.empty()) {
                 names.back().push_back({face.legacyFamily, face.legacyStyle, "en"});
             }

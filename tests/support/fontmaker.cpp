@@ -58,10 +58,11 @@ std::string nameTable(const FontRecipe& recipe) {
     if (!recipe.names.empty()) {
         return nameTable(recipe.names);
     }
-    std::map<std::size_t, std::string> names = {{1, recipe.family},
-                                                {2, recipe.style},
-                                                {4, recipe.family + " " + recipe.style},
-                                                {6, recipe.postScriptName}};
+    std::map<std::size_t, std::string> names = {
+        {1, recipe.family},
+        {2, recipe.style},
+        {4, recipe.fullName.empty() ? recipe.family + " " + recipe.style : recipe.fullName},
+        {6, recipe.postScriptName}};
     if (!recipe.typographicFamily.empty()) {
         names[16] = recipe.typographicFamily;
         names[17] = recipe.typographicStyle;

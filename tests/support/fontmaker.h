@@ -37,6 +37,7 @@ struct FontRecipe {
     std::size_t revision = 0x10000; ///< 16.16
     /// Further family names with their Windows language; the style stays without a translation.
     std::map<std::size_t, std::string> translatedFamilies = {};
+    std::string fullName = {};       ///< empty: family and style
     std::vector<RawName> names = {}; ///< all the records, in place of those that the others make
     std::string png = {}; ///< 16 pixels wide and high: what every glyph is instead of its outline
 };
