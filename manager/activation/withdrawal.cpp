@@ -7,6 +7,8 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <unistd.h>
 #include <utility>
 
 namespace manager {
@@ -19,6 +21,14 @@ std::string inUseText(ContainerId id, const std::vector<Reason>& users) {
         text += (&user == &users.front() ? "" : ", ") + describe(user);
     }
     return text + "; it leaves when " + (users.size() == 1 ? "that ends" : "those end");
+}
+
+/// Why the folder of a set that is gone is still there; another attempt tells.
+std::string leftText(const std::string& folder) {
+    if (rmdir(folder.c_str()) != 0 && errno != ENOTEMPTY) {
+        return systemError(folder, "cannot be removed", errno).what();
+    }
+    return folder + ": kept, it holds files that are not this program's";
 }
 
 } // namespace
@@ -54,8 +64,7 @@ void Activation::takeAll(std::span<const ContainerId> containers,
             removed.push_back(containers[i]);
             desktop_.replaceFolders(std::span(&folder, 1), {});
             if (leftBehind) {
-                outcome.problems.push_back(folder +
-                                           ": kept, it holds files that are not this program's");
+                outcome.problems.push_back(leftText(folder));
                 kept.push_back(folder);
             }
         } catch (const Error& error) {

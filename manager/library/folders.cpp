@@ -102,7 +102,8 @@ std::vector<std::string> removeFolders(const Places& places, std::span<const std
     std::vector<std::string> removed;
     for (const std::string& folder : folders) {
         std::error_code code;
-        std::string path = std::filesystem::weakly_canonical(folder, code).string();
+        std::string path =
+            std::filesystem::weakly_canonical(std::filesystem::absolute(folder), code).string();
         auto position = std::find(recorded.begin(), recorded.end(), code ? folder : path);
         if (position == recorded.end()) {
             position = std::find(recorded.begin(), recorded.end(), folder);

@@ -254,9 +254,12 @@ std::optional<ContainerId> Library::findPlace(const Container& place) {
 LibraryCounts Library::counts(const std::string& folder) {
     return {
         count(database_, "DISTINCT CASE WHEN file.problem IS NULL THEN file.id END) ", folder),
-        count(database_, "face.id) ", folder),
+        count(database_, "CASE WHEN file.spare = 0 THEN face.id END) ", folder),
         count(database_, "DISTINCT file.container) ", folder),
         count(database_, "DISTINCT CASE WHEN file.problem IS NOT NULL THEN file.id END) ", folder),
+        count(database_,
+              "DISTINCT CASE WHEN directory.away AND file.problem IS NULL THEN file.id END) ",
+              folder),
     };
 }
 

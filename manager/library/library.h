@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -116,9 +117,10 @@ struct FileCopy {
 
 struct LibraryCounts {
     std::int64_t files = 0; ///< font files, bad ones not counted
-    std::int64_t faces = 0;
+    std::int64_t faces = 0; ///< those of spares not counted
     std::int64_t containers = 0;
     std::int64_t problems = 0; ///< bad files
+    std::int64_t away = 0;     ///< font files whose folder is not there now
 };
 
 /// [one-thread] Every call throws Error when the index cannot be read, DamagedDatabase when it is
@@ -153,6 +155,8 @@ public:
 
     /// What a query describes, a page of it.
     [[nodiscard]] FoundFaces search(const FaceQuery& query);
+    /// What faces have of a kind that is held as tags: scripts, languages, features or axes.
+    [[nodiscard]] std::set<std::string> tags(SharedKind kind);
     /// nullopt: there is none of this number (any more).
     [[nodiscard]] std::optional<FaceDetails> face(FaceId id);
     /// Everything of a container's faces, spares included.

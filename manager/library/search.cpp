@@ -6,6 +6,7 @@
 #include "manager/library/packing.h"
 
 #include <algorithm>
+#include <utility>
 #include <variant>
 
 namespace manager {
@@ -200,6 +201,28 @@ void addFunctions(Database& database) {
 }
 
 } // namespace
+
+std::set<std::string> Library::tags(SharedKind kind) {
+    const char* column = kind == SharedKind::Scripts     ? "scripts"
+                         : kind == SharedKind::Languages ? "languages"
+                         : kind == SharedKind::Features  ? "features"
+                                                         : "axes";
+    Statement statement(database_, ("SELECT value FROM shared WHERE id IN (SELECT " +
+                                    std::string(column) + " FROM face)")
+                                       .c_str());
+    std::set<std::string> tags;
+    while (statement.step()) {
+        if (kind == SharedKind::Axes) {
+            for (faces::Axis& axis : unpackAxes(statement.view(0))) {
+                tags.insert(std::move(axis.tag));
+            }
+        } else {
+            const auto more = unpackTags(statement.view(0));
+            tags.insert(more.begin(), more.end());
+        }
+    }
+    return tags;
+}
 
 FoundFaces Library::search(const FaceQuery& query) {
     addFunctions(database_);

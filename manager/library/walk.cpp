@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <dirent.h>
+#include <filesystem>
 #include <linux/magic.h>
 #include <map>
 #include <memory>
@@ -164,9 +165,13 @@ private:
         }
         struct stat status {};
         if (fstatat(directory, entry.d_name, &status, 0) != 0) {
+            const int code = errno;
+            const std::string path = joinPath(place.path, entry.d_name);
             if (fontName || entry.d_type == DT_LNK) { // to a folder on a disk that is away, maybe
-                problem(joinPath(place.path, entry.d_name), "cannot be read", errno);
-                found_.unread.push_back(joinPath(place.path, entry.d_name));
+                if (fontName || !std::filesystem::path(path).has_extension()) {
+                    problem(path, "cannot be read", code);
+                }
+                found_.unread.push_back(path);
             }
             return;
         }

@@ -121,6 +121,7 @@ TEST_F(AFolderWalk, EndsInSpiteOfLoopsAndVisitsEachFolderOnce) {
     std::filesystem::create_directory_symlink("a/b", sandbox_.library() + "/0-first");
     std::filesystem::create_symlink("self.ttf", sandbox_.library() + "/self.ttf");
     std::filesystem::create_symlink("/away/fonts", sandbox_.library() + "/disk");
+    std::filesystem::create_symlink("/away/notes.txt", sandbox_.library() + "/notes.txt");
     std::filesystem::create_directory_symlink("/proc/self", sandbox_.library() + "/kernel");
     ASSERT_EQ(mkfifo((sandbox_.library() + "/pipe.ttf").c_str(), 0600), 0);
 

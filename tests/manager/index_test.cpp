@@ -106,6 +106,7 @@ TEST_F(AnIndex, ShowsTheNewestFileOfAFaceOnce) {
     scan();
     EXPECT_THAT(shown(), ElementsAre(Pair(1, "2.ttf 4.ttf ")));
     EXPECT_EQ(library_->container(ContainerId{1})->faces, 2);
+    EXPECT_EQ(library_->counts(root_).faces, 2);
     EXPECT_THAT(library_->findByPostScriptKey("X-Regular"), SizeIs(1));
     EXPECT_THAT(library_->faces(ContainerId{1}), SizeIs(4));
     std::filesystem::remove(root_ + "/2.ttf");
@@ -158,6 +159,7 @@ TEST_F(AnIndex, KeepsWhatIsAwayAndDoesNotOfferIt) {
     EXPECT_THAT(gone.problems, ElementsAre(HasSubstr(root_ + ": the folder cannot be read")));
     EXPECT_THAT(library_->findByPostScriptKey("X-Regular"), IsEmpty());
     EXPECT_TRUE(library_->container(ContainerId{1})->away);
+    EXPECT_EQ(library_->counts(root_).away, 2);
     EXPECT_THAT(found({}), SizeIs(2));
     FaceQuery here;
     here.away = false;
@@ -206,6 +208,8 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
     const auto full = std::vector<std::string>{"Full"};
     const auto light = std::vector<std::string>{"Plain Sans-Light Italic"};
     const std::vector<std::string> none;
+    EXPECT_THAT(library_->tags(SharedKind::Axes), ElementsAre("GRAD", "wght"));
+    EXPECT_THAT(library_->tags(SharedKind::Languages), ElementsAre("de", "pt-br", "ru"));
     const struct {
         const char* name;
         void (*set)(Query&);
