@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <utility>
@@ -33,14 +34,6 @@ struct Told {
     std::string text;
     Json item;
 };
-
-Told toldOf(const char* deed, const Container& container) {
-    return {std::string(deed) + " " + container.name + " (container " + toText(container.id) +
-                ", " + container.path() + ")",
-            {{"id", static_cast<std::int32_t>(container.id)},
-             {"name", container.name},
-             {"path", container.path()}}};
-}
 
 // Records and tells what came of each.
 void tell(const Places& places, std::span<const ActivationOutcome> outcomes, std::span<Told> told,
@@ -72,6 +65,19 @@ std::vector<std::string> reasonTexts(const ActiveContainer& container) {
     return texts;
 }
 
+bool isAway(Library& library, ContainerId id) {
+    const auto container = library.container(id);
+    return container && container->away;
+}
+
+// What ends by itself is ended by the server.
+void needServer(Tally& tally) {
+    if (!findServer() && !startServer()) {
+        tally.remark("no server is running: what is due is taken back once one is, see "
+                     "\"glyphora serve\"");
+    }
+}
+
 // Lets others know, now and in a second.
 void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
                 std::span<const ActivationOutcome> outcomes) {
@@ -97,19 +103,26 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
     std::vector<ContainerId> ids;
     std::vector<Told> told;
     for (const Container& container : finder.find(names)) {
-        if (container.shownByDesktop && !activation.isActive(container)) {
-            tally.remark(container.name + " (" + container.path() +
-                         "): the desktop shows it without being activated");
+        const bool active = activation.isActive(container);
+        if (container.away && !active) {
+            tally.fail(called(container) + ": its folder is away");
+            continue;
+        }
+        if (container.shownByDesktop && !active) {
+            tally.remark(called(container) + ": the desktop shows it without being activated");
             continue;
         }
         fonts.push_back(
             {container.id, container.name, finder.library().files(container.id), {reason}});
         ids.push_back(container.id);
-        told.push_back(toldOf("activated", container));
+        told.push_back({"activated " + called(container), toJson(container)});
     }
     const auto outcomes = activation.activate(fonts);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
+    if (reason != Reason::byHand() && !tally.isEmpty()) {
+        needServer(tally);
+    }
     return tally.finish();
 }
 
@@ -119,24 +132,33 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
     Activation activation(places);
     ContainerNames finder(
         places, activation, [&] { return openScanned(places); }, tally);
+    std::map<ContainerId, std::string> active;
+    for (ActiveContainer& container : activation.active(warn)) {
+        active.emplace(container.id, std::move(container.name));
+    }
     std::vector<ContainerId> ids;
     if (all) {
-        for (const ActiveContainer& container : activation.active(warn)) {
-            ids.push_back(container.id);
-        }
+        std::transform(active.begin(), active.end(), std::back_inserter(ids),
+                       [](const auto& entry) { return entry.first; });
     } else {
         ids = finder.findActive(names);
     }
     std::vector<Told> told;
     told.reserve(ids.size());
     for (const ContainerId id : ids) {
-        told.push_back(
-            {"deactivated container " + toText(id), {{"id", static_cast<std::int32_t>(id)}}});
+        const auto known = active.find(id);
+        const std::string name = known == active.end() ? std::string() : known->second;
+        told.push_back({"deactivated " + name + " (container " + toText(id) + ")",
+                        {{"id", static_cast<std::int32_t>(id)}, {"name", name}}});
     }
     const auto outcomes = activation.deactivate(ids);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
-    return tally.finish();
+    if (std::any_of(outcomes.begin(), outcomes.end(),
+                    [](const ActivationOutcome& outcome) { return outcome.postponed; })) {
+        needServer(tally);
+    }
+    return tally.finish("nothing is active");
 }
 
 int statusCommand(const Places& places, bool json) {
@@ -148,32 +170,30 @@ int statusCommand(const Places& places, bool json) {
     const auto active = activation.active(warn);
     if (json) {
         Json document = {{"server", server ? Json(*server) : Json(nullptr)},
-                         {"folders", folders.size()},
-                         {"files", counts.files},
-                         {"faces", counts.faces},
-                         {"containers", counts.containers},
-                         {"badFiles", counts.problems},
-                         {"active", Json::array()}};
+                         {"folders", folders.size()}};
+        document.update(toJson(counts));
+        document["active"] = Json::array();
         for (const ActiveContainer& container : active) {
             document["active"].push_back({{"id", static_cast<std::int32_t>(container.id)},
                                           {"name", container.name},
                                           {"files", container.files},
-                                          {"reasons", reasonTexts(container)}});
+                                          {"reasons", reasonTexts(container)},
+                                          {"away", isAway(*library, container.id)}});
         }
         printJson(document);
         return exitSuccess;
     }
     std::printf("server: %s\n",
                 server ? ("running, process " + std::to_string(*server)).c_str() : "not running");
-    std::printf("library: %s, %s, %s, %s\n", counted(folders.size(), "folder").c_str(),
-                counted(counts.files, "font file").c_str(), counted(counts.faces, "face").c_str(),
-                counted(counts.containers, "container").c_str());
+    std::printf("library: %s, %s\n", counted(folders.size(), "folder").c_str(),
+                textOf(counts).c_str());
     std::printf("active: %s\n", counted(active.size(), "container").c_str());
     for (const ActiveContainer& container : active) {
         std::string line = container.name + ", " + counted(container.files, "file");
         for (const std::string& reason : reasonTexts(container)) {
             line += ", " + reason;
         }
+        line += isAway(*library, container.id) ? " (its folder is away)" : "";
         std::printf("%6s  %s\n", toText(container.id).c_str(), printable(line).c_str());
     }
     return exitSuccess;
@@ -182,6 +202,9 @@ int statusCommand(const Places& places, bool json) {
 int historyCommand(const Places& places, bool all, bool json) {
     const auto entries = readHistory(places, all);
     if (!json) {
+        if (entries.empty()) {
+            warn("nothing was done yet");
+        }
         for (const PastDeed& entry : entries) {
             printLine(lineText(entry));
         }

@@ -9,7 +9,10 @@
 #include "platform/processes.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <gio/gio.h>
+#include <memory>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -28,6 +31,12 @@ struct OwnedDesc : AEDesc {
     OwnedDesc(const OwnedDesc&) = delete;
     OwnedDesc& operator=(const OwnedDesc&) = delete;
 };
+
+struct Releaser {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+template <class Object>
+using Held = std::unique_ptr<Object, Releaser>;
 
 OSType codeOf(const std::string& fourBytes) {
     OSType code = 0;
@@ -69,6 +78,30 @@ std::optional<std::int32_t> findServer() {
         }
     }
     return std::nullopt;
+}
+
+bool startServer() {
+    const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (address == nullptr) {
+        return false;
+    }
+    // One of its own: the shared one ends the process with the bus.
+    const Held<GDBusConnection> bus(g_dbus_connection_new_for_address_sync(
+        address,
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, nullptr));
+    if (!bus) {
+        return false;
+    }
+    const std::unique_ptr<GVariant, void (*)(GVariant*)> started(
+        g_dbus_connection_call_sync(
+            bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            "StartServiceByName",
+            g_variant_new("(su)", "org.glyphora.AppleEvents1.QGLY", guint32{0}), nullptr,
+            G_DBUS_CALL_FLAGS_NONE, patienceMilliseconds, nullptr, nullptr),
+        g_variant_unref);
+    return started != nullptr;
 }
 
 void askServerToQuit() {

@@ -21,6 +21,9 @@ void postLibraryChanged();
 /// The process id of the running server, if there is one.
 [[nodiscard]] std::optional<std::int32_t> findServer();
 
+/// Has the bus start the server, where it is installed. False: it cannot.
+[[nodiscard]] bool startServer();
+
 /// Asks the running server to quit and returns once it has ended, or after a few seconds if it has
 /// agreed and not ended yet. Throws Error when there is none.
 void askServerToQuit();

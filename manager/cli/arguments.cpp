@@ -7,6 +7,7 @@
 #include "manager/cli/collectops.h"
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/options.h"
 #include "manager/cli/report.h"
 #include "manager/cli/searchops.h"
 #include "manager/cli/searchoptions.h"
@@ -15,15 +16,14 @@
 #include "manager/cli/tally.h"
 #include "manager/library/error.h"
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <functional>
-#include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -37,7 +37,7 @@ struct Options {
     std::string group;
     std::string to;
     SearchOptions search;
-    std::int64_t seconds = 0;
+    std::chrono::seconds time{};
     bool untilLogout = false;
     bool json = false;
     bool containers = false;
@@ -47,45 +47,50 @@ struct Options {
     bool verbose = false;
 
     [[nodiscard]] Reason reason() const {
-        return untilLogout    ? Reason::untilLogout()
-               : seconds != 0 ? Reason::forTime(std::chrono::seconds(seconds))
-                              : Reason::byHand();
+        return untilLogout         ? Reason::untilLogout()
+               : time.count() != 0 ? Reason::forTime(time)
+                                   : Reason::byHand();
     }
 };
 
 using Action = std::function<int(const Places&)>;
 
-constexpr const char* nameHelp = "Numbers of containers, PostScript names, families, patterns of "
-                                 "these, collection:NAME or tag:NAME";
+constexpr const char* nameHelp = "A number, name, pattern, collection:NAME or tag:NAME";
 
 class CommandLine {
 public:
     CommandLine() {
         app_.require_subcommand(1);
-        app_.set_version_flag("--version", "glyphora " GLYPHORA_VERSION);
+        setHelp(app_);
+        app_.set_version_flag("--version", "glyphora " GLYPHORA_VERSION, "Print the version");
         addLibraryCommands();
         addActivationCommands();
         addGroupCommands(GroupKind::Collection, "Name containers together, to switch them as one");
         addGroupCommands(GroupKind::Tag, "Mark containers by a word");
         addServerCommands();
+        app_.footer("\"glyphora COMMAND --help\" tells more of one, glyphora(1) of all.");
     }
 
     int run(int argc, char** argv) {
         try {
             app_.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
-            if (argc > 1 && error.get_exit_code() != 0 && app_.get_subcommands().empty()) {
-                warn(std::string(argv[1][0] == '-' ? "unknown option '" : "unknown command '") +
-                     argv[1] + "'; see glyphora --help");
-                return exitUsage;
+            if (error.get_exit_code() == 0) { // help or version
+                return app_.exit(error);
             }
-            return app_.exit(error) == 0 ? exitSuccess : exitUsage;
+            const std::string problem = problemOf(app_, error);
+            warn(problem);
+            // The options are not read to their end.
+            if (std::find(argv, argv + argc, std::string_view("--json")) != argv + argc) {
+                printJson({{"problems", nlohmann::json::array({problem})}});
+            }
+            return exitUsage;
         }
         try {
             return action_(Places::fromEnvironment());
         } catch (const std::exception& error) {
             if (options_.json) {
-                printJson({{"problems", {error.what()}}});
+                printJson({{"problems", nlohmann::json::array({error.what()})}});
             }
             throw;
         }
@@ -93,22 +98,25 @@ public:
 
 private:
     CLI::App* command(const char* name, const char* help, Action action) {
-        CLI::App* added = jsonless(app_, name, help, std::move(action));
-        added->add_flag("--json", options_.json, "Print it as JSON");
-        return added;
+        return withJson(jsonless(app_, name, help, std::move(action)));
     }
     CLI::App* jsonless(CLI::App& parent, const char* name, const char* help, Action action) {
-        CLI::App* added = parent.add_subcommand(name, help);
+        CLI::App* added = parent.add_subcommand(name, help)->group(group_);
         added->callback([this, action = std::move(action)] { action_ = action; });
         return added;
+    }
+    CLI::App* withJson(CLI::App* command) {
+        command->add_flag("--json", options_.json, "Print it as JSON");
+        return command;
     }
     CLI::Option* addNames(CLI::App& command, const char* name, const char* help) {
         return command.add_option(name, options_.names, help);
     }
 
     void addLibraryCommands() {
+        group_ = "Library";
         const auto folders = [this](CLI::App* added) {
-            addNames(*added, "folder", "Folders")->required();
+            addNames(*added, "folder", "A folder of font files")->required();
         };
         folders(command("add", "Record folders of font files and scan them",
                         [this](const Places& places) {
@@ -135,7 +143,7 @@ private:
             command("collect", "Copy fonts to a new folder", [this](const Places& places) {
                 return collectCommand(places, options_.names, options_.to, options_.json);
             });
-        collect->add_option("--to", options_.to, "The folder to make")->required();
+        addText(*collect, "--to", "FOLDER", "The folder to make", options_.to)->required();
         addNames(*collect, "container", nameHelp)->required();
         CLI::App* list = command("list", "List the recorded folders", [this](const Places& places) {
             return listCommand(places, options_.json         ? Listing::Json
@@ -143,8 +151,10 @@ private:
                                        : options_.problems   ? Listing::Problems
                                                              : Listing::Folders);
         });
-        list->add_flag("--containers", options_.containers, "List what the folders hold");
-        list->add_flag("--problems", options_.problems, "List the files that are no fonts");
+        auto* containers =
+            list->add_flag("--containers", options_.containers, "List what the folders hold");
+        list->add_flag("--problems", options_.problems, "List the files that are no fonts")
+            ->excludes(containers);
     }
 
     void addSearch() {
@@ -155,6 +165,7 @@ private:
     }
 
     void addServerCommands() {
+        group_ = "Server";
         jsonless(app_, "serve", "Answer commands until told to quit", [this](const Places& places) {
             return serveCommand(places, options_.verbose);
         })->add_flag("--verbose", options_.verbose, "Log each command to standard error");
@@ -165,7 +176,7 @@ private:
         });
         command("status", "Tell what runs, what there is and what is active",
                 [this](const Places& places) { return statusCommand(places, options_.json); });
-        command("history", "Tell what was done since the server was last started",
+        command("history", "Tell what was done since the server last started",
                 [this](const Places& places) {
                     return historyCommand(places, options_.all, options_.json);
                 })
@@ -173,28 +184,26 @@ private:
     }
 
     void addActivationCommands() {
+        group_ = "Activation";
         CLI::App* activate = command(
             "activate", "Make containers visible to the desktop", [this](const Places& places) {
                 return activateCommand(places, options_.names, options_.reason(), options_.json);
             });
         addNames(*activate, "container", nameHelp)->required();
-        static const std::map<std::string, std::int64_t> units = {
-            {"s", 1}, {"min", 60}, {"h", 60 * 60}, {"d", 24 * 60 * 60}};
-        auto* time = activate->add_option("--for", options_.seconds, "For a time: 30min, 2h, 7d");
-        time->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
-            ->check(CLI::PositiveNumber);
+        auto* time =
+            addOption(*activate, "--for", "TIME", "For a time: 90s, 30min, 2h, 7d", Times::Once,
+                      [this](const std::string& text) { options_.time = toTime(text); });
         activate->add_flag("--until-logout", options_.untilLogout, "Until you log out")
             ->excludes(time);
         CLI::App* deactivate =
             command("deactivate", "Take containers back", [this](const Places& places) {
                 return deactivateCommand(places, options_.names, options_.all, options_.json);
             });
-        auto* all = deactivate->add_flag("--all", options_.all, "Everything that is active");
-        auto* names = addNames(*deactivate, "container", nameHelp);
-        all->excludes(names);
+        deactivate->add_flag("--all", options_.all, "Everything that is active");
+        addNames(*deactivate, "container", nameHelp);
         deactivate->parse_complete_callback([this] {
-            if (!options_.all && options_.names.empty()) {
-                throw CLI::ValidationError("deactivate", "name containers, or give --all");
+            if (options_.all != options_.names.empty()) {
+                throw CLI::ValidationError("name containers, or give --all");
             }
         });
         // What a change leaves to a process of its own; not for people.
@@ -210,15 +219,14 @@ private:
     }
 
     void addGroupCommands(GroupKind kind, const char* help) {
-        CLI::App* parent = app_.add_subcommand(std::string(wordOf(kind)), help);
+        group_ = "Collections and tags";
+        CLI::App* parent = app_.add_subcommand(std::string(wordOf(kind)), help)->group(group_);
         parent->require_subcommand(1);
+        group_ = "Commands";
         const auto add = [this, parent, kind](const char* name, const char* text, auto run) {
-            CLI::App* added =
-                jsonless(*parent, name, text, [this, kind, run](const Places& places) {
-                    return run(places, GroupTitle{kind, options_.group});
-                });
-            added->add_flag("--json", options_.json, "Print it as JSON");
-            return added;
+            return withJson(jsonless(*parent, name, text, [this, kind, run](const Places& places) {
+                return run(places, GroupTitle{kind, options_.group});
+            }));
         };
         const auto addTo = [this](const Places& places, const GroupTitle& title) {
             return addToGroup(places, title, options_.names, options_.json);
@@ -234,7 +242,7 @@ private:
         addNames(*adding, "container", nameHelp);
         CLI::App* removing = add("remove", "Take containers out, or remove all of it", removeFrom);
         removing->add_option("name", options_.group, "Its name")->required();
-        addNames(*removing, "container", "Numbers, names or patterns; without: all of it");
+        addNames(*removing, "container", "A number, name or pattern; without any: all of it");
         add("list", "List them, or what is in one", list)
             ->add_option("name", options_.group, "Its name");
     }
@@ -244,6 +252,7 @@ private:
         "glyphora"};
     Options options_;
     Action action_;
+    const char* group_ = ""; ///< under which the help lists commands that are added
 };
 
 // What was asked for is not done before it is written.

@@ -33,6 +33,10 @@ public:
         if (fs::exists(fs::symlink_status(wanted_))) {
             throw Error(wanted_.string() + ": is there already; collect makes a new folder");
         }
+        if (!fs::is_directory(wanted_.parent_path())) {
+            throw Error(wanted_.string() + ": cannot be made: there is no folder " +
+                        wanted_.parent_path().string());
+        }
         std::string name =
             (wanted_.parent_path() / ("." + wanted_.filename().string() + ".XXXXXX")).string();
         if (mkdtemp(name.data()) == nullptr) {

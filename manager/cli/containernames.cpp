@@ -20,10 +20,18 @@ bool isPattern(std::string_view name) {
     return name.find_first_of("*?[") != std::string_view::npos;
 }
 
-std::string listed(std::span<const ContainerId> ids) {
+// The containers, each with what tells it from the others.
+std::string listed(Library& library, std::span<const ContainerId> ids) {
     std::string text;
     for (const ContainerId id : ids) {
-        text += " " + toText(id);
+        text += (text.empty() ? "" : "; ") + toText(id);
+        if (const auto container = library.container(id)) {
+            const auto faces = library.faces(id);
+            const std::string version = faces.empty() ? "" : faces.front().match.version;
+            text += " (" + formatText(*container) +
+                    (version.empty() ? "" : ", version " + version) + ", " + container->path() +
+                    ")";
+        }
     }
     return text;
 }
@@ -82,21 +90,20 @@ std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
         !candidates.empty()) {
         return {candidates.front().container.id};
     }
-    auto families = library().findContainers(name);
-    if (families.empty() && isPattern(name)) {
-        families = library().findContainersLike(name);
-        if (families.empty()) {
-            throw Error(name + ": no PostScript name or family of the library is like this");
-        }
-        return families;
+    auto found = library().findContainers(name);
+    const bool all = found.empty() && isPattern(name);
+    if (found.empty()) {
+        found = library().findContainersLike(name); // a PostScript name also where it is away
     }
-    if (families.empty()) {
-        throw Error(name + ": no container, PostScript name or family of the library");
+    if (found.empty()) {
+        throw Error(name + (all ? ": no PostScript name or family of the library is like this"
+                                : ": no container, PostScript name or family of the library"));
     }
-    if (families.size() > 1) {
-        throw Error(name + ": in several containers, give the number of one:" + listed(families));
+    if (found.size() > 1 && !all) {
+        throw Error(name +
+                    ": in several containers; give the number of one: " + listed(library(), found));
     }
-    return families;
+    return found;
 }
 
 std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {

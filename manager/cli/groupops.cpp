@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <fnmatch.h>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -30,20 +31,8 @@ GroupMember memberOf(const Container& container) {
     return {container.id, container.name, container.folder, container.file, container.format};
 }
 
-std::string pathOf(const GroupMember& member) {
-    return member.file.empty() ? member.folder : member.folder + "/" + member.file;
-}
-
-Json toJson(const GroupMember& member) {
-    return {{"id", static_cast<std::int32_t>(member.id)},
-            {"name", member.name},
-            {"path", pathOf(member)}};
-}
-
-void tellMember(Tally& tally, const std::string& deed, const GroupMember& member) {
-    tally.add(deed + " " + member.name + " (container " + toText(member.id) + ", " +
-                  pathOf(member) + ")",
-              toJson(member));
+std::string textOf(const GroupTitle& title) {
+    return std::string(wordOf(title.kind)) + ":" + title.name;
 }
 
 Group& existing(Groups& groups, const GroupTitle& title) {
@@ -75,6 +64,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
     if (containers.empty() && !names.empty()) {
         return tally.finish();
     }
+    std::vector<Container> added;
     changeGroups(places, [&](Groups& groups) {
         Group* group = findGroup(groups, title.kind, title.name);
         if (group == nullptr) {
@@ -90,9 +80,13 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
                 continue;
             }
             group->members.push_back(member);
-            tellMember(tally, group->title() + ": added", member);
+            added.push_back(container);
         }
     });
+    // Told once it is written.
+    for (const Container& container : added) {
+        tally.add(textOf(title) + ": added", container);
+    }
     return tally.finish();
 }
 
@@ -112,10 +106,10 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
         const std::string own = faces::nameKey(member.name);
         return own == key || fnmatch(key.c_str(), own.c_str(), 0) == 0;
     };
+    std::vector<Container> removed;
     changeGroups(places, [&](Groups& groups) {
         Group& group = existing(groups, title);
         if (names.empty()) {
-            tally.add("removed " + group.title(), {{"name", group.name}});
             groups.erase(groups.begin() + (&group - groups.data()));
             return;
         }
@@ -126,12 +120,16 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
             if (rest == group.members.end()) {
                 tally.fail(group.title() + ": " + name + " is not in it");
             }
-            std::for_each(rest, group.members.end(), [&](const GroupMember& member) {
-                tellMember(tally, group.title() + ": removed", member);
-            });
+            std::transform(rest, group.members.end(), std::back_inserter(removed), containerOf);
             group.members.erase(rest, group.members.end());
         }
     });
+    if (names.empty()) {
+        tally.add("removed " + textOf(title), {{"name", title.name}});
+    }
+    for (const Container& container : removed) {
+        tally.add(textOf(title) + ": removed", container);
+    }
     return tally.finish();
 }
 
@@ -145,25 +143,26 @@ int listGroups(const Places& places, const GroupTitle& title, bool json) {
                           {{"name", group.name}, {"containers", group.members.size()}});
             }
         }
-        return tally.finish();
+        return tally.finish(title.kind == GroupKind::Collection ? "there are no collections"
+                                                                : "there are no tags");
     }
     Tally tally(json, "containers");
     const Group& group = existing(groups, title);
     const auto library = openScanned(places);
     const Activation activation(places);
-    for (GroupMember member : group.members) {
-        const auto id = currentNumber(*library, member);
-        const auto container = id ? library->container(*id) : std::nullopt;
-        member.id = id.value_or(member.id);
-        const char* state = !container                        ? "away"
-                            : activation.isActive(*container) ? "active"
-                                                              : "inactive";
-        Json item = toJson(member);
-        item["state"] = state;
-        tally.add(toText(member.id) + "  " + state + "  " + member.name + ", " + pathOf(member),
-                  std::move(item));
+    for (const GroupMember& member : group.members) {
+        Container container = containerOf(member);
+        container.away = true;
+        if (const auto id = currentNumber(*library, member)) {
+            container.id = *id;
+            container = library->container(*id).value_or(container);
+        }
+        const bool active = activation.isActive(container);
+        Json item = toJson(container);
+        item["state"] = stateOf(container, active);
+        tally.add(lineOf(container, active), std::move(item));
     }
-    return tally.finish();
+    return tally.finish("there is nothing in it");
 }
 
 } // namespace manager

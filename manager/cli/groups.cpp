@@ -127,10 +127,14 @@ std::optional<GroupTitle> toGroupTitle(std::string_view text) {
     return std::nullopt;
 }
 
+Container containerOf(const GroupMember& member) {
+    Container container{member.id, member.name, member.folder, member.file};
+    container.format = member.format;
+    return container;
+}
+
 std::optional<ContainerId> currentNumber(Library& library, const GroupMember& member) {
-    Container place{member.id, member.name, member.folder, member.file};
-    place.format = member.format;
-    return library.findPlace(place);
+    return library.findPlace(containerOf(member));
 }
 
 } // namespace manager

@@ -54,6 +54,8 @@ struct GroupTitle {
 };
 [[nodiscard]] std::optional<GroupTitle> toGroupTitle(std::string_view text);
 
+/// The member as it was when it became one.
+[[nodiscard]] Container containerOf(const GroupMember& member);
 /// The member's number in this index. nullopt: the index does not know it.
 [[nodiscard]] std::optional<ContainerId> currentNumber(Library& library, const GroupMember& member);
 

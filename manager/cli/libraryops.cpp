@@ -74,6 +74,13 @@ void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
     }
 }
 
+void tellUnread(const UpdateReport& report, Tally& tally) {
+    if (report.unreadFolders != 0) {
+        tally.fail(counted(report.unreadFolders, "recorded folder") +
+                   " cannot be read; \"glyphora list --problems\" tells why");
+    }
+}
+
 // Deals with each folder by itself, so that a wrong one costs only itself.
 using FolderFunction = std::vector<std::string> (*)(const Places&, std::span<const std::string>);
 bool changeFolders(const Places& places, const std::vector<std::string>& folders, const char* deed,
@@ -116,9 +123,7 @@ int addCommand(const Places& places, const std::vector<std::string>& folders, bo
     const bool changed = changeFolders(places, folders, "added", addFolders, tally);
     const UpdateReport report = scan(places, !json, changed);
     tellScan(report, false, tally);
-    if (report.unreadFolders != 0) {
-        tally.fail(counted(report.unreadFolders, "recorded folder") + " could not be read");
-    }
+    tellUnread(report, tally);
     return tally.finish();
 }
 
@@ -135,6 +140,9 @@ int scanCommand(const Places& places, bool quiet, bool json) {
     Tally tally(json);
     const UpdateReport report = scan(places, !quiet && !json, false);
     tellScan(report, quiet, tally);
+    if (!quiet) {
+        tellUnread(report, tally);
+    }
     const int status = tally.finish();
     if (report.unreadFolders == 0) {
         return status;

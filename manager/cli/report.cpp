@@ -2,19 +2,25 @@
 // Printing the library as text and as JSON.
 #include "manager/cli/report.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace manager {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+
 void printFolders(Library& library, const std::vector<std::string>& folders) {
+    if (folders.empty()) {
+        warn("no folder is recorded; \"glyphora add FOLDER\" records one");
+    }
     for (const std::string& folder : folders) {
         const LibraryCounts counts = library.counts(folder);
-        std::string line = folder + ": " + counted(counts.files, "font file") + ", " +
-                           counted(counts.faces, "face") + ", " +
-                           counted(counts.containers, "container");
+        std::string line = folder + ": " + textOf(counts);
         if (counts.problems != 0) {
             line += ", " + counted(counts.problems, "bad file");
         }
@@ -23,34 +29,42 @@ void printFolders(Library& library, const std::vector<std::string>& folders) {
 }
 
 void printContainers(Library& library, const Activation& activation) {
-    for (const Container& container : library.containers()) {
-        std::printf("%6s  %-8s  %s, %s, %s\n", toText(container.id).c_str(),
-                    activation.isActive(container) ? "active" : "inactive",
-                    printable(container.name).c_str(), counted(container.faces, "face").c_str(),
-                    printable(container.path()).c_str());
+    const auto containers = library.containers();
+    if (containers.empty()) {
+        warn("the library is empty");
     }
+    for (const Container& container : containers) {
+        printLine(lineOf(container, activation.isActive(container)));
+    }
+}
+
+void printProblems(Library& library) {
+    const auto problems = library.problems();
+    if (problems.empty()) {
+        warn("there are no problems");
+    }
+    std::for_each(problems.begin(), problems.end(), printLine);
 }
 
 void printAll(Library& library, const Activation& activation,
               const std::vector<std::string>& folders) {
-    using Json = nlohmann::ordered_json;
     Json document = {{"folders", Json::array()},
                      {"containers", Json::array()},
                      {"problems", library.problems()}};
     for (const std::string& folder : folders) {
-        const LibraryCounts counts = library.counts(folder);
-        document["folders"].push_back({{"path", folder},
-                                       {"files", counts.files},
-                                       {"faces", counts.faces},
-                                       {"containers", counts.containers},
-                                       {"badFiles", counts.problems}});
+        Json item = {{"path", folder}};
+        item.update(toJson(library.counts(folder)));
+        document["folders"].push_back(std::move(item));
     }
     for (const Container& container : library.containers()) {
-        document["containers"].push_back({{"id", static_cast<std::int32_t>(container.id)},
-                                          {"name", container.name},
-                                          {"path", container.path()},
-                                          {"faces", container.faces},
-                                          {"active", activation.isActive(container)}});
+        const bool active = activation.isActive(container);
+        Json item = toJson(container);
+        item.update({{"format", formatText(container)},
+                     {"faces", container.faces},
+                     {"active", active},
+                     {"state", stateOf(container, active)},
+                     {"away", container.away}});
+        document["containers"].push_back(std::move(item));
     }
     printJson(document);
 }
@@ -79,6 +93,45 @@ std::string printable(std::string_view text) {
     return result;
 }
 
+std::string textOf(const LibraryCounts& counts) {
+    return counted(counts.files, "font file") +
+           (counts.away == 0 ? "" : " (" + std::to_string(counts.away) + " away)") + ", " +
+           counted(counts.faces, "face") + ", " + counted(counts.containers, "container");
+}
+
+Json toJson(const LibraryCounts& counts) {
+    return {{"files", counts.files},
+            {"away", counts.away},
+            {"faces", counts.faces},
+            {"containers", counts.containers},
+            {"badFiles", counts.problems}};
+}
+
+std::string formatText(const Container& container) {
+    constexpr std::array texts = {"Type 1", "TrueType", "OpenType PostScript", "collection"};
+    return container.format ? texts.at(static_cast<std::size_t>(*container.format)) : "";
+}
+
+std::string called(const Container& container) {
+    return container.name + " (container " + toText(container.id) + ", " + container.path() + ")";
+}
+
+std::string lineOf(const Container& container, bool active) {
+    std::array<char, 32> begin{};
+    std::snprintf(begin.data(), begin.size(), "%6s  %-8s  ", toText(container.id).c_str(),
+                  stateOf(container, active));
+    const std::string format = formatText(container);
+    return begin.data() + container.name + (format.empty() ? "" : ", " + format) +
+           (container.faces == 0 ? "" : ", " + counted(container.faces, "face")) + ", " +
+           container.path() + (active && container.away ? " (away)" : "");
+}
+
+Json toJson(const Container& container) {
+    return {{"id", static_cast<std::int32_t>(container.id)},
+            {"name", container.name},
+            {"path", container.path()}};
+}
+
 void printLine(std::string_view text) {
     std::puts(printable(text).c_str());
 }
@@ -103,9 +156,7 @@ void printLibrary(Library& library, const Activation& activation,
         printContainers(library, activation);
         break;
     case Listing::Problems:
-        for (const std::string& problem : library.problems()) {
-            printLine(problem);
-        }
+        printProblems(library);
         break;
     case Listing::Json:
         printAll(library, activation, folders);

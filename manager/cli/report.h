@@ -21,6 +21,29 @@ namespace manager {
 void printLine(std::string_view text);
 void warn(std::string_view text);
 
+/// Whether the fonts of a face or container can be seen: "active", "away" (their folder is),
+/// "shown" (by the desktop, without the manager) or "inactive".
+template <class Held>
+[[nodiscard]] const char* stateOf(const Held& held, bool active) {
+    return active ? "active" : held.away ? "away" : held.shownByDesktop ? "shown" : "inactive";
+}
+
+/// "TrueType", "Type 1", "OpenType PostScript", "collection"; empty: it is not known.
+[[nodiscard]] std::string formatText(const Container& container);
+
+/// "NAME (container NUMBER, PATH)".
+[[nodiscard]] std::string called(const Container& container);
+
+/// A line of a list: number, state, name, format, faces, path.
+[[nodiscard]] std::string lineOf(const Container& container, bool active);
+
+/// What every document says of a container, and of what a folder holds.
+[[nodiscard]] nlohmann::ordered_json toJson(const Container& container);
+[[nodiscard]] nlohmann::ordered_json toJson(const LibraryCounts& counts);
+
+/// "2 font files (1 away), 3 faces, 1 container".
+[[nodiscard]] std::string textOf(const LibraryCounts& counts);
+
 enum class Listing { Folders, Containers, Problems, Json };
 
 /// Prints the recorded folders with what they hold.

@@ -11,8 +11,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace manager {
@@ -47,13 +50,10 @@ std::string number(double value) {
     return text.data();
 }
 
-const char* stateOf(const FaceMatch& face, bool active) {
-    return face.away ? "away" : active ? "active" : face.shownByDesktop ? "shown" : "inactive";
-}
-
 Json toJson(const FaceMatch& face, const char* state) {
     return {{"container", static_cast<std::int32_t>(face.container)},
             {"state", state},
+            {"away", face.away},
             {"postScriptName", face.postScriptName},
             {"family", face.familyName},
             {"style", face.styleName},
@@ -94,9 +94,53 @@ std::string joined(const std::vector<std::string>& texts, const char* between = 
     return all;
 }
 
+// That the font can be seen and its folder not.
+std::string awayText(const FaceMatch& face, std::string_view state) {
+    return face.away && state == "active" ? ", its folder is away" : "";
+}
+
+// The folder by the path under which the library has it.
+std::string placeOf(Library& library, const std::string& folder) {
+    namespace fs = std::filesystem;
+    std::string path = fs::absolute(folder).lexically_normal().string();
+    if (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
+    }
+    std::error_code code;
+    const std::string real = fs::canonical(path, code).string();
+    // A folder that is reached by a link in the library is known by that.
+    return !code && library.counts(path).files == 0 ? real : path;
+}
+
+// Which of the things that were asked for nothing has.
+void tellUnknown(Library& library, const FaceQuery& query, Tally& tally) {
+    const struct {
+        const char* option;
+        SharedKind kind;
+        const std::vector<std::string>& wanted;
+    } all[] = {{"--script", SharedKind::Scripts, query.scripts},
+               {"--language", SharedKind::Languages, query.languages},
+               {"--feature", SharedKind::Features, query.features},
+               {"--axis", SharedKind::Axes, query.axes}};
+    for (const auto& [option, kind, wanted] : all) {
+        const auto known = wanted.empty() ? std::set<std::string>() : library.tags(kind);
+        for (const std::string& tag : wanted) {
+            if (!known.contains(tag)) {
+                tally.fail(std::string(option) + ": no face has '" + tag + "'; there " +
+                           (known.empty() ? "are none at all"
+                                          : "are " + joined({known.begin(), known.end()})));
+            }
+        }
+    }
+    if (!query.folder.empty() && library.counts(query.folder).files == 0) {
+        tally.fail(query.folder + ": no font of the library lies there");
+    }
+}
+
 void printDetails(const FaceDetails& details, const char* state) {
     const auto& [match, face] = details;
-    printLine(calledName(match) + " (container " + toText(match.container) + ", " + state + ")");
+    printLine(calledName(match) + " (container " + toText(match.container) + ", " + state +
+              awayText(match, state) + ")");
     const auto line = [](const char* title, const std::string& text) {
         if (!text.empty()) {
             printLine(std::string("  ") + title + ": " + text);
@@ -183,9 +227,12 @@ Json toJson(const FaceDetails& details, const char* state) {
     return document;
 }
 
-int searchCommand(const Places& places, const FaceQuery& query, bool json) {
+int searchCommand(const Places& places, FaceQuery query, bool json) {
     Tally tally(json, "faces");
     const auto library = openScanned(places);
+    if (!query.folder.empty()) {
+        query.folder = placeOf(*library, query.folder);
+    }
     const Activation activation(places);
     const auto reading = library->reading();
     States states(*library, activation);
@@ -193,14 +240,17 @@ int searchCommand(const Places& places, const FaceQuery& query, bool json) {
     for (const FaceMatch& face : found.faces) {
         const char* state = states.of(face);
         tally.add(toText(face.container) + "  " + state + "  " + calledName(face) + ", " +
-                      textOf(technologies, face.type) + ", " + pathOf(face),
+                      textOf(technologies, face.type) + ", " + pathOf(face) + awayText(face, state),
                   toJson(face, state));
     }
     tally.set("total", found.total);
-    if (!json && found.total > query.offset + found.faces.size()) {
+    if (found.total == 0) {
+        tellUnknown(*library, query, tally);
+    } else if (!json && found.total > query.offset + found.faces.size()) {
         printLine(std::to_string(found.total) + " in all; --limit shows more");
     }
-    return tally.finish();
+    const int status = tally.finish("nothing found");
+    return found.faces.empty() ? exitFailure : status;
 }
 
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json) {
@@ -244,7 +294,7 @@ int duplicatesCommand(const Places& places, bool json) {
         }
         tally.add(text, {{"size", copies.front().size}, {"files", std::move(files)}});
     }
-    return tally.finish();
+    return tally.finish("no two files have the same bytes");
 }
 
 } // namespace manager

@@ -20,7 +20,7 @@ namespace manager {
 [[nodiscard]] nlohmann::ordered_json toJson(const FaceDetails& details, const char* state);
 
 /// Each returns an ExitStatus and throws Error.
-int searchCommand(const Places& places, const FaceQuery& query, bool json);
+int searchCommand(const Places& places, FaceQuery query, bool json);
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json);
 int duplicatesCommand(const Places& places, bool json);
 

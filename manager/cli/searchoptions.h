@@ -23,7 +23,6 @@ public:
 private:
     FaceQuery query_;
     std::vector<std::string> words_;
-    std::string covered_;
     bool monospaced_ = false;
     bool variable_ = false;
     bool colour_ = false;

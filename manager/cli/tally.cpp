@@ -16,6 +16,10 @@ void Tally::add(std::string_view line, nlohmann::ordered_json item) {
     done_.push_back(std::move(item));
 }
 
+void Tally::add(std::string_view deed, const Container& container) {
+    add(std::string(deed) + " " + called(container), toJson(container));
+}
+
 void Tally::fail(std::string_view problem) {
     failed_ = true;
     remark(problem);
@@ -26,7 +30,7 @@ void Tally::remark(std::string_view problem) {
     problems_.push_back(problem);
 }
 
-int Tally::finish() {
+int Tally::finish(const char* whenEmpty) {
     const bool anything = !done_.empty();
     if (json_) {
         auto document = nlohmann::ordered_json::object();
@@ -38,6 +42,9 @@ int Tally::finish() {
         printJson(document);
     }
     if (!failed_) {
+        if (whenEmpty != nullptr && !anything && !json_) {
+            warn(whenEmpty);
+        }
         return exitSuccess;
     }
     return anything ? exitPartly : exitFailure;

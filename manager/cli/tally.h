@@ -2,6 +2,8 @@
 // What a command did, for people line by line and for programs as one document at the end.
 #pragma once
 
+#include "manager/library/library.h"
+
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -19,6 +21,8 @@ public:
 
     /// One thing done: `line` for people, `item` for programs.
     void add(std::string_view line, nlohmann::ordered_json item);
+    /// "DEED NAME (container NUMBER, PATH)".
+    void add(std::string_view deed, const Container& container);
     /// The same, where people are told otherwise.
     void addQuietly(nlohmann::ordered_json item) { done_.push_back(std::move(item)); }
     /// One thing that was asked for and not done: on standard error, and in the document.
@@ -29,8 +33,10 @@ public:
     /// Another member of the document.
     void set(const char* key, nlohmann::ordered_json value) { more_[key] = std::move(value); }
 
-    /// Prints the document if there is to be one. The ExitStatus.
-    [[nodiscard]] int finish();
+    [[nodiscard]] bool isEmpty() const { return done_.empty(); }
+    /// Prints the document if there is to be one. The ExitStatus. When nothing was done and nothing
+    /// has failed, people are told `whenEmpty`.
+    [[nodiscard]] int finish(const char* whenEmpty = nullptr);
 
 private:
     bool json_;

@@ -308,11 +308,16 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     EXPECT_THAT(std::string(history[1]["time"]), testing::MatchesRegex("[0-9-]+T[0-9:]+Z"));
 
     expectEach({
-        {{}, 2, "subcommand is required"},
+        {{}, 2, "glyphora: a command is missing; see glyphora --help\n"},
         {{"dance"}, 2, "unknown command 'dance'"},
         {{"--dance"}, 2, "unknown option '--dance'"},
         {{"add"}, 2, "required"},
-        {{"deactivate"}, 2, "--all"},
+        {{"deactivate"}, 2, "name containers, or give --all; see glyphora deactivate --help"},
+        {{"collect", "--to"}, 2, "--to: a value is missing"},
+        {{"collection", "dance"}, 2, "unknown command 'dance'; see glyphora collection --help"},
+        {{"list", "--problems", "--containers"}, 2, "--containers does not go with --problems"},
+        {{"activate", "--for", "2", "x"}, 2, "--for: '2' is not a time such as 90s"},
+        {{"activate", "--for", "2", "--json"}, 2, "--help\"\n  ]\n}"},
         {{"--help"}, 0, "font manager"},
         {{"add", sandbox_.root() + "/absent"}, 1, "/absent: cannot be added: No such file"},
         {{"remove", "/absent"}, 1, "/absent: not a folder of the library"},
@@ -320,8 +325,10 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"activate", "77"}, 1, "container 77: not in the library"},
         {{"deactivate", "77"}, 1, "container 77: is not active"},
         {{"deactivate", "Pair"}, 1, "Pair: no active container"},
-        {{"activate", "Pair"}, 0, "activated pair.ttc (container 2, "},
-        {{"deactivate", "2", "1", "PAIR", "lato & co"}, 0, "deactivated container 2\ndeactivated"},
+        {{"activate", "--for", "2d", "Pair"}, 0, "activated pair.ttc (container 2, "},
+        {{"deactivate", "2", "1", "PAIR", "lato & co"},
+         0,
+         "deactivated pair.ttc (container 2)\ndeactivated"},
         {{"serve", "x"}, 2, "x"},
     });
 }
@@ -343,8 +350,13 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
         {{"search", "--weight", "700", "lato", "--json"}, 0, "\"total\": 2"},
         {{"search", "--width", "75-"}, 2, "--width: '75-' is no number and no range"},
         {{"search", "--covers", "a", "--limit", "1"}, 0, "5 in all; --limit shows more"},
-        {{"search", "--slant", "bent"}, 2, "--slant"},
-        {{"search", "--covers", "\xff"}, 1, "--covers: not a text in UTF-8"},
+        {{"search", "--weight", "700-300"}, 2, "--weight: '700-300' ends before it begins"},
+        {{"search", "--weight", "nan"}, 2, "--weight: 'nan' is no number"},
+        {{"search", "--slant", "bent"}, 2, "--slant: 'bent' is none of upright, italic, oblique"},
+        {{"search", "--limit", "1", "--limit", "2"}, 2, "--limit: may be given once"},
+        {{"search", "--script", "xyzz"}, 1, "--script: no face has 'Xyzz'; there are Latn"},
+        {{"search", "nobody"}, 1, "glyphora: nothing found\n"},
+        {{"search", "--covers", "\xff"}, 2, "--covers: not a text in UTF-8"},
         {{"info", "PlainSans", "Nobody"}, 3, "  PostScript name: PlainSans\n"},
         {{"duplicates"},
          0,
@@ -352,7 +364,9 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
         {{"collect", "--to", target, "Nobody"}, 1, "Nobody: no container"},
         {{"collect", "--to", target, "p*", "3"}, 0, "copied Plain_Sans/plain.ttf\n"},
         {{"collect", "--to", target, "1"}, 1, target + ": is there already"},
-        {{"collect", "--to", target + "2/no", "1"}, 1, target + "2/no: cannot be made"},
+        {{"collect", "--to", target + "2/no", "1"},
+         1,
+         target + "2/no: cannot be made: there is no"},
     });
     EXPECT_EQ(listing("Plain_Sans/plain.ttf"), font);
     EXPECT_EQ(listing("Plain_Sans (4)/copy.ttf"), namesake);
@@ -383,21 +397,35 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
     sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
     expectEach({
         {{"add", "/absent", sandbox_.library()}, 3, "added " + sandbox_.library()},
-        {{"activate", "Twice", "LATO*"}, 3, "in several containers, give the number of one: 2 3"},
+        {{"activate", "Twice", "LATO*"},
+         3,
+         "in several containers; give the number of one: 2 (TrueType, "},
         {{"activate", "T*"}, 0, "activated Twice (container 3, "},
         {{"collection", "add", "mine", "LATO & CO", "Nobody"}, 3, "mine: added Lato & Co"},
         {{"collection", "add", "mine", "2", "1"}, 0, "mine: added Twice"},
         {{"tag", "add", "bold", "Twice-B"}, 0, "tag:bold: added Twice (container 3, "},
         {{"tag", "add", "", "1"}, 1, "a tag needs a name"},
         {{"deactivate", "tag:bold", "tag:mine"}, 3, "mine: there is no tag of this name"},
-        {{"collection", "list", "mine"}, 0, "2  active  Twice"},
-        {{"deactivate", "Twice", "collection:mine"}, 0, "container 2\ndeactivated container 1\n"},
+        {{"collection", "list", "mine"}, 0, "2  active    Twice, TrueType, 1 face, "},
+        {{"deactivate", "Twice", "collection:mine"},
+         0,
+         "(container 2)\ndeactivated Lato & Co (container 1)\n"},
         {{"collection", "remove", "mine", "l*", "l*"}, 3, "mine: removed Lato & Co"},
         {{"collection", "list"}, 0, "mine: 1 container\n"},
         {{"activate", "--json", "collection:mine", "x"}, 3, "\"name\": \"Twice\","},
         {{"collection", "remove", "mine"}, 0, "removed collection:mine"},
         {{"collection", "list", "mine", "--json"}, 1, "{\n  \"problems\": [\n"},
     });
+    std::filesystem::rename(sandbox_.library(), sandbox_.library() + ".away");
+    expectEach({
+        {{"scan"}, 1, "1 recorded folder cannot be read; \"glyphora list --problems\" tells why"},
+        {{"list"}, 0, "library: 3 font files (3 away), 3 faces, "},
+        {{"list", "--containers"}, 0, "3  away      Twice, TrueType, 1 face, "},
+        {{"tag", "list", "bold"}, 0, "3  away      Twice, TrueType, 1 face, "},
+        {{"info", "Twice-B"}, 0, "Twice Bold (container 3, away)"},
+        {{"activate", "Twice-B"}, 1, "its folder is away"},
+    });
+    std::filesystem::rename(sandbox_.library() + ".away", sandbox_.library());
     sandbox_.setFontconfig("<dir>" + sandbox_.root() + "/data/fonts</dir><dir>" +
                            sandbox_.library() + "/fonts/other</dir>");
     expectEach({
