@@ -8,7 +8,8 @@ missing-fonts.py show NAME...           what is known of them? Nothing is activa
 missing-fonts.py buy NAME...            the same, by the request to buy them
 missing-fonts.py listen NAME...         request, and again at each news of a change
 
-NAME is a PostScript name. Needs python3-gi.
+NAME is a PostScript name. What the manager activates for a program leaves when that has ended: after
+"request" and "activate" soon, after "listen" when you end it. Needs python3-gi.
 """
 
 import os

@@ -2,9 +2,14 @@
 # Completion of glyphora's command line for bash.
 
 _glyphora() {
-    local current previous word command='' deed='' position=0 i
-    current=${COMP_WORDS[COMP_CWORD]}
-    previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local word command='' deed='' position=0 i
+    # "=" and ":" are words of their own.
+    if [ "$current" = = ]; then
+        current=''
+    elif [ "$previous" = = ]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         case $word in -*) continue ;; esac
@@ -15,62 +20,113 @@ _glyphora() {
             position=$((COMP_CWORD - i))
         fi
     done
-    local commands='add remove scan list search info activate deactivate collection tag duplicates
-        collect status history serve quit'
-    local options='--json --help'
+    local options='--json --help' valued=yes
     COMPREPLY=()
     case $previous in
-        --to)
-            mapfile -t COMPREPLY < <(compgen -d -- "$current")
-            return
-            ;;
-        --for)
-            mapfile -t COMPREPLY < <(compgen -W '30min 2h 1d' -- "$current")
-            return
-            ;;
+        --to | --folder) _glyphora_dirs ;;
+        --for) _glyphora_words '30min 2h 1d' ;;
+        --slant) _glyphora_words 'upright italic oblique' ;;
+        --type) _glyphora_words 'T1 TT OT_T1 OT_TT' ;;
+        --class) _glyphora_words 'serif slab sans mono script decorative symbol' ;;
+        --weight | --width | --version | --foundry | --licence | --script | --language | --feature | --axis | \
+            --covers | --limit | --offset) ;;
+        *) valued='' ;;
     esac
+    [ -n "$valued" ] && return
     case $command in
-        '') mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "$current") ;;
-        add)
-            mapfile -t COMPREPLY < <(compgen -d -- "$current")
-            compopt -o filenames
-            ;;
-        remove)
-            local IFS=$'\n'
-            mapfile -t COMPREPLY < <(compgen -W "$(_glyphora_folders | _glyphora_quoted)" -- "$current")
-            compopt -o filenames
+        '')
+            _glyphora_words 'add remove scan list search info duplicates collect activate deactivate
+                collection tag serve quit status history --help --version'
+            return
             ;;
         collection | tag)
             if [ -z "$deed" ]; then
-                mapfile -t COMPREPLY < <(compgen -W 'add remove list' -- "$current")
-            elif [ "$position" -eq 1 ]; then
-                local IFS=$'\n'
-                mapfile -t COMPREPLY < <(compgen -W "$(_glyphora_groups "$command" | _glyphora_quoted)" -- "$current")
-                compopt -o filenames
+                _glyphora_words 'add remove list --help'
+                return
             fi
             ;;
         scan) options+=' --quiet' ;;
         list) options+=' --containers --problems' ;;
+        search)
+            options+=' --weight --width --slant --type --class --monospaced --variable --colour
+                --embeddable --version --foundry --licence --script --language --feature --axis
+                --covers --folder --limit --offset'
+            ;;
         history) options+=' --all' ;;
         serve) options='--verbose --help' ;;
         activate) options+=' --for --until-logout' ;;
         deactivate) options+=' --all' ;;
         collect) options+=' --to' ;;
     esac
+    if [[ $current == -* ]]; then
+        _glyphora_words "$options"
+        return
+    fi
     case $command in
-        '' | add | remove | collection | tag) ;;
-        *) [[ $current == -* ]] && mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current") ;;
+        add) _glyphora_dirs ;;
+        remove) _glyphora_lines < <(_glyphora_folders) ;;
+        info | collect | activate) _glyphora_containers list --containers ;;
+        deactivate) _glyphora_containers status ;;
+        collection | tag)
+            if [ "$position" -eq 1 ]; then
+                _glyphora_lines < <(_glyphora_groups "$command")
+            elif [ "$deed" != list ]; then
+                _glyphora_containers list --containers
+            fi
+            ;;
     esac
 }
 
-# What is a word of compgen -W is expanded like one of the shell, with the commands in it.
-_glyphora_quoted() {
-    sed "s/'/'\\\\''/g; s/^/'/; s/\$/'/"
+_glyphora_words() {
+    mapfile -t COMPREPLY < <(compgen -W "$1" -- "$current")
+}
+
+_glyphora_dirs() {
+    mapfile -t COMPREPLY < <(compgen -d -- "$current")
+    compopt -o filenames
+}
+
+# Takes the lines of standard input that begin like the current word, which may be quoted.
+_glyphora_lines() {
+    local line begin=${current#[\"\']}
+    begin=${begin//\\/}
+    while IFS= read -r line; do
+        [[ $line == "$begin"* ]] && COMPREPLY+=("$line")
+    done
+    compopt -o filenames
+}
+
+# The containers that a listing names, by their numbers once a digit was typed; and what is behind
+# "collection:" and "tag:".
+_glyphora_containers() {
+    local kind=$previous part='\2'
+    if [ "$previous" = : ]; then
+        kind=${COMP_WORDS[COMP_CWORD - 2]}
+    elif [ "$current" = : ]; then
+        current=''
+    else
+        kind=''
+    fi
+    case $kind in
+        collection | tag)
+            _glyphora_lines < <(_glyphora_groups "$kind")
+            return
+            ;;
+    esac
+    [[ $current == [0-9]* ]] && part='\1'
+    _glyphora_lines < <(
+        glyphora "$@" 2>/dev/null | sed -n "
+            s/^ *\([0-9]\{1,\}\)  [a-z]\{1,\}  *\(.*\), [^,]*, [0-9]* faces\{0,1\}, \/.*/$part/p
+            s/^ *\([0-9]\{1,\}\)  \(.*\), [0-9]* files\{0,1\}\(,.*\)\{0,1\}\$/$part/p" | sort -u
+        for kind in collection tag; do
+            _glyphora_groups "$kind" | sed "s/^/$kind:/"
+        done
+    )
 }
 
 # The recorded folders, one a line.
 _glyphora_folders() {
-    glyphora list 2>/dev/null | sed -n 's/: [0-9]* font files\{0,1\},.*//p'
+    glyphora list 2>/dev/null | sed -n 's/: [0-9]* font files\{0,1\}[, ].*//p'
 }
 
 # The names of collections or tags, one a line.
