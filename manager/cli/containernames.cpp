@@ -52,17 +52,15 @@ const std::vector<ActiveContainer>& ContainerNames::active() {
     return *active_;
 }
 
-std::vector<Container> ContainerNames::find(std::span<const std::string> names) {
-    std::vector<Container> found;
+void ContainerNames::forEach(
+    std::span<const std::string> names, NumberFinder numbers,
+    const std::function<void(const std::string& name, ContainerId id)>& take) {
     std::set<ContainerId> known;
     for (const std::string& name : names) {
         try {
-            for (const ContainerId id : numbersOf(name)) {
-                auto container = library().container(id);
-                if (!container) {
-                    tally_.fail(name + ": container " + toText(id) + " has no fonts now");
-                } else if (known.insert(id).second) {
-                    found.push_back(std::move(*container));
+            for (const ContainerId id : (this->*numbers)(name)) {
+                if (known.insert(id).second) {
+                    take(name, id);
                 }
             }
         } catch (const DamagedDatabase&) {
@@ -71,6 +69,17 @@ std::vector<Container> ContainerNames::find(std::span<const std::string> names) 
             tally_.fail(error.what());
         }
     }
+}
+
+std::vector<Container> ContainerNames::find(std::span<const std::string> names) {
+    std::vector<Container> found;
+    forEach(names, &ContainerNames::numbersOf, [&](const std::string& name, ContainerId id) {
+        if (auto container = library().container(id)) {
+            found.push_back(std::move(*container));
+        } else {
+            tally_.fail(name + ": container " + toText(id) + " has no fonts now");
+        }
+    });
     return found;
 }
 
@@ -108,17 +117,12 @@ std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
 
 std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {
     Groups groups = readGroups(places_);
-    const Group* group = findGroup(groups, title.kind, title.name);
-    if (group == nullptr) {
-        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
-                    " of this name");
-    }
     std::vector<ContainerId> ids;
-    for (const GroupMember& member : group->members) {
+    for (const GroupMember& member : existingGroup(groups, title).members) {
         if (const auto id = currentNumber(library(), member)) {
             ids.push_back(*id);
         } else {
-            tally_.fail(group->title() + ": " + member.name + " of " + member.folder +
+            tally_.fail(title.text() + ": " + member.name + " of " + member.folder +
                         " is not in the library");
         }
     }
@@ -127,20 +131,8 @@ std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {
 
 std::vector<ContainerId> ContainerNames::findActive(std::span<const std::string> names) {
     std::vector<ContainerId> found;
-    std::set<ContainerId> known;
-    for (const std::string& name : names) {
-        try {
-            for (const ContainerId id : activeNumbersOf(name)) {
-                if (known.insert(id).second) {
-                    found.push_back(id);
-                }
-            }
-        } catch (const DamagedDatabase&) {
-            throw;
-        } catch (const Error& error) {
-            tally_.fail(error.what());
-        }
-    }
+    forEach(names, &ContainerNames::activeNumbersOf,
+            [&](const std::string& /*name*/, ContainerId id) { found.push_back(id); });
     return found;
 }
 

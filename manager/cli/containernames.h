@@ -37,6 +37,10 @@ public:
     [[nodiscard]] Library& library();
 
 private:
+    using NumberFinder = std::vector<ContainerId> (ContainerNames::*)(const std::string&);
+    /// Has each number that the names mean taken once.
+    void forEach(std::span<const std::string> names, NumberFinder numbers,
+                 const std::function<void(const std::string& name, ContainerId id)>& take);
     [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);

@@ -31,19 +31,6 @@ GroupMember memberOf(const Container& container) {
     return {container.id, container.name, container.folder, container.file, container.format};
 }
 
-std::string textOf(const GroupTitle& title) {
-    return std::string(wordOf(title.kind)) + ":" + title.name;
-}
-
-Group& existing(Groups& groups, const GroupTitle& title) {
-    Group* group = findGroup(groups, title.kind, title.name);
-    if (group == nullptr) {
-        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
-                    " of this name");
-    }
-    return *group;
-}
-
 std::vector<Container> containersOf(const Places& places, const std::vector<std::string>& names,
                                     Tally& tally) {
     const Activation activation(places);
@@ -85,7 +72,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
     });
     // Told once it is written.
     for (const Container& container : added) {
-        tally.add(textOf(title) + ": added", container);
+        tally.add(title.text() + ": added", container);
     }
     return tally.finish();
 }
@@ -108,7 +95,7 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
     };
     std::vector<Container> removed;
     changeGroups(places, [&](Groups& groups) {
-        Group& group = existing(groups, title);
+        Group& group = existingGroup(groups, title);
         if (names.empty()) {
             groups.erase(groups.begin() + (&group - groups.data()));
             return;
@@ -118,17 +105,17 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
                 std::stable_partition(group.members.begin(), group.members.end(),
                                       [&](const GroupMember& m) { return !isMeant(m, name); });
             if (rest == group.members.end()) {
-                tally.fail(group.title() + ": " + name + " is not in it");
+                tally.fail(title.text() + ": " + name + " is not in it");
             }
             std::transform(rest, group.members.end(), std::back_inserter(removed), containerOf);
             group.members.erase(rest, group.members.end());
         }
     });
     if (names.empty()) {
-        tally.add("removed " + textOf(title), {{"name", title.name}});
+        tally.add("removed " + title.text(), {{"name", title.name}});
     }
     for (const Container& container : removed) {
-        tally.add(textOf(title) + ": removed", container);
+        tally.add(title.text() + ": removed", container);
     }
     return tally.finish();
 }
@@ -147,7 +134,7 @@ int listGroups(const Places& places, const GroupTitle& title, bool json) {
                                                                 : "there are no tags");
     }
     Tally tally(json, "containers");
-    const Group& group = existing(groups, title);
+    const Group& group = existingGroup(groups, title);
     const auto library = openScanned(places);
     const Activation activation(places);
     for (const GroupMember& member : group.members) {

@@ -117,6 +117,15 @@ Group* findGroup(Groups& groups, GroupKind kind, std::string_view name) {
     return found == groups.end() ? nullptr : &*found;
 }
 
+Group& existingGroup(Groups& groups, const GroupTitle& title) {
+    Group* group = findGroup(groups, title.kind, title.name);
+    if (group == nullptr) {
+        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
+                    " of this name");
+    }
+    return *group;
+}
+
 std::optional<GroupTitle> toGroupTitle(std::string_view text) {
     for (const GroupKind kind : kinds) {
         const std::string_view word = wordOf(kind);

@@ -30,9 +30,6 @@ struct Group {
     GroupKind kind{};
     std::string name;
     std::vector<GroupMember> members; ///< in the order in which they came
-
-    /// "collection:NAME", as it is named on the command line.
-    [[nodiscard]] std::string title() const { return std::string(wordOf(kind)) + ":" + name; }
 };
 
 using Groups = std::vector<Group>;
@@ -51,8 +48,12 @@ void changeGroups(const Places& places, const std::function<void(Groups&)>& chan
 struct GroupTitle {
     GroupKind kind{};
     std::string name;
+
+    [[nodiscard]] std::string text() const { return std::string(wordOf(kind)) + ":" + name; }
 };
 [[nodiscard]] std::optional<GroupTitle> toGroupTitle(std::string_view text);
+/// The group of this title. Throws Error when there is none.
+[[nodiscard]] Group& existingGroup(Groups& groups, const GroupTitle& title);
 
 /// The member as it was when it became one.
 [[nodiscard]] Container containerOf(const GroupMember& member);

@@ -118,7 +118,7 @@ TEST_F(AGroup, KeepsItsMembersWhenANewIndexGivesOtherNumbers) {
         EXPECT_EQ(found ? found->folder : "", member.name == "Gone" ? "" : member.folder);
         EXPECT_NE(id, member.id) << "else this shows nothing";
     }
-    EXPECT_EQ(groups_.front().title(), "collection:empty");
+    EXPECT_EQ(groups_.front().name, "empty") << "collections come first";
 }
 
 TEST_F(AGroup, IsNotChangedWhereItsFileCannotBeRead) {
