@@ -141,6 +141,17 @@ bool isTheDefault(const Instance& instance, const std::vector<Axis>& axes, const
            std::all_of(face.names.begin(), face.names.end(), isNamed);
 }
 
+// Not by the instance's number: see Variations for its coordinates.
+bool setPosition(FT_Face font, const std::vector<std::pair<std::string, double>>& position) {
+    std::vector<FT_Fixed> coordinates;
+    coordinates.reserve(position.size());
+    for (const auto& [tag, value] : position) {
+        coordinates.push_back(static_cast<FT_Fixed>(value * 65536));
+    }
+    return FT_Set_Var_Design_Coordinates(font, static_cast<FT_UInt>(coordinates.size()),
+                                         coordinates.data()) == 0;
+}
+
 void addInstances(std::vector<Face>& faces, FT_Face font, const NameTable& names,
                   const Variations& variations, const FontTables& tables) {
     const std::string prefix = [&] {
@@ -165,7 +176,7 @@ void addInstances(std::vector<Face>& faces, FT_Face font, const NameTable& names
         if (isTheDefault(instance, face.axes, face, faces[base])) {
             continue;
         }
-        if (FT_Set_Named_Instance(font, instance.number) == 0) {
+        if (setPosition(font, instance.position)) {
             fillMeasures(face, font, tables);
         }
         faces.push_back(std::move(face));

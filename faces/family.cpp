@@ -120,7 +120,6 @@ void Family::add(std::size_t face, std::string_view family, std::string_view sty
             member.words |= other.words;
             other.words |= inStyle.words;
             member.size = member.size ? member.size : other.size;
-            other.size = member.size;
         }
     }
     members_.push_back(std::move(member));

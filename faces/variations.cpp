@@ -18,8 +18,9 @@ struct MasterDeleter {
     void operator()(FT_MM_Var* master) const { FT_Done_MM_Var(library, master); }
 };
 
+// FreeType forgets the sign of an instance's negative coordinates where `long` has 64 bits.
 double fixed(FT_Fixed value) {
-    return static_cast<double>(value) / 65536;
+    return static_cast<double>(static_cast<FT_Int32>(value)) / 65536;
 }
 
 std::string tagText(FT_ULong tag) {

@@ -6,6 +6,8 @@
 #include "faces/namekey.h"
 #include "manager/exchange/lookup.h"
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <utility>
@@ -15,15 +17,10 @@ namespace manager {
 
 namespace {
 
-// A command may take a part of its second for this. Reading a face takes as long as comparing some
-// hundreds.
-constexpr std::size_t mostWork = 500'000;
-constexpr std::size_t workForAFont = 5'000;
-
-std::optional<faces::Likeness> lookOf(Library& library, const FaceMatch& face) {
-    const auto details = library.face(face.id);
-    return details ? faces::likenessOf(details->face) : std::nullopt;
-}
+// A command may take a part of its second for this: some 15 ms. Looking faces up in the index takes
+// as long as comparing a few thousand.
+constexpr std::size_t mostWork = 400'000;
+constexpr std::size_t workForALookUp = 2'500;
 
 } // namespace
 
@@ -37,6 +34,9 @@ void StandIns::add(Library& library, CandidateFinder& finder, std::span<const Ab
     const bool hasAway = !absent.empty() && library.hasAwayFolders();
     work_ = 0;
     for (const Absent& one : absent) {
+        if (work_ > mostWork) {
+            break;
+        }
         auto look = hasAway ? lookOfAway(library, wantedOf(one.font)) : std::nullopt;
         const auto lookOfAlias = addAlias(library, finder, one);
         look = look ? look : lookOfAlias;
@@ -50,15 +50,18 @@ std::optional<faces::Likeness> StandIns::lookOfAway(Library& library, const face
     const faces::Keys keys = faces::keysOf(wanted);
     const auto faces = library.findAway(keys.postScriptName, keys.family);
     const auto matches = matchFaces(wanted, faces);
-    return !matches.empty() && faces::isExact(matches.front().ground)
-               ? lookOf(library, faces[matches.front().face])
-               : std::nullopt;
+    if (matches.empty() || !faces::isExact(matches.front().ground)) {
+        return std::nullopt;
+    }
+    const auto details = library.face(faces[matches.front().face].id);
+    return details ? faces::likenessOf(details->face) : std::nullopt;
 }
 
 std::optional<faces::Likeness> StandIns::addAlias(Library& library, CandidateFinder& finder,
-                                                  const Absent& absent) const {
+                                                  const Absent& absent) {
     const faces::Wanted wanted = wantedOf(absent.font);
     for (const std::string& alias : aliases_.of(wanted.family)) {
+        work_ += workForALookUp;
         auto faces = library.findByFamily(faces::nameKey(alias));
         const auto matches = matchFaces({{}, alias, wanted.style}, faces);
         if (matches.empty()) {
@@ -72,9 +75,12 @@ std::optional<faces::Likeness> StandIns::addAlias(Library& library, CandidateFin
                            reason + faces::AskedStyle(wanted.style).text);
             return std::nullopt;
         }
-        auto look = lookOf(library, face);
+        const ComparableFaces& all = facesOf(library);
+        const auto place = std::find(all.ids.begin(), all.ids.end(), face.id) - all.ids.begin();
         finder.addNear(absent.finding, absent.font, std::move(face), reason);
-        return look;
+        return place < std::ssize(all.ids)
+                   ? std::optional(all.likenesses[static_cast<std::size_t>(place)])
+                   : std::nullopt;
     }
     return std::nullopt;
 }
@@ -84,10 +90,7 @@ void StandIns::addSimilar(Library& library, CandidateFinder& finder, const Absen
     constexpr std::size_t most = 50; // a family may be there in many versions
     constexpr float farthest = 8;
     const ComparableFaces& all = facesOf(library);
-    work_ += all.ids.size() + workForAFont;
-    if (work_ > mostWork) {
-        return;
-    }
+    work_ += all.ids.size() + workForALookUp;
     std::set<std::string> families;
     for (const Candidate& near : absent.finding.near) {
         families.insert(faces::nameKey(near.face.familyName));
@@ -96,14 +99,14 @@ void StandIns::addSimilar(Library& library, CandidateFinder& finder, const Absen
     const std::string reason =
         "similar to " + (wanted.family.empty() ? wanted.postScriptName : wanted.family);
     for (const auto& [place, distance] : faces::similarFaces(look, all.likenesses, most)) {
-        auto details = distance < farthest ? library.face(all.ids[place]) : std::nullopt;
-        if (!details || !families.insert(faces::nameKey(details->match.familyName)).second) {
+        auto face = distance < farthest ? library.match(all.ids[place]) : std::nullopt;
+        if (!face || !families.insert(faces::nameKey(face->familyName)).second) {
             continue;
         }
         const std::string differences = faces::differenceText(look, all.likenesses[place]);
         std::string line = reason;
         line.append(differences.empty() ? "" : ": ").append(differences);
-        if (!finder.addNear(absent.finding, absent.font, std::move(details->match), line)) {
+        if (!finder.addNear(absent.finding, absent.font, std::move(*face), line)) {
             return;
         }
     }

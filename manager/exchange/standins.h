@@ -32,7 +32,7 @@ public:
 private:
     static std::optional<faces::Likeness> lookOfAway(Library& library, const faces::Wanted& wanted);
     std::optional<faces::Likeness> addAlias(Library& library, CandidateFinder& finder,
-                                            const Absent& absent) const;
+                                            const Absent& absent);
     void addSimilar(Library& library, CandidateFinder& finder, const Absent& absent,
                     const faces::Likeness& look);
     const ComparableFaces& facesOf(Library& library);

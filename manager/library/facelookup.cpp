@@ -199,6 +199,12 @@ std::optional<FaceDetails> Library::face(FaceId id) {
     return statement.step() ? std::optional(detailsOf(statement)) : std::nullopt;
 }
 
+std::optional<FaceMatch> Library::match(FaceId id) {
+    const StatementUse use(byId_);
+    byId_.bind(1, static_cast<std::int64_t>(id));
+    return byId_.step() ? std::optional(matchOf(byId_)) : std::nullopt;
+}
+
 std::vector<FaceDetails> Library::faces(ContainerId id) {
     const Reading together(database_);
     Statement statement(database_, ("SELECT " + std::string(columns) + std::string(moreColumns) +

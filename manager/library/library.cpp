@@ -161,6 +161,7 @@ Library::Library(const Places& places, const TableFiller& fill, MissingFile miss
                           faceLookUp("face.id IN (SELECT name.face FROM family JOIN name ON "
                                      "name.family = family.id WHERE family.normalised_key = ?)")
                               .c_str()),
+      byId_(database_, (faceColumns() + "WHERE face.id = ?").c_str()),
       names_(database_, "SELECT family.name, name.style, name.language, name.kind FROM name "
                         "JOIN family ON family.id = name.family WHERE name.face = ? "
                         "ORDER BY name.position"),

@@ -159,6 +159,7 @@ public:
     [[nodiscard]] std::set<std::string> tags(SharedKind kind);
     /// nullopt: there is none of this number (any more).
     [[nodiscard]] std::optional<FaceDetails> face(FaceId id);
+    [[nodiscard]] std::optional<FaceMatch> match(FaceId id);
     /// Everything of a container's faces, spares included.
     [[nodiscard]] std::vector<FaceDetails> faces(ContainerId id);
     /// All faces that can be compared and activated.
@@ -218,6 +219,7 @@ private:
     Statement byFullName_;
     Statement byFamily_;
     Statement byNormalisedFamily_;
+    Statement byId_;
     Statement names_;
     Statement fullNames_;
     Statement container_;

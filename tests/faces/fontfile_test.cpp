@@ -175,8 +175,15 @@ TEST_F(AFontFile, TellsTheNamedInstancesOfAVariableFontAsFaces) {
         EXPECT_EQ(face.style.weight, expected[i].weight);
         EXPECT_THAT(face.axes, ElementsAre(Axis{"wght", "Regular", 100, 400, 900, false}));
     }
-    EXPECT_GT(contents.faces[2].measures.value().letterWidth,
-              contents.faces[1].measures.value().letterWidth);
+    const double width = contents.faces[1].measures.value().letterWidth;
+    EXPECT_GT(contents.faces[2].measures.value().letterWidth, width);
+
+    recipe.slanting = true; // which makes no letter wider
+    const auto slanting = read(makeFont(recipe)).faces;
+    ASSERT_EQ(slanting.size(), 3U);
+    EXPECT_THAT(slanting[2].position, ElementsAre(testing::Pair("slnt", -2)));
+    EXPECT_EQ(slanting[2].style.slant, Slant::Oblique);
+    EXPECT_EQ(slanting[2].measures, slanting[0].measures);
 }
 
 TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {

@@ -26,7 +26,9 @@ TEST(TheRuleOfMatching, JudgesAsTheTableSays) {
         }
         std::vector<Known> known;
         for (std::size_t i = 0; i < c.held.size(); ++i) {
-            known.push_back({c.held[i].postScriptName, fullNames[i], names[i], c.held[i].look, {}});
+            Style look = c.held[i].look;
+            correctStyle(look, c.held[i].style); // as who reads a font does
+            known.push_back({c.held[i].postScriptName, fullNames[i], names[i], look, {}});
         }
         std::string exact;
         std::string near;

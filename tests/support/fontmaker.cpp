@@ -81,14 +81,17 @@ std::string nameTable(const FontRecipe& recipe) {
     return nameTable(records);
 }
 
-// A weight axis from 100 to 900 at 400, and an instance per name at 500, 600, ...
+// A weight axis from 100 to 900 at 400, and an instance per name at 500, 600, ...; or one of slant.
 std::string variationTable(const FontRecipe& recipe) {
     const auto fixed = [](std::size_t value) { return u32(value << 16U); };
     std::string table = u32(0x00010000) + u16(16) + u16(2) + u16(1) + u16(20) +
                         u16(recipe.instances.size()) + u16(8);
-    table += "wght" + fixed(100) + fixed(400) + fixed(900) + u16(0) + u16(2);
+    table += recipe.slanting ? "slnt" + fixed(0U - 10U) + fixed(0) + fixed(0)
+                             : "wght" + fixed(100) + fixed(400) + fixed(900);
+    table += u16(0) + u16(2);
     for (std::size_t i = 0; i < recipe.instances.size(); ++i) {
-        table += u16(firstInstanceName + i) + u16(0) + fixed(500 + i * 100);
+        table += u16(firstInstanceName + i) + u16(0) +
+                 fixed(recipe.slanting ? ~i : 500 + i * 100); // -1, -2, ...
     }
     return table;
 }

@@ -31,6 +31,7 @@ struct FontRecipe {
     /// Names of a variable font's instances, without the first. Letters are wider by an em at the
     /// heaviest.
     std::vector<std::string> instances = {};
+    bool slanting = false; ///< the instances lean, by 1 degree, 2, ..., in place of being heavier
     std::size_t weight = 400;
     std::size_t widthClass = 5; ///< 1 to 9, from ultra-condensed to ultra-expanded
     bool italic = false;
