@@ -400,7 +400,7 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
         {{"activate", "Twice", "LATO*"},
          3,
          "in several containers; give the number of one: 2 (TrueType, "},
-        {{"activate", "T*"}, 0, "activated Twice (container 3, "},
+        {{"activate", "T*", "--for", "1h"}, 0, "glyphora: no server is running: what is due"},
         {{"collection", "add", "mine", "LATO & CO", "Nobody"}, 3, "mine: added Lato & Co"},
         {{"collection", "add", "mine", "2", "1"}, 0, "mine: added Twice"},
         {{"tag", "add", "bold", "Twice-B"}, 0, "tag:bold: added Twice (container 3, "},
