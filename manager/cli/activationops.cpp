@@ -193,7 +193,7 @@ int statusCommand(const Places& places, bool json) {
         for (const std::string& reason : reasonTexts(container)) {
             line += ", " + reason;
         }
-        line += isAway(*library, container.id) ? " (its folder is away)" : "";
+        line += isAway(*library, container.id) ? " (away)" : "";
         std::printf("%6s  %s\n", toText(container.id).c_str(), printable(line).c_str());
     }
     return exitSuccess;

@@ -112,16 +112,20 @@ std::string formatText(const Container& container) {
     return container.format ? texts.at(static_cast<std::size_t>(*container.format)) : "";
 }
 
+std::string lineBegin(ContainerId id, const char* state) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%6s  %-8s  ", toText(id).c_str(), state);
+    return text.data();
+}
+
 std::string called(const Container& container) {
     return container.name + " (container " + toText(container.id) + ", " + container.path() + ")";
 }
 
 std::string lineOf(const Container& container, bool active) {
-    std::array<char, 32> begin{};
-    std::snprintf(begin.data(), begin.size(), "%6s  %-8s  ", toText(container.id).c_str(),
-                  stateOf(container, active));
     const std::string format = formatText(container);
-    return begin.data() + container.name + (format.empty() ? "" : ", " + format) +
+    return lineBegin(container.id, stateOf(container, active)) + container.name +
+           (format.empty() ? "" : ", " + format) +
            (container.faces == 0 ? "" : ", " + counted(container.faces, "face")) + ", " +
            container.path() + (active && container.away ? " (away)" : "");
 }

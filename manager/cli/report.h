@@ -31,6 +31,9 @@ template <class Held>
 /// "TrueType", "Type 1", "OpenType PostScript", "collection"; empty: it is not known.
 [[nodiscard]] std::string formatText(const Container& container);
 
+/// How a line of a list begins: number and state, in columns.
+[[nodiscard]] std::string lineBegin(ContainerId id, const char* state);
+
 /// "NAME (container NUMBER, PATH)".
 [[nodiscard]] std::string called(const Container& container);
 

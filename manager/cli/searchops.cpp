@@ -96,7 +96,7 @@ std::string joined(const std::vector<std::string>& texts, const char* between = 
 
 // That the font can be seen and its folder not.
 std::string awayText(const FaceMatch& face, std::string_view state) {
-    return face.away && state == "active" ? ", its folder is away" : "";
+    return face.away && state == "active" ? " (away)" : "";
 }
 
 // The folder by the path under which the library has it.
@@ -239,7 +239,7 @@ int searchCommand(const Places& places, FaceQuery query, bool json) {
     const FoundFaces found = library->search(query);
     for (const FaceMatch& face : found.faces) {
         const char* state = states.of(face);
-        tally.add(toText(face.container) + "  " + state + "  " + calledName(face) + ", " +
+        tally.add(lineBegin(face.container, state) + calledName(face) + ", " +
                       textOf(technologies, face.type) + ", " + pathOf(face) + awayText(face, state),
                   toJson(face, state));
     }
