@@ -188,27 +188,39 @@ double processorSeconds() {
     return seconds;
 }
 
-// Containers of one font each, from nothing to visible. "cpuMs" is all processor time a container,
-// that of the processes that read the fonts included.
-void activateContainers(benchmark::State& state) {
-    const char* font = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf";
-    const TemporaryPlaces temporary;
-    const std::string folder = temporary.places.data + "/library";
-    std::filesystem::create_directories(folder);
+// Containers of one font each, and a desktop that shows nothing else.
+struct ManyContainers {
+    explicit ManyContainers(std::int64_t count) {
+        const char* font = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf";
+        const std::string folder = temporary.places.data + "/library";
+        std::filesystem::create_directories(folder);
+        for (int i = 1; i <= count; ++i) {
+            const std::string path = folder + "/" + std::to_string(i) + ".ttf";
+            std::filesystem::copy_file(font, path);
+            ids.push_back(static_cast<ContainerId>(i));
+            containers.push_back({ids.back(), "Container", {{path, stampOf(path)}}});
+        }
+        const std::string configuration = temporary.places.data + "/fonts.conf";
+        writeFile(configuration, "<?xml version=\"1.0\"?><fontconfig><dir>" +
+                                     temporary.places.data + "/fonts</dir><cachedir>" +
+                                     temporary.places.data + "/cache</cachedir></fontconfig>");
+        setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+    }
+    ManyContainers(const ManyContainers&) = delete;
+    ManyContainers& operator=(const ManyContainers&) = delete;
+    ~ManyContainers() { unsetenv("FONTCONFIG_FILE"); }
+
+    TemporaryPlaces temporary;
     std::vector<ContainerFonts> containers;
     std::vector<ContainerId> ids;
-    for (int i = 1; i <= state.range(0); ++i) {
-        const std::string path = folder + "/" + std::to_string(i) + ".ttf";
-        std::filesystem::copy_file(font, path);
-        ids.push_back(static_cast<ContainerId>(i));
-        containers.push_back({ids.back(), "Container", {{path, stampOf(path)}}});
-    }
-    const std::string configuration = temporary.places.data + "/fonts.conf";
-    writeFile(configuration, "<?xml version=\"1.0\"?><fontconfig><dir>" + temporary.places.data +
-                                 "/fonts</dir><cachedir>" + temporary.places.data +
-                                 "/cache</cachedir></fontconfig>");
-    setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
-    Activation activation(temporary.places);
+};
+
+// From nothing to visible. "cpuMs" is all processor time a container, that of the processes that
+// read the fonts included.
+void activateContainers(benchmark::State& state) {
+    const ManyContainers many(state.range(0));
+    const auto& containers = many.containers;
+    Activation activation(many.temporary.places);
     double processor = 0;
     for (auto _ : state) {
         processor -= processorSeconds();
@@ -220,10 +232,9 @@ void activateContainers(benchmark::State& state) {
             }
         }
         state.PauseTiming();
-        benchmark::DoNotOptimize(activation.deactivate(ids));
+        benchmark::DoNotOptimize(activation.deactivate(many.ids));
         state.ResumeTiming();
     }
-    unsetenv("FONTCONFIG_FILE");
     state.counters["cpuMs"] = processor * 1e3 / static_cast<double>(state.iterations()) /
                               static_cast<double>(state.range(0));
     state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -234,6 +245,51 @@ BENCHMARK(activateContainers)
     ->Arg(100)
     ->Arg(1000)
     ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+// Those whose reason has ended go, while so many others stay. "deletionMs" is the processor time of
+// what is left for when nobody waits.
+void withdrawContainers(benchmark::State& state) {
+    ManyContainers many(state.range(0) + state.range(1));
+    Reason over = Reason::forTime(std::chrono::hours(0));
+    --over.time;
+    const auto due = std::span(many.containers).first(static_cast<std::size_t>(state.range(0)));
+    const auto staying = std::span(many.containers).subspan(due.size());
+    for (ContainerFonts& container : due) {
+        container.reasons = {over};
+    }
+    Activation activation(many.temporary.places);
+    benchmark::DoNotOptimize(activation.activate(staying));
+    benchmark::DoNotOptimize(activation.withdrawDue());
+    double processor = 0;
+    double deletion = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        benchmark::DoNotOptimize(activation.activate(due));
+        activation.lookAgain(std::vector(many.ids.begin(), many.ids.begin() + state.range(0)));
+        state.ResumeTiming();
+        processor -= processorSeconds();
+        if (activation.withdrawDue().size() != due.size()) {
+            state.SkipWithError("not all were withdrawn");
+        }
+        benchmark::DoNotOptimize(activation.endingReasons());
+        processor += processorSeconds();
+        state.PauseTiming();
+        deletion -= processorSeconds();
+        activation.sweep(due.size());
+        deletion += processorSeconds();
+        state.ResumeTiming();
+    }
+    const double count =
+        static_cast<double>(state.iterations()) * static_cast<double>(state.range(0));
+    state.counters["cpuMs"] = processor * 1e3 / count;
+    state.counters["deletionMs"] = deletion * 1e3 / count;
+}
+BENCHMARK(withdrawContainers)
+    ->Args({1, 0})
+    ->Args({1, 10000})
+    ->Args({1000, 0})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 

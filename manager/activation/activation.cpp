@@ -68,21 +68,27 @@ SetRecord recordOf(const ContainerFonts& container) {
     return record;
 }
 
-Activation::Activation(const Places& places, StepObserver observer, std::filesystem::path desktop)
-    : folders_(places.fonts(), std::move(observer)), program_(std::move(desktop)) {
+Activation::Activation(const Places& places, StepObserver observer, std::filesystem::path desktop,
+                       std::chrono::milliseconds patience)
+    : folders_(places.fonts(), std::move(observer)), program_(std::move(desktop)),
+      patience_(patience) {
     makeFolders(folders_.staging().path());
 }
 
 FileLock Activation::lock() const {
     makeFolders(folders_.staging().path()); // a person may have tidied up
-    return FileLock(folders_.root() + "/.lock");
+    return FileLock(folders_.root() + "/.lock", patience_);
 }
 
-void Activation::putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes) {
+void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span<SetRecord> records,
+                           std::span<ActivationOutcome> outcomes) {
     std::vector<std::size_t> prepared;
     std::vector<ContainerId> ids;
     for (std::size_t i = 0; i < records.size(); ++i) {
         ActivationOutcome& outcome = outcomes[i];
+        if (containers[i].onlyIfActive && !recordInPlace(records[i].id)) {
+            continue;
+        }
         if (records[i].files.empty()) {
             fail(outcome, records[i], "container " + toText(records[i].id) + ": has no fonts");
             continue;
@@ -152,7 +158,7 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     std::vector<std::vector<SetFile>> before(containers.size());
     std::transform(records.begin(), records.end(), before.begin(),
                    [this](const SetRecord& record) { return filesInPlace(record.id); });
-    putOnDisk(records, outcomes);
+    putOnDisk(containers, records, outcomes);
 
     const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
     const bool changed = std::any_of(outcomes.begin(), outcomes.end(), isChanged);
@@ -198,8 +204,11 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     if (!reduced.empty()) {
         showChanges(reduced);
     }
-    for (ActivationOutcome& outcome : outcomes) {
-        outcome.success = outcome.problems.empty();
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        outcomes[i].success = outcomes[i].problems.empty();
+        if (outcomes[i].success && !containers[i].onlyIfActive) {
+            known_.learn(records[i].id, records[i].reasons); // while its processes have names
+        }
     }
     return outcomes;
 }
@@ -210,9 +219,10 @@ void Activation::takeAway(const std::set<std::string>& names, SetRecord& record,
     std::erase_if(record.files, [&](const SetFile& file) { return names.contains(file.name); });
     try {
         if (record.files.empty()) {
-            bool leftBehind = false;
-            if (folders_.remove(record.id, &leftBehind)) {
+            if (const auto whole = folders_.recordOfLeaving(record.id)) {
+                static_cast<void>(folders_.remove(*whole));
                 folders_.syncRemoved(std::span(&record.id, 1));
+                folders_.sweep(1);
             }
         } else {
             std::vector<LostFile> lost; // nothing more: the rest is in place

@@ -5,9 +5,14 @@
 #pragma once
 
 #include "manager/activation/desktopfonts.h"
+#include "manager/activation/knownreasons.h"
+#include "manager/activation/mappedfiles.h"
 #include "manager/activation/setfolder.h"
 
+#include <chrono>
+#include <deque>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <set>
 #include <span>
@@ -23,6 +28,7 @@ struct ContainerFonts {
     std::string name;
     std::vector<LibraryFile> files;
     std::vector<Reason> reasons = {Reason::byHand()}; ///< added to those of before
+    bool onlyIfActive = false; ///< nothing is done for one that is not active
 };
 
 /// The record that its set has when all of it is in place.
@@ -52,6 +58,7 @@ struct ActiveContainer {
 struct Withdrawal {
     ContainerId id{};
     std::string name;
+    std::string why; ///< for people: "process 4711 (inkscape) ended"; empty: nothing tells
     ActivationOutcome outcome;
 };
 
@@ -61,7 +68,8 @@ public:
     /// Makes the folder that fontconfig watches, so that programs started from now on know it.
     /// Throws Error.
     explicit Activation(const Places& places, StepObserver observer = {},
-                        std::filesystem::path desktop = desktopProgram());
+                        std::filesystem::path desktop = desktopProgram(),
+                        std::chrono::milliseconds patience = lockPatience);
 
     /// The folder of this container's set, be it there or not.
     [[nodiscard]] std::string folder(ContainerId id) const { return folders_.folder(id); }
@@ -84,10 +92,19 @@ public:
     /// until that ends.
     [[nodiscard]] std::vector<ActivationOutcome>
     deactivate(std::span<const ContainerId> containers);
-    /// Ends reasons that do not stand any more, and takes away the sets that are left without one.
-    [[nodiscard]] std::vector<Withdrawal> withdrawDue();
-    /// The reasons that stand and will end by themselves, each once.
-    [[nodiscard]] std::vector<Reason> endingReasons() const;
+    /// Has withdrawDue() read the records of these sets again, which others may have changed;
+    /// nullopt: of all. The first time it reads all.
+    void lookAgain(const std::optional<std::vector<ContainerId>>& changed);
+    /// Ends reasons that do not stand any more, and takes away the sets that are left without one;
+    /// looks at `most` at a time, so that others have their turn.
+    [[nodiscard]] std::vector<Withdrawal>
+    withdrawDue(std::size_t most = std::numeric_limits<std::size_t>::max());
+    /// Whether the last call left sets to the next one.
+    [[nodiscard]] bool isMoreDue() const { return !doubtful_.empty(); }
+    /// Deletes up to `most` sets that withdrawDue() took away. Whether there are more.
+    bool sweep(std::size_t most) noexcept { return folders_.sweep(most); }
+    /// The reasons that stand and will end by themselves, each once, as of the last withdrawDue().
+    [[nodiscard]] std::vector<Reason> endingReasons() const { return known_.ending(); }
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
     /// the files that cannot be had), begun removals are finished. Told to `report`, a line each. A
@@ -112,8 +129,18 @@ private:
     [[nodiscard]] FileLock lock() const;
     [[nodiscard]] std::optional<SetRecord> recordInPlace(ContainerId id) const;
     [[nodiscard]] std::vector<SetFile> filesInPlace(ContainerId id) const;
-    void takeAll(std::span<const ContainerId> containers, std::span<ActivationOutcome> outcomes);
-    void putOnDisk(std::span<SetRecord> records, std::span<ActivationOutcome> outcomes);
+    struct Leaving {
+        ContainerId id{};
+        std::optional<SetRecord> record; ///< nullopt: it is yet to be read
+        ActivationOutcome outcome;
+    };
+    void takeAll(std::span<Leaving> sets);
+    /// Whether it is postponed.
+    bool keepUnderPrograms(Leaving& set, const Mappers& mappers);
+    void readChangedRecords();
+    [[nodiscard]] std::string endsOf(const std::vector<Reason>& reasons) const;
+    void putOnDisk(std::span<const ContainerFonts> containers, std::span<SetRecord> records,
+                   std::span<ActivationOutcome> outcomes);
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);
     /// Has fontconfig read what changed in the root and in these folders of sets.
@@ -123,9 +150,14 @@ private:
 
     SetFolders folders_;
     std::filesystem::path program_;
+    std::chrono::milliseconds patience_;
     DesktopFaces desktop_;
     std::set<std::pair<std::string, std::int64_t>> endless_; ///< sources, with their inodes
     std::vector<std::string> changedFolders_;
+    KnownReasons known_;
+    bool anyChanged_ = true; ///< records may be others than known; else those of `changed_`
+    std::set<ContainerId> changed_;
+    std::deque<ContainerId> doubtful_; ///< yet to be looked at
     bool unsettled_ = false;
     bool knowsRoot_ = false; ///< nobody else has changed what is active since desktop_ was read
 };

@@ -4,10 +4,12 @@
 
 #include "manager/library/error.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <iterator>
 #include <sys/eventfd.h>
 #include <unordered_map>
+#include <utility>
 
 namespace manager {
 
@@ -17,34 +19,37 @@ namespace {
 constexpr std::chrono::milliseconds settleDelay{1100};
 // As many as are done in a fraction of a second: others wait no longer for their turn.
 constexpr std::size_t largestBatch = 200;
-// What failed was most likely locked for longer than anybody waits for it.
+// What other processes sleep between two tries to have the lock, and a little more.
+constexpr std::chrono::milliseconds restBetweenParts{60};
+// Sets, when nobody waits for anything.
+constexpr std::size_t sweptAtOnce = 20;
+// What failed, and not for want of the lock, needs somebody's help.
 constexpr std::chrono::minutes retryDelay{1};
 
-void activateBatch(Activation& activation, std::vector<ContainerFonts> batch, ActivatorNews& news) {
-    std::vector<ActivationOutcome> outcomes(batch.size());
-    try {
-        outcomes = activation.activate(batch);
-    } catch (const std::exception& error) { // no lock, no folder: nothing was done
-        for (std::size_t i = 0; i < batch.size(); ++i) {
-            for (const SetFile& file : recordOf(batch[i]).files) {
-                outcomes[i].lost.insert(file.name);
-            }
-            outcomes[i].problems = {error.what()};
-        }
+ActivationOutcome failureOf(const ContainerFonts& container, const std::string& problem) {
+    ActivationOutcome outcome;
+    for (const SetFile& file : recordOf(container).files) {
+        outcome.lost.insert(file.name);
     }
-    for (std::size_t i = 0; i < batch.size(); ++i) {
-        news.activated.emplace_back(batch[i].id, std::move(outcomes[i]));
-    }
+    outcome.problems = {problem};
+    return outcome;
 }
 
-/// Tells what a step throws as a problem. Whether it threw nothing.
-bool guarded(ActivatorNews& news, const std::function<void()>& step) {
+/// Whether they differ in their reasons alone.
+bool isSame(const ContainerFonts& a, const ContainerFonts& b) {
+    return a.name == b.name && a.onlyIfActive == b.onlyIfActive &&
+           std::equal(a.files.begin(), a.files.end(), b.files.begin(), b.files.end(),
+                      [](const LibraryFile& one, const LibraryFile& other) {
+                          return one.path == other.path && one.stamp == other.stamp;
+                      });
+}
+
+/// Does a step that needs no lock.
+void tellThrown(ActivatorNews& news, const std::function<void()>& step) {
     try {
         step();
-        return true;
     } catch (const std::exception& error) {
         news.problems.emplace_back(error.what());
-        return false;
     }
 }
 
@@ -55,8 +60,8 @@ void append(std::vector<Item>& all, std::vector<Item> more) {
 
 } // namespace
 
-Activator::Activator(const Places& places)
-    : places_(places), newsFlag_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+Activator::Activator(const Places& places, LockTimes times)
+    : places_(places), times_(times), newsFlag_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!newsFlag_) {
         throw systemError("activation", "no event descriptor", errno);
     }
@@ -67,7 +72,6 @@ Activator::~Activator() {
     {
         const std::scoped_lock lock(mutex_);
         ending_ = true;
-        queue_.clear();
     }
     wake_.notify_one();
     thread_.join();
@@ -80,14 +84,25 @@ ActivatorNews Activator::take() {
     return std::exchange(news_, {});
 }
 
-void Activator::activate(std::vector<ContainerFonts> containers) {
-    if (containers.empty()) {
-        return;
-    }
+std::uint64_t Activator::activate(std::vector<ContainerFonts> containers) {
     const std::scoped_lock lock(mutex_);
-    queue_.emplace_back(std::make_move_iterator(containers.begin()),
-                        std::make_move_iterator(containers.end()));
-    wake_.notify_one();
+    const std::uint64_t call = ++lastCall_;
+    if (waiting_ + containers.size() > maximumWaiting) {
+        for (const ContainerFonts& container : containers) {
+            news_.activated.push_back(
+                {call, container.id, container.name,
+                 failureOf(container, "container " + toText(container.id) +
+                                          ": too many wait to be activated before it")});
+        }
+        eventfd_write(newsFlag_.get(), 1);
+    } else if (!containers.empty()) {
+        waiting_ += containers.size();
+        queue_.push_back({call,
+                          {std::make_move_iterator(containers.begin()),
+                           std::make_move_iterator(containers.end())}});
+        wake_.notify_one();
+    }
+    return call;
 }
 
 void Activator::readDesktop() {
@@ -96,9 +111,11 @@ void Activator::readDesktop() {
     wake_.notify_one();
 }
 
-void Activator::withdraw() {
+void Activator::withdraw(std::optional<std::vector<ContainerId>> changed) {
     const std::scoped_lock lock(mutex_);
     withdrawalWanted_ = true;
+    anyChanged_ = anyChanged_ || !changed;
+    append(changed_, std::move(changed).value_or(std::vector<ContainerId>()));
     wake_.notify_one();
 }
 
@@ -117,101 +134,190 @@ void Activator::publish(ActivatorNews news) {
     eventfd_write(newsFlag_.get(), 1);
 }
 
-std::vector<ContainerFonts> Activator::takeSome() {
-    std::vector<ContainerFonts> batch;
+// One of each call in turn. What others want of the same container otherwise waits for the next
+// batch.
+void Activator::takeSome() {
     std::unordered_map<std::int32_t, std::size_t> positions;
-    while (!queue_.empty() && batch.size() < largestBatch) {
-        auto& call = queue_.front();
-        const auto [position, isNew] =
-            positions.try_emplace(static_cast<std::int32_t>(call.front().id), batch.size());
-        if (isNew) {
-            batch.push_back(std::move(call.front()));
-        } else {
-            append(batch[position->second].reasons, std::move(call.front().reasons));
+    std::size_t passedOver = 0;
+    while (batch_.containers.size() < largestBatch && passedOver < queue_.size()) {
+        Call& call = queue_.front();
+        ContainerFonts& container = call.containers.front();
+        const auto [position, isNew] = positions.try_emplace(
+            static_cast<std::int32_t>(container.id), batch_.containers.size());
+        const std::size_t at = position->second;
+        if (!isNew && !isSame(batch_.containers[at], container)) {
+            ++passedOver;
+            queue_.splice(queue_.end(), queue_, queue_.begin());
+            continue;
         }
-        call.pop_front();
-        if (call.empty()) {
+        passedOver = 0;
+        if (isNew) {
+            batch_.containers.push_back(std::move(container));
+            batch_.calls.push_back({call.number});
+        } else {
+            append(batch_.containers[at].reasons, std::move(container.reasons));
+            batch_.calls[at].push_back(call.number);
+        }
+        call.containers.pop_front();
+        --waiting_;
+        if (call.containers.empty()) {
             queue_.pop_front();
         } else {
             queue_.splice(queue_.end(), queue_, queue_.begin());
         }
     }
-    return batch;
 }
 
 // What is quick and waited for comes first.
-std::function<void(Activation&, ActivatorNews&)> Activator::next() {
+Activator::Task Activator::next() {
     std::unique_lock lock(mutex_);
-    const auto isAwake = [this] {
-        return ending_ || desktopWanted_ || withdrawalWanted_ || !queue_.empty();
-    };
-    // At the end the settling is waited for all the same.
-    const auto isToGoOn = [&] { return ending_ ? !settling_ : isAwake(); };
-    do {
-        const bool isRetryNext = retry_ && (!settling_ || *retry_ < *settling_);
-        if (const auto due = isRetryNext ? retry_ : settling_) {
-            wake_.wait_until(lock, *due, isToGoOn);
-        } else {
-            wake_.wait(lock, isToGoOn);
+    for (;;) {
+        const auto now = Clock::now();
+        if (settling_ && *settling_ <= now) {
+            return Task::Settle;
         }
-        if (settling_ && *settling_ <= Clock::now()) {
-            return {};
-        }
-        if (retry_ && *retry_ <= Clock::now()) {
-            retry_.reset();
-            withdrawalWanted_ = true;
-        }
-    } while (!isToGoOn());
-    if (ending_) {
-        return {};
-    }
-    if (std::exchange(desktopWanted_, false)) {
-        return [](Activation& activation, ActivatorNews& news) {
-            guarded(news, [&] { activation.refreshDesktop(); });
-            news.desktop = activation.desktop();
-        };
-    }
-    if (std::exchange(withdrawalWanted_, false)) {
-        return [this](Activation& activation, ActivatorNews& news) {
-            const bool done = recover(activation, news) &&
-                              guarded(news, [&] { news.withdrawn = activation.withdrawDue(); });
-            guarded(news, [&] { news.ending = activation.endingReasons(); });
-            if (!done) {
-                retry_ = Clock::now() + retryDelay;
+        auto wakeTime = settling_.value_or(Clock::time_point::max());
+        if (ending_) {
+            if (!settling_) { // that is waited for all the same
+                return Task::End;
             }
-        };
+        } else {
+            if (again_ && *again_ <= now) {
+                again_.reset();
+                withdrawalWanted_ = true;
+            }
+            const auto withdrawing = std::max(blocked_, resting_);
+            const bool isToWithdraw = withdrawalWanted_ && withdrawing <= now;
+            if ((isRecovered_ || !isToWithdraw) && std::exchange(desktopWanted_, false)) {
+                return Task::ReadDesktop;
+            }
+            if (isToWithdraw) {
+                withdrawalWanted_ = false;
+                return Task::Withdraw;
+            }
+            if (batch_.containers.empty()) {
+                takeSome();
+            }
+            const bool isAnyWaiting = !batch_.containers.empty();
+            if (isAnyWaiting && blocked_ <= now) {
+                return Task::Activate;
+            }
+            if (isToSweep_) {
+                return Task::Sweep;
+            }
+            wakeTime = std::min({wakeTime, again_.value_or(wakeTime),
+                                 withdrawalWanted_ ? withdrawing : wakeTime,
+                                 isAnyWaiting ? blocked_ : wakeTime});
+        }
+        if (wakeTime == Clock::time_point::max()) {
+            wake_.wait(lock);
+        } else {
+            wake_.wait_until(lock, wakeTime);
+        }
     }
-    return [batch = takeSome()](Activation& activation, ActivatorNews& news) mutable {
-        activateBatch(activation, std::move(batch), news);
-    };
 }
 
-bool Activator::recover(Activation& activation, ActivatorNews& news) {
-    isRecovered_ =
-        isRecovered_ || guarded(news, [&] {
+Activator::Ending Activator::tryStep(ActivatorNews& news, const std::function<void()>& step) {
+    Ending ending = Ending::Failed;
+    std::string problem;
+    try {
+        step();
+        ending = Ending::Done;
+    } catch (const Locked& locked) {
+        ending = Ending::Blocked;
+        blocked_ = Clock::now() + times_.pause;
+        problem = std::string(locked.what()) + "; what waits for it is done when it is free";
+    } catch (const std::exception& error) {
+        problem = error.what();
+    }
+    if (!problem.empty() && problem != lastProblem_) {
+        news.problems.push_back(problem);
+    }
+    lastProblem_ = std::move(problem);
+    return ending;
+}
+
+void Activator::activateSome(Activation& activation, ActivatorNews& news) {
+    std::vector<ActivationOutcome> outcomes;
+    const Ending ending = tryStep(news, [&] { outcomes = activation.activate(batch_.containers); });
+    if (ending == Ending::Blocked) {
+        return; // it is tried again
+    }
+    if (ending == Ending::Failed) { // no folder: nothing was done
+        std::transform(
+            batch_.containers.begin(), batch_.containers.end(), std::back_inserter(outcomes),
+            [&](const ContainerFonts& container) { return failureOf(container, lastProblem_); });
+    }
+    const Batch done = std::exchange(batch_, {});
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        for (const std::uint64_t call : done.calls[i]) {
+            news.activated.push_back(
+                {call, done.containers[i].id, done.containers[i].name, outcomes[i]});
+            outcomes[i].changed = false; // by one of them
+        }
+    }
+}
+
+void Activator::withdrawSome(Activation& activation, ActivatorNews& news) {
+    std::vector<ContainerId> changed;
+    bool any = false;
+    {
+        const std::scoped_lock lock(mutex_);
+        changed = std::exchange(changed_, {});
+        any = std::exchange(anyChanged_, false);
+    }
+    activation.lookAgain(any ? std::nullopt : std::optional(std::move(changed)));
+    const Ending ending = tryStep(news, [&] {
+        if (!isRecovered_) {
             activation.recover([&](const std::string& text) { news.mended.push_back(text); });
-        });
-    return isRecovered_;
+            isRecovered_ = true;
+        }
+        news.withdrawn = activation.withdrawDue(largestBatch);
+        isToSweep_ = true;
+    });
+    if (ending == Ending::Failed) {
+        again_ = Clock::now() + retryDelay;
+    } else if (ending == Ending::Blocked || activation.isMoreDue()) {
+        resting_ = Clock::now() + restBetweenParts;
+        const std::scoped_lock lock(mutex_);
+        withdrawalWanted_ = true;
+        return;
+    }
+    news.ending = activation.endingReasons();
 }
 
 void Activator::run() {
     std::optional<Activation> activation;
     ActivatorNews begun;
-    if (guarded(begun, [&] { activation.emplace(places_); })) {
-        recover(*activation, begun);
-    }
+    tellThrown(begun, [&] {
+        activation.emplace(places_, StepObserver(), desktopProgram(), times_.patience);
+    });
     publish(std::move(begun));
     while (activation) {
         if (!settling_ && activation->isUnsettled()) {
             settling_ = Clock::now() + settleDelay;
         }
         ActivatorNews news;
-        if (auto step = next()) {
-            step(*activation, news);
-        } else if (settling_) {
+        switch (next()) {
+        case Task::Settle:
             settling_.reset();
-            guarded(news, [&] { activation->settle(); });
-        } else {
+            tellThrown(news, [&] { activation->settle(); });
+            break;
+        case Task::ReadDesktop:
+            tellThrown(news, [&] { activation->refreshDesktop(); });
+            news.desktop = activation->desktop();
+            break;
+        case Task::Withdraw:
+            withdrawSome(*activation, news);
+            break;
+        case Task::Activate:
+            activateSome(*activation, news);
+            break;
+        case Task::Sweep:
+            isToSweep_ = activation->sweep(sweptAtOnce);
+            continue;
+        case Task::End:
+            activation->sweep(largestBatch); // the rest goes with the next recovery
             return;
         }
         publish(std::move(news));

@@ -9,6 +9,8 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <list>
@@ -16,14 +18,21 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace manager {
 
+/// What came of one container of one call.
+struct Activated {
+    std::uint64_t call = 0; ///< the number that Activator::activate() gave it
+    ContainerId id{};
+    std::string name;
+    ActivationOutcome outcome;
+};
+
 /// What came of it.
 struct ActivatorNews {
-    std::vector<std::pair<ContainerId, ActivationOutcome>> activated;
+    std::vector<Activated> activated;
     std::vector<Withdrawal> withdrawn;
     std::vector<std::string> mended;   ///< lines, see Activation::recover
     std::vector<std::string> problems; ///< lines
@@ -31,12 +40,22 @@ struct ActivatorNews {
     std::optional<std::vector<Reason>> ending; ///< see Activation::endingReasons
 };
 
+/// How long the lock of the sets is waited for, and how long it is left alone then. What needs it
+/// waits on, and the rest is done in between.
+struct LockTimes {
+    std::chrono::milliseconds patience{500};
+    std::chrono::milliseconds pause{500};
+};
+
 /// [one-thread] Begins with what a crash left and with what is due by now. Settles a while after
 /// each change.
 class Activator {
 public:
+    /// So many containers may wait; more fail at once.
+    static constexpr std::size_t maximumWaiting = 32768;
+
     /// Throws Error.
-    explicit Activator(const Places& places);
+    explicit Activator(const Places& places, LockTimes times = {});
     Activator(const Activator&) = delete;
     Activator& operator=(const Activator&) = delete;
     /// Gives up what has not been begun, and settles what was done.
@@ -47,39 +66,62 @@ public:
     /// The news since the last call.
     [[nodiscard]] ActivatorNews take();
 
-    /// Activates them, in turns with those of other calls.
-    void activate(std::vector<ContainerFonts> containers);
+    /// Activates them, in turns with those of other calls. The call's number in the news.
+    std::uint64_t activate(std::vector<ContainerFonts> containers);
     /// Has the desktop's faces told, read anew when they may be others by now.
     void readDesktop();
-    /// Takes away what is due, and has the reasons told that will end.
-    void withdraw();
+    /// Takes away what is due, and has the reasons told that will end. The records of the sets
+    /// `changed` may be others than they were; nullopt: any may.
+    void withdraw(std::optional<std::vector<ContainerId>> changed);
 
 private:
     using Clock = std::chrono::steady_clock;
-    using Queue = std::list<std::deque<ContainerFonts>>;
+    enum class Task { Settle, End, ReadDesktop, Withdraw, Activate, Sweep };
+    enum class Ending { Done, Blocked, Failed };
+    struct Call {
+        std::uint64_t number;
+        std::deque<ContainerFonts> containers;
+    };
+    /// Containers that differ, and who wants each.
+    struct Batch {
+        std::vector<ContainerFonts> containers;
+        std::vector<std::vector<std::uint64_t>> calls;
+    };
 
     void run();
-    /// Unless it is done. Whether it is now.
-    bool recover(Activation& activation, ActivatorNews& news);
-    /// Something of what waits, or nothing when the next settling is due or the end has come.
-    std::function<void(Activation&, ActivatorNews&)> next();
-    std::vector<ContainerFonts> takeSome();
+    /// Waits until there is something to do.
+    Task next();
+    void takeSome();
+    void activateSome(Activation& activation, ActivatorNews& news);
+    void withdrawSome(Activation& activation, ActivatorNews& news);
+    /// Does a step that needs the lock.
+    Ending tryStep(ActivatorNews& news, const std::function<void()>& step);
     void publish(ActivatorNews news);
 
     Places places_;
+    LockTimes times_;
     sys::Descriptor newsFlag_;
     std::mutex mutex_;
     std::condition_variable wake_;
-    Queue queue_; ///< those of each call
+    std::list<Call> queue_;
+    std::size_t waiting_ = 0; ///< containers in the queue
+    std::uint64_t lastCall_ = 0;
     bool desktopWanted_ = false;
     bool withdrawalWanted_ = true;
+    bool anyChanged_ = true; ///< any record may be another; else those of `changed_`
+    std::vector<ContainerId> changed_;
     bool ending_ = false;
-    // Of the thread.
-    std::optional<Clock::time_point> settling_;
-    std::optional<Clock::time_point> retry_; ///< of what withdraw() asks for
-    bool isRecovered_ = false;
     ActivatorNews news_;
-    std::thread thread_; ///< last: it uses the others
+    // Of the thread.
+    Batch batch_; ///< taken from the queue, and not done
+    std::optional<Clock::time_point> settling_;
+    std::optional<Clock::time_point> again_; ///< when a withdrawal that failed is tried again
+    bool isToSweep_ = false;
+    Clock::time_point blocked_; ///< until when the lock is left alone
+    Clock::time_point resting_; ///< until when others may come before a withdrawal
+    bool isRecovered_ = false;
+    std::string lastProblem_; ///< told; not told again as long as it lasts
+    std::thread thread_;      ///< last: it uses the others
 };
 
 } // namespace manager

@@ -10,7 +10,11 @@ namespace manager {
 
 std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
     try {
-        return readSetRecord(folders_.folder(id));
+        auto record = readSetRecord(folders_.folder(id));
+        if (record) {
+            record->id = id; // whatever stands there
+        }
+        return record;
     } catch (const Error&) {
         return std::nullopt; // told when something is done with the set
     }

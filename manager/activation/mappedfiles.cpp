@@ -24,10 +24,9 @@ bool isReader(const std::filesystem::path& process) {
 
 } // namespace
 
-std::unordered_map<std::string, std::vector<ProcessMark>>
-mappersOfFilesBelow(const std::string& root) {
+Mappers mappersOfFilesBelow(const std::string& root) {
     constexpr std::size_t maximumLength = std::size_t{64} << 20U;
-    std::unordered_map<std::string, std::vector<ProcessMark>> mappers;
+    Mappers mappers;
     std::error_code code;
     const std::string resolved = std::filesystem::canonical(root, code).string(); // as maps have it
     if (code) {

@@ -15,6 +15,7 @@ namespace manager {
 void Activation::recover(const std::function<void(const std::string&)>& report) {
     const FileLock held = lock();
     bool changed = folders_.staging().clear();
+    folders_.sweepAll();
     beginChange();
     std::vector<ContainerId> ids = setsIn(folders_.root());
     const std::vector<ContainerId> leaving = folders_.staging().takenRecords();

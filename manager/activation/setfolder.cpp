@@ -125,8 +125,7 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
         wanted.reasons = std::move(reasons);
         return update(*current, wanted, lost);
     }
-    bool leftBehind = false;
-    removeWhole(wanted.id, &leftBehind); // when that was begun
+    removeWhole(wanted.id); // when that was begun
     if (exists(place)) {
         if (!isFolder(place)) {
             throw Error(place + ": is in the way and not this program's");
@@ -138,14 +137,9 @@ SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>&
     return prepare(wanted, lost);
 }
 
-bool SetFolders::changeReasons(ContainerId id, const std::vector<Reason>& reasons) {
-    auto record = readSetRecord(folder(id));
-    if (record && record->reasons != reasons) {
-        record->reasons = reasons;
-        step("write record");
-        staging_.replaceRecord(folder(id), *record);
-    }
-    return record.has_value();
+void SetFolders::changeReasons(const SetRecord& record) {
+    step("write record");
+    staging_.replaceRecord(folder(record.id), record);
 }
 
 } // namespace manager

@@ -54,15 +54,24 @@ public:
     /// Syncs what was placed. Throws Error.
     void syncPlaced() const;
 
-    /// Replaces what the set is active for. False: there is no such set. Throws Error.
-    [[nodiscard]] bool changeReasons(ContainerId id, const std::vector<Reason>& reasons);
+    /// Gives a set that is in place this record, which differs from its own in the reasons alone.
+    /// Throws Error.
+    void changeReasons(const SetRecord& record);
 
-    /// Takes the set away; it needs no space on the disk. Foreign files stay, and the folder with
-    /// them; `leftBehind` is set then. False: there was no such set. Throws Error; the set is
-    /// active then as it was, as far as its files are there.
-    [[nodiscard]] bool remove(ContainerId id, bool* leftBehind);
+    /// The record of a set that is to go, or whose removal was begun; nullopt: there is none.
+    /// Throws Error.
+    [[nodiscard]] std::optional<SetRecord> recordOfLeaving(ContainerId id) const;
+    /// Takes the set of this record away: aside, with one rename, so that it costs nothing to hold
+    /// the lock for it, and sweep() does the rest. It needs no space on the disk. False: foreign
+    /// files stay, and the folder with them. Throws Error; the set is active then as it was, as far
+    /// as its files are there.
+    [[nodiscard]] bool remove(const SetRecord& record);
     /// Syncs what was removed, in one go. Throws Error.
     void syncRemoved(std::span<const ContainerId> sets) const;
+    /// Deletes up to `most` sets that lie aside; no lock is needed. Whether there are more.
+    bool sweep(std::size_t most) noexcept;
+    /// The same for all, whoever took them away. Throws Error.
+    void sweepAll();
 
     /// Finishes what a crash interrupted in one set; see Activation::recover.
     void recover(ContainerId id, const std::function<void(const std::string&)>& report);
@@ -81,11 +90,14 @@ private:
     std::vector<std::string> stageChanged(const SetRecord& current, SetRecord& wanted,
                                           std::vector<LostFile>& lost);
     void moveIntoPlace(ContainerId id, const std::vector<std::string>& staged);
-    bool removeWhole(ContainerId id, bool* leftBehind);
+    /// Whether there was one.
+    bool removeWhole(ContainerId id);
+    void sweepFolder(const std::string& aside) const;
 
     std::string root_;
     SetStaging staging_;
     StepObserver observer_;
+    std::vector<std::string> aside_; ///< folders of sets that are yet to be deleted
 };
 
 } // namespace manager

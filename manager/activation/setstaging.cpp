@@ -5,6 +5,7 @@
 #include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <filesystem>
 #include <string_view>
@@ -58,6 +59,21 @@ std::vector<ContainerId> SetStaging::takenRecords() const {
     return ids;
 }
 
+std::string SetStaging::asideFolder(ContainerId id) const {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    return folder(id) + "." + std::to_string(getpid()) + "." + std::to_string(now) + asideEnding;
+}
+
+std::vector<std::string> SetStaging::asideFolders() const {
+    std::vector<std::string> folders;
+    for (const std::string& name : namesIn(path_)) {
+        if (name.ends_with(asideEnding)) {
+            folders.push_back(path_ + "/" + name);
+        }
+    }
+    return folders;
+}
+
 void SetStaging::markUnsettled() const noexcept {
     const sys::Descriptor mark(
         open(markPath(path_, getpid()).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
@@ -71,7 +87,7 @@ bool SetStaging::clear() const {
     bool unsettled = false;
     for (const std::string& name : namesIn(path_)) {
         unsettled = unsettled || name.starts_with(markBeginning);
-        if (!name.ends_with(takenEnding)) {
+        if (!name.ends_with(takenEnding) && !name.ends_with(asideEnding)) {
             removeTree(path_ + "/" + name);
         }
     }

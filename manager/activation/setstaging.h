@@ -31,17 +31,23 @@ public:
     /// The sets whose removal was begun and not finished.
     [[nodiscard]] std::vector<ContainerId> takenRecords() const;
 
+    /// A new name for the folder of a set that was taken away, and is yet to be deleted.
+    [[nodiscard]] std::string asideFolder(ContainerId id) const;
+    [[nodiscard]] std::vector<std::string> asideFolders() const;
+
     /// Notes that this process has a change to settle, for whoever recovers after its end. Without
     /// it, on a full disk, only that is lost.
     void markUnsettled() const noexcept;
     /// The note of `process`, which may have ended.
     void unmarkUnsettled(pid_t process) const noexcept;
 
-    /// Removes what is left over. Whether a process had a change to settle. Throws Error.
+    /// Removes what is left over, but for folders aside. Whether a process had a change to settle.
+    /// Throws Error.
     bool clear() const;
 
 private:
     static constexpr const char* takenEnding = ".leaving";
+    static constexpr const char* asideEnding = ".gone";
 
     std::string path_;
 };

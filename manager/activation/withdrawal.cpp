@@ -33,55 +33,66 @@ std::string leftText(const std::string& folder) {
 
 } // namespace
 
-void Activation::takeAll(std::span<const ContainerId> containers,
-                         std::span<ActivationOutcome> outcomes) {
-    const auto mappers = mappersOfFilesBelow(folders_.root());
+bool Activation::keepUnderPrograms(Leaving& set, const Mappers& mappers) {
+    const auto users = mappers.find(folders_.folder(set.id));
+    if (users == mappers.end()) {
+        return false;
+    }
+    set.record->reasons.clear();
+    std::transform(users->second.begin(), users->second.end(),
+                   std::back_inserter(set.record->reasons), Reason::inUseBy);
+    folders_.changeReasons(*set.record);
+    known_.learn(set.id, set.record->reasons);
+    set.outcome.success = true;
+    set.outcome.postponed = true;
+    set.outcome.problems.push_back(inUseText(set.id, set.record->reasons));
+    return true;
+}
+
+void Activation::takeAll(std::span<Leaving> sets) {
+    const Mappers mappers = mappersOfFilesBelow(folders_.root());
     std::vector<ContainerId> removed;
+    std::vector<std::string> folders;
     std::vector<std::string> kept;
-    for (std::size_t i = 0; i < containers.size(); ++i) {
-        const std::string folder = folders_.folder(containers[i]);
-        ActivationOutcome& outcome = outcomes[i];
+    for (Leaving& set : sets) {
+        const std::string folder = folders_.folder(set.id);
         try {
-            if (const auto users = mappers.find(folder); users != mappers.end()) {
-                std::vector<Reason> reasons;
-                std::transform(users->second.begin(), users->second.end(),
-                               std::back_inserter(reasons), Reason::inUseBy);
-                if (folders_.changeReasons(containers[i], reasons)) {
-                    outcome.success = true;
-                    outcome.postponed = true;
-                    outcome.problems.push_back(inUseText(containers[i], reasons));
-                    continue;
-                }
+            if (!set.record) {
+                set.record = folders_.recordOfLeaving(set.id);
             }
-            bool leftBehind = false;
-            outcome.changed = folders_.remove(containers[i], &leftBehind);
-            outcome.success = outcome.changed;
-            if (!outcome.changed) {
-                outcome.problems.push_back("container " + toText(containers[i]) +
-                                           ": is not active");
+            if (!set.record) {
+                set.outcome.problems.push_back("container " + toText(set.id) + ": is not active");
                 continue;
             }
-            removed.push_back(containers[i]);
-            desktop_.replaceFolders(std::span(&folder, 1), {});
+            if (keepUnderPrograms(set, mappers)) {
+                continue;
+            }
+            const bool leftBehind = !folders_.remove(*set.record);
+            set.outcome.changed = true;
+            set.outcome.success = true;
+            known_.forget(set.id);
+            removed.push_back(set.id);
+            folders.push_back(folder);
             if (leftBehind) {
-                outcome.problems.push_back(leftText(folder));
+                set.outcome.problems.push_back(leftText(folder));
                 kept.push_back(folder);
             }
         } catch (const Error& error) {
-            outcome.problems.emplace_back(error.what());
+            set.outcome.problems.emplace_back(error.what());
         }
     }
     endChange(!removed.empty());
     if (removed.empty()) {
         return;
     }
+    desktop_.replaceFolders(folders, {});
     try {
         folders_.syncRemoved(removed);
     } catch (const Error& error) {
-        for (ActivationOutcome& outcome : outcomes) {
-            if (outcome.changed) {
-                outcome.success = false;
-                outcome.problems.emplace_back(error.what());
+        for (Leaving& set : sets) {
+            if (set.outcome.changed) {
+                set.outcome.success = false;
+                set.outcome.problems.emplace_back(error.what());
             }
         }
     }
@@ -90,59 +101,91 @@ void Activation::takeAll(std::span<const ContainerId> containers,
 }
 
 std::vector<ActivationOutcome> Activation::deactivate(std::span<const ContainerId> containers) {
-    std::vector<ActivationOutcome> outcomes(containers.size());
-    const FileLock held = lock();
-    beginChange();
-    takeAll(containers, outcomes);
+    std::vector<Leaving> sets;
+    std::transform(containers.begin(), containers.end(), std::back_inserter(sets),
+                   [](ContainerId id) {
+                       return Leaving{id, {}, {}};
+                   });
+    {
+        const FileLock held = lock();
+        beginChange();
+        takeAll(sets);
+    }
+    sweep(sets.size());
+    std::vector<ActivationOutcome> outcomes;
+    std::transform(sets.begin(), sets.end(), std::back_inserter(outcomes),
+                   [](Leaving& set) { return std::move(set.outcome); });
     return outcomes;
 }
 
-std::vector<Withdrawal> Activation::withdrawDue() {
+void Activation::lookAgain(const std::optional<std::vector<ContainerId>>& changed) {
+    anyChanged_ = anyChanged_ || !changed;
+    if (changed) {
+        changed_.insert(changed->begin(), changed->end());
+    }
+}
+
+void Activation::readChangedRecords() {
+    if (std::exchange(anyChanged_, false)) {
+        known_.clear();
+        const std::vector<ContainerId> all = setsIn(folders_.root());
+        changed_.insert(all.begin(), all.end());
+    }
+    for (const ContainerId id : std::exchange(changed_, {})) {
+        if (const auto record = recordInPlace(id)) {
+            known_.learn(id, record->reasons);
+        } else {
+            known_.forget(id);
+        }
+    }
+    const std::vector<ContainerId> doubtful = known_.doubtful();
+    doubtful_.assign(doubtful.begin(), doubtful.end());
+}
+
+std::vector<Withdrawal> Activation::withdrawDue(std::size_t most) {
     const FileLock held = lock();
-    beginChange();
-    std::vector<ContainerId> due;
+    if (doubtful_.empty()) {
+        readChangedRecords();
+    }
+    std::vector<Leaving> due;
     std::vector<Withdrawal> withdrawals;
-    for (const ContainerId id : setsIn(folders_.root())) {
-        const auto record = recordInPlace(id);
+    for (; most > 0 && !doubtful_.empty(); --most) {
+        const ContainerId id = doubtful_.front();
+        doubtful_.pop_front();
+        auto record = recordInPlace(id);
         if (!record) {
+            known_.forget(id);
             continue;
         }
-        std::vector<Reason> reasons = record->reasons;
-        removeEnded(reasons);
-        if (reasons.empty()) {
-            due.push_back(id);
-            withdrawals.push_back({id, record->name, {}});
-        } else if (reasons != record->reasons) {
+        const std::vector<Reason> before = record->reasons;
+        removeEnded(record->reasons);
+        if (record->reasons.empty()) {
+            withdrawals.push_back({id, record->name, endsOf(before), {}});
+            due.push_back({id, std::move(record), {}});
+        } else if (record->reasons != before) {
             try {
-                static_cast<void>(folders_.changeReasons(id, reasons));
+                folders_.changeReasons(*record);
             } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is found out again
             }
+            known_.learn(id, record->reasons);
         }
     }
-    std::vector<ActivationOutcome> outcomes(due.size());
-    if (due.empty()) {
-        endChange(false);
-    } else {
-        takeAll(due, outcomes);
+    if (!due.empty()) {
+        beginChange();
+        takeAll(due);
     }
     for (std::size_t i = 0; i < due.size(); ++i) {
-        withdrawals[i].outcome = std::move(outcomes[i]);
+        withdrawals[i].outcome = std::move(due[i].outcome);
     }
     return withdrawals;
 }
 
-std::vector<Reason> Activation::endingReasons() const {
-    std::vector<Reason> ending;
-    for (const ContainerId id : setsIn(folders_.root())) {
-        const auto record = recordInPlace(id);
-        for (const Reason& reason : record ? record->reasons : std::vector<Reason>()) {
-            if (reason.kind != Reason::Kind::ByHand && stands(reason) &&
-                std::find(ending.begin(), ending.end(), reason) == ending.end()) {
-                ending.push_back(reason);
-            }
-        }
+std::string Activation::endsOf(const std::vector<Reason>& reasons) const {
+    std::string text;
+    for (const Reason& reason : reasons) {
+        text += (text.empty() ? "" : ", ") + known_.endOf(reason);
     }
-    return ending;
+    return text;
 }
 
 } // namespace manager

@@ -8,10 +8,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <set>
+#include <string_view>
 #include <sys/epoll.h>
 #include <sys/inotify.h>
 #include <sys/syscall.h>
+#include <utility>
 
 namespace manager {
 
@@ -26,7 +29,10 @@ void ReasonWatch::watchStaging() {
         makeFolders(staging_);
     } catch (const Error&) { // NOLINT(bugprone-empty-catch): then there are no sets either
     }
-    inotify_add_watch(changes_.get(), staging_.c_str(), IN_MOVED_FROM | IN_ONLYDIR);
+    const int watch =
+        inotify_add_watch(changes_.get(), staging_.c_str(), IN_MOVED_FROM | IN_ONLYDIR);
+    anyChanged_ = anyChanged_ || watch < 0 || (watch_ >= 0 && watch != watch_);
+    watch_ = watch;
 }
 
 int ReasonWatch::shorten(int wait) const {
@@ -74,13 +80,30 @@ bool ReasonWatch::takeEnd() {
 bool ReasonWatch::takeChange() {
     alignas(inotify_event) std::array<char, 16384> block{};
     bool changed = false;
-    while (read(changes_.get(), block.data(), block.size()) > 0) {
+    for (ssize_t count = 0; (count = read(changes_.get(), block.data(), block.size())) > 0;) {
         changed = true;
+        for (ssize_t position = 0; position < count;) {
+            inotify_event event{};
+            std::memcpy(&event, block.data() + position, sizeof event);
+            // "7", a set that takes its place, or "7.record", which takes another's.
+            const std::string_view name =
+                event.len > 0 ? block.data() + position + sizeof event : "";
+            if (const auto id = toContainerId(name.substr(0, name.find('.')))) {
+                changed_.push_back(*id);
+            }
+            anyChanged_ = anyChanged_ || (event.mask & IN_Q_OVERFLOW) != 0;
+            position += static_cast<ssize_t>(sizeof event + event.len);
+        }
     }
     if (changed) { // the folder may have been removed
         watchStaging();
     }
     return changed;
+}
+
+std::optional<std::vector<ContainerId>> ReasonWatch::takeChangedSets() {
+    auto sets = std::exchange(changed_, {});
+    return std::exchange(anyChanged_, watch_ < 0) ? std::nullopt : std::optional(std::move(sets));
 }
 
 } // namespace manager

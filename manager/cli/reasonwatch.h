@@ -3,10 +3,12 @@
 #pragma once
 
 #include "manager/activation/reason.h"
+#include "manager/library/library.h"
 #include "system/descriptor.h"
 
 #include <cstdint>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,11 +32,16 @@ public:
     /// Whether one has ended; told once.
     bool takeEnd();
     bool takeChange();
+    /// The sets that have changed since the last call; nullopt: any may have.
+    std::optional<std::vector<ContainerId>> takeChangedSets();
 
 private:
     void watchStaging();
 
     std::string staging_;
+    int watch_ = -1;
+    bool anyChanged_ = false;
+    std::vector<ContainerId> changed_;
     sys::Descriptor changes_; ///< inotify
     sys::Descriptor ended_;   ///< epoll over the processes
     std::vector<sys::Descriptor> processes_;

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <iterator>
 
 namespace manager {
 
@@ -29,6 +30,8 @@ std::chrono::milliseconds replyTime() {
     return time && *time > 0 ? std::chrono::milliseconds(*time) : usual;
 }
 constexpr std::chrono::milliseconds spareTime{150};
+// Then others have their turn.
+constexpr std::chrono::milliseconds longestWork{100};
 
 } // namespace
 
@@ -56,13 +59,20 @@ std::optional<std::string> Server::answer(std::string command, std::optional<std
         desktopAwaited_ = true;
         activator_.readDesktop();
     }
-    if (!desktopAwaited_ && finish(pending)) {
-        std::string reply = std::move(pending.answer.reply);
-        pending_.pop_back();
-        return reply;
+    // Also when it has to wait for that: there is something to be said then when its time is up.
+    const bool isDone = finish(pending);
+    if (!isDone && pending_.size() <= maximumPending) {
+        pending.receiver = std::move(later);
+        return std::nullopt;
     }
-    pending.receiver = std::move(later);
-    return std::nullopt;
+    if (!isDone) {
+        noteQuestion(pending);
+        noteOutcome(pending.answer);
+    }
+    std::string reply = std::move(pending.answer.reply);
+    forgetCalls(pending);
+    pending_.pop_back();
+    return reply;
 }
 
 void Server::round(Pending& pending) {
@@ -79,10 +89,17 @@ void Server::round(Pending& pending) {
             pending.isLookedUp = false;
         }
         std::vector<ContainerFonts> wanted = pending.run.takeWanted();
-        for (const ContainerFonts& container : wanted) {
-            pending.awaited.insert(static_cast<std::int32_t>(container.id));
+        std::vector<ContainerId> ids;
+        std::transform(wanted.begin(), wanted.end(), std::back_inserter(ids),
+                       [](const ContainerFonts& container) { return container.id; });
+        if (!wanted.empty()) {
+            const std::uint64_t call = activator_.activate(std::move(wanted));
+            pending.calls.push_back(call);
+            callers_[call] = &pending;
+            for (const ContainerId id : ids) {
+                pending.awaited.emplace(call, id);
+            }
         }
-        activator_.activate(std::move(wanted));
     } catch (const std::exception& error) {
         if (dynamic_cast<const DamagedDatabase*>(&error) != nullptr) {
             library_.reset(); // the next command opens, and so mends, it
@@ -100,7 +117,7 @@ bool Server::finish(Pending& pending) {
     if (!pending.isLookedUp) {
         round(pending);
     }
-    if (!pending.awaited.empty()) {
+    if (!pending.isLookedUp || !pending.awaited.empty()) {
         return false;
     }
     activator_.activate(pending.run.takeUsed());
@@ -118,12 +135,10 @@ Server::Clock::time_point Server::deadlineOf(const Pending& pending) const {
 void Server::answerAsItStands(Pending& pending) {
     const std::string lock = places_.fonts() + "/.lock";
     if (const std::string holder = lockHolder(lock); !holder.empty()) {
-        pending.run.setRemark(lock + ": is locked" + holder +
-                              "; the rest is done if it is free within " +
-                              std::to_string(lockPatience.count()) + " s");
+        pending.run.setRemark(lock + ": is locked" + holder + "; the rest is done when it is free");
     }
-    // Once more with what is done by now, unless the first round has taken the time for it.
-    if (Clock::now() < deadlineOf(pending) + spareTime || !pending.isLookedUp) {
+    // Once more with what is done by now, unless others have taken the time for it.
+    if (hasTimeForRound(pending)) {
         round(pending);
     }
     pending.run.setRemark({});
@@ -131,26 +146,48 @@ void Server::answerAsItStands(Pending& pending) {
     std::exchange(pending.receiver, {})(pending.answer.reply);
 }
 
+bool Server::canGoOn(const Pending& pending) const {
+    return pending.isLookedUp ? pending.awaited.empty() : !desktopAwaited_;
+}
+
+bool Server::hasTimeForRound(const Pending& pending) const {
+    return Clock::now() <= deadlineOf(pending) + spareTime;
+}
+
 void Server::goOn() {
     takeNews();
+    const auto end = Clock::now() + longestWork;
+    isMoreToDo_ = false;
     for (auto pending = pending_.begin(); pending != pending_.end();) {
         const bool isDue = pending->receiver && deadlineOf(*pending) <= Clock::now();
-        if ((pending->isLookedUp || !desktopAwaited_) && finish(*pending)) {
+        const bool isTime = Clock::now() < end && (!isDue || hasTimeForRound(*pending));
+        if (isTime && canGoOn(*pending) && finish(*pending)) {
             if (pending->receiver) {
                 pending->receiver(pending->answer.reply);
             }
+            forgetCalls(*pending);
             pending = pending_.erase(pending);
             continue;
         }
         if (isDue) {
             answerAsItStands(*pending);
         }
+        isMoreToDo_ = isMoreToDo_ || canGoOn(*pending);
         ++pending;
+    }
+}
+
+void Server::forgetCalls(const Pending& pending) {
+    for (const std::uint64_t call : pending.calls) {
+        callers_.erase(call);
     }
 }
 
 std::optional<Server::Clock::time_point> Server::nextDeadline() const {
     std::optional<Clock::time_point> next;
+    if (isMoreToDo_) {
+        next = Clock::now();
+    }
     for (const Pending& pending : pending_) {
         if (pending.receiver && (!next || deadlineOf(pending) < *next)) {
             next = deadlineOf(pending);
@@ -165,35 +202,24 @@ void Server::takeNews() {
         activation_.desktop() = std::move(*news.desktop);
         desktopAwaited_ = false;
     }
-    for (Pending& pending : pending_) {
-        const std::size_t before = pending.awaited.size();
-        for (const auto& [id, outcome] : news.activated) {
-            if (pending.awaited.erase(static_cast<std::int32_t>(id)) != 0) {
-                pending.run.tell(id, outcome);
-            }
-        }
-        // All are there: there may be others to be tried in place of those that failed.
-        pending.isLookedUp = pending.isLookedUp && (before == 0 || !pending.awaited.empty());
+    Entries entries;
+    for (Activated& done : news.activated) {
+        takeOutcome(std::move(done), entries);
     }
-    std::vector<HistoryEntry> entries;
-    const auto take = [&](Deed deed, const std::string& text) {
-        warn(text);
-        entries.push_back({deed, text});
-    };
     for (const std::string& text : news.mended) {
-        take(Deed::Done, text);
+        take(entries, Deed::Done, text);
     }
     for (const std::string& text : news.problems) {
-        take(Deed::Failed, text);
+        take(entries, Deed::Failed, text);
     }
-    for (const auto& [id, name, outcome] : news.withdrawn) {
+    for (const auto& [id, name, why, outcome] : news.withdrawn) {
         changed_ = changed_ || outcome.changed;
         if (outcome.changed) {
-            entries.push_back(
-                {Deed::Done, "deactivated " + name + " (container " + toText(id) + ")"});
+            entries.push_back({Deed::Done, "deactivated " + name + " (container " + toText(id) +
+                                               ")" + (why.empty() ? "" : ": " + why)});
         }
         for (const std::string& problem : outcome.problems) {
-            take(outcome.success ? Deed::Undecided : Deed::Failed, problem);
+            take(entries, outcome.success ? Deed::Undecided : Deed::Failed, problem);
         }
     }
     if (!entries.empty()) {
@@ -202,6 +228,31 @@ void Server::takeNews() {
     if (news.ending) {
         ending_ = std::move(news.ending);
     }
+}
+
+void Server::takeOutcome(Activated done, Entries& entries) {
+    const auto caller = callers_.find(done.call);
+    if (caller != callers_.end() && caller->second->awaited.erase({done.call, done.id}) != 0) {
+        Pending& pending = *caller->second;
+        pending.run.tell(done.id, std::move(done.outcome));
+        // When all are there, there may be others to be tried in place of those that failed.
+        pending.isLookedUp = pending.isLookedUp && !pending.awaited.empty();
+        return;
+    }
+    // Nobody waits for it.
+    changed_ = changed_ || done.outcome.changed;
+    if (done.outcome.changed) {
+        entries.push_back(
+            {Deed::Done, "activated " + done.name + " (container " + toText(done.id) + ")"});
+    }
+    for (const std::string& problem : done.outcome.problems) {
+        take(entries, Deed::Failed, problem);
+    }
+}
+
+void Server::take(Entries& entries, Deed deed, const std::string& text) {
+    warn(text);
+    entries.push_back({deed, text});
 }
 
 void Server::noteQuestion(Pending& pending) {
@@ -229,7 +280,7 @@ void Server::noteQuestion(Pending& pending) {
 
 void Server::noteOutcome(const Answer& answer) {
     std::vector<HistoryEntry> entries;
-    const auto take = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
+    const auto takeAll = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
         for (const std::string& text : texts) {
             entries.push_back({deed, text});
             if (aloud) {
@@ -237,9 +288,9 @@ void Server::noteOutcome(const Answer& answer) {
             }
         }
     };
-    take(Deed::Done, answer.done, verbose_);
-    take(Deed::Undecided, answer.undecided, verbose_);
-    take(Deed::Failed, answer.problems, true);
+    takeAll(Deed::Done, answer.done, verbose_);
+    takeAll(Deed::Undecided, answer.undecided, verbose_);
+    takeAll(Deed::Failed, answer.problems, true);
     if (!entries.empty()) {
         recordDeeds(places_, entries);
     }

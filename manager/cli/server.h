@@ -5,6 +5,7 @@
 #include "manager/activation/activation.h"
 #include "manager/activation/activator.h"
 #include "manager/cli/folderwatch.h"
+#include "manager/cli/history.h"
 #include "manager/exchange/exchange.h"
 
 #include <chrono>
@@ -13,9 +14,11 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace manager {
@@ -23,6 +26,9 @@ namespace manager {
 /// [main-thread] A command is answered before anybody is told of what it changed.
 class Server {
 public:
+    /// So many commands may be under way; more are answered at once, as things stand.
+    static constexpr std::size_t maximumPending = 4096;
+
     /// Begins to mend what a crash left. Throws Error.
     Server(const Places& places, bool verbose);
 
@@ -67,9 +73,11 @@ private:
         bool isLookedUp = false;     ///< the last round knew all that is known by now
         bool isNoted = false;
         ActivationRun run;
-        Answer answer;                            ///< of the last round
-        std::unordered_set<std::int32_t> awaited; ///< containers
+        Answer answer;                                           ///< of the last round
+        std::vector<std::uint64_t> calls;                        ///< of the activator
+        std::set<std::pair<std::uint64_t, ContainerId>> awaited; ///< of these calls
     };
+    using Entries = std::vector<HistoryEntry>;
 
     void openLibrary();
     void round(Pending& pending);
@@ -77,7 +85,14 @@ private:
     bool finish(Pending& pending);
     void answerAsItStands(Pending& pending);
     [[nodiscard]] Clock::time_point deadlineOf(const Pending& pending) const;
+    /// Whether nothing has to be awaited for its next round or its end.
+    [[nodiscard]] bool canGoOn(const Pending& pending) const;
+    /// Whether another round is done in time.
+    [[nodiscard]] bool hasTimeForRound(const Pending& pending) const;
+    void forgetCalls(const Pending& pending);
     void takeNews();
+    void takeOutcome(Activated done, Entries& entries);
+    void take(Entries& entries, Deed deed, const std::string& text);
     void noteQuestion(Pending& pending);
     void noteOutcome(const Answer& answer);
 
@@ -89,6 +104,8 @@ private:
     Activator activator_;
     std::chrono::milliseconds replyTime_;
     std::list<Pending> pending_;
+    std::unordered_map<std::uint64_t, Pending*> callers_; ///< by call
+    bool isMoreToDo_ = false;
     bool desktopAwaited_ = false;
     std::vector<ChangeTarget> targets_; ///< those that asked lately, the last one at the end
     std::optional<std::vector<Reason>> ending_;

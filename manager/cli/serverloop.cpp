@@ -144,8 +144,8 @@ constexpr std::chrono::milliseconds longestScanDelay{5000};
 class Loop {
 public:
     Loop(const Places& places, bool verbose, sys::Descriptor signals)
-        : signals_(std::move(signals)), server_(places, verbose), watch_(places),
-          reasons_(places.fonts()) {}
+        : signals_(std::move(signals)), reasons_(places.fonts()), server_(places, verbose),
+          watch_(places) {}
 
     void run() {
         HandlerContext context{&server_};
@@ -224,16 +224,16 @@ private:
         }
         const bool isLook = reasonTimer_.takeExpired();
         if (reasons_.takeEnd() || isLook) {
-            server_.activator().withdraw();
+            server_.activator().withdraw(reasons_.takeChangedSets());
         }
     }
 
     sys::Descriptor signals_;
+    ReasonWatch reasons_; // before the records are read for the first time
     Server server_;
     FolderWatch watch_;
     ScanProcess scan_;
     Timer scanTimer_;
-    ReasonWatch reasons_;
     Timer reasonTimer_;
 };
 

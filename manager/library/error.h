@@ -16,6 +16,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// What was to be locked is held by another process.
+class Locked : public Error {
+public:
+    using Error::Error;
+};
+
 /// "PATH: WHAT: system's text for `code`"; `code` is an errno value.
 inline Error systemError(std::string_view path, std::string_view what, int code) {
     std::string text(path);

@@ -153,10 +153,10 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
             throw systemError(path, "cannot be locked", errno);
         }
         if (Clock::now() >= deadline) {
-            throw Error(path + ": is locked" + holderOf(file_.get()) +
-                        (patience.count() == 0
-                             ? std::string()
-                             : ", for longer than " + std::to_string(patience.count()) + " ms"));
+            throw Locked(path + ": is locked" + holderOf(file_.get()) +
+                         (patience.count() == 0
+                              ? std::string()
+                              : ", for longer than " + std::to_string(patience.count()) + " ms"));
         }
         std::this_thread::sleep_for(pause);
         pause = std::min(2 * pause, longestPause);

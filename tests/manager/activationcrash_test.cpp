@@ -107,8 +107,17 @@ TEST_F(ACrash, WhileReplacingAFileNeverLetsTheOldOneCount) {
 }
 
 TEST_F(ACrash, WhileDeactivatingIsFinished) {
-    tryEachStep([&] { activate(fonts()); },
-                [&](const StepObserver& observer) { deactivate(observer); }, {"One", "Two"}, {});
+    for (const char* foreign : {"", "/mine.txt"}) {
+        tryEachStep(
+            [&] {
+                activate(fonts());
+                if (*foreign != '\0') {
+                    writeBytes(set() + foreign, "mine");
+                }
+            },
+            [&](const StepObserver& observer) { deactivate(observer); }, {"One", "Two"}, {});
+    }
+    EXPECT_THAT(entries(set()), ElementsAre("mine.txt"));
 }
 
 TEST_F(ACrash, ThatLeftASetWithoutFilesIsMendedFromTheLibrary) {

@@ -47,6 +47,9 @@ protected:
     Ending glyphora(const std::vector<std::string>& arguments) {
         return ProgramRun(arguments, sandbox_.root() + "/log." + std::to_string(++runs_)).wait();
     }
+    bool tells(const std::string& deed) {
+        return glyphora({"history"}).output.find(deed) != std::string::npos;
+    }
     void serve() {
         server_.emplace(std::vector<std::string>{"serve", "--verbose"},
                         sandbox_.root() + "/log.server");
@@ -166,28 +169,10 @@ TEST_F(TheProgram, AnswersWhileSetsAreLockedAndSaysByWhom) {
     const std::string reply = send(request("Lato-Bold")).value_or("no reply");
     EXPECT_THAT(reply, HasSubstr("<isActive>0</isActive>"));
     EXPECT_THAT(reply, HasSubstr(".lock: is locked by manager_program (" +
-                                 std::to_string(getpid()) + "); the rest is done if"));
+                                 std::to_string(getpid()) + "); the rest is done when"));
     held.reset();
     const std::string file = sandbox_.places().fonts() + "/1/lato.ttf";
     EXPECT_TRUE(await([&] { return std::filesystem::exists(file); })) << server_->output();
-}
-
-TEST_F(TheProgram, ActivatesNothingBeforeItKnowsTheDesktop) {
-    const Variable usual("GLYPHORA_REPLY_TIME", std::nullopt);
-    sandbox_.write("other/other.ttf", makeFont({"Other", "Regular", "Other"}));
-    for (const char* folder : {"/fonts", "/other"}) {
-        ASSERT_EQ(glyphora({"add", sandbox_.library() + folder}).status, 0);
-    }
-    const std::string sets = sandbox_.places().fonts();
-    std::filesystem::create_directories(sets);
-    std::filesystem::copy_file(sandbox_.library() + "/fonts/lato.ttf", sets + "/../lato.ttf");
-    std::optional<manager::FileLock> held(sets + "/.lock"); // before it can look
-    serve();
-    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "0");
-    held.reset();
-    EXPECT_EQ(askFor("Other", "isActive"), "1"); // after the other one, in turn
-    EXPECT_TRUE(std::filesystem::exists(sets + "/2/other.ttf"));
-    EXPECT_FALSE(std::filesystem::exists(sets + "/1"));
 }
 
 TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
@@ -198,8 +183,10 @@ TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
     EXPECT_THAT(send(request("Lato-Bold", program->process())).value_or("no reply"),
                 HasSubstr("<isActive>1</isActive>"));
     EXPECT_TRUE(std::filesystem::exists(set));
+    const std::string ended = "process " + std::to_string(program->process()) + " (cat) ended";
     program.reset();
     EXPECT_TRUE(await([&] { return !std::filesystem::exists(set); })) << server_->output();
+    EXPECT_TRUE(await([&] { return tells("deactivated Lato & Co (container 1): " + ended); }));
 }
 
 TEST_F(TheProgram, ScansWhenAFolderChanges) {

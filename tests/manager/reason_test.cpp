@@ -76,6 +76,7 @@ TEST_F(AReason, KeepsASetAsLongAsOneOfThemStands) {
     const auto withdrawn = withdrawDue();
     ASSERT_EQ(withdrawn.size(), 1U);
     EXPECT_TRUE(withdrawn[0].outcome.changed);
+    EXPECT_EQ(withdrawn[0].why, "the login ended");
     EXPECT_THAT(visibleFamilies(), IsEmpty());
 }
 
@@ -100,7 +101,29 @@ TEST_F(AReason, IsAddedToThoseOfBeforeAndRenewed) {
     activateFor({document});
     activateFor({document, Reason::untilLogout()});
     EXPECT_THAT(reasons(), ElementsAre(HasSubstr("a document of"), "until logout"));
-    EXPECT_EQ(Activation(sandbox_.places()).endingReasons().size(), 2U);
+    Activation activation(sandbox_.places());
+    EXPECT_THAT(activation.withdrawDue(), IsEmpty());
+    EXPECT_EQ(activation.endingReasons().size(), 2U);
+}
+
+TEST_F(AReason, IsReadAgainWhereItMayBeAnotherAndEndsSetsInParts) {
+    Activation activation(sandbox_.places());
+    EXPECT_THAT(activation.withdrawDue(), IsEmpty());
+    Reason over = Reason::forTime(std::chrono::hours(0));
+    for (const int id : {8, 9}) {
+        ContainerFonts wanted = fonts({"one.ttf"});
+        wanted.id = static_cast<ContainerId>(id);
+        wanted.reasons = {over};
+        EXPECT_TRUE(activate(wanted).success);
+    }
+    EXPECT_THAT(activation.withdrawDue(), IsEmpty()) << "nobody told of them";
+    activation.lookAgain(std::vector{static_cast<ContainerId>(8), static_cast<ContainerId>(9)});
+    for (const bool isMore : {true, false}) {
+        const auto withdrawn = activation.withdrawDue(1);
+        ASSERT_EQ(withdrawn.size(), 1U);
+        EXPECT_EQ(withdrawn[0].why, "its time is over");
+        EXPECT_EQ(activation.isMoreDue(), isMore);
+    }
 }
 
 TEST_F(AReason, IsByHandInARecordThatKnewNone) {

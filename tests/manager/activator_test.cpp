@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// The thread that changes what is active: what waits for a lock, and who is told of what.
+#include "manager/activation/activator.h"
+#include "tests/manager/activationfixture.h"
+
+#include <gmock/gmock.h>
+#include <poll.h>
+
+using namespace manager;
+using namespace managertest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class AnActivator : public AnActivation {
+protected:
+    // Gathers news until there is enough of it.
+    void await(const std::function<bool()>& isEnough) {
+        while (!isEnough()) {
+            pollfd news{activator_.descriptor(), POLLIN, 0};
+            ASSERT_EQ(poll(&news, 1, 60'000), 1) << "a watchdog";
+            ActivatorNews more = activator_.take();
+            for (Activated& done : more.activated) {
+                outcomes_[done.call] = std::move(done.outcome);
+            }
+            problems_.insert(problems_.end(), more.problems.begin(), more.problems.end());
+            isReady_ = isReady_ || more.ending;
+        }
+    }
+
+    Activator activator_{sandbox_.places(),
+                         {std::chrono::milliseconds(1), std::chrono::milliseconds(1)}};
+    std::map<std::uint64_t, ActivationOutcome> outcomes_; ///< by call
+    std::vector<std::string> problems_;
+    bool isReady_ = false;
+};
+
+TEST_F(AnActivator, GoesOnWhenTheLockIsFreeAndTellsEachCallWhatCameOfIt) {
+    await([&] { return isReady_; });
+    ContainerFonts lacking = fonts();
+    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+    std::optional<FileLock> held(sandbox_.places().fonts() + "/.lock");
+    const auto first = activator_.activate({lacking});
+    await([&] { return !problems_.empty(); });
+    EXPECT_THAT(problems_, ElementsAre(HasSubstr("is locked by manager_activat (")));
+    const auto second = activator_.activate({fonts({"one.ttf"})});
+    const auto third = activator_.activate({lacking});
+    const auto tooMuch = activator_.activate(
+        std::vector<ContainerFonts>(Activator::maximumWaiting, fonts({"one.ttf"})));
+    await([&] { return outcomes_.contains(tooMuch); });
+    EXPECT_THAT(outcomes_[tooMuch].problems, ElementsAre(HasSubstr("too many wait")));
+    EXPECT_EQ(outcomes_.size(), 1U);
+    held.reset();
+    await([&] { return outcomes_.size() == 4; });
+    EXPECT_THAT(outcomes_[first].lost, ElementsAre("two.ttf"));
+    EXPECT_TRUE(outcomes_[first].changed);
+    EXPECT_TRUE(outcomes_[second].success);
+    EXPECT_THAT(outcomes_[third].lost, ElementsAre("two.ttf"));
+    EXPECT_EQ(problems_.size(), 1U) << "told once";
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+}
+
+} // namespace
