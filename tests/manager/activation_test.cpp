@@ -264,19 +264,46 @@ TEST_F(AnActivation, LeavesForeignFilesAloneWhereverTheyAre) {
     EXPECT_EQ(readBytes(set() + "/two.ttf"), "mine");
 }
 
+// In place of a full disk: no file of this process grows beyond so many bytes.
+class DiskSpace {
+public:
+    explicit DiskSpace(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    DiskSpace(const DiskSpace&) = delete;
+    DiskSpace& operator=(const DiskSpace&) = delete;
+    ~DiskSpace() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+private:
+    rlimit before_{};
+    void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
 TEST_F(AnActivation, IsTakenBackOnAFullDisk) {
     activate(fonts());
-    // Nothing can be written to any file.
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit none{0, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &none);
-    const auto outcome = deactivate();
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_THAT(outcome.problems, IsEmpty());
+    const DiskSpace none(0);
+    EXPECT_THAT(deactivate().problems, IsEmpty());
     EXPECT_FALSE(std::filesystem::exists(set()));
+}
+
+TEST_F(AnActivation, LosesOnlyTheFileThatADiskHasNoRoomFor) {
+    constexpr std::size_t room = 500'000;
+    sandbox_.write("two.ttf", makeFont({"Two", "Regular", "Two"}) + std::string(2 * room, ' '));
+    {
+        const DiskSpace little(room);
+        const auto outcome = activate(fonts());
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("/two.ttf: cannot be copied to ")));
+        EXPECT_THAT(outcome.lost, ElementsAre("two.ttf"));
+    }
+    EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf"));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+    EXPECT_TRUE(activate(fonts()).success) << "when there is room";
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
 }
 
 TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
