@@ -73,12 +73,15 @@ public:
 
     /// The folder of this container's set, be it there or not.
     [[nodiscard]] std::string folder(ContainerId id) const { return folders_.folder(id); }
-    /// Whether a set of this container is active, whichever of its files are. A set of another
+    /// The set of this container that is active, whichever of its files are. A set of another
     /// container under its number does not count.
-    [[nodiscard]] bool isActive(const Container& container) const;
-    /// The names of the container's files that are active just as `container` has them; older
-    /// copies are not.
-    [[nodiscard]] std::set<std::string> activeFiles(const ContainerFonts& container) const;
+    [[nodiscard]] std::optional<SetRecord> setOf(const Container& container) const;
+    [[nodiscard]] bool isActive(const Container& container) const {
+        return setOf(container).has_value();
+    }
+    /// Whether a file is active in its container's set just as it is in the library; an older copy
+    /// is not.
+    [[nodiscard]] bool holds(const SetRecord& set, const LibraryFile& file) const;
     /// Those on disk, by number. A record that cannot be read is told to `report`.
     [[nodiscard]] std::vector<ActiveContainer>
     active(const std::function<void(const std::string&)>& report) const;

@@ -3,6 +3,7 @@
 #include "manager/activation/activation.h"
 #include "manager/library/error.h"
 
+#include <algorithm>
 #include <unistd.h>
 #include <utility>
 
@@ -25,27 +26,16 @@ std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {
     return record ? std::move(record->files) : std::vector<SetFile>();
 }
 
-bool Activation::isActive(const Container& container) const {
-    const auto record = recordInPlace(container.id);
-    return record && isSetOf(*record, container.name, container.folder);
+std::optional<SetRecord> Activation::setOf(const Container& container) const {
+    auto record = recordInPlace(container.id);
+    return record && isSetOf(*record, container.name, container.folder) ? std::move(record)
+                                                                        : std::nullopt;
 }
 
-std::set<std::string> Activation::activeFiles(const ContainerFonts& container) const {
-    std::set<std::string> names;
-    const auto record = recordInPlace(container.id);
-    const SetRecord wanted = recordOf(container);
-    if (!record || !isSetOf(*record, wanted.name, libraryFolder(wanted))) {
-        return names;
-    }
-    const FilesByName inPlace(*record);
-    const std::string folder = folders_.folder(container.id) + "/";
-    for (const SetFile& file : wanted.files) {
-        const SetFile* known = inPlace.find(file.name);
-        if (known != nullptr && *known == file && access((folder + file.name).c_str(), F_OK) == 0) {
-            names.insert(file.name);
-        }
-    }
-    return names;
+bool Activation::holds(const SetRecord& set, const LibraryFile& file) const {
+    const SetFile wanted{nameOf(file.path), file.path, file.stamp, false};
+    return std::find(set.files.begin(), set.files.end(), wanted) != set.files.end() &&
+           access((folders_.folder(set.id) + "/" + wanted.name).c_str(), F_OK) == 0;
 }
 
 std::vector<ActiveContainer>

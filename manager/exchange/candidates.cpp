@@ -94,12 +94,12 @@ bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMat
         return false;
     }
     auto near = candidate(font, std::move(face));
-    if (near && std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
-            return of.container.id == near->container.id ||
-                   library_.haveSameBytes(of.face, near->face);
+    if (std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
+            return of.container.id == near.container.id ||
+                   library_.haveSameBytes(of.face, near.face);
         })) {
-        near->reason = reason;
-        finding.near.push_back(std::move(*near));
+        near.reason = reason;
+        finding.near.push_back(std::move(near));
     }
     return true;
 }
@@ -108,9 +108,7 @@ std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
                                                 std::vector<FaceMatch> faces) {
     std::vector<Candidate> found;
     for (FaceMatch& face : faces) {
-        if (auto holding = candidate(font, std::move(face))) {
-            found.push_back(std::move(*holding));
-        }
+        found.push_back(candidate(font, std::move(face)));
     }
     std::sort(found.begin(), found.end(), isBetter);
     std::vector<Candidate> different;
@@ -125,14 +123,14 @@ std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
     return different;
 }
 
-std::optional<Candidate> CandidateFinder::candidate(const CommandFont& font, FaceMatch&& face) {
-    const auto& [container, activeFiles] = holder(face.container);
-    if (!container) {
-        return std::nullopt;
+Candidate CandidateFinder::candidate(const CommandFont& font, FaceMatch&& face) {
+    Candidate candidate{std::move(face), {}};
+    candidate.container = std::move(candidate.face.holder);
+    candidate.active = candidate.face.shownByDesktop;
+    if (const auto& set = setOf(candidate.container); set && !candidate.active) {
+        candidate.active = activation_.holds(
+            *set, {joinPath(candidate.face.folder, candidate.face.fileName), candidate.face.stamp});
     }
-    Candidate candidate{std::move(face), *container};
-    candidate.active =
-        candidate.face.shownByDesktop || activeFiles.contains(candidate.face.fileName);
     candidate.typeMatches = !font.type || *font.type == candidate.face.type;
     return candidate;
 }
@@ -155,14 +153,10 @@ std::vector<DesktopFace> CandidateFinder::shown(const CommandFont& font,
     return faces;
 }
 
-const CandidateFinder::Holder& CandidateFinder::holder(ContainerId id) {
-    const auto [entry, isNew] = holders_.try_emplace(static_cast<std::int32_t>(id));
-    auto& [container, activeFiles] = entry->second;
+const std::optional<SetRecord>& CandidateFinder::setOf(const Container& container) {
+    const auto [entry, isNew] = sets_.try_emplace(static_cast<std::int32_t>(container.id));
     if (isNew) {
-        container = library_.container(id);
-        if (container && activation_.isActive(*container)) {
-            activeFiles = activation_.activeFiles({id, container->name, library_.files(id)});
-        }
+        entry->second = activation_.setOf(container);
     }
     return entry->second;
 }

@@ -9,7 +9,6 @@
 #include "manager/library/library.h"
 
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -45,7 +44,7 @@ struct Finding {
 /// The face that a command asks for.
 [[nodiscard]] faces::Wanted wantedOf(const CommandFont& font);
 
-/// Finds candidates by the rule of faces/matching.h; remembers containers for as long as one
+/// Finds candidates by the rule of faces/matching.h; remembers sets for as long as one
 /// command is answered.
 class CandidateFinder {
 public:
@@ -65,8 +64,8 @@ public:
     [[nodiscard]] std::vector<DesktopFace> shown(const CommandFont& font,
                                                  const std::vector<Candidate>& candidates);
 
-    /// nullopt: unknown, or without fonts.
-    std::optional<Container> container(ContainerId id) { return holder(id).container; }
+    /// The set of a container that is active, whichever of its files are.
+    const std::optional<SetRecord>& setOf(const Container& container);
 
     /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme"; with version and
     /// foundry where these tell it from others `among` which it stands, and the reason.
@@ -74,18 +73,13 @@ public:
                                               const std::vector<Candidate>& among);
 
 private:
-    struct Holder {
-        std::optional<Container> container;
-        std::set<std::string> activeFiles;
-    };
-    const Holder& holder(ContainerId id);
-    [[nodiscard]] std::optional<Candidate> candidate(const CommandFont& font, FaceMatch&& face);
+    [[nodiscard]] Candidate candidate(const CommandFont& font, FaceMatch&& face);
     [[nodiscard]] std::vector<Candidate> holders(const CommandFont& font,
                                                  std::vector<FaceMatch> faces);
 
     Library& library_;
     const Activation& activation_;
-    std::unordered_map<std::int32_t, Holder> holders_;
+    std::unordered_map<std::int32_t, std::optional<SetRecord>> sets_; ///< by container
 };
 
 } // namespace manager

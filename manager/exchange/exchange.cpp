@@ -57,8 +57,8 @@ class Exchange {
 public:
     Exchange(Library& library, const Activation& activation, StandIns& standIns,
              const Command& command, ActivationRun& run, Answer& answer)
-        : library_(library), activation_(activation), standIns_(standIns), run_(run),
-          finder_(library, activation), command_(command), answer_(answer), reply_(command.word) {
+        : library_(library), standIns_(standIns), run_(run), finder_(library, activation),
+          command_(command), answer_(answer), reply_(command.word) {
         answer_.problems = command.problems;
     }
 
@@ -96,7 +96,7 @@ private:
             const CommandFont& font = command_.fonts[i];
             const auto& [held, shown] = found[i];
             if (shown.empty() && !held.exact.empty() && held.exact.front().active &&
-                activation_.isActive(held.exact.front().container)) {
+                finder_.setOf(held.exact.front().container)) {
                 run_.use(held.exact.front().container, library_);
             }
             if (!shown.empty() || (!held.exact.empty() && held.exact.front().active)) {
@@ -212,7 +212,7 @@ private:
             return {{}, {}, true, true};
         }
         if (const auto id = toContainerId(font.containerId.value_or(""))) {
-            if (auto container = finder_.container(*id)) {
+            if (auto container = library_.container(*id)) {
                 const auto own = std::find_if(
                     candidates.begin(), candidates.end(),
                     [&](const Candidate& candidate) { return candidate.container.id == *id; });
@@ -250,7 +250,6 @@ private:
     }
 
     Library& library_;
-    const Activation& activation_;
     StandIns& standIns_;
     ActivationRun& run_;
     CandidateFinder finder_;

@@ -46,21 +46,24 @@ std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
 }
 
 LookUp::LookUp(Library& library, faces::Wanted wanted)
-    : library_(library), wanted_(std::move(wanted)), keys_(faces::keysOf(wanted_)) {}
+    : library_(library), wanted_(std::move(wanted)) {}
 
 std::vector<faces::Match> LookUp::run() {
-    if (isFound(library_.findByPostScriptKey(keys_.postScriptName)) ||
-        (isFound(library_.findByFamily(keys_.family)) &&
-         matches_.front().ground == faces::Ground::FamilyAndStyle)) {
+    if (isFound(library_.findByPostScriptName(wanted_.postScriptName))) {
         return std::move(matches_);
     }
-    for (const std::string& key : keys_.fullNames) { // better than another word for the style
+    const faces::Keys keys = faces::keysOf(wanted_);
+    if (isFound(library_.findByFamily(keys.family)) &&
+        matches_.front().ground == faces::Ground::FamilyAndStyle) {
+        return std::move(matches_);
+    }
+    for (const std::string& key : keys.fullNames) { // better than another word for the style
         isFound(library_.findByFullName(key));
     }
     if (!isExact()) {
-        isFound(library_.findByPostScriptKey(keys_.postScriptFamily));
+        isFound(library_.findByPostScriptKey(keys.postScriptFamily));
     }
-    for (const std::string& key : keys_.normalisedFamilies) {
+    for (const std::string& key : keys.normalisedFamilies) {
         if (!isExact()) {
             isFound(library_.findByNormalisedFamily(key));
         }

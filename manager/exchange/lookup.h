@@ -29,7 +29,6 @@ private:
 
     Library& library_;
     faces::Wanted wanted_;
-    faces::Keys keys_;
     std::vector<FaceMatch> faces_;
     std::vector<faces::Match> matches_;
 };

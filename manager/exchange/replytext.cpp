@@ -2,6 +2,7 @@
 // Values made safe for the reader's way of folding a reply.
 #include "manager/exchange/replytext.h"
 
+#include <algorithm>
 #include <glib.h>
 #include <utility>
 
@@ -17,11 +18,24 @@ bool isWritable(gunichar character) {
     return (character >= 0x20 || character == '\t') && character != 0xFFFE && character != 0xFFFF;
 }
 
+// The greater part of any reply, which is taken as it is.
+bool isPlain(char c) {
+    return c >= ' ' && c < 0x7F && c != '<' && c != '>' && c != ']';
+}
+
 } // namespace
 
 void appendReplyValue(std::string& reply, std::string_view value) {
     std::size_t brackets = 0; // "]" directly before
-    while (!value.empty()) {
+    for (;;) {
+        const auto* const special = std::find_if_not(value.begin(), value.end(), isPlain);
+        const auto plain = static_cast<std::size_t>(special - value.begin());
+        reply.append(value, 0, plain);
+        value.remove_prefix(plain);
+        if (value.empty()) {
+            return;
+        }
+        brackets = plain == 0 ? brackets : 0;
         const char c = value.front();
         const gunichar character =
             c == '\0' ? 0

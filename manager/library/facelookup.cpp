@@ -7,6 +7,7 @@
 #include "manager/library/packing.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace manager {
 
@@ -33,6 +34,12 @@ enum Column {
     Revision,
     Foundry,
     Axes,
+    Family,
+    StyleName,
+    ContainerName,
+    ContainerFile,
+    ContainerFormat,
+    ContainerFaces,
     Number,
     Classification,
     Monospaced,
@@ -57,7 +64,12 @@ constexpr std::string_view columns =
     "directory.shown, directory.away, file.name, file.size, file.changed, file.inode, file.digest, "
     "face.weight, face.width, face.slant, face.version, face.revision, "
     "(SELECT value FROM shared WHERE id = face.foundry), "
-    "(SELECT value FROM shared WHERE id = face.axes)";
+    "(SELECT value FROM shared WHERE id = face.axes), first_family.name, first_name.style, "
+    "container.name, container.file, container.format, "
+    // Spares are few, and so are looked for instead of looking at all files.
+    "(SELECT count(*) FROM face AS other WHERE other.container = face.container) - "
+    "(SELECT count(*) FROM file AS other JOIN face AS its ON its.file = other.id "
+    "WHERE other.container = face.container AND other.spare <> 0)";
 
 constexpr std::string_view moreColumns =
     ", face.number, face.classification, face.monospaced, face.symbolic, face.colour, face.glyphs, "
@@ -71,18 +83,21 @@ constexpr std::string_view moreColumns =
     "(SELECT value FROM shared WHERE id = face.coverage), "
     "face.position, face.panose, face.measures";
 
-constexpr std::string_view withFile = " JOIN file ON file.id = face.file "
-                                      "JOIN directory ON directory.id = file.directory ";
+constexpr std::string_view joined =
+    " JOIN file ON file.id = face.file JOIN directory ON directory.id = file.directory "
+    "JOIN name AS first_name ON first_name.face = face.id AND first_name.position = 0 "
+    "JOIN family AS first_family ON first_family.id = first_name.family "
+    "JOIN container ON container.id = face.container ";
 
 } // namespace
 
-std::string faceColumns() {
-    return std::string("SELECT ").append(columns).append(" FROM face").append(withFile);
+std::string faceColumns(std::string_view from) {
+    return std::string("SELECT ").append(columns).append(" FROM ").append(from).append(joined);
 }
 
-std::string faceLookUp(std::string_view condition) {
-    return faceColumns() + "WHERE " + std::string(condition) +
-           " AND file.spare = 0 AND directory.away = 0 ORDER BY face.container, face.id";
+std::string faceLookUp(std::string_view from, std::string_view condition) {
+    return faceColumns(from) + "WHERE " + std::string(condition) +
+           " AND file.spare = 0 AND directory.away = 0";
 }
 
 FaceMatch Library::matchOf(const Statement& row) {
@@ -102,26 +117,39 @@ FaceMatch Library::matchOf(const Statement& row) {
     match.revision = static_cast<std::uint32_t>(row.number(Revision));
     match.foundry = row.text(Foundry);
     match.axes = unpackAxes(row.view(Axes));
+    match.familyName = row.text(Family);
+    match.styleName = row.text(StyleName);
+    Container& holder = match.holder;
+    holder.id = match.container;
+    holder.name = row.text(ContainerName);
+    holder.folder = match.folder;
+    holder.file = row.text(ContainerFile);
+    holder.faces = row.number(ContainerFaces);
+    if (!row.isNull(ContainerFormat)) {
+        holder.format = static_cast<FontFormat>(row.number(ContainerFormat));
+    }
+    holder.shownByDesktop = match.shownByDesktop;
+    holder.away = match.away;
+    return match;
+}
+
+void Library::addNames(FaceMatch& match) {
     const StatementUse names(names_);
-    names_.bind(1, row.number(Id));
+    names_.bind(1, static_cast<std::int64_t>(match.id));
     while (names_.step()) {
         match.names.push_back({names_.text(0), names_.text(1), names_.text(2),
                                static_cast<faces::NameKind>(names_.number(3))});
     }
-    if (!match.names.empty()) {
-        match.familyName = match.names.front().family;
-        match.styleName = match.names.front().style;
-    }
     const StatementUse fullNames(fullNames_);
-    fullNames_.bind(1, row.number(Id));
+    fullNames_.bind(1, static_cast<std::int64_t>(match.id));
     while (fullNames_.step()) {
         match.fullNames.push_back(fullNames_.text(0));
     }
-    return match;
 }
 
 FaceDetails Library::detailsOf(const Statement& row) {
     FaceDetails details{matchOf(row), {}};
+    addNames(details.match);
     const FaceMatch& match = details.match;
     faces::Face& face = details.face;
     face.index = static_cast<std::uint32_t>(row.number(Number));
@@ -159,41 +187,53 @@ FaceDetails Library::detailsOf(const Statement& row) {
     return details;
 }
 
-std::vector<FaceMatch> Library::find(Statement& statement, std::string_view key) {
+std::vector<FaceMatch> Library::find(Statement& statement, std::string_view wanted, Names names) {
     std::vector<FaceMatch> found;
-    if (key.empty()) {
+    if (wanted.empty()) {
         return found;
     }
     const Reading together(database_);
     const StatementUse use(statement);
-    statement.bind(1, key);
+    statement.bind(1, wanted);
     while (statement.step()) {
         found.push_back(matchOf(statement));
+    }
+    // Here and not in the statement: for the few that there are, SQLite makes tables each time.
+    const auto key = [](const FaceMatch& face) { return std::pair(face.container, face.id); };
+    std::sort(found.begin(), found.end(),
+              [&](const FaceMatch& a, const FaceMatch& b) { return key(a) < key(b); });
+    found.erase(std::unique(found.begin(), found.end(),
+                            [](const FaceMatch& a, const FaceMatch& b) { return a.id == b.id; }),
+                found.end());
+    if (names == Names::All) {
+        for (FaceMatch& face : found) {
+            addNames(face);
+        }
     }
     return found;
 }
 
 std::vector<FaceMatch> Library::findByPostScriptKey(std::string_view key) {
-    return find(byPostScriptKey_, key);
+    return find(byPostScriptKey_, key, Names::All);
 }
 std::vector<FaceMatch> Library::findByFullName(std::string_view key) {
-    return find(byFullName_, key);
+    return find(byFullName_, key, Names::All);
 }
 std::vector<FaceMatch> Library::findByFamily(std::string_view key) {
-    return find(byFamily_, key);
+    return find(byFamily_, key, Names::All);
 }
 std::vector<FaceMatch> Library::findByNormalisedFamily(std::string_view key) {
-    return find(byNormalisedFamily_, key);
+    return find(byNormalisedFamily_, key, Names::All);
 }
 
 std::vector<FaceMatch> Library::findByPostScriptName(std::string_view name) {
-    return findByPostScriptKey(faces::postScriptKey(name));
+    return find(byPostScriptKey_, faces::postScriptKey(name), Names::First);
 }
 
 std::optional<FaceDetails> Library::face(FaceId id) {
     const Reading together(database_);
     Statement statement(database_, ("SELECT " + std::string(columns) + std::string(moreColumns) +
-                                    " FROM face" + std::string(withFile) + "WHERE face.id = ?")
+                                    " FROM face" + std::string(joined) + "WHERE face.id = ?")
                                        .c_str());
     statement.bind(1, static_cast<std::int64_t>(id));
     return statement.step() ? std::optional(detailsOf(statement)) : std::nullopt;
@@ -208,7 +248,7 @@ std::optional<FaceMatch> Library::match(FaceId id) {
 std::vector<FaceDetails> Library::faces(ContainerId id) {
     const Reading together(database_);
     Statement statement(database_, ("SELECT " + std::string(columns) + std::string(moreColumns) +
-                                    " FROM face" + std::string(withFile) +
+                                    " FROM face" + std::string(joined) +
                                     "WHERE face.container = ? ORDER BY file.name, face.id")
                                        .c_str());
     statement.bind(1, static_cast<std::int64_t>(id));
@@ -231,7 +271,7 @@ std::vector<FaceMatch> Library::findAway(std::string_view postScriptKey, std::st
     statement.bind(1, postScriptKey).bind(2, family);
     std::vector<FaceMatch> found;
     while (statement.step()) {
-        found.push_back(matchOf(statement));
+        addNames(found.emplace_back(matchOf(statement)));
     }
     return found;
 }

@@ -7,10 +7,10 @@
 
 namespace manager {
 
-/// The columns that Library reads a face from, and whence.
-[[nodiscard]] std::string faceColumns();
-/// Finds the faces of a condition which can be activated.
-[[nodiscard]] std::string faceLookUp(std::string_view condition);
+/// The columns that Library reads a face from; `from` is "face", maybe joined to what leads there.
+[[nodiscard]] std::string faceColumns(std::string_view from = "face");
+/// Finds the faces of a condition which can be activated, in no order, some of them twice maybe.
+[[nodiscard]] std::string faceLookUp(std::string_view from, std::string_view condition);
 
 /// A condition on directory.path: parameters 1 to 3 are the folder and its PathRange.
 constexpr std::string_view atOrUnder =

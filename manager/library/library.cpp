@@ -65,18 +65,6 @@ Container containerFrom(const Statement& statement) {
     return container;
 }
 
-std::int64_t count(Database& database, const std::string& what, const std::string& folder) {
-    Statement statement(database, ("SELECT count(" + what +
-                                   "FROM directory JOIN file ON file.directory = directory.id "
-                                   "LEFT JOIN face ON face.file = file.id WHERE " +
-                                   std::string(atOrUnder))
-                                      .c_str());
-    const PathRange range(folder);
-    statement.bind(1, folder).bind(2, range.first).bind(3, range.last);
-    statement.step();
-    return statement.number(0);
-}
-
 /// What a mark says of an index as it is now; empty: there is none.
 std::string markText(const std::string& path) {
     struct stat status {};
@@ -151,22 +139,29 @@ std::optional<ContainerId> toContainerId(std::string_view text) {
 Library::Library(const Places& places, const TableFiller& fill, MissingFile missing)
     : places_(places), database_(openPrepared(places, fill, missing)),
       inode_(inodeOf(places.database())),
-      byPostScriptKey_(database_, faceLookUp("face.postscript_key = ?").c_str()),
+      byPostScriptKey_(database_, faceLookUp("face", "face.postscript_key = ?").c_str()),
       byFullName_(database_,
-                  faceLookUp("face.id IN (SELECT face FROM full_name WHERE key = ?)").c_str()),
-      byFamily_(database_, faceLookUp("face.id IN (SELECT name.face FROM family JOIN name "
-                                      "ON name.family = family.id WHERE family.key = ?)")
+                  faceLookUp("full_name JOIN face ON face.id = full_name.face", "full_name.key = ?")
+                      .c_str()),
+      byFamily_(database_, faceLookUp("family JOIN name ON name.family = family.id "
+                                      "JOIN face ON face.id = name.face",
+                                      "family.key = ?")
                                .c_str()),
-      byNormalisedFamily_(database_,
-                          faceLookUp("face.id IN (SELECT name.face FROM family JOIN name ON "
-                                     "name.family = family.id WHERE family.normalised_key = ?)")
-                              .c_str()),
+      byNormalisedFamily_(database_, faceLookUp("family JOIN name ON name.family = family.id "
+                                                "JOIN face ON face.id = name.face",
+                                                "family.normalised_key = ?")
+                                         .c_str()),
       byId_(database_, (faceColumns() + "WHERE face.id = ?").c_str()),
       names_(database_, "SELECT family.name, name.style, name.language, name.kind FROM name "
                         "JOIN family ON family.id = name.family WHERE name.face = ? "
                         "ORDER BY name.position"),
       fullNames_(database_, "SELECT name FROM full_name WHERE face = ? ORDER BY position"),
-      container_(database_, (std::string(containerColumns) + "WHERE container.id = ?").c_str()),
+      container_(database_,
+                 "SELECT container.id, container.name, container.folder, container.file, "
+                 "container.format, directory.away, directory.shown, "
+                 "(SELECT count(*) FROM file JOIN face ON face.file = file.id "
+                 "WHERE file.container = container.id AND file.spare = 0) FROM container "
+                 "JOIN directory ON directory.path = container.folder WHERE container.id = ?"),
       files_(database_, "SELECT directory.path, file.name, size, changed, inode FROM file "
                         "JOIN directory ON directory.id = file.directory "
                         "WHERE container = ? AND spare = 0 ORDER BY file.name") {}
@@ -252,16 +247,28 @@ std::optional<ContainerId> Library::findPlace(const Container& place) {
     return static_cast<ContainerId>(statement.number(0));
 }
 
+// By the indexes alone. Bad files are those without a container.
 LibraryCounts Library::counts(const std::string& folder) {
-    return {
-        count(database_, "DISTINCT CASE WHEN file.problem IS NULL THEN file.id END) ", folder),
-        count(database_, "CASE WHEN file.spare = 0 THEN face.id END) ", folder),
-        count(database_, "DISTINCT file.container) ", folder),
-        count(database_, "DISTINCT CASE WHEN file.problem IS NOT NULL THEN file.id END) ", folder),
-        count(database_,
-              "DISTINCT CASE WHEN directory.away AND file.problem IS NULL THEN file.id END) ",
-              folder),
-    };
+    const Reading together(database_);
+    const PathRange range(folder);
+    Statement held(database_,
+                   "SELECT count(*), ifnull(sum(files), 0), ifnull(sum(faces), 0) FROM (SELECT "
+                   "(SELECT count(*) FROM file WHERE file.container = container.id) AS files, "
+                   "(SELECT count(*) FROM face WHERE face.container = container.id) - "
+                   "(SELECT count(*) FROM file JOIN face ON face.file = file.id "
+                   "WHERE file.container = container.id AND file.spare <> 0) AS faces "
+                   "FROM container WHERE folder = ?1 OR (folder >= ?2 AND folder < ?3)) "
+                   "WHERE files > 0");
+    const std::string files = "SELECT count(*) FROM file "
+                              "JOIN directory ON directory.id = file.directory WHERE " +
+                              std::string(atOrUnder);
+    Statement bad(database_, (files + " AND file.container IS NULL").c_str());
+    Statement away(database_,
+                   (files + " AND directory.away AND file.container IS NOT NULL").c_str());
+    for (Statement* statement : {&held, &bad, &away}) {
+        statement->bind(1, folder).bind(2, range.first).bind(3, range.last).step();
+    }
+    return {held.number(1), held.number(2), held.number(0), bad.number(0), away.number(0)};
 }
 
 std::vector<std::string> Library::directories() {

@@ -37,10 +37,25 @@ inline std::string toText(ContainerId id) {
 /// A face's number in the index. The next scan that reads its file again gives it another.
 enum class FaceId : std::int64_t {};
 
+/// What the library holds together: one family in one folder in one format, or one collection file.
+struct Container {
+    ContainerId id{};
+    std::string name;   ///< the family, or the collection's file name
+    std::string folder; ///< absolute
+    std::string file;   ///< the collection's file name, else empty
+    std::int64_t faces = 0;
+    std::optional<FontFormat> format = {};
+    bool shownByDesktop = false; ///< it lies where the desktop looks for fonts by itself
+    bool away = false;           ///< its library folder is not there now: it cannot be activated
+
+    [[nodiscard]] std::string path() const { return file.empty() ? folder : folder + "/" + file; }
+};
+
 /// One face that a look-up found, with what tells it from others.
 struct FaceMatch {
     FaceId id{};
     ContainerId container{};
+    Container holder; ///< that container
     faces::Technology type = faces::Technology::TrueType;
     std::string postScriptName;
     std::string familyName; ///< of the name to show
@@ -53,7 +68,9 @@ struct FaceMatch {
     std::string version;
     std::uint32_t revision = 0;
     std::string foundry;
-    std::vector<faces::Name> names; ///< the first is the one to show
+    /// The first is the one to show. Not read, nor are full names, by findByPostScriptName() and
+    /// search().
+    std::vector<faces::Name> names;
     std::vector<std::string> fullNames;
     std::vector<faces::Axis> axes;
     FileStamp stamp;          ///< of the file
@@ -88,20 +105,6 @@ struct KnownContainer {
 };
 /// [main-thread] Asked when an index is begun anew.
 using KnownContainers = std::function<std::vector<KnownContainer>()>;
-
-/// What the library holds together: one family in one folder in one format, or one collection file.
-struct Container {
-    ContainerId id{};
-    std::string name;   ///< the family, or the collection's file name
-    std::string folder; ///< absolute
-    std::string file;   ///< the collection's file name, else empty
-    std::int64_t faces = 0;
-    std::optional<FontFormat> format = {};
-    bool shownByDesktop = false; ///< it lies where the desktop looks for fonts by itself
-    bool away = false;           ///< its library folder is not there now: it cannot be activated
-
-    [[nodiscard]] std::string path() const { return file.empty() ? folder : folder + "/" + file; }
-};
 
 struct LibraryFile {
     std::string path;
@@ -211,8 +214,11 @@ private:
     Places places_;
     Database database_;
     std::int64_t inode_ = 0;
-    [[nodiscard]] std::vector<FaceMatch> find(Statement& statement, std::string_view key);
+    enum class Names : std::uint8_t { First, All };
+    [[nodiscard]] std::vector<FaceMatch> find(Statement& statement, std::string_view key,
+                                              Names names);
     [[nodiscard]] FaceMatch matchOf(const Statement& row);
+    void addNames(FaceMatch& match);
     [[nodiscard]] FaceDetails detailsOf(const Statement& row);
 
     Statement byPostScriptKey_;

@@ -60,6 +60,7 @@ CREATE TABLE file (
     UNIQUE (directory, name)
 );
 CREATE INDEX file_container ON file (container);
+CREATE INDEX file_spare ON file (container) WHERE spare <> 0;
 CREATE TABLE face (
     id INTEGER PRIMARY KEY,
     file INTEGER NOT NULL REFERENCES file (id) ON DELETE CASCADE,

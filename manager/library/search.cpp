@@ -24,13 +24,12 @@ public:
     }
 
     [[nodiscard]] const std::string& sql() const { return sql_; }
-    int bind(Statement& statement) const {
+    void bind(Statement& statement) const {
         int parameter = 1;
         for (const Value& value : values_) {
             std::visit([&](const auto& plain) { statement.bind(parameter, plain); }, value);
             ++parameter;
         }
-        return parameter;
     }
 
 private:
@@ -227,27 +226,24 @@ std::set<std::string> Library::tags(SharedKind kind) {
 FoundFaces Library::search(const FaceQuery& query) {
     addFunctions(database_);
     const Conditions conditions = conditionsOf(query);
-    const std::string from =
-        " JOIN name AS first_name ON first_name.face = face.id AND first_name.position = 0 "
-        "JOIN family AS first_family ON first_family.id = first_name.family WHERE 1" +
-        conditions.sql();
     const Reading together(database_);
     FoundFaces found;
-    Statement count(database_, ("SELECT count(*) FROM face JOIN file ON file.id = face.file "
-                                "JOIN directory ON directory.id = file.directory" +
-                                from)
-                                   .c_str());
-    conditions.bind(count);
-    count.step();
-    found.total = static_cast<std::size_t>(count.number(0));
-    Statement page(
-        database_,
-        (faceColumns() + from + " ORDER BY " + orderOf(query.order) + " LIMIT ? OFFSET ?").c_str());
-    const int next = conditions.bind(page);
-    page.bind(next, static_cast<std::int64_t>(query.limit));
-    page.bind(next + 1, static_cast<std::int64_t>(query.offset));
-    while (page.step()) {
-        found.faces.push_back(matchOf(page));
+    Statement all(database_,
+                  ("SELECT face.id FROM face JOIN file ON file.id = face.file "
+                   "JOIN directory ON directory.id = file.directory "
+                   "JOIN name AS first_name ON first_name.face = face.id AND "
+                   "first_name.position = 0 "
+                   "JOIN family AS first_family ON first_family.id = first_name.family WHERE 1" +
+                   conditions.sql() + " ORDER BY " + orderOf(query.order))
+                      .c_str());
+    conditions.bind(all);
+    Statement one(database_, (faceColumns() + "WHERE face.id = ?").c_str());
+    for (; all.step(); ++found.total) {
+        if (found.total >= query.offset && found.faces.size() < query.limit) {
+            const StatementUse use(one);
+            one.bind(1, all.number(0)).step();
+            found.faces.push_back(matchOf(one));
+        }
     }
     return found;
 }

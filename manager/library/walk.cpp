@@ -163,6 +163,10 @@ private:
         if (entry.d_type == DT_REG && !fontName) {
             return;
         }
+        if (entry.d_type == DT_DIR) { // is looked at when it is visited
+            waiting_.push_back({joinPath(place.path, entry.d_name), place.depth + 1});
+            return;
+        }
         struct stat status {};
         if (fstatat(directory, entry.d_name, &status, 0) != 0) {
             const int code = errno;

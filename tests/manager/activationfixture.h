@@ -55,7 +55,15 @@ protected:
     }
     // Of both files, as the library has them now.
     std::set<std::string> activeFiles() {
-        return manager::Activation(sandbox_.places()).activeFiles(fonts());
+        const manager::Activation activation(sandbox_.places());
+        const auto set = activation.setOf({container, "Both", sandbox_.library(), {}});
+        std::set<std::string> names;
+        for (const manager::LibraryFile& file : fonts().files) {
+            if (set && activation.holds(*set, file)) {
+                names.insert(manager::nameOf(file.path));
+            }
+        }
+        return names;
     }
 
     [[nodiscard]] std::string set() const { return sandbox_.places().fonts() + "/7"; }
