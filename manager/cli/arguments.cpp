@@ -14,6 +14,7 @@
 #include "manager/cli/server.h"
 #include "manager/cli/settling.h"
 #include "manager/cli/tally.h"
+#include "manager/library/database.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
@@ -269,8 +270,15 @@ void finishOutput() {
 int runCommandLine(int argc, char** argv) {
     // A reader that went away is met as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
+    const auto run = [&] {
+        try {
+            return CommandLine().run(argc, argv);
+        } catch (const DamagedDatabase&) { // met before anything was changed; mended when it is
+            return CommandLine().run(argc, argv); // opened again
+        }
+    };
     try {
-        const int status = CommandLine().run(argc, argv);
+        const int status = run();
         finishOutput();
         return status;
     } catch (const std::exception& error) {

@@ -29,10 +29,7 @@ FontReaderLimits readerLimits() {
     return limits;
 }
 
-// Comes before anything that connects to the bus: the readers are forked.
-UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) {
-    makeFolders(places.own());
-    const FileLock lock(places.scanLock(), longestScan);
+UpdateReport scanOnce(const Places& places, bool showProgress, bool changedAlready) {
     const auto library = openLibrary(
         places, [&] { return containersOnDisk(places); }, warn, IndexCheck::WhenUnclean);
     const bool owed = library->isScanOwed();
@@ -53,6 +50,17 @@ UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) 
     return report;
 }
 
+// Comes before anything that connects to the bus: the readers are forked.
+UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) {
+    makeFolders(places.own());
+    const FileLock lock(places.scanLock(), longestScan);
+    try {
+        return scanOnce(places, showProgress, changedAlready);
+    } catch (const DamagedDatabase&) { // when it is opened again, it is mended
+        return scanOnce(places, showProgress, changedAlready);
+    }
+}
+
 // Only what is new is told: what was wrong before, `list --problems` tells.
 void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
     for (const std::string& problem : report.problems) {
@@ -61,7 +69,7 @@ void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
     tally.set("scan", {{"read", report.read},
                        {"unchanged", report.unchanged},
                        {"gone", report.removed},
-                       {"unreadFolders", report.unreadFolders},
+                       {"unreadFolders", report.unreadFolders.size()},
                        {"knownProblems", report.knownProblems.size()}});
     if (!quiet && !tally.isJson()) {
         const std::string known =
@@ -75,9 +83,9 @@ void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
 }
 
 void tellUnread(const UpdateReport& report, Tally& tally) {
-    if (report.unreadFolders != 0) {
-        tally.fail(counted(report.unreadFolders, "recorded folder") +
-                   " cannot be read; \"glyphora list --problems\" tells why");
+    for (const std::string& folder : report.unreadFolders) {
+        tally.fail(folder +
+                   ": the recorded folder is away; \"glyphora list --problems\" tells why");
     }
 }
 
@@ -101,19 +109,24 @@ bool changeFolders(const Places& places, const std::vector<std::string>& folders
 
 } // namespace
 
-std::unique_ptr<Library> openForUse(const Places& places) {
+std::unique_ptr<Library> openToAnswer(const Places& places) {
+    constexpr std::chrono::milliseconds patience{100}; // for several to fit into a reply's time
     return openLibrary(
-        places, [&] { return containersOnDisk(places); }, warn);
+        places, [&] { return containersOnDisk(places); }, warn, IndexCheck::Never, patience);
 }
 
 std::unique_ptr<Library> openScanned(const Places& places) {
-    auto library = openForUse(places);
+    const auto open = [&] {
+        return openLibrary(
+            places, [&] { return containersOnDisk(places); }, warn);
+    };
+    auto library = open();
     if (library->isScanOwed()) {
         library.reset();
         for (const std::string& problem : scan(places, false, false).problems) {
             warn(problem);
         }
-        library = openForUse(places);
+        library = open();
     }
     return library;
 }
@@ -144,10 +157,10 @@ int scanCommand(const Places& places, bool quiet, bool json) {
         tellUnread(report, tally);
     }
     const int status = tally.finish();
-    if (report.unreadFolders == 0) {
+    if (report.unreadFolders.empty()) {
         return status;
     }
-    return report.unreadFolders == readFolders(places).size() ? exitFailure : exitPartly;
+    return report.unreadFolders.size() == readFolders(places).size() ? exitFailure : exitPartly;
 }
 
 int listCommand(const Places& places, Listing listing) {

@@ -11,9 +11,9 @@
 
 namespace manager {
 
-/// Opens the library for a scan or the server; a damaged index is replaced, which is told on
-/// standard error. The caller sees to a scan that is owed.
-[[nodiscard]] std::unique_ptr<Library> openForUse(const Places& places);
+/// Opens the library for the server, which must answer soon. Throws DamagedDatabase when a scan is
+/// to mend the index. The caller sees to a scan that is owed.
+[[nodiscard]] std::unique_ptr<Library> openToAnswer(const Places& places);
 /// Opens the library for a command that needs what is in it, after a scan if one is owed. Not to be
 /// called with a connection to the bus (see readFontFiles).
 [[nodiscard]] std::unique_ptr<Library> openScanned(const Places& places);

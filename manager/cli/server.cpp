@@ -38,14 +38,34 @@ constexpr std::chrono::milliseconds longestWork{100};
 Server::Server(const Places& places, bool verbose)
     : places_(places), verbose_(verbose), activation_(places), activator_(places),
       replyTime_(replyTime()) {
-    openLibrary();
+    try {
+        openLibrary();
+    } catch (const DamagedDatabase&) { // NOLINT(bugprone-empty-catch): told and mended by a scan
+    } catch (const Locked&) {          // NOLINT(bugprone-empty-catch): tried again for each command
+    }
 }
 
 void Server::openLibrary() {
     library_.reset(); // its files may be those of an index that was moved aside
     standIns_ = {};
-    library_ = openForUse(places_);
+    library_ = openToAnswer(places_);
     scanNeeded_ = scanNeeded_ || library_->isScanOwed();
+}
+
+std::string Server::takeFailure(const std::exception& error) {
+    std::string text = error.what();
+    if (dynamic_cast<const DamagedDatabase*>(&error) != nullptr) {
+        library_.reset();
+        scanNeeded_ = true; // which mends it
+        text += "; it is made anew from the recorded folders";
+    }
+    return text;
+}
+
+void Server::letOthersOpen() {
+    if (library_ && library_->database().isWithoutSpace()) {
+        library_.reset(); // open, it would lock them out
+    }
 }
 
 std::optional<std::string> Server::answer(std::string command, std::optional<std::int32_t> sender,
@@ -101,15 +121,13 @@ void Server::round(Pending& pending) {
             }
         }
     } catch (const std::exception& error) {
-        if (dynamic_cast<const DamagedDatabase*>(&error) != nullptr) {
-            library_.reset(); // the next command opens, and so mends, it
-            scanNeeded_ = true;
-        }
+        const std::string text = takeFailure(error);
         pending.awaited.clear();
         pending.answer = {};
-        pending.answer.problems.emplace_back(error.what());
-        pending.answer.reply = failureReply("", error.what());
+        pending.answer.problems.push_back(text);
+        pending.answer.reply = failureReply("", text);
     }
+    letOthersOpen();
     pending.roundTime = Clock::now() - begun;
 }
 
@@ -317,9 +335,10 @@ bool Server::watchFolders(FolderWatch& watch) {
             warn(counted(missed, "folder") +
                  " cannot be watched; run \"glyphora scan\" after changes there");
         }
+        letOthersOpen();
         return added != 0;
     } catch (const Error& error) {
-        warn(error.what());
+        warn(takeFailure(error));
     }
     return false;
 }

@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <list>
 #include <memory>
@@ -80,6 +81,10 @@ private:
     using Entries = std::vector<HistoryEntry>;
 
     void openLibrary();
+    /// The text for people. A damaged index is let go of, and a scan asked for.
+    std::string takeFailure(const std::exception& error);
+    /// To be called when the library was used.
+    void letOthersOpen();
     void round(Pending& pending);
     /// Makes all rounds for which nothing has to be awaited. False: something has.
     bool finish(Pending& pending);

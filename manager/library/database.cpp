@@ -111,7 +111,8 @@ bool Statement::isNull(int column) const {
     return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
 }
 
-Database::Database(const std::string& path, MissingFile missing) : path_(path) {
+Database::Database(const std::string& path, MissingFile missing, std::chrono::milliseconds patience)
+    : path_(path), patience_(patience) {
     if (isReadOnly(path)) {
         open(immutableUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
         return;
@@ -127,12 +128,23 @@ Database::Database(const std::string& path, MissingFile missing) : path_(path) {
         run("PRAGMA cache_size=-16384");
     } catch (const DamagedDatabase&) {
         throw;
+    } catch (const Locked&) {
+        throw; // there is room, then
     } catch (const Error&) {
         if (!may(R_OK, path)) {
             throw;
         }
         openWithoutSpace();
     }
+}
+
+Database Database::damaged(const std::string& path) {
+    Database database;
+    database.path_ = path;
+    database.open(path, SQLITE_OPEN_READWRITE);
+    sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    database.run("PRAGMA query_only=ON");
+    return database;
 }
 
 void Database::open(const std::string& name, int flags) {
@@ -144,7 +156,7 @@ void Database::open(const std::string& name, int flags) {
     if (code != SQLITE_OK) {
         fail(code);
     }
-    sqlite3_busy_timeout(handle, 10'000);
+    sqlite3_busy_timeout(handle, static_cast<int>(patience_.count()));
 }
 
 // On a full disk there is no room for what connections share about the log. What the log holds is
@@ -171,18 +183,22 @@ void Database::run(const char* sql) {
 }
 
 void Database::fail(int code) const {
-    std::string text =
-        path_ + ": " + (handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code));
     const int kind = code & 0xFF;
+    if (kind == SQLITE_BUSY) {
+        const std::string log = lockHolder(path_ + "-shm");
+        throw lockedError(path_, log.empty() ? lockHolder(path_) : log, patience_);
+    }
+    std::string text = handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code);
+    if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
+        unlink((path_ + soundMark).c_str()); // whoever opens it next looks at all of it
+        throw damageOf(path_, text);
+    }
+    text.insert(0, path_ + ": ");
     // Kept from an earlier call, and so of no meaning, with errors of other kinds.
     const bool fromSystem = kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN || kind == SQLITE_FULL;
     const int reason = handle_ && fromSystem ? sqlite3_system_errno(handle_.get()) : 0;
     if (reason != 0) {
         text.append(": ").append(std::generic_category().message(reason));
-    }
-    if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
-        unlink((path_ + soundMark).c_str()); // whoever opens it next looks at all of it
-        throw DamagedDatabase(text);
     }
     throw Error(text);
 }

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "manager/library/error.h"
+#include "manager/library/places.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <sqlite3.h>
@@ -17,6 +19,11 @@ class DamagedDatabase : public Error {
 public:
     using Error::Error;
 };
+
+/// "PATH: the index is damaged (WHAT)"
+inline DamagedDatabase damageOf(const std::string& path, const std::string& what) {
+    return DamagedDatabase(path + ": the index is damaged (" + what + ")");
+}
 
 /// Ends the name of the file beside a database that tells when it was last known to be sound. It is
 /// removed when damage is met.
@@ -74,12 +81,16 @@ private:
 /// What to do when there is no such file.
 enum class MissingFile { IsMade, IsAnError };
 
-/// [one-thread] One connection. Waits up to ten seconds for another writer.
+/// [one-thread] One connection.
 class Database {
 public:
     /// Throws Error; DamagedDatabase when the file is none. In a folder that cannot be written to,
-    /// or on a full disk, it can be read only.
-    explicit Database(const std::string& path, MissingFile missing = MissingFile::IsMade);
+    /// or on a full disk, it can be read only. Whatever others have locked is waited for up to
+    /// `patience`; then Locked is thrown, also by what is done with the database later.
+    explicit Database(const std::string& path, MissingFile missing = MissingFile::IsMade,
+                      std::chrono::milliseconds patience = lockPatience);
+    /// Opens a damaged file, to read what is left of it. The log is left as it is. Throws Error.
+    [[nodiscard]] static Database damaged(const std::string& path);
 
     void run(const char* sql);
     [[nodiscard]] std::int64_t lastRow() const { return sqlite3_last_insert_rowid(handle_.get()); }
@@ -91,6 +102,7 @@ public:
     [[noreturn]] void fail(int code) const;
 
 private:
+    Database() = default;
     void open(const std::string& name, int flags);
     void openWithoutSpace();
 
@@ -98,6 +110,7 @@ private:
         void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
     };
     std::string path_;
+    std::chrono::milliseconds patience_ = lockPatience;
     bool withoutSpace_ = false;
     std::unique_ptr<sqlite3, Closer> handle_;
 };

@@ -16,7 +16,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// What was to be locked is held by another process.
+/// Somebody else held a lock for longer than was waited; the text says who, where that can be told.
 class Locked : public Error {
 public:
     using Error::Error;

@@ -1,45 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Questions to the index, and its repair.
+// Questions to the index.
 #include "manager/library/library.h"
 #include "faces/namekey.h"
 
 #include "manager/library/error.h"
 #include "manager/library/facelookup.h"
 #include "manager/library/fields.h"
+#include "manager/library/indexfile.h"
 #include "manager/library/schema.h"
 
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <ctime>
-#include <fcntl.h>
 #include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace manager {
 
 namespace {
 
-Database openPrepared(const Places& places, const TableFiller& fill, MissingFile missing) {
+Database openPrepared(const Places& places, const TableFiller& fill, MissingFile missing,
+                      std::chrono::milliseconds patience) {
     makeFolders(places.own());
-    Database database(places.database(), missing);
+    Database database(places.database(), missing, patience);
     prepareSchema(database, fill);
     return database;
-}
-
-void keepKnown(Database& database, const KnownContainers& known) {
-    for (const auto& [id, name, folder, file, format] :
-         known ? known() : std::vector<KnownContainer>()) {
-        keepContainer(database,
-                      {static_cast<std::int64_t>(id), folder, file,
-                       file.empty() ? faces::nameKey(name) : std::string(), name, format});
-    }
-}
-
-std::int64_t inodeOf(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_ino) : -1;
 }
 
 // A directory is that of the container's folder, where all of its files lie.
@@ -65,58 +46,6 @@ Container containerFrom(const Statement& statement) {
     return container;
 }
 
-/// What a mark says of an index as it is now; empty: there is none.
-std::string markText(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
-        return {};
-    }
-    return std::to_string(status.st_size) + " " + std::to_string(status.st_mtim.tv_sec) + "." +
-           std::to_string(status.st_mtim.tv_nsec) + " " + std::to_string(status.st_ino) + "\n";
-}
-
-/// What its mark says; empty: it has none.
-std::string markOf(const std::string& path) {
-    constexpr std::size_t longest = 200;
-    try {
-        return readFile(path + soundMark, longest);
-    } catch (const Error&) {
-        return {};
-    }
-}
-
-// Without a mark the index is read as a whole when it is opened next, so a failure may pass.
-void writeMark(const std::string& path) {
-    try {
-        replaceFile(path + soundMark, markText(path));
-    } catch (const Error&) {
-        unlink((path + soundMark).c_str());
-    }
-}
-
-// Whether the file ends before its last page, as its header tells. With a log beside it the header
-// may tell of pages that are to come.
-bool isCutShort(const std::string& path) {
-    struct stat status {};
-    if (stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0) {
-        return false;
-    }
-    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<unsigned char, 32> header{};
-    if (!file || fstat(file.get(), &status) != 0 || status.st_size == 0) {
-        return false;
-    }
-    if (read(file.get(), header.data(), header.size()) != ssize_t{header.size()}) {
-        return true;
-    }
-    const std::int64_t page = header[16] * 256 + header[17];
-    std::int64_t pages = 0;
-    for (std::size_t i = 28; i < 32; ++i) {
-        pages = pages * 256 + header.at(i);
-    }
-    return status.st_size < pages * (page == 1 ? 65536 : page);
-}
-
 std::vector<std::string> texts(Database& database, const char* sql) {
     Statement statement(database, sql);
     std::vector<std::string> result;
@@ -136,9 +65,10 @@ std::optional<ContainerId> toContainerId(std::string_view text) {
     return static_cast<ContainerId>(*number);
 }
 
-Library::Library(const Places& places, const TableFiller& fill, MissingFile missing)
-    : places_(places), database_(openPrepared(places, fill, missing)),
-      inode_(inodeOf(places.database())),
+Library::Library(const Places& places, const TableFiller& fill, MissingFile missing,
+                 std::chrono::milliseconds patience)
+    : places_(places), database_(openPrepared(places, fill, missing, patience)),
+      file_(indexFile(places.database())),
       byPostScriptKey_(database_, faceLookUp("face", "face.postscript_key = ?").c_str()),
       byFullName_(database_,
                   faceLookUp("full_name JOIN face ON face.id = full_name.face", "full_name.key = ?")
@@ -283,85 +213,6 @@ std::vector<std::string> Library::problems() {
 bool Library::isScanOwed() {
     Statement statement(database_, "SELECT scan_owed FROM state");
     return statement.step() && statement.number(0) != 0;
-}
-
-bool Library::isReplaced() const {
-    return database_.isWithoutSpace() || inodeOf(database_.path()) != inode_;
-}
-
-bool Library::isVouchedFor() const {
-    return markText(database_.path()) == markOf(database_.path());
-}
-
-void Library::vouch() {
-    if (database_.isWithoutSpace() || isVouchedFor()) {
-        return;
-    }
-    // What is in the log goes into the file, as far as nobody reads older states.
-    database_.run("PRAGMA wal_checkpoint(PASSIVE)");
-    writeMark(database_.path());
-}
-
-void Library::check() {
-    Statement statement(database_, "PRAGMA quick_check(1)");
-    const std::string result = statement.step() ? statement.text(0) : "no answer";
-    if (result != "ok") {
-        throw DamagedDatabase(database_.path() + ": " + result);
-    }
-}
-
-std::unique_ptr<Library> openLibrary(const Places& places, const KnownContainers& known,
-                                     const std::function<void(const std::string&)>& report,
-                                     IndexCheck check) {
-    const std::string path = places.database();
-    const auto open = [&](MissingFile missing) {
-        const bool isNew = access(path.c_str(), F_OK) != 0;
-        if (isCutShort(path)) { // SQLite takes what is left of a header for an empty database
-            throw DamagedDatabase(path + ": cut short");
-        }
-        const bool suspect = !isNew && markOf(path).empty();
-        const auto keep = [&](Database& fresh) { keepKnown(fresh, known); };
-        auto library = std::make_unique<Library>(places, keep, missing);
-        const bool unclean = check == IndexCheck::WhenUnclean && !library->isVouchedFor();
-        if (suspect || (!isNew && unclean)) {
-            library->check();
-        }
-        if (isNew || suspect) {
-            library->vouch();
-        }
-        return library;
-    };
-    // Nobody looks at an index that another process has only begun, or is moving aside.
-    std::optional<FileLock> lock;
-    try {
-        makeFolders(places.own());
-        lock.emplace(path + ".lock");
-    } catch (const Error&) {
-        if (access(path.c_str(), R_OK) != 0) {
-            throw;
-        }
-        return open(MissingFile::IsAnError); // as it is: where nothing can be written
-    }
-    std::string damage;
-    try {
-        return open(MissingFile::IsMade);
-    } catch (const DamagedDatabase& error) {
-        damage = error.what();
-    }
-    const std::string aside = path + ".damaged-" + std::to_string(std::time(nullptr));
-    for (const char* part : {"", "-wal", "-shm"}) {
-        if (rename((path + part).c_str(), (aside + part).c_str()) != 0 && *part == '\0') {
-            throw systemError(path, "is damaged and cannot be moved aside", errno);
-        }
-    }
-    report(damage + "; moved to " + nameOf(aside) + ", the recorded folders are scanned anew");
-    // What is active comes first: it has its number on disk.
-    auto library = std::make_unique<Library>(places, [&](Database& fresh) {
-        keepKnown(fresh, known);
-        salvageContainers(fresh, aside);
-    });
-    library->vouch();
-    return library;
 }
 
 } // namespace manager

@@ -7,6 +7,7 @@
 #include "faces/similar.h"
 #include "manager/library/database.h"
 #include "manager/library/facequery.h"
+#include "manager/library/indexfile.h"
 #include "manager/library/places.h"
 #include "manager/library/schema.h"
 #include "manager/library/walk.h"
@@ -132,7 +133,8 @@ class Library {
 public:
     /// Opens the index, or makes one that `fill` may fill.
     explicit Library(const Places& places, const TableFiller& fill = {},
-                     MissingFile missing = MissingFile::IsMade);
+                     MissingFile missing = MissingFile::IsMade,
+                     std::chrono::milliseconds patience = lockPatience);
 
     /// Look-ups of faces that can be activated, by container: no spares, and none in folders that
     /// are away. Keys are those of faces/namekey.h; an empty one finds nothing.
@@ -195,8 +197,8 @@ public:
     /// nothing about what the folders hold then.
     [[nodiscard]] bool isScanOwed();
 
-    /// Whether the index file was replaced since it was opened, or could be opened for want of
-    /// space only as it was then; open anew then.
+    /// Whether the index file was replaced or cut since it was opened, or could be opened for want
+    /// of space only as it was then; open anew then.
     [[nodiscard]] bool isReplaced() const;
     /// Reads the whole index. Throws DamagedDatabase.
     void check();
@@ -213,7 +215,7 @@ public:
 private:
     Places places_;
     Database database_;
-    std::int64_t inode_ = 0;
+    IndexFile file_; ///< as it was opened
     enum class Names : std::uint8_t { First, All };
     [[nodiscard]] std::vector<FaceMatch> find(Statement& statement, std::string_view key,
                                               Names names);
@@ -235,17 +237,21 @@ private:
 
 /// When an opened index is read as a whole, which takes time.
 enum class IndexCheck {
+    Never,       ///< nor is it mended: for who must answer soon
     WhenSuspect, ///< when damage was met, or the file is cut short
     WhenUnclean, ///< also when a change did not end well, or others may have written to the file
 };
 
 /// Opens the library. A missing index is begun with the numbers of the `known` containers. A
-/// damaged one is moved aside, which `report` is told in one line, and begun anew in the same way,
-/// with the old numbers of the other containers as far as they can be read. Both functions are
-/// called in this thread, before it returns. See Library::isScanOwed.
+/// damaged one is moved aside and begun anew in the same way, with the old numbers of the other
+/// containers as far as they can be read; `report` is told in one line. New containers get higher
+/// numbers than all that were given. Both functions are called in this thread, before it returns.
+/// See Library::isScanOwed. Locks are waited for up to `patience`, then Locked is thrown. Throws
+/// Error; DamagedDatabase only when nothing is to be mended.
 [[nodiscard]] std::unique_ptr<Library>
 openLibrary(const Places& places, const KnownContainers& known,
             const std::function<void(const std::string&)>& report,
-            IndexCheck check = IndexCheck::WhenSuspect);
+            IndexCheck check = IndexCheck::WhenSuspect,
+            std::chrono::milliseconds patience = lockPatience);
 
 } // namespace manager

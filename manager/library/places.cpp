@@ -23,23 +23,25 @@ namespace manager {
 namespace {
 
 /// " by PROGRAM (PROCESS)" of whoever holds a lock on the file; empty when it cannot be told.
-std::string holderOf(int file) {
+std::string holderOf(const std::string& path) {
     struct stat status {};
-    if (fstat(file, &status) != 0) {
+    if (stat(path.c_str(), &status) != 0) {
         return {};
     }
-    // "1: FLOCK ADVISORY WRITE PROCESS MAJOR:MINOR:INODE 0 EOF". Some file systems show another
-    // device there than to programs.
+    // "1: FLOCK ADVISORY WRITE PROCESS MAJOR:MINOR:INODE 0 EOF"; an index has POSIX locks, and
+    // those for reading hold nobody up. Some file systems show another device there than to
+    // programs.
     const std::string inode = ":" + std::to_string(status.st_ino);
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);) {
         std::istringstream fields(line);
         std::string number;
         std::string kind;
+        std::string use;
         std::string process;
         std::string place;
-        fields >> number >> kind >> process >> process >> process >> place;
-        if (kind == "FLOCK" && place.ends_with(inode)) {
+        fields >> number >> kind >> use >> use >> process >> place;
+        if (kind != "->" && use == "WRITE" && place.ends_with(inode)) {
             std::string program;
             std::ifstream comm("/proc/" + process + "/comm");
             std::getline(comm, program);
@@ -133,9 +135,16 @@ void syncFile(const std::string& path) {
 }
 
 std::string lockHolder(const std::string& path) {
-    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::string holder = file ? holderOf(file.get()) : std::string();
+    std::string holder = holderOf(path);
     return holder.ends_with("(" + std::to_string(getpid()) + ")") ? std::string() : holder;
+}
+
+Locked lockedError(const std::string& path, const std::string& holder,
+                   std::chrono::milliseconds patience) {
+    return Locked(path + ": is locked" + holder +
+                  (patience.count() == 0
+                       ? std::string()
+                       : ", for longer than " + std::to_string(patience.count()) + " ms"));
 }
 
 FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
@@ -153,10 +162,7 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
             throw systemError(path, "cannot be locked", errno);
         }
         if (Clock::now() >= deadline) {
-            throw Locked(path + ": is locked" + holderOf(file_.get()) +
-                         (patience.count() == 0
-                              ? std::string()
-                              : ", for longer than " + std::to_string(patience.count()) + " ms"));
+            throw lockedError(path, holderOf(path), patience);
         }
         std::this_thread::sleep_for(pause);
         pause = std::min(2 * pause, longestPause);

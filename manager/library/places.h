@@ -2,6 +2,7 @@
 // Where the manager keeps its data, and a few steps with files that every part of it needs.
 #pragma once
 
+#include "manager/library/error.h"
 #include "system/descriptor.h"
 
 #include <chrono>
@@ -44,15 +45,18 @@ void syncFolder(const std::string& path);
 void syncFile(const std::string& path);
 
 /// " by PROGRAM (PROCESS)" of another process that holds a lock on the file; empty when there is
-/// none or it cannot be told.
+/// none or it cannot be told. The file is not opened.
 [[nodiscard]] std::string lockHolder(const std::string& path);
+
+/// "PATH: is locked by ..."; `holder` as of lockHolder().
+[[nodiscard]] Locked lockedError(const std::string& path, const std::string& holder,
+                                 std::chrono::milliseconds patience);
 
 /// How long a lock is waited for that others hold for a moment only.
 constexpr std::chrono::seconds lockPatience{10};
 
 /// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders up
-/// to `patience`. Throws Locked, which names the holder, when the lock could not be had in time,
-/// and Error.
+/// to `patience`. Throws Error; Locked, which names the holder, when it could not be had in time.
 class FileLock {
 public:
     explicit FileLock(const std::string& path, std::chrono::milliseconds patience = lockPatience);

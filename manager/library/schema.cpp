@@ -208,52 +208,28 @@ void prepareSchema(Database& database, const TableFiller& fill) {
     transaction.commit();
 }
 
-void keepContainer(Database& database, const ContainerRow& row) {
-    Statement reserve(database, "UPDATE sqlite_sequence SET seq = max(seq, ?) "
-                                "WHERE name = 'container'");
-    reserve.bind(1, row.id).run();
-    if (sqlite3_changes(database.handle()) == 0) {
-        Statement first(database,
-                        "INSERT INTO sqlite_sequence (name, seq) VALUES ('container', ?)");
-        first.bind(1, row.id).run();
+ContainerKeeper::ContainerKeeper(Database& database)
+    : database_(database),
+      reserve_(database, "UPDATE sqlite_sequence SET seq = max(seq, ?) WHERE name = 'container'"),
+      first_(database, "INSERT INTO sqlite_sequence (name, seq) VALUES ('container', ?)"),
+      write_(database, "INSERT OR IGNORE INTO container (id, folder, file, family_key, name, "
+                       "format) VALUES (?, ?, ?, ?, ?, ?)") {}
+
+void ContainerKeeper::reserve(std::int64_t id) {
+    reserve_.bind(1, id).run();
+    if (sqlite3_changes(database_.handle()) == 0) {
+        first_.bind(1, id).run();
     }
-    if (row.folder.empty()) {
-        return;
-    }
-    Statement write(database, "INSERT OR IGNORE INTO container (id, folder, file, family_key, "
-                              "name, format) VALUES (?, ?, ?, ?, ?, ?)");
-    write.bind(1, row.id).bind(2, row.folder).bind(3, row.file).bind(4, row.familyKey);
-    write.bind(5, row.name).bindNull(6);
-    if (row.format) {
-        write.bind(6, static_cast<std::int64_t>(*row.format));
-    }
-    write.run();
 }
 
-void salvageContainers(Database& fresh, const std::string& damagedPath) {
-    // The last number given comes first: no number of a container that cannot be read is to be
-    // given to another.
-    for (const char* sql : {"SELECT seq, '', '', '', '', NULL FROM sqlite_sequence "
-                            "WHERE name = 'container' AND seq BETWEEN 1 AND 2147483646",
-                            "SELECT id, folder, file, family_key, name, format FROM container "
-                            "WHERE id BETWEEN 1 AND 2147483647",
-                            "SELECT id, folder, file, family_key, name, NULL FROM container "
-                            "WHERE id BETWEEN 1 AND 2147483647"}) { // of schema 2
-        try {
-            Database damaged(damagedPath, MissingFile::IsAnError);
-            Statement read(damaged, sql);
-            while (read.step()) {
-                ContainerRow row{read.number(0), read.text(1), read.text(2),
-                                 read.text(3),   read.text(4), {}};
-                const std::int64_t format = read.number(5);
-                if (!read.isNull(5) && format >= 0 && format <= 3) {
-                    row.format = static_cast<FontFormat>(format);
-                }
-                keepContainer(fresh, row);
-            }
-        } catch (const Error&) { // NOLINT(bugprone-empty-catch): the damage begins here
-        }
+bool ContainerKeeper::keep(const ContainerRow& row) {
+    write_.bind(1, row.id).bind(2, row.folder).bind(3, row.file).bind(4, row.familyKey);
+    write_.bind(5, row.name).bindNull(6);
+    if (row.format) {
+        write_.bind(6, static_cast<std::int64_t>(*row.format));
     }
+    write_.run();
+    return sqlite3_changes(database_.handle()) != 0;
 }
 
 } // namespace manager

@@ -22,8 +22,6 @@ using TableFiller = std::function<void(Database&)>;
 /// read.
 void prepareSchema(Database& database, const TableFiller& fill = {});
 
-/// Gives a container its number, unless that is taken. No `folder`: the number alone is reserved,
-/// so that no container gets it.
 struct ContainerRow {
     std::int64_t id = 0;
     std::string folder;
@@ -32,11 +30,23 @@ struct ContainerRow {
     std::string name;
     std::optional<FontFormat> format; ///< nullopt: that of the first font of its that is read
 };
-void keepContainer(Database& database, const ContainerRow& row);
 
-/// Copies what can still be read of the containers' numbers from a damaged database into a new one,
-/// in a transaction of the caller's.
-void salvageContainers(Database& fresh, const std::string& damagedPath);
+/// [one-thread] Gives numbers to containers of which no font was read. Not to outlive its database.
+class ContainerKeeper {
+public:
+    explicit ContainerKeeper(Database& database);
+
+    /// From now on new containers get higher numbers.
+    void reserve(std::int64_t id);
+    /// False: another container has the number, or this one has another.
+    bool keep(const ContainerRow& row);
+
+private:
+    Database& database_;
+    Statement reserve_;
+    Statement first_;
+    Statement write_;
+};
 
 /// What the table `shared` holds, each value of a kind once.
 enum class SharedKind : std::uint8_t {

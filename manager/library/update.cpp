@@ -74,26 +74,13 @@ KnownFolders knownFolders(Database& database) {
     return known;
 }
 
-/// Replaces the walk's problems, and sorts them into new and known ones.
-void writeWalkProblems(Database& database, const std::vector<std::string>& problems,
-                       UpdateReport& report) {
-    std::set<std::string> known;
+std::set<std::string> readWalkProblems(Database& database) {
+    std::set<std::string> problems;
     Statement read(database, "SELECT problem FROM walk_problem");
     while (read.step()) {
-        known.insert(read.text(0));
+        problems.insert(read.text(0));
     }
-    read.reset();
-    for (const std::string& problem : problems) {
-        (known.contains(problem) ? report.knownProblems : report.problems).push_back(problem);
-    }
-    if (known == std::set<std::string>(problems.begin(), problems.end())) {
-        return;
-    }
-    database.run("DELETE FROM walk_problem");
-    Statement add(database, "INSERT OR IGNORE INTO walk_problem (problem) VALUES (?)");
-    for (const std::string& problem : problems) {
-        add.bind(1, problem).run();
-    }
+    return problems;
 }
 
 // Long enough to make commits cheap, which write each changed page once; short enough not to keep
@@ -114,13 +101,14 @@ public:
     UpdateReport run(std::span<const std::string> folders, const FontReaderLimits& limits,
                      const FontFileFunction& read) {
         found_ = findFontFiles(folders, library_.places().fonts());
-        report_.unreadFolders = found_.unreadRoots;
         known_ = knownFolders(library_.database());
+        told_ = readWalkProblems(library_.database());
         for (const auto& [path, folder] : known_) {
             knownFileCount_ += folder.files.size();
         }
         findShownFolders();
         findAwayFolders();
+        report_.unreadFolders = found_.unreadRoots;
         for (std::size_t i = 0; i < found_.folders.size(); ++i) {
             compare(i);
         }
@@ -173,6 +161,7 @@ private:
             if (before != known_.end() &&
                 (before->second.away || before->second.device != now->device)) {
                 found_.unread.push_back(root);
+                found_.unreadRoots.push_back(root);
                 found_.problems.push_back(root + ": empty, and not the disk that was there");
                 found_.folders.erase(now);
             }
@@ -253,9 +242,29 @@ private:
                 report_.moved = report_.moved || known->second.away || known->second.shown != shown;
             }
         }
-        writeWalkProblems(library_.database(), found_.problems, report_);
+        writeWalkProblems();
         writer_.settle();
         transaction.commit();
+    }
+
+    // Replaces the walk's problems, and sorts them into new and known ones.
+    void writeWalkProblems() {
+        for (const std::string& problem : found_.problems) {
+            tell(problem);
+        }
+        if (told_ == std::set<std::string>(found_.problems.begin(), found_.problems.end())) {
+            return;
+        }
+        library_.database().run("DELETE FROM walk_problem");
+        Statement add(library_.database(),
+                      "INSERT OR IGNORE INTO walk_problem (problem) VALUES (?)");
+        for (const std::string& problem : found_.problems) {
+            add.bind(1, problem).run();
+        }
+    }
+
+    void tell(const std::string& problem) {
+        (told_.contains(problem) ? report_.knownProblems : report_.problems).push_back(problem);
     }
 
     // Fonts are read side by side and come in any order, but are written in the order of their
@@ -315,7 +324,7 @@ private:
         ++report_.read;
         replaced_ += task.before != 0 ? 1 : 0;
         if (problem != nullptr) {
-            report_.problems.push_back(problem->text);
+            tell(problem->text);
         }
     }
 
@@ -324,6 +333,7 @@ private:
     IndexWriter writer_;
     FoundFiles found_;
     KnownFolders known_;
+    std::set<std::string> told_; ///< problems of the last walk; of an index before, all that it had
     std::size_t knownFileCount_ = 0;
     std::unordered_set<std::string> shown_; ///< by the desktop
     std::vector<std::int64_t> directories_; ///< rows of the folders that were found

@@ -20,7 +20,7 @@ struct UpdateReport {
     std::size_t removed = 0;   ///< files that are gone
     std::size_t away = 0;      ///< files kept, though the folder that they lie in is not there now
     bool moved = false;        ///< folders went away or came back, or the desktop's own changed
-    std::size_t unreadFolders = 0;          ///< of those to be walked
+    std::vector<std::string> unreadFolders; ///< of those to be walked
     std::vector<std::string> problems;      ///< "PATH: ..." of what was found bad this time
     std::vector<std::string> knownProblems; ///< of what was bad already and is so still
 

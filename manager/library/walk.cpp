@@ -103,7 +103,9 @@ private:
         if (!directory || fstat(dirfd(directory.get()), &status) != 0) {
             problem(place.path, "the folder cannot be read", errno);
             found_.unread.push_back(place.path);
-            found_.unreadRoots += place.depth == 0 ? 1 : 0;
+            if (place.depth == 0) {
+                found_.unreadRoots.push_back(place.path);
+            }
             return;
         }
         if (place.depth == 0 && isPassedOver(place.path)) {

@@ -33,11 +33,11 @@ struct FoundFolder {
 };
 
 struct FoundFiles {
-    std::vector<FoundFolder> folders;    ///< all that were looked at, by path
-    std::vector<std::string> problems;   ///< "PATH: ..." of what could not be looked at
-    std::vector<std::string> unread;     ///< folders and links to some among that
-    std::size_t unreadRoots = 0;         ///< roots among them
-    std::vector<std::string> emptyRoots; ///< in which nothing lies, as where a disk is not
+    std::vector<FoundFolder> folders;     ///< all that were looked at, by path
+    std::vector<std::string> problems;    ///< "PATH: ..." of what could not be looked at
+    std::vector<std::string> unread;      ///< folders and links to some among that
+    std::vector<std::string> unreadRoots; ///< roots among them
+    std::vector<std::string> emptyRoots;  ///< in which nothing lies, as where a disk is not
 };
 
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The index: containers, look-up, incremental scans, damage.
 #include "manager/library/error.h"
+#include "manager/library/schema.h"
 #include "manager/library/update.h"
 #include "tests/manager/sandbox.h"
 #include "tests/support/fontmaker.h"
@@ -10,9 +11,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <set>
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -43,10 +46,29 @@ protected:
         }
         return result;
     }
-    std::unique_ptr<Library> open(IndexCheck check = IndexCheck::WhenUnclean) {
+    std::unique_ptr<Library> open(IndexCheck check = IndexCheck::WhenUnclean,
+                                  std::chrono::milliseconds patience = lockPatience) {
         return openLibrary(
             sandbox_.places(), [this] { return known_; },
-            [this](const std::string& text) { reports_.push_back(text); }, check);
+            [this](const std::string& text) { reports_.push_back(text); }, check, patience);
+    }
+
+    void expectLockedForOthers() {
+        const std::string expected = sandbox_.places().database() +
+                                     ": is locked by manager_library (" + std::to_string(getpid());
+        const pid_t other = fork();
+        if (other == 0) {
+            try {
+                static_cast<void>(open(IndexCheck::Never, {}));
+            } catch (const Locked& error) {
+                _exit(std::string_view(error.what()).starts_with(expected) ? 0 : 1);
+            } catch (...) { // NOLINT(bugprone-empty-catch): told by the status
+            }
+            _exit(2);
+        }
+        int status = -1;
+        EXPECT_EQ(waitpid(other, &status, 0), other);
+        EXPECT_EQ(status, 0);
     }
 
     Sandbox sandbox_;
@@ -164,6 +186,73 @@ TEST_F(ALibrary, ThatIsDamagedIsMovedAsideAndKeepsWhatCanBeRead) {
     ASSERT_TRUE(library_->isScanOwed());
     scan();
     EXPECT_EQ(ids(), before);
+}
+
+// The containers' keys stand in it twice, so that no page alone is their only place.
+TEST_F(ALibrary, KeepsAllNumbersWhicheverPageIsLost) {
+    constexpr std::int64_t last = 120;
+    const auto containers = [&] {
+        Statement count(library_->database(), "SELECT count(*), max(id) FROM container "
+                                              "WHERE folder = '/' || family_key || id");
+        count.step();
+        return std::pair(count.number(0), count.number(1));
+    };
+    {
+        ContainerKeeper keeper(library_->database());
+        const std::string key(100, 'k');
+        for (std::int64_t id = 1; id <= last; ++id) {
+            keeper.keep({id, "/" + key + std::to_string(id), "", key, "Name", FontFormat::Type1});
+        }
+    }
+    library_->vouch();
+    const std::string path = sandbox_.places().database();
+    const auto root = [&] {
+        Statement container(library_->database(),
+                            "SELECT rootpage - 1 FROM sqlite_master WHERE name = 'container'");
+        container.step();
+        return static_cast<std::size_t>(container.number(0));
+    }();
+    library_.reset();
+    const std::string whole = readBytes(path);
+    std::set<std::size_t> pages = {0, root};
+    for (std::size_t at = 0; (at = whole.find("kkkk", at)) != std::string::npos; at += 100) {
+        pages.insert(at / 4096);
+    }
+    EXPECT_GE(pages.size(), 8U);
+    for (const std::size_t page : pages) {
+        std::string damaged = whole;
+        damaged.replace(page * 4096, 4096, 4096, '\xFF');
+        for (const char* part : {"-wal", "-shm", soundMark}) {
+            std::filesystem::remove(path + part);
+        }
+        writeBytes(path, damaged);
+        reports_.clear();
+        library_ = open(IndexCheck::WhenSuspect);
+        EXPECT_THAT(reports_, ElementsAre(HasSubstr(page == 0 ? "numbers of 0 containers of 120;"
+                                                              : "numbers of 120 containers;")));
+        EXPECT_TRUE(page == 0 || containers() == std::pair(last, last)) << page;
+        if (page == 0) {
+            add("a/one.ttf", {});
+            scan();
+            EXPECT_EQ(ids().begin()->second, ContainerId{last + 1}) << "of none that was given";
+        }
+        library_.reset();
+    }
+}
+
+TEST_F(ALibrary, MadeAnewTellsNoProblemAgain) {
+    const std::string bad = sandbox_.write("bad.ttf", "bad");
+    std::filesystem::create_symlink("nothing.ttf", sandbox_.library() + "/link.ttf");
+    EXPECT_THAT(scan().problems, SizeIs(2));
+    const std::string path = sandbox_.places().database();
+    library_.reset();
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
+    library_ = open();
+    EXPECT_THAT(reports_, SizeIs(1));
+    const UpdateReport again = scan();
+    EXPECT_THAT(again.problems, IsEmpty());
+    EXPECT_THAT(again.knownProblems, SizeIs(2));
+    EXPECT_EQ(again.read, 1U);
 }
 
 TEST_F(ALibrary, BegunAnewGivesNoNumberToAnotherContainer) {
@@ -285,11 +374,25 @@ TEST_F(ALibrary, IsReadAsAWholeOnlyWhereItMayBeDamaged) {
         writeBytes(path, bytes);
         reports_.clear();
     };
-    for (std::size_t length = 1; length < whole.size(); length += length < 4096 ? 509 : 4096) {
-        put(std::string_view(whole).substr(0, length));
-        library_ = open(IndexCheck::WhenSuspect);
-        EXPECT_THAT(reports_, SizeIs(1)) << length;
-        EXPECT_TRUE(library_->isScanOwed()) << length;
+    for (const std::size_t length :
+         {std::size_t{0}, std::size_t{1}, std::size_t{99}, std::size_t{100}, std::size_t{4095},
+          std::size_t{4096}, std::size_t{5000}, whole.size() / 2, whole.size() - 1}) {
+        for (const bool inUse : {false, true}) {
+            put(whole);
+            library_ = open(IndexCheck::WhenSuspect);
+            library_->database().run("UPDATE state SET scan_owed = 0"); // there is a log now
+            library_->vouch();
+            if (!inUse) {
+                library_.reset();
+            }
+            std::filesystem::resize_file(path, length);
+            reports_.clear();
+            EXPECT_TRUE(!inUse || library_->isReplaced());
+            EXPECT_THROW(open(IndexCheck::Never), DamagedDatabase);
+            const auto mended = open(IndexCheck::WhenSuspect);
+            EXPECT_THAT(reports_, ElementsAre(HasSubstr("damaged (cut short); moved"))) << length;
+            EXPECT_TRUE(mended->isScanOwed()) << length;
+        }
     }
 
     std::string damaged = whole;
@@ -338,6 +441,9 @@ TEST_F(ALibrary, CanBeReadOnAFullDisk) {
             EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(1));
             EXPECT_THAT(library_->findByPostScriptName("Two"), SizeIs(withLog ? 1 : 0));
             EXPECT_TRUE(library_->isReplaced()) << "to be opened anew once there is room";
+            if (withLog) {
+                expectLockedForOthers();
+            }
         } catch (const Error& error) {
             ADD_FAILURE() << error.what();
         }

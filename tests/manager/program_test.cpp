@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -221,6 +222,53 @@ TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
     }));
 }
 
+TEST_F(TheProgram, MendsAnIndexThatIsCutOrDamagedByWhoeverMeetsIt) {
+    sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice"}));
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    const std::string database = sandbox_.places().database();
+    EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
+    const auto damage = [&](std::size_t length) {
+        const manager::FileLock noScan(sandbox_.places().scanLock());
+        std::filesystem::resize_file(database, length);
+    };
+    damage(0);
+    EXPECT_THAT(*send(request("Lato-Bold")), HasSubstr("; it is made anew from the recorded"));
+    EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << server_->output();
+    for (const std::size_t length : {50, 30'000}) {
+        damage(length);
+        expectEach({{{"activate", "Twice"}, 0, "activated Twice"},
+                    {{"deactivate", "Twice"}, 0, "deactivated Twice"}});
+        EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << length;
+    }
+    {
+        const manager::FileLock noScan(sandbox_.places().scanLock());
+        std::string bytes = readBytes(database);
+        bytes.replace(bytes.find("Twice") / 4096 * 4096, 8, 8, '\xFF');
+        std::fstream(database, std::ios::in | std::ios::out | std::ios::binary) << bytes;
+    }
+    const Ending found = glyphora({"info", "Twice"});
+    EXPECT_EQ(found.status, 0) << found.output;
+    EXPECT_THAT(found.output, HasSubstr("PostScript name: Twice"));
+    // By the command, unless a scan of the server's came before it.
+    EXPECT_THAT(found.output + server_->output(), HasSubstr("Kept were the numbers of "));
+}
+
+TEST_F(TheProgram, AnswersWhileTheIndexIsLockedAndSaysByWhom) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
+    const std::string database = sandbox_.places().database();
+    std::optional<manager::FileLock> held(database + ".lock");
+    std::filesystem::copy_file(database, database + ".copy");
+    std::filesystem::rename(database + ".copy", database); // so that it is opened again
+    EXPECT_THAT(*send(request("Lato-Bold")),
+                HasSubstr(".lock: is locked by manager_program (" + std::to_string(getpid()) +
+                          "), for longer than 100 ms"));
+    held.reset();
+    EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
+}
+
 TEST_F(TheProgram, RunsOnceAndEndsSettledWhenToldTo) {
     const std::vector<std::pair<const char*, std::function<void()>>> ways = {
         {"quit", [&] { EXPECT_EQ(glyphora({"quit"}).status, 0); }},
@@ -405,7 +453,7 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
     });
     std::filesystem::rename(sandbox_.library(), sandbox_.library() + ".away");
     expectEach({
-        {{"scan"}, 1, "1 recorded folder cannot be read; \"glyphora list --problems\" tells why"},
+        {{"scan"}, 1, ": the recorded folder is away; \"glyphora list --problems\" tells why"},
         {{"list"}, 0, "library: 3 font files (3 away), 3 faces, "},
         {{"list", "--containers"}, 0, "3  away      Twice, TrueType, 1 face, "},
         {{"tag", "list", "bold"}, 0, "3  away      Twice, TrueType, 1 face, "},
