@@ -3,6 +3,7 @@
 #include "manager/exchange/candidates.h"
 
 #include "manager/exchange/lookup.h"
+#include "manager/library/samefile.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -95,8 +96,7 @@ bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMat
     }
     auto near = candidate(font, std::move(face));
     if (std::none_of(finding.near.begin(), finding.near.end(), [&](const Candidate& of) {
-            return of.container.id == near.container.id ||
-                   library_.haveSameBytes(of.face, near.face);
+            return of.container.id == near.container.id || haveSameBytes(of.face, near.face);
         })) {
         near.reason = reason;
         finding.near.push_back(std::move(near));
@@ -112,11 +112,11 @@ std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
     }
     std::sort(found.begin(), found.end(), isBetter);
     std::vector<Candidate> different;
+    MetFiles met;
+    std::set<ContainerId> containers;
     for (Candidate& one : found) {
-        if (std::none_of(different.begin(), different.end(), [&](const Candidate& better) {
-                return better.container.id == one.container.id ||
-                       library_.haveSameBytes(better.face, one.face);
-            })) {
+        if (!containers.contains(one.container.id) && met.isNew(one.face)) {
+            containers.insert(one.container.id);
             different.push_back(std::move(one));
         }
     }
@@ -145,11 +145,12 @@ std::vector<DesktopFace> CandidateFinder::shown(const CommandFont& font,
             faces.insert(faces.end(), more.begin(), more.end());
         }
     }
-    std::erase_if(faces, [&](const DesktopFace& face) {
-        return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
-            return folderOf(face.file) == activation_.folder(candidate.container.id);
-        });
-    });
+    std::set<std::string> own;
+    for (const Candidate& candidate : candidates) {
+        own.insert(activation_.folder(candidate.container.id));
+    }
+    std::erase_if(faces,
+                  [&](const DesktopFace& face) { return own.contains(folderOf(face.file)); });
     return faces;
 }
 

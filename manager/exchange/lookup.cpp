@@ -2,7 +2,7 @@
 // One question after the other, the cheapest first.
 #include "manager/exchange/lookup.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -78,8 +78,7 @@ bool LookUp::isExact() const {
 bool LookUp::isFound(std::vector<FaceMatch> more) {
     bool any = false;
     for (FaceMatch& face : more) {
-        if (std::none_of(faces_.begin(), faces_.end(),
-                         [&](const FaceMatch& known) { return known.id == face.id; })) {
+        if (ids_.insert(static_cast<std::int64_t>(face.id)).second) {
             faces_.push_back(std::move(face));
             any = true;
         }

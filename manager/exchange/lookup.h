@@ -6,6 +6,7 @@
 #include "manager/library/library.h"
 
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 namespace manager {
@@ -30,6 +31,7 @@ private:
     Library& library_;
     faces::Wanted wanted_;
     std::vector<FaceMatch> faces_;
+    std::unordered_set<std::int64_t> ids_; ///< theirs
     std::vector<faces::Match> matches_;
 };
 

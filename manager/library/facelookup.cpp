@@ -26,7 +26,7 @@ enum Column {
     Size,
     Changed,
     Inode,
-    Digest,
+    Whole,
     Weight,
     Width,
     Slant,
@@ -61,7 +61,7 @@ enum Column {
 
 constexpr std::string_view columns =
     "face.id, face.container, face.technology, face.postscript_name, directory.path, "
-    "directory.shown, directory.away, file.name, file.size, file.changed, file.inode, file.digest, "
+    "directory.shown, directory.away, file.name, file.size, file.changed, file.inode, file.whole, "
     "face.weight, face.width, face.slant, face.version, face.revision, "
     "(SELECT value FROM shared WHERE id = face.foundry), "
     "(SELECT value FROM shared WHERE id = face.axes), first_family.name, first_name.style, "
@@ -111,7 +111,7 @@ FaceMatch Library::matchOf(const Statement& row) {
     match.away = row.number(Away) != 0;
     match.fileName = row.text(FileName);
     match.stamp = {row.number(Size), row.number(Changed), row.number(Inode)};
-    match.digest = static_cast<std::uint64_t>(row.number(Digest));
+    match.whole = row.text(Whole);
     match.style = {row.real(Weight), row.real(Width), static_cast<faces::Slant>(row.number(Slant))};
     match.version = row.text(Version);
     match.revision = static_cast<std::uint32_t>(row.number(Revision));

@@ -14,13 +14,11 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace manager {
@@ -74,8 +72,8 @@ struct FaceMatch {
     std::vector<faces::Name> names;
     std::vector<std::string> fullNames;
     std::vector<faces::Axis> axes;
-    FileStamp stamp;          ///< of the file
-    std::uint64_t digest = 0; ///< of its first bytes
+    FileStamp stamp;   ///< of the file
+    std::string whole; ///< a digest of its bytes, if there may be copies; see samefile.h
 };
 
 /// Everything that the index has of a face.
@@ -150,12 +148,7 @@ public:
 
     /// The faces of a PostScript name; blanks do not count, case does.
     [[nodiscard]] std::vector<FaceMatch> findByPostScriptName(std::string_view name);
-    /// Whether two faces lie in the same file, or in files with the same bytes. Compares them when
-    /// all else is equal, once for as long as this object lives.
-    [[nodiscard]] bool haveSameBytes(const FaceMatch& a, const FaceMatch& b);
-
-    /// Files with the same bytes, the copies of each together; links to one file are one. Reads
-    /// those that may be equal.
+    /// Files with the same bytes, the copies of each together; links to one file are one.
     [[nodiscard]] std::vector<std::vector<FileCopy>> duplicates();
 
     /// What a query describes, a page of it.
@@ -232,7 +225,6 @@ private:
     Statement fullNames_;
     Statement container_;
     Statement files_;
-    std::map<std::pair<std::string, std::string>, bool> comparedFiles_;
 };
 
 /// When an opened index is read as a whole, which takes time.

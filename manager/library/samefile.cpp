@@ -1,118 +1,138 @@
 // SPDX-License-Identifier: MIT
-// Whether two files are one font.
-#include "manager/library/library.h"
-#include "manager/library/places.h"
-#include "system/descriptor.h"
+// Digests, and what is told from them.
+#include "manager/library/samefile.h"
 
-#include <algorithm>
+#include "manager/library/places.h"
+#include "manager/library/walk.h"
+
 #include <array>
+#include <chrono>
 #include <fcntl.h>
-#include <iterator>
+#include <glib.h>
+#include <memory>
 #include <unistd.h>
 
 namespace manager {
 
 namespace {
 
-// As many bytes as there are, up to a block. False: they cannot be read.
-bool readBlock(int file, std::array<char, 65536>& block, std::size_t& size) {
-    size = 0;
-    while (size < block.size()) {
-        const ssize_t count = read(file, block.data() + size, block.size() - size);
-        if (count < 0) {
-            return false;
-        }
-        if (count == 0) {
-            return true;
-        }
-        size += static_cast<std::size_t>(count);
+struct ChecksumFree {
+    void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
+};
+
+/// Of all bytes; empty when they cannot be read.
+std::string digestOf(const std::string& path) {
+    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const std::unique_ptr<GChecksum, ChecksumFree> checksum(g_checksum_new(G_CHECKSUM_SHA256));
+    std::array<unsigned char, 65536> block{};
+    ssize_t count = -1;
+    while (file && (count = read(file.get(), block.data(), block.size())) > 0) {
+        g_checksum_update(checksum.get(), block.data(), count);
     }
-    return true;
+    if (count != 0) {
+        return {};
+    }
+    std::array<unsigned char, 32> digest{};
+    gsize size = digest.size();
+    g_checksum_get_digest(checksum.get(), digest.data(), &size);
+    return {reinterpret_cast<const char*>(digest.data()), size};
 }
 
-bool areEqual(const std::string& a, const std::string& b) {
-    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    const sys::Descriptor first(open(a.c_str(), flags));
-    const sys::Descriptor second(open(b.c_str(), flags));
-    std::array<char, 65536> firstBlock{};
-    std::array<char, 65536> secondBlock{};
-    std::size_t firstSize = 0;
-    std::size_t secondSize = 0;
-    do {
-        if (!first || !second || !readBlock(first.get(), firstBlock, firstSize) ||
-            !readBlock(second.get(), secondBlock, secondSize) || firstSize != secondSize ||
-            !std::equal(firstBlock.begin(), firstBlock.begin() + firstSize, secondBlock.begin())) {
-            return false;
-        }
-    } while (firstSize != 0);
-    return true;
+struct Alike {
+    std::int64_t id = 0;
+    std::string path;
+    FileStamp stamp;
+};
+
+std::vector<Alike> alikeWithoutDigest(Database& database) {
+    Statement read(database,
+                   "SELECT file.id, directory.path, file.name, file.size, file.changed, file.inode "
+                   "FROM file JOIN directory ON directory.id = file.directory "
+                   "JOIN (SELECT size, digest FROM file WHERE container IS NOT NULL "
+                   "GROUP BY size, digest HAVING min(inode) <> max(inode)) AS alike "
+                   "ON alike.size = file.size AND alike.digest = file.digest "
+                   "WHERE file.whole IS NULL AND file.container IS NOT NULL "
+                   "AND directory.away = 0");
+    std::vector<Alike> files;
+    while (read.step()) {
+        files.push_back({read.number(0),
+                         joinPath(read.text(1), read.text(2)),
+                         {read.number(3), read.number(4), read.number(5)}});
+    }
+    return files;
 }
 
 } // namespace
 
-bool Library::haveSameBytes(const FaceMatch& a, const FaceMatch& b) {
-    std::string first = joinPath(a.folder, a.fileName);
-    std::string second = joinPath(b.folder, b.fileName);
-    if (first == second) {
-        return true;
+bool MetFiles::isNew(const FaceMatch& face) {
+    const bool isNew =
+        met_.insert("link " + std::to_string(face.stamp.inode) + " " +
+                    std::to_string(face.stamp.changed) + " " + std::to_string(face.stamp.size))
+            .second;
+    return (face.whole.empty() || met_.insert("copy " + face.whole).second) && isNew;
+}
+
+bool haveSameBytes(const FaceMatch& a, const FaceMatch& b) {
+    MetFiles met;
+    return met.isNew(a) && !met.isNew(b);
+}
+
+void digestAlike(Database& database) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds portionTime{700}; // what a process that is ended may lose
+    Statement write(database, "UPDATE file SET whole = ? WHERE id = ?");
+    std::vector<std::pair<std::int64_t, std::string>> portion;
+    auto begun = Clock::now();
+    const auto writePortion = [&] {
+        Transaction transaction(database);
+        for (const auto& [id, digest] : portion) {
+            write.bindBlob(1, digest).bind(2, id).run();
+        }
+        transaction.commit();
+        portion.clear();
+        begun = Clock::now();
+    };
+    for (const Alike& file : alikeWithoutDigest(database)) {
+        std::string digest = digestOf(file.path);
+        try {
+            if (!digest.empty() && stampOf(file.path) == file.stamp) {
+                portion.emplace_back(file.id, std::move(digest));
+            }
+        } catch (const Error&) { // NOLINT(bugprone-empty-catch): it has gone
+        }
+        if (Clock::now() - begun > portionTime) {
+            writePortion();
+        }
     }
-    if (a.stamp.size != b.stamp.size || a.digest != b.digest) {
-        return false;
+    if (!portion.empty()) {
+        writePortion();
     }
-    if (a.stamp == b.stamp) {
-        return true; // links to one file
-    }
-    // A file that changes has another stamp then.
-    first += "\n" + std::to_string(a.stamp.changed);
-    second += "\n" + std::to_string(b.stamp.changed);
-    if (second < first) {
-        std::swap(first, second);
-    }
-    const auto [known, isNew] = comparedFiles_.try_emplace({first, second}, false);
-    if (isNew) {
-        known->second = areEqual(joinPath(a.folder, a.fileName), joinPath(b.folder, b.fileName));
-    }
-    return known->second;
 }
 
 std::vector<std::vector<FileCopy>> Library::duplicates() {
     Statement statement(
         database_,
-        "SELECT directory.path, file.name, file.container, file.size, file.changed, file.inode, "
-        "file.digest FROM file JOIN directory ON directory.id = file.directory "
-        "JOIN (SELECT size, digest FROM file WHERE container IS NOT NULL GROUP BY size, digest "
-        "HAVING count(*) > 1) AS alike ON alike.size = file.size AND alike.digest = file.digest "
-        "WHERE file.container IS NOT NULL AND directory.away = 0 "
-        "ORDER BY file.size DESC, file.digest, directory.path, file.name");
-    std::vector<std::vector<FaceMatch>> alike;
+        "SELECT directory.path, file.name, file.container, file.size, file.inode, file.whole "
+        "FROM file JOIN directory ON directory.id = file.directory "
+        "WHERE file.whole IS NOT NULL AND directory.away = 0 "
+        "ORDER BY file.size DESC, file.whole, directory.path, file.name");
+    std::vector<std::vector<FileCopy>> alike;
+    std::string whole;
+    std::unordered_set<std::int64_t> inodes;
     while (statement.step()) {
-        FaceMatch file;
-        file.folder = statement.text(0);
-        file.fileName = statement.text(1);
-        file.container = static_cast<ContainerId>(statement.number(2));
-        file.stamp = {statement.number(3), statement.number(4), statement.number(5)};
-        file.digest = static_cast<std::uint64_t>(statement.number(6));
-        const auto same = std::find_if(alike.rbegin(), alike.rend(), [&](const auto& copies) {
-            return haveSameBytes(copies.front(), file);
-        });
-        if (same == alike.rend()) {
-            alike.push_back({std::move(file)});
-        } else if (std::none_of(same->begin(), same->end(),
-                                [&](const FaceMatch& copy) { return copy.stamp == file.stamp; })) {
-            same->push_back(std::move(file));
+        if (alike.empty() || statement.view(5) != whole) {
+            whole = statement.text(5);
+            alike.emplace_back();
+            inodes.clear();
+        }
+        if (inodes.insert(statement.number(4)).second) {
+            alike.back().push_back({joinPath(statement.text(0), statement.text(1)),
+                                    static_cast<ContainerId>(statement.number(2)),
+                                    statement.number(3)});
         }
     }
-    std::vector<std::vector<FileCopy>> result;
-    for (const auto& copies : alike) {
-        if (copies.size() > 1) {
-            auto& files = result.emplace_back();
-            for (const FaceMatch& copy : copies) {
-                files.push_back(
-                    {joinPath(copy.folder, copy.fileName), copy.container, copy.stamp.size});
-            }
-        }
-    }
-    return result;
+    std::erase_if(alike, [](const auto& copies) { return copies.size() < 2; });
+    return alike;
 }
 
 } // namespace manager

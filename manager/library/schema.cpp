@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Schema version 3.
+// Schema version 4.
 //
 // container: one family in one folder in one format (file empty, family_key set) or one collection
 // file (file set, family_key empty). Rows stay when their files go, and numbers are never given
@@ -7,16 +7,17 @@
 // directory: every folder that was walked; away: it lies in a library folder that is not there now;
 // shown: the desktop shows it by itself. file: every file named like a font; one that holds none
 // has a problem and no container. A file of size -1 could not be read for a reason outside of it
-// and is read again by the next scan. spare: all of its faces are another file's of its container,
-// too. face: `number` is fontconfig's index. name: the families and styles of a face in their
-// pairs, the one to show at position 0. family: each family's name once, with the keys by which it
-// is found. shared: what many faces have in common, each value once. walk_problem: what the last
-// scan could not look at. state: one row; scan_owed until a scan has filled a new index.
+// and is read again by the next scan. digest: of its first bytes; whole: of all of them, of files
+// that some other file is like as far as that tells. spare: all of its faces are another file's of
+// its container, too. face: `number` is fontconfig's index. name: the families and styles of a face
+// in their pairs, the one to show at position 0. family: each family's name once, with the keys by
+// which it is found. shared: what many faces have in common, each value once. walk_problem: what
+// the last scan could not look at. state: one row; scan_owed until a scan has filled a new index.
 //
-// Schema 2 had one container for all formats of a family in a folder. Its number stays with the
-// format that most of its faces have; of as many OpenType with PostScript outlines comes before
-// TrueType, and Type 1 last. So an active set keeps its number and, at its next update, the most of
-// its files.
+// Schema 3 had no column `whole`; it is filled by a scan, which is owed. Schema 2 had one container
+// for all formats of a family in a folder. Its number stays with the format that most of its faces
+// have; of as many OpenType with PostScript outlines comes before TrueType, and Type 1 last. So an
+// active set keeps its number and, at its next update, the most of its files.
 #include "manager/library/schema.h"
 
 #include <string>
@@ -26,8 +27,9 @@ namespace manager {
 namespace {
 
 constexpr std::int64_t applicationId = 0x474C5946;
-constexpr std::int64_t schemaVersion = 3;
-constexpr std::int64_t previousVersion = 2;
+constexpr std::int64_t schemaVersion = 4;
+constexpr std::int64_t versionWithoutWhole = 3;
+constexpr std::int64_t versionWithoutFormats = 2;
 
 constexpr const char* tables = R"sql(
 CREATE TABLE container (
@@ -54,6 +56,7 @@ CREATE TABLE file (
     changed INTEGER NOT NULL,
     inode INTEGER NOT NULL,
     digest INTEGER NOT NULL,
+    whole BLOB,
     container INTEGER REFERENCES container (id),
     spare INTEGER NOT NULL DEFAULT 0,
     problem TEXT,
@@ -165,6 +168,11 @@ DROP TABLE temp.numbered;
 DROP TABLE temp.last_number;
 )sql";
 
+constexpr const char* addWhole = R"sql(
+ALTER TABLE file ADD COLUMN whole BLOB;
+UPDATE state SET scan_owed = 1;
+)sql";
+
 std::int64_t pragma(Database& database, const char* sql) {
     Statement statement(database, sql);
     return statement.step() ? statement.number(0) : 0;
@@ -190,18 +198,21 @@ void prepareSchema(Database& database, const TableFiller& fill) {
         if (pragma(database, "PRAGMA application_id") != applicationId) {
             throw Error(database.path() + ": not an index of this program");
         }
-        if (version != previousVersion) {
+        if (version != versionWithoutWhole && version != versionWithoutFormats) {
             throw Error(database.path() + ": written by another version of this program (schema " +
                         std::to_string(version) + ", known: " + std::to_string(schemaVersion) +
                         ")");
         }
-        database.run(setPreviousAside);
     }
-    database.run(tables);
-    if (!isNew) {
-        database.run(takePreviousOver);
-    } else if (fill) {
-        fill(database);
+    if (version == versionWithoutWhole) {
+        database.run(addWhole);
+    } else if (!isNew) {
+        database.run((std::string(setPreviousAside) + tables + takePreviousOver).c_str());
+    } else {
+        database.run(tables);
+        if (fill) {
+            fill(database);
+        }
     }
     database.run(("PRAGMA application_id=" + std::to_string(applicationId)).c_str());
     database.run(("PRAGMA user_version=" + std::to_string(schemaVersion)).c_str());

@@ -17,9 +17,9 @@ namespace manager {
 using TableFiller = std::function<void(Database&)>;
 
 /// Makes the tables in an empty database, or checks that they are this version's. Those of schema 2
-/// are replaced, and all containers keep their numbers. A new or replaced index owes a scan. Throws
-/// Error when the file belongs to another program or version; DamagedDatabase when it cannot be
-/// read.
+/// are replaced, those of schema 3 completed, and all containers keep their numbers. A new or
+/// changed index owes a scan. Throws Error when the file belongs to another program or version;
+/// DamagedDatabase when it cannot be read.
 void prepareSchema(Database& database, const TableFiller& fill = {});
 
 struct ContainerRow {

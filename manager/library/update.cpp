@@ -5,6 +5,7 @@
 #include "manager/library/desktopfolders.h"
 #include "manager/library/indexwriter.h"
 #include "manager/library/places.h"
+#include "manager/library/samefile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -120,6 +121,10 @@ public:
                 take(position, std::move(outcome));
             },
             read);
+        writePortion(Portion::Another);
+        if (report_.changed() || library_.isScanOwed()) {
+            digestAlike(library_.database());
+        }
         writePortion(Portion::Last);
         library_.vouch();
         return std::move(report_);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the index holds of faces, how it tells containers apart, and what it does with files that
 // are away or twice there. The files are empty: what each holds is told by its name.
+#include "manager/library/samefile.h"
 #include "manager/library/schema.h"
 #include "manager/library/update.h"
 #include "tests/manager/fullface.h"
@@ -126,22 +127,33 @@ TEST_F(AnIndex, TellsWhichFilesAreOneFont) {
     std::filesystem::create_hard_link(root_ + "/a/x.ttf", root_ + "/d/x.ttf");
     faces_[root_ + "/d/x.ttf"] = plainFace("X", "Regular");
     scan();
-    const auto found = library_->findByPostScriptKey("X-Regular");
-    ASSERT_THAT(found, SizeIs(4));
-    EXPECT_TRUE(library_->haveSameBytes(found[0], found[0]));
-    EXPECT_TRUE(library_->haveSameBytes(found[0], found[1]));
-    EXPECT_TRUE(library_->haveSameBytes(found[1], found[0]));
-    EXPECT_FALSE(library_->haveSameBytes(found[0], found[2]));
-    EXPECT_TRUE(library_->haveSameBytes(found[0], found[3]));
+    // As a version left it that did not know copies.
+    library_->database().run("ALTER TABLE file DROP COLUMN whole; PRAGMA user_version=3");
+    library_ = openLibrary(sandbox_.places(), {}, [](const std::string&) {});
+    const auto isNew = [&] {
+        std::vector<bool> result;
+        MetFiles met;
+        for (const FaceMatch& face : library_->findByPostScriptKey("X-Regular")) {
+            result.push_back(met.isNew(face));
+        }
+        return result;
+    };
+    EXPECT_THAT(isNew(), ElementsAre(true, true, true, false)) << "links are known at any time";
+    EXPECT_TRUE(library_->isScanOwed());
+    EXPECT_EQ(scan().read, 0U);
+    EXPECT_THAT(isNew(), ElementsAre(true, false, true, false));
 
-    // Files that differ beyond what is summed up.
+    // Files that differ beyond what is summed up of all.
     add("e/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
     add("f/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "2");
+    add("g/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
     scan();
-    const auto large = library_->findByPostScriptKey("X-Regular");
-    ASSERT_THAT(large, SizeIs(6));
-    EXPECT_EQ(large[4].digest, large[5].digest);
-    EXPECT_FALSE(library_->haveSameBytes(large[4], large[5]));
+    EXPECT_THAT(isNew(), ElementsAre(true, false, true, false, true, true, false));
+    const auto copies = library_->duplicates();
+    ASSERT_THAT(copies, SizeIs(2));
+    EXPECT_THAT(copies[0], SizeIs(2));
+    EXPECT_EQ(copies[0][1].path, root_ + "/g/x.ttf");
+    EXPECT_THAT(copies[1], SizeIs(2));
 }
 
 TEST_F(AnIndex, KeepsWhatIsAwayAndDoesNotOfferIt) {
