@@ -37,7 +37,7 @@ protected:
     bool isReady_ = false;
 };
 
-TEST_F(AnActivator, GoesOnWhenTheLockIsFreeAndTellsEachCallWhatCameOfIt) {
+TEST_F(AnActivator, TellsEachCallItsOutcomeWhenTheLockIsFree) {
     await([&] { return isReady_; });
     ContainerFonts lacking = fonts();
     std::filesystem::remove(sandbox_.library() + "/two.ttf");

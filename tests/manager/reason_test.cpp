@@ -106,7 +106,7 @@ TEST_F(AReason, IsAddedToThoseOfBeforeAndRenewed) {
     EXPECT_EQ(activation.endingReasons().size(), 2U);
 }
 
-TEST_F(AReason, IsReadAgainWhereItMayBeAnotherAndEndsSetsInParts) {
+TEST_F(AReason, IsReadAgainWhenChangedAndEndsSetsInParts) {
     Activation activation(sandbox_.places());
     EXPECT_THAT(activation.withdrawDue(), IsEmpty());
     Reason over = Reason::forTime(std::chrono::hours(0));
