@@ -38,6 +38,7 @@ class Process {
 public:
     Process(const std::vector<std::string>& words, const std::string& output) {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (const std::string& word : words) {
             arguments.push_back(const_cast<char*>(word.c_str()));
         }
@@ -219,8 +220,8 @@ void activateAndDeactivate(benchmark::State& state, const std::string& timed) {
 }
 
 void registerCommands() {
-    const auto add = [](const std::string& name, std::vector<std::string> words) {
-        benchmark::RegisterBenchmark(("command/" + name).c_str(), command, std::move(words))
+    const auto add = [](const std::string& name, const std::vector<std::string>& words) {
+        benchmark::RegisterBenchmark(("command/" + name).c_str(), command, words)
             ->Iterations(10)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
