@@ -107,6 +107,7 @@ bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMat
 std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
                                                 std::vector<FaceMatch> faces) {
     std::vector<Candidate> found;
+    found.reserve(faces.size());
     for (FaceMatch& face : faces) {
         found.push_back(candidate(font, std::move(face)));
     }
