@@ -56,14 +56,18 @@ std::string withoutEscapes(std::string_view text) {
 Mounts readMounts(std::string_view text) {
     Mounts mounts;
     for (std::string_view line : splitLines(text)) {
-        // number, parent, device, root, path, ...
+        // number, parent, device, root, path, options, more of them, "-", type, ...
         std::array<std::string_view, 5> fields;
-        for (std::string_view& field : fields) {
-            field = line.substr(0, line.find(' '));
+        const auto next = [&line] {
+            const std::string_view field = line.substr(0, line.find(' '));
             line.remove_prefix(std::min(line.size(), field.size() + 1));
+            return field;
+        };
+        std::generate(fields.begin(), fields.end(), next);
+        while (!line.empty() && next() != "-") {
         }
         if (fields[4].starts_with('/')) {
-            mounts.emplace(fields[0], withoutEscapes(fields[4]));
+            mounts.insert({std::string(fields[0]), withoutEscapes(fields[4]), std::string(next())});
         }
     }
     return mounts;
@@ -76,9 +80,28 @@ bool isMountChangedNear(const Mounts& before, const Mounts& after,
                                   std::inserter(changed, changed.end()));
     return std::any_of(changed.begin(), changed.end(), [&](const auto& mount) {
         return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
-            return liesUnder(mount.second, folder) || liesUnder(folder, mount.second);
+            return liesUnder(mount.path, folder) || liesUnder(folder, mount.path);
         });
     });
+}
+
+bool isChangedSilently(const Mounts& mounts, std::string_view folder) {
+    constexpr std::array<std::string_view, 17> types = {
+        "9p",     "afs", "beegfs", "ceph",  "cifs", "coda",  "fuse",   "gfs2",    "gpfs",
+        "lustre", "nfs", "nfs4",   "ocfs2", "smb3", "smbfs", "vboxsf", "virtiofs"};
+    std::size_t longest = 0;
+    bool silently = false;
+    for (const Mount& mount : mounts) {
+        if (!liesUnder(folder, mount.path) || mount.path.size() < longest) {
+            continue;
+        }
+        const bool isSilent = mount.type.starts_with("fuse.") ||
+                              std::find(types.begin(), types.end(), mount.type) != types.end();
+        // Of several at one place the list does not tell simply which is on top.
+        silently = isSilent || (silently && mount.path.size() == longest);
+        longest = mount.path.size();
+    }
+    return silently;
 }
 
 FolderWatch::FolderWatch(const Places& places)
@@ -107,8 +130,8 @@ FolderWatch::Interest* FolderWatch::add(Interests& interests, const std::string&
 }
 
 // A folder does not hear that one above it is moved, so those are asked themselves. When it is away
-// the nearest folder above it that there is hears of the next step of its return.
-void FolderWatch::addWay(Interests& interests, const std::string& root) const {
+// the nearest folder above it that there is hears of the next step of its return. False: none does.
+bool FolderWatch::addWay(Interests& interests, const std::string& root) const {
     bool here = folders_.contains(root);
     for (std::string path = root; path != "/";) {
         const std::string name = nameOf(path);
@@ -119,6 +142,7 @@ void FolderWatch::addWay(Interests& interests, const std::string& root) const {
             here = true;
         }
     }
+    return here;
 }
 
 FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
@@ -135,9 +159,16 @@ FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
             ++result.missed; // one that is gone is of no interest
         }
     }
+    std::set<std::string> seen(folders.begin(), folders.end());
     for (const std::string& root : roots) {
-        addWay(wanted, root);
+        // One that is here was counted.
+        result.missed += addWay(wanted, root) || seen.contains(root) ? 0 : 1;
     }
+    seen.insert(roots.begin(), roots.end());
+    result.isDeaf =
+        result.missed != 0 || std::any_of(seen.begin(), seen.end(), [&](const std::string& folder) {
+            return isChangedSilently(mounts_, folder);
+        });
     std::error_code code;
     for (const std::string& path :
          {list_, std::filesystem::weakly_canonical(list_, code).string()}) {

@@ -4,28 +4,43 @@
 
 #include "manager/library/places.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 namespace manager {
 
-/// The file systems that a process sees: mount number and path, of text as in /proc/self/mountinfo.
-using Mounts = std::set<std::pair<std::string, std::string>>;
+/// A file system that a process sees.
+struct Mount {
+    std::string number;
+    std::string path;
+    std::string type;
+
+    auto operator<=>(const Mount& other) const {
+        return std::tie(number, path, type) <=> std::tie(other.number, other.path, other.type);
+    }
+};
+using Mounts = std::set<Mount>;
+/// Of text as in /proc/self/mountinfo.
 [[nodiscard]] Mounts readMounts(std::string_view text);
 /// Whether what differs between the two lies at, in or above one of the folders.
 [[nodiscard]] bool isMountChangedNear(const Mounts& before, const Mounts& after,
                                       const std::vector<std::string>& folders);
 
+/// Whether the folder lies on a file system that others change without a word to this machine's
+/// inotify: one of a network, of a virtual machine's host, or behind another program.
+[[nodiscard]] bool isChangedSilently(const Mounts& mounts, std::string_view folder);
+
 /// [one-thread] Watches folders by inotify, and what is mounted there.
 class FolderWatch {
 public:
-    /// Without inotify nothing is heard; a scan by hand still works.
+    /// Without inotify nothing is heard.
     explicit FolderWatch(const Places& places);
 
     /// Readable when something happened; -1 without inotify.
@@ -33,6 +48,7 @@ public:
     struct Result {
         std::size_t added = 0;  ///< watched from now on: what happened there before was not heard
         std::size_t missed = 0; ///< that cannot be watched (the system allows only so many)
+        bool isDeaf = false;    ///< not all changes in the folders and roots will be heard
     };
     /// Watches exactly these folders, the list of recorded folders and where it leads if it is a
     /// link, and the way to each of `roots`: that it goes, and when it is away, that it comes back.
@@ -56,7 +72,7 @@ private:
     using Interests = std::map<int, Interest>; ///< by watch
 
     Interest* add(Interests& interests, const std::string& path, std::uint32_t events) const;
-    void addWay(Interests& interests, const std::string& root) const;
+    bool addWay(Interests& interests, const std::string& root) const;
     [[nodiscard]] bool isOfInterest(const Interest& interest, std::uint32_t events,
                                     std::string_view name) const;
 

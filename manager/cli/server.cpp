@@ -6,12 +6,12 @@
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/settling.h"
+#include "manager/cli/timer.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
 #include "manager/library/folders.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <exception>
 #include <iterator>
 
@@ -23,12 +23,7 @@ namespace {
 constexpr std::size_t maximumTargets = 1024;
 // What is not done by then is answered as it stands: whoever asks waits a second. Machines that are
 // too slow for it may be given longer.
-std::chrono::milliseconds replyTime() {
-    constexpr std::chrono::milliseconds usual{750};
-    const char* const told = std::getenv("GLYPHORA_REPLY_TIME");
-    const auto time = toNumber<std::int32_t>(told != nullptr ? told : "");
-    return time && *time > 0 ? std::chrono::milliseconds(*time) : usual;
-}
+constexpr std::chrono::milliseconds usualReplyTime{750};
 constexpr std::chrono::milliseconds spareTime{150};
 // Then others have their turn.
 constexpr std::chrono::milliseconds longestWork{100};
@@ -37,7 +32,7 @@ constexpr std::chrono::milliseconds longestWork{100};
 
 Server::Server(const Places& places, bool verbose)
     : places_(places), verbose_(verbose), activation_(places), activator_(places),
-      replyTime_(replyTime()) {
+      replyTime_(timeOr("GLYPHORA_REPLY_TIME", usualReplyTime)) {
     try {
         openLibrary();
     } catch (const DamagedDatabase&) { // NOLINT(bugprone-empty-catch): told and mended by a scan
@@ -325,22 +320,22 @@ void Server::tellOthers() {
     std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
 }
 
-bool Server::watchFolders(FolderWatch& watch) {
+FolderWatch::Result Server::watchFolders(FolderWatch& watch) {
     try {
         if (!library_ || library_->isReplaced()) {
             openLibrary();
         }
-        const auto [added, missed] = watch.watch(library_->directories(), readFolders(places_));
-        if (missed != 0) {
-            warn(counted(missed, "folder") +
-                 " cannot be watched; run \"glyphora scan\" after changes there");
+        const auto result = watch.watch(library_->directories(), readFolders(places_));
+        if (std::exchange(missed_, result.missed) != result.missed && missed_ != 0) {
+            warn(counted(missed_, "folder") +
+                 " cannot be watched; changes there are found within a minute or so");
         }
         letOthersOpen();
-        return added != 0;
+        return result;
     } catch (const Error& error) {
         warn(takeFailure(error));
     }
-    return false;
+    return {0, 0, true}; // the next scan may find the index and the list in order
 }
 
 } // namespace manager

@@ -58,8 +58,8 @@ public:
     /// The reasons that will end, when they have been looked at since the last call.
     std::optional<std::vector<Reason>> takeEndingReasons() { return std::exchange(ending_, {}); }
     /// Watches the folders that the index knows by now, and for those recorded folders that are
-    /// away. Whether there is something new among them.
-    bool watchFolders(FolderWatch& watch);
+    /// away.
+    FolderWatch::Result watchFolders(FolderWatch& watch);
 
     [[nodiscard]] Activator& activator() { return activator_; }
 
@@ -116,6 +116,7 @@ private:
     std::optional<std::vector<Reason>> ending_;
     bool changed_ = false;
     bool scanNeeded_ = false;
+    std::size_t missed_ = 0; ///< folders that could not be watched lately
 };
 
 /// Registers under the manager's signature and answers until told to quit: by a 'quit' event,

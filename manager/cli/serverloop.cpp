@@ -13,6 +13,7 @@
 #include "platform/appleevents.h"
 #include "platform/application.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -140,19 +141,23 @@ constexpr std::chrono::milliseconds reasonDelay{500};
 // does not.
 constexpr std::chrono::milliseconds scanDelay{1000};
 constexpr std::chrono::milliseconds longestScanDelay{5000};
+// Between scans for changes of which nothing is heard; and at most this part of the time goes into
+// them.
+constexpr std::chrono::milliseconds usualPollTime{60'000};
+constexpr int pollShare = 20;
 
 class Loop {
 public:
     Loop(const Places& places, bool verbose, sys::Descriptor signals)
         : signals_(std::move(signals)), reasons_(places.fonts()), server_(places, verbose),
-          watch_(places) {}
+          watch_(places), pollTime_(timeOr("GLYPHORA_POLL_TIME", usualPollTime)) {}
 
     void run() {
         HandlerContext context{&server_};
         const EventHandler commands(FourCharCode("QGLY"), typeWildCard, handleCommand, &context);
         const EventHandler quit(FourCharCode("aevt"), FourCharCode("quit"), handleQuit, &context);
-        server_.watchFolders(watch_);
-        scan_.start();
+        isDeaf_ = server_.watchFolders(watch_).isDeaf;
+        startScan();
         server_.takeScanNeed(); // met by this scan
         while (!context.quit) {
             waitForAnything();
@@ -181,7 +186,7 @@ private:
         // A scan that is due while one runs waits for the end of that, which is a signal.
         int wait = reasonTimer_.shorten(reasons_.shorten(-1));
         if (!scan_.isRunning()) {
-            wait = scanTimer_.shorten(wait);
+            wait = pollTimer_.shorten(scanTimer_.shorten(wait));
         }
         if (const auto deadline = server_.nextDeadline()) {
             Timer answering;
@@ -205,16 +210,38 @@ private:
         return false;
     }
 
+    void startScan() {
+        pollTimer_.stop();
+        scanBegun_ = std::chrono::steady_clock::now();
+        scan_.start();
+        if (!scan_.isRunning()) {
+            planPoll();
+        }
+    }
+
+    void planPoll() {
+        if (isDeaf_) {
+            const auto now = std::chrono::steady_clock::now();
+            pollTimer_.startAt(now + std::max<std::chrono::steady_clock::duration>(
+                                         pollTime_, pollShare * (now - scanBegun_)));
+        }
+    }
+
     void look() {
-        // What changed in a new folder between its scan and its watch is found by another scan.
-        if (scan_.hasEnded() && server_.watchFolders(watch_)) {
-            scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
+        if (scan_.hasEnded()) {
+            const auto [added, missed, isDeaf] = server_.watchFolders(watch_);
+            // What changed in a new folder between its scan and its watch is found by another scan.
+            if (added != 0) {
+                scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
+            }
+            isDeaf_ = isDeaf;
+            planPoll();
         }
         if (watch_.drain() || server_.takeScanNeed()) {
             scanTimer_.restart(scanDelay, longestScanDelay);
         }
-        if (!scan_.isRunning() && scanTimer_.takeExpired()) {
-            scan_.start();
+        if (!scan_.isRunning() && (scanTimer_.takeExpired() || pollTimer_.takeExpired())) {
+            startScan();
         }
         if (auto ending = server_.takeEndingReasons()) {
             reasons_.watch(*ending);
@@ -234,6 +261,10 @@ private:
     FolderWatch watch_;
     ScanProcess scan_;
     Timer scanTimer_;
+    std::chrono::milliseconds pollTime_;
+    std::chrono::steady_clock::time_point scanBegun_;
+    bool isDeaf_ = false; ///< not all changes are heard of
+    Timer pollTimer_;     ///< runs between scans then
     Timer reasonTimer_;
 };
 

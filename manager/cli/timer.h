@@ -2,12 +2,23 @@
 // What a loop is to do later.
 #pragma once
 
+#include "manager/library/fields.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <optional>
 
 namespace manager {
+
+/// The milliseconds that an environment variable gives, or what is usual.
+[[nodiscard]] inline std::chrono::milliseconds timeOr(const char* variable,
+                                                      std::chrono::milliseconds usual) {
+    const char* const told = std::getenv(variable);
+    const auto time = toNumber<std::int32_t>(told != nullptr ? told : "");
+    return time && *time > 0 ? std::chrono::milliseconds(*time) : usual;
+}
 
 /// A moment at which something is due, or none.
 class Timer {
@@ -18,6 +29,7 @@ public:
         }
     }
     void startAt(std::chrono::steady_clock::time_point due) { due_ = due; }
+    void stop() { due_.reset(); }
     /// Starts anew, but puts what was due already off to `longest` from its first start at most.
     void restart(std::chrono::milliseconds after, std::chrono::milliseconds longest) {
         const auto now = std::chrono::steady_clock::now();

@@ -170,6 +170,29 @@ TEST(AListOfMounts, TellsOfChangesNearAFolder) {
     }
 }
 
+TEST(AListOfMounts, TellsWhereOthersChangeFoldersSilently) {
+    const Mounts mounts = readMounts("21 1 8:1 / / rw shared:1 master:2 - ext4 /dev/sda1 rw\n"
+                                     "40 21 0:50 / /net rw - autofs auto rw\n"
+                                     "41 40 0:51 / /net rw shared:3 - nfs4 host:/ rw\n"
+                                     "9 41 8:2 / /net/my\\040disk rw - fuseblk /dev/sdb1 rw\n"
+                                     "50 21 0:52 / /home/far rw - fuse.sshfs far: rw\n"
+                                     "51 21 0:53 / /home/fa rw nfs - tmpfs nfs rw\n"
+                                     "52 21 0:54 / /cut rw - \n");
+    const struct {
+        const char* folder;
+        bool silently;
+    } cases[] = {
+        {"/fonts", false},       {"/net", true},          {"/net/fonts", true},
+        {"/network", false},     {"/net/my disk", false}, {"/net/my disks", true},
+        {"/home/far/x/y", true}, {"/home/fa/r", false},   {"/home/farther", false},
+        {"/cut/x", false},
+    };
+    for (const auto& [folder, silently] : cases) {
+        EXPECT_EQ(isChangedSilently(mounts, folder), silently) << folder;
+    }
+    EXPECT_FALSE(isChangedSilently({}, "/fonts"));
+}
+
 class AFolderWatch : public testing::Test {
 protected:
     AFolderWatch() {

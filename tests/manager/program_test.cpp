@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace managertest;
@@ -51,9 +52,9 @@ protected:
     bool tells(const std::string& deed) {
         return glyphora({"history"}).output.find(deed) != std::string::npos;
     }
-    void serve() {
+    void serve(std::optional<unsigned> refusedCall = {}) {
         server_.emplace(std::vector<std::string>{"serve", "--verbose"},
-                        sandbox_.root() + "/log.server");
+                        sandbox_.root() + "/log.server", GLYPHORA_PROGRAM, refusedCall);
         ASSERT_TRUE(await([] { return isServerKnown(); })) << server_->output();
     }
     static bool isServerKnown() {
@@ -190,13 +191,19 @@ TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
     EXPECT_TRUE(await([&] { return tells("deactivated Lato & Co (container 1): " + ended); }));
 }
 
-TEST_F(TheProgram, ScansWhenAFolderChanges) {
+TEST_F(TheProgram, ScansWhenAFolderChangesOrNowAndThenWhereNoneCanBeWatched) {
+    const Variable soon("GLYPHORA_POLL_TIME", "1");
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
-    serve();
-    sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late", true}));
-    EXPECT_TRUE(await([] { return askFor("Late", "count") == "1"; }));
-    std::filesystem::remove(sandbox_.library() + "/fonts/new/late.ttf");
-    EXPECT_TRUE(await([] { return askFor("Late", "count") == "0"; }));
+    for (const bool isWatched : {true, false}) {
+        serve(isWatched ? std::nullopt : std::optional<unsigned>(SYS_inotify_add_watch));
+        sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late", true}));
+        EXPECT_TRUE(await([] { return askFor("Late", "count") == "1"; })) << isWatched;
+        std::filesystem::remove(sandbox_.library() + "/fonts/new/late.ttf");
+        EXPECT_TRUE(await([] { return askFor("Late", "count") == "0"; })) << isWatched;
+        EXPECT_EQ(glyphora({"quit"}).status, 0);
+        EXPECT_NE(server_->output().find("folders cannot be watched") == std::string::npos,
+                  !isWatched);
+    }
 }
 
 TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {

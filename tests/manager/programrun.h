@@ -5,8 +5,16 @@
 #include "tests/manager/sandbox.h"
 #include "tests/support/await.h"
 
+#include <cerrno>
+#include <cstddef>
 #include <gio/gio.h>
+#include <iterator>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <optional>
 #include <string>
+#include <sys/prctl.h>
+#include <unistd.h>
 #include <vector>
 
 namespace managertest {
@@ -18,11 +26,26 @@ struct Ending {
     std::string output; ///< standard output and standard error
 };
 
+/// Has a system call of this process, given by its number, fail for want of space from now on.
+inline void refuse(void* number) {
+    sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, *static_cast<const unsigned*>(number), 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSPC),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter{std::size(steps), steps};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+        prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+        _exit(99);
+    }
+}
+
 /// One run of the program.
 class ProgramRun {
 public:
     ProgramRun(const std::vector<std::string>& arguments, const std::string& log,
-               const char* program = GLYPHORA_PROGRAM)
+               const char* program = GLYPHORA_PROGRAM, std::optional<unsigned> refused = {})
         : log_(log) {
         std::vector<const char*> words{program};
         for (const std::string& argument : arguments) {
@@ -31,6 +54,9 @@ public:
         words.push_back(nullptr);
         GSubprocessLauncher* launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDERR_MERGE);
         g_subprocess_launcher_set_stdout_file_path(launcher, log.c_str());
+        if (refused) {
+            g_subprocess_launcher_set_child_setup(launcher, refuse, &*refused, nullptr);
+        }
         program_ = g_subprocess_launcher_spawnv(launcher, words.data(), nullptr);
         g_object_unref(launcher);
     }
