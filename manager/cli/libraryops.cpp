@@ -107,6 +107,19 @@ bool changeFolders(const Places& places, const std::vector<std::string>& folders
     return changed;
 }
 
+// The list of folders is changed by then, and stays so when the scan fails.
+void scanChanged(const Places& places, bool changed, Tally& tally, bool isUnreadTold) {
+    try {
+        const UpdateReport report = scan(places, !tally.isJson(), changed);
+        tellScan(report, false, tally);
+        if (isUnreadTold) {
+            tellUnread(report, tally);
+        }
+    } catch (const Error& error) {
+        tally.fail(error.what());
+    }
+}
+
 } // namespace
 
 std::unique_ptr<Library> openToAnswer(const Places& places) {
@@ -134,9 +147,7 @@ std::unique_ptr<Library> openScanned(const Places& places) {
 int addCommand(const Places& places, const std::vector<std::string>& folders, bool json) {
     Tally tally(json, "added");
     const bool changed = changeFolders(places, folders, "added", addFolders, tally);
-    const UpdateReport report = scan(places, !json, changed);
-    tellScan(report, false, tally);
-    tellUnread(report, tally);
+    scanChanged(places, changed, tally, true);
     return tally.finish();
 }
 
@@ -144,7 +155,7 @@ int removeCommand(const Places& places, const std::vector<std::string>& folders,
     Tally tally(json, "removed");
     if (changeFolders(places, folders, "removed", removeFolders, tally)) {
         // What it meets in other folders is no fault of this.
-        tellScan(scan(places, !json, true), false, tally);
+        scanChanged(places, true, tally, false);
     }
     return tally.finish();
 }

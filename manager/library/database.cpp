@@ -131,10 +131,9 @@ Database::Database(const std::string& path, MissingFile missing, std::chrono::mi
     } catch (const Locked&) {
         throw; // there is room, then
     } catch (const Error&) {
-        if (!may(R_OK, path)) {
+        if (!may(R_OK, path) || !openWithoutSpace()) {
             throw;
         }
-        openWithoutSpace();
     }
 }
 
@@ -160,8 +159,8 @@ void Database::open(const std::string& name, int flags) {
 }
 
 // On a full disk there is no room for what connections share about the log. What the log holds is
-// read by one connection alone; where there is none, the file is all.
-void Database::openWithoutSpace() {
+// read by one connection alone; where there is none, the file is all. False: nothing is in it yet.
+bool Database::openWithoutSpace() {
     struct stat log {};
     const bool hasLog = stat((path_ + "-wal").c_str(), &log) == 0 && log.st_size > 0;
     if (hasLog) {
@@ -171,8 +170,10 @@ void Database::openWithoutSpace() {
     } else {
         open(immutableUri(path_), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     }
-    run("SELECT count(*) FROM sqlite_master");
     withoutSpace_ = true;
+    Statement tables(*this, "SELECT count(*) FROM sqlite_master");
+    tables.step();
+    return tables.number(0) != 0;
 }
 
 void Database::run(const char* sql) {

@@ -104,7 +104,7 @@ public:
 private:
     Database() = default;
     void open(const std::string& name, int flags);
-    void openWithoutSpace();
+    bool openWithoutSpace();
 
     struct Closer {
         void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }

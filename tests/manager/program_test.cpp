@@ -206,6 +206,25 @@ TEST_F(TheProgram, ScansWhenAFolderChangesOrNowAndThenWhereNoneCanBeWatched) {
     }
 }
 
+TEST_F(TheProgram, BeginsOnAFullDiskOnceThereIsRoom) {
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+    } cases[] = {
+        {{"add", sandbox_.library()}, 3}, {{"list"}, 1}, {{"serve"}, 1}, {{"list", "--json"}, 1}};
+    for (const auto& [arguments, expected] : cases) {
+        const Ending ending =
+            ProgramRun(arguments, sandbox_.root() + "/log.full", GLYPHORA_PROGRAM, SYS_pwrite64)
+                .wait();
+        EXPECT_EQ(ending.status, expected) << arguments[0];
+        EXPECT_THAT(ending.output, testing::AllOf(HasSubstr(sandbox_.places().database() + ": "),
+                                                  HasSubstr("disk")))
+            << arguments[0];
+    }
+    serve();
+    EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; }));
+}
+
 TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     serve();
