@@ -7,6 +7,7 @@
 #include "tests/manager/programrun.h"
 #include "tests/manager/sandbox.h"
 #include "tests/platform/events.h"
+#include "tests/platform/peerprocess.h"
 #include "tests/support/foldedreply.h"
 #include "tests/support/fontmaker.h"
 #include "tests/support/privatebus/privatebus.h"
@@ -21,6 +22,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace managertest;
@@ -223,6 +225,24 @@ TEST_F(TheProgram, BeginsOnAFullDiskOnceThereIsRoom) {
     }
     serve();
     EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; }));
+}
+
+TEST_F(TheProgram, GoesOnWhileOneOfThoseItTellsReadsNothing) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    platformtest::RegisteredPeer peer({"serve-many", "ART5"});
+    kill(peer.processID(), SIGSTOP);
+    int state = 0;
+    ASSERT_EQ(waitpid(peer.processID(), &state, WUNTRACED), peer.processID());
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_THAT(send(request("Lato-Bold", peer.processID())).value_or("no reply"),
+                    HasSubstr("<isActive>1</isActive>"));
+        ASSERT_EQ(glyphora({"deactivate", "1"}).status, 0);
+    }
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    kill(peer.processID(), SIGCONT);
+    EXPECT_EQ(glyphora({"quit"}).status, 0);
+    EXPECT_EQ(server_->wait().status, 0);
 }
 
 TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
