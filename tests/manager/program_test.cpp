@@ -281,7 +281,7 @@ TEST_F(TheProgram, MendsAnIndexThatIsCutOrDamagedByWhoeverMeetsIt) {
     damage(0);
     EXPECT_THAT(*send(request("Lato-Bold")), HasSubstr("; it is made anew from the recorded"));
     EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << server_->output();
-    for (const std::size_t length : {50, 30'000}) {
+    for (const std::size_t length : {50U, 30'000U}) {
         damage(length);
         expectEach({{{"activate", "Twice"}, 0, "activated Twice"},
                     {{"deactivate", "Twice"}, 0, "deactivated Twice"}});
