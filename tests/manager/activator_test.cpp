@@ -10,7 +10,6 @@ using namespace manager;
 using namespace managertest;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
