@@ -54,6 +54,42 @@ void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string
     }
 }
 
+// Leaves it the files that are there, as new as `wanted` has them.
+void limitTo(std::vector<SetFile> current, SetRecord& wanted) {
+    std::erase_if(current, [](const SetFile& file) { return file.leaving; });
+    const FilesByName newer(wanted);
+    for (SetFile& file : current) {
+        if (const SetFile* version = newer.find(file.name); version != nullptr) {
+            file = *version;
+        }
+    }
+    wanted.files = std::move(current);
+}
+
+std::string joined(const std::set<std::string>& texts) {
+    std::string text;
+    for (const std::string& part : texts) {
+        text += (text.empty() ? "" : ", ") + part;
+    }
+    return text;
+}
+
+std::string versionsOfReplaced(const std::vector<SetFile>& before,
+                               const std::vector<SetFile>& now) {
+    std::set<std::string> older;
+    std::set<std::string> newer;
+    const FilesByName known(before);
+    for (const SetFile& file : now) {
+        const SetFile* replaced = known.find(file.name);
+        if (replaced != nullptr && *replaced != file) {
+            older.insert(replaced->version);
+            newer.insert(file.version);
+        }
+    }
+    const bool isTold = older != newer && !older.contains({}) && !newer.contains({});
+    return isTold ? joined(older) + " -> " + joined(newer) : std::string();
+}
+
 } // namespace
 
 SetRecord recordOf(const ContainerFonts& container) {
@@ -62,7 +98,7 @@ SetRecord recordOf(const ContainerFonts& container) {
     for (const LibraryFile& file : container.files) {
         // Files of a container share a folder, so their names differ.
         if (names.insert(nameOf(file.path)).second) {
-            record.files.push_back({nameOf(file.path), file.path, file.stamp, false});
+            record.files.push_back({nameOf(file.path), file.path, file.stamp, false, file.version});
         }
     }
     return record;
@@ -86,8 +122,12 @@ void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span
     std::vector<ContainerId> ids;
     for (std::size_t i = 0; i < records.size(); ++i) {
         ActivationOutcome& outcome = outcomes[i];
-        if (containers[i].onlyIfActive && !recordInPlace(records[i].id)) {
-            continue;
+        if (containers[i].onlyIfActive) {
+            auto current = recordInPlace(records[i].id);
+            if (!current) {
+                continue;
+            }
+            limitTo(std::move(current->files), records[i]);
         }
         if (records[i].files.empty()) {
             fail(outcome, records[i], "container " + toText(records[i].id) + ": has no fonts");
@@ -206,6 +246,9 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     }
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         outcomes[i].success = outcomes[i].problems.empty();
+        if (outcomes[i].changed) {
+            outcomes[i].versions = versionsOfReplaced(before[i], records[i].files);
+        }
         if (outcomes[i].success && !containers[i].onlyIfActive) {
             known_.learn(records[i].id, records[i].reasons); // while its processes have names
         }

@@ -28,7 +28,9 @@ struct ContainerFonts {
     std::string name;
     std::vector<LibraryFile> files;
     std::vector<Reason> reasons = {Reason::byHand()}; ///< added to those of before
-    bool onlyIfActive = false; ///< nothing is done for one that is not active
+    /// Nothing is done for one that is not active. Of another the files that it has are brought up
+    /// to date; it is given no more of them, and keeps those that are not among `files`.
+    bool onlyIfActive = false;
 };
 
 /// The record that its set has when all of it is in place.
@@ -45,6 +47,9 @@ struct ActivationOutcome {
     /// nothing counts as active that is not. All of them when none is.
     std::set<std::string> lost;
     std::vector<std::string> problems; ///< "PATH: ..." per thing that failed or was left behind
+    /// "1.0 -> 2.0": of the files that took the place of others, and those; empty when they are the
+    /// same or not all known.
+    std::string versions = {};
 };
 
 struct ActiveContainer {

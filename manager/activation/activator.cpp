@@ -22,6 +22,7 @@ constexpr std::size_t largestBatch = 200;
 // What other processes sleep between two tries to have the lock, and a little more.
 constexpr std::chrono::milliseconds restBetweenParts{60};
 // Sets, when nobody waits for anything.
+constexpr std::size_t comparedAtOnce = 100;
 constexpr std::size_t sweptAtOnce = 20;
 // What failed, and not for want of the lock, needs somebody's help.
 constexpr std::chrono::minutes retryDelay{1};
@@ -103,6 +104,12 @@ std::uint64_t Activator::activate(std::vector<ContainerFonts> containers) {
         wake_.notify_one();
     }
     return call;
+}
+
+void Activator::follow(std::unique_ptr<Library> library) {
+    const std::scoped_lock lock(mutex_);
+    toFollow_.swap(library);
+    wake_.notify_one();
 }
 
 void Activator::readDesktop() {
@@ -202,6 +209,10 @@ Activator::Task Activator::next() {
             if (isAnyWaiting && blocked_ <= now) {
                 return Task::Activate;
             }
+            // A part once the part before is done.
+            if (!isAnyWaiting && (toFollow_ || outdated_)) {
+                return Task::Follow;
+            }
             if (isToSweep_) {
                 return Task::Sweep;
             }
@@ -251,8 +262,8 @@ void Activator::activateSome(Activation& activation, ActivatorNews& news) {
     const Batch done = std::exchange(batch_, {});
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         for (const std::uint64_t call : done.calls[i]) {
-            news.activated.push_back(
-                {call, done.containers[i].id, done.containers[i].name, outcomes[i]});
+            news.activated.push_back({call, done.containers[i].id, done.containers[i].name,
+                                      outcomes[i], done.containers[i].onlyIfActive});
             outcomes[i].changed = false; // by one of them
         }
     }
@@ -286,6 +297,24 @@ void Activator::withdrawSome(Activation& activation, ActivatorNews& news) {
     news.ending = activation.endingReasons();
 }
 
+void Activator::followSome(const Activation& activation, ActivatorNews& news) {
+    std::unique_ptr<Library> library;
+    {
+        const std::scoped_lock lock(mutex_);
+        library = std::exchange(toFollow_, nullptr);
+    }
+    tellThrown(news, [&] {
+        auto sets = std::exchange(outdated_, nullptr);
+        if (library) {
+            sets = std::make_unique<OutdatedSets>(std::move(library));
+        }
+        activate(sets->takeSome(activation, comparedAtOnce));
+        if (!sets->isAtEnd()) {
+            outdated_ = std::move(sets);
+        }
+    });
+}
+
 void Activator::run() {
     std::optional<Activation> activation;
     ActivatorNews begun;
@@ -312,6 +341,9 @@ void Activator::run() {
             break;
         case Task::Activate:
             activateSome(*activation, news);
+            break;
+        case Task::Follow:
+            followSome(*activation, news);
             break;
         case Task::Sweep:
             isToSweep_ = activation->sweep(sweptAtOnce);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "manager/activation/activation.h"
+#include "manager/activation/outdatedsets.h"
 #include "manager/library/places.h"
 #include "system/descriptor.h"
 
@@ -14,6 +15,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -28,6 +30,7 @@ struct Activated {
     ContainerId id{};
     std::string name;
     ActivationOutcome outcome;
+    bool onlyIfActive = false; ///< as was asked for
 };
 
 /// What came of it.
@@ -68,6 +71,9 @@ public:
 
     /// Activates them, in turns with those of other calls. The call's number in the news.
     std::uint64_t activate(std::vector<ContainerFonts> containers);
+    /// Brings sets up to date that are outdated by what this index tells, which nobody else uses;
+    /// what others want has its turn first.
+    void follow(std::unique_ptr<Library> library);
     /// Has the desktop's faces told, read anew when they may be others by now.
     void readDesktop();
     /// Takes away what is due, and has the reasons told that will end. The records of the sets
@@ -76,7 +82,7 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    enum class Task { Settle, End, ReadDesktop, Withdraw, Activate, Sweep };
+    enum class Task { Settle, End, ReadDesktop, Withdraw, Activate, Follow, Sweep };
     enum class Ending { Done, Blocked, Failed };
     struct Call {
         std::uint64_t number;
@@ -94,6 +100,7 @@ private:
     void takeSome();
     void activateSome(Activation& activation, ActivatorNews& news);
     void withdrawSome(Activation& activation, ActivatorNews& news);
+    void followSome(const Activation& activation, ActivatorNews& news);
     /// Does a step that needs the lock.
     Ending tryStep(ActivatorNews& news, const std::function<void()>& step);
     void publish(ActivatorNews news);
@@ -106,6 +113,7 @@ private:
     std::list<Call> queue_;
     std::size_t waiting_ = 0; ///< containers in the queue
     std::uint64_t lastCall_ = 0;
+    std::unique_ptr<Library> toFollow_;
     bool desktopWanted_ = false;
     bool withdrawalWanted_ = true;
     bool anyChanged_ = true; ///< any record may be another; else those of `changed_`
@@ -116,6 +124,7 @@ private:
     Batch batch_; ///< taken from the queue, and not done
     std::optional<Clock::time_point> settling_;
     std::optional<Clock::time_point> again_; ///< when a withdrawal that failed is tried again
+    std::unique_ptr<OutdatedSets> outdated_; ///< while some are left to be looked at
     bool isToSweep_ = false;
     Clock::time_point blocked_; ///< until when the lock is left alone
     Clock::time_point resting_; ///< until when others may come before a withdrawal

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Field lines: a header, "set" with number, "active" and name, and a "file" line per file, or a
-// "leaving" line for one that is to go.
+// "leaving" line for one that is to go; the version at its end is left out when it is not known.
 #include "manager/activation/setrecord.h"
 
 #include "faces/namekey.h"
@@ -50,14 +50,19 @@ bool readLine(std::string_view line, SetRecord& record) {
         return reason.has_value();
     }
     const bool leaving = parts[0] == "leaving";
-    if ((leaving || parts[0] == "file") && parts.size() == 6 && isPlainName(parts[1])) {
+    if ((leaving || parts[0] == "file") && (parts.size() == 6 || parts.size() == 7) &&
+        isPlainName(parts[1])) {
         const auto size = toNumber<std::int64_t>(parts[3]);
         const auto changed = toNumber<std::int64_t>(parts[4]);
         const auto inode = toNumber<std::int64_t>(parts[5]);
         if (!size || !changed || !inode) {
             return false;
         }
-        record.files.push_back({parts[1], parts[2], {*size, *changed, *inode}, leaving});
+        record.files.push_back({parts[1],
+                                parts[2],
+                                {*size, *changed, *inode},
+                                leaving,
+                                parts.size() == 7 ? parts[6] : std::string()});
         return true;
     }
     return false;
@@ -76,6 +81,10 @@ std::string recordText(const SetRecord& record) {
         text += joinFields({file.leaving ? "leaving" : "file", file.name, file.source,
                             std::to_string(file.stamp.size), std::to_string(file.stamp.changed),
                             std::to_string(file.stamp.inode)});
+        if (!file.version.empty()) {
+            text.pop_back();
+            text += '\t' + joinFields({file.version});
+        }
     }
     return text;
 }

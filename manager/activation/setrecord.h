@@ -22,7 +22,12 @@ struct SetFile {
     std::string source;   ///< in the library
     FileStamp stamp;      ///< of the source when it was taken; all 0 while it is being replaced
     bool leaving = false; ///< no longer wanted; it may have gone already
-    bool operator==(const SetFile&) const = default;
+    /// Of its first face; empty: not known. It is for people, and tells no two files apart.
+    std::string version = {};
+    bool operator==(const SetFile& other) const {
+        return name == other.name && source == other.source && stamp == other.stamp &&
+               leaving == other.leaving;
+    }
 };
 
 struct SetRecord {
@@ -35,11 +40,12 @@ struct SetRecord {
     bool operator==(const SetRecord&) const = default;
 };
 
-/// The files of a record by name. Refers to the record.
+/// The files of a record by name. Refers to them.
 class FilesByName {
 public:
-    explicit FilesByName(const SetRecord& record) {
-        for (const SetFile& file : record.files) {
+    explicit FilesByName(const SetRecord& record) : FilesByName(record.files) {}
+    explicit FilesByName(const std::vector<SetFile>& files) {
+        for (const SetFile& file : files) {
             files_.emplace(file.name, &file);
         }
     }

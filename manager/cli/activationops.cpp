@@ -65,9 +65,15 @@ std::vector<std::string> reasonTexts(const ActiveContainer& container) {
     return texts;
 }
 
-bool isAway(Library& library, ContainerId id) {
+/// Where the fonts of an active container are.
+struct Origin {
+    bool away = false;
+    bool gone = false; ///< the library has none of them any more
+};
+
+Origin originOf(Library& library, ContainerId id) {
     const auto container = library.container(id);
-    return container && container->away;
+    return {container && container->away, !container};
 }
 
 // What ends by itself is ended by the server.
@@ -174,11 +180,13 @@ int statusCommand(const Places& places, bool json) {
         document.update(toJson(counts));
         document["active"] = Json::array();
         for (const ActiveContainer& container : active) {
+            const auto [away, gone] = originOf(*library, container.id);
             document["active"].push_back({{"id", static_cast<std::int32_t>(container.id)},
                                           {"name", container.name},
                                           {"files", container.files},
                                           {"reasons", reasonTexts(container)},
-                                          {"away", isAway(*library, container.id)}});
+                                          {"away", away},
+                                          {"gone", gone}});
         }
         printJson(document);
         return exitSuccess;
@@ -193,7 +201,8 @@ int statusCommand(const Places& places, bool json) {
         for (const std::string& reason : reasonTexts(container)) {
             line += ", " + reason;
         }
-        line += isAway(*library, container.id) ? " (away)" : "";
+        const auto [away, gone] = originOf(*library, container.id);
+        line += away ? " (away)" : gone ? " (gone from the library)" : "";
         std::printf("%6s  %s\n", toText(container.id).c_str(), printable(line).c_str());
     }
     return exitSuccess;

@@ -43,6 +43,7 @@ Server::Server(const Places& places, bool verbose)
 void Server::openLibrary() {
     library_.reset(); // its files may be those of an index that was moved aside
     standIns_ = {};
+    followed_.reset();
     library_ = openToAnswer(places_);
     scanNeeded_ = scanNeeded_ || library_->isScanOwed();
 }
@@ -254,9 +255,13 @@ void Server::takeOutcome(Activated done, Entries& entries) {
     }
     // Nobody waits for it.
     changed_ = changed_ || done.outcome.changed;
-    if (done.outcome.changed) {
-        entries.push_back(
-            {Deed::Done, "activated " + done.name + " (container " + toText(done.id) + ")"});
+    const std::string called = done.name + " (container " + toText(done.id) + ")";
+    if (done.outcome.changed && done.onlyIfActive) {
+        const std::string& versions = done.outcome.versions;
+        take(entries, Deed::Done,
+             "updated " + called + (versions.empty() ? "" : ": version " + versions));
+    } else if (done.outcome.changed) {
+        entries.push_back({Deed::Done, "activated " + called});
     }
     for (const std::string& problem : done.outcome.problems) {
         take(entries, Deed::Failed, problem);
@@ -318,6 +323,26 @@ void Server::tellOthers() {
     postLibraryChanged();
     tellDisplay();
     std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
+}
+
+void Server::followFiles() {
+    try {
+        if (!library_ || library_->isReplaced()) {
+            openLibrary();
+        }
+        const Library::Generation now = library_->generation();
+        // Where there is no space, the index is open to one at a time, and no copy can be made.
+        if (followed_ != now && !library_->database().isWithoutSpace()) {
+            // Not by openToAnswer(): that closes the file once, and with it the locks of library_.
+            const TableFiller isEmpty = [this](Database&) {
+                throw DamagedDatabase(places_.database() + ": cut short");
+            };
+            activator_.follow(std::make_unique<Library>(places_, isEmpty, MissingFile::IsAnError));
+            followed_ = now;
+        }
+    } catch (const Error& error) {
+        warn(takeFailure(error));
+    }
 }
 
 FolderWatch::Result Server::watchFolders(FolderWatch& watch) {

@@ -46,6 +46,9 @@ public:
     /// When goOn() is to be called at the latest.
     [[nodiscard]] std::optional<Clock::time_point> nextDeadline() const;
 
+    /// Has active sets follow files that were replaced, unless the index is as it was when that was
+    /// done last; to be called after a scan.
+    void followFiles();
     /// Tells others of changes; to be called when no sender waits for an answer any more.
     void tellOthers();
 
@@ -114,6 +117,7 @@ private:
     bool desktopAwaited_ = false;
     std::vector<ChangeTarget> targets_; ///< those that asked lately, the last one at the end
     std::optional<std::vector<Reason>> ending_;
+    std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
     bool scanNeeded_ = false;
     std::size_t missed_ = 0; ///< folders that could not be watched lately

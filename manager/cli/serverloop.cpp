@@ -229,6 +229,7 @@ private:
 
     void look() {
         if (scan_.hasEnded()) {
+            server_.followFiles();
             const auto [added, missed, isDeaf] = server_.watchFolders(watch_);
             // What changed in a new folder between its scan and its watch is found by another scan.
             if (added != 0) {

@@ -92,7 +92,9 @@ Library::Library(const Places& places, const TableFiller& fill, MissingFile miss
                  "(SELECT count(*) FROM file JOIN face ON face.file = file.id "
                  "WHERE file.container = container.id AND file.spare = 0) FROM container "
                  "JOIN directory ON directory.path = container.folder WHERE container.id = ?"),
-      files_(database_, "SELECT directory.path, file.name, size, changed, inode FROM file "
+      files_(database_, "SELECT directory.path, file.name, size, changed, inode, "
+                        "(SELECT version FROM face WHERE face.file = file.id "
+                        "ORDER BY number LIMIT 1) FROM file "
                         "JOIN directory ON directory.id = file.directory "
                         "WHERE container = ? AND spare = 0 ORDER BY file.name") {}
 
@@ -111,7 +113,8 @@ std::vector<LibraryFile> Library::files(ContainerId id) {
     std::vector<LibraryFile> files;
     while (files_.step()) {
         files.push_back({joinPath(files_.text(0), files_.text(1)),
-                         {files_.number(2), files_.number(3), files_.number(4)}});
+                         {files_.number(2), files_.number(3), files_.number(4)},
+                         files_.text(5)});
     }
     return files;
 }

@@ -108,6 +108,7 @@ using KnownContainers = std::function<std::vector<KnownContainer>()>;
 struct LibraryFile {
     std::string path;
     FileStamp stamp;
+    std::string version = {}; ///< of its first face
 };
 
 /// One of several files with the same bytes.

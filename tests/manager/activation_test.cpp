@@ -78,16 +78,28 @@ TEST_F(AnActivation, CopiesFilesOfAnotherFileSystem) {
     EXPECT_THAT(visibleFamilies(), ElementsAre("Far"));
 }
 
-TEST_F(AnActivation, FollowsTheContainerWhenItGrowsAndShrinks) {
-    activate(fonts());
+TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
+    ContainerFonts older = fonts();
+    older.files[0].version = "1.0";
+    activate(older);
     addFont("three.ttf", "Three");
     std::filesystem::remove(sandbox_.library() + "/two.ttf");
     addFont("one.ttf.new", "One Anew");
     std::filesystem::rename(sandbox_.library() + "/one.ttf.new", sandbox_.library() + "/one.ttf");
+    ContainerFonts newer = fonts({"one.ttf", "three.ttf"});
+    newer.files[0].version = "2.0";
+    newer.onlyIfActive = true;
+    newer.reasons = {};
+    EXPECT_EQ(activate(newer).versions, "1.0 -> 2.0");
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Two"));
+    EXPECT_THAT(readSetRecord(set())->reasons, ElementsAre(Reason::byHand()));
+
     const auto outcome = activate(fonts({"one.ttf", "three.ttf"}));
     EXPECT_TRUE(outcome.success) << testing::PrintToString(outcome.problems);
     EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Three"));
     EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf", "three.ttf"));
+    deactivate();
+    EXPECT_FALSE(activate(newer).changed);
 }
 
 TEST_F(AnActivation, LosesOnlyTheFilesThatAreGoneOrHaveChanged) {

@@ -193,7 +193,7 @@ TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
     EXPECT_TRUE(await([&] { return tells("deactivated Lato & Co (container 1): " + ended); }));
 }
 
-TEST_F(TheProgram, ScansWhenAFolderChangesOrNowAndThenWhereNoneCanBeWatched) {
+TEST_F(TheProgram, ScansAtChangesOrNowAndThenWhereItCannotWatch) {
     const Variable soon("GLYPHORA_POLL_TIME", "1");
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     for (const bool isWatched : {true, false}) {
@@ -243,6 +243,25 @@ TEST_F(TheProgram, GoesOnWhileOneOfThoseItTellsReadsNothing) {
     kill(peer.processID(), SIGCONT);
     EXPECT_EQ(glyphora({"quit"}).status, 0);
     EXPECT_EQ(server_->wait().status, 0);
+}
+
+TEST_F(TheProgram, UpdatesActiveFontsAndKeepsThoseThatAreAway) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    serve();
+    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
+    FontRecipe newer{"Lato & Co", "Bold", "Lato-Bold", true};
+    newer.revision = 0x20000;
+    std::filesystem::rename(sandbox_.write("new", makeFont(newer)),
+                            sandbox_.library() + "/fonts/lato.ttf");
+    EXPECT_TRUE(await([&] {
+        return tells("updated Lato & Co (container 1): version 1.000 -> 2.000");
+    })) << server_->output();
+    const std::string active = sandbox_.places().fonts() + "/1/lato.ttf";
+    EXPECT_TRUE(readBytes(active) == makeFont(newer));
+    std::filesystem::rename(sandbox_.library(), sandbox_.library() + ".away");
+    EXPECT_TRUE(
+        await([&] { return glyphora({"status"}).output.find(" (away)\n") != std::string::npos; }));
+    EXPECT_TRUE(readBytes(active) == makeFont(newer));
 }
 
 TEST_F(TheProgram, MendsADamagedIndexWhileItServes) {
