@@ -20,6 +20,7 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -74,6 +75,28 @@ struct Origin {
 Origin originOf(Library& library, ContainerId id) {
     const auto container = library.container(id);
     return {container && container->away, !container};
+}
+
+/// What was active when the command began, and has been taken away by the server meanwhile, is as
+/// it was to be.
+void excuseThoseThatLeft(const Activation& activation,
+                         const std::map<ContainerId, std::string>& before,
+                         std::span<const ContainerId> ids, std::span<ActivationOutcome> outcomes) {
+    const auto failed = [](const ActivationOutcome& outcome) {
+        return !outcome.success && !outcome.changed;
+    };
+    if (std::none_of(outcomes.begin(), outcomes.end(), failed)) {
+        return;
+    }
+    std::set<ContainerId> staying;
+    for (const ActiveContainer& container : activation.active(warn)) {
+        staying.insert(container.id);
+    }
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        if (failed(outcomes[i]) && before.contains(ids[i]) && !staying.contains(ids[i])) {
+            outcomes[i].problems.clear();
+        }
+    }
 }
 
 // What ends by itself is ended by the server.
@@ -157,7 +180,8 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
         told.push_back({"deactivated " + name + " (container " + toText(id) + ")",
                         {{"id", static_cast<std::int32_t>(id)}, {"name", name}}});
     }
-    const auto outcomes = activation.deactivate(ids);
+    auto outcomes = activation.deactivate(ids);
+    excuseThoseThatLeft(activation, active, ids, outcomes);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
     if (std::any_of(outcomes.begin(), outcomes.end(),
