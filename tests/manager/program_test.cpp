@@ -2,28 +2,16 @@
 // The program on a bus of its own: events in, answers and changes out, one instance, every way to
 // end it.
 #include "platform/notify.h"
-#include "platform/processes.h"
 #include "system/child.h"
-#include "tests/manager/programrun.h"
-#include "tests/manager/sandbox.h"
-#include "tests/platform/events.h"
+#include "tests/manager/programfixture.h"
 #include "tests/platform/peerprocess.h"
-#include "tests/support/foldedreply.h"
-#include "tests/support/fontmaker.h"
-#include "tests/support/privatebus/privatebus.h"
 
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-#include <optional>
 #include <sys/syscall.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 using namespace managertest;
 using namespace testsupport;
@@ -40,76 +28,6 @@ OSErr countChange(const AppleEvent* event, AppleEvent* /*reply*/, void* /*refCon
     receivedChanges += id == FourCharCode("FSBC") ? 1 : 0;
     return noErr;
 }
-
-class TheProgram : public testing::Test {
-protected:
-    TheProgram() {
-        sandbox_.write("fonts/lato.ttf", makeFont({"Lato & Co", "Bold", "Lato-Bold", true}));
-    }
-    ~TheProgram() override { PLUnregisterApplication(); }
-
-    Ending glyphora(const std::vector<std::string>& arguments) {
-        return ProgramRun(arguments, sandbox_.root() + "/log." + std::to_string(++runs_)).wait();
-    }
-    bool tells(const std::string& deed) {
-        return glyphora({"history"}).output.find(deed) != std::string::npos;
-    }
-    void serve(std::optional<unsigned> refusedCall = {}) {
-        server_.emplace(std::vector<std::string>{"serve", "--verbose"},
-                        sandbox_.root() + "/log.server", GLYPHORA_PROGRAM, refusedCall);
-        ASSERT_TRUE(await([] { return isServerKnown(); })) << server_->output();
-    }
-    static bool isServerKnown() {
-        ProcessSerialNumber process;
-        while (GetNextProcess(&process) == noErr) {
-            ProcessInfoRec info;
-            if (GetProcessInformation(&process, &info) == noErr &&
-                info.processSignature == FourCharCode("QGLY")) {
-                return true;
-            }
-        }
-        return false;
-    }
-    static std::optional<std::string> send(const std::string& command) {
-        platformtest::TestEvent event("QGLY", "****", "QGLY");
-        event.putText(command);
-        return event.send(3600) == noErr ? event.text() : std::nullopt;
-    }
-    static std::string request(const std::string& psName, pid_t process = getpid()) {
-        return "<cmd>fontRequest</cmd>\n<targetClass>FILC</targetClass>\n<targetPid>" +
-               std::to_string(process) + "</targetPid>\n<font>\n<syncID>1</syncID>\n<psName>" +
-               psName + "</psName>\n</font>\n</cmd>\n";
-    }
-    // The value of an element of the only font in the reply, or the reply itself when it has none.
-    static std::string askFor(const std::string& psName, const char* element) {
-        const auto reply = send(request(psName));
-        if (!reply) {
-            return "no reply";
-        }
-        const auto folded = parseFolded(*reply);
-        const auto fonts = folded.all("font");
-        return fonts.empty() ? *reply : fonts[0]->value(element);
-    }
-
-    /// A command line, how it ends, and what it prints among other things.
-    struct Case {
-        std::vector<std::string> arguments;
-        int status;
-        std::string message;
-    };
-    void expectEach(const std::vector<Case>& cases) {
-        for (const auto& [arguments, expected, message] : cases) {
-            const Ending ending = glyphora(arguments);
-            EXPECT_EQ(ending.status, expected) << testing::PrintToString(arguments);
-            EXPECT_THAT(ending.output, HasSubstr(message));
-        }
-    }
-
-    testsupport::PrivateBus bus_;
-    Sandbox sandbox_;
-    std::optional<ProgramRun> server_;
-    int runs_ = 0;
-};
 
 TEST_F(TheProgram, ActivatesOnRequestAndTellsOfItAfterTheAnswer) {
     ASSERT_EQ(PLRegisterApplication(FourCharCode("ART5"), kPLManyInstances, "host"), noErr);
@@ -380,161 +298,6 @@ TEST_F(TheProgram, TakesUpAfterBeingKilled) {
     EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
     EXPECT_THAT(server_->output(), HasSubstr("/1: completed, as was begun"));
     EXPECT_FALSE(std::filesystem::exists(sandbox_.places().fonts() + "/.staging/9"));
-}
-
-TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
-    sandbox_.write("fonts/bad.otf", "bad");
-    sandbox_.write("fonts/pair.ttc", makeCollection({{"Pair", "Regular", "Pair", true},
-                                                     {"Pair", "Bold", "Pair-Bold", true}}));
-    const Ending added = glyphora({"add", sandbox_.library()});
-    EXPECT_THAT(added.output, HasSubstr("glyphora: " + sandbox_.library() + "/fonts/bad.otf: "));
-    EXPECT_EQ(glyphora({"activate", "Lato-Bold"}).status, 0);
-    serve();
-    EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
-
-    const auto list = nlohmann::json::parse(glyphora({"list", "--json"}).output);
-    EXPECT_EQ(list["folders"][0]["path"], sandbox_.library());
-    EXPECT_EQ(list["folders"][0]["badFiles"], 1);
-    EXPECT_EQ(list["containers"][0]["name"], "Lato & Co");
-    EXPECT_EQ(list["containers"][0]["active"], true);
-    const auto status = nlohmann::json::parse(glyphora({"status", "--json"}).output);
-    EXPECT_EQ(status["server"], server_->process());
-    EXPECT_EQ(status["active"][0]["id"], 1);
-    EXPECT_THAT(glyphora({"history", "--all"}).output, HasSubstr("activated Lato & Co"));
-    EXPECT_THAT(glyphora({"history"}).output, HasSubstr("fontRequest: 1 font"));
-    const auto history = nlohmann::json::parse(glyphora({"history", "--json"}).output);
-    EXPECT_EQ(history[0]["deed"], "started");
-    EXPECT_EQ(history[1]["text"], "fontRequest: 1 font");
-    EXPECT_THAT(std::string(history[1]["time"]), testing::MatchesRegex("[0-9-]+T[0-9:]+Z"));
-
-    expectEach({
-        {{}, 2, "glyphora: a command is missing; see glyphora --help\n"},
-        {{"dance"}, 2, "unknown command 'dance'"},
-        {{"--dance"}, 2, "unknown option '--dance'"},
-        {{"add"}, 2, "required"},
-        {{"deactivate"}, 2, "name containers, or give --all; see glyphora deactivate --help"},
-        {{"collect", "--to"}, 2, "--to: a value is missing"},
-        {{"collection", "dance"}, 2, "unknown command 'dance'; see glyphora collection --help"},
-        {{"list", "--problems", "--containers"}, 2, "--containers does not go with --problems"},
-        {{"activate", "--for", "2", "x"}, 2, "--for: '2' is not a time such as 90s"},
-        {{"activate", "--for", "2", "--json"}, 2, "--help\"\n  ]\n}"},
-        {{"--help"}, 0, "font manager"},
-        {{"add", sandbox_.root() + "/absent"}, 1, "/absent: cannot be added: No such file"},
-        {{"remove", "/absent"}, 1, "/absent: not a folder of the library"},
-        {{"activate", "Nobody"}, 1, "Nobody: no container"},
-        {{"activate", "77"}, 1, "container 77: not in the library"},
-        {{"deactivate", "77"}, 1, "container 77: is not active"},
-        {{"deactivate", "Pair"}, 1, "Pair: no active container"},
-        {{"activate", "--for", "2d", "Pair"}, 0, "activated pair.ttc (container 2, "},
-        {{"deactivate", "2", "1", "PAIR", "lato & co"},
-         0,
-         "deactivated pair.ttc (container 2)\ndeactivated"},
-        {{"serve", "x"}, 2, "x"},
-    });
-}
-
-TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
-    const std::string font = makeFont({"Plain/Sans", "Regular", "PlainSans"});
-    const std::string namesake = makeFont({"Plain/Sans (4)", "Regular", "Namesake"});
-    sandbox_.write("fonts/copy.ttf", namesake);
-    sandbox_.write("fonts/plain.ttf", font);
-    sandbox_.write("more/copy.ttf", font);
-    std::filesystem::create_hard_link(sandbox_.library() + "/fonts/lato.ttf",
-                                      sandbox_.library() + "/more/lato.ttf");
-    const std::string target = sandbox_.root() + "/to";
-    const auto listing = [&](const std::string& file) { return readBytes(target + "/" + file); };
-    expectEach({
-        {{"add", sandbox_.library()}, 0, "5 font files read"},
-        {{"search", "plain", "SANS"}, 0, "  inactive  Plain/Sans Regular, "},
-        {{"search", "--weight", "600-800", "--json"}, 0, "\"total\": 2"},
-        {{"search", "--weight", "700", "lato", "--json"}, 0, "\"total\": 2"},
-        {{"search", "--width", "75-"}, 2, "--width: '75-' is no number and no range"},
-        {{"search", "--covers", "a", "--limit", "1"}, 0, "5 in all; --limit shows more"},
-        {{"search", "--weight", "700-300"}, 2, "--weight: '700-300' ends before it begins"},
-        {{"search", "--weight", "nan"}, 2, "--weight: 'nan' is no number"},
-        {{"search", "--slant", "bent"}, 2, "--slant: 'bent' is none of upright, italic, oblique"},
-        {{"search", "--limit", "1", "--limit", "2"}, 2, "--limit: may be given once"},
-        {{"search", "--script", "xyzz"}, 1, "--script: no face has 'Xyzz'; there are Latn"},
-        {{"search", "nobody"}, 1, "glyphora: nothing found\n"},
-        {{"search", "--covers", "\xff"}, 2, "--covers: not a text in UTF-8"},
-        {{"info", "PlainSans", "Nobody"}, 3, "  PostScript name: PlainSans\n"},
-        {{"duplicates"},
-         0,
-         sandbox_.library() + "/fonts/plain.ttf " + sandbox_.library() + "/more/copy"},
-        {{"collect", "--to", target, "Nobody"}, 1, "Nobody: no container"},
-        {{"collect", "--to", target, "p*", "3"}, 0, "copied Plain_Sans/plain.ttf\n"},
-        {{"collect", "--to", target, "1"}, 1, target + ": is there already"},
-        {{"collect", "--to", target + "2/no", "1"},
-         1,
-         target + "2/no: cannot be made: there is no"},
-    });
-    EXPECT_EQ(listing("Plain_Sans/plain.ttf"), font);
-    EXPECT_EQ(listing("Plain_Sans (4)/copy.ttf"), namesake);
-    EXPECT_EQ(listing("Plain_Sans (4) (4)/copy.ttf"), font);
-    EXPECT_THAT(listing("fonts.txt"), HasSubstr("    PostScript name: PlainSans\n"));
-    EXPECT_THAT(glyphora({"duplicates"}).output, testing::Not(HasSubstr("lato"))) << "one file";
-    std::filesystem::remove(sandbox_.library() + "/more/copy.ttf");
-    expectEach(
-        {{{"collect", "--to", target + "2", "plain*"}, 3, "copy.ttf: cannot be copied: No"}});
-    for (const auto& entry : std::filesystem::directory_iterator(sandbox_.root())) {
-        EXPECT_FALSE(entry.path().filename().string().starts_with(".")) << "left behind";
-    }
-}
-
-TEST_F(TheProgram, IsCompletedByNamesAsTheyAre) {
-    const std::string name = "a '$(echo b)";
-    EXPECT_EQ(glyphora({"tag", "add", name}).status, 0);
-    const char* script = ". " GLYPHORA_COMPLETION "; compopt() { :; }\n"
-                         "glyphora() { " GLYPHORA_PROGRAM " \"$@\"; }\n"
-                         "COMP_WORDS=(glyphora tag remove a) COMP_CWORD=3; _glyphora\n"
-                         "printf '<%s>' \"${COMPREPLY[@]}\"";
-    EXPECT_EQ(ProgramRun({"-c", script}, sandbox_.root() + "/log.shell", "/bin/bash").wait().output,
-              "<" + name + ">");
-}
-
-TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
-    sandbox_.write("fonts/other/lato.ttf", makeFont({"Twice", "Bold", "Twice-B"}));
-    sandbox_.write("fonts/twice.ttf", makeFont({"Twice", "Regular", "Twice-A"}));
-    expectEach({
-        {{"add", "/absent", sandbox_.library()}, 3, "added " + sandbox_.library()},
-        {{"activate", "Twice", "LATO*"},
-         3,
-         "in several containers; give the number of one: 2 (TrueType, "},
-        {{"activate", "T*", "--for", "1h"}, 0, "glyphora: no server is running: what is due"},
-        {{"collection", "add", "mine", "LATO & CO", "Nobody"}, 3, "mine: added Lato & Co"},
-        {{"collection", "add", "mine", "2", "1"}, 0, "mine: added Twice"},
-        {{"tag", "add", "bold", "Twice-B"}, 0, "tag:bold: added Twice (container 3, "},
-        {{"tag", "add", "", "1"}, 1, "a tag needs a name"},
-        {{"deactivate", "tag:bold", "tag:mine"}, 3, "mine: there is no tag of this name"},
-        {{"collection", "list", "mine"}, 0, "2  active    Twice, TrueType, 1 face, "},
-        {{"deactivate", "Twice", "collection:mine"},
-         0,
-         "(container 2)\ndeactivated Lato & Co (container 1)\n"},
-        {{"collection", "remove", "mine", "l*", "l*"}, 3, "mine: removed Lato & Co"},
-        {{"collection", "list"}, 0, "mine: 1 container\n"},
-        {{"activate", "--json", "collection:mine", "x"}, 3, "\"name\": \"Twice\","},
-        {{"collection", "remove", "mine"}, 0, "removed collection:mine"},
-        {{"collection", "list", "mine", "--json"}, 1, "{\n  \"problems\": [\n"},
-    });
-    std::filesystem::rename(sandbox_.library(), sandbox_.library() + ".away");
-    expectEach({
-        {{"scan"}, 1, ": the recorded folder is away; \"glyphora list --problems\" tells why"},
-        {{"list"}, 0, "library: 3 font files (3 away), 3 faces, "},
-        {{"list", "--containers"}, 0, "3  away      Twice, TrueType, 1 face, "},
-        {{"tag", "list", "bold"}, 0, "3  away      Twice, TrueType, 1 face, "},
-        {{"info", "Twice-B"}, 0, "Twice Bold (container 3, away)"},
-        {{"activate", "Twice-B"}, 1, "its folder is away"},
-    });
-    std::filesystem::rename(sandbox_.library() + ".away", sandbox_.library());
-    sandbox_.setFontconfig("<dir>" + sandbox_.root() + "/data/fonts</dir><dir>" +
-                           sandbox_.library() + "/fonts/other</dir>");
-    expectEach({
-        {{"scan"}, 0, "fonts/other: the desktop shows"},
-        {{"activate", "--json", "Twice-B"}, 0, "\"activated\": [],"},
-    });
-    // The command did not wait for what is due a second after it.
-    const std::string staging = sandbox_.places().fonts() + "/.staging";
-    EXPECT_TRUE(await([&] { return std::filesystem::is_empty(staging); }));
 }
 
 } // namespace
