@@ -3,9 +3,9 @@
 // routine, and the first fonts to choose from in their faces, which have come before.
 #include "GlyphoraReplaceDialog.h"
 #include "benchmarks/common/dialogstage.h"
-#include "host/qt/displays.h"
 #include "host/qt/windows.h"
 #include "host/suites/documentsamples.h"
+#include "system/displays.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <benchmark/benchmark.h>
@@ -37,7 +37,7 @@ struct WindowedStage : Stage {
     }
 
     std::unique_ptr<host::Windows> windows{glyphoraMakeWindows(
-        application.dialogs(), host::fontSourceOf(application), {}, host::offscreenPlatform)};
+        application.dialogs(), host::fontSourceOf(application), {}, sys::offscreenPlatform)};
 };
 
 void redraw(benchmark::State& state, QAbstractItemView& view) {

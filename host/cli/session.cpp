@@ -7,6 +7,7 @@
 #include "host/core/text.h"
 #include "host/suites/documentsamples.h"
 #include "platform/application.h"
+#include "system/displays.h"
 
 #include <exception>
 #include <new>
@@ -236,7 +237,7 @@ DialogView& Session::chooseView() {
 
 /// Nobody closes it without a display, or when a script answers.
 void Session::showAlert(const Alert& alert) {
-    if (!options_.headless && !options_.answers && mayHaveScreen()) {
+    if (!options_.headless && !options_.answers && sys::namesDisplay()) {
         static_cast<void>(view_.metrics()); // chooses the view
         if (windows_ != nullptr && user_.atEnd() == ScriptedUser::AtEnd::Leave) {
             windows_->showAlert(alert);

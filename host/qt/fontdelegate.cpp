@@ -56,7 +56,7 @@ void FontDelegate::dropHidden() {
     });
 }
 
-FaceLine FontDelegate::line(const FaceFile& face, const std::string& text) const {
+preview::FaceLine FontDelegate::line(const FaceFile& face, const std::string& text) const {
     return {face.file, face.index, text, pixels_, scale_};
 }
 
@@ -133,10 +133,10 @@ void FontDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const auto role =
         (option.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text;
     constexpr double capitals = 0.35; // half of their height
-    drawFace(
-        *painter, look.picture->picture, scale,
-        {area, area.height() / 2.0 + capitals * pixels, look.ofName && runsFromTheRight(row->text)},
-        option.palette.color(group, role));
+    preview::drawFace(*painter, look.picture->picture, scale,
+                      {area, area.height() / 2.0 + capitals * pixels,
+                       look.ofName && preview::runsFromTheRight(row->text)},
+                      option.palette.color(group, role));
 }
 
 QSize FontDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "host/fonts/fontsource.h"
-#include "host/qt/faces.h"
 #include "host/qt/rowmodel.h"
+#include "preview/qt/faces.h"
 
 #include <map>
 #include <string>
@@ -15,7 +15,7 @@ namespace host {
 
 /// What it takes to show faces.
 struct FaceServices {
-    Faces& faces;
+    preview::Faces& faces;
     const FontSource& source;
 };
 
@@ -34,7 +34,7 @@ public:
 
 private:
     struct Look {
-        Faces::Id asked = 0;           ///< 0: it stays as it is
+        preview::Faces::Id asked = 0;  ///< 0: it stays as it is
         preview::SharedAnswer picture; ///< nullptr: the plain name alone
         bool ofName = true;            ///< else of signs
     };
@@ -44,7 +44,7 @@ private:
     void dropHidden();
     void askForName(const std::string& name, const FaceFile& face) const;
     void askForSigns(const std::string& name, const FaceFile& face) const;
-    FaceLine line(const FaceFile& face, const std::string& text) const;
+    preview::FaceLine line(const FaceFile& face, const std::string& text) const;
 
     RowModel& model_;
     QAbstractItemView& view_;

@@ -68,7 +68,7 @@ QString namesOf(const std::vector<Sample>& samples, std::string (*nameOf)(const 
 
 } // namespace
 
-WordsInFaces::WordsInFaces(Faces& faces, std::function<void()> changed, QWidget* parent)
+WordsInFaces::WordsInFaces(preview::Faces& faces, std::function<void()> changed, QWidget* parent)
     : QAbstractScrollArea(parent), faces_(faces), changed_(std::move(changed)) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
@@ -170,9 +170,10 @@ void WordsInFaces::paintEvent(QPaintEvent* /*event*/) {
             ask(line); // wherever it is: what it lacks is told of all
         }
         if (line.answer != nullptr && line.answer->problem.empty()) {
-            drawFace(painter, line.answer->picture, scale_,
-                     {area, baseline * facePixels(font()), runsFromTheRight(line.words.text)},
-                     palette().color(QPalette::Text));
+            preview::drawFace(
+                painter, line.answer->picture, scale_,
+                {area, baseline * facePixels(font()), preview::runsFromTheRight(line.words.text)},
+                palette().color(QPalette::Text));
         }
         area.translate(0, lineHeight());
     }

@@ -25,7 +25,7 @@ public:
     };
 
     /// `faces` outlives it. `changed` is called when more is known of what can be shown.
-    WordsInFaces(Faces& faces, std::function<void()> changed, QWidget* parent);
+    WordsInFaces(preview::Faces& faces, std::function<void()> changed, QWidget* parent);
     ~WordsInFaces() override;
 
     void show(std::vector<Words> words);
@@ -44,7 +44,7 @@ protected:
 private:
     struct Line {
         Words words;
-        Faces::Id asked = 0;
+        preview::Faces::Id asked = 0;
         preview::SharedAnswer answer;
     };
     void forget();
@@ -52,7 +52,7 @@ private:
     void setRange();
     int lineHeight() const;
 
-    Faces& faces_;
+    preview::Faces& faces_;
     std::function<void()> changed_;
     std::vector<Line> lines_;
     double scale_ = 0;

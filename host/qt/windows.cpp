@@ -4,9 +4,9 @@
 
 #include "host/core/timers.h"
 #include "host/qt/dialogwindow.h"
-#include "host/qt/displays.h"
 #include "host/qt/translators.h"
 #include "platform/application.h"
+#include "system/displays.h"
 
 #include <QApplication>
 #include <QFontMetrics>
@@ -112,7 +112,7 @@ private:
     Translators translators_;
     Dialogs& dialogs_;
     FontSource fonts_;
-    Faces faces_;
+    preview::Faces faces_;
     DesktopEvents events_;
     FontMetrics metrics_;
     std::map<Dialog*, std::unique_ptr<DialogWindow>> windows_;
@@ -332,8 +332,8 @@ extern "C" host::Windows* glyphoraMakeWindows(host::Dialogs& dialogs, host::Font
     std::setlocale(LC_NUMERIC, "C"); // it has taken the user's
     std::setlocale(LC_MESSAGES, "C");
     QApplication::setQuitOnLastWindowClosed(false);
-    if (platforms != host::offscreenPlatform &&
-        QApplication::platformName() == QLatin1String(host::offscreenPlatform)) {
+    if (platforms != sys::offscreenPlatform &&
+        QApplication::platformName() == QLatin1String(sys::offscreenPlatform)) {
         return nullptr;
     }
     return new host::QtWindows(std::move(application), dialogs, std::move(fonts),

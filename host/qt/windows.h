@@ -41,9 +41,6 @@ enum class Screen : std::uint8_t {
     Nowhere ///< in memory, for pictures
 };
 
-/// Whether the environment names a screen of the user's, dead or alive.
-[[nodiscard]] bool mayHaveScreen();
-
 /// [main-thread] The view that is chosen when the first dialog needs one, so that nobody else pays
 /// for it.
 class LateView : public DialogView {

@@ -45,6 +45,7 @@ constexpr std::string_view hostModel = "host/documents";
 constexpr std::string_view hostCss = "host/documents/css";
 constexpr std::string_view hostSvg = "host/documents/svg";
 constexpr std::string_view hostWindows = "host/qt";
+constexpr std::string_view previewPainting = "preview/qt";
 
 /// Of the toolkit, which stands in folders called "qt" alone.
 bool isToolkit(std::string_view header) {
@@ -68,11 +69,12 @@ const std::vector<Folder>& folders() {
         {check, {orvil, "sdk", services, protocol, link, shell, document, dialogs}, check},
         {"system", {}, ""},
         {"faces", {"system"}, ""},
+        {previewPainting, {"preview"}, ""},
         {"preview", {"system"}, ""},
         {hostCss, {hostModel}, ""},
         {hostSvg, {hostModel, hostCss, "system", "faces"}, ""},
         {hostModel, {"system", "faces"}, ""},
-        {hostWindows, {"host", "sdk", services, "system", "preview"}, ""},
+        {hostWindows, {"host", "sdk", services, "system", "preview", previewPainting}, ""},
         {"host",
          {"sdk", services, "system", "faces", "preview", hostModel, hostCss, hostSvg, hostWindows},
          ""},

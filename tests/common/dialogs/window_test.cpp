@@ -2,8 +2,8 @@
 // The dialog of missing fonts as a window of the toolkit.
 #include "dialogfixture.h"
 
-#include "host/qt/displays.h"
 #include "host/qt/windows.h"
+#include "system/displays.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -37,7 +37,7 @@ protected:
 private:
     testsupport::Variable platform_{"QT_QPA_PLATFORM", std::nullopt};
     std::unique_ptr<host::Windows> windows_{
-        glyphoraMakeWindows(dialogs, {}, {}, host::offscreenPlatform)};
+        glyphoraMakeWindows(dialogs, {}, {}, sys::offscreenPlatform)};
 };
 
 TEST_F(ADialogInAWindow, HasHeadingsOverTheirColumnsAtAnySize) {

@@ -2,7 +2,7 @@
 // Fonts to choose from, each in its own face, and the document's words beside them.
 #include "windowfixture.h"
 
-#include "host/qt/faces.h"
+#include "preview/qt/faces.h"
 
 #include <QAccessible>
 #include <QAccessibleInterface>
@@ -387,13 +387,13 @@ TEST_F(AFontChooser, ShowsWhatIsChosenByAScript) {
 }
 
 TEST_F(AFontChooser, GetsNothingFromAProcessThatCannotBeStarted) {
-    Faces faces({.program = folder / "nothing"});
+    preview::Faces faces({.program = folder / "nothing"});
     std::vector<std::string> problems;
     const auto note = [&](const preview::SharedAnswer& answer) {
         problems.push_back(answer->problem);
     };
-    const Faces::Id first = faces.ask({sans.file, 0, "a", 20, 1}, note);
-    const Faces::Id second = faces.ask({sans.file, 0, "b", 20, 1}, note);
+    const preview::Faces::Id first = faces.ask({sans.file, 0, "a", 20, 1}, note);
+    const preview::Faces::Id second = faces.ask({sans.file, 0, "b", 20, 1}, note);
     EXPECT_NE(first, second);
     faces.cancel(first);
     EXPECT_TRUE(faces.finish());

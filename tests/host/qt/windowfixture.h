@@ -2,8 +2,8 @@
 // Real windows in memory, for dialogs of a plug-in within the test.
 #pragma once
 
-#include "host/qt/displays.h"
 #include "host/qt/windows.h"
+#include "system/displays.h"
 #include "tests/host/adm/dialogfixture.h"
 
 #include <QApplication>
@@ -94,7 +94,7 @@ protected:
          }},
         {[this] { return events.descriptor ? events.descriptor() : -1; },
          [this] { return events.dispatch(); }},
-        offscreenPlatform)};
+        sys::offscreenPlatform)};
 };
 
 } // namespace host::test

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Displays that are named: dead, deaf and alive.
-#include "host/qt/displays.h"
+#include "system/displays.h"
 
 #include "system/descriptor.h"
 #include "tests/support/temporaryfolder.h"
@@ -16,7 +16,7 @@
 #include <string>
 #include <thread>
 
-namespace host::test {
+namespace sys::test {
 namespace {
 
 /// A socket that takes connections, and says something to whoever greets it if told so.
@@ -83,4 +83,4 @@ TEST(ADisplay, IsLeftOutUnlessItAnswers) {
 }
 
 } // namespace
-} // namespace host::test
+} // namespace sys::test

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Between the process that draws and the windows' loop.
-#include "host/qt/faces.h"
+#include "preview/qt/faces.h"
 
 #include <cmath>
 
@@ -17,7 +17,7 @@
 #include <system_error>
 #include <utility>
 
-namespace host {
+namespace preview {
 
 bool Faces::start() {
     try {
@@ -35,12 +35,12 @@ Faces::Id Faces::ask(const FaceLine& line, Arrived arrived) {
     if (!previewer_ && !start()) {
         return 0;
     }
-    preview::Request request;
+    Request request;
     request.file = line.file;
     request.face = line.index;
     request.text = line.text;
     request.pixels = line.pixels;
-    request.scale = std::clamp(line.scale, preview::minimumScale, preview::maximumScale);
+    request.scale = std::clamp(line.scale, minimumScale, maximumScale);
     const Id id = previewer_->request(std::move(request));
     asked_.emplace(id, std::move(arrived));
     return id;
@@ -53,7 +53,7 @@ void Faces::cancel(Id id) {
 }
 
 void Faces::take() {
-    for (const preview::Finished& finished : previewer_->take()) {
+    for (const Finished& finished : previewer_->take()) {
         // One of the others may have cancelled it just now.
         if (auto asked = asked_.extract(finished.id)) {
             asked.mapped()(finished.answer);
@@ -73,11 +73,11 @@ bool Faces::finish() {
 
 namespace {
 
-QImage imageOf(const preview::Picture& picture, const QColor& color) {
+QImage imageOf(const Picture& picture, const QColor& color) {
     const auto* const pixels = reinterpret_cast<const uchar*>(picture.pixels.data());
     const auto width = static_cast<int>(picture.width);
     const auto height = static_cast<int>(picture.height);
-    if (picture.form == preview::PixelForm::Colour) {
+    if (picture.form == PixelForm::Colour) {
         return QImage(pixels, width, height, qsizetype{4} * width,
                       QImage::Format_RGBA8888_Premultiplied)
             .copy();
@@ -105,8 +105,8 @@ void fade(QImage& image, int width, bool atTheLeft) {
 
 } // namespace
 
-double drawFace(QPainter& painter, const preview::Picture& picture, double scale,
-                const FacePlace& place, const QColor& color) {
+double drawFace(QPainter& painter, const Picture& picture, double scale, const FacePlace& place,
+                const QColor& color) {
     const double width = picture.width / scale;
     const QPointF corner{place.fromTheRight ? place.area.right() - width : place.area.left(),
                          place.area.top() + place.baseline - picture.baseline / scale};
@@ -117,7 +117,7 @@ double drawFace(QPainter& painter, const preview::Picture& picture, double scale
     painter.save();
     painter.setClipRect(place.area, Qt::IntersectClip);
     constexpr int darkest = 128;
-    if (picture.form == preview::PixelForm::Colour && color.lightness() > darkest) {
+    if (picture.form == PixelForm::Colour && color.lightness() > darkest) {
         // Outlines between the pictures are black.
         painter.fillRect(QRectF(corner, QSizeF(width, picture.height / scale)), Qt::white);
     }
@@ -134,4 +134,4 @@ bool runsFromTheRight(const std::string& text) {
     return QString::fromStdString(text).isRightToLeft();
 }
 
-} // namespace host
+} // namespace preview

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Greeting a display server as its clients do.
-#include "host/qt/displays.h"
+#include "system/displays.h"
 
 #include "system/descriptor.h"
 
@@ -21,7 +21,7 @@
 #include <string>
 #include <string_view>
 
-namespace host {
+namespace sys {
 
 namespace {
 
@@ -91,6 +91,11 @@ bool isDeadWayland(std::string_view display, int milliseconds) {
 
 } // namespace
 
+bool namesDisplay() {
+    return !valueOf("WAYLAND_DISPLAY").empty() || !valueOf("DISPLAY").empty() ||
+           !valueOf("QT_QPA_PLATFORM").empty();
+}
+
 std::string livingPlatforms(int milliseconds) {
     const std::string_view x = valueOf("DISPLAY");
     const std::string_view wayland = valueOf("WAYLAND_DISPLAY");
@@ -119,4 +124,4 @@ std::string livingPlatforms(int milliseconds) {
                : platforms + offscreenPlatform;
 }
 
-} // namespace host
+} // namespace sys

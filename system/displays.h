@@ -4,10 +4,13 @@
 
 #include <string>
 
-namespace host {
+namespace sys {
 
 /// The toolkit's platform in memory.
 constexpr const char* offscreenPlatform = "offscreen";
+
+/// [main-thread] Whether the environment names a display of the user's, dead or alive.
+[[nodiscard]] bool namesDisplay();
 
 /// [main-thread] The toolkit's platforms to try in turn, as its option -platform takes them: those
 /// that the user names by QT_QPA_PLATFORM, or those whose displays are named, and last the one that
@@ -17,4 +20,4 @@ constexpr const char* offscreenPlatform = "offscreen";
 /// Empty where there is nothing to show windows on.
 [[nodiscard]] std::string livingPlatforms(int milliseconds);
 
-} // namespace host
+} // namespace sys

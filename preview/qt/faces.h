@@ -17,7 +17,7 @@ class QPainter;
 class QPalette;
 class QRectF;
 
-namespace host {
+namespace preview {
 
 /// A line to be drawn. Equal ones look alike.
 struct FaceLine {
@@ -33,10 +33,10 @@ struct FaceLine {
 class Faces : public QObject {
 public:
     /// Called once, from the loop, with an answer that is never null.
-    using Arrived = std::function<void(const preview::SharedAnswer&)>;
-    using Id = preview::RequestId;
+    using Arrived = std::function<void(const SharedAnswer&)>;
+    using Id = RequestId;
 
-    explicit Faces(preview::PreviewSettings settings = {}) : settings_(std::move(settings)) {}
+    explicit Faces(PreviewSettings settings = {}) : settings_(std::move(settings)) {}
 
     /// What was asked last comes first. Whatever `arrived` uses lives until then, or until it is
     /// cancelled. 0: there will be no answer, as the system has nothing left to draw with.
@@ -49,8 +49,8 @@ private:
     bool start();
     void take();
 
-    preview::PreviewSettings settings_;
-    std::optional<preview::Previewer> previewer_;
+    PreviewSettings settings_;
+    std::optional<Previewer> previewer_;
     std::map<Id, Arrived> asked_;
 };
 
@@ -63,10 +63,10 @@ struct FacePlace {
 
 /// Draws `picture`, of a line of `scale`, in `color` where it has no colours of its own, and lets
 /// it fade where it is cut. Gives what of the area's width it takes.
-double drawFace(QPainter& painter, const preview::Picture& picture, double scale,
-                const FacePlace& place, const QColor& color);
+double drawFace(QPainter& painter, const Picture& picture, double scale, const FacePlace& place,
+                const QColor& color);
 
 /// Whether text runs from the right to the left.
 [[nodiscard]] bool runsFromTheRight(const std::string& text);
 
-} // namespace host
+} // namespace preview
