@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -39,6 +40,28 @@ const char* technology(faces::Technology type) {
         break;
     }
     return "OpenType TrueType";
+}
+
+std::string lineOf(const Candidate& candidate, bool withVersion, bool withFoundry) {
+    const FaceMatch& face = candidate.face;
+    const std::int64_t styles = candidate.container.faces;
+    std::string text = face.familyName;
+    if (!face.styleName.empty()) {
+        text.append(" ").append(face.styleName);
+    }
+    text.append(" — ");
+    if (!candidate.reason.empty()) {
+        text.append(candidate.reason).append("; ");
+    }
+    text.append(technology(face.type)).append(", ");
+    if (withVersion && !face.version.empty()) {
+        text.append("version ").append(face.version).append(", ");
+    }
+    if (withFoundry && !face.foundry.empty()) {
+        text.append(face.foundry).append(", ");
+    }
+    text.append(std::to_string(styles)).append(styles == 1 ? " style, " : " styles, ");
+    return text.append(candidate.container.path());
 }
 
 bool isBetter(const Candidate& a, const Candidate& b) {
@@ -163,31 +186,22 @@ const std::optional<SetRecord>& CandidateFinder::setOf(const Container& containe
     return entry->second;
 }
 
-std::string CandidateFinder::describe(const Candidate& candidate,
-                                      const std::vector<Candidate>& among) {
-    const FaceMatch& face = candidate.face;
+std::vector<std::string> CandidateFinder::describe(const std::vector<Candidate>& candidates) {
     const auto differ = [&](auto&& of) {
-        return std::any_of(among.begin(), among.end(),
-                           [&](const Candidate& other) { return of(other.face) != of(face); });
+        return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& one) {
+            return of(one.face) != of(candidates.front().face);
+        });
     };
-    const std::int64_t styles = candidate.container.faces;
-    std::string text = face.familyName;
-    if (!face.styleName.empty()) {
-        text.append(" ").append(face.styleName);
+    const bool byVersion =
+        differ([](const FaceMatch& face) { return std::string_view(face.version); });
+    const bool byFoundry =
+        differ([](const FaceMatch& face) { return std::string_view(face.foundry); });
+    std::vector<std::string> lines;
+    lines.reserve(candidates.size());
+    for (const Candidate& candidate : candidates) {
+        lines.push_back(lineOf(candidate, byVersion, byFoundry));
     }
-    text.append(" — ");
-    if (!candidate.reason.empty()) {
-        text.append(candidate.reason).append("; ");
-    }
-    text.append(technology(face.type)).append(", ");
-    if (!face.version.empty() && differ([](const FaceMatch& of) { return of.version; })) {
-        text.append("version ").append(face.version).append(", ");
-    }
-    if (!face.foundry.empty() && differ([](const FaceMatch& of) { return of.foundry; })) {
-        text.append(face.foundry).append(", ");
-    }
-    text.append(std::to_string(styles)).append(styles == 1 ? " style, " : " styles, ");
-    return text.append(candidate.container.path());
+    return lines;
 }
 
 } // namespace manager

@@ -67,10 +67,10 @@ public:
     /// The set of a container that is active, whichever of its files are.
     const std::optional<SetRecord>& setOf(const Container& container);
 
-    /// A line for people: "Lato Bold — TrueType, 3 styles, /fonts/clients/acme"; with version and
-    /// foundry where these tell it from others `among` which it stands, and the reason.
-    [[nodiscard]] static std::string describe(const Candidate& candidate,
-                                              const std::vector<Candidate>& among);
+    /// A line for people of each of those that stand together: "Lato Bold — TrueType, 3 styles,
+    /// /fonts/clients/acme"; with version and foundry where these tell them apart, and the reason.
+    [[nodiscard]] static std::vector<std::string>
+    describe(const std::vector<Candidate>& candidates);
 
 private:
     [[nodiscard]] Candidate candidate(const CommandFont& font, FaceMatch&& face);

@@ -41,7 +41,7 @@ std::string whyNothingIsDone(const Finding& held) {
     if (held.near.empty()) {
         return ": not in the library";
     }
-    return ": not in the library; near: " + CandidateFinder::describe(held.near.front(), held.near);
+    return ": not in the library; near: " + CandidateFinder::describe(held.near).front();
 }
 
 /// What an activation request is to activate.

@@ -78,9 +78,9 @@ void writeFontRequestFont(ReplyText& reply, const CommandFont& asked, const Foun
         reply.flag("activationSuccessfull", active);
     }
     for (const std::vector<Candidate>& listed : {candidates, held.near}) {
-        for (const Candidate& candidate : listed) {
-            reply.fontInfo(toText(candidate.container.id),
-                           CandidateFinder::describe(candidate, listed));
+        const std::vector<std::string> lines = CandidateFinder::describe(listed);
+        for (std::size_t i = 0; i < listed.size(); ++i) {
+            reply.fontInfo(toText(listed[i].container.id), lines[i]);
         }
     }
     reply.endFont();
