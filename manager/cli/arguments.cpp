@@ -74,7 +74,7 @@ public:
 
     int run(int argc, char** argv) {
         try {
-            app_.parse(argc, argv);
+            parse(app_, argc, argv);
         } catch (const CLI::ParseError& error) {
             if (error.get_exit_code() == 0) { // help or version
                 return app_.exit(error);
@@ -111,7 +111,7 @@ private:
         return command;
     }
     CLI::Option* addNames(CLI::App& command, const char* name, const char* help) {
-        return command.add_option(name, options_.names, help);
+        return addTexts(command, name, help, options_.names);
     }
 
     void addLibraryCommands() {
@@ -239,13 +239,13 @@ private:
             return listGroups(places, title, options_.json);
         };
         CLI::App* adding = add("add", "Put containers in; made if need be", addTo);
-        adding->add_option("name", options_.group, "Its name")->required();
-        addNames(*adding, "container", nameHelp);
+        addWord(*adding, "name", "Its name", options_.group)->required();
+        addNames(*adding, "container", nameHelp)->required();
         CLI::App* removing = add("remove", "Take containers out, or remove all of it", removeFrom);
-        removing->add_option("name", options_.group, "Its name")->required();
+        addWord(*removing, "name", "Its name", options_.group)->required();
         addNames(*removing, "container", "A number, name or pattern; without any: all of it");
-        add("list", "List them, or what is in one", list)
-            ->add_option("name", options_.group, "Its name");
+        addWord(*add("list", "List them, or what is in one", list), "name", "Its name",
+                options_.group);
     }
 
     CLI::App app_{

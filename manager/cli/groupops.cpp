@@ -48,7 +48,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
     }
     Tally tally(json, "added");
     const auto containers = containersOf(places, names, tally);
-    if (containers.empty() && !names.empty()) {
+    if (containers.empty()) {
         return tally.finish();
     }
     std::vector<Container> added;
@@ -74,7 +74,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
     for (const Container& container : added) {
         tally.add(title.text() + ": added", container);
     }
-    return tally.finish();
+    return tally.finish("it was in there already");
 }
 
 int removeFromGroup(const Places& places, const GroupTitle& title,

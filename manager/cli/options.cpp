@@ -4,8 +4,10 @@
 
 #include "manager/library/error.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <utility>
@@ -28,6 +30,17 @@ public:
                    : " " + option->get_type_name();
     }
 };
+
+// CLI11 makes lists of words in brackets, and more of "{}". Whatever ends with this, which no
+// argument can hold, is none of these.
+constexpr char mark = '\0';
+
+std::string asTyped(std::string word) {
+    if (!word.empty() && word.back() == mark) {
+        word.pop_back();
+    }
+    return word;
+}
 
 /// The command that was named, as far as it was understood, and how it is called.
 std::pair<const CLI::App*, std::string> namedCommand(const CLI::App& program) {
@@ -62,7 +75,7 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
                 }
                 for (const std::string& text : values) {
                     try {
-                        take(text);
+                        take(asTyped(text));
                     } catch (const Error& error) {
                         throw CLI::ValidationError(name, error.what());
                     }
@@ -77,6 +90,33 @@ CLI::Option* addText(CLI::App& command, const std::string& name, const std::stri
                      const std::string& help, std::string& into) {
     return addOption(command, name, value, help, Times::Once,
                      [&into](const std::string& text) { into = text; });
+}
+
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help,
+                      std::vector<std::string>& into) {
+    return command.add_option_function<std::vector<std::string>>(
+        name,
+        [&into](const std::vector<std::string>& words) {
+            std::transform(words.begin(), words.end(), std::back_inserter(into), asTyped);
+        },
+        help);
+}
+
+CLI::Option* addWord(CLI::App& command, const std::string& name, const std::string& help,
+                     std::string& into) {
+    return command.add_option_function<std::string>(
+        name, [&into](const std::string& word) { into = asTyped(word); }, help);
+}
+
+void parse(CLI::App& program, int argc, const char* const* argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    for (std::string& word : words) {
+        if (word.starts_with('[') || word.starts_with('{')) {
+            word += mark;
+        }
+    }
+    std::reverse(words.begin(), words.end()); // as CLI11 takes them
+    program.parse(std::move(words));
 }
 
 std::chrono::seconds toTime(std::string_view text) {
@@ -105,7 +145,7 @@ std::string problemOf(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = program.remaining(true);
     std::string text = error.what();
     if (!unknown.empty()) {
-        text = unknownWord(*command, unknown.front());
+        text = unknownWord(*command, asTyped(unknown.front()));
     } else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         text = text.substr(0, text.find(':')) + ": a value is missing";
     } else if (const auto at = text.find(" excludes "); at != std::string::npos) {

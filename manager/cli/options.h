@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace manager {
 
@@ -23,6 +24,16 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
 /// The same for one that takes any text.
 CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& value,
                      const std::string& help, std::string& into);
+
+/// Adds the arguments that stand by themselves, as they were typed.
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help,
+                      std::vector<std::string>& into);
+/// The same for a single one.
+CLI::Option* addWord(CLI::App& command, const std::string& name, const std::string& help,
+                     std::string& into);
+
+/// Reads a command line whose options and arguments are those added here. Throws CLI::ParseError.
+void parse(CLI::App& program, int argc, const char* const* argv);
 
 /// "90s", "30min", "2h", "7d". Throws Error.
 [[nodiscard]] std::chrono::seconds toTime(std::string_view text);

@@ -269,8 +269,16 @@ int infoCommand(const Places& places, const std::vector<std::string>& names, boo
             std::erase_if(faces, [&](const FaceDetails& details) { return !isNamed(details); });
         }
         const bool active = activation.isActive(container);
+        const auto files = finder.library().files(container.id);
         for (const FaceDetails& details : faces) {
-            const char* state = stateOf(details.match, active);
+            const bool spare =
+                std::none_of(files.begin(), files.end(), [&](const LibraryFile& file) {
+                    return file.path == pathOf(details.match);
+                });
+            const char* state = stateOf(details.match, active && !spare);
+            if (spare && state == std::string_view("inactive")) {
+                state = "spare";
+            }
             if (!json) {
                 printDetails(details, state);
             }

@@ -132,7 +132,7 @@ std::u32string charactersOf(const std::string& text) {
 } // namespace
 
 void SearchOptions::addTo(CLI::App& command) {
-    command.add_option("word", words_, "Words that names of the face hold");
+    addTexts(command, "word", "Words that names of the face hold", words_);
     addRange(command, "--weight", "From 1 to 1000: 700, or 300-500", {1, 1000}, query_.weight);
     addRange(command, "--width", "In per cent: 75, or 50-87.5", {1, 1000}, query_.width);
     addChoice(command, "--slant", "One of", slants, query_.slants);

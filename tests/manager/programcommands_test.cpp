@@ -13,6 +13,7 @@ namespace {
 
 TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     sandbox_.write("fonts/bad.otf", "bad");
+    sandbox_.write("fonts/later.ttf", makeFont({"Lato & Co", "Bold", "Lato-Bold", true}));
     sandbox_.write("fonts/pair.ttc", makeCollection({{"Pair", "Regular", "Pair", true},
                                                      {"Pair", "Bold", "Pair-Bold", true}}));
     const Ending added = glyphora({"add", sandbox_.library()});
@@ -41,6 +42,11 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"dance"}, 2, "unknown command 'dance'"},
         {{"--dance"}, 2, "unknown option '--dance'"},
         {{"add"}, 2, "required"},
+        {{"tag", "add", "x"}, 2, "container is required; see glyphora tag add --help"},
+        {{"info", "Lato-Bold"}, 0, "(container 1, spare)\n"},
+        {{"status", "[x]"}, 2, "unexpected word '[x]';"},
+        {{"activate", "[A-C]*[12]"}, 1, "glyphora: [A-C]*[12]: no PostScript name or"},
+        {{"activate", "{}"}, 1, "glyphora: {}: no container, "},
         {{"deactivate"}, 2, "name containers, or give --all; see glyphora deactivate --help"},
         {{"collect", "--to"}, 2, "--to: a value is missing"},
         {{"collection", "dance"}, 2, "unknown command 'dance'; see glyphora collection --help"},
@@ -112,7 +118,8 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
 
 TEST_F(TheProgram, IsCompletedByNamesAsTheyAre) {
     const std::string name = "a '$(echo b)";
-    EXPECT_EQ(glyphora({"tag", "add", name}).status, 0);
+    EXPECT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    EXPECT_EQ(glyphora({"tag", "add", name, "1"}).status, 0);
     const char* script = ". " GLYPHORA_COMPLETION "; compopt() { :; }\n"
                          "glyphora() { " GLYPHORA_PROGRAM " \"$@\"; }\n"
                          "COMP_WORDS=(glyphora tag remove a) COMP_CWORD=3; _glyphora\n"
