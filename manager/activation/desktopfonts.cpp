@@ -97,6 +97,12 @@ Failure runReader(const std::filesystem::path& program, const std::string& mode,
     return std::nullopt;
 }
 
+void throwOn(const Failure& failure) {
+    if (failure) {
+        throw Error("the desktop's fonts: cannot be read by fontconfig: " + *failure);
+    }
+}
+
 std::optional<NamedFace> faceOf(const Fields& fields) {
     const auto type = fields.size() == 4 && fields[0] == "face" ? toNumber<std::uint8_t>(fields[2])
                                                                 : std::nullopt;
@@ -258,11 +264,20 @@ DesktopFaces readDesktop(const std::filesystem::path& program, const std::string
             faces.watch(fields[1], toNumber<std::int64_t>(fields[2]).value_or(0));
         }
     });
-    if (failure) {
-        throw Error("the desktop's fonts: cannot be read by fontconfig: " + *failure);
-    }
+    throwOn(failure);
     faces.replaceFolders({}, named);
     return faces;
+}
+
+std::vector<std::string> findDesktopFiles(const std::filesystem::path& program,
+                                          const std::string& name) {
+    std::vector<std::string> files;
+    throwOn(runReader(program, "named", {}, std::vector{name}, [&](const Fields& fields) {
+        if (fields.size() == 2 && fields[0] == "file") {
+            files.push_back(fields[1]);
+        }
+    }));
+    return files;
 }
 
 } // namespace manager

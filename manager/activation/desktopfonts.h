@@ -73,4 +73,9 @@ struct FolderReading {
 [[nodiscard]] DesktopFaces readDesktop(const std::filesystem::path& program,
                                        const std::string& root);
 
+/// The files of faces that have a family, a full name or a PostScript name like `name`; case and
+/// blanks do not count. Throws Error. [any-thread]
+[[nodiscard]] std::vector<std::string> findDesktopFiles(const std::filesystem::path& program,
+                                                        const std::string& name);
+
 } // namespace manager

@@ -160,7 +160,8 @@ private:
 
     void addSearch() {
         CLI::App* search = command("search", "Find faces of the library", [this](const Places& p) {
-            return searchCommand(p, options_.search.query(), options_.json);
+            return searchCommand(p, options_.search.query(), options_.search.similar(),
+                                 options_.json);
         });
         options_.search.addTo(*search);
     }

@@ -7,9 +7,11 @@
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
 #include "manager/cli/tally.h"
+#include "manager/exchange/likesearch.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -227,7 +229,8 @@ Json toJson(const FaceDetails& details, const char* state) {
     return document;
 }
 
-int searchCommand(const Places& places, FaceQuery query, bool json) {
+int searchCommand(const Places& places, FaceQuery query, const std::optional<std::string>& similar,
+                  bool json) {
     Tally tally(json, "faces");
     const auto library = openScanned(places);
     if (!query.folder.empty()) {
@@ -236,21 +239,47 @@ int searchCommand(const Places& places, FaceQuery query, bool json) {
     const Activation activation(places);
     const auto reading = library->reading();
     States states(*library, activation);
-    const FoundFaces found = library->search(query);
-    for (const FaceMatch& face : found.faces) {
+    const auto tell = [&](const FaceMatch& face, const std::string& differences, const Json& more) {
         const char* state = states.of(face);
-        tally.add(lineBegin(face.container, state) + calledName(face) + ", " +
+        Json item = toJson(face, state);
+        item.update(more);
+        tally.add(lineBegin(face.container, state) + calledName(face) + differences +
                       textOf(technologies, face.type) + ", " + pathOf(face) + awayText(face, state),
-                  toJson(face, state));
+                  std::move(item));
+    };
+    std::size_t total = 0;
+    if (!similar) {
+        const FoundFaces found = library->search(query);
+        total = found.total;
+        for (const FaceMatch& face : found.faces) {
+            tell(face, ", ", Json::object());
+        }
+    } else {
+        const FaceDetails model = findNamedFace(*library, activation, *similar);
+        const AllAlike found = searchAlike(*library, model, query);
+        total = found.total;
+        if (!json) {
+            printLine("like " + calledName(model.match) + ", " + pathOf(model.match) + ":");
+        }
+        tally.set("similarTo", {{"postScriptName", model.match.postScriptName},
+                                {"family", model.match.familyName},
+                                {"style", model.match.styleName},
+                                {"path", pathOf(model.match)}});
+        for (const auto& [face, distance, differences] : found.faces) {
+            tell(face, " — " + (differences.empty() ? "hardly differs" : differences) + "; ",
+                 {{"distance", std::round(double{distance} * 100) / 100},
+                  {"differences", differences}});
+        }
     }
-    tally.set("total", found.total);
-    if (found.total == 0) {
+    tally.set("total", total);
+    if (total == 0) {
         tellUnknown(*library, query, tally);
-    } else if (!json && found.total > query.offset + found.faces.size()) {
-        printLine(std::to_string(found.total) + " in all; --limit shows more");
+    } else if (!json && total > query.offset + tally.size()) {
+        printLine(std::to_string(total) + " in all; --limit shows more");
     }
+    const bool isEmpty = tally.isEmpty();
     const int status = tally.finish("nothing found");
-    return found.faces.empty() ? exitFailure : status;
+    return isEmpty ? exitFailure : status;
 }
 
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json) {

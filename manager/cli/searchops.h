@@ -20,7 +20,9 @@ namespace manager {
 [[nodiscard]] nlohmann::ordered_json toJson(const FaceDetails& details, const char* state);
 
 /// Each returns an ExitStatus and throws Error.
-int searchCommand(const Places& places, FaceQuery query, bool json);
+/// `similar`: the name of the face that those found are to look like.
+int searchCommand(const Places& places, FaceQuery query, const std::optional<std::string>& similar,
+                  bool json);
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json);
 int duplicatesCommand(const Places& places, bool json);
 

@@ -133,6 +133,8 @@ std::u32string charactersOf(const std::string& text) {
 
 void SearchOptions::addTo(CLI::App& command) {
     addTexts(command, "word", "Words that names of the face hold", words_);
+    addOption(command, "--similar", "NAME", "That look like this face, the nearest first",
+              Times::Once, [this](const std::string& text) { similar_ = text; });
     addRange(command, "--weight", "From 1 to 1000: 700, or 300-500", {1, 1000}, query_.weight);
     addRange(command, "--width", "In per cent: 75, or 50-87.5", {1, 1000}, query_.width);
     addChoice(command, "--slant", "One of", slants, query_.slants);

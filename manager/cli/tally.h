@@ -34,6 +34,8 @@ public:
     void set(const char* key, nlohmann::ordered_json value) { more_[key] = std::move(value); }
 
     [[nodiscard]] bool isEmpty() const { return done_.empty(); }
+    /// How many things were done.
+    [[nodiscard]] std::size_t size() const { return done_.size(); }
     /// Prints the document if there is to be one. The ExitStatus. When nothing was done and nothing
     /// has failed, people are told `whenEmpty`.
     [[nodiscard]] int finish(const char* whenEmpty = nullptr);

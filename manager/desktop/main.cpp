@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // glyphora-desktop MODE ROOT: has fontconfig read fonts on behalf of the manager, with limits.
-// "all": everything that the desktop shows. "folders", "files": those named on standard input, a
-// field line each; each is told before it is read, so that whoever waits knows which one it was
-// when this process ends before its time. Everything goes back over the socket that standard input
-// is.
+// "all": everything that the desktop shows. "named": the files of faces with a family, full name or
+// PostScript name like the one on standard input. "folders", "files": those named on standard
+// input, a field line each; each is told before it is read, so that whoever waits knows which one
+// it was when this process ends before its time. Everything goes back over the socket that standard
+// input is.
 #include "faces/fontpattern.h"
+#include "faces/namekey.h"
 #include "manager/activation/desktopfonts.h"
 #include "manager/library/fields.h"
 #include "manager/library/places.h"
@@ -18,6 +20,7 @@
 #include <fontconfig/fontconfig.h>
 #include <functional>
 #include <memory>
+#include <set>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -85,6 +88,36 @@ int tellFaces(FcConfig* config, FcSetName set, int told) {
         }
     }
     return all != nullptr ? all->nfont : 0;
+}
+
+bool isNamed(const FcPattern* face, const std::string& key) {
+    for (const char* object : {FC_FAMILY, FC_FULLNAME, FC_POSTSCRIPT_NAME}) {
+        for (int i = 0;; ++i) {
+            const std::string name = faces::textOf(face, object, i);
+            if (name.empty()) {
+                break;
+            }
+            if (faces::nameKey(name) == key) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void tellFilesNamed(const std::string& name) {
+    sys::allowProcessorTime(secondsForAll);
+    const ConfigHandle config(FcInitLoadConfigAndFonts());
+    const FcFontSet* all = FcConfigGetFonts(config.get(), FcSetSystem);
+    const std::string key = faces::nameKey(name);
+    std::set<std::string> told;
+    for (int i = 0; all != nullptr && i < all->nfont; ++i) {
+        const FcPattern* face = all->fonts[i];
+        const std::string file = faces::textOf(face, FC_FILE, 0);
+        if (isNamed(face, key) && told.insert(file).second) {
+            tell({"file", file});
+        }
+    }
 }
 
 void forEach(FcStrList* list, const std::function<void(const std::string&)>& visit) {
@@ -164,6 +197,10 @@ int main(int argc, char** argv) {
     }
     if (arguments[1] == "all") {
         readAll(arguments[2]);
+    } else if (arguments[1] == "named") {
+        for (const std::string& name : requestedPaths()) {
+            tellFilesNamed(name);
+        }
     } else if (arguments[1] == "folders") {
         readFoldersOf(arguments[2]);
     } else {

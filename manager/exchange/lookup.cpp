@@ -3,7 +3,6 @@
 #include "manager/exchange/lookup.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -43,6 +42,15 @@ std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
              face.names, face.style, reachOf(face)});
     }
     return faces::match(wanted, known);
+}
+
+std::optional<FaceDetails> findAwayFace(Library& library, const faces::Wanted& wanted) {
+    const faces::Keys keys = faces::keysOf(wanted);
+    const auto faces = library.findAway(keys.postScriptName, keys.family);
+    const auto matches = matchFaces(wanted, faces);
+    return matches.empty() || !faces::isExact(matches.front().ground)
+               ? std::nullopt
+               : library.face(faces[matches.front().face].id);
 }
 
 LookUp::LookUp(Library& library, faces::Wanted wanted)

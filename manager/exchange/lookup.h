@@ -5,6 +5,7 @@
 #include "faces/matching.h"
 #include "manager/library/library.h"
 
+#include <optional>
 #include <span>
 #include <unordered_set>
 #include <vector>
@@ -14,6 +15,10 @@ namespace manager {
 /// The rule over faces of the index.
 [[nodiscard]] std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
                                                    std::span<const FaceMatch> faces);
+
+/// A face that is in a folder that is away.
+[[nodiscard]] std::optional<FaceDetails> findAwayFace(Library& library,
+                                                      const faces::Wanted& wanted);
 
 /// Asks the index for more and more, until the rule finds the face in what has come.
 class LookUp {

@@ -37,24 +37,14 @@ void StandIns::add(Library& library, CandidateFinder& finder, std::span<const Ab
         if (work_ > mostWork) {
             break;
         }
-        auto look = hasAway ? lookOfAway(library, wantedOf(one.font)) : std::nullopt;
+        const auto away = hasAway ? findAwayFace(library, wantedOf(one.font)) : std::nullopt;
+        auto look = away ? faces::likenessOf(away->face) : std::nullopt;
         const auto lookOfAlias = addAlias(library, finder, one);
         look = look ? look : lookOfAlias;
         if (look) {
             addSimilar(library, finder, one, *look);
         }
     }
-}
-
-std::optional<faces::Likeness> StandIns::lookOfAway(Library& library, const faces::Wanted& wanted) {
-    const faces::Keys keys = faces::keysOf(wanted);
-    const auto faces = library.findAway(keys.postScriptName, keys.family);
-    const auto matches = matchFaces(wanted, faces);
-    if (matches.empty() || !faces::isExact(matches.front().ground)) {
-        return std::nullopt;
-    }
-    const auto details = library.face(faces[matches.front().face].id);
-    return details ? faces::likenessOf(details->face) : std::nullopt;
 }
 
 std::optional<faces::Likeness> StandIns::addAlias(Library& library, CandidateFinder& finder,

@@ -30,7 +30,6 @@ public:
     void add(Library& library, CandidateFinder& finder, std::span<const Absent> absent);
 
 private:
-    static std::optional<faces::Likeness> lookOfAway(Library& library, const faces::Wanted& wanted);
     std::optional<faces::Likeness> addAlias(Library& library, CandidateFinder& finder,
                                             const Absent& absent);
     void addSimilar(Library& library, CandidateFinder& finder, const Absent& absent,

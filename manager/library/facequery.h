@@ -12,6 +12,8 @@
 
 namespace manager {
 
+enum class FaceId : std::int64_t;
+
 /// A range of numbers, both ends in it.
 struct Range {
     double from = 0;
@@ -28,6 +30,7 @@ struct FaceQuery {
     std::string text;   ///< words, each of which some name of the face holds; case does not count
     std::string folder; ///< at or under it
     std::optional<std::int32_t> container;
+    std::optional<std::vector<FaceId>> among; ///< one of these
 
     std::optional<Range> weight; ///< of a variable font any weight that its axis reaches
     std::optional<Range> width;

@@ -120,6 +120,14 @@ void addPlace(Conditions& conditions, const FaceQuery& query) {
     if (query.container) {
         conditions.add("face.container = ?", {std::int64_t{*query.container}});
     }
+    if (query.among) {
+        std::string list;
+        for (const FaceId id : *query.among) {
+            list += (list.empty() ? "[" : ",") + std::to_string(static_cast<std::int64_t>(id));
+        }
+        conditions.add("face.id IN (SELECT value FROM json_each(?))",
+                       {list.empty() ? "[]" : list + "]"});
+    }
     addFlag(conditions, "directory.away", query.away);
     if (!query.spares) {
         conditions.add("file.spare = 0", {});

@@ -28,6 +28,7 @@ _glyphora() {
         --slant) _glyphora_words 'upright italic oblique' ;;
         --type) _glyphora_words 'T1 TT OT_T1 OT_TT' ;;
         --class) _glyphora_words 'serif slab sans mono script decorative symbol' ;;
+        --similar) _glyphora_lines < <(_glyphora_listed '\2' list --containers) ;;
         --weight | --width | --version | --foundry | --licence | --script | --language | --feature | --axis | \
             --covers | --limit | --offset) ;;
         *) valued='' ;;
@@ -48,7 +49,7 @@ _glyphora() {
         scan) options+=' --quiet' ;;
         list) options+=' --containers --problems' ;;
         search)
-            options+=' --weight --width --slant --type --class --monospaced --variable --colour
+            options+=' --similar --weight --width --slant --type --class --monospaced --variable --colour
                 --embeddable --version --foundry --licence --script --language --feature --axis
                 --covers --folder --limit --offset'
             ;;
@@ -115,13 +116,18 @@ _glyphora_containers() {
     esac
     [[ $current == [0-9]* ]] && part='\1'
     _glyphora_lines < <(
-        glyphora "$@" 2>/dev/null | sed -n "
-            s/^ *\([0-9]\{1,\}\)  [a-z]\{1,\}  *\(.*\), [^,]*, [0-9]* faces\{0,1\}, \/.*/$part/p
-            s/^ *\([0-9]\{1,\}\)  \(.*\), [0-9]* files\{0,1\}\(,.*\)\{0,1\}\$/$part/p" | sort -u
+        _glyphora_listed "$part" "$@"
         for kind in collection tag; do
             _glyphora_groups "$kind" | sed "s/^/$kind:/"
         done
     )
+}
+
+# Of the containers that a listing names the numbers (\1) or names (\2), one a line.
+_glyphora_listed() {
+    glyphora "${@:2}" 2>/dev/null | sed -n "
+        s/^ *\([0-9]\{1,\}\)  [a-z]\{1,\}  *\(.*\), [^,]*, [0-9]* faces\{0,1\}, \/.*/$1/p
+        s/^ *\([0-9]\{1,\}\)  \(.*\), [0-9]* files\{0,1\}\(,.*\)\{0,1\}\$/$1/p" | sort -u
 }
 
 # The recorded folders, one a line.

@@ -116,6 +116,23 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     }
 }
 
+TEST_F(TheProgram, FindsFacesThatLookLikeOneOfItsOwnOrTheDesktops) {
+    sandbox_.write("fonts/other.ttf", makeFont({"Other", "Regular", "Other"}));
+    sandbox_.write("fonts/others.ttf", makeFont({"Other", "Thin", "Other-Thin"}));
+    sandbox_.write("../shown/bold.ttf", makeFont({"Shown Sans", "Bold", "ShownSans-Bold", true}));
+    sandbox_.setFontconfig("<dir>" + sandbox_.root() + "/shown</dir>");
+    expectEach({
+        {{"add", sandbox_.library()}, 0, "3 font files read"},
+        {{"search", "--similar", "LATO & CO bold"}, 0, "lato.ttf:\n     2  inactive  Other "},
+        {{"search", "--similar", "Lato-Bold", "--json"}, 0, "\"total\": 1,"},
+        {{"search", "--similar", "shown sans BOLD"}, 0, "Lato & Co Bold — hardly differs; OpenT"},
+        {{"search", "--similar", "Other", "-h"}, 0, "--similar NAME"},
+        {{"search", "--similar", "Other", "--weight", "1"}, 1, "glyphora: nothing found"},
+        {{"search", "--similar", "Shown Sans"}, 1, "Shown Sans: neither the library nor the "},
+        {{"search", "--similar", "Other", "--similar", "x"}, 2, "--similar: may be given once"},
+    });
+}
+
 TEST_F(TheProgram, IsCompletedByNamesAsTheyAre) {
     const std::string name = "a '$(echo b)";
     EXPECT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
