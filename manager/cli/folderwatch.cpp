@@ -28,6 +28,9 @@ constexpr std::uint32_t arrivalEvents =
     IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr std::uint32_t appearance = IN_CREATE | IN_MOVED_TO;
 
+// A millisecond's work: commands wait no longer for it.
+constexpr std::size_t folderPortion = 200;
+
 bool isLink(const std::string& path) {
     struct stat status {};
     return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
@@ -108,7 +111,8 @@ FolderWatch::FolderWatch(const Places& places)
     : list_(places.folders()), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       mountInfo_(open(mountInfo, O_RDONLY | O_CLOEXEC)) {
     checkMounts();
-    watch({}, {});
+    begin({}, {});
+    goOn();
 }
 
 void FolderWatch::checkMounts() {
@@ -121,22 +125,22 @@ void FolderWatch::checkMounts() {
 }
 
 // nullptr: it cannot be watched. A folder that is watched already keeps its watch.
-FolderWatch::Interest* FolderWatch::add(Interests& interests, const std::string& path,
-                                        std::uint32_t events) const {
+FolderWatch::Interest* FolderWatch::add(const std::string& path, std::uint32_t events) {
     const int id = inotify_ ? inotify_add_watch(inotify_.get(), path.c_str(),
                                                 events | IN_ONLYDIR | IN_MASK_ADD)
                             : -1;
-    return id < 0 ? nullptr : &interests.try_emplace(id, Interest{path, false, {}}).first->second;
+    return id < 0 ? nullptr
+                  : &round_->wanted.try_emplace(id, Interest{path, false, {}}).first->second;
 }
 
 // A folder does not hear that one above it is moved, so those are asked themselves. When it is away
 // the nearest folder above it that there is hears of the next step of its return. False: none does.
-bool FolderWatch::addWay(Interests& interests, const std::string& root) const {
-    bool here = folders_.contains(root);
+bool FolderWatch::addWay(const std::string& root) {
+    bool here = round_->watched.contains(root);
     for (std::string path = root; path != "/";) {
         const std::string name = nameOf(path);
         path = folderOf(path);
-        Interest* interest = add(interests, path, here ? IN_MOVE_SELF : arrivalEvents);
+        Interest* interest = add(path, here ? IN_MOVE_SELF : arrivalEvents);
         if (interest != nullptr && !here) {
             interest->names.insert(name);
             here = true;
@@ -145,52 +149,72 @@ bool FolderWatch::addWay(Interests& interests, const std::string& root) const {
     return here;
 }
 
-FolderWatch::Result FolderWatch::watch(const std::vector<std::string>& folders,
-                                       const std::vector<std::string>& roots) {
-    roots_ = roots;
-    Interests wanted;
-    Result result;
-    folders_.clear();
-    for (const std::string& folder : folders) {
-        if (Interest* interest = add(wanted, folder, contentEvents)) {
-            interest->contents = true;
-            folders_.insert(folder);
-        } else if (!inotify_ || errno != ENOENT) {
-            ++result.missed; // one that is gone is of no interest
-        }
+void FolderWatch::begin(std::vector<std::string> folders, std::vector<std::string> roots) {
+    round_ = Round{std::move(folders), 0, {}, {}, {}};
+    roots_ = std::move(roots);
+    isAsSet_ = true;
+}
+
+std::optional<FolderWatch::Result> FolderWatch::goOn() {
+    const std::size_t end = std::min(round_->folders.size(), round_->next + folderPortion);
+    for (; round_->next < end; ++round_->next) {
+        addFolder(round_->folders[round_->next]);
     }
-    std::set<std::string> seen(folders.begin(), folders.end());
-    for (const std::string& root : roots) {
+    if (end < round_->folders.size()) {
+        return std::nullopt;
+    }
+    for (const std::string& root : roots_) {
+        const bool isFolder = std::find(round_->folders.begin(), round_->folders.end(), root) !=
+                              round_->folders.end();
         // One that is here was counted.
-        result.missed += addWay(wanted, root) || seen.contains(root) ? 0 : 1;
+        round_->result.missed += addWay(root) || isFolder ? 0 : 1;
+        round_->result.isDeaf = round_->result.isDeaf || isChangedSilently(mounts_, root);
     }
-    seen.insert(roots.begin(), roots.end());
-    result.isDeaf =
-        result.missed != 0 || std::any_of(seen.begin(), seen.end(), [&](const std::string& folder) {
-            return isChangedSilently(mounts_, folder);
-        });
+    addList();
+    replaceInterests();
+    Result result = round_->result;
+    result.isDeaf = result.isDeaf || result.missed != 0;
+    isAsSet_ = isAsSet_ && !result.isDeaf;
+    round_.reset();
+    return result;
+}
+
+void FolderWatch::addFolder(const std::string& folder) {
+    if (Interest* interest = add(folder, contentEvents)) {
+        interest->contents = true;
+        round_->watched.insert(folder);
+    } else if (!inotify_ || errno != ENOENT) {
+        ++round_->result.missed; // one that is gone is of no interest
+    }
+    round_->result.isDeaf = round_->result.isDeaf || isChangedSilently(mounts_, folder);
+}
+
+void FolderWatch::addList() {
     std::error_code code;
     for (const std::string& path :
          {list_, std::filesystem::weakly_canonical(list_, code).string()}) {
-        if (Interest* holder = code ? nullptr : add(wanted, folderOf(path), appearance)) {
+        if (Interest* holder = code ? nullptr : add(folderOf(path), appearance)) {
             holder->names.insert(nameOf(path));
         }
     }
-    for (const auto& [id, interest] : wanted) {
+}
+
+void FolderWatch::replaceInterests() {
+    for (const auto& [id, interest] : round_->wanted) {
         const auto known = interests_.find(id);
         const bool same = known != interests_.end() && known->second.path == interest.path &&
                           known->second.contents >= interest.contents &&
                           std::includes(known->second.names.begin(), known->second.names.end(),
                                         interest.names.begin(), interest.names.end());
-        result.added += same ? 0 : 1;
+        round_->result.added += same ? 0 : 1;
     }
     for (const auto& [id, interest] : interests_) {
-        if (!wanted.contains(id)) {
+        if (!round_->wanted.contains(id)) {
             inotify_rm_watch(inotify_.get(), id);
         }
     }
-    interests_ = std::move(wanted);
-    return result;
+    interests_ = std::move(round_->wanted);
+    folders_ = std::move(round_->watched);
 }
 
 bool FolderWatch::isOfInterest(const Interest& interest, std::uint32_t events,
@@ -218,6 +242,7 @@ bool FolderWatch::drain() {
     for (;;) {
         const ssize_t count = read(inotify_.get(), block.data(), block.size());
         if (count <= 0) {
+            isAsSet_ = isAsSet_ && !heard;
             return heard;
         }
         for (ssize_t position = 0; position < count;) {

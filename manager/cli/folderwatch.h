@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -50,9 +51,16 @@ public:
         std::size_t missed = 0; ///< that cannot be watched (the system allows only so many)
         bool isDeaf = false;    ///< not all changes in the folders and roots will be heard
     };
-    /// Watches exactly these folders, the list of recorded folders and where it leads if it is a
-    /// link, and the way to each of `roots`: that it goes, and when it is away, that it comes back.
-    Result watch(const std::vector<std::string>& folders, const std::vector<std::string>& roots);
+    /// Begins to watch exactly these folders, the list of recorded folders and where it leads if it
+    /// is a link, and the way to each of `roots`: that it goes, and when it is away, that it comes
+    /// back. What was watched before is so until the end.
+    void begin(std::vector<std::string> folders, std::vector<std::string> roots);
+    [[nodiscard]] bool isUnderWay() const { return round_.has_value(); }
+    /// Sets a portion of the watches; the result once all are set. To be called after begin().
+    std::optional<Result> goOn();
+    /// Whether all that the last begin() named is watched and each path leads to what is: a change
+    /// of that is heard.
+    [[nodiscard]] bool isAsSet() const { return isAsSet_; }
     /// Polls with POLLPRI, once for each time that file systems were mounted or unmounted: inotify
     /// says nothing of it. checkMounts is to be called then. -1 where that cannot be had.
     [[nodiscard]] int mountDescriptor() const { return mountInfo_.get(); }
@@ -71,8 +79,20 @@ private:
     };
     using Interests = std::map<int, Interest>; ///< by watch
 
-    Interest* add(Interests& interests, const std::string& path, std::uint32_t events) const;
-    bool addWay(Interests& interests, const std::string& root) const;
+    /// Watches on their way to be set.
+    struct Round {
+        std::vector<std::string> folders;
+        std::size_t next = 0; ///< of those
+        Interests wanted;
+        std::set<std::string> watched; ///< those of `folders`
+        Result result;
+    };
+
+    Interest* add(const std::string& path, std::uint32_t events);
+    void addFolder(const std::string& folder);
+    bool addWay(const std::string& root);
+    void addList();
+    void replaceInterests();
     [[nodiscard]] bool isOfInterest(const Interest& interest, std::uint32_t events,
                                     std::string_view name) const;
 
@@ -82,6 +102,8 @@ private:
     Mounts mounts_;
     bool mountHeard_ = false;
     std::vector<std::string> roots_;
+    std::optional<Round> round_;
+    bool isAsSet_ = false;
     Interests interests_;
     std::set<std::string> folders_; ///< the paths whose contents are of interest
 };

@@ -44,6 +44,7 @@ void Server::openLibrary() {
     library_.reset(); // its files may be those of an index that was moved aside
     standIns_ = {};
     followed_.reset();
+    watched_.reset();
     library_ = openToAnswer(places_);
     scanNeeded_ = scanNeeded_ || library_->isScanOwed();
 }
@@ -345,22 +346,30 @@ void Server::followFiles() {
     }
 }
 
-FolderWatch::Result Server::watchFolders(FolderWatch& watch) {
+bool Server::watchFolders(FolderWatch& watch) {
+    bool isDone = false;
     try {
         if (!library_ || library_->isReplaced()) {
             openLibrary();
         }
-        const auto result = watch.watch(library_->directories(), readFolders(places_));
-        if (std::exchange(missed_, result.missed) != result.missed && missed_ != 0) {
-            warn(counted(missed_, "folder") +
-                 " cannot be watched; changes there are found within a minute or so");
+        const Library::Generation now = library_->generation();
+        if (!watch.isAsSet() || watched_ != now) {
+            watch.begin(library_->directories(), readFolders(places_));
+            watched_ = now;
         }
-        letOthersOpen();
-        return result;
+        isDone = true;
     } catch (const Error& error) {
         warn(takeFailure(error));
     }
-    return {0, 0, true}; // the next scan may find the index and the list in order
+    letOthersOpen();
+    return isDone;
+}
+
+void Server::noteUnwatched(std::size_t folders) {
+    if (std::exchange(unwatched_, folders) != folders && folders != 0) {
+        warn(counted(folders, "folder") +
+             " cannot be watched; changes there are found within a minute or so");
+    }
 }
 
 } // namespace manager

@@ -60,9 +60,11 @@ public:
     }
     /// The reasons that will end, when they have been looked at since the last call.
     std::optional<std::vector<Reason>> takeEndingReasons() { return std::exchange(ending_, {}); }
-    /// Watches the folders that the index knows by now, and for those recorded folders that are
-    /// away.
-    FolderWatch::Result watchFolders(FolderWatch& watch);
+    /// Begins to watch the folders that the index knows by now, and for those recorded folders that
+    /// are away, unless it is as it was when they were. False: it is not known which they are.
+    [[nodiscard]] bool watchFolders(FolderWatch& watch);
+    /// Tells that so many cannot be watched, when that is new.
+    void noteUnwatched(std::size_t folders);
 
     [[nodiscard]] Activator& activator() { return activator_; }
 
@@ -120,7 +122,8 @@ private:
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
     bool scanNeeded_ = false;
-    std::size_t missed_ = 0; ///< folders that could not be watched lately
+    std::optional<Library::Generation> watched_; ///< the index whose folders are watched
+    std::size_t unwatched_ = 0;                  ///< folders that could not be lately
 };
 
 /// Registers under the manager's signature and answers until told to quit: by a 'quit' event,

@@ -156,8 +156,8 @@ public:
         HandlerContext context{&server_};
         const EventHandler commands(FourCharCode("QGLY"), typeWildCard, handleCommand, &context);
         const EventHandler quit(FourCharCode("aevt"), FourCharCode("quit"), handleQuit, &context);
-        isDeaf_ = server_.watchFolders(watch_).isDeaf;
-        startScan();
+        watchFolders();
+        scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
         server_.takeScanNeed(); // met by this scan
         while (!context.quit) {
             waitForAnything();
@@ -184,7 +184,7 @@ private:
                                           {reasons_.descriptor(), POLLIN, 0},
                                           {reasons_.changeDescriptor(), POLLIN, 0}}};
         // A scan that is due while one runs waits for the end of that, which is a signal.
-        int wait = reasonTimer_.shorten(reasons_.shorten(-1));
+        int wait = watch_.isUnderWay() ? 0 : reasonTimer_.shorten(reasons_.shorten(-1));
         if (!scan_.isRunning()) {
             wait = pollTimer_.shorten(scanTimer_.shorten(wait));
         }
@@ -227,21 +227,37 @@ private:
         }
     }
 
+    void watchFolders() {
+        isDeaf_ = !server_.watchFolders(watch_);
+        planPoll();
+    }
+
+    // In portions, as commands come first. What changes in a folder before it is watched is found
+    // by a scan after that: the first one waits for all watches, and new ones call for another.
+    void goOnWatching() {
+        if (const auto result = watch_.goOn()) {
+            server_.noteUnwatched(result->missed);
+            if (result->added != 0) {
+                scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
+            }
+            isDeaf_ = result->isDeaf;
+            planPoll();
+        }
+    }
+
     void look() {
         if (scan_.hasEnded()) {
             server_.followFiles();
-            const auto [added, missed, isDeaf] = server_.watchFolders(watch_);
-            // What changed in a new folder between its scan and its watch is found by another scan.
-            if (added != 0) {
-                scanTimer_.restart(std::chrono::milliseconds(0), longestScanDelay);
-            }
-            isDeaf_ = isDeaf;
-            planPoll();
+            watchFolders();
+        }
+        if (watch_.isUnderWay()) {
+            goOnWatching();
         }
         if (watch_.drain() || server_.takeScanNeed()) {
             scanTimer_.restart(scanDelay, longestScanDelay);
         }
-        if (!scan_.isRunning() && (scanTimer_.takeExpired() || pollTimer_.takeExpired())) {
+        if (!scan_.isRunning() && !watch_.isUnderWay() &&
+            (scanTimer_.takeExpired() || pollTimer_.takeExpired())) {
             startScan();
         }
         if (auto ending = server_.takeEndingReasons()) {

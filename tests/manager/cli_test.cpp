@@ -201,7 +201,8 @@ protected:
     }
     void watch() {
         const bool here = fs::is_directory(root_);
-        watch_.watch(here ? std::vector{root_} : std::vector<std::string>(), {root_});
+        watch_.begin(here ? std::vector{root_} : std::vector<std::string>(), {root_});
+        watch_.goOn();
         watch_.drain();
     }
     bool hears(const std::function<void()>& deed) {
@@ -261,6 +262,34 @@ TEST_F(AFolderWatch, HearsThatARootGoesAndComesBack) {
     EXPECT_TRUE(hears([&] { fs::rename(root_, root_ + ".away"); }));
     watch();
     EXPECT_TRUE(hears([&] { fs::rename(root_ + ".away", root_); }));
+}
+
+TEST_F(AFolderWatch, IsSetInPortionsAndAsSetUntilAPathMayLeadElsewhere) {
+    std::vector<std::string> folders;
+    for (int i = 0; i < 500; ++i) {
+        folders.push_back(root_ + "/" + std::to_string(i));
+    }
+    const auto makeFolders = [&] {
+        std::for_each(folders.begin(), folders.end(), manager::makeFolders);
+    };
+    const auto added = [&] {
+        std::optional<FolderWatch::Result> result;
+        for (watch_.begin(folders, {root_}); !result; result = watch_.goOn()) {
+        }
+        return result->added;
+    };
+    makeFolders();
+    watch_.begin(folders, {root_});
+    EXPECT_FALSE(watch_.goOn());
+    EXPECT_GE(added(), folders.size()) << "what happened there before was not heard";
+    EXPECT_EQ(added(), 0);
+    watch_.drain();
+    EXPECT_TRUE(watch_.isAsSet());
+    fs::rename(root_, root_ + ".away");
+    makeFolders();
+    watch_.drain();
+    EXPECT_FALSE(watch_.isAsSet());
+    EXPECT_GE(added(), folders.size()) << "others of the same names";
 }
 
 } // namespace

@@ -126,6 +126,28 @@ TEST_F(TheProgram, ScansAtChangesOrNowAndThenWhereItCannotWatch) {
     }
 }
 
+TEST_F(TheProgram, FindsWhatComesBetweenTheScanOfANewFolderAndItsWatch) {
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    std::optional<manager::FileLock> noScan(sandbox_.places().scanLock());
+    serve();
+    const std::string process = std::to_string(server_->process());
+    const auto scans = [&] { // those that the server has begun and not yet seen to end
+        return !readBytes("/proc/" + process + "/task/" + process + "/children").empty();
+    };
+    EXPECT_TRUE(await(scans));
+    noScan.reset();
+    EXPECT_TRUE(await([&] { return !scans(); }));
+    noScan.emplace(sandbox_.places().scanLock());
+    sandbox_.write("fonts/new/first.ttf", makeFont({"First", "Regular", "First"}));
+    EXPECT_TRUE(await(scans));
+    kill(server_->process(), SIGSTOP);
+    noScan.reset();
+    EXPECT_TRUE(await([&] { return glyphora({"info", "First"}).status == 0; }));
+    sandbox_.write("fonts/new/late.ttf", makeFont({"Late", "Regular", "Late"}));
+    kill(server_->process(), SIGCONT);
+    EXPECT_TRUE(await([] { return askFor("Late", "count") == "1"; })) << server_->output();
+}
+
 TEST_F(TheProgram, BeginsOnAFullDiskOnceThereIsRoom) {
     const struct {
         std::vector<std::string> arguments;
