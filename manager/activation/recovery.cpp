@@ -34,8 +34,9 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
         }
     }
     endChange(changed);
-    // Also after a crash between a change and its reload.
-    showChanges(changedFolders_);
+    if (changed) { // or a process was killed between a change and its reload
+        showChanges(changedFolders_);
+    }
 }
 
 // The mark is there before the first change, so that a process killed after it is found out.

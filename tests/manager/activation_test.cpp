@@ -350,8 +350,10 @@ TEST_F(AnActivation, IsUnsettledAfterAProcessThatDidNotSettle) {
         activation.recover(ignore); // the second round's finds what the first left
         EXPECT_EQ(activation.isUnsettled(), expected);
         activation.settle();
+        const std::int64_t settled = changeTime(sandbox_.places().fonts());
         activation.recover(ignore);
         EXPECT_FALSE(activation.isUnsettled());
+        EXPECT_EQ(changeTime(sandbox_.places().fonts()), settled) << "programs need not reload";
         activate(fonts());
     }
 }
