@@ -67,13 +67,14 @@ struct Measures {
     double descender = 0; ///< below the baseline, positive
     double letterWidth =
         0; ///< mean advance of the lower-case letters, as often as English has them
-    double capitalWidth = 0; ///< mean advance of the capitals
-    double digitWidth = 0;   ///< mean advance of the digits
-    double stem = 0;         ///< thickness of vertical strokes
-    double contrast = 0;     ///< thinnest stroke to thickest, 0 to 1
-    double serif = 0;        ///< reach of serifs beyond the stem; 0 without
-    double slant = 0;        ///< of vertical strokes to the right, degrees
-    double roundness = 0;    ///< of "o": its area in parts of its box
+    double capitalWidth = 0;   ///< mean advance of the capitals
+    double digitWidth = 0;     ///< mean advance of the digits
+    double stem = 0;           ///< thickness of vertical strokes
+    double contrast = 0;       ///< thinnest stroke to thickest, 0 to 1
+    double serif = 0;          ///< reach of serifs beyond the stem; 0 without
+    double slant = 0;          ///< of vertical strokes to the right, degrees
+    double roundness = 0;      ///< of "o": its area in parts of its box
+    double serifThickness = 0; ///< of serifs near their ends; 0 without
     bool operator==(const Measures&) const = default;
 };
 

@@ -78,6 +78,13 @@ void measureStem(const Shape& letter, Measures& measures) {
     measures.serif = std::max(0.0, (foot.front().length() - low.front().length()) / 2);
     const double lean = high.front().middle() - low.front().middle();
     measures.slant = std::atan2(lean, height.length() / 2) * 180 / std::numbers::pi;
+    // Where the stem would stand on the line if it had no serif.
+    const double stem = low.front().from - (high.front().from - low.front().from) / 2;
+    const double reach = stem - foot.front().from;
+    if (reach > height.length() / 50) {
+        const double length = firstLength(letter.upright(foot.front().from + reach / 4));
+        measures.serifThickness = length < height.length() / 3 ? length : 0; // else no serif's
+    }
 }
 
 // The bow of "o": thin above and below, thick at the sides; or the other way round.
@@ -128,9 +135,10 @@ Measured measure(FT_Face face) {
     measureStem(*capitalH, measures);
     measureBow(*o, measures);
     const double em = face->units_per_EM;
-    for (double* length : {&measures.xHeight, &measures.capitalHeight, &measures.ascender,
-                           &measures.descender, &measures.letterWidth, &measures.capitalWidth,
-                           &measures.digitWidth, &measures.stem, &measures.serif}) {
+    for (double* length :
+         {&measures.xHeight, &measures.capitalHeight, &measures.ascender, &measures.descender,
+          &measures.letterWidth, &measures.capitalWidth, &measures.digitWidth, &measures.stem,
+          &measures.serif, &measures.serifThickness}) {
         *length = std::clamp(*length / em, -8.0, 8.0);
     }
     result.measures = measures;

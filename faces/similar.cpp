@@ -24,10 +24,13 @@ struct Told {
     std::string_view less;
     std::string_view more;
 };
+// From here on the thickness of serifs is worth telling, in parts.
+constexpr float leastSerif = 1;
 constexpr std::array differences = {
     Told{15, 1, "not monospaced", "monospaced"},
     Told{14, 1, "upright", "slanted"},
     Told{10, 1, "without serifs", "with serifs"},
+    Told{16, 1, "thinner serifs", "thicker serifs"},
     Told{8, 1, "lighter", "bolder"},
     Told{0, 3, "narrower", "wider"},
     Told{1, 1.5, "smaller letters", "larger letters"},
@@ -51,6 +54,11 @@ std::optional<Likeness> likenessOf(const Face& face) {
     const auto part = [](double value, double difference) {
         return static_cast<float>(value / difference);
     };
+    // Strokes without serifs are as even as those of a slab.
+    const double serifThickness =
+        measures.serifThickness > 0 && measures.serifThickness < measures.stem
+            ? measures.serifThickness / measures.stem
+            : 1;
     Likeness likeness;
     likeness.parts = {
         part(width, 0.008),
@@ -69,6 +77,7 @@ std::optional<Likeness> likenessOf(const Face& face) {
         part(face.style.weight, 200),
         part(face.style.slant == Slant::Upright ? 0 : 1, 0.5),
         part(face.monospaced ? 1 : 0, 0.33),
+        part(serifThickness, 0.15),
     };
     for (const std::string& script : face.scripts) {
         unsigned bit = 0;
@@ -99,7 +108,8 @@ std::string differenceText(const Likeness& one, const Likeness& other) {
     std::string text;
     for (const auto& [part, least, less, more] : differences) {
         const float difference = other.parts[part] - one.parts[part];
-        if (std::abs(difference) >= least) {
+        const bool known = part != 16 || std::min(one.parts[10], other.parts[10]) >= leastSerif;
+        if (known && std::abs(difference) >= least) {
             text.append(text.empty() ? "" : ", ").append(difference < 0 ? less : more);
         }
     }
@@ -121,7 +131,7 @@ std::vector<SimilarFace> similarFaces(const Likeness& wanted, std::span<const Li
 }
 
 float distanceOfCoverage(const Coverage& coverage, std::u32string_view text) {
-    constexpr float mostOfAll = 2 * 16 * mostOfAPart;
+    constexpr float mostOfAll = 2 * 17 * mostOfAPart;
     std::size_t asked = 0;
     std::size_t lacking = 0;
     for (const char32_t character : text) {

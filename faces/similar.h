@@ -20,7 +20,7 @@ namespace faces {
 struct Likeness {
     /// Measures and style, each divided by how much of it makes a difference that a reader sees, so
     /// that the parts can be added up.
-    std::array<float, 16> parts{};
+    std::array<float, 17> parts{};
     std::uint64_t scripts = 0; ///< a bit for each, which a few rare ones share
     bool operator==(const Likeness&) const = default;
 };

@@ -130,10 +130,10 @@ private:
 
 template <class Coder>
 void codeMeasures(Coder& coder, faces::Measures& measures) {
-    for (double* value :
-         {&measures.xHeight, &measures.capitalHeight, &measures.ascender, &measures.descender,
-          &measures.letterWidth, &measures.capitalWidth, &measures.digitWidth, &measures.stem,
-          &measures.contrast, &measures.serif, &measures.slant, &measures.roundness}) {
+    for (double* value : {&measures.xHeight, &measures.capitalHeight, &measures.ascender,
+                          &measures.descender, &measures.letterWidth, &measures.capitalWidth,
+                          &measures.digitWidth, &measures.stem, &measures.contrast, &measures.serif,
+                          &measures.slant, &measures.roundness, &measures.serifThickness}) {
         coder.number(*value);
     }
 }

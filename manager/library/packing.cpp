@@ -14,10 +14,13 @@ namespace manager {
 namespace {
 
 constexpr std::array measureMembers{
-    &faces::Measures::xHeight,    &faces::Measures::capitalHeight, &faces::Measures::ascender,
-    &faces::Measures::descender,  &faces::Measures::letterWidth,   &faces::Measures::capitalWidth,
-    &faces::Measures::digitWidth, &faces::Measures::stem,          &faces::Measures::contrast,
-    &faces::Measures::serif,      &faces::Measures::slant,         &faces::Measures::roundness,
+    &faces::Measures::xHeight,        &faces::Measures::capitalHeight,
+    &faces::Measures::ascender,       &faces::Measures::descender,
+    &faces::Measures::letterWidth,    &faces::Measures::capitalWidth,
+    &faces::Measures::digitWidth,     &faces::Measures::stem,
+    &faces::Measures::contrast,       &faces::Measures::serif,
+    &faces::Measures::slant,          &faces::Measures::roundness,
+    &faces::Measures::serifThickness,
 };
 
 std::string toText(double number) {

@@ -26,13 +26,14 @@ TEST(AFace, IsMeasuredAndClassifiedByItsOutlines) {
         double xHeight; // as a ruler tells it on a large print
         double stem;
         double serif;
+        double serifThickness;
     } cases[] = {
-        {"DejaVuSans", Classification::SansSerif, 400, 0.547, 0.090, 0},
-        {"DejaVuSans-Bold", Classification::SansSerif, 700, 0.547, 0.175, 0},
-        {"DejaVuSerif", Classification::Serif, 400, 0.519, 0.088, 0.093},
-        {"DejaVuSansMono", Classification::Monospaced, 400, 0.547, 0.090, 0},
+        {"DejaVuSans", Classification::SansSerif, 400, 0.547, 0.090, 0, 0},
+        {"DejaVuSans-Bold", Classification::SansSerif, 700, 0.547, 0.175, 0, 0},
+        {"DejaVuSerif", Classification::Serif, 400, 0.519, 0.088, 0.093, 0.052},
+        {"DejaVuSansMono", Classification::Monospaced, 400, 0.547, 0.090, 0, 0},
     };
-    for (const auto& [file, classification, weight, xHeight, stem, serif] : cases) {
+    for (const auto& [file, classification, weight, xHeight, stem, serif, serifThickness] : cases) {
         const Face face = installed(file);
         EXPECT_EQ(face.classification, classification) << file;
         EXPECT_EQ(face.style, (Style{weight, 100, Slant::Upright})) << file;
@@ -40,6 +41,7 @@ TEST(AFace, IsMeasuredAndClassifiedByItsOutlines) {
         EXPECT_NEAR(measures.xHeight, xHeight, 0.01) << file;
         EXPECT_NEAR(measures.stem, stem, 0.01) << file;
         EXPECT_NEAR(measures.serif, serif, 0.01) << file;
+        EXPECT_NEAR(measures.serifThickness, serifThickness, 0.01) << file;
         EXPECT_NEAR(measures.slant, 0, 0.5) << file;
     }
 }
@@ -76,6 +78,11 @@ TEST(SimilarFaces, ComeInTheOrderOfTheirDistance) {
     EXPECT_EQ(differenceText(all[3], all[0]), "with serifs");
     EXPECT_EQ(differenceText(all[1], all[3]), "lighter, narrower");
     EXPECT_EQ(differenceText(all[2], all[3]), "not monospaced, narrower");
+
+    Face slab = installed("DejaVuSerif");
+    slab.measures->serifThickness = slab.measures->stem;
+    EXPECT_EQ(differenceText(all[0], likenessOf(slab).value()), "thicker serifs");
+    EXPECT_GT(distance(all[0], likenessOf(slab).value()), 1);
 
     const Coverage& coverage = wanted.coverage;
     EXPECT_EQ(distanceOfCoverage(coverage, U"Größe Ж"), 0);

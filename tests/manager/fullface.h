@@ -30,8 +30,8 @@ inline faces::Face fullFace(const std::string& postScriptName) {
     face.panose = {{2, 11, 6, 9, 1, 2, 3, 4, 255, 0}};
     face.monospaced = true;
     face.colour = true;
-    face.measures =
-        faces::Measures{0.5, 0.75, 0.875, 0.25, 0.5, 0.625, 0.5625, 0.125, 0.375, 0.25, -12, 0.75};
+    face.measures = faces::Measures{0.5,   0.75,  0.875, 0.25, 0.5,  0.625, 0.5625,
+                                    0.125, 0.375, 0.25,  -12,  0.75, 0.0625};
     face.glyphs = 70'000;
     face.scripts = {"Cyrl", "Latn"};
     face.languages = {"de", "pt-br", "ru"};
