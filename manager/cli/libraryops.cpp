@@ -96,7 +96,11 @@ bool changeFolders(const Places& places, const std::vector<std::string>& folders
     bool changed = false;
     for (const std::string& folder : folders) {
         try {
-            for (const std::string& path : change(places, std::span(&folder, 1))) {
+            const auto paths = change(places, std::span(&folder, 1));
+            if (paths.empty()) {
+                tally.remark(folder + ": is in the library already");
+            }
+            for (const std::string& path : paths) {
                 tally.add(std::string(deed) + " " + path, {{"path", path}});
                 changed = true;
             }

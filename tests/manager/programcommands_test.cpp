@@ -123,6 +123,7 @@ TEST_F(TheProgram, FindsFacesThatLookLikeOneOfItsOwnOrTheDesktops) {
     sandbox_.setFontconfig("<dir>" + sandbox_.root() + "/shown</dir>");
     expectEach({
         {{"add", sandbox_.library()}, 0, "3 font files read"},
+        {{"add", sandbox_.library() + "/fonts"}, 0, "/fonts: is in the library already"},
         {{"search", "--similar", "LATO & CO bold"}, 0, "lato.ttf:\n     2  inactive  Other "},
         {{"search", "--similar", "Lato-Bold", "--json"}, 0, "\"total\": 1,"},
         {{"search", "--similar", "shown sans BOLD"}, 0, "Lato & Co Bold — hardly differs; OpenT"},
