@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <future>
 #include <map>
 #include <set>
 #include <string_view>
@@ -101,8 +102,10 @@ public:
 
     UpdateReport run(std::span<const std::string> folders, const FontReaderLimits& limits,
                      const FontFileFunction& read) {
+        // The walk waits for the kernel meanwhile.
+        auto known = std::async([this] { return knownFolders(library_.database()); });
         found_ = findFontFiles(folders, library_.places().fonts());
-        known_ = knownFolders(library_.database());
+        known_ = known.get();
         told_ = readWalkProblems(library_.database());
         for (const auto& [path, folder] : known_) {
             knownFileCount_ += folder.files.size();
