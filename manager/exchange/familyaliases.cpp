@@ -33,17 +33,27 @@ void FamilyAliases::learn(const std::set<std::string>& families) {
     if (asked.empty() || !config_) {
         return;
     }
+    // Substitution takes a time that grows with the square of their number.
+    constexpr std::size_t portion = 200;
+    for (std::span<const std::string> rest(asked); !rest.empty();) {
+        const auto some = rest.first(std::min(portion, rest.size()));
+        learnTogether(some);
+        rest = rest.subspan(some.size());
+    }
+}
+
+void FamilyAliases::learnTogether(std::span<const std::string> families) {
     static const std::string mark =
         "\n"; // what is bound to a family comes before the mark behind it
     const PatternHandle pattern(FcPatternCreate());
-    for (const std::string& family : asked) {
+    for (const std::string& family : families) {
         FcPatternAddString(pattern.get(), FC_FAMILY, bytesOf(family));
         FcPatternAddString(pattern.get(), FC_FAMILY, bytesOf(mark));
     }
     FcConfigSubstitute(config_.get(), pattern.get(), FcMatchPattern);
     FcValue value{};
     FcValueBinding binding{};
-    auto next = asked.begin();
+    auto next = families.begin();
     std::vector<std::string>* found = nullptr;
     for (int i = 0;
          FcPatternGetWithBinding(pattern.get(), FC_FAMILY, i, &value, &binding) == FcResultMatch;
@@ -52,7 +62,7 @@ void FamilyAliases::learn(const std::set<std::string>& families) {
             value.type == FcTypeString ? reinterpret_cast<const char*>(value.u.s) : "";
         if (family == mark) {
             found = nullptr;
-        } else if (found == nullptr && next != asked.end() && family == *next) {
+        } else if (found == nullptr && next != families.end() && family == *next) {
             found = &aliases_[*next++];
         } else if (found != nullptr && binding != FcValueBindingWeak) {
             found->push_back(family);

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,15 @@ namespace manager {
 /// [one-thread] Reads fontconfig's settings, and no font.
 class FamilyAliases {
 public:
-    /// Asks for all families that are not known yet at once: fontconfig goes through all of its
+    /// Asks for families that are not known yet many at a time: fontconfig goes through all of its
     /// rules each time.
     void learn(const std::set<std::string>& families);
     /// Those that are bound to a family that was learnt, the best first.
     [[nodiscard]] const std::vector<std::string>& of(const std::string& family) const;
 
 private:
+    void learnTogether(std::span<const std::string> families);
+
     struct ConfigDeleter {
         void operator()(FcConfig* config) const { FcConfigDestroy(config); }
     };

@@ -132,18 +132,22 @@ TEST_F(AnExchange, TellsWhatMayStandInForAFaceWhoseLookIsKnown) {
     const std::vector folders{sandbox_.library(), sandbox_.root() + "/away"};
     sandbox_.write("../away/gone.ttf", makeFont({"Gone", "Regular", "Gone"}));
     updateLibrary(library_, folders, FontReaderLimits{});
-    StandIns standIns; // as a service has them
+    StandIns standIns;  // as a service has them
+    std::string others; // more families than fontconfig is asked for at once, and before this one
+    for (int i = 0; i < 300; ++i) {
+        others += font({{"syncID", "0"}, {"familyName", "A" + std::to_string(i)}});
+    }
     const auto near = [&](const char* family, const char* style) {
         ActivationRun run;
         const std::string asked = font(
             {{"syncID", "1"}, {"psName", "Nobody"}, {"familyName", family}, {"styleName", style}});
-        const ReplyNode root =
-            parseFolded(answerCommand(library_, activation_, standIns,
-                                      "<cmd>fontRequest</cmd>\n" + asked + asked + "</cmd>\n",
-                                      std::nullopt, run)
-                            .reply);
+        const ReplyNode root = parseFolded(
+            answerCommand(library_, activation_, standIns,
+                          "<cmd>fontRequest</cmd>\n" + others + asked + asked + "</cmd>\n",
+                          std::nullopt, run)
+                .reply);
         std::vector<std::string> lines;
-        for (const ReplyNode* info : root.all("font").at(1)->all("fontInfo")) {
+        for (const ReplyNode* info : root.all("font").back()->all("fontInfo")) {
             const std::string line = info->value("value");
             lines.push_back(line.substr(0, line.find(';')));
         }
