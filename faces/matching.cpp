@@ -145,8 +145,12 @@ private:
             }
         }
         for (const Family::Near& near : family.nearest(asked)) {
-            std::string reason = "family " + std::string(spellings[near.face]);
-            reason.append(" instead of ").append(name);
+            const std::string_view spelling = spellings[near.face];
+            std::string reason = "same family";
+            if (postScriptKey(spelling) != postScriptKey(name)) {
+                reason = "family " + std::string(spelling);
+                reason.append(" instead of ").append(name);
+            }
             if (nameKey(near.style) != asked.key) {
                 reason.append(", ").append(near.style).append(" instead of ").append(asked.text);
             }
