@@ -180,7 +180,11 @@ private:
         reply_.element("psName", font.postScriptName.value_or(""));
         reply_.element("containerID", choice.container ? toText(choice.container->id)
                                                        : font.containerId.value_or(""));
-        reply_.flag("isActive", success);
+        // Of a container that is not known to hold the font only that is told that it was
+        // activated.
+        const bool known =
+            choice.isShown || !choice.fileName.empty() || font.postScriptName.value_or("").empty();
+        reply_.flag("isActive", success && known);
         reply_.flag("activationSuccessfull", success);
         reply_.endFont();
     }

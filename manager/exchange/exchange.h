@@ -41,10 +41,10 @@ struct Answer {
 /// none has count 0 and the requested type, or none. A font keeps the PostScript name that it was
 /// asked for by. activationRequest: activates the container named; when there is none, it does not
 /// hold the font or the font does not become visible, the best other one by PostScript name
-/// (CandidateFinder::find tells which is best), and answers with that. A font that nobody holds is
-/// judged by the whole container named. showRequest, buyRequest: tell what is held; nothing is
-/// opened or bought. In all of them a font that the desktop shows already is active, whoever holds
-/// it, and is not activated a second time.
+/// (CandidateFinder::find tells which is best), and answers with that. Of a font that nobody holds
+/// the whole container named tells whether activation succeeded; it is not active by that.
+/// showRequest, buyRequest: tell what is held; nothing is opened or bought. In all of them a font
+/// that the desktop shows already is active, whoever holds it, and is not activated a second time.
 ///
 /// One round of it: what is still to be activated is found in `run` afterwards, and counts as not
 /// active in this answer. What is activated counts for the document of the process that a

@@ -120,6 +120,7 @@ TEST_F(AnExchange, TellsWhatComesNearWithoutSayingThatItIsHeld) {
             const ReplyNode named = askForOne(
                 "activationRequest", font({{"containerID", id}, {"psName", "Lato-SemiBold"}}));
             EXPECT_EQ(named.value("activationSuccessfull"), "1");
+            EXPECT_EQ(named.value("isActive"), "0");
         }
     }
 }
