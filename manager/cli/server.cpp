@@ -334,11 +334,7 @@ void Server::followFiles() {
         const Library::Generation now = library_->generation();
         // Where there is no space, the index is open to one at a time, and no copy can be made.
         if (followed_ != now && !library_->database().isWithoutSpace()) {
-            // Not by openToAnswer(): that closes the file once, and with it the locks of library_.
-            const TableFiller isEmpty = [this](Database&) {
-                throw DamagedDatabase(places_.database() + ": cut short");
-            };
-            activator_.follow(std::make_unique<Library>(places_, isEmpty, MissingFile::IsAnError));
+            activator_.follow(openToAnswer(places_));
             followed_ = now;
         }
     } catch (const Error& error) {

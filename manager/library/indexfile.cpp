@@ -7,7 +7,7 @@
 #include "manager/library/places.h"
 
 #include <array>
-#include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,11 +45,19 @@ void write(const std::string& path, const std::string& text) noexcept {
     }
 }
 
-// As its header tells. With a log beside it the header may tell of pages that are to come.
+// As its header tells. With a log beside it the header may tell of pages that are to come. It is
+// read as SQLite has it open: another descriptor of the file would, when it is closed, take the
+// locks of all connections that this process has.
 std::int64_t lengthByHeader(const std::string& path) {
-    const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    sqlite3* handle = nullptr;
+    const int code =
+        sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
+    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closed(handle, sqlite3_close);
+    sqlite3_file* file = nullptr;
     std::array<unsigned char, 32> header{};
-    if (!file || read(file.get(), header.data(), header.size()) != ssize_t{header.size()}) {
+    if (code != SQLITE_OK ||
+        sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+        file->pMethods->xRead(file, header.data(), header.size(), 0) != SQLITE_OK) {
         return 0;
     }
     const std::int64_t page = header[16] * 256 + header[17];

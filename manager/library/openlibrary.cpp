@@ -120,7 +120,7 @@ private:
         } catch (const Error& error) {
             throw Error(damage + "; it cannot be made anew: " + error.what());
         }
-        const std::string aside = path_ + ".damaged-" + std::to_string(std::time(nullptr));
+        const std::string aside = asideName();
         for (const char* part : parts) {
             if (rename((path_ + part).c_str(), (aside + part).c_str()) != 0 && *part == '\0') {
                 throw systemError(path_, "is damaged and cannot be moved aside", errno);
@@ -135,6 +135,15 @@ private:
                 std::to_string(kept) + " containers" +
                 (last > kept ? " of " + std::to_string(last) : std::string()) +
                 "; all else is read anew from the recorded folders");
+    }
+
+    [[nodiscard]] std::string asideName() const {
+        const std::string name = path_ + ".damaged-" + std::to_string(std::time(nullptr));
+        std::string free = name;
+        for (int i = 2; indexFile(free).inode >= 0; ++i) { // of the same second
+            free = name + "." + std::to_string(i);
+        }
+        return free;
     }
 
     /// How many containers have their number in it, and the last number that was given.
