@@ -218,4 +218,9 @@ bool Library::isScanOwed() {
     return statement.step() && statement.number(0) != 0;
 }
 
+bool Library::isReadingOwed() {
+    Statement statement(database_, "SELECT 1 FROM state WHERE scan_owed = 2");
+    return statement.step();
+}
+
 } // namespace manager

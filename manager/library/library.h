@@ -187,9 +187,11 @@ public:
     [[nodiscard]] std::vector<std::string> directories();
     /// "PATH: ..." of each bad file, and of what the last scan could not look at.
     [[nodiscard]] std::vector<std::string> problems();
-    /// Whether the index was begun anew and no scan of the folders has filled it since. It says
-    /// nothing about what the folders hold then.
+    /// Whether the index was begun anew, or taken over from an older version, and no scan of the
+    /// folders has filled it since. Begun anew it says nothing about what the folders hold.
     [[nodiscard]] bool isScanOwed();
+    /// Whether that scan is to read all files again, whether they have changed or not.
+    [[nodiscard]] bool isReadingOwed();
 
     /// Whether the index file was replaced or cut since it was opened, or could be opened for want
     /// of space only as it was then; open anew then.

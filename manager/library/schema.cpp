@@ -12,10 +12,12 @@
 // its container, too. face: `number` is fontconfig's index. name: the families and styles of a face
 // in their pairs, the one to show at position 0. family: each family's name once, with the keys by
 // which it is found. shared: what many faces have in common, each value once. walk_problem: what
-// the last scan could not look at. state: one row; scan_owed until a scan has filled a new index.
+// the last scan could not look at. state: one row; scan_owed is 1 until a scan has filled a new
+// index, 2 until one has read all files again, whether they have changed or not.
 //
-// Schema 3 had no column `whole`; it is filled by a scan, which is owed. Schema 2 had one container
-// for all formats of a family in a folder. Its number stays with the format that most of its faces
+// Schema 3 had no column `whole`, and with it fonts of mere bitmaps were faces and instances had
+// lost the sign of their coordinates: a scan that reads all is owed. Schema 2 had one container for
+// all formats of a family in a folder. Its number stays with the format that most of its faces
 // have; of as many OpenType with PostScript outlines comes before TrueType, and Type 1 last. So an
 // active set keeps its number and, at its next update, the most of its files.
 #include "manager/library/schema.h"
@@ -170,7 +172,7 @@ DROP TABLE temp.last_number;
 
 constexpr const char* addWhole = R"sql(
 ALTER TABLE file ADD COLUMN whole BLOB;
-UPDATE state SET scan_owed = 1;
+UPDATE state SET scan_owed = 2;
 )sql";
 
 std::int64_t pragma(Database& database, const char* sql) {

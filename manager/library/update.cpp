@@ -107,8 +107,14 @@ public:
         found_ = findFontFiles(folders, library_.places().fonts());
         known_ = known.get();
         told_ = readWalkProblems(library_.database());
+        readsAll_ = library_.isReadingOwed();
         for (const auto& [path, folder] : known_) {
             knownFileCount_ += folder.files.size();
+            for (const KnownFile& file : folder.files) {
+                if (readsAll_ && !file.problem.empty()) {
+                    told_.insert(file.problem);
+                }
+            }
         }
         findShownFolders();
         findAwayFolders();
@@ -201,7 +207,7 @@ private:
                 continue;
             }
             known->found = true;
-            if (known->stamp != file.stamp) {
+            if (known->stamp != file.stamp || readsAll_) {
                 plan({position, i, known->id, known->problem});
                 continue;
             }
@@ -343,6 +349,7 @@ private:
     KnownFolders known_;
     std::set<std::string> told_; ///< problems of the last walk; of an index before, all that it had
     std::size_t knownFileCount_ = 0;
+    bool readsAll_ = false;                 ///< also what has not changed
     std::unordered_set<std::string> shown_; ///< by the desktop
     std::vector<std::int64_t> directories_; ///< rows of the folders that were found
     UpdateReport report_;
