@@ -60,6 +60,9 @@ void tell(const Places& places, std::span<const ActivationOutcome> outcomes, std
 }
 
 std::vector<std::string> reasonTexts(const ActiveContainer& container) {
+    if (container.reasons.empty()) {
+        return {"leaving"}; // the server has not come to it yet, or none is running
+    }
     std::vector<std::string> texts;
     std::transform(container.reasons.begin(), container.reasons.end(), std::back_inserter(texts),
                    describe);

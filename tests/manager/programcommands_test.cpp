@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What a person's commands do and print, as text and as JSON.
+#include "manager/activation/setrecord.h"
 #include "tests/manager/programfixture.h"
 
 #include <filesystem>
@@ -170,6 +171,10 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
         {{"collection", "remove", "mine"}, 0, "removed collection:mine"},
         {{"collection", "list", "mine", "--json"}, 1, "{\n  \"problems\": [\n"},
     });
+    const std::string record = sandbox_.places().fonts() + "/2/" + manager::setRecordName;
+    std::string lines = readBytes(record);
+    writeBytes(record, lines.erase(lines.find("reason\t"), std::string("reason\thand\n").size()));
+    expectEach({{{"status"}, 0, "Twice, 1 file, leaving\n"}});
     std::filesystem::rename(sandbox_.library(), sandbox_.library() + ".away");
     expectEach({
         {{"scan"}, 1, ": the recorded folder is away; \"glyphora list --problems\" tells why"},
