@@ -54,18 +54,6 @@ void fail(ActivationOutcome& outcome, const SetRecord& wanted, const std::string
     }
 }
 
-// Leaves it the files that are there, as new as `wanted` has them.
-void limitTo(std::vector<SetFile> current, SetRecord& wanted) {
-    std::erase_if(current, [](const SetFile& file) { return file.leaving; });
-    const FilesByName newer(wanted);
-    for (SetFile& file : current) {
-        if (const SetFile* version = newer.find(file.name); version != nullptr) {
-            file = *version;
-        }
-    }
-    wanted.files = std::move(current);
-}
-
 std::string joined(const std::set<std::string>& texts) {
     std::string text;
     for (const std::string& part : texts) {
@@ -80,10 +68,14 @@ std::string versionsOfReplaced(const std::vector<SetFile>& before,
     std::set<std::string> newer;
     const FilesByName known(before);
     for (const SetFile& file : now) {
-        const SetFile* replaced = known.find(file.name);
-        if (replaced != nullptr && *replaced != file) {
-            older.insert(replaced->version);
-            newer.insert(file.version);
+        std::vector<std::string> names = file.predecessors;
+        names.push_back(file.name);
+        for (const std::string& name : names) {
+            const SetFile* replaced = known.find(name);
+            if (replaced != nullptr && *replaced != file) {
+                older.insert(replaced->version);
+                newer.insert(file.version);
+            }
         }
     }
     const bool isTold = older != newer && !older.contains({}) && !newer.contains({});
@@ -104,6 +96,12 @@ SetRecord recordOf(const ContainerFonts& container) {
     return record;
 }
 
+ActivationOutcome failureOf(const ContainerFonts& container, const std::string& problem) {
+    ActivationOutcome outcome;
+    fail(outcome, recordOf(container), problem);
+    return outcome;
+}
+
 Activation::Activation(const Places& places, StepObserver observer, std::filesystem::path desktop,
                        std::chrono::milliseconds patience)
     : folders_(places.fonts(), std::move(observer)), program_(std::move(desktop)),
@@ -120,14 +118,12 @@ void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span
                            std::span<ActivationOutcome> outcomes) {
     std::vector<std::size_t> prepared;
     std::vector<ContainerId> ids;
+    std::optional<Mappers> mappers; // to be read when they are asked for
     for (std::size_t i = 0; i < records.size(); ++i) {
         ActivationOutcome& outcome = outcomes[i];
-        if (containers[i].onlyIfActive) {
-            auto current = recordInPlace(records[i].id);
-            if (!current) {
-                continue;
-            }
-            limitTo(std::move(current->files), records[i]);
+        if (containers[i].onlyIfActive &&
+            !limitToActive(containers[i], mappers, records[i], outcome)) {
+            continue;
         }
         if (records[i].files.empty()) {
             fail(outcome, records[i], "container " + toText(records[i].id) + ": has no fonts");

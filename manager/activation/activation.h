@@ -13,6 +13,7 @@
 #include <deque>
 #include <functional>
 #include <limits>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
@@ -31,6 +32,9 @@ struct ContainerFonts {
     /// Nothing is done for one that is not active. Of another the files that it has are brought up
     /// to date; it is given no more of them, and keeps those that are not among `files`.
     bool onlyIfActive = false;
+    /// By the name of a file that it has: that of the one among `files` that takes its place, once
+    /// no program has the set open. For those of onlyIfActive.
+    std::map<std::string, std::string> successors = {};
 };
 
 /// The record that its set has when all of it is in place.
@@ -39,8 +43,8 @@ struct ContainerFonts {
 struct ActivationOutcome {
     bool success = false; ///< the desktop sees every file of the container, as it was wanted
     bool changed = false; ///< the files that lie there for it are not those of before
-    /// Programs have it open: it stays under them, and leaves when they end. `problems` tells
-    /// which.
+    /// Programs have it open: it, or files that others are to take the place of, stay under them
+    /// until they end. `problems` tells which.
     bool postponed = false;
     /// Names of files, without their folder, that are not active as they were wanted: they could
     /// not be put in place, or the desktop did not see them and they were taken away again, so that
@@ -51,6 +55,10 @@ struct ActivationOutcome {
     /// same or not all known.
     std::string versions = {};
 };
+
+/// That of a container of which nothing is active as it was wanted.
+[[nodiscard]] ActivationOutcome failureOf(const ContainerFonts& container,
+                                          const std::string& problem);
 
 struct ActiveContainer {
     ContainerId id{};
@@ -149,6 +157,10 @@ private:
     [[nodiscard]] std::string endsOf(const std::vector<Reason>& reasons) const;
     void putOnDisk(std::span<const ContainerFonts> containers, std::span<SetRecord> records,
                    std::span<ActivationOutcome> outcomes);
+    /// Makes `record` what an update of its set is to lead to. False: it is not active.
+    [[nodiscard]] bool limitToActive(const ContainerFonts& container,
+                                     std::optional<Mappers>& mappers, SetRecord& record,
+                                     ActivationOutcome& outcome) const;
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);
     /// Has fontconfig read what changed in the root and in these folders of sets.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The thread, what waits for it and what it tells.
+// What waits for the thread, and what it tells.
 #include "manager/activation/activator.h"
 
 #include "manager/library/error.h"
@@ -15,43 +15,13 @@ namespace manager {
 
 namespace {
 
-// Other programs compare times in whole seconds.
-constexpr std::chrono::milliseconds settleDelay{1100};
-// As many as are done in a fraction of a second: others wait no longer for their turn.
-constexpr std::size_t largestBatch = 200;
-// What other processes sleep between two tries to have the lock, and a little more.
-constexpr std::chrono::milliseconds restBetweenParts{60};
-// Sets, when nobody waits for anything.
-constexpr std::size_t comparedAtOnce = 100;
-constexpr std::size_t sweptAtOnce = 20;
-// What failed, and not for want of the lock, needs somebody's help.
-constexpr std::chrono::minutes retryDelay{1};
-
-ActivationOutcome failureOf(const ContainerFonts& container, const std::string& problem) {
-    ActivationOutcome outcome;
-    for (const SetFile& file : recordOf(container).files) {
-        outcome.lost.insert(file.name);
-    }
-    outcome.problems = {problem};
-    return outcome;
-}
-
 /// Whether they differ in their reasons alone.
 bool isSame(const ContainerFonts& a, const ContainerFonts& b) {
-    return a.name == b.name && a.onlyIfActive == b.onlyIfActive &&
+    return a.name == b.name && a.onlyIfActive == b.onlyIfActive && a.successors == b.successors &&
            std::equal(a.files.begin(), a.files.end(), b.files.begin(), b.files.end(),
                       [](const LibraryFile& one, const LibraryFile& other) {
                           return one.path == other.path && one.stamp == other.stamp;
                       });
-}
-
-/// Does a step that needs no lock.
-void tellThrown(ActivatorNews& news, const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const std::exception& error) {
-        news.problems.emplace_back(error.what());
-    }
 }
 
 template <class Item>
@@ -225,134 +195,6 @@ Activator::Task Activator::next() {
         } else {
             wake_.wait_until(lock, wakeTime);
         }
-    }
-}
-
-Activator::Ending Activator::tryStep(ActivatorNews& news, const std::function<void()>& step) {
-    Ending ending = Ending::Failed;
-    std::string problem;
-    try {
-        step();
-        ending = Ending::Done;
-    } catch (const Locked& locked) {
-        ending = Ending::Blocked;
-        blocked_ = Clock::now() + times_.pause;
-        problem = std::string(locked.what()) + "; what waits for it is done when it is free";
-    } catch (const std::exception& error) {
-        problem = error.what();
-    }
-    if (!problem.empty() && problem != lastProblem_) {
-        news.problems.push_back(problem);
-    }
-    lastProblem_ = std::move(problem);
-    return ending;
-}
-
-void Activator::activateSome(Activation& activation, ActivatorNews& news) {
-    std::vector<ActivationOutcome> outcomes;
-    const Ending ending = tryStep(news, [&] { outcomes = activation.activate(batch_.containers); });
-    if (ending == Ending::Blocked) {
-        return; // it is tried again
-    }
-    if (ending == Ending::Failed) { // no folder: nothing was done
-        std::transform(
-            batch_.containers.begin(), batch_.containers.end(), std::back_inserter(outcomes),
-            [&](const ContainerFonts& container) { return failureOf(container, lastProblem_); });
-    }
-    const Batch done = std::exchange(batch_, {});
-    for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        for (const std::uint64_t call : done.calls[i]) {
-            news.activated.push_back({call, done.containers[i].id, done.containers[i].name,
-                                      outcomes[i], done.containers[i].onlyIfActive});
-            outcomes[i].changed = false; // by one of them
-        }
-    }
-}
-
-void Activator::withdrawSome(Activation& activation, ActivatorNews& news) {
-    std::vector<ContainerId> changed;
-    bool any = false;
-    {
-        const std::scoped_lock lock(mutex_);
-        changed = std::exchange(changed_, {});
-        any = std::exchange(anyChanged_, false);
-    }
-    activation.lookAgain(any ? std::nullopt : std::optional(std::move(changed)));
-    const Ending ending = tryStep(news, [&] {
-        if (!isRecovered_) {
-            activation.recover([&](const std::string& text) { news.mended.push_back(text); });
-            isRecovered_ = true;
-        }
-        news.withdrawn = activation.withdrawDue(largestBatch);
-        isToSweep_ = true;
-    });
-    if (ending == Ending::Failed) {
-        again_ = Clock::now() + retryDelay;
-    } else if (ending == Ending::Blocked || activation.isMoreDue()) {
-        resting_ = Clock::now() + restBetweenParts;
-        const std::scoped_lock lock(mutex_);
-        withdrawalWanted_ = true;
-        return;
-    }
-    news.ending = activation.endingReasons();
-}
-
-void Activator::followSome(const Activation& activation, ActivatorNews& news) {
-    std::unique_ptr<Library> library;
-    {
-        const std::scoped_lock lock(mutex_);
-        library = std::exchange(toFollow_, nullptr);
-    }
-    tellThrown(news, [&] {
-        auto sets = std::exchange(outdated_, nullptr);
-        if (library) {
-            sets = std::make_unique<OutdatedSets>(std::move(library));
-        }
-        activate(sets->takeSome(activation, comparedAtOnce));
-        if (!sets->isAtEnd()) {
-            outdated_ = std::move(sets);
-        }
-    });
-}
-
-void Activator::run() {
-    std::optional<Activation> activation;
-    ActivatorNews begun;
-    tellThrown(begun, [&] {
-        activation.emplace(places_, StepObserver(), desktopProgram(), times_.patience);
-    });
-    publish(std::move(begun));
-    while (activation) {
-        if (!settling_ && activation->isUnsettled()) {
-            settling_ = Clock::now() + settleDelay;
-        }
-        ActivatorNews news;
-        switch (next()) {
-        case Task::Settle:
-            settling_.reset();
-            tellThrown(news, [&] { activation->settle(); });
-            break;
-        case Task::ReadDesktop:
-            tellThrown(news, [&] { activation->refreshDesktop(); });
-            news.desktop = activation->desktop();
-            break;
-        case Task::Withdraw:
-            withdrawSome(*activation, news);
-            break;
-        case Task::Activate:
-            activateSome(*activation, news);
-            break;
-        case Task::Follow:
-            followSome(*activation, news);
-            break;
-        case Task::Sweep:
-            isToSweep_ = activation->sweep(sweptAtOnce);
-            continue;
-        case Task::End:
-            activation->sweep(largestBatch); // the rest goes with the next recovery
-            return;
-        }
-        publish(std::move(news));
     }
 }
 

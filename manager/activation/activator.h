@@ -15,6 +15,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -81,6 +82,9 @@ public:
     void withdraw(std::optional<std::vector<ContainerId>> changed);
 
 private:
+    // As many as are done in a fraction of a second: others wait no longer for their turn.
+    static constexpr std::size_t largestBatch = 200;
+
     using Clock = std::chrono::steady_clock;
     enum class Task { Settle, End, ReadDesktop, Withdraw, Activate, Follow, Sweep };
     enum class Ending { Done, Blocked, Failed };
@@ -100,7 +104,9 @@ private:
     void takeSome();
     void activateSome(Activation& activation, ActivatorNews& news);
     void withdrawSome(Activation& activation, ActivatorNews& news);
-    void followSome(const Activation& activation, ActivatorNews& news);
+    void followSome(Activation& activation, ActivatorNews& news);
+    /// Tells what is wrong with an update once, and has one that is postponed done later.
+    void noteUpdate(const ContainerFonts& container, ActivationOutcome& outcome);
     /// Does a step that needs the lock.
     Ending tryStep(ActivatorNews& news, const std::function<void()>& step);
     void publish(ActivatorNews news);
@@ -125,6 +131,8 @@ private:
     std::optional<Clock::time_point> settling_;
     std::optional<Clock::time_point> again_; ///< when a withdrawal that failed is tried again
     std::unique_ptr<OutdatedSets> outdated_; ///< while some are left to be looked at
+    std::map<ContainerId, ContainerFonts> postponed_;        ///< updates, until a program ends
+    std::map<ContainerId, std::vector<std::string>> failed_; ///< what was wrong with last updates
     bool isToSweep_ = false;
     Clock::time_point blocked_; ///< until when the lock is left alone
     Clock::time_point resting_; ///< until when others may come before a withdrawal

@@ -179,6 +179,19 @@ const std::vector<DesktopFace>& DesktopFaces::find(const std::string& postScript
     return found == faces_.end() ? none : found->second;
 }
 
+std::set<std::string> DesktopFaces::namesIn(const std::string& file) const {
+    std::set<std::string> names;
+    const auto known = names_.find(folderOf(file));
+    for (const std::string& name : known != names_.end() ? known->second : Fields()) {
+        const auto& namesakes = find(name);
+        if (std::any_of(namesakes.begin(), namesakes.end(),
+                        [&](const DesktopFace& face) { return face.file == file; })) {
+            names.insert(name);
+        }
+    }
+    return names;
+}
+
 void DesktopFaces::replaceFolders(std::span<const std::string> folders,
                                   std::span<const NamedFace> faces) {
     for (const std::string& folder : folders) {

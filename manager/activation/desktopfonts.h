@@ -29,6 +29,8 @@ class DesktopFaces {
 public:
     /// None for an empty name. Valid until the next change.
     [[nodiscard]] const std::vector<DesktopFace>& find(const std::string& postScriptName) const;
+    /// The PostScript names of the faces that it shows of a file.
+    [[nodiscard]] std::set<std::string> namesIn(const std::string& file) const;
     /// Takes these in place of what the folders had.
     void replaceFolders(std::span<const std::string> folders, std::span<const NamedFace> faces);
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <string_view>
 #include <unistd.h>
 
@@ -56,6 +57,24 @@ Mappers mappersOfFilesBelow(const std::string& root) {
         }
     }
     return mappers;
+}
+
+std::vector<Reason> usesIn(const std::string& folder, const Mappers& mappers) {
+    std::vector<Reason> uses;
+    if (const auto users = mappers.find(folder); users != mappers.end()) {
+        std::transform(users->second.begin(), users->second.end(), std::back_inserter(uses),
+                       Reason::inUseBy);
+    }
+    return uses;
+}
+
+std::string inUseText(ContainerId id, const std::vector<Reason>& uses, std::string_view what) {
+    std::string text = "container " + toText(id) + ": ";
+    for (const Reason& use : uses) {
+        text += (&use == &uses.front() ? "" : ", ") + describe(use);
+    }
+    text.append("; ").append(what);
+    return text + (uses.size() == 1 ? " when that ends" : " when those end");
 }
 
 } // namespace manager

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "manager/activation/reason.h"
+#include "manager/library/library.h"
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -17,5 +19,11 @@ using Mappers = std::unordered_map<std::string, std::vector<ProcessMark>>;
 /// the file; this one and those that only read fonts for others apart. Reads the memory maps of all
 /// of the user's processes.
 [[nodiscard]] Mappers mappersOfFilesBelow(const std::string& root);
+
+/// That each of these programs has files in `folder` open.
+[[nodiscard]] std::vector<Reason> usesIn(const std::string& folder, const Mappers& mappers);
+/// "container 7: in use by inkscape (4711); WHAT when that ends"
+[[nodiscard]] std::string inUseText(ContainerId id, const std::vector<Reason>& uses,
+                                    std::string_view what);
 
 } // namespace manager

@@ -24,6 +24,8 @@ struct SetFile {
     bool leaving = false; ///< no longer wanted; it may have gone already
     /// Of its first face; empty: not known. It is for people, and tells no two files apart.
     std::string version = {};
+    /// Names of files of the set that it takes the place of, in an update; not kept.
+    std::vector<std::string> predecessors = {};
     bool operator==(const SetFile& other) const {
         return name == other.name && source == other.source && stamp == other.stamp &&
                leaving == other.leaving;

@@ -77,6 +77,11 @@ std::vector<std::string> SetFolders::stageChanged(const SetRecord& current, SetR
                 files.push_back(*before);                 // an older copy is better than none
                 files.back().leaving = false;
             }
+            for (const std::string& name : file.predecessors) {
+                if (const SetFile* older = known.find(name); older != nullptr) {
+                    files.push_back(*older);
+                }
+            }
         }
     }
     wanted.files = std::move(files);

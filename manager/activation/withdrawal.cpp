@@ -15,14 +15,6 @@ namespace manager {
 
 namespace {
 
-std::string inUseText(ContainerId id, const std::vector<Reason>& users) {
-    std::string text = "container " + toText(id) + ": ";
-    for (const Reason& user : users) {
-        text += (&user == &users.front() ? "" : ", ") + describe(user);
-    }
-    return text + "; it leaves when " + (users.size() == 1 ? "that ends" : "those end");
-}
-
 /// Why the folder of a set that is gone is still there; another attempt tells.
 std::string leftText(const std::string& folder) {
     if (rmdir(folder.c_str()) != 0 && errno != ENOTEMPTY) {
@@ -34,18 +26,16 @@ std::string leftText(const std::string& folder) {
 } // namespace
 
 bool Activation::keepUnderPrograms(Leaving& set, const Mappers& mappers) {
-    const auto users = mappers.find(folders_.folder(set.id));
-    if (users == mappers.end()) {
+    std::vector<Reason> uses = usesIn(folders_.folder(set.id), mappers);
+    if (uses.empty()) {
         return false;
     }
-    set.record->reasons.clear();
-    std::transform(users->second.begin(), users->second.end(),
-                   std::back_inserter(set.record->reasons), Reason::inUseBy);
+    set.record->reasons = std::move(uses);
     folders_.changeReasons(*set.record);
     known_.learn(set.id, set.record->reasons);
     set.outcome.success = true;
     set.outcome.postponed = true;
-    set.outcome.problems.push_back(inUseText(set.id, set.record->reasons));
+    set.outcome.problems.push_back(inUseText(set.id, set.record->reasons, "it leaves"));
     return true;
 }
 

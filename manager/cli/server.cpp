@@ -265,7 +265,7 @@ void Server::takeOutcome(Activated done, Entries& entries) {
         entries.push_back({Deed::Done, "activated " + called});
     }
     for (const std::string& problem : done.outcome.problems) {
-        take(entries, Deed::Failed, problem);
+        take(entries, done.outcome.postponed ? Deed::Undecided : Deed::Failed, problem);
     }
 }
 

@@ -90,8 +90,13 @@ TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
     newer.files[0].version = "2.0";
     newer.onlyIfActive = true;
     newer.reasons = {};
+    // As a program keeps it that has the older one mapped.
+    const std::string open = sandbox_.root() + "/open";
+    std::filesystem::create_hard_link(set() + "/one.ttf", open);
+    const std::string bytes = readBytes(open);
     EXPECT_EQ(activate(newer).versions, "1.0 -> 2.0");
     EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Two"));
+    EXPECT_EQ(readBytes(open), bytes);
     EXPECT_THAT(readSetRecord(set())->reasons, ElementsAre(Reason::byHand()));
 
     const auto outcome = activate(fonts({"one.ttf", "three.ttf"}));
@@ -100,6 +105,32 @@ TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
     EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf", "three.ttf"));
     deactivate();
     EXPECT_FALSE(activate(newer).changed);
+}
+
+TEST_F(AnActivation, HasFilesOfNewNamesTakeThePlaceOfOldOnesThatNobodyHasOpen) {
+    ContainerFonts older = fonts();
+    older.files[0].version = older.files[1].version = "1.0";
+    activate(older);
+    addFont("three.ttf", "Three");
+    ContainerFonts newer = fonts({"three.ttf"});
+    newer.files[0].version = "2.0";
+    newer.onlyIfActive = true;
+    newer.reasons = {};
+    newer.successors = {{"one.ttf", "three.ttf"}, {"two.ttf", "three.ttf"}};
+    ContainerFonts unread = newer;
+    ++unread.files[0].stamp.size;
+    unread.successors.erase("two.ttf");
+    EXPECT_THAT(activate(unread).lost, ElementsAre("three.ttf"));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two")) << "better than none";
+    {
+        const FontUser user(set() + "/two.ttf");
+        const auto outcome = activate(newer);
+        EXPECT_TRUE(outcome.postponed);
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("; files of new names take their")));
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    }
+    EXPECT_EQ(activate(newer).versions, "1.0 -> 2.0");
+    EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "three.ttf"));
 }
 
 TEST_F(AnActivation, LosesOnlyTheFilesThatAreGoneOrHaveChanged) {

@@ -7,18 +7,55 @@
 #include "tests/support/fontmaker.h"
 
 #include <algorithm>
+#include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 #include <set>
 #include <span>
 #include <string>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace managertest {
 
 inline constexpr auto container = static_cast<manager::ContainerId>(7);
+
+/// A program that has a file mapped, as those do that draw with a font.
+class FontUser {
+public:
+    explicit FontUser(const std::string& path) {
+        int ends[2] = {};
+        EXPECT_EQ(pipe(ends), 0);
+        const sys::Descriptor ready(ends[0]);
+        {
+            const sys::Descriptor tell(ends[1]);
+            process_ = fork();
+            if (process_ == 0) {
+                const int file = open(path.c_str(), O_RDONLY);
+                static_cast<void>(mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0));
+                static_cast<void>(write(tell.get(), "", 1));
+                pause();
+            }
+        }
+        char byte = 0;
+        EXPECT_EQ(read(ready.get(), &byte, 1), 1);
+    }
+    FontUser(const FontUser&) = delete;
+    FontUser& operator=(const FontUser&) = delete;
+    ~FontUser() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    [[nodiscard]] pid_t process() const { return process_; }
+
+private:
+    pid_t process_ = -1;
+};
 
 class AnActivation : public testing::Test {
 protected:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The thread that changes what is active: what waits for a lock, and who is told of what.
 #include "manager/activation/activator.h"
+#include "manager/library/update.h"
 #include "tests/manager/activationfixture.h"
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@ using namespace manager;
 using namespace managertest;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace {
 
@@ -59,6 +61,39 @@ TEST_F(AnActivator, TellsEachCallItsOutcomeWhenTheLockIsFree) {
     EXPECT_TRUE(outcomes_[second].success);
     EXPECT_THAT(outcomes_[third].lost, ElementsAre("two.ttf"));
     EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+}
+
+TEST_F(AnActivator, FollowsWhatHasNewNamesAndTellsOnceWhatKeepsIt) {
+    await([&] { return isReady_; });
+    const auto scan = [&] {
+        auto library = std::make_unique<Library>(sandbox_.places());
+        updateLibrary(*library, std::vector{sandbox_.library()}, FontReaderLimits{});
+        return library;
+    };
+    for (const auto& container : scan()->containers()) {
+        activator_.activate({{container.id, container.name, scan()->files(container.id)}});
+    }
+    await([&] { return outcomes_.size() == 2; });
+    std::filesystem::rename(sandbox_.library() + "/one.ttf", sandbox_.library() + "/1.ttf");
+    sandbox_.write("bold.ttf", testsupport::makeFont({"Two", "Bold", "Two-Bold"}));
+    std::filesystem::remove(sandbox_.library() + "/two.ttf");
+    const auto told = [&] {
+        activator_.follow(scan());
+        const std::size_t before = outcomes_.size();
+        await([&] { return outcomes_.size() > before; });
+        return outcomes_.rbegin()->second.problems;
+    };
+    {
+        const FontUser user(sandbox_.places().fonts() + "/1/one.ttf");
+        EXPECT_THAT(told(), ElementsAre(HasSubstr("container 1: in use by ")));
+        EXPECT_THAT(told(), IsEmpty());
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    }
+    activator_.withdraw(std::nullopt);
+    await([&] { return outcomes_.rbegin()->second.changed; });
+    EXPECT_THAT(entries(sandbox_.places().fonts() + "/1"), ElementsAre(".glyphora-set", "1.ttf"));
+    EXPECT_THAT(entries(sandbox_.places().fonts() + "/2"), ElementsAre(".glyphora-set", "two.ttf"))
+        << "whose face has gone";
 }
 
 } // namespace

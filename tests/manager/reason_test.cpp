@@ -6,13 +6,9 @@
 #include "tests/manager/activationfixture.h"
 #include "tests/support/await.h"
 
-#include <csignal>
 #include <ctime>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <memory>
-#include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace manager;
@@ -25,13 +21,7 @@ namespace {
 
 class AReason : public AnActivation {
 protected:
-    AReason() {
-        std::filesystem::create_directory(sandbox_.root() + "/run");
-        sigemptyset(&ready_);
-        sigaddset(&ready_, SIGUSR1);
-        pthread_sigmask(SIG_BLOCK, &ready_, nullptr);
-    }
-    ~AReason() override { pthread_sigmask(SIG_UNBLOCK, &ready_, nullptr); }
+    AReason() { std::filesystem::create_directory(sandbox_.root() + "/run"); }
 
     void activateFor(const std::vector<Reason>& reasons) {
         ContainerFonts wanted = fonts();
@@ -49,7 +39,6 @@ protected:
         return texts;
     }
 
-    sigset_t ready_{};
     testsupport::Variable runtime_{"XDG_RUNTIME_DIR", sandbox_.root() + "/run"};
 };
 
@@ -141,23 +130,14 @@ TEST_F(AReason, IsByHandInARecordThatKnewNone) {
 
 TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
     activate(fonts());
-    const pid_t program = fork();
-    if (program == 0) {
-        const int file = open((set() + "/one.ttf").c_str(), O_RDONLY);
-        static_cast<void>(mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0));
-        kill(getppid(), SIGUSR1);
-        pause();
-    }
-    ASSERT_GT(program, 0);
-    int number = 0;
-    sigwait(&ready_, &number);
+    std::optional<FontUser> program(set() + "/one.ttf");
     const auto outcome = deactivate();
     EXPECT_TRUE(outcome.postponed && !outcome.changed);
-    EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("(" + std::to_string(program) + "); it")));
+    EXPECT_THAT(outcome.problems,
+                ElementsAre(HasSubstr("(" + std::to_string(program->process()) + "); it")));
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
     EXPECT_THAT(withdrawDue(), IsEmpty());
-    kill(program, SIGKILL);
-    waitpid(program, nullptr, 0);
+    program.reset();
     EXPECT_EQ(withdrawDue().size(), 1U);
     EXPECT_THAT(visibleFamilies(), IsEmpty());
 }
