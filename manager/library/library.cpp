@@ -23,13 +23,18 @@ Database openPrepared(const Places& places, const TableFiller& fill, MissingFile
     return database;
 }
 
-// A directory is that of the container's folder, where all of its files lie.
-constexpr const char* containerColumns =
+// A directory is that of the container's folder, where all of its files lie. The faces are counted
+// in the order of an index; those of spares, which are few, by themselves.
+constexpr const char* allContainers =
     "SELECT container.id, container.name, container.folder, container.file, container.format, "
-    "directory.away, directory.shown, count(*) FROM container "
-    "JOIN file ON file.container = container.id AND file.spare = 0 "
-    "JOIN face ON face.file = file.id "
-    "JOIN directory ON directory.id = file.directory ";
+    "directory.away, directory.shown, held.faces - ifnull(spare.faces, 0) AS shown_faces "
+    "FROM (SELECT container, count(*) AS faces FROM face GROUP BY container) AS held "
+    "JOIN container ON container.id = held.container "
+    "JOIN directory ON directory.path = container.folder "
+    "LEFT JOIN (SELECT file.container, count(*) AS faces FROM file "
+    "JOIN face ON face.file = file.id WHERE file.spare <> 0 GROUP BY file.container) AS spare "
+    "ON spare.container = held.container "
+    "WHERE shown_faces > 0 ORDER BY container.name, container.id";
 
 Container containerFrom(const Statement& statement) {
     Container container;
@@ -120,9 +125,7 @@ std::vector<LibraryFile> Library::files(ContainerId id) {
 }
 
 std::vector<Container> Library::containers() {
-    Statement statement(database_, (std::string(containerColumns) +
-                                    "GROUP BY container.id ORDER BY container.name, container.id")
-                                       .c_str());
+    Statement statement(database_, allContainers);
     std::vector<Container> result;
     while (statement.step()) {
         result.push_back(containerFrom(statement));
@@ -150,12 +153,21 @@ std::vector<ContainerId> Library::findContainersLike(std::string_view pattern) {
         own[at + 1] = '^'; // as SQLite writes it
     }
     const std::string key = faces::nameKey(own);
-    Statement statement(database_, "SELECT face.container FROM family "
-                                   "JOIN name ON name.family = family.id "
-                                   "JOIN face ON face.id = name.face WHERE family.key GLOB ? "
-                                   "UNION SELECT container FROM face WHERE postscript_name GLOB ? "
-                                   "ORDER BY 1");
+    const std::string postScriptKey = faces::postScriptKey(own);
+    // A name alone is found by the indexes; a pattern has to be held against every name.
+    const bool isName = own.find_first_of("*?[") == std::string::npos;
+    const std::string like = isName ? "= ?" : "GLOB ?";
+    Statement statement(database_, ("SELECT face.container FROM family "
+                                    "JOIN name ON name.family = family.id "
+                                    "JOIN face ON face.id = name.face WHERE family.key " +
+                                    like + "1 UNION SELECT container FROM face WHERE " +
+                                    (isName ? "postscript_key = ?3 AND " : "") +
+                                    "postscript_name " + like + "2 ORDER BY 1")
+                                       .c_str());
     statement.bind(1, key).bind(2, own);
+    if (isName) {
+        statement.bind(3, postScriptKey);
+    }
     std::vector<ContainerId> result;
     while (statement.step()) {
         result.push_back(static_cast<ContainerId>(statement.number(0)));
@@ -209,7 +221,9 @@ std::vector<std::string> Library::directories() {
 }
 
 std::vector<std::string> Library::problems() {
-    return texts(database_, "SELECT problem FROM file WHERE problem IS NOT NULL "
+    // Only files that hold no font have one, and those are found by an index.
+    return texts(database_, "SELECT problem FROM file "
+                            "WHERE container IS NULL AND problem IS NOT NULL "
                             "UNION SELECT problem FROM walk_problem ORDER BY problem");
 }
 

@@ -106,6 +106,7 @@ TEST_F(AnIndex, ShowsTheNewestFileOfAFaceOnce) {
     scan();
     EXPECT_THAT(shown(), ElementsAre(Pair(1, "2.ttf 4.ttf ")));
     EXPECT_EQ(library_->container(ContainerId{1})->faces, 2);
+    EXPECT_EQ(library_->containers().at(0).faces, 2);
     EXPECT_EQ(library_->counts(root_).faces, 2);
     const auto newest = library_->findByPostScriptKey("X-Regular");
     ASSERT_THAT(newest, SizeIs(1));
@@ -175,6 +176,9 @@ TEST_F(AnIndex, KeepsWhatIsAwayAndDoesNotOfferIt) {
     EXPECT_THAT(gone.problems, ElementsAre(HasSubstr(root_ + ": the folder cannot be read")));
     EXPECT_THAT(library_->findByPostScriptKey("X-Regular"), IsEmpty());
     EXPECT_TRUE(library_->container(ContainerId{1})->away);
+    for (const char* name : {"X-Regular", "x", "X-*", "[xz]"}) {
+        EXPECT_THAT(library_->findContainersLike(name), ElementsAre(ContainerId{1})) << name;
+    }
     EXPECT_EQ(library_->counts(root_).away, 2);
     EXPECT_THAT(found({}), SizeIs(2));
     FaceQuery here;
@@ -232,6 +236,7 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
         const std::vector<std::string>& found;
     } cases[] = {
         {"words", [](Query& q) { q.text = "LIGHT plain"; }, light},
+        {"word of a PostScript name", [](Query& q) { q.text = "FUL"; }, full},
         {"words of two", [](Query& q) { q.text = "light full"; }, none},
         {"weight",
          [](Query& q) {
