@@ -89,10 +89,10 @@ void addTexts(Conditions& conditions, const FaceQuery& query) {
             continue;
         }
         conditions.add("face.id IN (SELECT face FROM full_name WHERE instr(key, ?) "
-                       "UNION SELECT name.face FROM family JOIN name ON name.family = family.id "
-                       "WHERE instr(family.key, ?) "
-                       "UNION SELECT id FROM face WHERE instr(lower(postscript_key), ?) "
-                       "UNION SELECT face FROM name WHERE instr(lower(style), ?))",
+                       "UNION ALL SELECT name.face FROM family "
+                       "JOIN name ON name.family = family.id WHERE instr(family.key, ?) "
+                       "UNION ALL SELECT id FROM face WHERE holds(postscript_key, ?) "
+                       "UNION ALL SELECT face FROM name WHERE holds(style, ?))",
                        {key, key, key, key});
     }
     if (!query.foundry.empty()) {
@@ -198,6 +198,17 @@ void covers(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
     sqlite3_result_int(context, range != coverage.end() && range->first <= character ? 1 : 0);
 }
 
+// What instr(lower(text), key) tells, without a copy of each text.
+void holds(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    const std::string_view text = textOf(values[0]);
+    const std::string_view key = textOf(values[1]);
+    const auto place =
+        std::search(text.begin(), text.end(), key.begin(), key.end(), [](char own, char lower) {
+            return own == lower || (own >= 'A' && own <= 'Z' && own - 'A' + 'a' == lower);
+        });
+    sqlite3_result_int(context, key.empty() || place != text.end() ? 1 : 0);
+}
+
 // Again and again for one connection does no harm.
 void addFunctions(Database& database) {
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
@@ -205,6 +216,7 @@ void addFunctions(Database& database) {
                             nullptr);
     sqlite3_create_function(database.handle(), "covers", 2, flags, nullptr, covers, nullptr,
                             nullptr);
+    sqlite3_create_function(database.handle(), "holds", 2, flags, nullptr, holds, nullptr, nullptr);
 }
 
 } // namespace
