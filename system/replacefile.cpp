@@ -2,6 +2,7 @@
 // The steps of a replacement, each with its error.
 #include "system/replacefile.h"
 
+#include "system/cuttext.h"
 #include "system/descriptor.h"
 
 #include <fcntl.h>
@@ -64,18 +65,7 @@ std::filesystem::path endOfLinks(const std::string& file, bool exists) {
 /// The beginning of names beside the file, short enough for whatever is added.
 std::string nameBeside(const std::filesystem::path& target) {
     constexpr std::size_t longest = 200;
-    std::string name = target.filename().string();
-    if (name.size() > longest) {
-        const auto continues = [](char byte) {
-            return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-        };
-        std::size_t end = longest; // where a character of UTF-8 begins, lest one be cut
-        while (end > 0 && continues(name[end])) {
-            --end;
-        }
-        name.resize(end > 0 ? end : longest);
-    }
-    return target.parent_path() / name;
+    return target.parent_path() / cutText(target.filename().string(), longest);
 }
 
 /// A new file under a free name that begins with `beginning`; none, with errno set, when it fails.

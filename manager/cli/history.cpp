@@ -3,8 +3,10 @@
 // entries of one occasion, so that those of several processes do not mix.
 #include "manager/cli/history.h"
 
+#include "manager/cli/report.h"
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
+#include "system/cuttext.h"
 
 #include <algorithm>
 #include <array>
@@ -21,10 +23,11 @@ namespace manager {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> deedNames = {"started",   "asked",  "done",
-                                                       "undecided", "failed", "stopped"};
+constexpr std::array<std::string_view, deedCount> deedNames = {"started",   "asked",  "done",
+                                                               "undecided", "failed", "stopped"};
+constexpr std::size_t maximumOfADeed = 100; // of one occasion
 constexpr off_t maximumSize = off_t{1} << 20U;
-constexpr std::size_t maximumText = 4096; // of an entry, in bytes
+constexpr std::size_t maximumText = 1024; // of an entry, in bytes
 constexpr std::string_view cutMark = " [...]";
 // What a file may have become before there was a maximum.
 constexpr off_t readableSize = off_t{16} << 20U;
@@ -35,9 +38,10 @@ std::string historyPath(const Places& places) {
 
 using BreakDown = std::tm*(const std::time_t*, std::tm*);
 
-bool isFull(const std::string& path) {
+bool isFullWith(const std::string& path, std::size_t more) {
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 && status.st_size > maximumSize;
+    return stat(path.c_str(), &status) == 0 && status.st_size != 0 &&
+           status.st_size + static_cast<off_t>(more) > maximumSize;
 }
 
 /// The text, or its beginning with a mark; no character of UTF-8 is cut in two.
@@ -45,11 +49,7 @@ std::string bounded(std::string_view text) {
     if (text.size() <= maximumText) {
         return std::string(text);
     }
-    std::size_t end = maximumText - cutMark.size();
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-        --end;
-    }
-    return std::string(text.substr(0, end)).append(cutMark);
+    return std::string(sys::cutText(text, maximumText - cutMark.size())).append(cutMark);
 }
 
 /// The end of a file, from a whole line on when it is too long to be read.
@@ -77,10 +77,10 @@ std::string lastPart(const std::string& path) {
     return begin == 0 ? text : text.substr(std::min(text.find('\n'), text.size() - 1) + 1);
 }
 
-void putAside(const std::string& path) {
+void putAside(const std::string& path, std::size_t more) {
     try {
         const FileLock lock(path + ".lock", std::chrono::milliseconds(0));
-        if (isFull(path)) { // or another process was quicker, and the file is a new one
+        if (isFullWith(path, more)) { // or another process was quicker, and the file is a new one
             static_cast<void>(rename(path.c_str(), (path + ".old").c_str()));
         }
     } catch (const Error&) { // NOLINT(bugprone-empty-catch): it grows on, or another does it
@@ -106,19 +106,47 @@ void recordDeed(const Places& places, Deed deed, std::string_view text) {
 }
 
 void recordDeeds(const Places& places, std::span<const HistoryEntry> entries) {
-    const std::string path = historyPath(places);
-    if (isFull(path)) {
-        putAside(path);
-    }
-    const sys::Descriptor file(
-        open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
     const std::string now = std::to_string(std::time(nullptr));
     std::string lines;
     for (const auto& [deed, text] : entries) {
         lines += joinFields({now, deedNames[static_cast<std::size_t>(deed)], bounded(text)});
     }
+    const std::string path = historyPath(places);
+    if (isFullWith(path, lines.size())) {
+        putAside(path, lines.size());
+    }
+    const sys::Descriptor file(
+        open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (file && write(file.get(), lines.data(), lines.size()) < 0) {
         return;
+    }
+}
+
+void Occasion::add(Deed deed, const std::string& text, bool aloud) {
+    Count& count = counts_[static_cast<std::size_t>(deed)];
+    if (++count.all > maximumOfADeed) {
+        count.areMoreAloud = count.areMoreAloud || aloud;
+        return;
+    }
+    entries_.push_back({deed, bounded(text)});
+    if (aloud) {
+        warn(entries_.back().text);
+    }
+}
+
+void Occasion::record(const Places& places) {
+    for (std::size_t i = 0; i < deedCount; ++i) {
+        const Count count = std::exchange(counts_[i], {});
+        if (count.all > maximumOfADeed) {
+            const std::string rest = "and " + std::to_string(count.all - maximumOfADeed) + " more";
+            entries_.push_back({static_cast<Deed>(i), rest});
+            if (count.areMoreAloud) {
+                warn(rest);
+            }
+        }
+    }
+    if (!entries_.empty()) {
+        recordDeeds(places, std::exchange(entries_, {}));
     }
 }
 

@@ -4,6 +4,8 @@
 
 #include "manager/library/places.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -14,10 +16,11 @@ namespace manager {
 
 /// What an entry tells.
 enum class Deed { Started, Asked, Done, Undecided, Failed, Stopped };
+constexpr std::size_t deedCount = 6;
 
-/// Appends one entry; a file above a megabyte is put aside first (one such is kept). A history that
-/// cannot be written is no reason to stop: nothing is thrown. A text above 4096 bytes is cut, with
-/// a mark at its end.
+/// Appends one entry; a file that would grow above a megabyte is put aside first (one such is
+/// kept). A history that cannot be written is no reason to stop: nothing is thrown. A text above
+/// 1024 bytes is cut, with a mark at its end.
 void recordDeed(const Places& places, Deed deed, std::string_view text);
 
 /// The same for several at once, in their order.
@@ -26,6 +29,23 @@ struct HistoryEntry {
     std::string text;
 };
 void recordDeeds(const Places& places, std::span<const HistoryEntry> entries);
+
+/// What came of one occasion, however much: the first hundred of each deed, then how many more.
+class Occasion {
+public:
+    /// `aloud`: on standard error, too.
+    void add(Deed deed, const std::string& text, bool aloud);
+    /// Ends it.
+    void record(const Places& places);
+
+private:
+    struct Count {
+        std::size_t all = 0;
+        bool areMoreAloud = false;
+    };
+    std::array<Count, deedCount> counts_;
+    std::vector<HistoryEntry> entries_;
+};
 
 /// An entry as it was kept.
 struct PastDeed {

@@ -83,7 +83,6 @@ private:
         std::vector<std::uint64_t> calls;                        ///< of the activator
         std::set<std::pair<std::uint64_t, ContainerId>> awaited; ///< of these calls
     };
-    using Entries = std::vector<HistoryEntry>;
 
     void openLibrary();
     /// The text for people. A damaged index is let go of, and a scan asked for.
@@ -101,8 +100,7 @@ private:
     [[nodiscard]] bool hasTimeForRound(const Pending& pending) const;
     void forgetCalls(const Pending& pending);
     void takeNews();
-    void takeOutcome(Activated done, Entries& entries);
-    void take(Entries& entries, Deed deed, const std::string& text);
+    void takeOutcome(Activated done, Occasion& occasion);
     void noteQuestion(Pending& pending);
     void noteOutcome(const Answer& answer);
 

@@ -22,35 +22,35 @@ void Server::takeNews() {
         activation_.desktop() = std::move(*news.desktop);
         desktopAwaited_ = false;
     }
-    Entries entries;
+    Occasion occasion;
     for (Activated& done : news.activated) {
-        takeOutcome(std::move(done), entries);
+        takeOutcome(std::move(done), occasion);
     }
     for (const std::string& text : news.mended) {
-        take(entries, Deed::Done, text);
+        occasion.add(Deed::Done, text, true);
     }
     for (const std::string& text : news.problems) {
-        take(entries, Deed::Failed, text);
+        occasion.add(Deed::Failed, text, true);
     }
     for (const auto& [id, name, why, outcome] : news.withdrawn) {
         changed_ = changed_ || outcome.changed;
         if (outcome.changed) {
-            entries.push_back({Deed::Done, "deactivated " + name + " (container " + toText(id) +
-                                               ")" + (why.empty() ? "" : ": " + why)});
+            occasion.add(Deed::Done,
+                         "deactivated " + name + " (container " + toText(id) + ")" +
+                             (why.empty() ? "" : ": " + why),
+                         false);
         }
         for (const std::string& problem : outcome.problems) {
-            take(entries, outcome.success ? Deed::Undecided : Deed::Failed, problem);
+            occasion.add(outcome.success ? Deed::Undecided : Deed::Failed, problem, true);
         }
     }
-    if (!entries.empty()) {
-        recordDeeds(places_, entries);
-    }
+    occasion.record(places_);
     if (news.ending) {
         ending_ = std::move(news.ending);
     }
 }
 
-void Server::takeOutcome(Activated done, Entries& entries) {
+void Server::takeOutcome(Activated done, Occasion& occasion) {
     const auto caller = callers_.find(done.call);
     if (caller != callers_.end() && caller->second->awaited.erase({done.call, done.id}) != 0) {
         Pending& pending = *caller->second;
@@ -64,19 +64,14 @@ void Server::takeOutcome(Activated done, Entries& entries) {
     const std::string called = done.name + " (container " + toText(done.id) + ")";
     if (done.outcome.changed && done.onlyIfActive) {
         const std::string& versions = done.outcome.versions;
-        take(entries, Deed::Done,
-             "updated " + called + (versions.empty() ? "" : ": version " + versions));
+        occasion.add(Deed::Done,
+                     "updated " + called + (versions.empty() ? "" : ": version " + versions), true);
     } else if (done.outcome.changed) {
-        entries.push_back({Deed::Done, "activated " + called});
+        occasion.add(Deed::Done, "activated " + called, false);
     }
     for (const std::string& problem : done.outcome.problems) {
-        take(entries, done.outcome.postponed ? Deed::Undecided : Deed::Failed, problem);
+        occasion.add(done.outcome.postponed ? Deed::Undecided : Deed::Failed, problem, true);
     }
-}
-
-void Server::take(Entries& entries, Deed deed, const std::string& text) {
-    warn(text);
-    entries.push_back({deed, text});
 }
 
 void Server::noteQuestion(Pending& pending) {
@@ -103,21 +98,16 @@ void Server::noteQuestion(Pending& pending) {
 }
 
 void Server::noteOutcome(const Answer& answer) {
-    std::vector<HistoryEntry> entries;
-    const auto takeAll = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
+    Occasion occasion;
+    const auto addAll = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
         for (const std::string& text : texts) {
-            entries.push_back({deed, text});
-            if (aloud) {
-                warn(text);
-            }
+            occasion.add(deed, text, aloud);
         }
     };
-    takeAll(Deed::Done, answer.done, verbose_);
-    takeAll(Deed::Undecided, answer.undecided, verbose_);
-    takeAll(Deed::Failed, answer.problems, true);
-    if (!entries.empty()) {
-        recordDeeds(places_, entries);
-    }
+    addAll(Deed::Done, answer.done, verbose_);
+    addAll(Deed::Undecided, answer.undecided, verbose_);
+    addAll(Deed::Failed, answer.problems, true);
+    occasion.record(places_);
     changed_ = changed_ || answer.changed;
 }
 

@@ -25,6 +25,8 @@ constexpr std::array<std::pair<std::string_view, faces::Technology>, 4> typeKeyw
     {"OT_TT", faces::Technology::OpenTypeTrueType},
 }};
 
+constexpr std::size_t maximumProblems = 100;
+
 struct Element {
     std::string_view name;
     std::string_view value;
@@ -56,6 +58,7 @@ public:
                 throw wrong("text after the closing </cmd>");
             }
         }
+        tellOfTheRest();
         return std::move(command_);
     }
 
@@ -156,7 +159,17 @@ private:
         return nullptr;
     }
 
+    void passOverFont() {
+        while (last_ != "</font>") {
+            nextLine("</font>");
+        }
+    }
+
     void readFontOrPassOver() {
+        if (++named_ > maximumFonts) {
+            passOverFont();
+            return;
+        }
         try {
             readFont();
         } catch (const MalformedCommand& malformed) {
@@ -164,10 +177,22 @@ private:
                 throw;
             }
             command_.fonts.pop_back();
-            command_.problems.emplace_back(malformed.what());
-            while (last_ != "</font>") {
-                nextLine("</font>");
+            if (++malformed_ <= maximumProblems) {
+                command_.problems.emplace_back(malformed.what());
             }
+            passOverFont();
+        }
+    }
+
+    void tellOfTheRest() {
+        if (malformed_ > maximumProblems) {
+            command_.problems.push_back("command: malformed fonts: and " +
+                                        std::to_string(malformed_ - maximumProblems) + " more");
+        }
+        if (named_ > maximumFonts) {
+            command_.problems.push_back(
+                "command: " + std::to_string(named_) + " fonts; those beyond the first " +
+                std::to_string(maximumFonts) + " are passed over, ask for them by another command");
         }
     }
 
@@ -209,6 +234,8 @@ private:
     std::string_view rest_;
     std::string_view last_;
     std::size_t line_ = 0;
+    std::size_t named_ = 0; ///< fonts, whether they could be read or not
+    std::size_t malformed_ = 0;
     Command command_;
 };
 

@@ -34,7 +34,8 @@ struct Command {
     std::optional<std::string> targetClass; ///< four bytes: the class of the events to send back
     std::optional<std::int32_t> targetPid;  ///< the process to send them to
     std::vector<CommandFont> fonts;
-    std::vector<std::string> problems; ///< "command, line N: ..." per font that was passed over
+    std::vector<std::string> problems; ///< "command, line N: ..." per font that was passed over; at
+                                       ///< most a hundred, then how many more there were
 };
 
 /// "command, line N: what is wrong". Lines count from 1.
@@ -49,10 +50,14 @@ private:
     std::string word_;
 };
 
+/// More would take too long to be answered while the sender waits.
+constexpr std::size_t maximumFonts = 10'000;
+
 /// Reads a command. Elements that are not known are passed over; of a command whose word is not
 /// known only the word and the frame are looked at. A font that is malformed (a line feed in the
 /// name of a document's font is enough) is passed over up to the next line that closes one, and
-/// costs only itself unless its text holds such a line. Throws MalformedCommand.
+/// costs only itself unless its text holds such a line. So are those beyond maximumFonts, which is
+/// told once. Throws MalformedCommand.
 [[nodiscard]] Command parseCommand(std::string_view text);
 
 /// The keyword of a type ("T1", "TT", "OT_T1", "OT_TT").

@@ -136,4 +136,16 @@ TEST(ACommand, PassesOverAMalformedFontAndKeepsTheOthers) {
     }
 }
 
+TEST(ACommand, TellsFewOfManyFaultsAndPassesOverWhatIsTooMuch) {
+    std::string text = "<cmd>buyRequest</cmd>\n<font>\n<psName>A</psName>\n</font>\n";
+    for (std::size_t i = 0; i < maximumFonts; ++i) {
+        text += "<font>\n</font>\n";
+    }
+    const Command command = parseCommand(text + "</cmd>\n");
+    EXPECT_THAT(command.fonts, SizeIs(1));
+    ASSERT_THAT(command.problems, SizeIs(102));
+    EXPECT_THAT(command.problems[100], HasSubstr("and 9899 more"));
+    EXPECT_THAT(command.problems[101], HasSubstr("10001 fonts; those beyond"));
+}
+
 } // namespace

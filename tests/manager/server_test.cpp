@@ -108,4 +108,24 @@ TEST_F(AServer, ActivatesNothingBeforeItKnowsWhatTheDesktopShows) {
     EXPECT_FALSE(std::filesystem::exists(sandbox_.places().fonts() + "/1"));
 }
 
+TEST_F(AServer, WritesOnlySoMuchOfALargeCommandIntoTheHistory) {
+    server_.emplace(sandbox_.places(), false);
+    std::string command = "<cmd>fontRequest</cmd>\n";
+    for (int i = 0; i < 200; ++i) {
+        command += "<font>\n<syncID>1</syncID>\n<psName>" + std::string(1100, 'x') +
+                   "</psName>\n</font>\n";
+    }
+    int replies = 0;
+    for (int i = 0; i < 12; ++i) {
+        if (server_->answer(command + "</cmd>\n", {}, [&](const std::string&) { ++replies; })) {
+            ++replies;
+        }
+    }
+    await([&] { return replies == 12; });
+    EXPECT_TRUE(isTold("and 100 more"));
+    const std::string history = sandbox_.places().own() + "/history";
+    EXPECT_LE(std::filesystem::file_size(history), 1U << 20U);
+    EXPECT_LE(std::filesystem::file_size(history + ".old"), 1U << 20U);
+}
+
 } // namespace
