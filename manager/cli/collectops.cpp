@@ -10,6 +10,7 @@
 #include "manager/cli/searchops.h"
 #include "manager/cli/tally.h"
 #include "manager/library/error.h"
+#include "system/cuttext.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -72,7 +73,8 @@ private:
 
 /// Makes a folder for the container alone, whatever this file system takes for one name.
 fs::path makeFolderFor(const Container& container, const fs::path& parent) {
-    std::string name = container.name;
+    constexpr std::size_t longest = 200; // of a name's 255 bytes: a number may follow
+    std::string name(sys::cutText(container.name, longest));
     std::replace(name.begin(), name.end(), '/', '_');
     if (name.empty() || name.front() == '.') {
         name.insert(0, "_");
@@ -96,7 +98,14 @@ public:
         : library_(library), folder_(folder), tally_(tally) {}
 
     void add(const Container& container) {
-        const fs::path own = makeFolderFor(container, folder_);
+        fs::path own;
+        try {
+            own = makeFolderFor(container, folder_);
+        } catch (const fs::filesystem_error& error) {
+            const int code = error.code().value();
+            tally_.fail(systemError(container.name, "no folder can be made", code).what());
+            return;
+        }
         const auto faces = library_.faces(container.id);
         for (const LibraryFile& file : library_.files(container.id)) {
             const std::string name = nameOf(file.path);

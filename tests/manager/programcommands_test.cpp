@@ -75,17 +75,18 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     sandbox_.write("fonts/copy.ttf", namesake);
     sandbox_.write("fonts/plain.ttf", font);
     sandbox_.write("more/copy.ttf", font);
+    sandbox_.write("more/long.ttf", makeFont({std::string(300, 'L'), "Regular", "LongNamed"}));
     std::filesystem::create_hard_link(sandbox_.library() + "/fonts/lato.ttf",
                                       sandbox_.library() + "/more/lato.ttf");
     const std::string target = sandbox_.root() + "/to";
     const auto listing = [&](const std::string& file) { return readBytes(target + "/" + file); };
     expectEach({
-        {{"add", sandbox_.library()}, 0, "5 font files read"},
+        {{"add", sandbox_.library()}, 0, "6 font files read"},
         {{"search", "plain", "SANS"}, 0, "  inactive  Plain/Sans Regular, "},
         {{"search", "--weight", "600-800", "--json"}, 0, "\"total\": 2"},
         {{"search", "--weight", "700", "lato", "--json"}, 0, "\"total\": 2"},
         {{"search", "--width", "75-"}, 2, "--width: '75-' is no number and no range"},
-        {{"search", "--covers", "a", "--limit", "1"}, 0, "5 in all; --limit shows more"},
+        {{"search", "--covers", "a", "--limit", "1"}, 0, "6 in all; --limit shows more"},
         {{"search", "--weight", "700-300"}, 2, "--weight: '700-300' ends before it begins"},
         {{"search", "--weight", "nan"}, 2, "--weight: 'nan' is no number"},
         {{"search", "--slant", "bent"}, 2, "--slant: 'bent' is none of upright, italic, oblique"},
@@ -100,6 +101,9 @@ TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
         {{"collect", "--to", target, "Nobody"}, 1, "Nobody: no container"},
         {{"collect", "--to", target, "p*", "3"}, 0, "copied Plain_Sans/plain.ttf\n"},
         {{"collect", "--to", target, "1"}, 1, target + ": is there already"},
+        {{"collect", "--to", target + "3", "LongNamed"},
+         0,
+         "copied " + std::string(200, 'L') + "/long.ttf\n"},
         {{"collect", "--to", target + "2/no", "1"},
          1,
          target + "2/no: cannot be made: there is no"},
