@@ -47,9 +47,8 @@ std::string whyNothingIsDone(const Finding& held) {
 /// What an activation request is to activate.
 struct Choice {
     std::optional<Container> container;
-    std::string fileName;  ///< the font's own file there; empty: it is not known, all files count
-    bool holdsFont = true; ///< false: others hold the font, the container named does not
-    bool isShown = false;  ///< nothing: the desktop shows the font already
+    std::string fileName; ///< the font's own file there; empty: it is not known, all files count
+    bool isShown = false; ///< nothing: the desktop shows the font already
 };
 
 /// Answers one command.
@@ -146,7 +145,7 @@ private:
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             Choice& choice = chosen[i];
             if (choice.isShown || !choice.container ||
-                (choice.holdsFont && !first.failed(choice.container->id, choice.fileName))) {
+                !first.failed(choice.container->id, choice.fileName)) {
                 continue;
             }
             for (const Candidate& candidate : finder_.find(command_.fonts[i]).exact) {
@@ -170,8 +169,7 @@ private:
         bool success = choice.isShown;
         if (choice.container && !choice.isShown) {
             const ContainerId id = choice.container->id;
-            success = choice.holdsFont &&
-                      (second.holds(id) ? second : first).succeeded(id, choice.fileName);
+            success = (second.holds(id) ? second : first).succeeded(id, choice.fileName);
         }
         reply_.beginFont();
         if (font.syncId) {
@@ -209,21 +207,36 @@ private:
         return {std::move(held), std::move(shown)};
     }
 
+    /// The font's own file in a container; empty: it is not known.
+    std::string fileIn(ContainerId id, const CommandFont& font,
+                       const std::vector<Candidate>& candidates) {
+        for (const Candidate& candidate : candidates) {
+            if (candidate.container.id == id) {
+                return candidate.face.fileName;
+            }
+        }
+        if (!candidates.empty()) { // one that holds the same file as another is not among them
+            for (const FaceDetails& face : library_.faces(id)) {
+                if (face.match.postScriptName == font.postScriptName) {
+                    return face.match.fileName;
+                }
+            }
+        }
+        return {};
+    }
+
     Choice choose(const CommandFont& font) {
         const auto [held, shown] = lookUp(font);
         const std::vector<Candidate>& candidates = held.exact;
         if (!shown.empty()) {
-            return {{}, {}, true, true};
+            return {{}, {}, true};
         }
         if (const auto id = toContainerId(font.containerId.value_or(""))) {
             if (auto container = library_.container(*id)) {
-                const auto own = std::find_if(
-                    candidates.begin(), candidates.end(),
-                    [&](const Candidate& candidate) { return candidate.container.id == *id; });
-                if (own == candidates.end()) {
-                    return {std::move(container), {}, candidates.empty()};
+                std::string own = fileIn(*id, font, candidates);
+                if (!own.empty() || candidates.empty()) {
+                    return {std::move(container), std::move(own)};
                 }
-                return {std::move(container), own->face.fileName};
             }
         }
         if (candidates.empty()) {

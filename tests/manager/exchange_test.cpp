@@ -306,6 +306,9 @@ TEST_F(AnExchange, JudgesByTheFontWhenItsContainerIsShownInPart) {
 }
 
 TEST_F(AnExchange, ActivatesByPostScriptNameWithoutAContainer) {
+    add("z/both.ttf", {"Both", "Regular", "Both", true});
+    scan();
+    const std::string same = idOf("Both", 2);
     const std::string plain = idOf("Both", 0);
     const std::string openType = idOf("Both", 1);
     const struct {
@@ -315,10 +318,11 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWithoutAContainer) {
     } cases[] = {
         {"", "Both", openType}, {"0", "Both", openType}, {"999", "Both", openType},
         {plain, "Both", plain}, {"x", "Nobody", "x"},    {idOf("Lato-Bold"), "Both", openType},
+        {same, "Both", same},
     };
     for (const auto& [containerId, psName, activated] : cases) {
-        static_cast<void>(
-            activation_.deactivate(std::vector{*toContainerId(plain), *toContainerId(openType)}));
+        static_cast<void>(activation_.deactivate(
+            std::vector{*toContainerId(plain), *toContainerId(openType), *toContainerId(same)}));
         const ReplyNode root =
             ask("activationRequest", font({{"containerID", containerId}, {"psName", psName}}));
         const ReplyNode& reply = *root.all("font").at(0);
@@ -327,8 +331,8 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWithoutAContainer) {
         EXPECT_EQ(reply.value("activationSuccessfull"), known ? "1" : "0");
         EXPECT_EQ(root.all("error").empty(), known);
     }
-    // The last one's own container as well: it was named, though it does not hold the font.
-    EXPECT_EQ(askForOne("showRequest", font({{"psName", "Lato-Bold"}})).value("isActive"), "1");
+    EXPECT_EQ(askForOne("showRequest", font({{"psName", "Lato-Bold"}})).value("isActive"), "0")
+        << "a container that does not hold the font is let alone";
 }
 
 TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
