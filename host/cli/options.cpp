@@ -3,8 +3,8 @@
 #include "host/cli/options.h"
 
 #include "host/cli/exitstatus.h"
-#include "host/cli/locale.h"
 #include "host/cli/sabotage.h"
+#include "system/translation.h"
 
 #include <CLI/CLI.hpp>
 
@@ -67,7 +67,7 @@ void declareOpen(CLI::App& app, Options& options) {
 std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
                                    std::ostream& output, std::ostream& errors, int& exitStatus) {
     Options options;
-    options.locale = localeOfEnvironment();
+    options.locale = sys::localeOfEnvironment();
     CLI::App app{"Opens drawings, with a plug-in that activates the fonts they miss."};
     app.name("glyphora-host");
     app.set_version_flag("--version", "glyphora-host " GLYPHORA_VERSION);

@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: MIT
-// By gettext, in a locale that is there on every system and is left again after each text: all else
-// in the process speaks English.
 #include "host/core/translation.h"
 
-#include <libintl.h>
-#include <locale.h> // NOLINT(modernize-deprecated-headers): for locales of threads
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <memory>
-#include <system_error>
+#include "system/translation.h"
 
 namespace host {
 
@@ -18,51 +9,14 @@ namespace {
 
 constexpr const char* domain = "glyphora-host";
 
-struct FreeLocale {
-    void operator()(locale_t locale) const noexcept { freelocale(locale); }
-};
-using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
-
-/// While it lives, gettext looks at LANGUAGE: it does not in the locale "C".
-class MessagesScope {
-public:
-    MessagesScope() noexcept : before_(uselocale(messages())) {}
-    MessagesScope(const MessagesScope&) = delete;
-    MessagesScope& operator=(const MessagesScope&) = delete;
-    ~MessagesScope() { uselocale(before_); }
-
-private:
-    /// nullptr, which changes nothing, when there is no such locale.
-    static locale_t messages() noexcept {
-        static const Locale locale(newlocale(LC_MESSAGES_MASK, "C.UTF-8", nullptr));
-        return locale.get();
-    }
-
-    locale_t before_;
-};
-
-bool isPartOfName(char character) {
-    return character == '_' || (character >= 'a' && character <= 'z') ||
-           (character >= 'A' && character <= 'Z');
-}
-
 } // namespace
 
 void chooseLanguage(const std::string& locale) {
-    // Of "de_AT:de_DE" or "de_DE@euro" gettext would try parts.
-    const bool plain = std::all_of(locale.begin(), locale.end(), isPartOfName);
-    setenv("LANGUAGE", plain ? locale.c_str() : "en", 1); // NOLINT(concurrency-mt-unsafe)
-    std::error_code failed;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
-    const std::filesystem::path catalogues = program.parent_path().parent_path() / CATALOGUES;
-    bindtextdomain(domain, catalogues.c_str());
-    bind_textdomain_codeset(domain, "UTF-8");
-    textdomain(domain); // forgets what was looked up in another language
+    sys::chooseLanguage(domain, CATALOGUES, locale);
 }
 
 std::string translated(const char* text) {
-    const MessagesScope scope;
-    return *text != '\0' ? dgettext(domain, text) : ""; // an empty one stands for the file's head
+    return sys::translated(domain, text);
 }
 
 } // namespace host

@@ -3,10 +3,10 @@
 #include "host/cli/bundlesearch.h"
 #include "host/cli/consolefrontend.h"
 #include "host/cli/exitstatus.h"
-#include "host/cli/locale.h"
 #include "host/cli/options.h"
 #include "host/cli/sabotage.h"
 #include "programrun.h"
+#include "system/translation.h"
 #include "tests/support/temporaryfolder.h"
 
 #include <sstream>
@@ -27,7 +27,7 @@ TEST(ALocale, IsCutToLanguageAndCountry) {
                                                          {"POSIX", "en_US"},
                                                          {"", "en_US"}};
     for (const auto& [name, code] : cases) {
-        EXPECT_EQ(localeCode(name), code) << name;
+        EXPECT_EQ(sys::localeCode(name), code) << name;
     }
 }
 
@@ -35,15 +35,15 @@ TEST(ALocale, IsTakenFromTheFirstVariableThatIsSet) {
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         unsetenv(name);
     }
-    EXPECT_EQ(localeOfEnvironment(), "en_US");
+    EXPECT_EQ(sys::localeOfEnvironment(), "en_US");
     setenv("LANG", "fr_FR", 1);
-    EXPECT_EQ(localeOfEnvironment(), "fr_FR");
+    EXPECT_EQ(sys::localeOfEnvironment(), "fr_FR");
     setenv("LC_MESSAGES", "it_IT", 1);
-    EXPECT_EQ(localeOfEnvironment(), "it_IT");
+    EXPECT_EQ(sys::localeOfEnvironment(), "it_IT");
     setenv("LC_ALL", "", 1);
-    EXPECT_EQ(localeOfEnvironment(), "it_IT");
+    EXPECT_EQ(sys::localeOfEnvironment(), "it_IT");
     setenv("LC_ALL", "de_DE.UTF-8", 1);
-    EXPECT_EQ(localeOfEnvironment(), "de_DE");
+    EXPECT_EQ(sys::localeOfEnvironment(), "de_DE");
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         unsetenv(name);
     }

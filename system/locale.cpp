@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Reading the environment's locale.
-#include "host/cli/locale.h"
+#include "system/translation.h"
 
 #include <cstdlib>
 
-namespace host {
+namespace sys {
 
 std::string localeCode(std::string_view name) {
     const std::string_view code = name.substr(0, name.find_first_of(".@"));
@@ -24,4 +24,4 @@ std::string localeOfEnvironment() {
     return localeCode("");
 }
 
-} // namespace host
+} // namespace sys
