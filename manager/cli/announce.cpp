@@ -21,7 +21,6 @@ namespace manager {
 
 namespace {
 
-constexpr const char* changeNotification = "org.glyphora.Glyphora.FontLibraryChanged";
 constexpr int patienceMilliseconds = 5000;
 
 /// Disposes of itself.

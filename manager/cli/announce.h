@@ -12,6 +12,9 @@ namespace manager {
 /// The signature under which the manager listens.
 inline constexpr char managerSignature[5] = "QGLY";
 
+/// What is posted when the library or what is active has changed.
+inline constexpr const char* changeNotification = "org.glyphora.Glyphora.FontLibraryChanged";
+
 /// Posts the library-changed notification. Without a session bus there is nobody to tell.
 void postLibraryChanged();
 

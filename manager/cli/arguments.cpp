@@ -16,6 +16,7 @@
 #include "manager/cli/tally.h"
 #include "manager/library/database.h"
 #include "manager/library/error.h"
+#include "manager/view/window.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -39,6 +40,7 @@ struct Options {
     std::string to;
     SearchOptions search;
     std::chrono::seconds time{};
+    std::string pictures;
     bool untilLogout = false;
     bool json = false;
     bool containers = false;
@@ -138,6 +140,13 @@ private:
                           }),
                  "container", nameHelp)
             ->required();
+        CLI::App* show =
+            jsonless(app_, "show", "Show the library in a window", [this](const Places& places) {
+                return showCommand(places, options_.names, options_.pictures);
+            });
+        addNames(*show, "word", "What to search for");
+        addText(*show, "--pictures", "FOLDER", "Write pictures of the views instead",
+                options_.pictures);
         command("duplicates", "List files with the same bytes",
                 [this](const Places& places) { return duplicatesCommand(places, options_.json); });
         CLI::App* collect =

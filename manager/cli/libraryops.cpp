@@ -8,10 +8,12 @@
 #include "manager/cli/tally.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
+#include "manager/view/window.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <span>
 #include <thread>
 #include <unistd.h>
@@ -182,6 +184,19 @@ int listCommand(const Places& places, Listing listing) {
     const auto library = openScanned(places);
     printLibrary(*library, Activation(places), readFolders(places), listing);
     return exitSuccess;
+}
+
+int showCommand(const Places& places, const std::vector<std::string>& words,
+                const std::string& pictures) {
+    static_cast<void>(openScanned(places));
+    WindowOptions options{.places = places,
+                          .program = std::filesystem::read_symlink("/proc/self/exe").string(),
+                          .search = {},
+                          .pictures = pictures};
+    for (const std::string& word : words) {
+        options.search += (options.search.empty() ? "" : " ") + word;
+    }
+    return showWindow(options);
 }
 
 } // namespace manager

@@ -23,5 +23,9 @@ int addCommand(const Places& places, const std::vector<std::string>& folders, bo
 int removeCommand(const Places& places, const std::vector<std::string>& folders, bool json);
 int scanCommand(const Places& places, bool quiet, bool json);
 int listCommand(const Places& places, Listing listing);
+/// Shows the library in a window, what has these words in its names at first; with a folder writes
+/// pictures of the views there instead.
+int showCommand(const Places& places, const std::vector<std::string>& words,
+                const std::string& pictures);
 
 } // namespace manager

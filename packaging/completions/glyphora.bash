@@ -23,7 +23,7 @@ _glyphora() {
     local options='--json --help' valued=yes
     COMPREPLY=()
     case $previous in
-        --to | --folder) _glyphora_dirs ;;
+        --to | --folder | --pictures) _glyphora_dirs ;;
         --for) _glyphora_words '30min 2h 1d' ;;
         --slant) _glyphora_words 'upright italic oblique' ;;
         --type) _glyphora_words 'T1 TT OT_T1 OT_TT' ;;
@@ -36,7 +36,7 @@ _glyphora() {
     [ -n "$valued" ] && return
     case $command in
         '')
-            _glyphora_words 'add remove scan list search info duplicates collect activate deactivate
+            _glyphora_words 'add remove scan list search show info duplicates collect activate deactivate
                 collection tag serve quit status history --help --version'
             return
             ;;
@@ -58,6 +58,7 @@ _glyphora() {
         activate) options+=' --for --until-logout' ;;
         deactivate) options+=' --all' ;;
         collect) options+=' --to' ;;
+        show) options='--pictures --help' ;;
     esac
     if [[ $current == -* ]]; then
         _glyphora_words "$options"

@@ -78,7 +78,7 @@ const std::vector<Folder>& folders() {
         {"host",
          {"sdk", services, "system", "faces", "preview", hostModel, hostCss, hostSvg, hostWindows},
          ""},
-        {"manager", {services, "system", "faces", "preview"}, ""},
+        {"manager", {services, "system", "faces", "preview", previewPainting}, ""},
         {"tools", {orvil, protocol}, ""},
         {"examples", {orvil}, ""},
     };

@@ -63,7 +63,7 @@ TEST_F(AnActivator, TellsEachCallItsOutcomeWhenTheLockIsFree) {
     EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
 }
 
-TEST_F(AnActivator, FollowsWhatHasNewNamesAndTellsOnceWhatKeepsIt) {
+TEST_F(AnActivator, FollowsNewNamesAndTellsOnceWhatKeepsIt) {
     await([&] { return isReady_; });
     const auto scan = [&] {
         auto library = std::make_unique<Library>(sandbox_.places());

@@ -126,7 +126,7 @@ TEST_F(TheProgram, ScansAtChangesOrNowAndThenWhereItCannotWatch) {
     }
 }
 
-TEST_F(TheProgram, FindsWhatComesBetweenTheScanOfANewFolderAndItsWatch) {
+TEST_F(TheProgram, FindsWhatComesBetweenTheScanAndTheWatch) {
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
     std::optional<manager::FileLock> noScan(sandbox_.places().scanLock());
     serve();

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// What the window's list does with a library of 100,000 files: reads it, and follows what is typed.
+#include "benchmarks/manager/stage.h"
+#include "manager/library/library.h"
+#include "manager/view/facelisting.h"
+
+#include <benchmark/benchmark.h>
+#include <memory>
+#include <string>
+
+using namespace manager;
+
+namespace {
+
+std::shared_ptr<const LibraryView> readView() {
+    Library library(benchmarks::scannedStage().world.places());
+    FaceTable table(library);
+    FaceStates states(table, {});
+    return std::make_shared<const LibraryView>(LibraryView{std::move(table), std::move(states)});
+}
+
+void readFaceList(benchmark::State& state) {
+    static_cast<void>(benchmarks::scannedStage());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(readView());
+    }
+}
+BENCHMARK(readFaceList)->Unit(benchmark::kMillisecond);
+
+// Each letter of a name, as it is typed.
+void typeIntoFaceList(benchmark::State& state) {
+    const auto view = readView();
+    const std::string text = benchmarks::spreadNames(3).back();
+    const auto letters = static_cast<std::size_t>(state.range(0));
+    FaceListing listing;
+    for (auto _ : state) {
+        state.PauseTiming();
+        listing.show(view, {.text = text.substr(0, letters - 1)});
+        state.ResumeTiming();
+        listing.show(view, {.text = text.substr(0, letters)});
+        benchmark::DoNotOptimize(listing.families().data());
+    }
+}
+BENCHMARK(typeIntoFaceList)->DenseRange(1, 4)->Unit(benchmark::kMillisecond);
+
+void filterFaceListByState(benchmark::State& state) {
+    const auto view = readView();
+    FaceListing listing;
+    for (auto _ : state) {
+        listing.show(view, {.state = FaceState::Inactive});
+        benchmark::DoNotOptimize(listing.families().data());
+    }
+}
+BENCHMARK(filterFaceListByState)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/deeds.h"
+
+#include "manager/view/texts.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QUndoCommand>
+
+#include <algorithm>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+constexpr const char* commands[] = {"deactivate", "activate"};
+constexpr const char* lists[] = {"deactivated", "activated"};
+
+} // namespace
+
+/// What was switched, and would be switched back. It was done when it came.
+class SwitchDeed : public QUndoCommand {
+public:
+    SwitchDeed(Deeds& deeds, bool on, QStringList containers, const QString& text)
+        : QUndoCommand(text), deeds_(deeds), on_(on), containers_(std::move(containers)) {}
+
+    void undo() override { deeds_.run(QStringList{commands[on_ ? 0 : 1], "--json"} + containers_); }
+    void redo() override {
+        if (std::exchange(isNew_, false)) {
+            return;
+        }
+        deeds_.run(QStringList{commands[on_ ? 1 : 0], "--json"} + containers_);
+    }
+
+private:
+    Deeds& deeds_;
+    bool on_;
+    bool isNew_ = true;
+    QStringList containers_;
+};
+
+Deeds::Deeds(std::string program, std::function<void(const QStringList&)> done)
+    : program_(std::move(program)), done_(std::move(done)) {}
+
+Deeds::~Deeds() {
+    // What has begun is brought to its end by itself.
+    const auto children = findChildren<QProcess*>();
+    for (QProcess* process : children) {
+        process->disconnect();
+        process->waitForFinished(-1);
+    }
+}
+
+void Deeds::run(const QStringList& arguments, Taker take) {
+    auto* const process = new QProcess(this);
+    ++running_;
+    const auto finish = [this, process, take = std::move(take)](const QStringList& failures) {
+        --running_;
+        QStringList problems = failures;
+        const QJsonObject done = QJsonDocument::fromJson(process->readAllStandardOutput()).object();
+        const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
+        for (const auto& problem : told) {
+            problems.push_back(problem.toString());
+        }
+        process->deleteLater();
+        if (take) {
+            take(done);
+        }
+        done_(problems);
+    };
+    connect(process, &QProcess::finished, this, [finish](int, QProcess::ExitStatus status) {
+        finish(status == QProcess::NormalExit
+                   ? QStringList()
+                   : QStringList{QString::fromStdString(translated("The command was ended."))});
+    });
+    connect(process, &QProcess::errorOccurred, this,
+            [finish, process](QProcess::ProcessError error) {
+                if (error == QProcess::FailedToStart) {
+                    finish({process->errorString()});
+                }
+            });
+    process->start(QString::fromStdString(program_), arguments);
+}
+
+void Deeds::change(bool on, const QStringList& containers) {
+    const int which = on ? 1 : 0;
+    run(QStringList{commands[which], "--json"} + containers, [this, on, which](const auto& done) {
+        QStringList changed;
+        QString name;
+        const QJsonArray list = done.value(QLatin1String(lists[which])).toArray();
+        for (const auto& item : list) {
+            const QJsonObject container = item.toObject();
+            changed.push_back(QString::number(container.value(QStringLiteral("id")).toInt()));
+            name = container.value(QStringLiteral("name")).toString();
+        }
+        if (changed.isEmpty()) {
+            return;
+        }
+        if (changed.size() > 1) {
+            name = QString::fromStdString(
+                translated("%1 font", "%1 fonts", static_cast<std::size_t>(changed.size())));
+        }
+        const std::string text = on ? translated("activate %1") : translated("deactivate %1");
+        undo_.push(new SwitchDeed(*this, on, changed, QString::fromStdString(text).arg(name)));
+    });
+}
+
+namespace {
+
+QStringList numbers(const std::vector<std::int32_t>& containers) {
+    QStringList list;
+    std::transform(containers.begin(), containers.end(), std::back_inserter(list),
+                   [](std::int32_t id) { return QString::number(id); });
+    return list;
+}
+
+} // namespace
+
+void Deeds::activate(const std::vector<std::int32_t>& containers) {
+    change(true, numbers(containers));
+}
+
+void Deeds::deactivate(const std::vector<std::int32_t>& containers) {
+    change(false, numbers(containers));
+}
+
+} // namespace manager

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/facedelegate.h"
+
+#include "manager/qt/colours.h"
+#include "manager/view/texts.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace manager {
+
+namespace {
+
+constexpr int margin = 6;
+constexpr double lineHeights = 2.7; ///< of a row: two lines of text, and air
+
+/// A shape for each state, so that nothing is told by colour alone.
+void paintMark(QPainter& painter, const QRectF& area, const std::optional<FaceState>& state,
+               const QColor& colour) {
+    painter.setPen(QPen(colour, 1.4));
+    painter.setBrush(Qt::NoBrush);
+    if (!state) { // half full
+        painter.drawEllipse(area);
+        painter.setBrush(colour);
+        painter.drawPie(area, 90 * 16, 180 * 16);
+        return;
+    }
+    switch (*state) {
+    case FaceState::Active:
+        painter.setBrush(colour);
+        painter.drawEllipse(area);
+        break;
+    case FaceState::Conflicting:
+        painter.setBrush(colour);
+        painter.drawPolygon(
+            QPolygonF({{area.center().x(), area.top()}, area.bottomRight(), area.bottomLeft()}));
+        break;
+    case FaceState::Shown:
+        painter.setBrush(colour);
+        painter.drawRect(area);
+        break;
+    case FaceState::Away:
+        painter.drawLine(area.topLeft(), area.bottomRight());
+        painter.drawLine(area.topRight(), area.bottomLeft());
+        break;
+    case FaceState::Inactive:
+        painter.drawEllipse(area);
+        break;
+    }
+}
+
+} // namespace
+
+FaceDelegate::FaceDelegate(const FaceModel& model, preview::Faces& faces, QTreeView& view)
+    : QStyledItemDelegate(&view), model_(model), view_(view),
+      samples_(faces, [this](Samples::Key face) {
+          const auto row = static_cast<FaceRow>(face);
+          if (row < model_.listing().view().table.faces().size()) {
+              view_.viewport()->update();
+          }
+      }) {
+    connect(&model, &QAbstractItemModel::modelReset, this, [this] { samples_.clear(); });
+    scrolled_.setSingleShot(true);
+    connect(view.verticalScrollBar(), &QScrollBar::valueChanged, &scrolled_,
+            [this] { scrolled_.start(0); });
+    connect(&scrolled_, &QTimer::timeout, this, [this] {
+        const QRect seen = view_.viewport()->rect();
+        samples_.keep([&](Samples::Key face) {
+            const QModelIndex index = model_.indexOfFace(static_cast<FaceRow>(face));
+            return view_.visualRect(index).intersects(seen) ||
+                   view_.visualRect(index.parent()).intersects(seen);
+        });
+    });
+}
+
+void FaceDelegate::setText(const QString& text) {
+    text_ = text.toStdString();
+    view_.viewport()->update();
+}
+
+void FaceDelegate::setPixels(unsigned pixels) {
+    pixels_ = pixels;
+    view_.doItemsLayout();
+}
+
+QSize FaceDelegate::sizeHint(const QStyleOptionViewItem& option,
+                             const QModelIndex& /*index*/) const {
+    constexpr double ofSample = 1.7;
+    const int height = std::max(static_cast<int>(option.fontMetrics.height() * lineHeights),
+                                static_cast<int>(pixels_ * ofSample));
+    return {400, height};
+}
+
+void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
+    const ListRow row = model_.row(index);
+    QStyleOptionViewItem panel = option;
+    panel.text.clear();
+    option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &panel, painter,
+                                          option.widget);
+    // Samples stand in one column whatever the level.
+    const int right = option.rect.right() - margin;
+    const int names = std::clamp(view_.viewport()->width() * 2 / 5, 160, 320);
+    const int left = option.rect.left() + margin;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    paintNames(*painter, option,
+               QRect(QPoint(left, option.rect.top()), QPoint(names, option.rect.bottom())), row);
+    paintSample(
+        *painter, option,
+        QRect(QPoint(names + 2 * margin, option.rect.top()), QPoint(right, option.rect.bottom())),
+        row);
+    painter->restore();
+}
+
+void FaceDelegate::paintNames(QPainter& painter, const QStyleOptionViewItem& option,
+                              const QRect& area, const ListRow& row) const {
+    const bool selected = (option.state & QStyle::State_Selected) != 0;
+    const auto group =
+        (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+    const QColor plain =
+        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+    const QColor state =
+        selected ? plain : colourOf(row.same.value_or(FaceState::Inactive), isDark(option.palette));
+    QFont font = option.font;
+    font.setBold(row.isFamily);
+    const QFontMetrics metrics(font);
+    const int height = metrics.height();
+    const int top = area.top() + (area.height() - 2 * height) / 2;
+    painter.setFont(font);
+    painter.setPen(plain);
+    painter.drawText(QRect(area.left(), top, area.width(), height), Qt::AlignLeft,
+                     metrics.elidedText(row.title, Qt::ElideRight, area.width()));
+    painter.setFont(option.font);
+    const double size = height * 0.5;
+    paintMark(painter, QRectF(area.left() + 1, top + height + (height - size) / 2, size, size),
+              row.same, state);
+    painter.setPen(state);
+    const int begin = static_cast<int>(size) + margin;
+    const QRect below =
+        QRect(area.left(), top + height, area.width(), height).adjusted(begin, 0, 0, 0);
+    painter.drawText(below, Qt::AlignLeft,
+                     option.fontMetrics.elidedText(row.state + QStringLiteral(" · ") + row.detail,
+                                                   Qt::ElideRight, below.width()));
+}
+
+void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& option,
+                               const QRect& area, const ListRow& row) const {
+    const FaceTable& table = model_.listing().view().table;
+    const ListedFace& face = table.faces()[row.sample];
+    const bool selected = (option.state & QStyle::State_Selected) != 0;
+    const auto group =
+        (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+    const QColor colour =
+        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+    const auto note = [&](const std::string& words) {
+        QFont font = option.font;
+        font.setItalic(true);
+        painter.setFont(font);
+        painter.setPen(selected ? colour : colourOf(FaceState::Inactive, isDark(option.palette)));
+        painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter,
+                         QFontMetrics(font).elidedText(QString::fromStdString(words),
+                                                       Qt::ElideRight, area.width()));
+    };
+    if (area.width() <= 0) {
+        return;
+    }
+    if (face.away) {
+        note(translated("its folder is away"));
+        return;
+    }
+    const std::string text = text_.empty() ? table.families()[face.family].name : text_;
+    const double scale = painter.device()->devicePixelRatioF();
+    // A family and its best face show the same line.
+    const preview::SharedAnswer answer =
+        samples_.line(row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
+    if (answer == nullptr) {
+        return;
+    }
+    if (!answer->problem.empty()) {
+        note(translated("cannot be drawn"));
+        return;
+    }
+    constexpr double capitals = 0.35; // half of their height
+    preview::drawFace(
+        painter, answer->picture, scale,
+        {QRectF(area), area.height() / 2.0 + capitals * pixels_, preview::runsFromTheRight(text)},
+        colour);
+}
+
+} // namespace manager

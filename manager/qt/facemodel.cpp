@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// An index of a family has the number 0, one of a face that of its family's place and 1.
+#include "manager/qt/facemodel.h"
+
+#include "manager/view/texts.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+QString technologyText(faces::Technology technology) {
+    switch (technology) {
+    case faces::Technology::Type1:
+        return QStringLiteral("Type 1");
+    case faces::Technology::TrueType:
+        return QStringLiteral("TrueType");
+    default:
+        return QStringLiteral("OpenType");
+    }
+}
+
+/// The face that shows a family best: upright, near the regular weight and width.
+FaceRow bestOf(const FaceTable& table, std::span<const FaceRow> faces) {
+    const auto distance = [&](FaceRow row) {
+        const faces::Style& look = table.faces()[row].look;
+        return std::abs(look.weight - 400) + 10 * std::abs(look.width - 100) +
+               (look.slant == faces::Slant::Upright ? 0 : 1000);
+    };
+    return *std::min_element(faces.begin(), faces.end(),
+                             [&](FaceRow a, FaceRow b) { return distance(a) < distance(b); });
+}
+
+} // namespace
+
+QString wordOf(FaceState state) {
+    switch (state) {
+    case FaceState::Inactive:
+        return text(translated("inactive"));
+    case FaceState::Active:
+        return text(translated("active"));
+    case FaceState::Conflicting:
+        return text(translated("conflicting"));
+    case FaceState::Shown:
+        return text(translated("shown by the desktop"));
+    case FaceState::Away:
+        return text(translated("away"));
+    }
+    return {};
+}
+
+void FaceModel::show(std::shared_ptr<const LibraryView> view, ListFilter filter) {
+    beginResetModel();
+    listing_.show(std::move(view), std::move(filter));
+    endResetModel();
+}
+
+std::size_t FaceModel::familyOf(const QModelIndex& index) {
+    return index.internalId() == 0 ? static_cast<std::size_t>(index.row())
+                                   : static_cast<std::size_t>(index.internalId() - 1);
+}
+
+std::span<const FaceRow> FaceModel::facesOf(const QModelIndex& index) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const ShownFamily& family = listing_.families()[familyOf(index)];
+    const auto faces = std::span(listing_.faces()).subspan(family.first, family.count);
+    return index.internalId() == 0 ? faces
+                                   : faces.subspan(static_cast<std::size_t>(index.row()), 1);
+}
+
+ListRow FaceModel::familyRow(std::size_t family) const {
+    const LibraryView& view = listing_.view();
+    const ShownFamily& shown = listing_.families()[family];
+    const auto faces = std::span(listing_.faces()).subspan(shown.first, shown.count);
+    std::array<std::size_t, faceStates> counts{};
+    for (const FaceRow face : faces) {
+        ++counts[static_cast<std::size_t>(view.states.of(face))];
+    }
+    ListRow row;
+    row.isFamily = true;
+    row.title = text(view.table.families()[shown.family].name);
+    row.detail = text(translated("%1 style", "%1 styles", faces.size()));
+    row.sample = bestOf(view.table, faces);
+    const FaceState first = view.states.of(faces.front());
+    if (counts[static_cast<std::size_t>(first)] == faces.size()) {
+        row.same = first;
+        row.state = wordOf(first);
+    } else {
+        const std::size_t active = counts[static_cast<std::size_t>(FaceState::Active)] +
+                                   counts[static_cast<std::size_t>(FaceState::Conflicting)];
+        row.state = active == 0 ? text(translated("differs by style"))
+                                : text(translated("%1 active", "%1 active", active));
+    }
+    return row;
+}
+
+ListRow FaceModel::faceRow(FaceRow face) const {
+    const LibraryView& view = listing_.view();
+    const ListedFace& listed = view.table.faces()[face];
+    ListRow row;
+    row.title = text(listed.style);
+    row.detail = technologyText(listed.technology);
+    if (listed.variable) {
+        row.detail += text(translated(", variable"));
+    }
+    row.same = view.states.of(face);
+    row.state = wordOf(*row.same);
+    const auto reasons = view.states.why(listed.container);
+    for (const Reason& reason : reasons) {
+        row.state += (&reason == &reasons.front() ? ": " : ", ") + text(describe(reason));
+    }
+    row.sample = face;
+    return row;
+}
+
+ListRow FaceModel::row(const QModelIndex& index) const {
+    return index.internalId() == 0 ? familyRow(familyOf(index)) : faceRow(facesOf(index).front());
+}
+
+QModelIndex FaceModel::indexOfFamily(std::uint32_t family) const {
+    const auto place = listing_.placeOf(family);
+    return place ? index(static_cast<int>(*place), 0) : QModelIndex();
+}
+
+QModelIndex FaceModel::indexOfFace(FaceRow face) const {
+    const QModelIndex family = indexOfFamily(listing_.view().table.faces()[face].family);
+    const auto faces = facesOf(family);
+    const auto place = std::lower_bound(faces.begin(), faces.end(), face);
+    return place != faces.end() && *place == face
+               ? index(static_cast<int>(place - faces.begin()), 0, family)
+               : QModelIndex();
+}
+
+QModelIndex FaceModel::index(int row, int column, const QModelIndex& parent) const {
+    if (row < 0 || column != 0 || row >= rowCount(parent)) {
+        return {};
+    }
+    return createIndex(row, column,
+                       parent.isValid() ? static_cast<quintptr>(parent.row()) + 1 : quintptr{0});
+}
+
+QModelIndex FaceModel::parent(const QModelIndex& index) const {
+    return !index.isValid() || index.internalId() == 0
+               ? QModelIndex()
+               : createIndex(static_cast<int>(familyOf(index)), 0, quintptr{0});
+}
+
+int FaceModel::rowCount(const QModelIndex& parent) const {
+    if (!parent.isValid()) {
+        return static_cast<int>(listing_.families().size());
+    }
+    return parent.internalId() == 0 ? static_cast<int>(listing_.families()[familyOf(parent)].count)
+                                    : 0;
+}
+
+QVariant FaceModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    switch (role) {
+    case Qt::DisplayRole: // what letters typed into the list look for
+        return row(index).title;
+    case Qt::AccessibleTextRole: {
+        const ListRow shown = row(index);
+        return QStringLiteral("%1, %2, %3").arg(shown.title, shown.detail, shown.state);
+    }
+    default:
+        return {};
+    }
+}
+
+} // namespace manager

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/libraryreader.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <utility>
+
+namespace manager {
+
+Library& Desk::library() {
+    if (!library_ || library_->isReplaced()) {
+        library_.reset();
+        library_ = std::make_unique<Library>(places_);
+    }
+    return *library_;
+}
+
+const Activation& Desk::activation() {
+    if (!activation_) {
+        activation_.emplace(places_);
+    }
+    return *activation_;
+}
+
+LibraryReader::LibraryReader(const Places& places, std::function<void(const QString&)> fail)
+    : fail_(std::move(fail)), thread_([this, places] { serve(places); }) {}
+
+LibraryReader::~LibraryReader() {
+    {
+        const std::lock_guard lock(mutex_);
+        ends_ = true;
+    }
+    wake_.notify_one();
+    thread_.join();
+}
+
+void LibraryReader::run(Work work) {
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(work));
+    }
+    wake_.notify_one();
+}
+
+void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)> take) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (std::exchange(isReadWaiting_, true)) {
+            return;
+        }
+    }
+    run([this, take = std::move(take)](Desk& desk) -> Taker {
+        {
+            const std::lock_guard lock(mutex_);
+            isReadWaiting_ = false; // news from now on are not in it
+        }
+        FaceTable table(desk.library());
+        const auto active = desk.activation().active([](const std::string&) {});
+        FaceStates states(table, active);
+        auto view =
+            std::make_shared<const LibraryView>(LibraryView{std::move(table), std::move(states)});
+        return [take, view = std::move(view)] { take(view); };
+    });
+}
+
+void LibraryReader::serve(Places places) {
+    Desk desk(std::move(places));
+    for (;;) {
+        Work work;
+        {
+            std::unique_lock lock(mutex_);
+            wake_.wait(lock, [this] { return ends_ || !waiting_.empty(); });
+            if (ends_) {
+                return;
+            }
+            work = std::move(waiting_.front());
+            waiting_.pop_front();
+        }
+        Taker taker;
+        try {
+            taker = work(desk);
+        } catch (const std::exception& error) {
+            taker = [this, text = QString::fromUtf8(error.what())] { fail_(text); };
+        }
+        {
+            const std::lock_guard lock(mutex_);
+            done_.push_back(std::move(taker));
+        }
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+}
+
+void LibraryReader::customEvent(QEvent* /*event*/) {
+    Taker taker;
+    {
+        const std::lock_guard lock(mutex_);
+        taker = std::move(done_.front());
+        done_.pop_front();
+    }
+    taker();
+}
+
+} // namespace manager

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// The library, read in a thread of its own, so that the window never waits for a disk or a lock.
+#pragma once
+
+#include "manager/activation/activation.h"
+#include "manager/view/facelisting.h"
+
+#include <QObject>
+#include <QString>
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace manager {
+
+/// What work is done with, in the reader's thread. Opened when it is asked for first, and anew when
+/// the index was replaced. Throws Error.
+class Desk {
+public:
+    explicit Desk(Places places) : places_(std::move(places)) {}
+    [[nodiscard]] Library& library();
+    [[nodiscard]] const Activation& activation();
+
+private:
+    Places places_;
+    std::unique_ptr<Library> library_;
+    std::optional<Activation> activation_;
+};
+
+/// [main-thread]
+class LibraryReader : public QObject {
+public:
+    /// Called from the loop.
+    using Taker = std::function<void()>;
+    /// Called in the thread; what it gives is called from the loop afterwards. May throw Error.
+    using Work = std::function<Taker(Desk& desk)>;
+
+    /// `fail` is told what went wrong.
+    LibraryReader(const Places& places, std::function<void(const QString&)> fail);
+    LibraryReader(const LibraryReader&) = delete;
+    LibraryReader& operator=(const LibraryReader&) = delete;
+    /// Waits for the work that is under way; the rest is dropped.
+    ~LibraryReader() override;
+
+    void run(Work work);
+    /// Reads all of the library. Asked for again before that begins, it is read once.
+    void read(std::function<void(std::shared_ptr<const LibraryView>)> take);
+
+protected:
+    void customEvent(QEvent* event) override; ///< takers have come
+
+private:
+    void serve(Places places);
+
+    std::function<void(const QString&)> fail_;
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::deque<Work> waiting_;
+    std::deque<Taker> done_;
+    bool isReadWaiting_ = false;
+    bool ends_ = false;
+    std::thread thread_; ///< last: it uses the others
+};
+
+} // namespace manager

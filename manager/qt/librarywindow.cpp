@@ -1,0 +1,430 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/librarywindow.h"
+
+#include "manager/cli/announce.h"
+#include "manager/library/folders.h"
+#include "manager/view/texts.h"
+#include "platform/notify.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSettings>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+} // namespace
+
+LibraryWindow::LibraryWindow(const WindowOptions& options)
+    : places_(options.places), deeds_(options.program,
+                                      [this](const QStringList& problems) {
+                                          tell(problems);
+                                          read();
+                                      }),
+      reader_(options.places, [this](const QString& problem) { tell({problem}); }) {
+    setWindowTitle(text(translated("Glyphora Font Library")));
+    sidebar_ = new Sidebar([this] { filter(); }, this);
+    splitter_ = new QSplitter(this);
+    splitter_->addWidget(sidebar_);
+    splitter_->addWidget(makeList());
+    splitter_->addWidget(makePreview());
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 3);
+    splitter_->setStretchFactor(2, 2);
+    splitter_->setSizes({200, 560, 420});
+    splitter_->setChildrenCollapsible(false);
+    setCentralWidget(splitter_);
+    count_ = new QLabel(this);
+    statusBar()->addPermanentWidget(count_);
+    makeActions();
+    resize(1180, 720);
+    search_->setText(text(options.search));
+    const QSettings settings;
+    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
+    splitter_->restoreState(settings.value(QStringLiteral("columns")).toByteArray());
+    list_->setFocus();
+
+    if (notify_register_check(changeNotification, &changes_) != NOTIFY_STATUS_OK) {
+        changes_ = -1;
+    }
+    constexpr int interval = 300; // milliseconds: a burst is read once
+    connect(&news_, &QTimer::timeout, this, [this] {
+        bool changed = false;
+        for (int check = 1; check != 0;) {
+            check = 0;
+            notify_check(changes_, &check);
+            changed = changed || check != 0;
+        }
+        if (changed) {
+            read();
+        }
+    });
+    if (changes_ >= 0) {
+        news_.start(interval);
+    }
+    read();
+}
+
+LibraryWindow::~LibraryWindow() {
+    delete takeCentralWidget(); // its views use the members
+    if (changes_ >= 0) {
+        notify_cancel(changes_);
+    }
+}
+
+void LibraryWindow::closeEvent(QCloseEvent* event) {
+    QSettings settings;
+    settings.setValue(QStringLiteral("geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("columns"), splitter_->saveState());
+    QMainWindow::closeEvent(event);
+}
+
+QWidget* LibraryWindow::makeList() {
+    auto* const middle = new QWidget(this);
+    auto* const column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 6, 0, 0);
+    search_ = new QLineEdit(middle);
+    search_->setPlaceholderText(text(translated("Search fonts")));
+    search_->setAccessibleName(text(translated("Search fonts")));
+    search_->setClearButtonEnabled(true);
+    connect(search_, &QLineEdit::textChanged, this, [this] { filter(); });
+    connect(search_, &QLineEdit::returnPressed, this, [this] { list_->setFocus(); });
+    list_ = new QTreeView(middle);
+    list_->setModel(&model_);
+    list_->setHeaderHidden(true);
+    list_->setUniformRowHeights(true);
+    list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list_->setFrameShape(QFrame::NoFrame);
+    list_->setExpandsOnDoubleClick(false);
+    list_->setAlternatingRowColors(false);
+    list_->setAccessibleName(text(translated("Fonts")));
+    delegate_ = new FaceDelegate(model_, faces_, *list_);
+    list_->setItemDelegate(delegate_);
+    connect(list_, &QTreeView::doubleClicked, this, [this] { toggleChosen(); });
+    connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { showChosen(); });
+    empty_ = new QLabel(middle);
+    empty_->setAlignment(Qt::AlignCenter);
+    empty_->setWordWrap(true);
+    empty_->setTextFormat(Qt::PlainText);
+    empty_->setMargin(24);
+    pages_ = new QStackedWidget(middle);
+    pages_->addWidget(list_);
+    pages_->addWidget(empty_);
+    column->addWidget(search_);
+    column->addWidget(pages_, 1);
+    return middle;
+}
+
+QWidget* LibraryWindow::makePreview() {
+    auto* const right = new QWidget(this);
+    auto* const column = new QVBoxLayout(right);
+    column->setContentsMargins(6, 6, 6, 6);
+    chosen_ = new QLabel(right);
+    chosen_->setTextFormat(Qt::PlainText);
+    chosen_->setWordWrap(true);
+    QFont font = chosen_->font();
+    font.setBold(true);
+    font.setPointSizeF(font.pointSizeF() * 1.25);
+    chosen_->setFont(font);
+    why_ = new QLabel(right);
+    why_->setTextFormat(Qt::PlainText);
+    why_->setWordWrap(true);
+    why_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* const tools = new QHBoxLayout;
+    sample_ = new QLineEdit(right);
+    sample_->setPlaceholderText(text(translated("Your own text")));
+    sample_->setAccessibleName(text(translated("Your own text")));
+    sample_->setClearButtonEnabled(true);
+    connect(sample_, &QLineEdit::textChanged, this, [this](const QString& own) {
+        delegate_->setText(own);
+        showChosen();
+    });
+    auto* const paper = new QComboBox(right);
+    paper->addItem(text(translated("Paper as the window")));
+    paper->addItem(text(translated("Light paper")));
+    paper->addItem(text(translated("Dark paper")));
+    paper->setAccessibleName(text(translated("Paper")));
+    connect(paper, &QComboBox::currentIndexChanged, this,
+            [this](int place) { waterfall_->setPaper(static_cast<Paper>(place)); });
+    tools->addWidget(sample_, 1);
+    tools->addWidget(paper);
+    waterfall_ = new Waterfall(faces_, right);
+    column->addWidget(chosen_);
+    column->addWidget(why_);
+    column->addLayout(tools);
+    column->addWidget(waterfall_, 1);
+    return right;
+}
+
+void LibraryWindow::makeActions() {
+    QMenu* const file = menuBar()->addMenu(text(translated("&Library")));
+    file->addAction(text(translated("&Add Folder…")), QKeySequence::Open, this,
+                    [this] { addFolder(); });
+    file->addAction(text(translated("&Scan Folders")), QKeySequence::Refresh, this, [this] {
+        deeds_.run({QStringLiteral("scan"), QStringLiteral("--json")});
+    });
+    file->addSeparator();
+    file->addAction(text(translated("&Close")), QKeySequence::Close, this, &QWidget::close);
+    QMenu* const edit = menuBar()->addMenu(text(translated("&Edit")));
+    QAction* const undo = deeds_.undoStack().createUndoAction(this, text(translated("&Undo")));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* const redo = deeds_.undoStack().createRedoAction(this, text(translated("&Redo")));
+    redo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
+    edit->addAction(text(translated("&Find")), QKeySequence::Find, this, [this] {
+        search_->setFocus();
+        search_->selectAll();
+    });
+    QMenu* const fonts = menuBar()->addMenu(text(translated("F&onts")));
+    activate_ =
+        fonts->addAction(text(translated("&Activate")), this, [this] { switchChosen(true); });
+    activate_->setShortcut(Qt::CTRL | Qt::Key_Return);
+    deactivate_ =
+        fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
+    deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
+    list_->addActions({activate_, deactivate_});
+    list_->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void LibraryWindow::read() {
+    reader_.read([this](std::shared_ptr<const LibraryView> view) { take(std::move(view)); });
+}
+
+void LibraryWindow::take(std::shared_ptr<const LibraryView> view) {
+    view_ = std::move(view);
+    std::vector<std::string> folders;
+    try {
+        groups_ = readGroups(places_);
+        folders = readFolders(places_);
+    } catch (const Error& error) {
+        tell({QString::fromUtf8(error.what())});
+    }
+    sidebar_->show(*view_, groups_, folders);
+    filter();
+    if (whenShown_) {
+        std::exchange(whenShown_, {})();
+    }
+}
+
+LibraryWindow::Position LibraryWindow::position() const {
+    Position now;
+    const int count = model_.rowCount();
+    for (int row = 0; row < count; ++row) {
+        const QModelIndex family = model_.index(row, 0);
+        if (list_->isExpanded(family)) {
+            now.expanded.insert(model_.data(family, Qt::DisplayRole).toString());
+        }
+    }
+    const QModelIndex current = list_->currentIndex();
+    if (current.isValid()) {
+        const QModelIndex family = current.parent().isValid() ? current.parent() : current;
+        now.family = model_.data(family, Qt::DisplayRole).toString();
+        if (family != current) {
+            now.face = model_.listing().view().table.faces()[model_.facesOf(current).front()].id;
+        }
+    }
+    return now;
+}
+
+void LibraryWindow::restore(const Position& position) {
+    const int count = model_.rowCount();
+    QModelIndex current;
+    for (int row = 0; row < count; ++row) {
+        const QModelIndex family = model_.index(row, 0);
+        const QString name = model_.data(family, Qt::DisplayRole).toString();
+        if (position.expanded.contains(name)) {
+            list_->setExpanded(family, true);
+        }
+        if (name == position.family) {
+            current = family;
+        }
+    }
+    if (position.face) {
+        if (const auto row = model_.listing().view().table.rowOf(*position.face)) {
+            if (const QModelIndex face = model_.indexOfFace(*row); face.isValid()) {
+                current = face;
+            }
+        }
+    }
+    if (current.isValid()) {
+        list_->setCurrentIndex(current);
+        list_->scrollTo(current);
+    }
+}
+
+void LibraryWindow::filter() {
+    if (view_ == nullptr) {
+        return;
+    }
+    ListFilter filter{.text = search_->text().toStdString()};
+    const SidebarPlace& place = sidebar_->place();
+    const FaceTable& table = view_->table;
+    switch (place.kind) {
+    case SidebarPlace::Kind::All:
+        break;
+    case SidebarPlace::Kind::State:
+        filter.state = place.state;
+        break;
+    case SidebarPlace::Kind::Group: {
+        const auto title = toGroupTitle(place.name);
+        const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;
+        filter.among.emplace();
+        if (group != nullptr) {
+            for (const GroupMember& member : group->members) {
+                filter.among->push_back(member.id);
+            }
+        }
+        std::sort(filter.among->begin(), filter.among->end());
+        break;
+    }
+    case SidebarPlace::Kind::Folder: {
+        std::set<ContainerId> containers;
+        for (const ListedFace& face : table.faces()) {
+            if (liesUnder(table.folderOf(face), place.name)) {
+                containers.insert(face.container);
+            }
+        }
+        filter.among.emplace(containers.begin(), containers.end());
+        break;
+    }
+    }
+    const Position before = position();
+    model_.show(view_, std::move(filter));
+    restore(before);
+    showEmpty();
+    showCount();
+    showChosen();
+}
+
+void LibraryWindow::showEmpty() {
+    const bool isEmpty = model_.rowCount() == 0;
+    pages_->setCurrentIndex(isEmpty ? 1 : 0);
+    if (!isEmpty) {
+        return;
+    }
+    if (view_->table.faces().empty()) {
+        empty_->setText(text(translated("There are no fonts in the library yet. Add a folder of "
+                                        "fonts to begin (Library, Add Folder).")));
+    } else if (!search_->text().isEmpty()) {
+        empty_->setText(text(translated("No font here has this in its names. Search in \"All "
+                                        "fonts\", or with fewer letters.")));
+    } else {
+        empty_->setText(text(translated("There is no font here.")));
+    }
+}
+
+void LibraryWindow::showCount() {
+    const FaceListing& listing = model_.listing();
+    count_->setText(text(translated("%1 family", "%1 families", listing.families().size()) + ", " +
+                         translated("%1 style", "%1 styles", listing.faces().size())));
+}
+
+void LibraryWindow::showChosen() {
+    const FaceTable& table = model_.listing().view().table;
+    std::vector<ShownFace> shown;
+    constexpr std::size_t most = 12;
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        if (shown.size() == most) {
+            break;
+        }
+        const ListedFace& face = table.faces()[model_.row(index).sample];
+        shown.push_back({table.families()[face.family].name + " " + face.style, table.pathOf(face),
+                         face.index});
+    }
+    const bool one = rows.size() == 1;
+    if (one) {
+        const ListRow row = model_.row(rows.front());
+        const ListedFace& face = table.faces()[row.sample];
+        chosen_->setText(text(table.families()[face.family].name) +
+                         (row.isFamily ? QString() : QStringLiteral(" ") + row.title));
+        why_->setText(row.state + QStringLiteral("\n") + text(table.pathOf(face)));
+    } else {
+        chosen_->setText(rows.empty() ? QString()
+                                      : text(translated("%1 font", "%1 fonts",
+                                                        static_cast<std::size_t>(rows.size()))));
+        why_->clear();
+    }
+    std::string words = sample_->text().toStdString();
+    if (words.empty()) {
+        words = one || shown.empty() ? translated("The quick brown fox jumps over the lazy dog")
+                                     : translated("Hamburgefonstiv 0123456789");
+    }
+    waterfall_->setText(words);
+    waterfall_->setFaces(std::move(shown));
+    activate_->setEnabled(!chosenContainers(false).empty());
+    deactivate_->setEnabled(!chosenContainers(true).empty());
+}
+
+std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
+    const LibraryView& view = model_.listing().view();
+    std::set<std::int32_t> containers;
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        for (const FaceRow row : model_.facesOf(index)) {
+            const ListedFace& face = view.table.faces()[row];
+            const bool isActive = !view.states.why(face.container).empty();
+            const bool canBe = !face.away && !face.shownByDesktop;
+            if (active ? isActive : (!isActive && canBe)) {
+                containers.insert(static_cast<std::int32_t>(face.container));
+            }
+        }
+    }
+    return {containers.begin(), containers.end()};
+}
+
+void LibraryWindow::switchChosen(bool on) {
+    const auto containers = chosenContainers(!on);
+    if (containers.empty()) {
+        return;
+    }
+    statusBar()->showMessage(text(on ? translated("Activating…") : translated("Deactivating…")));
+    if (on) {
+        deeds_.activate(containers);
+    } else {
+        deeds_.deactivate(containers);
+    }
+}
+
+void LibraryWindow::toggleChosen() {
+    switchChosen(!chosenContainers(false).empty());
+}
+
+void LibraryWindow::addFolder() {
+    const QString folder = QFileDialog::getExistingDirectory(
+        this, text(translated("Add a folder of fonts to the library")));
+    if (!folder.isEmpty()) {
+        statusBar()->showMessage(text(translated("Reading the fonts…")));
+        deeds_.run({QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--"), folder});
+    }
+}
+
+void LibraryWindow::tell(const QStringList& problems) {
+    if (problems.isEmpty()) {
+        statusBar()->clearMessage();
+    } else {
+        statusBar()->showMessage(problems.join(QStringLiteral("; ")));
+    }
+}
+
+} // namespace manager

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// The window: places at the left, the list, and the chosen faces at the right.
+#pragma once
+
+#include "manager/qt/deeds.h"
+#include "manager/qt/facedelegate.h"
+#include "manager/qt/libraryreader.h"
+#include "manager/qt/sidebar.h"
+#include "manager/qt/waterfall.h"
+#include "manager/view/window.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QTimer>
+
+#include <set>
+
+class QSplitter;
+class QStackedWidget;
+
+namespace manager {
+
+/// [main-thread]
+class LibraryWindow : public QMainWindow {
+public:
+    explicit LibraryWindow(const WindowOptions& options);
+    LibraryWindow(const LibraryWindow&) = delete;
+    LibraryWindow& operator=(const LibraryWindow&) = delete;
+    ~LibraryWindow() override;
+
+    /// Calls `then` once the library is shown.
+    void whenShown(std::function<void()> then) { whenShown_ = std::move(then); }
+    /// Waits until every line that is to be seen is drawn; false when all were.
+    bool finishLines() { return faces_.finish(); }
+
+    [[nodiscard]] QTreeView& list() { return *list_; }
+    [[nodiscard]] FaceModel& model() { return model_; }
+    [[nodiscard]] QLineEdit& searchField() { return *search_; }
+    [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
+    [[nodiscard]] Deeds& deeds() { return deeds_; }
+    [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    /// What of the list is kept over a change of its rows.
+    struct Position {
+        std::set<QString> expanded; ///< families
+        QString family;             ///< the current row's
+        std::optional<FaceId> face; ///< nothing: the family's own row
+    };
+
+    void makeActions();
+    QWidget* makeList();
+    QWidget* makePreview();
+    void read();
+    void take(std::shared_ptr<const LibraryView> view);
+    void filter();
+    [[nodiscard]] Position position() const;
+    void restore(const Position& position);
+    void showChosen();
+    void showEmpty();
+    [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
+    void switchChosen(bool on);
+    void toggleChosen();
+    void addFolder();
+    void tell(const QStringList& problems);
+    void showCount();
+
+    Places places_;
+    preview::Faces faces_;
+    FaceModel model_;
+    std::shared_ptr<const LibraryView> view_;
+    Groups groups_;
+    Deeds deeds_;
+    Sidebar* sidebar_ = nullptr;
+    QLineEdit* search_ = nullptr;
+    QTreeView* list_ = nullptr;
+    QStackedWidget* pages_ = nullptr; ///< the list, or what to do while it is empty
+    QLabel* empty_ = nullptr;
+    FaceDelegate* delegate_ = nullptr;
+    QLineEdit* sample_ = nullptr;
+    QLabel* chosen_ = nullptr;
+    QLabel* why_ = nullptr;
+    Waterfall* waterfall_ = nullptr;
+    QLabel* count_ = nullptr;
+    QSplitter* splitter_ = nullptr;
+    QAction* activate_ = nullptr;
+    QAction* deactivate_ = nullptr;
+    int changes_ = -1; ///< the token of news; negative: none come
+    QTimer news_;
+    std::function<void()> whenShown_;
+    LibraryReader reader_; ///< last: it calls the window
+};
+
+} // namespace manager

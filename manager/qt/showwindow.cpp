@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// The module's entry: the toolkit, its language, and pictures instead of a screen.
+#include "manager/qt/librarywindow.h"
+
+#include "manager/cli/arguments.h"
+#include "manager/cli/report.h"
+#include "manager/view/texts.h"
+#include "system/displays.h"
+#include "system/translation.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QPixmap>
+#include <QTranslator>
+
+#include <array>
+#include <clocale>
+#include <cstdio>
+
+namespace manager {
+
+namespace {
+
+/// What the toolkit says to programmers is of no use to users.
+void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) {
+        warn(text.toStdString());
+    }
+}
+
+QPalette darkPalette() {
+    QPalette palette;
+    const QColor window(0x2b, 0x2b, 0x2e);
+    const QColor base(0x1f, 0x1f, 0x22);
+    const QColor light(0xee, 0xee, 0xee);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, light);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, light);
+    palette.setColor(QPalette::PlaceholderText, QColor(0xa6, 0xa6, 0xa6));
+    palette.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
+    palette.setColor(QPalette::ButtonText, light);
+    palette.setColor(QPalette::ToolTipBase, window);
+    palette.setColor(QPalette::ToolTipText, light);
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(0x8a, 0x8a, 0x8a));
+    }
+    return palette;
+}
+
+/// Every view, in light and dark.
+class Pictures {
+public:
+    Pictures(LibraryWindow& window, std::filesystem::path folder)
+        : window_(window), folder_(std::move(folder)) {}
+
+    [[nodiscard]] int take() {
+        makeFolders(folder_.string());
+        const QPalette light = QApplication::palette();
+        for (const bool dark : {false, true}) {
+            QApplication::setPalette(dark ? darkPalette() : light);
+            const std::string end = dark ? "-dark.png" : ".png";
+            window_.searchField().clear();
+            const QModelIndex first = window_.model().index(0, 0);
+            window_.list().setCurrentIndex(first);
+            window_.list().setExpanded(first, true);
+            save("library" + end);
+            window_.list().selectAll();
+            save("compare" + end);
+            window_.searchField().setText(QStringLiteral("no such font"));
+            save("nothing" + end);
+        }
+        return failed_ ? exitFailure : exitSuccess;
+    }
+
+private:
+    void save(const std::string& name) {
+        QApplication::processEvents();
+        QPixmap picture = window_.grab();
+        while (window_.finishLines()) {
+            picture = window_.grab();
+        }
+        const std::string path = (folder_ / name).string();
+        if (!picture.save(QString::fromStdString(path), "PNG")) {
+            warn(path + ": cannot be written");
+            failed_ = true;
+        }
+    }
+
+    LibraryWindow& window_;
+    std::filesystem::path folder_;
+    bool failed_ = false;
+};
+
+} // namespace
+
+} // namespace manager
+
+extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
+                                  const std::string& platforms) {
+    using namespace manager;
+    qInstallMessageHandler(handleMessage);
+    chooseLanguage(sys::localeOfEnvironment());
+    // Not by the environment, which programs that are started inherit.
+    std::string tried = platforms;
+    char name[] = "glyphora";
+    char option[] = "-platform";
+    std::array<char*, 4> arguments{name, option, tried.data(), nullptr};
+    int count = 3;
+    QApplication application(count, arguments.data());
+    std::setlocale(LC_NUMERIC, "C"); // it has taken the user's
+    if (platforms != sys::offscreenPlatform &&
+        QApplication::platformName() == QLatin1String(sys::offscreenPlatform)) {
+        return -1;
+    }
+    QCoreApplication::setOrganizationName(QStringLiteral("glyphora"));
+    QCoreApplication::setApplicationName(QStringLiteral("library"));
+    QTranslator toolkit;
+    // TRANSLATORS: the name of Qt's own catalogue in your language
+    if (toolkit.load(QString::fromStdString(translated("qtbase_en")),
+                     QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&toolkit);
+    }
+    LibraryWindow window(options);
+    int status = exitSuccess;
+    if (!options.pictures.empty()) {
+        window.whenShown([&] {
+            status = Pictures(window, options.pictures).take();
+            QApplication::quit();
+        });
+    }
+    window.show();
+    QApplication::exec();
+    return status;
+}

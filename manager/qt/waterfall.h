@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// A text at several sizes, in one face or in several side by side, on light or dark paper.
+#pragma once
+
+#include "manager/qt/samples.h"
+
+#include <QAbstractScrollArea>
+
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// A face to be shown.
+struct ShownFace {
+    std::string name; ///< for people
+    std::string file;
+    std::uint32_t index = 0;
+};
+
+enum class Paper : std::uint8_t { AsTheWindow, Light, Dark };
+
+/// [main-thread]
+class Waterfall : public QAbstractScrollArea {
+public:
+    explicit Waterfall(preview::Faces& faces, QWidget* parent = nullptr);
+
+    void setFaces(std::vector<ShownFace> faces);
+    void setText(const std::string& text);
+    void setSizes(std::vector<unsigned> sizes);
+    void setPaper(Paper paper);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    struct Line {
+        std::size_t face;
+        unsigned pixels;
+        int top; ///< from the beginning
+        int height;
+    };
+    void layOut();
+    void describe();
+
+    std::vector<ShownFace> shown_;
+    std::string text_;
+    std::vector<unsigned> sizes_{12, 16, 20, 24, 32, 48, 72, 96};
+    Paper paper_ = Paper::AsTheWindow;
+    std::vector<Line> lines_;
+    Samples samples_;
+};
+
+} // namespace manager

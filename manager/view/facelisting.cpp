@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "manager/view/facelisting.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace manager {
+
+void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filter) {
+    // A longer text finds nothing that the shorter one did not.
+    const bool narrows =
+        view == view_ && !filter_.text.empty() && filter.text.starts_with(filter_.text);
+    view_ = std::move(view);
+    filter_ = std::move(filter);
+    const FaceTable& table = view_->table;
+    named_ = table.find(filter_.text, narrows ? &named_ : nullptr);
+
+    std::vector<bool> isFound;
+    if (filter_.found) {
+        isFound.resize(table.faces().size());
+        for (const FaceId id : *filter_.found) {
+            if (const auto row = table.rowOf(id)) {
+                isFound[*row] = true;
+            }
+        }
+    }
+    faces_.clear();
+    families_.clear();
+    for (const FaceRow row : named_) {
+        const ListedFace& face = table.faces()[row];
+        if ((filter_.state && view_->states.of(row) != *filter_.state) ||
+            (filter_.among &&
+             !std::binary_search(filter_.among->begin(), filter_.among->end(), face.container)) ||
+            (filter_.found && !isFound[row])) {
+            continue;
+        }
+        if (families_.empty() || families_.back().family != face.family) {
+            families_.push_back({face.family, static_cast<std::uint32_t>(faces_.size()), 0});
+        }
+        ++families_.back().count;
+        faces_.push_back(row);
+    }
+}
+
+std::optional<std::uint32_t> FaceListing::placeOf(std::uint32_t family) const {
+    const auto place = std::lower_bound(
+        families_.begin(), families_.end(), family,
+        [](const ShownFamily& shown, std::uint32_t wanted) { return shown.family < wanted; });
+    return place != families_.end() && place->family == family
+               ? std::optional(static_cast<std::uint32_t>(place - families_.begin()))
+               : std::nullopt;
+}
+
+} // namespace manager

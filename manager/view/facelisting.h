@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// What of a table is shown: the faces that pass all filters, under their families.
+#pragma once
+
+#include "manager/view/facestates.h"
+#include "manager/view/facetable.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+struct ListFilter {
+    std::string text = {};                              ///< as FaceTable::find() takes it
+    std::optional<FaceState> state = {};                ///< none: any
+    std::optional<std::vector<ContainerId>> among = {}; ///< in order
+    std::optional<std::vector<FaceId>> found = {};      ///< by a search of the index; in any order
+    bool operator==(const ListFilter&) const = default;
+};
+
+/// The library at one moment. What the window shows is made of nothing else.
+struct LibraryView {
+    FaceTable table;
+    FaceStates states;
+};
+
+/// A family's faces that are shown.
+struct ShownFamily {
+    std::uint32_t family = 0; ///< in the table
+    std::uint32_t first = 0;  ///< its faces in FaceListing::faces()
+    std::uint32_t count = 0;
+};
+
+/// [one-thread]
+class FaceListing {
+public:
+    /// Filters a view, which it keeps. What only narrows the filter of before on the same view
+    /// costs little.
+    void show(std::shared_ptr<const LibraryView> view, ListFilter filter);
+
+    [[nodiscard]] const LibraryView& view() const { return *view_; }
+    [[nodiscard]] const ListFilter& filter() const { return filter_; }
+    [[nodiscard]] const std::vector<ShownFamily>& families() const { return families_; }
+    /// Rows of the table, in its order.
+    [[nodiscard]] const std::vector<FaceRow>& faces() const { return faces_; }
+    /// The place of a table's family among those shown; nullopt: it is not.
+    [[nodiscard]] std::optional<std::uint32_t> placeOf(std::uint32_t family) const;
+
+private:
+    std::shared_ptr<const LibraryView> view_ = std::make_shared<const LibraryView>();
+    ListFilter filter_;
+    std::vector<FaceRow> named_; ///< by the filter's text alone
+    std::vector<FaceRow> faces_;
+    std::vector<ShownFamily> families_;
+};
+
+} // namespace manager

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "manager/view/texts.h"
+
+#include "system/translation.h"
+
+namespace manager {
+
+namespace {
+
+constexpr const char* domain = "glyphora";
+
+} // namespace
+
+void chooseLanguage(const std::string& locale) {
+    sys::chooseLanguage(domain, CATALOGUES, locale);
+}
+
+std::string translated(const char* text) {
+    return sys::translated(domain, text);
+}
+
+std::string translated(const char* one, const char* several, std::size_t number) {
+    std::string text = sys::translated(domain, one, several, number);
+    if (const std::size_t place = text.find("%1"); place != std::string::npos) {
+        text.replace(place, 2, std::to_string(number));
+    }
+    return text;
+}
+
+} // namespace manager

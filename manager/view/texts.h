@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// The window's texts in the user's language, from the message catalogues in po/.
+#pragma once
+
+#include <string>
+
+namespace manager {
+
+/// [main-thread] Before there are other threads; see sys::chooseLanguage.
+void chooseLanguage(const std::string& locale);
+
+/// [main-thread] `text` in the language that was chosen. (po/CMakeLists.txt knows this name as that
+/// which marks texts.)
+[[nodiscard]] std::string translated(const char* text);
+/// [main-thread] The form that goes with `number`, in which "%1" stands for it.
+[[nodiscard]] std::string translated(const char* one, const char* several, std::size_t number);
+
+} // namespace manager

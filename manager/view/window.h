@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// What shows the library on a screen, without a word of the toolkit that does it.
+#pragma once
+
+#include "manager/library/places.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+struct WindowOptions {
+    Places places;
+    std::string program;            ///< the path of this program, which does what is asked for
+    std::string search;             ///< to begin with
+    std::filesystem::path pictures; ///< of every view, instead of a screen; empty: none
+};
+
+/// Shows the library until the user closes the window; gives an ExitStatus. The module that knows
+/// the toolkit is loaded for it, and stays. Throws Error when there is no screen, or no module.
+int showWindow(const WindowOptions& options);
+
+} // namespace manager
+
+/// What the module has. `platforms` are the toolkit's, tried in turn; a negative number when none
+/// works but the one in memory, unless that one alone is asked for.
+extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
+                                  const std::string& platforms);

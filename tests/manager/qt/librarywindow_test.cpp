@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The window with a library of its own, by keyboard, and beside commands that others give.
+#include "manager/qt/librarywindow.h"
+#include "system/displays.h"
+#include "tests/manager/sandbox.h"
+#include "tests/support/await.h"
+#include "tests/support/fontmaker.h"
+#include "tests/support/privatebus/privatebus.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QProcess>
+#include <QTest>
+
+#include <array>
+#include <gtest/gtest.h>
+
+using namespace manager;
+
+namespace {
+
+QApplication& application() {
+    static std::string platform = sys::offscreenPlatform;
+    static char name[] = "glyphora";
+    static char option[] = "-platform";
+    static std::array<char*, 4> arguments{name, option, platform.data(), nullptr};
+    static int count = 3;
+    static auto& one = *new QApplication(count, arguments.data()); // outlives statics
+    return one;
+}
+
+bool await(const std::function<bool()>& condition) {
+    return testsupport::await([&] {
+        QApplication::processEvents();
+        return condition();
+    });
+}
+
+class TheLibrarysWindow : public testing::Test {
+protected:
+    TheLibrarysWindow() {
+        application();
+        for (const char* style : {"Bold", "Regular"}) {
+            sandbox_.write(std::string("alpha-") + style + ".ttf",
+                           testsupport::makeFont({"Alpha", style, std::string("Alpha-") + style}));
+        }
+        sandbox_.write("beta.ttf", testsupport::makeFont({"Beta", "Regular", "Beta-Regular"}));
+        glyphora({QStringLiteral("add"), QString::fromStdString(sandbox_.library())});
+    }
+
+    static void glyphora(const QStringList& arguments) {
+        QProcess process;
+        process.start(QStringLiteral(GLYPHORA_PROGRAM), arguments);
+        ASSERT_TRUE(process.waitForFinished(60'000));
+        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    }
+
+    void open() {
+        window_ = std::make_unique<LibraryWindow>(
+            WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, {}, {}});
+        window_->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+        ASSERT_TRUE(await([this] { return window_->model().rowCount() != 0; }));
+    }
+    /// What a screen reader hears of a family, by its place.
+    std::string heard(int row) {
+        QApplication::processEvents(); // it lays its rows out
+        QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&window_->list());
+        QAccessibleInterface* const cell = list->tableInterface()->cellAt(row, 0);
+        return cell == nullptr ? "" : cell->text(QAccessible::Name).toStdString();
+    }
+    void choose(int row) { window_->list().setCurrentIndex(window_->model().index(row, 0)); }
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(&window_->list(), static_cast<Qt::Key>(key), modifiers);
+    }
+
+    testsupport::PrivateBus bus_;
+    managertest::Sandbox sandbox_;
+    testsupport::Variable config_{"XDG_CONFIG_HOME", sandbox_.root() + "/config"};
+    std::unique_ptr<LibraryWindow> window_;
+};
+
+TEST_F(TheLibrarysWindow, ListsWhatIsTypedAndTellsItToScreenReaders) {
+    open();
+    EXPECT_EQ(heard(0), "Alpha, 2 styles, inactive");
+    EXPECT_EQ(heard(1), "Beta, 1 style, inactive");
+    QTest::keyClicks(&window_->searchField(), QStringLiteral("alp bold"));
+    EXPECT_EQ(window_->model().rowCount(), 1);
+    EXPECT_EQ(heard(0), "Alpha, 1 style, inactive");
+    QTest::keyClicks(&window_->searchField(), QStringLiteral("x"));
+    EXPECT_EQ(window_->model().rowCount(), 0);
+    window_->searchField().clear();
+    EXPECT_EQ(window_->model().rowCount(), 2);
+}
+
+TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
+    open();
+    choose(1);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, active"; })) << heard(1);
+    EXPECT_EQ(heard(0), "Alpha, 2 styles, inactive");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, inactive"; })) << heard(1);
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, active"; })) << heard(1);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, inactive"; })) << heard(1);
+}
+
+TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
+    open();
+    QTreeView& list = window_->list();
+    list.setExpanded(window_->model().index(0, 0), true);
+    const QModelIndex alpha = window_->model().index(0, 0);
+    list.setCurrentIndex(window_->model().index(1, 0, alpha));
+    sandbox_.write("a.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
+    glyphora({QStringLiteral("scan")});
+    ASSERT_TRUE(await([this] { return window_->model().rowCount() == 3; }));
+    EXPECT_TRUE(list.isExpanded(window_->model().index(1, 0)));
+    EXPECT_EQ(list.currentIndex().parent(), window_->model().index(1, 0));
+    EXPECT_EQ(list.currentIndex().row(), 1);
+    glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
+    EXPECT_TRUE(await([this] { return heard(1) == "Alpha, 2 styles, active"; })) << heard(1);
+}
+
+} // namespace
