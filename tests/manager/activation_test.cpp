@@ -107,7 +107,7 @@ TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
     EXPECT_FALSE(activate(newer).changed);
 }
 
-TEST_F(AnActivation, HasFilesOfNewNamesReplaceOldOnesThatNobodyHasOpen) {
+TEST_F(AnActivation, ReplacesFilesOfOldNamesThatNobodyHasOpen) {
     ContainerFonts older = fonts();
     older.files[0].version = older.files[1].version = "1.0";
     activate(older);
