@@ -117,7 +117,7 @@ public:
             }
         }
         findShownFolders();
-        findAwayFolders();
+        findAwayFolders(folders);
         report_.unreadFolders = found_.unreadRoots;
         for (std::size_t i = 0; i < found_.folders.size(); ++i) {
             compare(i);
@@ -165,21 +165,39 @@ private:
         }
     }
 
-    // An empty folder on another file system than before is where a disk is mounted at times.
-    void findAwayFolders() {
-        for (const std::string& root : found_.emptyRoots) {
-            const auto before = known_.find(root);
-            const auto now =
-                std::lower_bound(found_.folders.begin(), found_.folders.end(), root,
-                                 [](const FoundFolder& a, const auto& b) { return a.path < b; });
-            if (before != known_.end() &&
-                (before->second.away || before->second.device != now->device)) {
-                found_.unread.push_back(root);
-                found_.unreadRoots.push_back(root);
-                found_.problems.push_back(root + ": empty, and not the disk that was there");
-                found_.folders.erase(now);
+    void findAwayFolders(std::span<const std::string> roots) {
+        std::erase_if(found_.folders, [&](const FoundFolder& folder) {
+            if (!folder.isEmpty || !lacksItsDisk(folder)) {
+                return false;
             }
+            found_.unread.push_back(folder.path);
+            if (std::find(roots.begin(), roots.end(), folder.path) != roots.end()) {
+                found_.unreadRoots.push_back(folder.path);
+            }
+            found_.problems.push_back(folder.path + ": empty, and not the disk that was there");
+            return true;
+        });
+    }
+
+    // Whether a disk with fonts was mounted at the empty folder, and is not now. A disk's number
+    // may change from mount to mount, but then it does for all folders on it.
+    [[nodiscard]] bool lacksItsDisk(const FoundFolder& folder) const {
+        const auto before = known_.find(folder.path);
+        if (before == known_.end() ||
+            (!before->second.away && before->second.device == folder.device)) {
+            return false;
         }
+        const auto above = known_.find(folderOf(folder.path));
+        return (above == known_.end() || above->second.device != before->second.device) &&
+               wereFilesUnder(folder.path);
+    }
+
+    [[nodiscard]] bool wereFilesUnder(const std::string& path) const {
+        const auto hasFiles = [](const auto& folder) { return !folder.second.files.empty(); };
+        const char afterSlash = '/' + 1;
+        return hasFiles(*known_.find(path)) ||
+               std::any_of(known_.lower_bound(path + '/'), known_.lower_bound(path + afterSlash),
+                           hasFiles);
     }
 
     [[nodiscard]] bool isAway(const std::string& path) const {

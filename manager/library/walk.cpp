@@ -101,11 +101,7 @@ private:
         const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(place.path.c_str()));
         struct stat status {};
         if (!directory || fstat(dirfd(directory.get()), &status) != 0) {
-            problem(place.path, "the folder cannot be read", errno);
-            found_.unread.push_back(place.path);
-            if (place.depth == 0) {
-                found_.unreadRoots.push_back(place.path);
-            }
+            leaveUnread(place, errno);
             return;
         }
         if (place.depth == 0 && isPassedOver(place.path)) {
@@ -122,27 +118,36 @@ private:
         if (isOfTheKernel(directory.get(), status.st_dev)) {
             return;
         }
-        FoundFolder& folder = found_.folders.emplace_back();
-        folder.path = place.path;
-        folder.device = static_cast<std::int64_t>(status.st_dev);
-        if (readEntries(place, folder, directory.get()) == 0 && place.depth == 0) {
-            found_.emptyRoots.push_back(place.path);
+        FoundFolder folder{place.path, static_cast<std::int64_t>(status.st_dev), {}, true};
+        if (const int code = readEntries(place, folder, directory.get()); code == 0) {
+            found_.folders.push_back(std::move(folder));
+        } else if (folder.isEmpty) { // the disk went while it was opened
+            leaveUnread(place, code);
+        } else {
+            problem(place.path, "the folder cannot be read to its end", code);
+            found_.unread.push_back(place.path);
+            found_.folders.push_back(std::move(folder));
         }
     }
 
-    // How many there are, hidden ones not counted.
-    std::size_t readEntries(const Place& place, FoundFolder& folder, DIR* directory) {
-        for (std::size_t count = 0;;) {
+    void leaveUnread(const Place& place, int code) {
+        problem(place.path, "the folder cannot be read", code);
+        found_.unread.push_back(place.path);
+        if (place.depth == 0) {
+            found_.unreadRoots.push_back(place.path);
+        }
+    }
+
+    // The system's code for what kept it from the end, or 0.
+    int readEntries(const Place& place, FoundFolder& folder, DIR* directory) {
+        for (;;) {
             errno = 0;
             const dirent* entry = readdir(directory);
             if (entry == nullptr) {
-                if (errno != 0) {
-                    problem(place.path, "the folder cannot be read to its end", errno);
-                }
-                return count;
+                return errno;
             }
             if (entry->d_name[0] != '.') {
-                ++count;
+                folder.isEmpty = false;
                 look(place, folder, dirfd(directory), *entry);
             }
         }

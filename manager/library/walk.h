@@ -30,14 +30,14 @@ struct FoundFolder {
     std::string path;
     std::int64_t device = 0;
     std::vector<FoundFile> files; ///< those named like fonts, by name
+    bool isEmpty = false;         ///< but for hidden entries, as where a disk is not
 };
 
 struct FoundFiles {
     std::vector<FoundFolder> folders;     ///< all that were looked at, by path
     std::vector<std::string> problems;    ///< "PATH: ..." of what could not be looked at
-    std::vector<std::string> unread;      ///< folders and links to some among that
-    std::vector<std::string> unreadRoots; ///< roots among them
-    std::vector<std::string> emptyRoots;  ///< in which nothing lies, as where a disk is not
+    std::vector<std::string> unread;      ///< folders, whole or in part, and links among that
+    std::vector<std::string> unreadRoots; ///< roots among them that are not there at all
 };
 
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;

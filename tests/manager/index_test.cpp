@@ -7,6 +7,9 @@
 #include "tests/manager/fullface.h"
 #include "tests/manager/sandbox.h"
 
+#include <cerrno>
+#include <dirent.h>
+#include <dlfcn.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,6 +22,20 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
+
+// A disk fails where this entry stands.
+static std::string unreadableEntry;
+
+// Takes the place of the system's.
+extern "C" dirent* readdir(DIR* directory) {
+    static const auto system = reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, "readdir"));
+    dirent* entry = system(directory);
+    if (entry != nullptr && entry->d_name == unreadableEntry) {
+        errno = EIO;
+        return nullptr;
+    }
+    return entry;
+}
 
 namespace {
 
@@ -198,6 +215,53 @@ TEST_F(AnIndex, KeepsWhatIsAwayAndDoesNotOfferIt) {
 
     std::filesystem::remove(root_ + "/x.ttf");
     EXPECT_EQ(scan().removed, 1U);
+}
+
+// In place of mounts: the index is told that folders were on other disks when they were scanned.
+TEST_F(AnIndex, TakesAnEmptyFolderForAwayWhereADiskWas) {
+    const struct {
+        const char* otherDisk;
+        const char* emptied;
+        std::size_t away;
+    } cases[] = {
+        {"/usb*", "/usb", 1}, {"*", "", 2}, {"*", "/usb", 0}, {"/", "/usb", 0}, {"/", "", 0},
+    };
+    for (const auto& [otherDisk, emptied, away] : cases) {
+        add("x.ttf", plainFace("X", "Regular"));
+        add("usb/deep/y.ttf", plainFace("Y", "Regular"));
+        std::filesystem::create_directory(root_ + "/usb-never");
+        scan();
+        Statement move(library_->database(), "UPDATE directory SET device = -1 WHERE path GLOB ?");
+        move.bind(1, root_ + otherDisk).run();
+        for (const auto& entry : std::filesystem::directory_iterator(root_ + emptied)) {
+            std::filesystem::remove_all(entry.path());
+        }
+        for (const bool again : {false, true}) {
+            const UpdateReport gone = scan();
+            EXPECT_EQ(gone.away, away) << otherDisk << " " << emptied << again;
+            EXPECT_EQ(gone.changed(), !again);
+            EXPECT_EQ(gone.problems.size(), away > 0 && !again ? 1U : 0U);
+            EXPECT_EQ(gone.unreadFolders.size(), away == 2 ? 1U : 0U);
+        }
+        sandbox_.write("usb/note.txt", "");
+        EXPECT_EQ(scan().away, 0U) << "it is in use";
+    }
+}
+
+TEST_F(AnIndex, LosesNothingOfAFolderThatCannotBeReadToItsEnd) {
+    add("x.ttf", plainFace("X", "Regular"));
+    add("y.ttf", plainFace("Y", "Regular"));
+    add("deep/z.ttf", plainFace("Z", "Regular"));
+    for (const char* entry : {"x.ttf", "y.ttf", "deep", "z.ttf"}) {
+        scan();
+        unreadableEntry = entry;
+        const UpdateReport report = scan();
+        unreadableEntry.clear();
+        EXPECT_THAT(report.problems, ElementsAre(HasSubstr("annot be read"))) << entry;
+        EXPECT_EQ(report.removed, 0U) << entry;
+        EXPECT_THAT(found({}), SizeIs(3)) << entry;
+    }
+    EXPECT_TRUE(library_->container(ContainerId{3})->away) << "in a folder that has nothing else";
 }
 
 TEST_F(AnIndex, SaysWhatTheDesktopShowsAnyway) {
