@@ -31,7 +31,7 @@ void append(std::vector<Item>& all, std::vector<Item> more) {
 
 } // namespace
 
-Activator::Activator(const Places& places, LockTimes times)
+Activator::Activator(const Places& places, ActivatorTimes times)
     : places_(places), times_(times), newsFlag_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!newsFlag_) {
         throw systemError("activation", "no event descriptor", errno);

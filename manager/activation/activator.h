@@ -44,11 +44,13 @@ struct ActivatorNews {
     std::optional<std::vector<Reason>> ending; ///< see Activation::endingReasons
 };
 
-/// How long the lock of the sets is waited for, and how long it is left alone then. What needs it
-/// waits on, and the rest is done in between.
-struct LockTimes {
+/// How long the lock of the sets is waited for, and how long it is left alone then; what needs it
+/// waits on, and the rest is done in between. And when a withdrawal is tried again that failed for
+/// something else, which needs somebody's help.
+struct ActivatorTimes {
     std::chrono::milliseconds patience{500};
     std::chrono::milliseconds pause{500};
+    std::chrono::milliseconds retry{60'000};
 };
 
 /// [one-thread] Begins with what a crash left and with what is due by now. Settles a while after
@@ -59,7 +61,7 @@ public:
     static constexpr std::size_t maximumWaiting = 32768;
 
     /// Throws Error.
-    explicit Activator(const Places& places, LockTimes times = {});
+    explicit Activator(const Places& places, ActivatorTimes times = {});
     Activator(const Activator&) = delete;
     Activator& operator=(const Activator&) = delete;
     /// Gives up what has not been begun, and settles what was done.
@@ -107,12 +109,14 @@ private:
     void followSome(Activation& activation, ActivatorNews& news);
     /// Tells what is wrong with an update once, and has one that is postponed done later.
     void noteUpdate(const ContainerFonts& container, ActivationOutcome& outcome);
+    /// Leaves the outcome no problems that were told already.
+    void tellOnce(ContainerId id, ActivationOutcome& outcome);
     /// Does a step that needs the lock.
     Ending tryStep(ActivatorNews& news, const std::function<void()>& step);
     void publish(ActivatorNews news);
 
     Places places_;
-    LockTimes times_;
+    ActivatorTimes times_;
     sys::Descriptor newsFlag_;
     std::mutex mutex_;
     std::condition_variable wake_;
@@ -132,7 +136,7 @@ private:
     std::optional<Clock::time_point> again_; ///< when a withdrawal that failed is tried again
     std::unique_ptr<OutdatedSets> outdated_; ///< while some are left to be looked at
     std::map<ContainerId, ContainerFonts> postponed_;        ///< updates, until a program ends
-    std::map<ContainerId, std::vector<std::string>> failed_; ///< what was wrong with last updates
+    std::map<ContainerId, std::vector<std::string>> failed_; ///< what was wrong when last told
     bool isToSweep_ = false;
     Clock::time_point blocked_; ///< until when the lock is left alone
     Clock::time_point resting_; ///< until when others may come before a withdrawal

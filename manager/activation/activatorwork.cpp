@@ -19,8 +19,6 @@ constexpr std::chrono::milliseconds restBetweenParts{60};
 // Sets, when nobody waits for anything.
 constexpr std::size_t comparedAtOnce = 100;
 constexpr std::size_t sweptAtOnce = 20;
-// What failed, and not for want of the lock, needs somebody's help.
-constexpr std::chrono::minutes retryDelay{1};
 
 /// Does a step that needs no lock.
 void tellThrown(ActivatorNews& news, const std::function<void()>& step) {
@@ -82,9 +80,13 @@ void Activator::noteUpdate(const ContainerFonts& container, ActivationOutcome& o
     if (outcome.postponed) {
         postponed_.emplace(container.id, container);
     }
-    const std::vector<std::string> before = std::exchange(failed_[container.id], outcome.problems);
+    tellOnce(container.id, outcome);
+}
+
+void Activator::tellOnce(ContainerId id, ActivationOutcome& outcome) {
+    const std::vector<std::string> before = std::exchange(failed_[id], outcome.problems);
     if (outcome.problems.empty()) {
-        failed_.erase(container.id);
+        failed_.erase(id);
     } else if (outcome.problems == before) {
         outcome.problems.clear();
     }
@@ -107,9 +109,19 @@ void Activator::withdrawSome(Activation& activation, ActivatorNews& news) {
         news.withdrawn = activation.withdrawDue(largestBatch);
         isToSweep_ = true;
     });
-    if (ending == Ending::Failed) {
-        again_ = Clock::now() + retryDelay;
-    } else if (ending == Ending::Blocked || activation.isMoreDue()) {
+    bool failed = ending == Ending::Failed;
+    for (Withdrawal& withdrawal : news.withdrawn) {
+        if (withdrawal.outcome.success) {
+            failed_.erase(withdrawal.id);
+        } else {
+            failed = true;
+            tellOnce(withdrawal.id, withdrawal.outcome);
+        }
+    }
+    if (failed) {
+        again_ = Clock::now() + times_.retry;
+    }
+    if (ending == Ending::Blocked || (ending == Ending::Done && activation.isMoreDue())) {
         resting_ = Clock::now() + restBetweenParts;
         const std::scoped_lock lock(mutex_);
         withdrawalWanted_ = true;

@@ -27,14 +27,17 @@ protected:
                 outcomes_[done.call] = std::move(done.outcome);
             }
             problems_.insert(problems_.end(), more.problems.begin(), more.problems.end());
+            withdrawn_.insert(withdrawn_.end(), more.withdrawn.begin(), more.withdrawn.end());
             isReady_ = isReady_ || more.ending;
         }
     }
 
-    Activator activator_{sandbox_.places(),
-                         {std::chrono::milliseconds(1), std::chrono::milliseconds(1)}};
+    Activator activator_{
+        sandbox_.places(),
+        {std::chrono::milliseconds(1), std::chrono::milliseconds(1), std::chrono::milliseconds(1)}};
     std::map<std::uint64_t, ActivationOutcome> outcomes_; ///< by call
     std::vector<std::string> problems_;
+    std::vector<Withdrawal> withdrawn_;
     bool isReady_ = false;
 };
 
@@ -94,6 +97,23 @@ TEST_F(AnActivator, FollowsNewNamesAndTellsOnceWhatKeepsIt) {
     EXPECT_THAT(entries(sandbox_.places().fonts() + "/1"), ElementsAre(".glyphora-set", "1.ttf"));
     EXPECT_THAT(entries(sandbox_.places().fonts() + "/2"), ElementsAre(".glyphora-set", "two.ttf"))
         << "whose face has gone";
+}
+
+TEST_F(AnActivator, TriesAgainByItselfToWithdrawWhatItCouldNot) {
+    ContainerFonts brief = fonts();
+    brief.reasons = {Reason::forTime(std::chrono::seconds(0))};
+    activator_.activate({brief});
+    await([&] { return !outcomes_.empty(); });
+    std::filesystem::remove(set() + "/two.ttf");
+    std::filesystem::create_directories(set() + "/two.ttf/in the way");
+    writeBytes(set() + "/mine.txt", "mine");
+    activator_.withdraw(std::nullopt);
+    await([&] { return withdrawn_.size() >= 3; });
+    EXPECT_THAT(withdrawn_[0].outcome.problems, ElementsAre(HasSubstr("/two.ttf: cannot be rem")));
+    EXPECT_THAT(withdrawn_[2].outcome.problems, IsEmpty()) << "told once";
+    std::filesystem::remove_all(set() + "/two.ttf");
+    await([&] { return withdrawn_.back().outcome.success; });
+    EXPECT_THAT(entries(set()), ElementsAre("mine.txt"));
 }
 
 } // namespace
