@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
+#include <set>
 #include <tuple>
 #include <unistd.h>
 
@@ -20,6 +22,7 @@ namespace manager {
 namespace {
 
 constexpr std::array parts = {"", "-wal", "-shm"};
+constexpr std::size_t keptDamaged = 3; // with the one that is moved aside next
 
 void keepKnown(ContainerKeeper& keeper, const KnownContainers& known) {
     for (const auto& [id, name, folder, file, format] :
@@ -120,6 +123,7 @@ private:
         } catch (const Error& error) {
             throw Error(damage + "; it cannot be made anew: " + error.what());
         }
+        removeOldest();
         const std::string aside = asideName();
         for (const char* part : parts) {
             if (rename((path_ + part).c_str(), (aside + part).c_str()) != 0 && *part == '\0') {
@@ -144,6 +148,25 @@ private:
             free = name + "." + std::to_string(i);
         }
         return free;
+    }
+
+    /// Of those that were moved aside a few are enough to look into. Their names tell the time.
+    void removeOldest() const {
+        const std::string begin = path_ + ".damaged-";
+        std::set<std::string> damaged;
+        std::error_code code;
+        for (std::filesystem::directory_iterator entry(folderOf(path_), code), end;
+             !code && entry != end; entry.increment(code)) {
+            const std::string path = entry->path().string();
+            if (path.starts_with(begin)) {
+                damaged.insert(path.substr(0, path.find('-', begin.size())));
+            }
+        }
+        for (; damaged.size() >= keptDamaged; damaged.erase(damaged.begin())) {
+            for (const char* part : parts) {
+                unlink((*damaged.begin() + part).c_str());
+            }
+        }
     }
 
     /// How many containers have their number in it, and the last number that was given.

@@ -18,6 +18,7 @@
 using namespace manager;
 using namespace managertest;
 using namespace testsupport;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -122,6 +123,7 @@ TEST_F(ALibrary, KeepsAllNumbersWhicheverPageIsLost) {
         pages.insert(at / 4096);
     }
     EXPECT_GE(pages.size(), 8U);
+    std::string aside;
     for (const std::size_t page : pages) {
         std::string damaged = whole;
         damaged.replace(page * 4096, 4096, 4096, '\xFF');
@@ -140,7 +142,18 @@ TEST_F(ALibrary, KeepsAllNumbersWhicheverPageIsLost) {
             EXPECT_EQ(ids().begin()->second, ContainerId{last + 1}) << "of none that was given";
         }
         library_.reset();
+        const auto said = reports_.front().find(".damaged-");
+        aside = reports_.front().substr(said, reports_.front().find(". Kept") - said);
     }
+    std::set<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(sandbox_.places().own())) {
+        const std::string name = entry.path().string();
+        if (name.starts_with(path + ".damaged-")) {
+            left.insert(name.substr(path.size()));
+        }
+    }
+    EXPECT_THAT(left, SizeIs(9)) << "three and their logs";
+    EXPECT_THAT(left, Contains(aside)) << "the last";
 }
 
 TEST_F(ALibrary, MadeAnewTellsNoProblemAgain) {
