@@ -18,6 +18,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -291,7 +292,24 @@ public:
 private:
     using ReaderSlot = std::unique_ptr<Reader>;
 
-    [[nodiscard]] bool hasNext() const { return !again_.empty() || next_ < paths_.size(); }
+    [[nodiscard]] bool hasNext(std::size_t end) const {
+        return !again_.empty() || next_ < std::min(end, paths_.size());
+    }
+
+    // Whoever takes the outcomes in the order of the paths keeps those that come before their turn.
+    [[nodiscard]] std::size_t endOfGiving() const {
+        std::size_t first = next_;
+        const auto look = [&](const auto& positions) {
+            first = std::accumulate(positions.begin(), positions.end(), first,
+                                    [](auto a, auto b) { return std::min(a, b); });
+        };
+        look(again_);
+        for (const auto& reader : readers_) {
+            look(reader->unanswered());
+        }
+        return first + limits_.ahead;
+    }
+
     std::size_t takeNext() {
         if (again_.empty()) {
             return next_++;
@@ -309,10 +327,11 @@ private:
                 low.push_back(reader.get());
             }
         }
+        const std::size_t end = endOfGiving();
         for (bool given = true; given;) {
             given = false;
             for (Reader* reader : low) {
-                if (reader->hasRoom() && hasNext()) {
+                if (reader->hasRoom() && hasNext(end)) {
                     const std::size_t position = takeNext();
                     reader->add(position, paths_[position]);
                     given = true;

@@ -32,6 +32,7 @@ struct FontReaderLimits {
     unsigned processes = 2;
     std::chrono::milliseconds timePerFile{20'000};
     std::size_t memory = std::size_t{2} << 30U; ///< bytes of address space of a reader
+    std::size_t ahead = 5000; ///< no file is read so far behind the first that has no outcome
 };
 
 /// [main-thread] Run in a reader's process for one file; faces::readFontFile, unless a test wants

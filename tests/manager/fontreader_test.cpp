@@ -5,6 +5,7 @@
 #include "manager/library/fontreader.h"
 #include "tests/manager/fullface.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <csignal>
@@ -120,6 +121,25 @@ TEST_F(AFontReader, ThatHangsIsEndedAndReplaced) {
     timePerFile_ = std::chrono::milliseconds(300);
     const auto outcomes = read({"hang"});
     EXPECT_EQ(problem(outcomes.at("hang")), "hang: reading it took longer than 300 ms (now)");
+}
+
+TEST_F(AFontReader, WaitsForASlowFileRatherThanReadFarAhead) {
+    FontReaderLimits limits;
+    limits.timePerFile = std::chrono::milliseconds(300);
+    limits.ahead = 20;
+    std::vector<std::string> paths(100, "good");
+    paths[30] = "hang";
+    std::size_t last = 0;
+    std::size_t lastBefore = 0;
+    readFontFiles(
+        paths, limits,
+        [&](std::size_t position, const FontFileOutcome&) {
+            last = std::max(last, position);
+            lastBefore = position == 30 ? last : lastBefore;
+        },
+        behave);
+    EXPECT_LT(lastBefore, 30 + limits.ahead);
+    EXPECT_EQ(last, paths.size() - 1);
 }
 
 TEST_F(AFontReader, TellsWhatMayPassFromWhatLiesInTheFile) {
