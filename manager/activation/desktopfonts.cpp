@@ -46,7 +46,7 @@ bool sendAll(int socket, std::string_view bytes) {
     return shutdown(socket, SHUT_WR) == 0;
 }
 
-/// What a run came to: nothing, or why it did not get to its end.
+/// What a run came to: nothing, or why it did not get to its end; without the program's path.
 using Failure = std::optional<std::string>;
 
 Failure endingOf(sys::Child& child) {
@@ -92,14 +92,15 @@ Failure runReader(const std::filesystem::path& program, const std::string& mode,
             text.erase(0, whole);
         }
     } catch (const std::system_error& error) {
-        return error.what();
+        return error.code().message();
     }
     return std::nullopt;
 }
 
-void throwOn(const Failure& failure) {
+void throwOn(const Failure& failure, const std::filesystem::path& program) {
     if (failure) {
-        throw Error("the desktop's fonts: cannot be read by fontconfig: " + *failure);
+        throw Error("the desktop's fonts: cannot be read by fontconfig: " + program.string() +
+                    ": " + *failure);
     }
 }
 
@@ -277,7 +278,7 @@ DesktopFaces readDesktop(const std::filesystem::path& program, const std::string
             faces.watch(fields[1], toNumber<std::int64_t>(fields[2]).value_or(0));
         }
     });
-    throwOn(failure);
+    throwOn(failure, program);
     faces.replaceFolders({}, named);
     return faces;
 }
@@ -285,11 +286,12 @@ DesktopFaces readDesktop(const std::filesystem::path& program, const std::string
 std::vector<std::string> findDesktopFiles(const std::filesystem::path& program,
                                           const std::string& name) {
     std::vector<std::string> files;
-    throwOn(runReader(program, "named", {}, std::vector{name}, [&](const Fields& fields) {
+    const auto receive = [&](const Fields& fields) {
         if (fields.size() == 2 && fields[0] == "file") {
             files.push_back(fields[1]);
         }
-    }));
+    };
+    throwOn(runReader(program, "named", {}, std::vector{name}, receive), program);
     return files;
 }
 

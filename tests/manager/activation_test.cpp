@@ -260,6 +260,11 @@ TEST_F(AnActivation, TakesNothingAwayThatNoReaderGotToTheEndOf) {
         EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("/7: cannot be read by fontconfig")));
         EXPECT_THAT(visibleFamilies(), ElementsAre("One", name));
     }
+    addFont("two.ttf", "Four");
+    Activation activation(sandbox_.places(), {}, "/no/reader");
+    const ContainerFonts wanted = fonts();
+    EXPECT_THAT(activation.activate(std::span(&wanted, 1)).at(0).problems,
+                ElementsAre(HasSubstr("/7: cannot be read by fontconfig: /no/reader: No such")));
 }
 
 TEST_F(AnActivation, LeavesNothingThatTheDesktopsSettingsHide) {
