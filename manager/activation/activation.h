@@ -119,7 +119,8 @@ public:
     [[nodiscard]] bool isMoreDue() const { return !doubtful_.empty(); }
     /// Deletes up to `most` sets that withdrawDue() took away. Whether there are more.
     bool sweep(std::size_t most) noexcept { return folders_.sweep(most); }
-    /// The reasons that stand and will end by themselves, each once, as of the last withdrawDue().
+    /// The reasons that will end by themselves, each once; those of which withdrawDue() did not
+    /// know the end are among them, should they have ended meanwhile.
     [[nodiscard]] std::vector<Reason> endingReasons() const { return known_.ending(); }
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose

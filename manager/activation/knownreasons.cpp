@@ -21,7 +21,7 @@ void KnownReasons::learn(ContainerId id, const std::vector<Reason>& reasons) {
             continue;
         }
         const std::string line = reasonLine(reason);
-        const auto [known, isNew] = reasons_.try_emplace(line, Known{reason, {}, {}});
+        const auto [known, isNew] = reasons_.try_emplace(line, Known{reason, {}, {}, true});
         if (isNew) {
             known->second.program =
                 isRunning(reason.process) ? programName(reason.process.id) : programs[line];
@@ -47,10 +47,11 @@ void KnownReasons::forget(ContainerId id) {
     lines_.erase(lines);
 }
 
-std::vector<ContainerId> KnownReasons::doubtful() const {
+std::vector<ContainerId> KnownReasons::doubtful() {
     std::set<ContainerId> sets = without_;
-    for (const auto& [line, known] : reasons_) {
-        if (!stands(known.reason)) {
+    for (auto& [line, known] : reasons_) {
+        known.stood = stands(known.reason);
+        if (!known.stood) {
             sets.insert(known.sets.begin(), known.sets.end());
         }
     }
@@ -60,7 +61,7 @@ std::vector<ContainerId> KnownReasons::doubtful() const {
 std::vector<Reason> KnownReasons::ending() const {
     std::vector<Reason> ending;
     for (const auto& [line, known] : reasons_) {
-        if (stands(known.reason)) {
+        if (known.stood) {
             ending.push_back(known.reason);
         }
     }

@@ -23,8 +23,9 @@ public:
     void clear() { *this = {}; }
 
     /// The sets that may be due: those without a reason, or with one that stands no more.
-    [[nodiscard]] std::vector<ContainerId> doubtful() const;
-    /// The reasons that stand and will end by themselves, each once.
+    [[nodiscard]] std::vector<ContainerId> doubtful();
+    /// The reasons that will end by themselves, each once, but those that had ended when doubtful()
+    /// was called last: one that has ended since is yet to be found out.
     [[nodiscard]] std::vector<Reason> ending() const;
     /// For people: what ended a reason, "process 4711 (inkscape) ended". The program's name is that
     /// of when the reason was learnt.
@@ -35,6 +36,7 @@ private:
         Reason reason;
         std::string program;
         std::set<ContainerId> sets;
+        bool stood = true; ///< when doubtful() was called last
     };
     std::map<std::string, Known> reasons_; ///< by the line in a record; none that lasts
     std::unordered_map<std::int32_t, std::vector<std::string>> lines_; ///< by set

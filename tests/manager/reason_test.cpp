@@ -9,6 +9,8 @@
 #include <ctime>
 #include <gmock/gmock.h>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <unistd.h>
 
 using namespace manager;
@@ -113,6 +115,25 @@ TEST_F(AReason, IsReadAgainWhenChangedAndEndsSetsInParts) {
         EXPECT_EQ(withdrawn[0].why, "its time is over");
         EXPECT_EQ(activation.isMoreDue(), isMore);
     }
+}
+
+// Nobody is told a second time that its process has ended.
+TEST_F(AReason, ThatEndsWhileOthersAreWithdrawnIsFoundOutNext) {
+    const auto activateAs = [&](int id, const Reason& reason) {
+        ContainerFonts wanted = fonts({"one.ttf"});
+        wanted.id = static_cast<ContainerId>(id);
+        wanted.reasons = {reason};
+        EXPECT_TRUE(activate(wanted).success);
+    };
+    std::optional<FontUser> program(std::in_place, sandbox_.library() + "/two.ttf");
+    const Reason document = *Reason::forDocumentOf(program->process());
+    activateAs(8, Reason::forTime(std::chrono::hours(0)));
+    activateAs(9, document);
+    Activation activation(sandbox_.places(), [&](std::string_view) { program.reset(); });
+    EXPECT_EQ(activation.withdrawDue().size(), 1U);
+    EXPECT_THAT(activation.endingReasons(), ElementsAre(document));
+    EXPECT_EQ(activation.withdrawDue().size(), 1U);
+    EXPECT_THAT(activation.endingReasons(), IsEmpty());
 }
 
 TEST_F(AReason, IsByHandInARecordThatKnewNone) {
