@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window's texts in the user's language, from the message catalogues in po/.
+// The window's texts in the user's language, where there is a message catalogue of it.
 #pragma once
 
 #include <string>
@@ -9,8 +9,7 @@ namespace manager {
 /// [main-thread] Before there are other threads; see sys::chooseLanguage.
 void chooseLanguage(const std::string& locale);
 
-/// [main-thread] `text` in the language that was chosen. (po/CMakeLists.txt knows this name as that
-/// which marks texts.)
+/// [main-thread] `text` in the language that was chosen.
 [[nodiscard]] std::string translated(const char* text);
 /// [main-thread] The form that goes with `number`, in which "%1" stands for it.
 [[nodiscard]] std::string translated(const char* one, const char* several, std::size_t number);
