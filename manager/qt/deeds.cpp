@@ -26,12 +26,14 @@ public:
     SwitchDeed(Deeds& deeds, bool on, QStringList containers, const QString& text)
         : QUndoCommand(text), deeds_(deeds), on_(on), containers_(std::move(containers)) {}
 
-    void undo() override { deeds_.run(QStringList{commands[on_ ? 0 : 1], "--json"} + containers_); }
+    void undo() override {
+        deeds_.start(QStringList{commands[on_ ? 0 : 1], "--json"} + containers_);
+    }
     void redo() override {
         if (std::exchange(isNew_, false)) {
             return;
         }
-        deeds_.run(QStringList{commands[on_ ? 1 : 0], "--json"} + containers_);
+        deeds_.start(QStringList{commands[on_ ? 1 : 0], "--json"} + containers_);
     }
 
 private:
@@ -45,19 +47,42 @@ Deeds::Deeds(std::string program, std::function<void(const QStringList&)> done)
     : program_(std::move(program)), done_(std::move(done)) {}
 
 Deeds::~Deeds() {
-    // What has begun is brought to its end by itself.
-    const auto children = findChildren<QProcess*>();
-    for (QProcess* process : children) {
-        process->disconnect();
-        process->waitForFinished(-1);
+    done_ = [](const QStringList&) {};
+    while (running_ != nullptr) {
+        running_->waitForFinished(-1); // and begins the next
     }
 }
 
+void Deeds::inTurn(std::function<void()> deed) {
+    waiting_.push(std::move(deed));
+    goOn();
+}
+
+void Deeds::goOn() {
+    while (running_ == nullptr && !waiting_.empty()) {
+        const std::function<void()> next = std::move(waiting_.front());
+        waiting_.pop();
+        next();
+    }
+}
+
+void Deeds::undo() {
+    inTurn([this] { undo_.undo(); });
+}
+
+void Deeds::redo() {
+    inTurn([this] { undo_.redo(); });
+}
+
 void Deeds::run(const QStringList& arguments, Taker take) {
+    inTurn([this, arguments, take = std::move(take)] { start(arguments, take); });
+}
+
+void Deeds::start(const QStringList& arguments, Taker take) {
     auto* const process = new QProcess(this);
-    ++running_;
+    running_ = process;
     const auto finish = [this, process, take = std::move(take)](const QStringList& failures) {
-        --running_;
+        running_ = nullptr;
         QStringList problems = failures;
         const QJsonObject done = QJsonDocument::fromJson(process->readAllStandardOutput()).object();
         const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
@@ -69,6 +94,7 @@ void Deeds::run(const QStringList& arguments, Taker take) {
             take(done);
         }
         done_(problems);
+        goOn();
     };
     connect(process, &QProcess::finished, this, [finish](int, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit

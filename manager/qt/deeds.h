@@ -10,8 +10,11 @@
 #include <QUndoStack>
 
 #include <functional>
+#include <queue>
 #include <string>
 #include <vector>
+
+class QProcess;
 
 namespace manager {
 
@@ -23,24 +26,34 @@ public:
 
     /// `done` is called after each command, with what went wrong.
     Deeds(std::string program, std::function<void(const QStringList& problems)> done);
+    /// Brings to its end what was begun, and what follows it.
     ~Deeds() override;
+
+    // All of these follow one another: each begins when those before it have ended.
 
     /// Activates or deactivates containers; what has come of it can be undone.
     void activate(const std::vector<std::int32_t>& containers);
     void deactivate(const std::vector<std::int32_t>& containers);
+    void undo();
+    void redo();
     /// Runs a command, without undo.
     void run(const QStringList& arguments, Taker take = {});
-    [[nodiscard]] bool isBusy() const { return running_ != 0; }
-    [[nodiscard]] QUndoStack& undoStack() { return undo_; }
+    /// What has been done, to show it; it is gone through by `undo` and `redo`.
+    [[nodiscard]] const QUndoStack& undoStack() const { return undo_; }
 
 private:
-    void change(bool on, const QStringList& containers);
     friend class SwitchDeed;
+
+    void change(bool on, const QStringList& containers);
+    void inTurn(std::function<void()> deed);
+    void goOn();
+    void start(const QStringList& arguments, Taker take = {});
 
     std::string program_;
     std::function<void(const QStringList&)> done_;
     QUndoStack undo_;
-    int running_ = 0;
+    QProcess* running_ = nullptr;
+    std::queue<std::function<void()>> waiting_;
 };
 
 } // namespace manager

@@ -184,12 +184,19 @@ void LibraryWindow::makeActions() {
     file->addSeparator();
     file->addAction(text(translated("&Close")), QKeySequence::Close, this, &QWidget::close);
     QMenu* const edit = menuBar()->addMenu(text(translated("&Edit")));
-    QAction* const undo = deeds_.undoStack().createUndoAction(this, text(translated("&Undo")));
+    // Both can always be asked for: what is to be undone may be under way.
+    QAction* const undo =
+        edit->addAction(text(translated("&Undo")), &deeds_, [this] { deeds_.undo(); });
     undo->setShortcut(QKeySequence::Undo);
-    QAction* const redo = deeds_.undoStack().createRedoAction(this, text(translated("&Redo")));
+    connect(&deeds_.undoStack(), &QUndoStack::undoTextChanged, undo, [undo](const QString& what) {
+        undo->setText((text(translated("&Undo")) + QStringLiteral(" ") + what).trimmed());
+    });
+    QAction* const redo =
+        edit->addAction(text(translated("&Redo")), &deeds_, [this] { deeds_.redo(); });
     redo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
-    edit->addAction(undo);
-    edit->addAction(redo);
+    connect(&deeds_.undoStack(), &QUndoStack::redoTextChanged, redo, [redo](const QString& what) {
+        redo->setText((text(translated("&Redo")) + QStringLiteral(" ") + what).trimmed());
+    });
     edit->addSeparator();
     edit->addAction(text(translated("&Find")), QKeySequence::Find, this, [this] {
         search_->setFocus();

@@ -238,8 +238,11 @@ TEST_F(TheProgram, MendsAnIndexThatIsCutOrDamagedByWhoeverMeetsIt) {
         std::filesystem::resize_file(database, length);
     };
     damage(0);
-    EXPECT_THAT(*send(request("Lato-Bold")), HasSubstr("; it is made anew from the recorded"));
+    const std::string reply = *send(request("Lato-Bold"));
     EXPECT_TRUE(await([] { return askFor("Lato-Bold", "count") == "1"; })) << server_->output();
+    // By the request, unless the scan that follows the start came before it.
+    EXPECT_THAT(reply + server_->output(), AnyOf(HasSubstr("; it is made anew from the recorded"),
+                                                 HasSubstr("Kept were the numbers of ")));
     for (const std::size_t length : {50U, 30'000U}) {
         damage(length);
         expectEach({{{"activate", "Twice"}, 0, "activated Twice"},
