@@ -8,7 +8,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QPushButton>
@@ -43,7 +42,9 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_ = new QSplitter(this);
     splitter_->addWidget(sidebar_);
     splitter_->addWidget(makeList());
-    splitter_->addWidget(makePreview());
+    pane_ = new FacePane(
+        faces_, [this](const QString& own) { delegate_->setText(own); }, this);
+    splitter_->addWidget(pane_);
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 3);
     splitter_->setStretchFactor(2, 2);
@@ -131,47 +132,6 @@ QWidget* LibraryWindow::makeList() {
     column->addWidget(search_);
     column->addWidget(pages_, 1);
     return middle;
-}
-
-QWidget* LibraryWindow::makePreview() {
-    auto* const right = new QWidget(this);
-    auto* const column = new QVBoxLayout(right);
-    column->setContentsMargins(6, 6, 6, 6);
-    chosen_ = new QLabel(right);
-    chosen_->setTextFormat(Qt::PlainText);
-    chosen_->setWordWrap(true);
-    QFont font = chosen_->font();
-    font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * 1.25);
-    chosen_->setFont(font);
-    why_ = new QLabel(right);
-    why_->setTextFormat(Qt::PlainText);
-    why_->setWordWrap(true);
-    why_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* const tools = new QHBoxLayout;
-    sample_ = new QLineEdit(right);
-    sample_->setPlaceholderText(text(translated("Your own text")));
-    sample_->setAccessibleName(text(translated("Your own text")));
-    sample_->setClearButtonEnabled(true);
-    connect(sample_, &QLineEdit::textChanged, this, [this](const QString& own) {
-        delegate_->setText(own);
-        showChosen();
-    });
-    auto* const paper = new QComboBox(right);
-    paper->addItem(text(translated("Paper as the window")));
-    paper->addItem(text(translated("Light paper")));
-    paper->addItem(text(translated("Dark paper")));
-    paper->setAccessibleName(text(translated("Paper")));
-    connect(paper, &QComboBox::currentIndexChanged, this,
-            [this](int place) { waterfall_->setPaper(static_cast<Paper>(place)); });
-    tools->addWidget(sample_, 1);
-    tools->addWidget(paper);
-    waterfall_ = new Waterfall(faces_, right);
-    column->addWidget(chosen_);
-    column->addWidget(why_);
-    column->addLayout(tools);
-    column->addWidget(waterfall_, 1);
-    return right;
 }
 
 void LibraryWindow::makeActions() {
@@ -348,37 +308,27 @@ void LibraryWindow::showCount() {
 
 void LibraryWindow::showChosen() {
     const FaceTable& table = model_.listing().view().table;
-    std::vector<ShownFace> shown;
-    constexpr std::size_t most = 12;
+    ChosenFaces chosen;
     const QModelIndexList rows = list_->selectionModel()->selectedRows();
     for (const QModelIndex& index : rows) {
-        if (shown.size() == most) {
+        if (chosen.faces.size() == FacePane::most) {
             break;
         }
         const ListedFace& face = table.faces()[model_.row(index).sample];
-        shown.push_back({table.families()[face.family].name + " " + face.style, table.pathOf(face),
-                         face.index});
+        chosen.faces.push_back({table.families()[face.family].name + " " + face.style,
+                                table.pathOf(face), face.index});
     }
-    const bool one = rows.size() == 1;
-    if (one) {
+    if (rows.size() == 1) {
         const ListRow row = model_.row(rows.front());
         const ListedFace& face = table.faces()[row.sample];
-        chosen_->setText(text(table.families()[face.family].name) +
-                         (row.isFamily ? QString() : QStringLiteral(" ") + row.title));
-        why_->setText(row.state + QStringLiteral("\n") + text(table.pathOf(face)));
-    } else {
-        chosen_->setText(rows.empty() ? QString()
-                                      : text(translated("%1 font", "%1 fonts",
-                                                        static_cast<std::size_t>(rows.size()))));
-        why_->clear();
+        chosen.title = text(table.families()[face.family].name) +
+                       (row.isFamily ? QString() : QStringLiteral(" ") + row.title);
+        chosen.why = row.state + QStringLiteral("\n") + text(table.pathOf(face));
+    } else if (!rows.empty()) {
+        chosen.title =
+            text(translated("%1 font", "%1 fonts", static_cast<std::size_t>(rows.size())));
     }
-    std::string words = sample_->text().toStdString();
-    if (words.empty()) {
-        words = one || shown.empty() ? translated("The quick brown fox jumps over the lazy dog")
-                                     : translated("Hamburgefonstiv 0123456789");
-    }
-    waterfall_->setText(words);
-    waterfall_->setFaces(std::move(shown));
+    pane_->show(std::move(chosen));
     activate_->setEnabled(!chosenContainers(false).empty());
     deactivate_->setEnabled(!chosenContainers(true).empty());
 }

@@ -4,9 +4,9 @@
 
 #include "manager/qt/deeds.h"
 #include "manager/qt/facedelegate.h"
+#include "manager/qt/facepane.h"
 #include "manager/qt/libraryreader.h"
 #include "manager/qt/sidebar.h"
-#include "manager/qt/waterfall.h"
 #include "manager/view/window.h"
 
 #include <QLabel>
@@ -39,7 +39,7 @@ public:
     [[nodiscard]] QLineEdit& searchField() { return *search_; }
     [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
     [[nodiscard]] Deeds& deeds() { return deeds_; }
-    [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
+    [[nodiscard]] FacePane& pane() { return *pane_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -54,7 +54,6 @@ private:
 
     void makeActions();
     QWidget* makeList();
-    QWidget* makePreview();
     void read();
     void take(std::shared_ptr<const LibraryView> view);
     void filter();
@@ -81,10 +80,7 @@ private:
     QStackedWidget* pages_ = nullptr; ///< the list, or what to do while it is empty
     QLabel* empty_ = nullptr;
     FaceDelegate* delegate_ = nullptr;
-    QLineEdit* sample_ = nullptr;
-    QLabel* chosen_ = nullptr;
-    QLabel* why_ = nullptr;
-    Waterfall* waterfall_ = nullptr;
+    FacePane* pane_ = nullptr;
     QLabel* count_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QAction* activate_ = nullptr;
