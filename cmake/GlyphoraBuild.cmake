@@ -83,6 +83,27 @@ function(glyphora_program name)
     target_link_libraries(${name} PRIVATE glyphora_settings ${ARG_LIBRARIES})
 endfunction()
 
+# glyphora_catalogues(NAME DOMAIN)
+# Target NAME: the catalogues DOMAIN of each LOCALE.po in the calling folder, where a program looks for
+# them. They are named as the locales for which plug-ins speak their languages.
+function(glyphora_catalogues name domain)
+    find_package(Gettext REQUIRED)
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.po")
+    set(catalogues "")
+    foreach(source IN LISTS sources)
+        cmake_path(GET source STEM locale)
+        set(folder "share/locale/${locale}/LC_MESSAGES")
+        set(catalogue "${CMAKE_BINARY_DIR}/${folder}/${domain}.mo")
+        file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/${folder}")
+        add_custom_command(OUTPUT "${catalogue}"
+            COMMAND "${GETTEXT_MSGFMT_EXECUTABLE}" --check --output-file=${catalogue} "${source}"
+            DEPENDS "${source}" VERBATIM)
+        install(FILES "${catalogue}" DESTINATION "${folder}")
+        list(APPEND catalogues "${catalogue}")
+    endforeach()
+    add_custom_target(${name} ALL DEPENDS ${catalogues})
+endfunction()
+
 # What every test runs with. (One variable at most: CMake would take a second for another property.)
 set(GLYPHORA_TEST_ENVIRONMENT)
 if(GLYPHORA_SANITIZE MATCHES "thread")

@@ -143,30 +143,37 @@ std::string programName(std::int32_t processId) {
 }
 
 std::string describe(const Reason& reason) {
+    return describeIn(reason, [](const char* text) { return std::string(text); });
+}
+
+std::string describeIn(const Reason& reason, std::string (*translated)(const char*)) {
+    const auto filled = [](std::string text, const std::string& value) {
+        const std::size_t place = text.find("%1");
+        return place == std::string::npos ? text : text.replace(place, 2, value);
+    };
     const auto program = [&] {
         const std::string name = isRunning(reason.process) ? programName(reason.process.id) : "";
-        return (name.empty() ? "process" : name) + " (" + std::to_string(reason.process.id) + ")";
+        return (name.empty() ? translated("process") : name) + " (" +
+               std::to_string(reason.process.id) + ")";
     };
     switch (reason.kind) {
     case Reason::Kind::ByHand:
-        return "by hand";
+        return translated("by hand");
     case Reason::Kind::Document:
-        return "for a document of " + program();
+        return filled(translated("for a document of %1"), program());
     case Reason::Kind::InUse:
-        return "in use by " + program();
+        return filled(translated("in use by %1"), program());
     case Reason::Kind::UntilLogout:
-        return "until logout";
+        return translated("until logout");
     case Reason::Kind::UntilTime:
         break;
     }
     const std::time_t time = reason.time;
     std::tm parts{};
     std::array<char, 32> text{};
-    if (localtime_r(&time, &parts) == nullptr ||
-        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts) == 0) {
-        return "until " + std::to_string(reason.time);
-    }
-    return std::string("until ") + text.data();
+    const bool isDate = localtime_r(&time, &parts) != nullptr &&
+                        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts) != 0;
+    return filled(translated("until %1"), isDate ? text.data() : std::to_string(reason.time));
 }
 
 std::string reasonLine(const Reason& reason) {

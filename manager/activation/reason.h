@@ -60,6 +60,8 @@ void addReason(std::vector<Reason>& reasons, const Reason& reason);
 /// For people: "by hand", "for a document of inkscape (4711)", "in use by inkscape (4711)", "until
 /// logout", "until 2026-01-31 12:00".
 [[nodiscard]] std::string describe(const Reason& reason);
+/// The same with words that `translated` gives for the English ones.
+[[nodiscard]] std::string describeIn(const Reason& reason, std::string (*translated)(const char*));
 
 /// The name of a running program, or an empty one.
 [[nodiscard]] std::string programName(std::int32_t processId);

@@ -117,7 +117,8 @@ ListRow FaceModel::faceRow(FaceRow face) const {
     row.state = wordOf(*row.same);
     const auto reasons = view.states.why(listed.container);
     for (const Reason& reason : reasons) {
-        row.state += (&reason == &reasons.front() ? ": " : ", ") + text(describe(reason));
+        row.state +=
+            (&reason == &reasons.front() ? ": " : ", ") + text(describeIn(reason, translated));
     }
     row.sample = face;
     return row;

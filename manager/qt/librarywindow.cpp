@@ -149,13 +149,15 @@ void LibraryWindow::makeActions() {
         edit->addAction(text(translated("&Undo")), &deeds_, [this] { deeds_.undo(); });
     undo->setShortcut(QKeySequence::Undo);
     connect(&deeds_.undoStack(), &QUndoStack::undoTextChanged, undo, [undo](const QString& what) {
-        undo->setText((text(translated("&Undo")) + QStringLiteral(" ") + what).trimmed());
+        undo->setText(what.isEmpty() ? text(translated("&Undo"))
+                                     : text(translated("&Undo %1")).arg(what));
     });
     QAction* const redo =
         edit->addAction(text(translated("&Redo")), &deeds_, [this] { deeds_.redo(); });
     redo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
     connect(&deeds_.undoStack(), &QUndoStack::redoTextChanged, redo, [redo](const QString& what) {
-        redo->setText((text(translated("&Redo")) + QStringLiteral(" ") + what).trimmed());
+        redo->setText(what.isEmpty() ? text(translated("&Redo"))
+                                     : text(translated("&Redo %1")).arg(what));
     });
     edit->addSeparator();
     edit->addAction(text(translated("&Find")), QKeySequence::Find, this, [this] {

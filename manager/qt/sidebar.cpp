@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QLocale>
+#include <QStyledItemDelegate>
 
 #include <array>
 
@@ -23,6 +24,27 @@ QString capitalised(const QString& word) {
     return word.isEmpty() ? word : word.left(1).toUpper() + word.mid(1);
 }
 
+/// Rows with air between them, and numbers that step back behind the names.
+class PlaceDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        constexpr double lineHeights = 1.7;
+        const int height = static_cast<int>(lineHeights * option.fontMetrics.height());
+        return {QStyledItemDelegate::sizeHint(option, index).width(), height};
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.column() == 1) {
+            option->palette.setColor(QPalette::Text,
+                                     option->palette.color(QPalette::PlaceholderText));
+        }
+    }
+};
+
 } // namespace
 
 Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
@@ -33,6 +55,7 @@ Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
     setIndentation(12);
     setFrameShape(QFrame::NoFrame);
     setUniformRowHeights(true);
+    setItemDelegate(new PlaceDelegate(this));
     setAccessibleName(text(translated("Places")));
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -54,7 +77,6 @@ void Sidebar::add(QTreeWidgetItem* section, const SidebarPlace& place, const QSt
     if (count) {
         item->setText(1, QLocale().toString(static_cast<qulonglong>(*count)));
         item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
-        item->setForeground(1, palette().color(QPalette::PlaceholderText));
     }
     places_.push_back(place);
     if (place == place_) {

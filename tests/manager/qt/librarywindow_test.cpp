@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The window with a library of its own, by keyboard, and beside commands that others give.
 #include "manager/qt/librarywindow.h"
+#include "manager/view/texts.h"
 #include "system/displays.h"
 #include "tests/manager/sandbox.h"
 #include "tests/support/await.h"
@@ -91,6 +92,17 @@ TEST_F(TheLibrarysWindow, ListsWhatIsTypedAndTellsItToScreenReaders) {
     EXPECT_EQ(window_->model().rowCount(), 0);
     window_->searchField().clear();
     EXPECT_EQ(window_->model().rowCount(), 2);
+}
+
+TEST_F(TheLibrarysWindow, SpeaksTheLanguageOfItsUser) {
+    chooseLanguage("de_DE");
+    open();
+    glyphora({QStringLiteral("activate"), QStringLiteral("Beta")});
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 Schnitt, aktiv"; })) << heard(1);
+    window_->list().setExpanded(window_->model().index(1, 0), true);
+    EXPECT_EQ(heard(2), "Regular, TrueType, aktiv: von Hand");
+    EXPECT_EQ(heard(0), "Alpha, 2 Schnitte, inaktiv");
+    chooseLanguage("en_US");
 }
 
 TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
