@@ -231,7 +231,7 @@ void registerCommands() {
     add("history", {"history"});
     add("info", {"info", "1"});
     add("search word", {"search", "Sans"});
-    add("search rare word", {"search", "marwinzo"});
+    add("search rare word", {"search", "9999"});
     add("search two words", {"search", "bold sans"});
     add("search numbers", {"search", "--weight", "700", "--slant", "upright"});
     add("search script", {"search", "--script", "Latn"});

@@ -92,6 +92,8 @@ public:
     [[nodiscard]] bool isActive(const Container& container) const {
         return setOf(container).has_value();
     }
+    /// The numbers of all sets, in order, whatever they are. Throws Error.
+    [[nodiscard]] std::vector<ContainerId> sets() const { return setsIn(folders_.root()); }
     /// Whether a file is active in its container's set just as it is in the library; an older copy
     /// is not.
     [[nodiscard]] bool holds(const SetRecord& set, const LibraryFile& file) const;

@@ -94,7 +94,7 @@ bool Activation::limitToActive(const ContainerFonts& container, std::optional<Ma
 std::vector<ActiveContainer>
 Activation::active(const std::function<void(const std::string&)>& report) const {
     std::vector<ActiveContainer> result;
-    for (const ContainerId id : setsIn(folders_.root())) {
+    for (const ContainerId id : sets()) {
         try {
             if (auto record = readSetRecord(folders_.folder(id))) {
                 removeEnded(record->reasons);

@@ -17,7 +17,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
     bool changed = folders_.staging().clear();
     folders_.sweepAll();
     beginChange();
-    std::vector<ContainerId> ids = setsIn(folders_.root());
+    std::vector<ContainerId> ids = sets();
     const std::vector<ContainerId> leaving = folders_.staging().takenRecords();
     ids.insert(ids.end(), leaving.begin(), leaving.end());
     std::sort(ids.begin(), ids.end());

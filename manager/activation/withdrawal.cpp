@@ -118,7 +118,7 @@ void Activation::lookAgain(const std::optional<std::vector<ContainerId>>& change
 void Activation::readChangedRecords() {
     if (std::exchange(anyChanged_, false)) {
         known_.clear();
-        const std::vector<ContainerId> all = setsIn(folders_.root());
+        const std::vector<ContainerId> all = sets();
         changed_.insert(all.begin(), all.end());
     }
     for (const ContainerId id : std::exchange(changed_, {})) {

@@ -14,6 +14,21 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// Of many containers, most of which have no set.
+class ActiveStates {
+public:
+    explicit ActiveStates(const Activation& activation)
+        : activation_(activation), sets_(activation.sets()) {}
+    [[nodiscard]] bool isActive(const Container& container) const {
+        return std::binary_search(sets_.begin(), sets_.end(), container.id) &&
+               activation_.isActive(container);
+    }
+
+private:
+    const Activation& activation_;
+    std::vector<ContainerId> sets_;
+};
+
 void printFolders(Library& library, const std::vector<std::string>& folders) {
     if (folders.empty()) {
         warn("no folder is recorded; \"glyphora add FOLDER\" records one");
@@ -33,8 +48,9 @@ void printContainers(Library& library, const Activation& activation) {
     if (containers.empty()) {
         warn("the library is empty");
     }
+    const ActiveStates states(activation);
     for (const Container& container : containers) {
-        printLine(lineOf(container, activation.isActive(container)));
+        printLine(lineOf(container, states.isActive(container)));
     }
 }
 
@@ -56,8 +72,9 @@ void printAll(Library& library, const Activation& activation,
         item.update(toJson(library.counts(folder)));
         document["folders"].push_back(std::move(item));
     }
+    const ActiveStates states(activation);
     for (const Container& container : library.containers()) {
-        const bool active = activation.isActive(container);
+        const bool active = states.isActive(container);
         Json item = toJson(container);
         item.update({{"format", formatText(container)},
                      {"faces", container.faces},

@@ -71,19 +71,16 @@ Json toJson(const FaceMatch& face, const char* state) {
 /// Whether containers are active, each looked at once.
 class States {
 public:
-    States(Library& library, const Activation& activation)
-        : library_(library), activation_(activation) {}
+    explicit States(const Activation& activation) : activation_(activation) {}
     const char* of(const FaceMatch& face) {
         const auto [entry, isNew] = active_.try_emplace(face.container);
         if (isNew) {
-            const auto container = library_.container(face.container);
-            entry->second = container && activation_.isActive(*container);
+            entry->second = activation_.isActive(face.holder);
         }
         return stateOf(face, entry->second);
     }
 
 private:
-    Library& library_;
     const Activation& activation_;
     std::map<ContainerId, bool> active_;
 };
@@ -238,7 +235,7 @@ int searchCommand(const Places& places, FaceQuery query, const std::optional<std
     }
     const Activation activation(places);
     const auto reading = library->reading();
-    States states(*library, activation);
+    States states(activation);
     const auto tell = [&](const FaceMatch& face, const std::string& differences, const Json& more) {
         const char* state = states.of(face);
         Json item = toJson(face, state);

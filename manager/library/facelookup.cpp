@@ -65,11 +65,7 @@ constexpr std::string_view columns =
     "face.weight, face.width, face.slant, face.version, face.revision, "
     "(SELECT value FROM shared WHERE id = face.foundry), "
     "(SELECT value FROM shared WHERE id = face.axes), first_family.name, first_name.style, "
-    "container.name, container.file, container.format, "
-    // Spares are few, and so are looked for instead of looking at all files.
-    "(SELECT count(*) FROM face AS other WHERE other.container = face.container) - "
-    "(SELECT count(*) FROM file AS other JOIN face AS its ON its.file = other.id "
-    "WHERE other.container = face.container AND other.spare <> 0)";
+    "container.name, container.file, container.format, container.faces";
 
 constexpr std::string_view moreColumns =
     ", face.number, face.classification, face.monospaced, face.symbolic, face.colour, face.glyphs, "

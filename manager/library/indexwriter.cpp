@@ -7,7 +7,10 @@
 #include "manager/library/places.h"
 #include "manager/library/spares.h"
 
+#include <algorithm>
+#include <utility>
 #include <variant>
+#include <vector>
 
 namespace manager {
 
@@ -29,6 +32,34 @@ std::int64_t hashOf(std::string_view bytes) {
     return static_cast<std::int64_t>(hash);
 }
 
+void lower(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+}
+
+/// What a word may be part of: families, styles, full names and the PostScript name, folded, a line
+/// each. What stands in another line is left out.
+std::string namesOf(const faces::Face& face, std::string postScriptKey) {
+    std::vector<std::string> lines;
+    for (const std::string& name : face.fullNames) {
+        lines.push_back(faces::nameKey(name));
+    }
+    lower(postScriptKey);
+    lines.push_back(std::move(postScriptKey));
+    for (const faces::Name& name : face.names) {
+        lines.push_back(faces::nameKey(name.family));
+        lower(lines.emplace_back(name.style));
+    }
+    std::string names;
+    for (const std::string& line : lines) {
+        if (names.find(line) == std::string::npos) {
+            names += line + "\n";
+        }
+    }
+    return names;
+}
+
 } // namespace
 
 IndexWriter::IndexWriter(Database& database)
@@ -38,9 +69,9 @@ IndexWriter::IndexWriter(Database& database)
                                   "WHERE id = ?"),
       awayDirectory_(database_, "UPDATE directory SET away = 1 WHERE id = ?"),
       removeDirectory_(database_, "DELETE FROM directory WHERE id = ?"),
-      containerOfFile_(database_, "SELECT container FROM file WHERE id = ?1 AND EXISTS "
-                                  "(SELECT 1 FROM file AS other WHERE other.container = "
-                                  "file.container AND other.spare <> 0)"),
+      containerOfFile_(database_, "SELECT container, EXISTS (SELECT 1 FROM file AS other WHERE "
+                                  "other.container = file.container AND other.spare <> 0) "
+                                  "FROM file WHERE id = ? AND container IS NOT NULL"),
       removeFile_(database_, "DELETE FROM file WHERE id = ?"),
       addFile_(database_, "INSERT INTO file (directory, name, size, changed, inode, digest, "
                           "container, problem) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
@@ -58,8 +89,12 @@ IndexWriter::IndexWriter(Database& database)
                "classification, monospaced, symbolic, colour, glyphs, revision, embedding, "
                "postscript_name, postscript_key, version, foundry, copyright, licence, "
                "licence_link, scripts, languages, features, axes, coverage, position, panose, "
-               "measures) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-               "?, ?, ?, ?, ?, ?, ?, ?)"),
+               "measures, family_key, names) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+               "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+      count_(database_, "UPDATE container SET files = (SELECT count(*) FROM file "
+                        "WHERE container = ?1), faces = (SELECT count(*) FROM file JOIN face "
+                        "ON face.file = file.id WHERE file.container = ?1 AND file.spare = 0) "
+                        "WHERE id = ?1"),
       findTwin_(database_, "SELECT 1 FROM face WHERE postscript_key = ?1 AND container = ?2 AND "
                            "file <> ?3 LIMIT 1"),
       findFamily_(database_, "SELECT id FROM family WHERE name = ?"),
@@ -85,7 +120,11 @@ void IndexWriter::remove(std::int64_t file) {
         const StatementUse use(containerOfFile_);
         containerOfFile_.bind(1, file);
         if (containerOfFile_.step()) {
-            unsettled_.insert(containerOfFile_.number(0));
+            const std::int64_t container = containerOfFile_.number(0);
+            changed_.insert(container);
+            if (containerOfFile_.number(1) != 0) {
+                unsettled_.insert(container);
+            }
         }
     }
     removeFile_.bind(1, file).run();
@@ -107,6 +146,7 @@ void IndexWriter::write(const FoundFolder& folder, std::int64_t directory, const
     }
     const auto& [contents, digest] = std::get<ReadFont>(outcome);
     const std::int64_t container = containerOf(folder.path, file.name, contents);
+    changed_.insert(container);
     addFile_.bind(6, static_cast<std::int64_t>(digest)).bind(7, container).bindNull(8).run();
     const std::int64_t id = database_.lastRow();
     for (const faces::Face& face : contents.faces) {
@@ -177,7 +217,9 @@ void IndexWriter::writeFace(std::int64_t file, std::int64_t container, const fac
     if (face.measures) {
         addFace_.bindBlob(29, measures);
     }
-    addFace_.run();
+    const std::string familyKey = faces::nameKey(face.names.front().family);
+    const std::string names = namesOf(face, psKey);
+    addFace_.bind(30, familyKey).bind(31, names).run();
     writeNames(database_.lastRow(), face);
     if (psKey.empty()) {
         return;
@@ -263,6 +305,10 @@ void IndexWriter::settle() {
         markSpares(database_, container);
     }
     unsettled_.clear();
+    for (const std::int64_t container : changed_) {
+        count_.bind(1, container).run();
+    }
+    changed_.clear();
 }
 
 void IndexWriter::sweep() {

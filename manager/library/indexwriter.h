@@ -31,7 +31,7 @@ public:
     void write(const FoundFolder& folder, std::int64_t directory, const FoundFile& file,
                std::int64_t before, const FontFileOutcome& outcome);
     /// To be called before a transaction ends: decides which of several files with the same face a
-    /// container shows.
+    /// container shows, and counts its files and faces.
     void settle();
     /// Removes names and shared values that no face has any more. Reads the whole index.
     void sweep();
@@ -58,6 +58,7 @@ private:
     Statement claimContainer_;
     Statement renameContainer_; // after its first file, in whatever order they are read
     Statement addFace_;
+    Statement count_;
     Statement findTwin_;
     Statement findFamily_;
     Statement addFamily_;
@@ -68,7 +69,8 @@ private:
     std::unordered_map<std::string, std::int64_t> families_;
     std::unordered_map<std::string, std::int64_t> shared_; ///< the kind before the value
     std::size_t sharedBytes_ = 0;
-    std::set<std::int64_t> unsettled_; ///< containers
+    std::set<std::int64_t> unsettled_; ///< containers in which spares may be others
+    std::set<std::int64_t> changed_;   ///< containers whose counts are
 };
 
 } // namespace manager

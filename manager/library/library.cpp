@@ -23,18 +23,12 @@ Database openPrepared(const Places& places, const TableFiller& fill, MissingFile
     return database;
 }
 
-// A directory is that of the container's folder, where all of its files lie. The faces are counted
-// in the order of an index; those of spares, which are few, by themselves.
+// A directory is that of the container's folder, where all of its files lie.
 constexpr const char* allContainers =
     "SELECT container.id, container.name, container.folder, container.file, container.format, "
-    "directory.away, directory.shown, held.faces - ifnull(spare.faces, 0) AS shown_faces "
-    "FROM (SELECT container, count(*) AS faces FROM face GROUP BY container) AS held "
-    "JOIN container ON container.id = held.container "
-    "JOIN directory ON directory.path = container.folder "
-    "LEFT JOIN (SELECT file.container, count(*) AS faces FROM file "
-    "JOIN face ON face.file = file.id WHERE file.spare <> 0 GROUP BY file.container) AS spare "
-    "ON spare.container = held.container "
-    "WHERE shown_faces > 0 ORDER BY container.name, container.id";
+    "directory.away, directory.shown, container.faces FROM container "
+    "JOIN directory ON directory.path = container.folder WHERE container.faces > 0 "
+    "ORDER BY container.name, container.id";
 
 Container containerFrom(const Statement& statement) {
     Container container;
@@ -93,10 +87,9 @@ Library::Library(const Places& places, const TableFiller& fill, MissingFile miss
       fullNames_(database_, "SELECT name FROM full_name WHERE face = ? ORDER BY position"),
       container_(database_,
                  "SELECT container.id, container.name, container.folder, container.file, "
-                 "container.format, directory.away, directory.shown, "
-                 "(SELECT count(*) FROM file JOIN face ON face.file = file.id "
-                 "WHERE file.container = container.id AND file.spare = 0) FROM container "
-                 "JOIN directory ON directory.path = container.folder WHERE container.id = ?"),
+                 "container.format, directory.away, directory.shown, container.faces "
+                 "FROM container JOIN directory ON directory.path = container.folder "
+                 "WHERE container.id = ?"),
       files_(database_, "SELECT directory.path, file.name, size, changed, inode, "
                         "(SELECT version FROM face WHERE face.file = file.id "
                         "ORDER BY number LIMIT 1) FROM file "
@@ -192,18 +185,13 @@ std::optional<ContainerId> Library::findPlace(const Container& place) {
     return static_cast<ContainerId>(statement.number(0));
 }
 
-// By the indexes alone. Bad files are those without a container.
+// Bad files are those without a container.
 LibraryCounts Library::counts(const std::string& folder) {
     const Reading together(database_);
     const PathRange range(folder);
-    Statement held(database_,
-                   "SELECT count(*), ifnull(sum(files), 0), ifnull(sum(faces), 0) FROM (SELECT "
-                   "(SELECT count(*) FROM file WHERE file.container = container.id) AS files, "
-                   "(SELECT count(*) FROM face WHERE face.container = container.id) - "
-                   "(SELECT count(*) FROM file JOIN face ON face.file = file.id "
-                   "WHERE file.container = container.id AND file.spare <> 0) AS faces "
-                   "FROM container WHERE folder = ?1 OR (folder >= ?2 AND folder < ?3)) "
-                   "WHERE files > 0");
+    Statement held(database_, "SELECT count(*), ifnull(sum(files), 0), ifnull(sum(faces), 0) "
+                              "FROM container WHERE files > 0 AND "
+                              "(folder = ?1 OR (folder >= ?2 AND folder < ?3))");
     const std::string files = "SELECT count(*) FROM file "
                               "JOIN directory ON directory.id = file.directory WHERE " +
                               std::string(atOrUnder);

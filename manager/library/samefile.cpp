@@ -114,7 +114,8 @@ std::vector<std::vector<FileCopy>> Library::duplicates() {
         database_,
         "SELECT directory.path, file.name, file.container, file.size, file.inode, file.whole "
         "FROM file JOIN directory ON directory.id = file.directory "
-        "WHERE file.whole IS NOT NULL AND directory.away = 0 "
+        "WHERE file.whole IN (SELECT whole FROM file WHERE whole IS NOT NULL GROUP BY whole "
+        "HAVING count(*) > 1) AND directory.away = 0 "
         "ORDER BY file.size DESC, file.whole, directory.path, file.name");
     std::vector<std::vector<FileCopy>> alike;
     std::string whole;

@@ -1,25 +1,28 @@
 // SPDX-License-Identifier: MIT
-// Schema version 4.
+// Schema version 5.
 //
 // container: one family in one folder in one format (file empty, family_key set) or one collection
-// file (file set, family_key empty). Rows stay when their files go, and numbers are never given
-// twice, so that a number keeps its meaning across scans. format is NULL until it is known.
-// directory: every folder that was walked; away: it lies in a library folder that is not there now;
-// shown: the desktop shows it by itself. file: every file named like a font; one that holds none
-// has a problem and no container. A file of size -1 could not be read for a reason outside of it
-// and is read again by the next scan. digest: of its first bytes; whole: of all of them, of files
-// that some other file is like as far as that tells. spare: all of its faces are another file's of
-// its container, too. face: `number` is fontconfig's index. name: the families and styles of a face
-// in their pairs, the one to show at position 0. family: each family's name once, with the keys by
-// which it is found. shared: what many faces have in common, each value once. walk_problem: what
-// the last scan could not look at. state: one row; scan_owed is 1 until a scan has filled a new
-// index, 2 until one has read all files again, whether they have changed or not.
+// file (file set, family_key empty); files counts all of its files, faces those of no spare. Rows
+// stay when their files go, and numbers are never given twice, so that a number keeps its meaning
+// across scans. format is NULL until it is known. directory: every folder that was walked; away: it
+// lies in a library folder that is not there now; shown: the desktop shows it by itself. file:
+// every file named like a font; one that holds none has a problem and no container. A file of size
+// -1 could not be read for a reason outside of it and is read again by the next scan. digest: of
+// its first bytes; whole: of all of them, of files that some other file is like as far as that
+// tells. spare: all of its faces are another file's of its container, too. face: `number` is
+// fontconfig's index; family_key is that of the name to show, names all that a word may be part of,
+// a line each. name: the families and styles of a face in their pairs, the one to show at position
+// 0. family: each family's name once, with the keys by which it is found. shared: what many faces
+// have in common, each value once. walk_problem: what the last scan could not look at. state: one
+// row; scan_owed is 1 until a scan has filled a new index, 2 until one has read all files again,
+// whether they have changed or not.
 //
-// Schema 3 had no column `whole`, and with it fonts of mere bitmaps were faces and instances had
-// lost the sign of their coordinates: a scan that reads all is owed. Schema 2 had one container for
-// all formats of a family in a folder. Its number stays with the format that most of its faces
-// have; of as many OpenType with PostScript outlines comes before TrueType, and Type 1 last. So an
-// active set keeps its number and, at its next update, the most of its files.
+// Schema 4 had no counts and no `names`; the scans to come leave out of these what stands in
+// others. Schema 3 had no column `whole`, and with it fonts of mere bitmaps were faces and
+// instances had lost the sign of their coordinates: a scan that reads all is owed. Schema 2 had one
+// container for all formats of a family in a folder. Its number stays with the format that most of
+// its faces have; of as many OpenType with PostScript outlines comes before TrueType, and Type 1
+// last. So an active set keeps its number and, at its next update, the most of its files.
 #include "manager/library/schema.h"
 
 #include <string>
@@ -29,7 +32,8 @@ namespace manager {
 namespace {
 
 constexpr std::int64_t applicationId = 0x474C5946;
-constexpr std::int64_t schemaVersion = 4;
+constexpr std::int64_t schemaVersion = 5;
+constexpr std::int64_t versionWithoutCounts = 4;
 constexpr std::int64_t versionWithoutWhole = 3;
 constexpr std::int64_t versionWithoutFormats = 2;
 
@@ -41,6 +45,8 @@ CREATE TABLE container (
     family_key TEXT NOT NULL,
     format INTEGER,
     name TEXT NOT NULL,
+    files INTEGER NOT NULL DEFAULT 0,
+    faces INTEGER NOT NULL DEFAULT 0,
     UNIQUE (folder, file, family_key, format)
 );
 CREATE TABLE directory (
@@ -96,7 +102,9 @@ CREATE TABLE face (
     coverage INTEGER,
     position TEXT,
     panose BLOB,
-    measures BLOB
+    measures BLOB,
+    family_key TEXT NOT NULL DEFAULT '',
+    names TEXT NOT NULL DEFAULT ''
 );
 CREATE INDEX face_file ON face (file);
 CREATE INDEX face_container ON face (container);
@@ -175,6 +183,34 @@ ALTER TABLE file ADD COLUMN whole BLOB;
 UPDATE state SET scan_owed = 2;
 )sql";
 
+// The faces by name, with all that most searches look at, so that they need not read the table; and
+// files by what is in them.
+constexpr const char* addOrders =
+    "CREATE INDEX face_order ON face (family_key, weight, width, slant, file, axes, technology, "
+    "classification, monospaced, embedding, foundry, scripts, languages, features, coverage, "
+    "names);"
+    "CREATE INDEX file_whole ON file (whole) WHERE whole IS NOT NULL";
+
+constexpr const char* addCounts = R"sql(
+ALTER TABLE container ADD COLUMN files INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE container ADD COLUMN faces INTEGER NOT NULL DEFAULT 0;
+UPDATE container SET
+    files = (SELECT count(*) FROM file WHERE file.container = container.id),
+    faces = (SELECT count(*) FROM file JOIN face ON face.file = file.id
+             WHERE file.container = container.id AND file.spare = 0);
+ALTER TABLE face ADD COLUMN family_key TEXT NOT NULL DEFAULT '';
+ALTER TABLE face ADD COLUMN names TEXT NOT NULL DEFAULT '';
+UPDATE face SET
+    family_key = ifnull((SELECT family.key FROM name JOIN family ON family.id = name.family
+                         WHERE name.face = face.id AND name.position = 0), ''),
+    names = lower(postscript_key) || char(10) ||
+        ifnull((SELECT group_concat(family.key || char(10) || lower(name.style), char(10))
+                FROM name JOIN family ON family.id = name.family
+                WHERE name.face = face.id), '') || char(10) ||
+        ifnull((SELECT group_concat(key, char(10)) FROM full_name
+                WHERE full_name.face = face.id), '');
+)sql";
+
 std::int64_t pragma(Database& database, const char* sql) {
     Statement statement(database, sql);
     return statement.step() ? statement.number(0) : 0;
@@ -200,14 +236,17 @@ void prepareSchema(Database& database, const TableFiller& fill) {
         if (pragma(database, "PRAGMA application_id") != applicationId) {
             throw Error(database.path() + ": not an index of this program");
         }
-        if (version != versionWithoutWhole && version != versionWithoutFormats) {
+        if (version < versionWithoutFormats || version > versionWithoutCounts) {
             throw Error(database.path() + ": written by another version of this program (schema " +
                         std::to_string(version) + ", known: " + std::to_string(schemaVersion) +
                         ")");
         }
     }
-    if (version == versionWithoutWhole) {
-        database.run(addWhole);
+    if (version == versionWithoutWhole || version == versionWithoutCounts) {
+        if (version == versionWithoutWhole) {
+            database.run(addWhole);
+        }
+        database.run(addCounts);
     } else if (!isNew) {
         database.run((std::string(setPreviousAside) + tables + takePreviousOver).c_str());
     } else {
@@ -216,6 +255,7 @@ void prepareSchema(Database& database, const TableFiller& fill) {
             fill(database);
         }
     }
+    database.run(addOrders);
     database.run(("PRAGMA application_id=" + std::to_string(applicationId)).c_str());
     database.run(("PRAGMA user_version=" + std::to_string(schemaVersion)).c_str());
     transaction.commit();

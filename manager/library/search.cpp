@@ -6,6 +6,8 @@
 #include "manager/library/packing.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -88,12 +90,7 @@ void addTexts(Conditions& conditions, const FaceQuery& query) {
         if (key.empty()) {
             continue;
         }
-        conditions.add("face.id IN (SELECT face FROM full_name WHERE instr(key, ?) "
-                       "UNION ALL SELECT name.face FROM family "
-                       "JOIN name ON name.family = family.id WHERE instr(family.key, ?) "
-                       "UNION ALL SELECT id FROM face WHERE holds(postscript_key, ?) "
-                       "UNION ALL SELECT face FROM name WHERE holds(style, ?))",
-                       {key, key, key, key});
+        conditions.add("instr(face.names, ?)", {key});
     }
     if (!query.foundry.empty()) {
         conditions.add("face.foundry" + among(SharedKind::Foundry, "instr(lower(value), lower(?))"),
@@ -130,7 +127,8 @@ void addPlace(Conditions& conditions, const FaceQuery& query) {
     }
     addFlag(conditions, "directory.away", query.away);
     if (!query.spares) {
-        conditions.add("file.spare = 0", {});
+        // They are few, and so is what is looked up for each face.
+        conditions.add("face.file NOT IN (SELECT id FROM file WHERE spare <> 0)", {});
     }
 }
 
@@ -164,12 +162,97 @@ Conditions conditionsOf(const FaceQuery& query) {
     return conditions;
 }
 
-const char* orderOf(FaceOrder order) {
-    return order == FaceOrder::ByFolder
-               ? "directory.path, file.name, face.number, face.id"
-               : "first_family.key, face.weight, face.width, face.slant, directory.path, "
-                 "file.name, face.number, face.id";
+bool isOfPlace(const FaceQuery& query) {
+    return query.order == FaceOrder::ByFolder || !query.folder.empty() || query.away;
 }
+
+/// Faces come by name in the order of an index that holds what most queries look at.
+std::string statementOf(const FaceQuery& query, const Conditions& conditions) {
+    std::string sql = "SELECT face.id, face.family_key, face.weight, face.width, face.slant "
+                      "FROM face";
+    if (isOfPlace(query)) {
+        sql += " JOIN file ON file.id = face.file JOIN directory ON directory.id = file.directory";
+    }
+    return sql + " WHERE 1" + conditions.sql() + " ORDER BY " +
+           (query.order == FaceOrder::ByFolder
+                ? "directory.path, file.name, face.number, face.id"
+                : "face.family_key, face.weight, face.width, face.slant");
+}
+
+/// The page of a query, of faces that come one after the other. Those that are called and look
+/// alike stand together by their places.
+class Page {
+public:
+    Page(Database& database, const FaceQuery& query)
+        : place_(database, "SELECT directory.path, file.name, face.number FROM face "
+                           "JOIN file ON file.id = face.file "
+                           "JOIN directory ON directory.id = file.directory WHERE face.id = ?"),
+          isSorted_(query.order == FaceOrder::ByFolder), from_(query.offset),
+          to_(query.limit < SIZE_MAX - query.offset ? query.offset + query.limit : SIZE_MAX) {}
+
+    void add(const Statement& row) {
+        const bool isLike = !isSorted_ && count_ != 0 && row.view(1) == family_ &&
+                            row.real(2) == weight_ && row.real(3) == width_ &&
+                            row.number(4) == slant_;
+        if (!isLike) {
+            endGroup();
+            family_ = row.view(1);
+            weight_ = row.real(2);
+            width_ = row.real(3);
+            slant_ = row.number(4);
+        }
+        if (count_ - group_.size() < to_) {
+            group_.push_back(row.number(0));
+        }
+        ++count_;
+    }
+    /// To be called once.
+    [[nodiscard]] std::vector<std::int64_t> end() {
+        endGroup();
+        return std::move(ids_);
+    }
+    [[nodiscard]] std::size_t count() const { return count_; }
+
+private:
+    using Place = std::tuple<std::string, std::string, std::int64_t, std::int64_t>;
+
+    void endGroup() {
+        const std::size_t begin = count_ - group_.size();
+        if (group_.size() > 1 && begin < to_ && count_ > from_) {
+            sortGroup();
+        }
+        for (std::size_t i = 0; i < group_.size(); ++i) {
+            if (begin + i >= from_ && begin + i < to_) {
+                ids_.push_back(group_[i]);
+            }
+        }
+        group_.clear();
+    }
+    void sortGroup() {
+        std::vector<Place> places;
+        places.reserve(group_.size());
+        for (const std::int64_t id : group_) {
+            const StatementUse use(place_);
+            place_.bind(1, id).step();
+            places.emplace_back(place_.text(0), place_.text(1), place_.number(2), id);
+        }
+        std::sort(places.begin(), places.end());
+        std::transform(places.begin(), places.end(), group_.begin(),
+                       [](const Place& place) { return std::get<3>(place); });
+    }
+
+    Statement place_;
+    bool isSorted_;
+    std::size_t from_;
+    std::size_t to_;
+    std::size_t count_ = 0;
+    std::string family_;
+    double weight_ = 0;
+    double width_ = 0;
+    std::int64_t slant_ = 0;
+    std::vector<std::int64_t> group_;
+    std::vector<std::int64_t> ids_;
+};
 
 std::string_view textOf(sqlite3_value* value) {
     const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
@@ -198,17 +281,6 @@ void covers(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
     sqlite3_result_int(context, range != coverage.end() && range->first <= character ? 1 : 0);
 }
 
-// What instr(lower(text), key) tells, without a copy of each text.
-void holds(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
-    const std::string_view text = textOf(values[0]);
-    const std::string_view key = textOf(values[1]);
-    const auto place =
-        std::search(text.begin(), text.end(), key.begin(), key.end(), [](char own, char lower) {
-            return own == lower || (own >= 'A' && own <= 'Z' && own - 'A' + 'a' == lower);
-        });
-    sqlite3_result_int(context, key.empty() || place != text.end() ? 1 : 0);
-}
-
 // Again and again for one connection does no harm.
 void addFunctions(Database& database) {
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
@@ -216,7 +288,6 @@ void addFunctions(Database& database) {
                             nullptr);
     sqlite3_create_function(database.handle(), "covers", 2, flags, nullptr, covers, nullptr,
                             nullptr);
-    sqlite3_create_function(database.handle(), "holds", 2, flags, nullptr, holds, nullptr, nullptr);
 }
 
 } // namespace
@@ -247,24 +318,19 @@ FoundFaces Library::search(const FaceQuery& query) {
     addFunctions(database_);
     const Conditions conditions = conditionsOf(query);
     const Reading together(database_);
-    FoundFaces found;
-    Statement all(database_,
-                  ("SELECT face.id FROM face JOIN file ON file.id = face.file "
-                   "JOIN directory ON directory.id = file.directory "
-                   "JOIN name AS first_name ON first_name.face = face.id AND "
-                   "first_name.position = 0 "
-                   "JOIN family AS first_family ON first_family.id = first_name.family WHERE 1" +
-                   conditions.sql() + " ORDER BY " + orderOf(query.order))
-                      .c_str());
+    Statement all(database_, statementOf(query, conditions).c_str());
     conditions.bind(all);
-    Statement one(database_, (faceColumns() + "WHERE face.id = ?").c_str());
-    for (; all.step(); ++found.total) {
-        if (found.total >= query.offset && found.faces.size() < query.limit) {
-            const StatementUse use(one);
-            one.bind(1, all.number(0)).step();
-            found.faces.push_back(matchOf(one));
-        }
+    Page page(database_, query);
+    while (all.step()) {
+        page.add(all);
     }
+    FoundFaces found;
+    for (const std::int64_t id : page.end()) {
+        const StatementUse use(byId_);
+        byId_.bind(1, id).step();
+        found.faces.push_back(matchOf(byId_));
+    }
+    found.total = page.count();
     return found;
 }
 

@@ -16,17 +16,6 @@ namespace manager {
 
 namespace {
 
-/// Of no name: words that hold it find nothing.
-constexpr char separator = '\n';
-
-std::string lowered(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return lower;
-}
-
 std::vector<std::string> wordsOf(std::string_view text) {
     std::vector<std::string> words;
     while (!text.empty()) {
@@ -62,7 +51,6 @@ FaceTable::FaceTable(Library& library) {
     const Reading together(library.database());
     const KnownFamilies families(library.database());
     readFaces(library.database(), families);
-    readNames(library.database(), families);
 }
 
 void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
@@ -72,12 +60,15 @@ void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
         folders.emplace(known.number(0), static_cast<std::uint32_t>(folders_.size()));
         folders_.push_back(known.text(1));
     }
+    std::vector<std::string> names;
+    std::size_t length = 0;
     std::vector<ListedFace> read; // whose families are places in the list for now
     Statement statement(
         database,
         "SELECT face.id, face.container, name.family, name.style, face.weight, face.width, "
         "face.slant, face.technology, face.axes IS NOT NULL, face.postscript_key, directory.shown, "
-        "directory.away, directory.id, file.name, face.number FROM face JOIN file ON file.id = "
+        "directory.away, directory.id, file.name, face.number, face.names FROM face JOIN file ON "
+        "file.id = "
         "face.file "
         "JOIN directory ON directory.id = file.directory "
         "JOIN name ON name.face = face.id AND name.position = 0 WHERE file.spare = 0");
@@ -98,6 +89,8 @@ void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
         face.folder = folders.at(statement.number(12));
         face.file = statement.text(13);
         face.index = static_cast<std::uint32_t>(statement.number(14));
+        names.push_back(statement.text(15));
+        length += names.back().size();
     }
     std::vector<std::uint32_t> order(read.size());
     std::iota(order.begin(), order.end(), 0U);
@@ -122,6 +115,7 @@ void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
     });
 
     faces_.reserve(read.size());
+    names_.reserve(length);
     const std::string* key = nullptr;
     for (const std::uint32_t i : order) {
         ListedFace& face = read[i];
@@ -133,53 +127,12 @@ void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
         ++families_.back().count;
         face.family = static_cast<std::uint32_t>(families_.size() - 1);
         byId_.emplace_back(face.id, static_cast<FaceRow>(faces_.size()));
+        namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
+        names_ += names[i];
         faces_.push_back(std::move(face));
     }
-    std::sort(byId_.begin(), byId_.end());
-}
-
-void FaceTable::readNames(Database& database, const KnownFamilies& families) {
-    std::vector<std::string> names(faces_.size());
-    // Both are in the order of faces' numbers.
-    const auto takeEach = [&](const char* sql, auto take) {
-        Statement statement(database, sql);
-        auto place = byId_.begin();
-        while (statement.step()) {
-            const auto id = static_cast<FaceId>(statement.number(0));
-            while (place != byId_.end() && place->first < id) {
-                ++place;
-            }
-            if (place != byId_.end() && place->first == id) {
-                take(statement, names[place->second]);
-            }
-        }
-    };
-    takeEach("SELECT face, family, style FROM name ORDER BY face, position",
-             [&](const Statement& row, std::string& text) {
-                 text += families.list[families.places.at(row.number(1))].key;
-                 text += separator;
-                 text += faces::nameKey(row.view(2));
-                 text += separator;
-             });
-    takeEach("SELECT face, key FROM full_name ORDER BY face, position",
-             [&](const Statement& row, std::string& text) {
-                 text += row.view(1);
-                 text += separator;
-             });
-    takeEach("SELECT id, postscript_key FROM face ORDER BY id",
-             [&](const Statement& row, std::string& text) {
-                 text += lowered(row.view(1));
-                 text += separator;
-             });
-    namesBegin_.reserve(names.size() + 1);
-    names_.reserve(std::accumulate(
-        names.begin(), names.end(), std::size_t{0},
-        [](std::size_t sum, const std::string& text) { return sum + text.size(); }));
-    for (const std::string& text : names) {
-        namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
-        names_ += text;
-    }
     namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
+    std::sort(byId_.begin(), byId_.end());
 }
 
 std::optional<FaceRow> FaceTable::rowOf(FaceId id) const {

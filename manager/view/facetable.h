@@ -70,7 +70,6 @@ public:
 private:
     struct KnownFamilies;
     void readFaces(Database& database, const KnownFamilies& families);
-    void readNames(Database& database, const KnownFamilies& families);
     [[nodiscard]] std::string_view namesOf(FaceRow row) const;
 
     std::vector<std::string> folders_;

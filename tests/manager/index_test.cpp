@@ -74,6 +74,18 @@ protected:
         }
         return result;
     }
+    /// Makes the index one of schema 4 or 3 and opens it again.
+    void goBackTo(int schema) {
+        library_->database().run(
+            ("DROP INDEX face_order; DROP INDEX file_whole; ALTER TABLE face DROP COLUMN names; "
+             "ALTER TABLE face DROP COLUMN family_key; ALTER TABLE container DROP COLUMN faces; "
+             "ALTER TABLE container DROP COLUMN files; " +
+             std::string(schema == 3 ? "ALTER TABLE file DROP COLUMN whole; " : "") +
+             "PRAGMA user_version=" + std::to_string(schema))
+                .c_str());
+        library_.reset();
+        library_ = openLibrary(sandbox_.places(), {}, [](const std::string&) {});
+    }
     std::vector<std::string> found(const FaceQuery& query) {
         std::vector<std::string> names;
         for (const FaceMatch& face : library_->search(query).faces) {
@@ -145,9 +157,7 @@ TEST_F(AnIndex, TellsWhichFilesAreOneFont) {
     std::filesystem::create_hard_link(root_ + "/a/x.ttf", root_ + "/d/x.ttf");
     faces_[root_ + "/d/x.ttf"] = plainFace("X", "Regular");
     scan();
-    // As a version left it that did not know copies.
-    library_->database().run("ALTER TABLE file DROP COLUMN whole; PRAGMA user_version=3");
-    library_ = openLibrary(sandbox_.places(), {}, [](const std::string&) {});
+    goBackTo(3); // which did not know copies
     const auto before = shown();
     const auto isNew = [&] {
         std::vector<bool> result;
@@ -343,11 +353,68 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
         {"folder", [](Query& q) { q.folder = "/nowhere"; }, none},
         {"page", [](Query& q) { q.offset = 1; }, light},
     };
-    for (const auto& [name, set, expected] : cases) {
-        Query query;
-        set(query);
-        EXPECT_EQ(found(query), expected) << name;
+    for (const char* of : {"", " of an index of before"}) {
+        for (const auto& [name, set, expected] : cases) {
+            Query query;
+            set(query);
+            EXPECT_EQ(found(query), expected) << name << of;
+        }
+        goBackTo(4);
     }
+}
+
+TEST_F(AnIndex, GivesPagesOfFacesThatAreCalledAndLookAlike) {
+    for (const char* folder : {"c", "a", "b"}) {
+        add(std::string(folder) + "/x.ttf", plainFace("X", "Regular"));
+        scan();
+    }
+    faces::Face bold = plainFace("X", "Bold");
+    bold.style.weight = 700;
+    add("a/bold.ttf", bold);
+    add("z/a.ttf", plainFace("A", "Regular"));
+    scan();
+    const auto places = [&](std::size_t offset, std::size_t limit) {
+        FaceQuery query;
+        query.offset = offset;
+        query.limit = limit;
+        std::string text;
+        const FoundFaces page = library_->search(query);
+        for (const FaceMatch& face : page.faces) {
+            text += face.folder.substr(root_.size() + 1) + "/" + face.fileName + " ";
+        }
+        return text + std::to_string(page.total);
+    };
+    EXPECT_EQ(places(0, 100), "z/a.ttf a/x.ttf b/x.ttf c/x.ttf a/bold.ttf 5");
+    EXPECT_EQ(places(2, 2), "b/x.ttf c/x.ttf 5");
+    EXPECT_EQ(places(1, 1), "a/x.ttf 5");
+    EXPECT_EQ(places(4, SIZE_MAX), "a/bold.ttf 5");
+    EXPECT_EQ(places(5, 1), "5");
+    EXPECT_EQ(places(0, 0), "5");
+}
+
+TEST_F(AnIndex, CountsFilesAndFacesAsTheyComeAndGo) {
+    const auto counts = [&] {
+        const LibraryCounts now = library_->counts("/");
+        return std::vector{now.containers, now.files, now.faces};
+    };
+    add("1.ttf", plainFace("X", "Regular", faces::Technology::TrueType, 1));
+    add("2.ttf", plainFace("X", "Regular", faces::Technology::TrueType, 2));
+    add("3.ttf", plainFace("X", "Bold"));
+    add("y.ttf", plainFace("Y", "Bold"));
+    scan();
+    EXPECT_THAT(counts(), ElementsAre(2, 4, 3));
+    goBackTo(4);
+    EXPECT_THAT(counts(), ElementsAre(2, 4, 3));
+    std::filesystem::remove(root_ + "/y.ttf");
+    add("3.ttf", plainFace("Y", "Bold"), "another"); // goes over to the other container
+    scan();
+    EXPECT_THAT(counts(), ElementsAre(2, 3, 2));
+    std::filesystem::remove(root_ + "/3.ttf");
+    std::filesystem::remove(root_ + "/2.ttf");
+    scan();
+    EXPECT_THAT(counts(), ElementsAre(1, 1, 1));
+    EXPECT_FALSE(library_->container(ContainerId{2}));
+    EXPECT_EQ(library_->container(ContainerId{1})->faces, 1);
 }
 
 // The tables of schema 2, as far as they are taken over.
