@@ -2,9 +2,9 @@
 // Notifications and events that the manager sends.
 #include "manager/cli/announce.h"
 
+#include "manager/cli/events.h"
 #include "manager/library/error.h"
 #include "manager/library/places.h"
-#include "platform/appleevents.h"
 #include "platform/notify.h"
 #include "platform/processes.h"
 
@@ -22,14 +22,6 @@ namespace manager {
 namespace {
 
 constexpr int patienceMilliseconds = 5000;
-
-/// Disposes of itself.
-struct OwnedDesc : AEDesc {
-    OwnedDesc() = default;
-    ~OwnedDesc() { AEDisposeDesc(this); }
-    OwnedDesc(const OwnedDesc&) = delete;
-    OwnedDesc& operator=(const OwnedDesc&) = delete;
-};
 
 struct Releaser {
     void operator()(gpointer object) const { g_object_unref(object); }

@@ -5,10 +5,12 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/knownsets.h"
+#include "manager/cli/onewindow.h"
 #include "manager/cli/tally.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
-#include "manager/view/window.h"
+#include "manager/view/texts.h"
+#include "system/translation.h"
 
 #include <algorithm>
 #include <chrono>
@@ -191,12 +193,14 @@ int showCommand(const Places& places, const std::vector<std::string>& words,
     static_cast<void>(openScanned(places));
     WindowOptions options{.places = places,
                           .program = std::filesystem::read_symlink("/proc/self/exe").string(),
-                          .search = {},
+                          .request = {},
                           .pictures = pictures};
+    std::string& search = options.request.search;
     for (const std::string& word : words) {
-        options.search += (options.search.empty() ? "" : " ") + word;
+        search += (search.empty() ? "" : " ") + word;
     }
-    return showWindow(options);
+    chooseLanguage(sys::localeOfEnvironment()); // before the bus has threads
+    return pictures.empty() && handOver(options.request) ? int{exitSuccess} : showWindow(options);
 }
 
 } // namespace manager

@@ -3,6 +3,7 @@
 // timers.
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
+#include "manager/cli/events.h"
 #include "manager/cli/history.h"
 #include "manager/cli/reasonwatch.h"
 #include "manager/cli/report.h"
@@ -10,7 +11,6 @@
 #include "manager/cli/server.h"
 #include "manager/cli/timer.h"
 #include "manager/library/error.h"
-#include "platform/appleevents.h"
 #include "platform/application.h"
 
 #include <algorithm>
@@ -91,30 +91,6 @@ OSErr handleQuit(const AppleEvent* /*event*/, AppleEvent* /*reply*/, void* refCo
     static_cast<HandlerContext*>(refCon)->quit = true;
     return noErr;
 }
-
-/// An installed event handler; removed with its owner.
-class EventHandler {
-public:
-    EventHandler(AEEventClass eventClass, AEEventID id, AEEventHandlerProcPtr routine,
-                 void* context)
-        : class_(eventClass), id_(id), upp_(NewAEEventHandlerUPP(routine)) {
-        if (upp_ == nullptr || AEInstallEventHandler(class_, id_, upp_, context, false) != noErr) {
-            DisposeAEEventHandlerUPP(upp_);
-            throw Error("serve: no event handler can be installed");
-        }
-    }
-    EventHandler(const EventHandler&) = delete;
-    EventHandler& operator=(const EventHandler&) = delete;
-    ~EventHandler() {
-        AERemoveEventHandler(class_, id_, upp_, false);
-        DisposeAEEventHandlerUPP(upp_);
-    }
-
-private:
-    AEEventClass class_;
-    AEEventID id_;
-    AEEventHandlerUPP upp_;
-};
 
 // Registered while it lives.
 class Registration {

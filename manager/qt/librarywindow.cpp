@@ -55,7 +55,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     statusBar()->addPermanentWidget(count_);
     makeActions();
     resize(1180, 720);
-    search_->setText(text(options.search));
+    search_->setText(text(options.request.search));
     const QSettings settings;
     restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
     splitter_->restoreState(settings.value(QStringLiteral("columns")).toByteArray());
@@ -87,6 +87,18 @@ LibraryWindow::~LibraryWindow() {
     if (changes_ >= 0) {
         notify_cancel(changes_);
     }
+}
+
+void LibraryWindow::open(const WindowRequest& request) {
+    if (!request.search.empty()) {
+        sidebar_->chooseAll();
+        search_->setText(text(request.search));
+        list_->setFocus();
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
 }
 
 void LibraryWindow::closeEvent(QCloseEvent* event) {

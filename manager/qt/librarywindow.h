@@ -29,6 +29,9 @@ public:
     LibraryWindow& operator=(const LibraryWindow&) = delete;
     ~LibraryWindow() override;
 
+    /// Comes to the front with what is asked for; as it is, when that is nothing.
+    void open(const WindowRequest& request);
+
     /// Calls `then` once the library is shown.
     void whenShown(std::function<void()> then) { whenShown_ = std::move(then); }
     /// Waits until every line that is to be seen is drawn; false when all were.

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The module's entry: the toolkit, its language, and pictures instead of a screen.
+#include "manager/qt/guests.h"
 #include "manager/qt/librarywindow.h"
 
 #include "manager/cli/arguments.h"
 #include "manager/cli/report.h"
 #include "manager/view/texts.h"
 #include "system/displays.h"
-#include "system/translation.h"
 
 #include <QApplication>
 #include <QLibraryInfo>
@@ -103,7 +103,6 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
                                   const std::string& platforms) {
     using namespace manager;
     qInstallMessageHandler(handleMessage);
-    chooseLanguage(sys::localeOfEnvironment());
     // Not by the environment, which programs that are started inherit.
     std::string tried = platforms;
     char name[] = "glyphora";
@@ -125,6 +124,7 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
         QCoreApplication::installTranslator(&toolkit);
     }
     LibraryWindow window(options);
+    const Guests guests([&window](const WindowRequest& request) { window.open(request); });
     int status = exitSuccess;
     if (!options.pictures.empty()) {
         window.whenShown([&] {

@@ -135,4 +135,10 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     }
 }
 
+void Sidebar::chooseAll() {
+    if (topLevelItemCount() != 0) { // else nothing else is chosen
+        setCurrentItem(topLevelItem(0)->child(0));
+    }
+}
+
 } // namespace manager

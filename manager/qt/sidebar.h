@@ -30,6 +30,8 @@ public:
     /// Shows them, with numbers of faces; the place that was chosen stays so, if it is still there.
     void show(const LibraryView& view, const Groups& groups,
               const std::vector<std::string>& folders);
+    /// Chooses the place where all fonts are.
+    void chooseAll();
     [[nodiscard]] const SidebarPlace& place() const { return place_; }
 
 private:

@@ -6,15 +6,20 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace manager {
 
+/// What a window is to show.
+struct WindowRequest {
+    std::string search = {};  ///< what is searched for
+    std::string command = {}; ///< of a plug-in that wants its fonts to be shown
+};
+
 struct WindowOptions {
     Places places;
-    std::string program;            ///< the path of this program, which does what is asked for
-    std::string search;             ///< to begin with
-    std::filesystem::path pictures; ///< of every view, instead of a screen; empty: none
+    std::string program;                 ///< the path of this program, which does what is asked for
+    WindowRequest request;               ///< to begin with
+    std::filesystem::path pictures = {}; ///< of every view, instead of a screen; empty: none
 };
 
 /// Shows the library until the user closes the window; gives an ExitStatus. The module that knows

@@ -32,6 +32,9 @@ private:
     testsupport::Variable data_{"XDG_DATA_HOME", root_ + "/data"};
     testsupport::Variable cache_{"XDG_CACHE_HOME", root_ + "/cache"};
     testsupport::Variable fontconfig_{"FONTCONFIG_FILE", root_ + "/fonts.conf"};
+    testsupport::Variable x_{"DISPLAY", ""}; // or windows would open
+    testsupport::Variable wayland_{"WAYLAND_DISPLAY", ""};
+    testsupport::Variable platform_{"QT_QPA_PLATFORM", ""};
     testsupport::Variable replyTime_{"GLYPHORA_REPLY_TIME", "20000"}; // on a slow machine, too
 };
 

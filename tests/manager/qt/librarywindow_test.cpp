@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The window with a library of its own, by keyboard, and beside commands that others give.
+#include "manager/qt/guests.h"
 #include "manager/qt/librarywindow.h"
 #include "manager/view/texts.h"
+#include "platform/application.h"
 #include "system/displays.h"
 #include "tests/manager/sandbox.h"
 #include "tests/support/await.h"
@@ -14,7 +16,9 @@
 #include <QTest>
 
 #include <array>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 using namespace manager;
 
@@ -56,9 +60,9 @@ protected:
         EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
     }
 
-    void open() {
+    void open(const WindowRequest& request = {}) {
         window_ = std::make_unique<LibraryWindow>(
-            WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, {}, {}});
+            WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, request});
         window_->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
         ASSERT_TRUE(await([this] { return window_->model().rowCount() != 0; }));
@@ -133,6 +137,32 @@ TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
     EXPECT_EQ(list.currentIndex().row(), 1);
     glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
     EXPECT_TRUE(await([this] { return heard(1) == "Alpha, 2 styles, active"; })) << heard(1);
+}
+
+TEST_F(TheLibrarysWindow, IsTheOnlyOneOfItsSession) {
+    ASSERT_FALSE(handOver({}));
+    open({.search = "alpha"});
+    std::optional<Guests> guests;
+    guests.emplace([this](const WindowRequest& request) { window_->open(request); });
+    EXPECT_EQ(window_->model().rowCount(), 1);
+    window_->showMinimized();
+    QProcess second;
+    second.start(QStringLiteral(GLYPHORA_PROGRAM), {"show", "beta", "regular"});
+    ASSERT_TRUE(await([&] { return second.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(second.exitCode(), 0) << second.readAllStandardError().toStdString();
+    EXPECT_EQ(window_->searchField().text(), QStringLiteral("beta regular"));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    EXPECT_FALSE(window_->isMinimized());
+
+    // One that comes while it closes is not lost, but wants a window of its own.
+    second.start(QStringLiteral(GLYPHORA_PROGRAM), {"show", "alpha"});
+    ASSERT_TRUE(testsupport::await([] {
+        pollfd events{PLEventFileDescriptor(), POLLIN, 0};
+        return poll(&events, 1, 0) == 1;
+    }));
+    guests.reset();
+    ASSERT_TRUE(await([&] { return second.state() == QProcess::NotRunning; }));
+    EXPECT_THAT(second.readAllStandardError().toStdString(), testing::HasSubstr("no display"));
 }
 
 } // namespace
