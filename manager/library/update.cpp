@@ -4,6 +4,7 @@
 
 #include "manager/library/desktopfolders.h"
 #include "manager/library/indexwriter.h"
+#include "manager/library/knownfolders.h"
 #include "manager/library/places.h"
 #include "manager/library/samefile.h"
 
@@ -13,77 +14,12 @@
 #include <map>
 #include <set>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 namespace manager {
 
 namespace {
-
-struct KnownFile {
-    std::int64_t id = 0;
-    std::string name;
-    FileStamp stamp;
-    std::string problem; ///< empty: it holds fonts
-    bool found = false;
-};
-
-struct KnownFolder {
-    std::int64_t id = 0;
-    std::int64_t device = 0;
-    bool away = false;
-    bool shown = false;
-    bool met = false;
-    std::vector<KnownFile> files; ///< by name
-};
-
-using KnownFolders = std::map<std::string, KnownFolder>;
-
-KnownFolders knownFolders(Database& database) {
-    KnownFolders known;
-    std::unordered_map<std::int64_t, KnownFolder*> byId;
-    Statement folders(database, "SELECT path, id, device, away, shown FROM directory");
-    while (folders.step()) {
-        KnownFolder& folder = known[folders.text(0)];
-        folder.id = folders.number(1);
-        folder.device = folders.number(2);
-        folder.away = folders.number(3) != 0;
-        folder.shown = folders.number(4) != 0;
-        byId[folder.id] = &folder;
-    }
-    // Files of a folder were written one after the other, so that most follow the one before.
-    std::int64_t last = 0;
-    KnownFolder* folder = nullptr;
-    Statement files(database, "SELECT directory, id, name, size, changed, inode, problem "
-                              "FROM file");
-    while (files.step()) {
-        if (files.number(0) != last || folder == nullptr) {
-            last = files.number(0);
-            folder = byId.at(last);
-        }
-        folder->files.push_back({files.number(1),
-                                 files.text(2),
-                                 {files.number(3), files.number(4), files.number(5)},
-                                 files.text(6)});
-    }
-    const auto byName = [](const KnownFile& a, const KnownFile& b) { return a.name < b.name; };
-    for (auto& [path, entry] : known) {
-        if (!std::is_sorted(entry.files.begin(), entry.files.end(), byName)) {
-            std::sort(entry.files.begin(), entry.files.end(), byName);
-        }
-    }
-    return known;
-}
-
-std::set<std::string> readWalkProblems(Database& database) {
-    std::set<std::string> problems;
-    Statement read(database, "SELECT problem FROM walk_problem");
-    while (read.step()) {
-        problems.insert(read.text(0));
-    }
-    return problems;
-}
 
 // Long enough to make commits cheap, which write each changed page once; short enough not to keep
 // readers of the index from seeing progress, and to lose little when the process is killed.
@@ -167,7 +103,7 @@ private:
 
     void findAwayFolders(std::span<const std::string> roots) {
         std::erase_if(found_.folders, [&](const FoundFolder& folder) {
-            if (!folder.isEmpty || !lacksItsDisk(folder)) {
+            if (!folder.isEmpty || !lacksItsDisk(known_, folder)) {
                 return false;
             }
             found_.unread.push_back(folder.path);
@@ -177,27 +113,6 @@ private:
             found_.problems.push_back(folder.path + ": empty, and not the disk that was there");
             return true;
         });
-    }
-
-    // Whether a disk with fonts was mounted at the empty folder, and is not now. A disk's number
-    // may change from mount to mount, but then it does for all folders on it.
-    [[nodiscard]] bool lacksItsDisk(const FoundFolder& folder) const {
-        const auto before = known_.find(folder.path);
-        if (before == known_.end() ||
-            (!before->second.away && before->second.device == folder.device)) {
-            return false;
-        }
-        const auto above = known_.find(folderOf(folder.path));
-        return (above == known_.end() || above->second.device != before->second.device) &&
-               wereFilesUnder(folder.path);
-    }
-
-    [[nodiscard]] bool wereFilesUnder(const std::string& path) const {
-        const auto hasFiles = [](const auto& folder) { return !folder.second.files.empty(); };
-        const char afterSlash = '/' + 1;
-        return hasFiles(*known_.find(path)) ||
-               std::any_of(known_.lower_bound(path + '/'), known_.lower_bound(path + afterSlash),
-                           hasFiles);
     }
 
     [[nodiscard]] bool isAway(const std::string& path) const {
