@@ -58,13 +58,13 @@ bool sendLibraryChanged(const ChangeTarget& target) {
                   nullptr) == noErr;
 }
 
-std::optional<std::int32_t> findServer() {
+std::optional<std::int32_t> findApplication(const char* signature) {
     ProcessSerialNumber process;
     while (GetNextProcess(&process) == noErr) {
         ProcessInfoRec info;
         info.processInfoLength = sizeof info;
         if (GetProcessInformation(&process, &info) == noErr &&
-            info.processSignature == FourCharCode(managerSignature)) {
+            info.processSignature == codeOf(signature)) {
             return info.processID;
         }
     }

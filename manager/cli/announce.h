@@ -21,8 +21,12 @@ void postLibraryChanged();
 /// Sends the change event to one process, without waiting for anything. False: it is gone.
 [[nodiscard]] bool sendLibraryChanged(const ChangeTarget& target);
 
-/// The process id of the running server, if there is one.
-[[nodiscard]] std::optional<std::int32_t> findServer();
+/// The process id of the running application of a signature, if there is one.
+[[nodiscard]] std::optional<std::int32_t> findApplication(const char* signature);
+/// The server's.
+[[nodiscard]] inline std::optional<std::int32_t> findServer() {
+    return findApplication(managerSignature);
+}
 
 /// Has the bus start the server, where it is installed. False: it cannot.
 [[nodiscard]] bool startServer();

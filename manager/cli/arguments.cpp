@@ -42,6 +42,7 @@ struct Options {
     std::chrono::seconds time{};
     std::string pictures;
     bool untilLogout = false;
+    bool request = false;
     bool json = false;
     bool containers = false;
     bool problems = false;
@@ -142,9 +143,11 @@ private:
             ->required();
         CLI::App* show =
             jsonless(app_, "show", "Show the library in a window", [this](const Places& places) {
-                return showCommand(places, options_.names, options_.pictures);
+                return showCommand(places, options_.names, options_.request, options_.pictures);
             });
         addNames(*show, "word", "What to search for");
+        show->add_flag("--request", options_.request,
+                       "Show what may be used for the fonts of a command on standard input");
         addText(*show, "--pictures", "FOLDER", "Write pictures of the views instead",
                 options_.pictures);
         command("duplicates", "List files with the same bytes",

@@ -13,6 +13,7 @@
 #include "system/translation.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -128,6 +129,16 @@ void scanChanged(const Places& places, bool changed, Tally& tally, bool isUnread
     }
 }
 
+std::string readInput() {
+    std::string text;
+    std::array<char, 65536> block{};
+    ssize_t count = 0;
+    while ((count = read(STDIN_FILENO, block.data(), block.size())) > 0) {
+        text.append(block.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
 } // namespace
 
 std::unique_ptr<Library> openToAnswer(const Places& places) {
@@ -188,7 +199,7 @@ int listCommand(const Places& places, Listing listing) {
     return exitSuccess;
 }
 
-int showCommand(const Places& places, const std::vector<std::string>& words,
+int showCommand(const Places& places, const std::vector<std::string>& words, bool asked,
                 const std::string& pictures) {
     static_cast<void>(openScanned(places));
     WindowOptions options{.places = places,
@@ -198,6 +209,10 @@ int showCommand(const Places& places, const std::vector<std::string>& words,
     std::string& search = options.request.search;
     for (const std::string& word : words) {
         search += (search.empty() ? "" : " ") + word;
+    }
+    if (asked) {
+        options.request.command = readInput();
+        static_cast<void>(parseCommand(options.request.command)); // a wrong one is told here
     }
     chooseLanguage(sys::localeOfEnvironment()); // before the bus has threads
     return pictures.empty() && handOver(options.request) ? int{exitSuccess} : showWindow(options);

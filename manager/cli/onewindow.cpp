@@ -2,6 +2,7 @@
 // The window is an application with a signature of its own, of which only one may run.
 #include "manager/cli/onewindow.h"
 
+#include "manager/cli/announce.h"
 #include "manager/library/error.h"
 #include "platform/application.h"
 
@@ -65,6 +66,10 @@ bool handOver(const WindowRequest& request) {
                         std::to_string(status) + ")");
         }
     }
+}
+
+bool isWindowOpen() {
+    return findApplication(signature).has_value();
 }
 
 WindowRequests::WindowRequests(std::function<void(const WindowRequest&)> take)

@@ -14,6 +14,9 @@ namespace manager {
 /// this process may have a window of its own.
 [[nodiscard]] bool handOver(const WindowRequest& request);
 
+/// Whether a process of this session has the window. Without a bus, none has.
+[[nodiscard]] bool isWindowOpen();
+
 /// [handler-thread] Has `take` called, while it lives, for what others hand over. The constructor
 /// throws Error.
 class WindowRequests {

@@ -3,10 +3,12 @@
 #include "manager/cli/server.h"
 
 #include "manager/cli/libraryops.h"
+#include "manager/cli/onewindow.h"
 #include "manager/cli/report.h"
 #include "manager/cli/timer.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
+#include "system/displays.h"
 
 #include <algorithm>
 #include <exception>
@@ -22,6 +24,19 @@ constexpr std::chrono::milliseconds usualReplyTime{750};
 constexpr std::chrono::milliseconds spareTime{150};
 // Then others have their turn.
 constexpr std::chrono::milliseconds longestWork{100};
+
+// Asked for no font, it is how the protocol's version is asked for.
+bool asksToShow(std::string_view text) {
+    if (text.find("showRequest") == std::string_view::npos) {
+        return false; // of most nothing is read twice
+    }
+    try {
+        const Command command = parseCommand(text);
+        return command.kind == CommandKind::ShowRequest && !command.fonts.empty();
+    } catch (const MalformedCommand&) {
+        return false;
+    }
+}
 
 } // namespace
 
@@ -66,6 +81,9 @@ std::optional<std::string> Server::answer(std::string command, std::optional<std
     pending.command = std::move(command);
     pending.sender = sender;
     pending.begun = Clock::now();
+    if (asksToShow(pending.command) && !sys::namesDisplay() && !isWindowOpen()) {
+        pending.run.setRemark("there is no display to show fonts on");
+    }
     // What the desktop shows is asked once for all that wait for it.
     if (!desktopAwaited_ && activation_.desktop().isOutdated()) {
         desktopAwaited_ = true;

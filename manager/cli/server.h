@@ -5,6 +5,7 @@
 #include "manager/activation/activation.h"
 #include "manager/activation/activator.h"
 #include "manager/cli/folderwatch.h"
+#include "manager/cli/guestprocesses.h"
 #include "manager/cli/history.h"
 #include "manager/exchange/exchange.h"
 
@@ -49,7 +50,8 @@ public:
     /// Has active sets follow files that were replaced, unless the index is as it was when that was
     /// done last; to be called after a scan.
     void followFiles();
-    /// Tells others of changes; to be called when no sender waits for an answer any more.
+    /// Tells others of changes, and has fonts shown that are to be; to be called when no sender
+    /// waits for an answer any more.
     void tellOthers();
 
     /// Whether the folders are to be scanned because the index was begun anew; asked once.
@@ -65,6 +67,9 @@ public:
     [[nodiscard]] bool watchFolders(FolderWatch& watch);
     /// Tells that so many cannot be watched, when that is new.
     void noteUnwatched(std::size_t folders);
+
+    /// Takes up how those have ended who were to show what a plug-in wanted.
+    void noteGuests();
 
     [[nodiscard]] Activator& activator() { return activator_; }
 
@@ -119,6 +124,8 @@ private:
     std::optional<std::vector<Reason>> ending_;
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
+    std::vector<std::string> toShow_; ///< commands that are answered
+    GuestProcesses guests_;
     bool scanNeeded_ = false;
     std::optional<Library::Generation> watched_; ///< the index whose folders are watched
     std::size_t unwatched_ = 0;                  ///< folders that could not be lately

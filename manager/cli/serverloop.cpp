@@ -222,6 +222,7 @@ private:
     }
 
     void look() {
+        server_.noteGuests();
         if (scan_.hasEnded()) {
             server_.followFiles();
             watchFolders();

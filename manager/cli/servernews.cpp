@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What came of commands and by itself: written into the history, and told to others.
 #include "manager/cli/announce.h"
+#include "manager/cli/onewindow.h"
 #include "manager/cli/report.h"
 #include "manager/cli/server.h"
 #include "manager/cli/settling.h"
+#include "system/displays.h"
 
 #include <utility>
 
@@ -86,6 +88,9 @@ void Server::noteQuestion(Pending& pending) {
     }
     recordDeed(places_, Deed::Asked, asked);
     pending.isNoted = true;
+    if (answer.word == "showRequest" && answer.fonts != 0) {
+        toShow_.push_back(pending.command);
+    }
     if (answer.target) {
         std::erase_if(targets_, [&](const ChangeTarget& known) {
             return known.processId == answer.target->processId;
@@ -111,7 +116,25 @@ void Server::noteOutcome(const Answer& answer) {
     changed_ = changed_ || answer.changed;
 }
 
+void Server::noteGuests() {
+    Occasion occasion;
+    for (const std::string& failure : guests_.takeFailures()) {
+        occasion.add(Deed::Failed, failure, true);
+    }
+    occasion.record(places_);
+}
+
 void Server::tellOthers() {
+    for (const std::string& command : std::exchange(toShow_, {})) {
+        if (sys::namesDisplay() || isWindowOpen()) { // else that was told already
+            const std::string failure = guests_.start("show", command);
+            if (!failure.empty()) {
+                Occasion occasion;
+                occasion.add(Deed::Failed, failure, true);
+                occasion.record(places_);
+            }
+        }
+    }
     if (!changed_) {
         return;
     }

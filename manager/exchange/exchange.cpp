@@ -5,6 +5,7 @@
 #include "manager/exchange/activationbatch.h"
 #include "manager/exchange/candidates.h"
 #include "manager/exchange/commandtext.h"
+#include "manager/exchange/findings.h"
 #include "manager/exchange/replyfont.h"
 
 #include <algorithm>
@@ -13,17 +14,6 @@
 namespace manager {
 
 namespace {
-
-/// Puts the candidate of the container that the command names first.
-void preferNamed(std::vector<Candidate>& found, const CommandFont& asked) {
-    const auto id = toContainerId(asked.containerId.value_or(""));
-    const auto named = std::find_if(found.begin(), found.end(), [&](const Candidate& candidate) {
-        return id == candidate.container.id;
-    });
-    if (named != found.end()) {
-        std::rotate(found.begin(), named, named + 1);
-    }
-}
 
 /// How a person calls the font.
 std::string calledName(const CommandFont& asked) {
@@ -88,7 +78,7 @@ public:
 
 private:
     void answerFontRequest() {
-        const std::vector<Found> found = lookUpAll();
+        const std::vector<Found> found = findAll(library_, finder_, standIns_, command_.fonts);
         ActivationBatch batch;
         bool showWindow = false;
         for (std::size_t i = 0; i < found.size(); ++i) {
@@ -187,26 +177,6 @@ private:
         reply_.endFont();
     }
 
-    std::vector<Found> lookUpAll() {
-        std::vector<Found> found;
-        found.reserve(command_.fonts.size());
-        std::vector<Absent> absent;
-        for (const CommandFont& font : command_.fonts) {
-            auto& [held, shown] = found.emplace_back(lookUp(font));
-            if (held.exact.empty() && shown.empty()) {
-                absent.push_back({font, held});
-            }
-        }
-        standIns_.add(library_, finder_, absent);
-        return found;
-    }
-
-    Found lookUp(const CommandFont& font) {
-        Finding held = finder_.find(font);
-        auto shown = finder_.shown(font, held.exact);
-        return {std::move(held), std::move(shown)};
-    }
-
     /// The font's own file in a container; empty: it is not known.
     std::string fileIn(ContainerId id, const CommandFont& font,
                        const std::vector<Candidate>& candidates) {
@@ -226,7 +196,7 @@ private:
     }
 
     Choice choose(const CommandFont& font) {
-        const auto [held, shown] = lookUp(font);
+        const auto [held, shown] = findOne(finder_, font);
         const std::vector<Candidate>& candidates = held.exact;
         if (!shown.empty()) {
             return {{}, {}, true};
@@ -248,7 +218,7 @@ private:
     void answerWithoutActing() {
         reply_.flag("showWindow", false);
         for (const CommandFont& font : command_.fonts) {
-            auto [held, shown] = lookUp(font);
+            auto [held, shown] = findOne(finder_, font);
             std::vector<Candidate>& candidates = held.exact;
             preferNamed(candidates, font);
             reply_.beginFont();

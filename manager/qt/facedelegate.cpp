@@ -103,7 +103,10 @@ void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                           option.widget);
     // Samples stand in one column whatever the level.
     const int right = option.rect.right() - margin;
-    const int names = std::clamp(view_.viewport()->width() * 2 / 5, 160, 320);
+    const int width = view_.viewport()->width();
+    const int names = model_.listing().filter().isDrawing // whose reasons are long
+                          ? std::clamp(width * 3 / 5, 160, 560)
+                          : std::clamp(width * 2 / 5, 160, 320);
     const int left = option.rect.left() + margin;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -143,14 +146,16 @@ void FaceDelegate::paintNames(QPainter& painter, const QStyleOptionViewItem& opt
     const QRect below =
         QRect(area.left(), top + height, area.width(), height).adjusted(begin, 0, 0, 0);
     painter.drawText(below, Qt::AlignLeft,
-                     option.fontMetrics.elidedText(row.state + QStringLiteral(" · ") + row.detail,
-                                                   Qt::ElideRight, below.width()));
+                     option.fontMetrics.elidedText(row.below(), Qt::ElideRight, below.width()));
 }
 
 void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& option,
                                const QRect& area, const ListRow& row) const {
+    if (area.width() <= 0 || !row.sample) {
+        return;
+    }
     const FaceTable& table = model_.listing().view().table;
-    const ListedFace& face = table.faces()[row.sample];
+    const ListedFace& face = table.faces()[*row.sample];
     const bool selected = (option.state & QStyle::State_Selected) != 0;
     const auto group =
         (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
@@ -165,9 +170,6 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
                          QFontMetrics(font).elidedText(QString::fromStdString(words),
                                                        Qt::ElideRight, area.width()));
     };
-    if (area.width() <= 0) {
-        return;
-    }
     if (face.away) {
         note(translated("its folder is away"));
         return;
@@ -176,7 +178,7 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
     const double scale = painter.device()->devicePixelRatioF();
     // A family and its best face show the same line.
     const preview::SharedAnswer answer =
-        samples_.line(row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
+        samples_.line(*row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
     if (answer == nullptr) {
         return;
     }

@@ -104,14 +104,42 @@ ListRow FaceModel::familyRow(std::size_t family) const {
     return row;
 }
 
-ListRow FaceModel::faceRow(FaceRow face) const {
+ListRow FaceModel::askedRow(std::size_t font) const {
     const LibraryView& view = listing_.view();
+    const ShownFamily& shown = listing_.families()[font];
+    const AskedFont& asked = view.drawing[shown.family];
+    ListRow row;
+    row.isFamily = true;
+    row.title = text(asked.name);
+    row.detail = text(translated("%1 candidate", "%1 candidates", shown.count));
+    if (shown.count != 0) {
+        row.sample = listing_.faces()[shown.first];
+    }
+    if (asked.isShown) {
+        row.same = FaceState::Shown;
+    } else if (shown.count != 0 && listing_.choice(shown.first).isExact) {
+        row.same = view.states.of(*row.sample);
+    }
+    row.state = row.same ? wordOf(*row.same) : text(translated("not in the library"));
+    row.same = row.same.value_or(FaceState::Away); // as one that cannot be seen either
+    return row;
+}
+
+ListRow FaceModel::faceRow(std::size_t place) const {
+    const LibraryView& view = listing_.view();
+    const FaceRow face = listing_.faces()[place];
     const ListedFace& listed = view.table.faces()[face];
     ListRow row;
     row.title = text(listed.style);
     row.detail = technologyText(listed.technology);
     if (listed.variable) {
         row.detail += text(translated(", variable"));
+    }
+    if (isDrawing()) {
+        const AskedFont::Choice& choice = listing_.choice(place);
+        row.title = text(view.table.families()[listed.family].name) + ' ' + row.title;
+        row.detail = text(choice.isExact ? translated("the font asked for") : choice.reason);
+        row.isChoice = true;
     }
     row.same = view.states.of(face);
     row.state = wordOf(*row.same);
@@ -125,21 +153,37 @@ ListRow FaceModel::faceRow(FaceRow face) const {
 }
 
 ListRow FaceModel::row(const QModelIndex& index) const {
-    return index.internalId() == 0 ? familyRow(familyOf(index)) : faceRow(facesOf(index).front());
+    const std::size_t family = familyOf(index);
+    if (index.internalId() == 0) {
+        return isDrawing() ? askedRow(family) : familyRow(family);
+    }
+    return faceRow(listing_.families()[family].first + static_cast<std::size_t>(index.row()));
 }
 
-QModelIndex FaceModel::indexOfFamily(std::uint32_t family) const {
-    const auto place = listing_.placeOf(family);
-    return place ? index(static_cast<int>(*place), 0) : QModelIndex();
+std::span<const FaceRow> FaceModel::facesToSwitch(const QModelIndex& index) const {
+    const auto faces = facesOf(index);
+    return isDrawing() && !faces.empty() ? faces.first(1) : faces;
 }
 
 QModelIndex FaceModel::indexOfFace(FaceRow face) const {
-    const QModelIndex family = indexOfFamily(listing_.view().table.faces()[face].family);
-    const auto faces = facesOf(family);
-    const auto place = std::lower_bound(faces.begin(), faces.end(), face);
-    return place != faces.end() && *place == face
-               ? index(static_cast<int>(place - faces.begin()), 0, family)
-               : QModelIndex();
+    const auto indexIn = [&](std::uint32_t place) {
+        const QModelIndex family = index(static_cast<int>(place), 0);
+        const auto faces = facesOf(family);
+        const auto found = isDrawing() ? std::find(faces.begin(), faces.end(), face)
+                                       : std::lower_bound(faces.begin(), faces.end(), face);
+        return found != faces.end() && *found == face
+                   ? index(static_cast<int>(found - faces.begin()), 0, family)
+                   : QModelIndex();
+    };
+    if (!isDrawing()) {
+        const auto place = listing_.placeOf(listing_.view().table.faces()[face].family);
+        return place ? indexIn(*place) : QModelIndex();
+    }
+    QModelIndex found;
+    for (std::uint32_t i = 0; i < listing_.families().size() && !found.isValid(); ++i) {
+        found = indexIn(i);
+    }
+    return found;
 }
 
 QModelIndex FaceModel::index(int row, int column, const QModelIndex& parent) const {
@@ -171,6 +215,8 @@ QVariant FaceModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole: // what letters typed into the list look for
         return row(index).title;
+    case Qt::ToolTipRole: // it may be cut
+        return row(index).below();
     case Qt::AccessibleTextRole: {
         const ListRow shown = row(index);
         return QStringLiteral("%1, %2, %3").arg(shown.title, shown.detail, shown.state);

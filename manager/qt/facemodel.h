@@ -15,8 +15,14 @@ struct ListRow {
     QString detail;                ///< "4 styles", "TrueType, variable"
     QString state;                 ///< the state's word
     std::optional<FaceState> same; ///< nothing: its faces differ
-    FaceRow sample = 0;            ///< the face that stands for it
+    std::optional<FaceRow> sample; ///< the face that stands for it; nothing: there is none
     bool isFamily = false;
+    bool isChoice = false; ///< for a drawing's font; why it may do comes before its state
+
+    [[nodiscard]] QString below() const {
+        return isChoice ? detail + QStringLiteral(" · ") + state
+                        : state + QStringLiteral(" · ") + detail;
+    }
 };
 
 [[nodiscard]] QString wordOf(FaceState state);
@@ -32,9 +38,10 @@ public:
     [[nodiscard]] ListRow row(const QModelIndex& index) const;
     /// The faces behind a row, in order.
     [[nodiscard]] std::span<const FaceRow> facesOf(const QModelIndex& index) const;
-    /// Where a face, or a family by its place in the table, is shown; an invalid index: nowhere.
+    /// Those that are switched with a row: of a drawing's font the best.
+    [[nodiscard]] std::span<const FaceRow> facesToSwitch(const QModelIndex& index) const;
+    /// Where a face is shown first; an invalid index: nowhere.
     [[nodiscard]] QModelIndex indexOfFace(FaceRow face) const;
-    [[nodiscard]] QModelIndex indexOfFamily(std::uint32_t family) const;
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& index) const override;
@@ -45,8 +52,11 @@ public:
 private:
     /// The place of an index's family among those shown.
     static std::size_t familyOf(const QModelIndex& index);
+    [[nodiscard]] bool isDrawing() const { return listing_.filter().isDrawing; }
     [[nodiscard]] ListRow familyRow(std::size_t family) const;
-    [[nodiscard]] ListRow faceRow(FaceRow face) const;
+    [[nodiscard]] ListRow askedRow(std::size_t font) const;
+    /// By its place in the listing.
+    [[nodiscard]] ListRow faceRow(std::size_t place) const;
 
     FaceListing listing_;
 };

@@ -16,7 +16,7 @@ Library& Desk::library() {
     return *library_;
 }
 
-const Activation& Desk::activation() {
+Activation& Desk::activation() {
     if (!activation_) {
         activation_.emplace(places_);
     }
@@ -43,6 +43,11 @@ void LibraryReader::run(Work work) {
     wake_.notify_one();
 }
 
+void LibraryReader::setDrawing(std::vector<CommandFont> fonts) {
+    const std::lock_guard lock(mutex_);
+    drawing_ = std::move(fonts);
+}
+
 void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)> take) {
     {
         const std::lock_guard lock(mutex_);
@@ -51,15 +56,21 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
         }
     }
     run([this, take = std::move(take)](Desk& desk) -> Taker {
+        std::vector<CommandFont> fonts;
         {
             const std::lock_guard lock(mutex_);
             isReadWaiting_ = false; // news from now on are not in it
+            fonts = drawing_;
         }
         FaceTable table(desk.library());
         const auto active = desk.activation().active([](const std::string&) {});
         FaceStates states(table, active);
-        auto view =
-            std::make_shared<const LibraryView>(LibraryView{std::move(table), std::move(states)});
+        std::vector<AskedFont> drawing;
+        if (!fonts.empty()) {
+            drawing = readDrawing(desk.library(), desk.activation(), fonts);
+        }
+        auto view = std::make_shared<const LibraryView>(
+            LibraryView{std::move(table), std::move(states), std::move(drawing)});
         return [take, view = std::move(view)] { take(view); };
     });
 }

@@ -24,7 +24,7 @@ class Desk {
 public:
     explicit Desk(Places places) : places_(std::move(places)) {}
     [[nodiscard]] Library& library();
-    [[nodiscard]] const Activation& activation();
+    [[nodiscard]] Activation& activation();
 
 private:
     Places places_;
@@ -48,6 +48,8 @@ public:
     ~LibraryReader() override;
 
     void run(Work work);
+    /// Has every reading from now on find what there is for these fonts.
+    void setDrawing(std::vector<CommandFont> fonts);
     /// Reads all of the library. Asked for again before that begins, it is read once.
     void read(std::function<void(std::shared_ptr<const LibraryView>)> take);
 
@@ -62,6 +64,7 @@ private:
     std::condition_variable wake_;
     std::deque<Work> waiting_;
     std::deque<Taker> done_;
+    std::vector<CommandFont> drawing_;
     bool isReadWaiting_ = false;
     bool ends_ = false;
     std::thread thread_; ///< last: it uses the others

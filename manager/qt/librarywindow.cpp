@@ -12,6 +12,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSettings>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -55,7 +56,6 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     statusBar()->addPermanentWidget(count_);
     makeActions();
     resize(1180, 720);
-    search_->setText(text(options.request.search));
     const QSettings settings;
     restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
     splitter_->restoreState(settings.value(QStringLiteral("columns")).toByteArray());
@@ -79,6 +79,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     if (changes_ >= 0) {
         news_.start(interval);
     }
+    take(options.request);
     read();
 }
 
@@ -89,12 +90,26 @@ LibraryWindow::~LibraryWindow() {
     }
 }
 
-void LibraryWindow::open(const WindowRequest& request) {
-    if (!request.search.empty()) {
-        sidebar_->chooseAll();
-        search_->setText(text(request.search));
-        list_->setFocus();
+void LibraryWindow::take(const WindowRequest& request) {
+    if (!request.command.empty()) {
+        try {
+            reader_.setDrawing(parseCommand(request.command).fonts);
+            read();
+            sidebar_->choose({.kind = SidebarPlace::Kind::Drawing});
+        } catch (const Error& error) {
+            tell({QString::fromUtf8(error.what())});
+        }
+    } else if (!request.search.empty()) {
+        sidebar_->choose({});
+    } else {
+        return;
     }
+    search_->setText(text(request.search));
+    list_->setFocus();
+}
+
+void LibraryWindow::open(const WindowRequest& request) {
+    take(request);
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
@@ -131,6 +146,10 @@ QWidget* LibraryWindow::makeList() {
     delegate_ = new FaceDelegate(model_, faces_, *list_);
     list_->setItemDelegate(delegate_);
     connect(list_, &QTreeView::doubleClicked, this, [this] { toggleChosen(); });
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        connect(new QShortcut(key, list_, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, [this] { toggleChosen(); });
+    }
     connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { showChosen(); });
     empty_ = new QLabel(middle);
@@ -263,6 +282,9 @@ void LibraryWindow::filter() {
     switch (place.kind) {
     case SidebarPlace::Kind::All:
         break;
+    case SidebarPlace::Kind::Drawing:
+        filter.isDrawing = true;
+        break;
     case SidebarPlace::Kind::State:
         filter.state = place.state;
         break;
@@ -292,6 +314,14 @@ void LibraryWindow::filter() {
     const Position before = position();
     model_.show(view_, std::move(filter));
     restore(before);
+    if (place.kind == SidebarPlace::Kind::Drawing) {
+        list_->expandAll();
+        if (!list_->currentIndex().isValid()) { // the best for the first font
+            const QModelIndex font = model_.index(0, 0);
+            const QModelIndex best = model_.index(0, 0, font);
+            list_->setCurrentIndex(best.isValid() ? best : font);
+        }
+    }
     showEmpty();
     showCount();
     showChosen();
@@ -316,28 +346,50 @@ void LibraryWindow::showEmpty() {
 
 void LibraryWindow::showCount() {
     const FaceListing& listing = model_.listing();
-    count_->setText(text(translated("%1 family", "%1 families", listing.families().size()) + ", " +
-                         translated("%1 style", "%1 styles", listing.faces().size())));
+    const std::size_t families = listing.families().size();
+    const std::size_t faces = listing.faces().size();
+    count_->setText(text(listing.filter().isDrawing
+                             ? translated("%1 font", "%1 fonts", families) + ", " +
+                                   translated("%1 candidate", "%1 candidates", faces)
+                             : translated("%1 family", "%1 families", families) + ", " +
+                                   translated("%1 style", "%1 styles", faces)));
 }
 
 void LibraryWindow::showChosen() {
     const FaceTable& table = model_.listing().view().table;
     ChosenFaces chosen;
-    const QModelIndexList rows = list_->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        if (chosen.faces.size() == FacePane::most) {
-            break;
+    const auto nameOf = [&](const ListedFace& face) {
+        return table.families()[face.family].name + " " + face.style;
+    };
+    const auto add = [&](FaceRow row) {
+        const ListedFace& face = table.faces()[row];
+        if (chosen.faces.size() < FacePane::most) {
+            chosen.faces.push_back({nameOf(face), table.pathOf(face), face.index});
         }
-        const ListedFace& face = table.faces()[model_.row(index).sample];
-        chosen.faces.push_back({table.families()[face.family].name + " " + face.style,
-                                table.pathOf(face), face.index});
+    };
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    const bool isDrawing = model_.listing().filter().isDrawing;
+    for (const QModelIndex& index : rows) {
+        const auto sample = model_.row(index).sample;
+        if (isDrawing) { // beside each other what a font may be replaced by
+            const auto faces = model_.facesOf(index);
+            std::for_each(faces.begin(), faces.end(), add);
+        } else if (sample) {
+            add(*sample);
+        }
     }
     if (rows.size() == 1) {
         const ListRow row = model_.row(rows.front());
-        const ListedFace& face = table.faces()[row.sample];
-        chosen.title = text(table.families()[face.family].name) +
-                       (row.isFamily ? QString() : QStringLiteral(" ") + row.title);
-        chosen.why = row.state + QStringLiteral("\n") + text(table.pathOf(face));
+        chosen.title = row.title;
+        chosen.why = row.state;
+        if (isDrawing) {
+            chosen.why += QStringLiteral("\n") + row.detail;
+        }
+        if (row.sample && !(isDrawing && row.isFamily)) {
+            const ListedFace& face = table.faces()[*row.sample];
+            chosen.title = text(row.isFamily ? table.families()[face.family].name : nameOf(face));
+            chosen.why += QStringLiteral("\n") + text(table.pathOf(face));
+        }
     } else if (!rows.empty()) {
         chosen.title =
             text(translated("%1 font", "%1 fonts", static_cast<std::size_t>(rows.size())));
@@ -352,7 +404,7 @@ std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
     std::set<std::int32_t> containers;
     const QModelIndexList rows = list_->selectionModel()->selectedRows();
     for (const QModelIndex& index : rows) {
-        for (const FaceRow row : model_.facesOf(index)) {
+        for (const FaceRow row : model_.facesToSwitch(index)) {
             const ListedFace& face = view.table.faces()[row];
             const bool isActive = !view.states.why(face.container).empty();
             const bool canBe = !face.away && !face.shownByDesktop;

@@ -55,6 +55,7 @@ private:
         std::optional<FaceId> face; ///< nothing: the family's own row
     };
 
+    void take(const WindowRequest& request);
     void makeActions();
     QWidget* makeList();
     void read();

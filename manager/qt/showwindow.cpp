@@ -59,11 +59,18 @@ public:
 
     [[nodiscard]] int take() {
         makeFolders(folder_.string());
+        const SidebarPlace begin = window_.sidebar().place();
         const QPalette light = QApplication::palette();
         for (const bool dark : {false, true}) {
             QApplication::setPalette(dark ? darkPalette() : light);
             const std::string end = dark ? "-dark.png" : ".png";
             window_.searchField().clear();
+            if (window_.sidebar().place().kind == SidebarPlace::Kind::Drawing) {
+                save("drawing" + end);
+                window_.list().setCurrentIndex(window_.model().index(0, 0));
+                save("drawing-font" + end);
+                window_.sidebar().choose({});
+            }
             const QModelIndex first = window_.model().index(0, 0);
             window_.list().setCurrentIndex(first);
             window_.list().setExpanded(first, true);
@@ -72,6 +79,7 @@ public:
             save("compare" + end);
             window_.searchField().setText(QStringLiteral("no such font"));
             save("nothing" + end);
+            window_.sidebar().choose(begin);
         }
         return failed_ ? exitFailure : exitSuccess;
     }

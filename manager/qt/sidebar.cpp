@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QLocale>
 #include <QStyledItemDelegate>
+#include <QTreeWidgetItemIterator>
 
 #include <array>
 
@@ -100,6 +101,10 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     };
     QTreeWidgetItem* const library = section(translated("Library"));
     add(library, {}, text(translated("All fonts")), view.table.faces().size());
+    if (!view.drawing.empty()) {
+        add(library, {.kind = SidebarPlace::Kind::Drawing}, text(translated("For a drawing")),
+            view.drawing.size());
+    }
     constexpr std::array states{FaceState::Active, FaceState::Inactive, FaceState::Conflicting,
                                 FaceState::Shown, FaceState::Away};
     for (const FaceState state : states) {
@@ -135,9 +140,14 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     }
 }
 
-void Sidebar::chooseAll() {
-    if (topLevelItemCount() != 0) { // else nothing else is chosen
-        setCurrentItem(topLevelItem(0)->child(0));
+void Sidebar::choose(const SidebarPlace& place) {
+    place_ = place;
+    for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
+        const QVariant number = (*item)->data(0, placeRole);
+        if (!number.isNull() && places_[number.toUInt()] == place) {
+            setCurrentItem(*item);
+            return;
+        }
     }
 }
 

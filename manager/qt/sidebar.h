@@ -15,10 +15,10 @@ namespace manager {
 
 /// What a place of the sidebar stands for.
 struct SidebarPlace {
-    enum class Kind : std::uint8_t { All, State, Group, Folder };
+    enum class Kind : std::uint8_t { All, Drawing, State, Group, Folder };
     Kind kind = Kind::All;
     FaceState state = FaceState::Inactive;
-    std::string name; ///< "tag:NAME", or the folder's path
+    std::string name = {}; ///< "tag:NAME", or the folder's path
     bool operator==(const SidebarPlace&) const = default;
 };
 
@@ -30,8 +30,8 @@ public:
     /// Shows them, with numbers of faces; the place that was chosen stays so, if it is still there.
     void show(const LibraryView& view, const Groups& groups,
               const std::vector<std::string>& folders);
-    /// Chooses the place where all fonts are.
-    void chooseAll();
+    /// Chooses a place, or what is to be one with the next library that is shown.
+    void choose(const SidebarPlace& place);
     [[nodiscard]] const SidebarPlace& place() const { return place_; }
 
 private:

@@ -14,6 +14,12 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
     filter_ = std::move(filter);
     const FaceTable& table = view_->table;
     named_ = table.find(filter_.text, narrows ? &named_ : nullptr);
+    faces_.clear();
+    families_.clear();
+    if (filter_.isDrawing) {
+        showDrawing();
+        return;
+    }
 
     std::vector<bool> isFound;
     if (filter_.found) {
@@ -24,8 +30,6 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
             }
         }
     }
-    faces_.clear();
-    families_.clear();
     for (const FaceRow row : named_) {
         const ListedFace& face = table.faces()[row];
         if ((filter_.state && view_->states.of(row) != *filter_.state) ||
@@ -39,6 +43,24 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
         }
         ++families_.back().count;
         faces_.push_back(row);
+    }
+}
+
+void FaceListing::showDrawing() {
+    choices_.clear();
+    for (std::uint32_t i = 0; i < view_->drawing.size(); ++i) {
+        ShownFamily family{i, static_cast<std::uint32_t>(faces_.size()), 0};
+        for (const AskedFont::Choice& choice : view_->drawing[i].choices) {
+            const auto row = view_->table.rowOf(choice.face);
+            if (row && std::binary_search(named_.begin(), named_.end(), *row)) {
+                faces_.push_back(*row);
+                choices_.push_back(&choice);
+                ++family.count;
+            }
+        }
+        if (family.count != 0 || filter_.text.empty()) {
+            families_.push_back(family);
+        }
     }
 }
 

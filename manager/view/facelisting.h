@@ -2,6 +2,7 @@
 // What of a table is shown: the faces that pass all filters, under their families.
 #pragma once
 
+#include "manager/view/drawing.h"
 #include "manager/view/facestates.h"
 #include "manager/view/facetable.h"
 
@@ -18,6 +19,7 @@ struct ListFilter {
     std::optional<FaceState> state = {};                ///< none: any
     std::optional<std::vector<ContainerId>> among = {}; ///< in order
     std::optional<std::vector<FaceId>> found = {};      ///< by a search of the index; in any order
+    bool isDrawing = false; ///< what a drawing asks for, whatever else is said but the text
     bool operator==(const ListFilter&) const = default;
 };
 
@@ -25,11 +27,12 @@ struct ListFilter {
 struct LibraryView {
     FaceTable table;
     FaceStates states;
+    std::vector<AskedFont> drawing = {}; ///< of the one that asked last
 };
 
-/// A family's faces that are shown.
+/// A family's faces that are shown, or a drawing's font with what may be used for it.
 struct ShownFamily {
-    std::uint32_t family = 0; ///< in the table
+    std::uint32_t family = 0; ///< in the table, or in the drawing
     std::uint32_t first = 0;  ///< its faces in FaceListing::faces()
     std::uint32_t count = 0;
 };
@@ -44,16 +47,23 @@ public:
     [[nodiscard]] const LibraryView& view() const { return *view_; }
     [[nodiscard]] const ListFilter& filter() const { return filter_; }
     [[nodiscard]] const std::vector<ShownFamily>& families() const { return families_; }
-    /// Rows of the table, in its order.
+    /// Rows of the table, in its order; for a drawing's fonts the best first.
     [[nodiscard]] const std::vector<FaceRow>& faces() const { return faces_; }
-    /// The place of a table's family among those shown; nullopt: it is not.
+    /// Why each of them is there, for a drawing.
+    [[nodiscard]] const AskedFont::Choice& choice(std::size_t place) const {
+        return *choices_[place];
+    }
+    /// The place of a family among those shown; nullopt: it is not.
     [[nodiscard]] std::optional<std::uint32_t> placeOf(std::uint32_t family) const;
 
 private:
+    void showDrawing();
+
     std::shared_ptr<const LibraryView> view_ = std::make_shared<const LibraryView>();
     ListFilter filter_;
     std::vector<FaceRow> named_; ///< by the filter's text alone
     std::vector<FaceRow> faces_;
+    std::vector<const AskedFont::Choice*> choices_;
     std::vector<ShownFamily> families_;
 };
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The window with a library of its own, by keyboard, and beside commands that others give.
+#include "manager/cli/announce.h"
 #include "manager/qt/guests.h"
 #include "manager/qt/librarywindow.h"
 #include "manager/view/texts.h"
 #include "platform/application.h"
 #include "system/displays.h"
 #include "tests/manager/sandbox.h"
+#include "tests/platform/events.h"
 #include "tests/support/await.h"
 #include "tests/support/fontmaker.h"
 #include "tests/support/privatebus/privatebus.h"
@@ -137,6 +139,55 @@ TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
     EXPECT_EQ(list.currentIndex().row(), 1);
     glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
     EXPECT_TRUE(await([this] { return heard(1) == "Alpha, 2 styles, active"; })) << heard(1);
+}
+
+TEST_F(TheLibrarysWindow, ListsWhatADrawingMayUseAndActivatesIt) {
+    const auto asked = [](const std::string& fonts) {
+        return WindowRequest{.command = "<cmd>showRequest</cmd>\n" + fonts + "</cmd>\n"};
+    };
+    const auto font = [](const std::string& name) {
+        return "<font>\n<psName>" + name + "</psName>\n</font>\n";
+    };
+    open();
+    window_->open(asked(font("Alpha-Black") + font("Gamma") + font("Beta-Regular")));
+    ASSERT_TRUE(await([this] { return window_->model().rowCount() == 3; }));
+    EXPECT_EQ(heard(0), "Alpha-Black, 1 candidate, not in the library");
+    EXPECT_EQ(heard(1), "Alpha Bold, same family, Bold instead of Black, inactive");
+    EXPECT_EQ(heard(2), "Gamma, 0 candidates, not in the library");
+    EXPECT_EQ(heard(3), "Beta-Regular, 1 candidate, inactive");
+    EXPECT_EQ(heard(4), "Beta Regular, the font asked for, inactive");
+    press(Qt::Key_Return); // the best for the first font
+    EXPECT_TRUE(await([this] { return heard(1).ends_with("Black, active: by hand"); })) << heard(1);
+    const QPoint third = window_->list().visualRect(window_->model().index(2, 0)).center();
+    QTest::mouseClick(window_->list().viewport(), Qt::LeftButton, {}, third);
+    QTest::mouseDClick(window_->list().viewport(), Qt::LeftButton, {}, third);
+    EXPECT_TRUE(await([this] { return heard(3) == "Beta-Regular, 1 candidate, active"; }));
+    EXPECT_EQ(heard(0), "Alpha-Black, 1 candidate, not in the library") << "nor is it now";
+
+    window_->open(asked(font("Beta-Regular")));
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
+    window_->open({.search = "alpha"});
+    EXPECT_EQ(heard(0), "Alpha, 2 styles, active");
+}
+
+TEST_F(TheLibrarysWindow, ShowsWhatAPlugInAsksTheServerFor) {
+    QProcess server;
+    server.start(QStringLiteral(GLYPHORA_PROGRAM), {"serve"});
+    ASSERT_TRUE(await([] { return findServer().has_value(); }));
+    const auto ask = [] {
+        platformtest::TestEvent event("QGLY", "****", "QGLY");
+        event.putText("<cmd>showRequest</cmd>\n<font>\n<psName>Beta-Regular</psName>\n</font>\n"
+                      "</cmd>\n");
+        return event.send() == noErr ? event.text().value_or("") : "";
+    };
+    EXPECT_THAT(ask(), testing::HasSubstr("<error>there is no display"));
+    ASSERT_FALSE(handOver({}));
+    open();
+    const Guests guests([this](const WindowRequest& request) { window_->open(request); });
+    EXPECT_THAT(ask(), testing::Not(testing::HasSubstr("<error>")));
+    EXPECT_TRUE(await([this] { return heard(0) == "Beta-Regular, 1 candidate, inactive"; }));
+    server.terminate();
+    EXPECT_TRUE(await([&] { return server.state() == QProcess::NotRunning; }));
 }
 
 TEST_F(TheLibrarysWindow, IsTheOnlyOneOfItsSession) {

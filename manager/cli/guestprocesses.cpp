@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "manager/cli/guestprocesses.h"
+
+#include "manager/library/error.h"
+#include "system/descriptor.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ; // NOLINT(readability-redundant-declaration)
+
+namespace manager {
+
+namespace {
+
+/// A file of this text that nobody waits for to be read.
+sys::Descriptor fileOf(const std::string& text) {
+    sys::Descriptor file(memfd_create("command", MFD_CLOEXEC));
+    if (!file || write(file.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
+        lseek(file.get(), 0, SEEK_SET) != 0) {
+        return {};
+    }
+    return file;
+}
+
+/// Of a session of its own, so that it does not end with the server's terminal.
+int spawn(const char* argument, int input, pid_t& process) {
+    std::string command(argument);
+    std::array<char, 16> program{"glyphora"};
+    std::array<char, 16> option{"--request"};
+    const std::array<char*, 4> arguments = {program.data(), command.data(), option.data(), nullptr};
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    const int code =
+        posix_spawn(&process, "/proc/self/exe", &actions, &attributes, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    return code;
+}
+
+} // namespace
+
+std::string GuestProcesses::start(const char* argument, const std::string& command) {
+    const std::string begin = std::string(argument) + ": ";
+    if (running_.size() == maximum) {
+        return begin + "too many wait to be dealt with";
+    }
+    const sys::Descriptor input = fileOf(command);
+    if (!input) {
+        return systemError(argument, "the command cannot be handed over", errno).what();
+    }
+    pid_t process = -1;
+    if (const int code = spawn(argument, input.get(), process); code != 0) {
+        return systemError(argument, "cannot be started", code).what();
+    }
+    running_.push_back({process, argument});
+    return {};
+}
+
+std::vector<std::string> GuestProcesses::takeFailures() {
+    std::vector<std::string> failures;
+    std::erase_if(running_, [&](const Guest& guest) {
+        int status = 0;
+        if (waitpid(guest.process, &status, WNOHANG) != guest.process) {
+            return false;
+        }
+        if (WIFSIGNALED(status)) {
+            failures.push_back(guest.argument + ": ended by signal " +
+                               std::to_string(WTERMSIG(status)));
+        } else if (WEXITSTATUS(status) != 0) {
+            failures.push_back(guest.argument + ": failed with status " +
+                               std::to_string(WEXITSTATUS(status)));
+        }
+        return true;
+    });
+    return failures;
+}
+
+} // namespace manager
