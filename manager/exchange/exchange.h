@@ -43,8 +43,9 @@ struct Answer {
 /// hold the font or the font does not become visible, the best other one by PostScript name
 /// (CandidateFinder::find tells which is best), and answers with that. Of a font that nobody holds
 /// the whole container named tells whether activation succeeded; it is not active by that.
-/// showRequest, buyRequest: tell what is held; nothing is opened or bought. In all of them a font
-/// that the desktop shows already is active, whoever holds it, and is not activated a second time.
+/// showRequest, buyRequest: tell what is held; whether anything is opened is the server's affair.
+/// In all of them a font that the desktop shows already is active, whoever holds it, and is not
+/// activated a second time.
 ///
 /// One round of it: what is still to be activated is found in `run` afterwards, and counts as not
 /// active in this answer. What is activated counts for the document of the process that a

@@ -3,14 +3,11 @@
 
 #include "manager/cli/announce.h"
 #include "manager/library/folders.h"
+#include "manager/qt/listposition.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
-#include <QAction>
 #include <QCloseEvent>
-#include <QFileDialog>
-#include <QMenuBar>
-#include <QPushButton>
 #include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
@@ -165,47 +162,6 @@ QWidget* LibraryWindow::makeList() {
     return middle;
 }
 
-void LibraryWindow::makeActions() {
-    QMenu* const file = menuBar()->addMenu(text(translated("&Library")));
-    file->addAction(text(translated("&Add Folder…")), QKeySequence::Open, this,
-                    [this] { addFolder(); });
-    file->addAction(text(translated("&Scan Folders")), QKeySequence::Refresh, this, [this] {
-        deeds_.run({QStringLiteral("scan"), QStringLiteral("--json")});
-    });
-    file->addSeparator();
-    file->addAction(text(translated("&Close")), QKeySequence::Close, this, &QWidget::close);
-    QMenu* const edit = menuBar()->addMenu(text(translated("&Edit")));
-    // Both can always be asked for: what is to be undone may be under way.
-    QAction* const undo =
-        edit->addAction(text(translated("&Undo")), &deeds_, [this] { deeds_.undo(); });
-    undo->setShortcut(QKeySequence::Undo);
-    connect(&deeds_.undoStack(), &QUndoStack::undoTextChanged, undo, [undo](const QString& what) {
-        undo->setText(what.isEmpty() ? text(translated("&Undo"))
-                                     : text(translated("&Undo %1")).arg(what));
-    });
-    QAction* const redo =
-        edit->addAction(text(translated("&Redo")), &deeds_, [this] { deeds_.redo(); });
-    redo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
-    connect(&deeds_.undoStack(), &QUndoStack::redoTextChanged, redo, [redo](const QString& what) {
-        redo->setText(what.isEmpty() ? text(translated("&Redo"))
-                                     : text(translated("&Redo %1")).arg(what));
-    });
-    edit->addSeparator();
-    edit->addAction(text(translated("&Find")), QKeySequence::Find, this, [this] {
-        search_->setFocus();
-        search_->selectAll();
-    });
-    QMenu* const fonts = menuBar()->addMenu(text(translated("F&onts")));
-    activate_ =
-        fonts->addAction(text(translated("&Activate")), this, [this] { switchChosen(true); });
-    activate_->setShortcut(Qt::CTRL | Qt::Key_Return);
-    deactivate_ =
-        fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
-    deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
-    list_->addActions({activate_, deactivate_});
-    list_->setContextMenuPolicy(Qt::ActionsContextMenu);
-}
-
 void LibraryWindow::read() {
     reader_.read([this](std::shared_ptr<const LibraryView> view) { take(std::move(view)); });
 }
@@ -223,52 +179,6 @@ void LibraryWindow::take(std::shared_ptr<const LibraryView> view) {
     filter();
     if (whenShown_) {
         std::exchange(whenShown_, {})();
-    }
-}
-
-LibraryWindow::Position LibraryWindow::position() const {
-    Position now;
-    const int count = model_.rowCount();
-    for (int row = 0; row < count; ++row) {
-        const QModelIndex family = model_.index(row, 0);
-        if (list_->isExpanded(family)) {
-            now.expanded.insert(model_.data(family, Qt::DisplayRole).toString());
-        }
-    }
-    const QModelIndex current = list_->currentIndex();
-    if (current.isValid()) {
-        const QModelIndex family = current.parent().isValid() ? current.parent() : current;
-        now.family = model_.data(family, Qt::DisplayRole).toString();
-        if (family != current) {
-            now.face = model_.listing().view().table.faces()[model_.facesOf(current).front()].id;
-        }
-    }
-    return now;
-}
-
-void LibraryWindow::restore(const Position& position) {
-    const int count = model_.rowCount();
-    QModelIndex current;
-    for (int row = 0; row < count; ++row) {
-        const QModelIndex family = model_.index(row, 0);
-        const QString name = model_.data(family, Qt::DisplayRole).toString();
-        if (position.expanded.contains(name)) {
-            list_->setExpanded(family, true);
-        }
-        if (name == position.family) {
-            current = family;
-        }
-    }
-    if (position.face) {
-        if (const auto row = model_.listing().view().table.rowOf(*position.face)) {
-            if (const QModelIndex face = model_.indexOfFace(*row); face.isValid()) {
-                current = face;
-            }
-        }
-    }
-    if (current.isValid()) {
-        list_->setCurrentIndex(current);
-        list_->scrollTo(current);
     }
 }
 
@@ -311,9 +221,9 @@ void LibraryWindow::filter() {
         break;
     }
     }
-    const Position before = position();
+    const ListPosition before = positionOf(*list_, model_);
     model_.show(view_, std::move(filter));
-    restore(before);
+    restore(*list_, model_, before);
     if (place.kind == SidebarPlace::Kind::Drawing) {
         list_->expandAll();
         if (!list_->currentIndex().isValid()) { // the best for the first font
@@ -397,57 +307,6 @@ void LibraryWindow::showChosen() {
     pane_->show(std::move(chosen));
     activate_->setEnabled(!chosenContainers(false).empty());
     deactivate_->setEnabled(!chosenContainers(true).empty());
-}
-
-std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
-    const LibraryView& view = model_.listing().view();
-    std::set<std::int32_t> containers;
-    const QModelIndexList rows = list_->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        for (const FaceRow row : model_.facesToSwitch(index)) {
-            const ListedFace& face = view.table.faces()[row];
-            const bool isActive = !view.states.why(face.container).empty();
-            const bool canBe = !face.away && !face.shownByDesktop;
-            if (active ? isActive : (!isActive && canBe)) {
-                containers.insert(static_cast<std::int32_t>(face.container));
-            }
-        }
-    }
-    return {containers.begin(), containers.end()};
-}
-
-void LibraryWindow::switchChosen(bool on) {
-    const auto containers = chosenContainers(!on);
-    if (containers.empty()) {
-        return;
-    }
-    statusBar()->showMessage(text(on ? translated("Activating…") : translated("Deactivating…")));
-    if (on) {
-        deeds_.activate(containers);
-    } else {
-        deeds_.deactivate(containers);
-    }
-}
-
-void LibraryWindow::toggleChosen() {
-    switchChosen(!chosenContainers(false).empty());
-}
-
-void LibraryWindow::addFolder() {
-    const QString folder = QFileDialog::getExistingDirectory(
-        this, text(translated("Add a folder of fonts to the library")));
-    if (!folder.isEmpty()) {
-        statusBar()->showMessage(text(translated("Reading the fonts…")));
-        deeds_.run({QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--"), folder});
-    }
-}
-
-void LibraryWindow::tell(const QStringList& problems) {
-    if (problems.isEmpty()) {
-        statusBar()->clearMessage();
-    } else {
-        statusBar()->showMessage(problems.join(QStringLiteral("; ")));
-    }
 }
 
 } // namespace manager

@@ -14,8 +14,6 @@
 #include <QMainWindow>
 #include <QTimer>
 
-#include <set>
-
 class QSplitter;
 class QStackedWidget;
 
@@ -48,21 +46,12 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    /// What of the list is kept over a change of its rows.
-    struct Position {
-        std::set<QString> expanded; ///< families
-        QString family;             ///< the current row's
-        std::optional<FaceId> face; ///< nothing: the family's own row
-    };
-
     void take(const WindowRequest& request);
     void makeActions();
     QWidget* makeList();
     void read();
     void take(std::shared_ptr<const LibraryView> view);
     void filter();
-    [[nodiscard]] Position position() const;
-    void restore(const Position& position);
     void showChosen();
     void showEmpty();
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;

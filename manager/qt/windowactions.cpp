@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// What can be done in the window.
+#include "manager/qt/librarywindow.h"
+
+#include "manager/view/texts.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QStatusBar>
+
+#include <set>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+} // namespace
+
+void LibraryWindow::makeActions() {
+    QMenu* const file = menuBar()->addMenu(text(translated("&Library")));
+    file->addAction(text(translated("&Add Folder…")), QKeySequence::Open, this,
+                    [this] { addFolder(); });
+    file->addAction(text(translated("&Scan Folders")), QKeySequence::Refresh, this, [this] {
+        deeds_.run({QStringLiteral("scan"), QStringLiteral("--json")});
+    });
+    file->addSeparator();
+    file->addAction(text(translated("&Close")), QKeySequence::Close, this, &QWidget::close);
+    QMenu* const edit = menuBar()->addMenu(text(translated("&Edit")));
+    // Both can always be asked for: what is to be undone may be under way.
+    QAction* const undo =
+        edit->addAction(text(translated("&Undo")), &deeds_, [this] { deeds_.undo(); });
+    undo->setShortcut(QKeySequence::Undo);
+    connect(&deeds_.undoStack(), &QUndoStack::undoTextChanged, undo, [undo](const QString& what) {
+        undo->setText(what.isEmpty() ? text(translated("&Undo"))
+                                     : text(translated("&Undo %1")).arg(what));
+    });
+    QAction* const redo =
+        edit->addAction(text(translated("&Redo")), &deeds_, [this] { deeds_.redo(); });
+    redo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
+    connect(&deeds_.undoStack(), &QUndoStack::redoTextChanged, redo, [redo](const QString& what) {
+        redo->setText(what.isEmpty() ? text(translated("&Redo"))
+                                     : text(translated("&Redo %1")).arg(what));
+    });
+    edit->addSeparator();
+    edit->addAction(text(translated("&Find")), QKeySequence::Find, this, [this] {
+        search_->setFocus();
+        search_->selectAll();
+    });
+    QMenu* const fonts = menuBar()->addMenu(text(translated("F&onts")));
+    activate_ =
+        fonts->addAction(text(translated("&Activate")), this, [this] { switchChosen(true); });
+    activate_->setShortcut(Qt::CTRL | Qt::Key_Return);
+    deactivate_ =
+        fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
+    deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
+    list_->addActions({activate_, deactivate_});
+    list_->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
+    const LibraryView& view = model_.listing().view();
+    std::set<std::int32_t> containers;
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        for (const FaceRow row : model_.facesToSwitch(index)) {
+            const ListedFace& face = view.table.faces()[row];
+            const bool isActive = !view.states.why(face.container).empty();
+            const bool canBe = !face.away && !face.shownByDesktop;
+            if (active ? isActive : (!isActive && canBe)) {
+                containers.insert(static_cast<std::int32_t>(face.container));
+            }
+        }
+    }
+    return {containers.begin(), containers.end()};
+}
+
+void LibraryWindow::switchChosen(bool on) {
+    const auto containers = chosenContainers(!on);
+    if (containers.empty()) {
+        return;
+    }
+    statusBar()->showMessage(text(on ? translated("Activating…") : translated("Deactivating…")));
+    if (on) {
+        deeds_.activate(containers);
+    } else {
+        deeds_.deactivate(containers);
+    }
+}
+
+void LibraryWindow::toggleChosen() {
+    switchChosen(!chosenContainers(false).empty());
+}
+
+void LibraryWindow::addFolder() {
+    const QString folder = QFileDialog::getExistingDirectory(
+        this, text(translated("Add a folder of fonts to the library")));
+    if (!folder.isEmpty()) {
+        statusBar()->showMessage(text(translated("Reading the fonts…")));
+        deeds_.run({QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--"), folder});
+    }
+}
+
+void LibraryWindow::tell(const QStringList& problems) {
+    if (problems.isEmpty()) {
+        statusBar()->clearMessage();
+    } else {
+        statusBar()->showMessage(problems.join(QStringLiteral("; ")));
+    }
+}
+
+} // namespace manager
