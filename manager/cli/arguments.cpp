@@ -4,6 +4,7 @@
 
 #include "manager/cli/activationops.h"
 #include "manager/cli/announce.h"
+#include "manager/cli/buyops.h"
 #include "manager/cli/collectops.h"
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
@@ -150,6 +151,17 @@ private:
                        "Show what may be used for the fonts of a command on standard input");
         addText(*show, "--pictures", "FOLDER", "Write pictures of the views instead",
                 options_.pictures);
+        CLI::App* buy =
+            command("buy", "Open pages where fonts can be had", [this](const Places& p) {
+                return buyCommand(p, options_.names, options_.request, options_.json);
+            });
+        buy->add_flag("--request", options_.request, "For a command's fonts on standard input");
+        addNames(*buy, "name", "A PostScript name");
+        buy->parse_complete_callback([this] {
+            if (options_.request != options_.names.empty()) {
+                throw CLI::ValidationError("name fonts, or give --request");
+            }
+        });
         command("duplicates", "List files with the same bytes",
                 [this](const Places& places) { return duplicatesCommand(places, options_.json); });
         CLI::App* collect =

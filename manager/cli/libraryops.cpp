@@ -129,16 +129,6 @@ void scanChanged(const Places& places, bool changed, Tally& tally, bool isUnread
     }
 }
 
-std::string readInput() {
-    std::string text;
-    std::array<char, 65536> block{};
-    ssize_t count = 0;
-    while ((count = read(STDIN_FILENO, block.data(), block.size())) > 0) {
-        text.append(block.data(), static_cast<std::size_t>(count));
-    }
-    return text;
-}
-
 } // namespace
 
 std::unique_ptr<Library> openToAnswer(const Places& places) {
@@ -197,6 +187,16 @@ int listCommand(const Places& places, Listing listing) {
     const auto library = openScanned(places);
     printLibrary(*library, Activation(places), readFolders(places), listing);
     return exitSuccess;
+}
+
+std::string readInput() {
+    std::string text;
+    std::array<char, 65536> block{};
+    ssize_t count = 0;
+    while ((count = read(STDIN_FILENO, block.data(), block.size())) > 0) {
+        text.append(block.data(), static_cast<std::size_t>(count));
+    }
+    return text;
 }
 
 int showCommand(const Places& places, const std::vector<std::string>& words, bool asked,

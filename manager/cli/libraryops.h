@@ -25,6 +25,9 @@ int scanCommand(const Places& places, bool quiet, bool json);
 int listCommand(const Places& places, Listing listing);
 /// Shows the library in a window, what has these words in its names at first; with a folder writes
 /// pictures of the views there instead.
+/// All of standard input.
+[[nodiscard]] std::string readInput();
+
 /// `asked`: for the fonts of a plug-in's command, which is read from standard input.
 int showCommand(const Places& places, const std::vector<std::string>& words, bool asked,
                 const std::string& pictures);

@@ -25,16 +25,21 @@ constexpr std::chrono::milliseconds spareTime{150};
 // Then others have their turn.
 constexpr std::chrono::milliseconds longestWork{100};
 
-// Asked for no font, it is how the protocol's version is asked for.
-bool asksToShow(std::string_view text) {
-    if (text.find("showRequest") == std::string_view::npos) {
-        return false; // of most nothing is read twice
+/// What is to be opened for a command: "show", "buy" or nothing. Asked for no font, the former is
+/// how the protocol's version is asked for.
+const char* openedFor(std::string_view text) {
+    if (text.find("showRequest") == std::string_view::npos &&
+        text.find("buyRequest") == std::string_view::npos) {
+        return nullptr; // of most nothing is read twice
     }
     try {
         const Command command = parseCommand(text);
-        return command.kind == CommandKind::ShowRequest && !command.fonts.empty();
+        return command.fonts.empty()                      ? nullptr
+               : command.kind == CommandKind::ShowRequest ? "show"
+               : command.kind == CommandKind::BuyRequest  ? "buy"
+                                                          : nullptr;
     } catch (const MalformedCommand&) {
-        return false;
+        return nullptr;
     }
 }
 
@@ -81,8 +86,12 @@ std::optional<std::string> Server::answer(std::string command, std::optional<std
     pending.command = std::move(command);
     pending.sender = sender;
     pending.begun = Clock::now();
-    if (asksToShow(pending.command) && !sys::namesDisplay() && !isWindowOpen()) {
-        pending.run.setRemark("there is no display to show fonts on");
+    pending.opens = openedFor(pending.command);
+    const bool isShow = pending.opens != nullptr && pending.opens == std::string_view("show");
+    if (pending.opens != nullptr && !sys::namesDisplay() && !(isShow && isWindowOpen())) {
+        pending.run.setRemark(isShow ? "there is no display to show fonts on"
+                                     : "there is no display to open pages on");
+        pending.opens = nullptr;
     }
     // What the desktop shows is asked once for all that wait for it.
     if (!desktopAwaited_ && activation_.desktop().isOutdated()) {

@@ -83,6 +83,7 @@ private:
         Clock::duration roundTime{}; ///< what a round of looking up takes
         bool isLookedUp = false;     ///< the last round knew all that is known by now
         bool isNoted = false;
+        const char* opens = nullptr; ///< the command of this program that is to be given the text
         ActivationRun run;
         Answer answer;                                           ///< of the last round
         std::vector<std::uint64_t> calls;                        ///< of the activator
@@ -124,7 +125,7 @@ private:
     std::optional<std::vector<Reason>> ending_;
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
-    std::vector<std::string> toShow_; ///< commands that are answered
+    std::vector<std::pair<const char*, std::string>> toOpen_; ///< what for, and the command
     GuestProcesses guests_;
     bool scanNeeded_ = false;
     std::optional<Library::Generation> watched_; ///< the index whose folders are watched

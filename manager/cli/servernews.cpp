@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What came of commands and by itself: written into the history, and told to others.
 #include "manager/cli/announce.h"
-#include "manager/cli/onewindow.h"
 #include "manager/cli/report.h"
 #include "manager/cli/server.h"
 #include "manager/cli/settling.h"
-#include "system/displays.h"
 
 #include <utility>
 
@@ -88,8 +86,8 @@ void Server::noteQuestion(Pending& pending) {
     }
     recordDeed(places_, Deed::Asked, asked);
     pending.isNoted = true;
-    if (answer.word == "showRequest" && answer.fonts != 0) {
-        toShow_.push_back(pending.command);
+    if (pending.opens != nullptr) {
+        toOpen_.emplace_back(pending.opens, pending.command);
     }
     if (answer.target) {
         std::erase_if(targets_, [&](const ChangeTarget& known) {
@@ -125,14 +123,11 @@ void Server::noteGuests() {
 }
 
 void Server::tellOthers() {
-    for (const std::string& command : std::exchange(toShow_, {})) {
-        if (sys::namesDisplay() || isWindowOpen()) { // else that was told already
-            const std::string failure = guests_.start("show", command);
-            if (!failure.empty()) {
-                Occasion occasion;
-                occasion.add(Deed::Failed, failure, true);
-                occasion.record(places_);
-            }
+    for (const auto& [what, command] : std::exchange(toOpen_, {})) {
+        if (const std::string failure = guests_.start(what, command); !failure.empty()) {
+            Occasion occasion;
+            occasion.add(Deed::Failed, failure, true);
+            occasion.record(places_);
         }
     }
     if (!changed_) {

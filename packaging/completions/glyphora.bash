@@ -36,7 +36,7 @@ _glyphora() {
     [ -n "$valued" ] && return
     case $command in
         '')
-            _glyphora_words 'add remove scan list search show info duplicates collect activate deactivate
+            _glyphora_words 'add remove scan list search show info buy duplicates collect activate deactivate
                 collection tag serve quit status history --help --version'
             return
             ;;
@@ -58,7 +58,8 @@ _glyphora() {
         activate) options+=' --for --until-logout' ;;
         deactivate) options+=' --all' ;;
         collect) options+=' --to' ;;
-        show) options='--pictures --help' ;;
+        show) options='--request --pictures --help' ;;
+        buy) options='--request --json --help' ;;
     esac
     if [[ $current == -* ]]; then
         _glyphora_words "$options"

@@ -200,4 +200,51 @@ TEST_F(TheProgram, DoesWhatItCanOfACommandAndTellsTheRest) {
     EXPECT_TRUE(await([&] { return std::filesystem::is_empty(staging); }));
 }
 
+TEST_F(TheProgram, OpensPagesWhereFontsCanBeHad) {
+    const std::string log = sandbox_.root() + "/pages";
+    const Variable config("XDG_CONFIG_HOME", sandbox_.root() + "/config");
+    const Variable display("DISPLAY", ":9999");
+    std::filesystem::create_directories(sandbox_.places().data + "/applications");
+    std::filesystem::create_directories(sandbox_.root() + "/config/glyphora");
+    writeBytes(sandbox_.places().data + "/applications/test.desktop",
+               "[Desktop Entry]\nType=Application\nName=Test\nExec=sh -c 'echo \"$0\" >>" + log +
+                   "' %u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;"
+                   "x-scheme-handler/file;\n");
+    writeBytes(sandbox_.root() + "/config/mimeapps.list",
+               "[Default Applications]\nx-scheme-handler/http=test.desktop\n"
+               "x-scheme-handler/https=test.desktop\nx-scheme-handler/file=test.desktop\n");
+    const auto made = [&](const std::string& family, const std::string& page) {
+        const auto record = [](unsigned id, const std::string& text) {
+            return RawName{1, 0, 0, id, text};
+        };
+        FontRecipe recipe;
+        recipe.names = {record(1, family), record(2, "Bold"), record(6, family + "-Bold"),
+                        record(11, page)};
+        sandbox_.write("made/" + family + ".ttf", makeFont(recipe));
+    };
+    made("Good", "https://maker.example/good");
+    made("Bad", "file:///etc/passwd");
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    const auto opened = [&](const std::string& expected) {
+        return await([&] { return std::filesystem::exists(log) && readBytes(log) == expected; });
+    };
+    EXPECT_EQ(glyphora({"buy", "Good-Black", "Good-Bold"}).status, 0);
+    EXPECT_TRUE(opened("https://maker.example/good\n")) << readBytes(log);
+    std::filesystem::remove(log);
+
+    writeBytes(sandbox_.root() + "/config/glyphora/glyphora.conf",
+               "[buy]\nsearch=http://shop.example/?q=%1&x=y\n");
+    serve();
+    EXPECT_TRUE(
+        send("<cmd>buyRequest</cmd>\n<font>\n<psName>Bad-Bold</psName>\n</font>\n</cmd>\n"));
+    EXPECT_TRUE(opened("http://shop.example/?q=Bad-Bold%20font&x=y\n"));
+    for (const char* search : {"file:///tmp/%1", "http:///%1", "http://shop.example/"}) {
+        writeBytes(sandbox_.root() + "/config/glyphora/glyphora.conf",
+                   std::string("[buy]\nsearch=") + search + "\n");
+        expectEach({{{"buy", "Nobody"}, 1, "is not an address of the web"}});
+    }
+    const Variable none("DISPLAY", "");
+    expectEach({{{"buy", "Good-Bold"}, 1, "no display"}, {{"buy"}, 2, "name fonts, or give"}});
+}
+
 } // namespace
