@@ -46,7 +46,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 3);
     splitter_->setStretchFactor(2, 2);
-    splitter_->setSizes({200, 560, 420});
+    splitter_->setSizes({220, 545, 415});
     splitter_->setChildrenCollapsible(false);
     setCentralWidget(splitter_);
     count_ = new QLabel(this);

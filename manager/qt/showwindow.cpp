@@ -9,6 +9,7 @@
 #include "system/displays.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QPixmap>
 #include <QTranslator>
@@ -125,6 +126,8 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
     }
     QCoreApplication::setOrganizationName(QStringLiteral("glyphora"));
     QCoreApplication::setApplicationName(QStringLiteral("library"));
+    QApplication::setDesktopFileName(QStringLiteral("org.glyphora.Library"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.glyphora.Library")));
     QTranslator toolkit;
     // TRANSLATORS: the name of Qt's own catalogue in your language
     if (toolkit.load(QString::fromStdString(translated("qtbase_en")),
