@@ -11,10 +11,9 @@
 #include "manager/library/fontreader.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <set>
-#include <unordered_map>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -77,50 +76,32 @@ FaceDetails findNamedFace(Library& library, const Activation& activation, const 
         (finding.near.empty() ? "" : "; near: " + CandidateFinder::describe(finding.near).front()));
 }
 
-AllAlike searchAlike(Library& library, const FaceDetails& model, FaceQuery query) {
+AllAlike searchAlike(Library& library, const FaceDetails& model, const FaceQuery& query) {
     constexpr float farthest = 12;
     const auto look = faces::likenessOf(model.face);
     if (!look) {
         throw Error(model.match.familyName +
                     ": lacks the Latin letters by which faces are compared");
     }
+    const Reading together = library.reading();
     const ComparableFaces all = library.comparableFaces();
-    struct Rank {
-        std::size_t rank = 0;
-        std::size_t place = 0;
-        float distance = 0;
-    };
-    std::unordered_map<std::int64_t, Rank> ranks;
-    query.among.emplace();
+    const auto described = library.familyKeys(query);
+    AllAlike alike;
+    std::set<std::string_view> families;
     for (const auto& [place, distance] :
          faces::similarFaces(*look, all.likenesses, all.likenesses.size())) {
         if (distance >= farthest) {
             break;
         }
-        if (all.ids[place] != model.match.id) {
-            query.among->push_back(all.ids[place]);
-            ranks[static_cast<std::int64_t>(all.ids[place])] = {ranks.size(), place, distance};
-        }
-    }
-    const std::size_t offset = std::exchange(query.offset, 0);
-    const std::size_t limit = std::exchange(query.limit, std::numeric_limits<std::size_t>::max());
-    auto found = library.search(query).faces;
-    const auto rankOf = [&](const FaceMatch& face) -> const Rank& {
-        return ranks.at(static_cast<std::int64_t>(face.id));
-    };
-    std::sort(found.begin(), found.end(), [&](const FaceMatch& a, const FaceMatch& b) {
-        return rankOf(a).rank < rankOf(b).rank;
-    });
-    AllAlike alike;
-    std::set<std::string> families;
-    for (FaceMatch& face : found) {
-        if (!families.insert(faces::nameKey(face.familyName)).second) {
+        const FaceId id = all.ids[place];
+        const auto entry = described.find(static_cast<std::int64_t>(id));
+        if (id == model.match.id || entry == described.end() ||
+            !families.insert(entry->second).second) {
             continue;
         }
-        if (alike.total++ >= offset && alike.faces.size() < limit) {
-            const auto& [rank, place, distance] = rankOf(face);
-            alike.faces.push_back(
-                {std::move(face), distance, faces::differenceText(*look, all.likenesses[place])});
+        if (alike.total++ >= query.offset && alike.faces.size() < query.limit) {
+            alike.faces.push_back({*library.match(id), distance,
+                                   faces::differenceText(*look, all.likenesses[place])});
         }
     }
     return alike;

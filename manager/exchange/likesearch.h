@@ -31,6 +31,7 @@ struct AllAlike {
 
 /// Those of the faces that `query` describes that look like `model`, the nearest first, of each
 /// family the nearest. Throws Error when `model` cannot be compared.
-[[nodiscard]] AllAlike searchAlike(Library& library, const FaceDetails& model, FaceQuery query);
+[[nodiscard]] AllAlike searchAlike(Library& library, const FaceDetails& model,
+                                   const FaceQuery& query);
 
 } // namespace manager

@@ -19,6 +19,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace manager {
@@ -154,6 +155,9 @@ public:
 
     /// What a query describes, a page of it.
     [[nodiscard]] FoundFaces search(const FaceQuery& query);
+    /// All that a query describes, whatever its page and order: the keys of their families by the
+    /// numbers of the faces.
+    [[nodiscard]] std::unordered_map<std::int64_t, std::string> familyKeys(const FaceQuery& query);
     /// What faces have of a kind that is held as tags: scripts, languages, features or axes.
     [[nodiscard]] std::set<std::string> tags(SharedKind kind);
     /// nullopt: there is none of this number (any more).

@@ -334,4 +334,16 @@ FoundFaces Library::search(const FaceQuery& query) {
     return found;
 }
 
+std::unordered_map<std::int64_t, std::string> Library::familyKeys(const FaceQuery& query) {
+    addFunctions(database_);
+    const Conditions conditions = conditionsOf(query);
+    Statement all(database_, statementOf(query, conditions).c_str());
+    conditions.bind(all);
+    std::unordered_map<std::int64_t, std::string> keys;
+    while (all.step()) {
+        keys.emplace(all.number(0), all.text(1));
+    }
+    return keys;
+}
+
 } // namespace manager
