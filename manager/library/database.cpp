@@ -124,8 +124,6 @@ Database::Database(const std::string& path, MissingFile missing, std::chrono::mi
         run("PRAGMA journal_mode=WAL");
         run("PRAGMA synchronous=NORMAL");
         run("PRAGMA foreign_keys=ON");
-        // In KiB; taken as it is needed. Look-ups of many names meet pages all over the file.
-        run("PRAGMA cache_size=-16384");
     } catch (const DamagedDatabase&) {
         throw;
     } catch (const Locked&) {
