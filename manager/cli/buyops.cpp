@@ -71,7 +71,8 @@ std::string searchPage(const CommandFont& font) {
 
 /// Told by the face itself, or another of its family.
 std::string makersPage(Library& library, const CommandFont& font) {
-    LookUp lookUp(library, wantedOf(font));
+    FamilyFaces families(library);
+    LookUp lookUp(families, wantedOf(font));
     for (const faces::Match& match : lookUp.run()) {
         const FaceMatch& face = lookUp.face(match);
         const auto details = face.away ? std::nullopt : library.face(face.id);

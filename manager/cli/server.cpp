@@ -83,6 +83,8 @@ void Server::letOthersOpen() {
 std::optional<std::string> Server::answer(std::string command, std::optional<std::int32_t> sender,
                                           Receiver later) {
     Pending& pending = pending_.emplace_back();
+    pending.run.setLookUpTime(
+        std::max(replyTime_ / 2, longestWork)); // two rounds come before a reply
     pending.command = std::move(command);
     pending.sender = sender;
     pending.begun = Clock::now();

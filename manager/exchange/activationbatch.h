@@ -5,6 +5,7 @@
 #include "manager/activation/activation.h"
 #include "manager/library/library.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -23,6 +24,10 @@ class ActivationRun {
 public:
     /// What the command's containers are to be active for from now on.
     void setReasons(std::vector<Reason> reasons) { reasons_ = std::move(reasons); }
+
+    /// How long a round may look fonts up; those that are left are answered as nobody's, and told.
+    void setLookUpTime(std::chrono::milliseconds time) { lookUpTime_ = time; }
+    [[nodiscard]] std::chrono::milliseconds lookUpTime() const { return lookUpTime_; }
 
     /// Asks for a container. nullptr: the outcome is not known yet. Throws Error when the index
     /// cannot be read.
@@ -52,6 +57,7 @@ private:
 
     std::vector<Reason> reasons_ = {Reason::byHand()};
     std::string remark_;
+    std::chrono::milliseconds lookUpTime_ = std::chrono::hours(1);
     std::deque<Wanted> all_; ///< in the order asked for
     std::unordered_map<std::int32_t, Wanted*> byId_;
     std::vector<ContainerFonts> wanted_;

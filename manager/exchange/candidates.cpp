@@ -2,7 +2,6 @@
 // Grouping and ranking of what a look-up found.
 #include "manager/exchange/candidates.h"
 
-#include "manager/exchange/lookup.h"
 #include "manager/library/samefile.h"
 
 #include <algorithm>
@@ -97,13 +96,13 @@ const Candidate* Finding::decided(const CommandFont& font) const {
 }
 
 Finding CandidateFinder::find(const CommandFont& font) {
-    LookUp lookUp(library_, wantedOf(font));
+    LookUp lookUp(families_, wantedOf(font));
     Finding finding;
     std::vector<FaceMatch> exact;
     for (const faces::Match& match : lookUp.run()) {
         if (faces::isExact(match.ground)) {
-            exact.push_back(std::move(lookUp.face(match)));
-        } else if (!addNear(finding, font, std::move(lookUp.face(match)), match.reason)) {
+            exact.push_back(lookUp.face(match));
+        } else if (!addNear(finding, font, lookUp.face(match), match.reason)) {
             break;
         }
     }
@@ -111,7 +110,7 @@ Finding CandidateFinder::find(const CommandFont& font) {
     return finding;
 }
 
-bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMatch&& face,
+bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMatch face,
                               const std::string& reason) {
     constexpr std::size_t most = 5;
     if (finding.near.size() == most) {
@@ -147,7 +146,7 @@ std::vector<Candidate> CandidateFinder::holders(const CommandFont& font,
     return different;
 }
 
-Candidate CandidateFinder::candidate(const CommandFont& font, FaceMatch&& face) {
+Candidate CandidateFinder::candidate(const CommandFont& font, FaceMatch face) {
     Candidate candidate{std::move(face), {}};
     candidate.container = std::move(candidate.face.holder);
     candidate.active = candidate.face.shownByDesktop;

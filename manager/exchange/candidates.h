@@ -6,6 +6,7 @@
 #include "manager/activation/activation.h"
 #include "manager/activation/desktopfonts.h"
 #include "manager/exchange/commandtext.h"
+#include "manager/exchange/lookup.h"
 #include "manager/library/library.h"
 
 #include <optional>
@@ -44,18 +45,18 @@ struct Finding {
 /// The face that a command asks for.
 [[nodiscard]] faces::Wanted wantedOf(const CommandFont& font);
 
-/// Finds candidates by the rule of faces/matching.h; remembers sets for as long as one
+/// Finds candidates by the rule of faces/matching.h; remembers families and sets for as long as one
 /// command is answered.
 class CandidateFinder {
 public:
     CandidateFinder(Library& library, const Activation& activation)
-        : library_(library), activation_(activation) {}
+        : families_(library), activation_(activation) {}
 
     /// Of containers with the same file, byte for byte, the best stands for all.
     [[nodiscard]] Finding find(const CommandFont& font);
     /// Adds one that only comes near, unless its container or its file is there already. False:
     /// there are enough.
-    bool addNear(Finding& finding, const CommandFont& font, FaceMatch&& face,
+    bool addNear(Finding& finding, const CommandFont& font, FaceMatch face,
                  const std::string& reason);
 
     /// The faces that the desktop shows already, by the PostScript name that is asked for and by
@@ -73,11 +74,11 @@ public:
     describe(const std::vector<Candidate>& candidates);
 
 private:
-    [[nodiscard]] Candidate candidate(const CommandFont& font, FaceMatch&& face);
+    [[nodiscard]] Candidate candidate(const CommandFont& font, FaceMatch face);
     [[nodiscard]] std::vector<Candidate> holders(const CommandFont& font,
                                                  std::vector<FaceMatch> faces);
 
-    Library& library_;
+    FamilyFaces families_;
     const Activation& activation_;
     std::unordered_map<std::int32_t, std::optional<SetRecord>> sets_; ///< by container
 };

@@ -9,6 +9,7 @@
 #include "manager/exchange/replyfont.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace manager {
@@ -70,6 +71,11 @@ public:
             break;
         }
         run_.report(answer_);
+        if (late_ != 0) {
+            answer_.problems.push_back(
+                std::to_string(late_) + " of " + std::to_string(command_.fonts.size()) +
+                " fonts were not looked up for lack of time, ask for them by another command");
+        }
         for (const std::string& problem : answer_.problems) {
             reply_.element("error", problem);
         }
@@ -78,7 +84,8 @@ public:
 
 private:
     void answerFontRequest() {
-        const std::vector<Found> found = findAll(library_, finder_, standIns_, command_.fonts);
+        std::vector<Found> found =
+            findAll(library_, finder_, standIns_, command_.fonts, [this] { return isLate(); });
         ActivationBatch batch;
         bool showWindow = false;
         for (std::size_t i = 0; i < found.size(); ++i) {
@@ -99,6 +106,8 @@ private:
             answer_.undecided.push_back(calledName(font) + whyNothingIsDone(held));
         }
         batch.run(library_, run_);
+        late_ = command_.fonts.size() - found.size();
+        found.resize(command_.fonts.size());
         reply_.flag("showWindow", showWindow);
         for (std::size_t i = 0; i < found.size(); ++i) {
             writeFontRequestFont(reply_, command_.fonts[i], found[i], batch);
@@ -110,8 +119,9 @@ private:
         chosen.reserve(command_.fonts.size());
         ActivationBatch batch;
         for (const CommandFont& font : command_.fonts) {
-            const Choice& choice = chosen.emplace_back(choose(font));
-            if (choice.isShown) {
+            const bool late = passOver();
+            const Choice& choice = chosen.emplace_back(late ? Choice() : choose(font));
+            if (choice.isShown || late) {
                 continue;
             }
             if (choice.container) {
@@ -177,6 +187,14 @@ private:
         reply_.endFont();
     }
 
+    [[nodiscard]] bool isLate() const { return Clock::now() >= deadline_; }
+    /// A font that there is no time left to look up.
+    bool passOver() {
+        const bool late = late_ != 0 || isLate();
+        late_ += late ? 1 : 0;
+        return late;
+    }
+
     /// The font's own file in a container; empty: it is not known.
     std::string fileIn(ContainerId id, const CommandFont& font,
                        const std::vector<Candidate>& candidates) {
@@ -218,7 +236,7 @@ private:
     void answerWithoutActing() {
         reply_.flag("showWindow", false);
         for (const CommandFont& font : command_.fonts) {
-            auto [held, shown] = findOne(finder_, font);
+            auto [held, shown] = passOver() ? Found() : findOne(finder_, font);
             std::vector<Candidate>& candidates = held.exact;
             preferNamed(candidates, font);
             reply_.beginFont();
@@ -236,6 +254,8 @@ private:
         }
     }
 
+    using Clock = std::chrono::steady_clock;
+
     Library& library_;
     StandIns& standIns_;
     ActivationRun& run_;
@@ -243,6 +263,8 @@ private:
     const Command& command_;
     Answer& answer_;
     ReplyText reply_;
+    Clock::time_point deadline_ = Clock::now() + run_.lookUpTime(); ///< of looking up
+    std::size_t late_ = 0; ///< the last fonts, which came behind it
 };
 
 } // namespace

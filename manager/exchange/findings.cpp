@@ -13,11 +13,15 @@ Found findOne(CandidateFinder& finder, const CommandFont& font) {
 }
 
 std::vector<Found> findAll(Library& library, CandidateFinder& finder, StandIns& standIns,
-                           std::span<const CommandFont> fonts) {
+                           std::span<const CommandFont> fonts,
+                           const std::function<bool()>& isLate) {
     std::vector<Found> found;
     found.reserve(fonts.size());
     std::vector<Absent> absent;
     for (const CommandFont& font : fonts) {
+        if (isLate && isLate()) {
+            break;
+        }
         auto& [held, shown] = found.emplace_back(findOne(finder, font));
         if (held.exact.empty() && shown.empty()) {
             absent.push_back({font, held});

@@ -6,6 +6,7 @@
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/standins.h"
 
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -20,10 +21,11 @@ struct Found {
 /// Throws Error when the index cannot be read.
 [[nodiscard]] Found findOne(CandidateFinder& finder, const CommandFont& font);
 
-/// Of each font, in order; of those that nobody has what may stand in for them, too. Throws Error
-/// when the index cannot be read.
+/// Of each font, in order; of those that nobody has what may stand in for them, too. Ends before
+/// the first font at which `isLate` is true. Throws Error when the index cannot be read.
 [[nodiscard]] std::vector<Found> findAll(Library& library, CandidateFinder& finder,
-                                         StandIns& standIns, std::span<const CommandFont> fonts);
+                                         StandIns& standIns, std::span<const CommandFont> fonts,
+                                         const std::function<bool()>& isLate = {});
 
 /// Puts the candidate of the container that the command names first.
 void preferNamed(std::vector<Candidate>& found, const CommandFont& asked);

@@ -2,7 +2,9 @@
 // One question after the other, the cheapest first.
 #include "manager/exchange/lookup.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -30,18 +32,52 @@ std::optional<faces::Reach> reachOf(const FaceMatch& face) {
 
 } // namespace
 
+const SharedFaces&
+FamilyFaces::remember(ByKey& known, const std::string& key,
+                      std::vector<FaceMatch> (Library::*find)(std::string_view)) {
+    constexpr std::size_t most = 20'000; // some megabytes
+    if (count_ > most) {
+        byKey_.clear();
+        byNormalisedKey_.clear();
+        count_ = 0;
+    }
+    const auto [entry, isNew] = known.try_emplace(key);
+    if (isNew) {
+        entry->second = std::make_shared<const std::vector<FaceMatch>>((library_.*find)(key));
+        count_ += entry->second->size() + 1;
+    }
+    return entry->second;
+}
+
+SharedFaces FamilyFaces::of(const std::string& key) {
+    return remember(byKey_, key, &Library::findByFamily);
+}
+
+SharedFaces FamilyFaces::ofNormalised(const std::string& key) {
+    return remember(byNormalisedKey_, key, &Library::findByNormalisedFamily);
+}
+
 std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
-                                     std::span<const FaceMatch> faces) {
+                                     std::span<const FaceMatch* const> faces) {
     std::vector<faces::Known> known;
     known.reserve(faces.size());
-    for (const FaceMatch& face : faces) {
+    for (const FaceMatch* face : faces) {
         // The instances of a variable font all have the font's full name.
         known.push_back(
-            {face.postScriptName,
-             face.axes.empty() ? std::span(face.fullNames) : std::span<const std::string>(),
-             face.names, face.style, reachOf(face)});
+            {face->postScriptName,
+             face->axes.empty() ? std::span(face->fullNames) : std::span<const std::string>(),
+             face->names, face->style, reachOf(*face)});
     }
     return faces::match(wanted, known);
+}
+
+std::vector<faces::Match> matchFaces(const faces::Wanted& wanted,
+                                     std::span<const FaceMatch> faces) {
+    std::vector<const FaceMatch*> each;
+    each.reserve(faces.size());
+    std::transform(faces.begin(), faces.end(), std::back_inserter(each),
+                   [](const FaceMatch& face) { return &face; });
+    return matchFaces(wanted, each);
 }
 
 std::optional<FaceDetails> findAwayFace(Library& library, const faces::Wanted& wanted) {
@@ -53,27 +89,28 @@ std::optional<FaceDetails> findAwayFace(Library& library, const faces::Wanted& w
                : library.face(faces[matches.front().face].id);
 }
 
-LookUp::LookUp(Library& library, faces::Wanted wanted)
-    : library_(library), wanted_(std::move(wanted)) {}
+LookUp::LookUp(FamilyFaces& families, faces::Wanted wanted)
+    : families_(families), wanted_(std::move(wanted)) {}
 
 std::vector<faces::Match> LookUp::run() {
-    if (isFound(library_.findByPostScriptName(wanted_.postScriptName))) {
+    Library& library = families_.library();
+    if (isFound(library.findByPostScriptName(wanted_.postScriptName))) {
         return std::move(matches_);
     }
     const faces::Keys keys = faces::keysOf(wanted_);
-    if (isFound(library_.findByFamily(keys.family)) &&
+    if (isFound(families_.of(keys.family)) &&
         matches_.front().ground == faces::Ground::FamilyAndStyle) {
         return std::move(matches_);
     }
     for (const std::string& key : keys.fullNames) { // better than another word for the style
-        isFound(library_.findByFullName(key));
+        isFound(library.findByFullName(key));
     }
     if (!isExact()) {
-        isFound(library_.findByPostScriptKey(keys.postScriptFamily));
+        isFound(library.findByPostScriptKey(keys.postScriptFamily));
     }
     for (const std::string& key : keys.normalisedFamilies) {
         if (!isExact()) {
-            isFound(library_.findByNormalisedFamily(key));
+            isFound(families_.ofNormalised(key));
         }
     }
     return std::move(matches_);
@@ -84,14 +121,19 @@ bool LookUp::isExact() const {
 }
 
 bool LookUp::isFound(std::vector<FaceMatch> more) {
+    return isFound(std::make_shared<const std::vector<FaceMatch>>(std::move(more)));
+}
+
+bool LookUp::isFound(SharedFaces more) {
     bool any = false;
-    for (FaceMatch& face : more) {
+    for (const FaceMatch& face : *more) {
         if (ids_.insert(static_cast<std::int64_t>(face.id)).second) {
-            faces_.push_back(std::move(face));
+            faces_.push_back(&face);
             any = true;
         }
     }
     if (any) {
+        found_.push_back(std::move(more));
         matches_ = matchFaces(wanted_, faces_);
     }
     return isExact();

@@ -78,6 +78,24 @@ TEST_F(AnExchange, AsksForTheWindowWhenSeveralContainersHoldAFont) {
         << "the active one comes first";
 }
 
+TEST_F(AnExchange, LeavesTheLastFontsAloneWhenThereIsNoTimeLeft) {
+    const std::string both = font({{"syncID", "1"}, {"psName", "Lato-Bold"}}) +
+                             font({{"syncID", "2"}, {"psName", "Lato-Regular"}});
+    for (const std::string word : {"fontRequest", "activationRequest", "showRequest"}) {
+        ActivationRun run;
+        run.setLookUpTime({});
+        StandIns standIns;
+        const Answer answer =
+            answerCommand(library_, activation_, standIns,
+                          "<cmd>" + word + "</cmd>\n" + both + "</cmd>\n", std::nullopt, run);
+        EXPECT_THAT(run.takeWanted(), IsEmpty()) << word;
+        EXPECT_THAT(answer.undecided, IsEmpty()) << word;
+        EXPECT_THAT(answer.problems, ElementsAre(HasSubstr("2 of 2 fonts were not looked up")));
+        EXPECT_THAT(answer.reply, HasSubstr("<syncID>2</syncID>")) << word;
+        EXPECT_THAT(answer.reply, Not(HasSubstr("<isActive>1"))) << word;
+    }
+}
+
 TEST_F(AnExchange, TakesTheOnlyContainerOfTheTypeAskedFor) {
     const ReplyNode root =
         ask("fontRequest", font({{"syncID", "1"}, {"psName", "Both"}, {"type", "TT"}}));
