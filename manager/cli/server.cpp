@@ -6,6 +6,7 @@
 #include "manager/cli/onewindow.h"
 #include "manager/cli/report.h"
 #include "manager/cli/timer.h"
+#include "manager/exchange/commandtext.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 #include "system/displays.h"
@@ -24,6 +25,15 @@ constexpr std::chrono::milliseconds usualReplyTime{750};
 constexpr std::chrono::milliseconds spareTime{150};
 // Then others have their turn.
 constexpr std::chrono::milliseconds longestWork{100};
+
+/// Of a command that could not be looked at; empty: it cannot be read.
+std::string wordOf(std::string_view command) {
+    try {
+        return parseCommand(command).word;
+    } catch (const MalformedCommand& malformed) {
+        return malformed.word();
+    }
+}
 
 /// What is to be opened for a command: "show", "buy" or nothing. Asked for no font, the former is
 /// how the protocol's version is asked for.
@@ -146,7 +156,7 @@ void Server::round(Pending& pending) {
         pending.awaited.clear();
         pending.answer = {};
         pending.answer.problems.push_back(text);
-        pending.answer.reply = failureReply("", text);
+        pending.answer.reply = failureReply(wordOf(pending.command), text);
     }
     letOthersOpen();
     pending.roundTime = Clock::now() - begun;

@@ -15,6 +15,7 @@
 
 using namespace managertest;
 using namespace testsupport;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -271,8 +272,9 @@ TEST_F(TheProgram, AnswersWhileTheIndexIsLockedAndSaysByWhom) {
     std::filesystem::copy_file(database, database + ".copy");
     std::filesystem::rename(database + ".copy", database); // so that it is opened again
     EXPECT_THAT(*send(request("Lato-Bold")),
-                HasSubstr(".lock: is locked by manager_program (" + std::to_string(getpid()) +
-                          "), for longer than 100 ms"));
+                AllOf(StartsWith("<cmd>fontRequest</cmd>\n"),
+                      HasSubstr(".lock: is locked by manager_program (" + std::to_string(getpid()) +
+                                "), for longer than 100 ms")));
     held.reset();
     EXPECT_EQ(askFor("Lato-Bold", "count"), "1");
 }
