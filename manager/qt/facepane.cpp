@@ -19,9 +19,9 @@ QString text(const std::string& plain) {
 
 } // namespace
 
-FacePane::FacePane(preview::Faces& faces, std::function<void(const QString&)> wrote,
-                   QWidget* parent)
-    : QWidget(parent) {
+FacePane::FacePane(preview::Faces& faces, LibraryReader& reader,
+                   std::function<void(const QString&)> wrote, QWidget* parent)
+    : QWidget(parent), reader_(reader) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(6, 6, 6, 6);
     title_ = new QLabel(this);
@@ -35,6 +35,20 @@ FacePane::FacePane(preview::Faces& faces, std::function<void(const QString&)> wr
     why_->setTextFormat(Qt::PlainText);
     why_->setWordWrap(true);
     why_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    waterfall_ = new Waterfall(faces, this);
+    characters_ = new CharacterPane(faces, this);
+    views_ = new QTabWidget(this);
+    views_->setDocumentMode(true);
+    views_->addTab(waterfall_, text(translated("&Text")));
+    views_->addTab(characters_, text(translated("&Characters")));
+    connect(views_, &QTabWidget::currentChanged, this, [this] { showCharacters(); });
+    column->addWidget(title_);
+    column->addWidget(why_);
+    column->addLayout(makeTools(std::move(wrote)));
+    column->addWidget(views_, 1);
+}
+
+QLayout* FacePane::makeTools(std::function<void(const QString&)> wrote) {
     auto* const tools = new QHBoxLayout;
     sample_ = new QLineEdit(this);
     sample_->setPlaceholderText(text(translated("Your own text")));
@@ -49,30 +63,56 @@ FacePane::FacePane(preview::Faces& faces, std::function<void(const QString&)> wr
     paper->addItem(text(translated("Light paper")));
     paper->addItem(text(translated("Dark paper")));
     paper->setAccessibleName(text(translated("Paper")));
-    connect(paper, &QComboBox::currentIndexChanged, this,
-            [this](int place) { waterfall_->setPaper(static_cast<Paper>(place)); });
+    connect(paper, &QComboBox::currentIndexChanged, this, [this](int place) {
+        waterfall_->setPaper(static_cast<Paper>(place));
+        characters_->setPaper(static_cast<Paper>(place));
+    });
     tools->addWidget(sample_, 1);
     tools->addWidget(paper);
-    waterfall_ = new Waterfall(faces, this);
-    column->addWidget(title_);
-    column->addWidget(why_);
-    column->addLayout(tools);
-    column->addWidget(waterfall_, 1);
+    return tools;
 }
 
 void FacePane::show(ChosenFaces chosen) {
     title_->setText(chosen.title);
     why_->setText(chosen.why);
-    shown_ = chosen.faces.size();
+    shown_ = chosen.faces;
     showText();
     waterfall_->setFaces(std::move(chosen.faces));
+    showCharacters();
+}
+
+void FacePane::showCharacters() {
+    if (views_->currentWidget() != characters_) {
+        lettered_.reset(); // read when they are looked at
+        return;
+    }
+    if (shown_.empty()) {
+        lettered_.reset();
+        characters_->show({}, nullptr);
+        return;
+    }
+    const ShownFace& face = shown_.front();
+    if (lettered_ == face.id) {
+        return;
+    }
+    lettered_ = face.id;
+    reader_.run([this, face](Desk& desk) -> LibraryReader::Taker {
+        const auto details = desk.library().face(face.id);
+        auto characters = std::make_shared<const Characters>(details ? details->face.coverage
+                                                                     : faces::Coverage());
+        return [this, face, characters = std::move(characters)] {
+            if (lettered_ == face.id) { // else another one was chosen meanwhile
+                characters_->show(face, characters);
+            }
+        };
+    });
 }
 
 void FacePane::showText() {
     std::string words = sample_->text().toStdString();
     if (words.empty()) {
-        words = shown_ < 2 ? translated("The quick brown fox jumps over the lazy dog")
-                           : translated("Hamburgefonstiv 0123456789");
+        words = shown_.size() < 2 ? translated("The quick brown fox jumps over the lazy dog")
+                                  : translated("Hamburgefonstiv 0123456789");
     }
     waterfall_->setText(words);
 }

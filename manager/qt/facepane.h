@@ -3,13 +3,17 @@
 // look.
 #pragma once
 
+#include "manager/qt/characterpane.h"
+#include "manager/qt/libraryreader.h"
 #include "manager/qt/waterfall.h"
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace manager {
@@ -28,20 +32,29 @@ public:
     static constexpr std::size_t most = 12;
 
     /// `wrote` is told what the user wants to see the faces in.
-    FacePane(preview::Faces& faces, std::function<void(const QString&)> wrote, QWidget* parent);
+    FacePane(preview::Faces& faces, LibraryReader& reader,
+             std::function<void(const QString&)> wrote, QWidget* parent);
 
     void show(ChosenFaces chosen);
 
+    [[nodiscard]] QTabWidget& views() { return *views_; }
     [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
+    [[nodiscard]] CharacterPane& characters() { return *characters_; }
 
 private:
+    QLayout* makeTools(std::function<void(const QString&)> wrote);
     void showText();
+    void showCharacters();
 
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
     QLineEdit* sample_ = nullptr;
+    QTabWidget* views_ = nullptr;
     Waterfall* waterfall_ = nullptr;
-    std::size_t shown_ = 0; ///< faces
+    CharacterPane* characters_ = nullptr;
+    LibraryReader& reader_;
+    std::vector<ShownFace> shown_;
+    std::optional<FaceId> lettered_; ///< whose characters are shown, or read
 };
 
 } // namespace manager

@@ -8,6 +8,7 @@
 #include "platform/notify.h"
 
 #include <QCloseEvent>
+#include <QEventLoop>
 #include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
@@ -41,7 +42,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->addWidget(sidebar_);
     splitter_->addWidget(makeList());
     pane_ = new FacePane(
-        faces_, [this](const QString& own) { delegate_->setText(own); }, this);
+        faces_, reader_, [this](const QString& own) { delegate_->setText(own); }, this);
     splitter_->addWidget(pane_);
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 3);
@@ -111,6 +112,12 @@ void LibraryWindow::open(const WindowRequest& request) {
     show();
     raise();
     activateWindow();
+}
+
+void LibraryWindow::finishReading() {
+    QEventLoop loop;
+    reader_.run([&loop](Desk&) { return [&loop] { loop.quit(); }; });
+    loop.exec();
 }
 
 void LibraryWindow::closeEvent(QCloseEvent* event) {
@@ -274,7 +281,7 @@ void LibraryWindow::showChosen() {
     const auto add = [&](FaceRow row) {
         const ListedFace& face = table.faces()[row];
         if (chosen.faces.size() < FacePane::most) {
-            chosen.faces.push_back({nameOf(face), table.pathOf(face), face.index});
+            chosen.faces.push_back({face.id, nameOf(face), table.pathOf(face), face.index});
         }
     };
     const QModelIndexList rows = list_->selectionModel()->selectedRows();

@@ -34,6 +34,8 @@ public:
     void whenShown(std::function<void()> then) { whenShown_ = std::move(then); }
     /// Waits until every line that is to be seen is drawn; false when all were.
     bool finishLines() { return faces_.finish(); }
+    /// Waits until what is being read of the library has been shown.
+    void finishReading();
 
     [[nodiscard]] QTreeView& list() { return *list_; }
     [[nodiscard]] FaceModel& model() { return model_; }

@@ -76,6 +76,10 @@ public:
             window_.list().setCurrentIndex(first);
             window_.list().setExpanded(first, true);
             save("library" + end);
+            window_.pane().views().setCurrentWidget(&window_.pane().characters());
+            window_.finishReading();
+            save("characters" + end);
+            window_.pane().views().setCurrentIndex(0);
             window_.list().selectAll();
             save("compare" + end);
             window_.searchField().setText(QStringLiteral("no such font"));

@@ -91,15 +91,7 @@ void Waterfall::changeEvent(QEvent* event) {
 
 void Waterfall::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(viewport());
-    const bool plain = paper_ == Paper::AsTheWindow;
-    const QColor paper = plain                   ? palette().color(QPalette::Base)
-                         : paper_ == Paper::Dark ? QColor(0x1b, 0x1b, 0x1d)
-                                                 : QColor(Qt::white);
-    const QColor ink = plain                   ? palette().color(QPalette::Text)
-                       : paper_ == Paper::Dark ? QColor(0xf0, 0xf0, 0xf0)
-                                               : QColor(Qt::black);
-    const QColor label =
-        paper.lightness() < ink.lightness() ? QColor(0xa8, 0xa8, 0xa8) : QColor(0x63, 0x63, 0x63);
+    const auto [paper, ink, label] = coloursOf(paper_, palette());
     painter.fillRect(viewport()->rect(), paper);
     if (shown_.empty()) {
         painter.setPen(label);

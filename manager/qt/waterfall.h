@@ -2,7 +2,9 @@
 // A text at several sizes, in one face or in several side by side, on light or dark paper.
 #pragma once
 
+#include "manager/qt/paper.h"
 #include "manager/qt/samples.h"
+#include "manager/qt/shownface.h"
 
 #include <QAbstractScrollArea>
 
@@ -10,15 +12,6 @@
 #include <vector>
 
 namespace manager {
-
-/// A face to be shown.
-struct ShownFace {
-    std::string name; ///< for people
-    std::string file;
-    std::uint32_t index = 0;
-};
-
-enum class Paper : std::uint8_t { AsTheWindow, Light, Dark };
 
 /// [main-thread]
 class Waterfall : public QAbstractScrollArea {

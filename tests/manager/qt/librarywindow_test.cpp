@@ -14,6 +14,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
 #include <QProcess>
 #include <QTest>
 
@@ -109,6 +110,43 @@ TEST_F(TheLibrarysWindow, SpeaksTheLanguageOfItsUser) {
     EXPECT_EQ(heard(2), "Regular, TrueType, aktiv: von Hand");
     EXPECT_EQ(heard(0), "Alpha, 2 Schnitte, inaktiv");
     chooseLanguage("en_US");
+}
+
+TEST_F(TheLibrarysWindow, FindsACharacterByKeysAndCopiesIt) {
+    open();
+    choose(1);
+    QTest::keyClick(window_.get(), Qt::Key_C, Qt::AltModifier);
+    CharacterPane& pane = window_->pane().characters();
+    CharacterGrid& grid = pane.grid();
+    ASSERT_TRUE(await([&] { return grid.characters().rowCount() > 2; }));
+    const auto heardOf = [&](int row) {
+        QApplication::processEvents(); // it lays its cells out
+        QAccessibleInterface* const cells = QAccessible::queryAccessibleInterface(&grid);
+        return cells->child(row)->text(QAccessible::Name).toStdString();
+    };
+    const auto copied = [] { return QGuiApplication::clipboard()->text().toStdString(); };
+    pane.searchField().setFocus();
+    QTest::keyClicks(&pane.searchField(), QStringLiteral("capital b"));
+    ASSERT_EQ(grid.characters().rowCount(), 1);
+    QTest::keyClick(&pane.searchField(), Qt::Key_Return);
+    EXPECT_TRUE(grid.hasFocus());
+    EXPECT_EQ(heardOf(0), "LATIN CAPITAL LETTER B, U+0042");
+    QTest::keyClick(&grid, Qt::Key_Return);
+    EXPECT_EQ(copied(), "B");
+    EXPECT_EQ(heardOf(0), "LATIN CAPITAL LETTER B, U+0042, copied");
+    EXPECT_EQ(pane.told().toStdString(), heardOf(0));
+    pane.searchField().clear(); // the keyboard stays at the character
+    QTest::keyClick(&grid, Qt::Key_Right);
+    EXPECT_EQ(pane.told(), QStringLiteral("LATIN CAPITAL LETTER C, U+0043"));
+    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(copied(), "C");
+    const int above = grid.currentIndex().row();
+    QTest::keyClick(&grid, Qt::Key_Down);
+    const QModelIndex below = grid.currentIndex();
+    EXPECT_EQ(grid.visualRect(below).left(),
+              grid.visualRect(grid.characters().index(above)).left());
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(below).center());
+    EXPECT_EQ(copied(), textOfCharacter(grid.characters().at(below.row())));
 }
 
 TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
