@@ -12,7 +12,7 @@
 namespace host::svg {
 
 Tag Scanner::tagOf(const StartTag& start) const {
-    const auto known = start.uri == svgUri_ ? tags_.find(start.name) : tags_.end();
+    const auto known = isSvg(start.uri) ? tags_.find(start.name) : tags_.end();
     return known == tags_.end() ? Tag::Unknown : known->second;
 }
 
@@ -21,7 +21,7 @@ std::string Scanner::objectionTo(const StartTag& start) const {
     if (open_.empty() && tagOf(start) != Tag::Svg) {
         const std::string_view name = chars(start.name);
         return "not an SVG drawing: its root element is '" + std::string(name.substr(0, 60)) + "'" +
-               (start.uri == svgUri_ ? "" : ", which is not in the namespace of SVG");
+               (isSvg(start.uri) ? "" : ", which is not in the namespace of SVG");
     }
     if (open_.size() >= limits_.maximumDepth) {
         return "elements are nested more than " + std::to_string(limits_.maximumDepth) + " deep";
@@ -37,6 +37,9 @@ std::string Scanner::objectionTo(const StartTag& start) const {
 }
 
 void Scanner::begin(xmlParserCtxtPtr context, const StartTag& start) {
+    if (open_.empty()) {
+        rootIsBare_ = start.uri == nullptr;
+    }
     if (std::string objection = objectionTo(start); !objection.empty()) {
         fail(context, std::move(objection));
         return;
@@ -94,7 +97,7 @@ Scanner::Open Scanner::openWithin(const Open* outer, const StartTag& start,
         element.preserve = parent.preserve;
         element.topLevel = parent.transparent;
         element.transparent = element.topLevel && element.tag == Tag::Switch;
-        open.muted = open.muted || outer->muted || start.uri != svgUri_;
+        open.muted = open.muted || outer->muted || !isSvg(start.uri);
         open.inFrame = outer->inFrame;
         open.paragraph = outer->inFrame ? outer->paragraph : noElement;
     }

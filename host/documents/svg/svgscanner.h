@@ -121,6 +121,11 @@ private:
     void noteFontFace(std::string_view local, unsigned count, const xmlChar** attributes);
     void addText(xmlParserCtxtPtr context, std::string_view text);
     void closePiece(std::uint32_t place);
+    /// Whether elements of this namespace are SVG's. In a drawing that names none for its root,
+    /// as many have been written, those without one are.
+    bool isSvg(const xmlChar* uri) const {
+        return uri == svgUri_ || (uri == nullptr && rootIsBare_);
+    }
     Space spaceOf(const xmlChar* uri) const;
     std::string_view keep(const xmlChar* start, const xmlChar* end);
 
@@ -156,6 +161,7 @@ private:
     std::unordered_map<const xmlChar*, Defaults> defaults_;                 ///< by name of element
     std::unordered_set<std::string_view> keptValues_; ///< the tree's, each once
     const xmlChar* svgUri_ = nullptr;
+    bool rootIsBare_ = false;
     const xmlChar* xlinkUri_ = nullptr;
     const xmlChar* xmlUri_ = nullptr;
 

@@ -169,6 +169,16 @@ TEST(ADrawing, MayDeclareItsNamespacesAsEntities) {
     EXPECT_EQ(visibleRuns(document), "A/Regular:a|A/Bold:m|A/Regular:b|A/Bold:m");
 }
 
+/// Drawing programs open such files, and many have been written.
+TEST(ADrawing, MayNameNoNamespace) {
+    EXPECT_EQ(
+        visibleRuns(readSvg("<svg xmlns:s='http://www.w3.org/2000/svg'><text font-family='A'>a"
+                            "<x xmlns='urn:x'>x</x></text><s:text font-family='B'>b</s:text>"
+                            "</svg>",
+                            "x.svg")),
+        "A/Regular:a|B/Regular:b");
+}
+
 TEST(ADrawing, IsReadWithoutItsParameterEntities) {
     const std::string body = "<!ENTITY x 'a'> %p;]><svg xmlns='http://www.w3.org/2000/svg'><text "
                              "font-family='A'>&x;</text></svg>";
