@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,21 +43,28 @@ void removeTree(const std::string& path) {
 }
 
 void cloneOrCopy(const std::string& source, const std::string& target) {
-    removeFile(target);
-    {
-        const sys::Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-        const sys::Descriptor to(
-            open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-        if (from && to && ioctl(to.get(), FICLONE, from.get()) == 0) {
-            return;
-        }
-    }
-    try {
-        std::filesystem::copy_file(source, target,
-                                   std::filesystem::copy_options::overwrite_existing);
-    } catch (const std::filesystem::filesystem_error& error) {
+    const auto fail = [&](int code) {
         unlink(target.c_str());
-        throw systemError(source, "cannot be copied to " + folderOf(target), error.code().value());
+        throw systemError(source, "cannot be copied to " + folderOf(target), code);
+    };
+    removeFile(target);
+    const sys::Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!from) {
+        fail(errno);
+    }
+    const sys::Descriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+    if (!to) {
+        fail(errno);
+    }
+    if (ioctl(to.get(), FICLONE, from.get()) == 0) {
+        return;
+    }
+    constexpr std::size_t most = 1U << 30U;
+    for (ssize_t count = 1; count != 0;) {
+        count = sendfile(to.get(), from.get(), nullptr, most);
+        if (count < 0 && errno != EINTR) {
+            fail(errno);
+        }
     }
 }
 

@@ -344,7 +344,8 @@ TEST_F(AnActivation, LosesOnlyTheFileThatADiskHasNoRoomFor) {
     {
         const DiskSpace little(room);
         const auto outcome = activate(fonts());
-        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("/two.ttf: cannot be copied to ")));
+        EXPECT_THAT(outcome.problems, ElementsAre(AllOf(HasSubstr("/two.ttf: cannot be copied to "),
+                                                        HasSubstr(": File too large"))));
         EXPECT_THAT(outcome.lost, ElementsAre("two.ttf"));
     }
     EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "one.ttf"));
