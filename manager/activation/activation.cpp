@@ -134,7 +134,8 @@ void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span
             std::vector<LostFile> lost;
             std::vector<std::string> problems;
             std::erase_if(records[i].files, [&](const SetFile& file) {
-                const bool bad = endless_.contains({file.source, file.stamp.inode});
+                const auto known = endless_.find(file.source);
+                const bool bad = known != endless_.end() && known->second == file.stamp;
                 if (bad) {
                     lost.push_back({file.name, file.source + endlessText});
                 }
@@ -226,7 +227,7 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
             tell(std::move(problems), records[i].files.size(), outcomes[i]);
             for (const SetFile& file : records[i].files) {
                 if (reading.endless.contains(folder + "/" + file.name)) {
-                    endless_.emplace(file.source, file.stamp.inode);
+                    endless_[file.source] = file.stamp;
                 }
             }
             if (!invisible.empty()) {

@@ -175,7 +175,7 @@ private:
     std::filesystem::path program_;
     std::chrono::milliseconds patience_;
     DesktopFaces desktop_;
-    std::set<std::pair<std::string, std::int64_t>> endless_; ///< sources, with their inodes
+    std::map<std::string, FileStamp> endless_; ///< by source
     std::vector<std::string> changedFolders_;
     KnownReasons known_;
     bool anyChanged_ = true; ///< records may be others than known; else those of `changed_`

@@ -242,6 +242,10 @@ TEST_F(AnActivation, TakesAFileBackThatFontconfigLoopsIn) {
                     ElementsAre(HasSubstr("/two.ttf: fontconfig does not come to an end with it")));
         EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
     }
+    writeBytes(reader, "#!/bin/sh\nexec " + desktopProgram().string() + " \"$@\"\n");
+    addFont("two.ttf", "Mended in Place");
+    const ContainerFonts mended = fonts();
+    EXPECT_THAT(activation.activate(std::span(&mended, 1)).at(0).problems, IsEmpty());
 }
 
 TEST_F(AnActivation, TakesNothingAwayThatNoReaderGotToTheEndOf) {
