@@ -121,8 +121,7 @@ void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span
     std::optional<Mappers> mappers; // to be read when they are asked for
     for (std::size_t i = 0; i < records.size(); ++i) {
         ActivationOutcome& outcome = outcomes[i];
-        if (containers[i].onlyIfActive &&
-            !limitToActive(containers[i], mappers, records[i], outcome)) {
+        if (!joinWithActive(containers[i], mappers, records[i], outcome)) {
             continue;
         }
         if (records[i].files.empty()) {
@@ -242,11 +241,11 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
         showChanges(reduced);
     }
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        outcomes[i].success = outcomes[i].problems.empty();
+        outcomes[i].success = outcomes[i].problems.size() == (outcomes[i].postponed ? 1U : 0U);
         if (outcomes[i].changed) {
             outcomes[i].versions = versionsOfReplaced(before[i], records[i].files);
         }
-        if (outcomes[i].success && !containers[i].onlyIfActive) {
+        if (outcomes[i].success && !records[i].reasons.empty()) {
             known_.learn(records[i].id, records[i].reasons); // while its processes have names
         }
     }

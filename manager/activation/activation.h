@@ -32,19 +32,22 @@ struct ContainerFonts {
     /// Nothing is done for one that is not active. Of another the files that it has are brought up
     /// to date; it is given no more of them, and keeps those that are not among `files`.
     bool onlyIfActive = false;
-    /// By the name of a file that it has: that of the one among `files` that takes its place, once
-    /// no program has the set open. For those of onlyIfActive.
+    /// By the name of a file that it has: that of the one among `files` that takes its place. See
+    /// successorsIn().
     std::map<std::string, std::string> successors = {};
+    /// Of one that is active nothing changes but the reasons.
+    bool reasonsOnly = false;
 };
 
 /// The record that its set has when all of it is in place.
 [[nodiscard]] SetRecord recordOf(const ContainerFonts& container);
 
 struct ActivationOutcome {
-    bool success = false; ///< the desktop sees every file of the container, as it was wanted
+    /// The desktop sees every file of the container, as it was wanted or as it was before.
+    bool success = false;
     bool changed = false; ///< the files that lie there for it are not those of before
     /// Programs have it open: it, or files that others are to take the place of, stay under them
-    /// until they end. `problems` tells which.
+    /// until they end. `problems` tells which; that is no failure.
     bool postponed = false;
     /// Names of files, without their folder, that are not active as they were wanted: they could
     /// not be put in place, or the desktop did not see them and they were taken away again, so that
@@ -102,7 +105,8 @@ public:
     active(const std::function<void(const std::string&)>& report) const;
 
     /// Activates a batch, each container in it once, with one reload for all of it. A file that
-    /// cannot be had or that the desktop does not see costs only itself. Never throws for one
+    /// cannot be had or that the desktop does not see costs only itself. What is active already and
+    /// not among the files wanted stays, unless it has a successor among them. Never throws for one
     /// container's fault.
     [[nodiscard]] std::vector<ActivationOutcome>
     activate(std::span<const ContainerFonts> containers);
@@ -135,6 +139,8 @@ public:
     [[nodiscard]] DesktopFaces& desktop() { return desktop_; }
     /// Reads them when they may be others by now. Throws Error.
     void refreshDesktop();
+    /// The same, for whom those of before do as well when they cannot be read.
+    [[nodiscard]] const DesktopFaces& desktopNow();
 
     /// Whether settle() is due about a second after the last change.
     [[nodiscard]] bool isUnsettled() const { return unsettled_; }
@@ -160,10 +166,10 @@ private:
     [[nodiscard]] std::string endsOf(const std::vector<Reason>& reasons) const;
     void putOnDisk(std::span<const ContainerFonts> containers, std::span<SetRecord> records,
                    std::span<ActivationOutcome> outcomes);
-    /// Makes `record` what an update of its set is to lead to. False: it is not active.
-    [[nodiscard]] bool limitToActive(const ContainerFonts& container,
-                                     std::optional<Mappers>& mappers, SetRecord& record,
-                                     ActivationOutcome& outcome) const;
+    /// Makes `record` what its set is to be. False: nothing is to be done.
+    [[nodiscard]] bool joinWithActive(const ContainerFonts& container,
+                                      std::optional<Mappers>& mappers, SetRecord& record,
+                                      ActivationOutcome& outcome) const;
     void takeAway(const std::set<std::string>& names, SetRecord& record,
                   ActivationOutcome& outcome);
     /// Has fontconfig read what changed in the root and in these folders of sets.

@@ -17,7 +17,8 @@ namespace {
 
 /// Whether they differ in their reasons alone.
 bool isSame(const ContainerFonts& a, const ContainerFonts& b) {
-    return a.name == b.name && a.onlyIfActive == b.onlyIfActive && a.successors == b.successors &&
+    return a.name == b.name && a.onlyIfActive == b.onlyIfActive && a.reasonsOnly == b.reasonsOnly &&
+           a.successors == b.successors &&
            std::equal(a.files.begin(), a.files.end(), b.files.begin(), b.files.end(),
                       [](const LibraryFile& one, const LibraryFile& other) {
                           return one.path == other.path && one.stamp == other.stamp;

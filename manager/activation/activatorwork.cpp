@@ -64,7 +64,7 @@ void Activator::activateSome(Activation& activation, ActivatorNews& news) {
     }
     const Batch done = std::exchange(batch_, {});
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        if (done.containers[i].onlyIfActive) {
+        if (done.containers[i].onlyIfActive || outcomes[i].postponed) {
             noteUpdate(done.containers[i], outcomes[i]);
         }
         for (const std::uint64_t call : done.calls[i]) {
@@ -78,7 +78,9 @@ void Activator::activateSome(Activation& activation, ActivatorNews& news) {
 void Activator::noteUpdate(const ContainerFonts& container, ActivationOutcome& outcome) {
     postponed_.erase(container.id);
     if (outcome.postponed) {
-        postponed_.emplace(container.id, container);
+        ContainerFonts& update = postponed_.emplace(container.id, container).first->second;
+        update.onlyIfActive = true;
+        update.reasons.clear();
     }
     tellOnce(container.id, outcome);
 }

@@ -4,38 +4,80 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
-#include <map>
+#include <set>
+#include <string>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 namespace manager {
 
 namespace {
 
-// Leaves it the files that are there, as new as `wanted` has them.
-void limitTo(const std::vector<SetFile>& current,
-             const std::map<std::string, std::string>& successors, SetRecord& wanted) {
-    std::vector<SetFile> files;
-    const FilesByName newer(wanted);
-    for (const SetFile& file : current) {
-        if (file.leaving) {
-            continue;
-        }
-        const auto successor = successors.find(file.name);
-        const bool isSucceeded = successor != successors.end();
-        const SetFile* version = newer.find(isSucceeded ? successor->second : file.name);
-        if (!isSucceeded || version == nullptr) {
-            files.push_back(version == nullptr ? file : *version);
-            continue;
-        }
-        auto known = std::find(files.begin(), files.end(), *version); // of another, too
-        if (known == files.end()) {
-            known = files.insert(files.end(), *version);
-        }
-        known->predecessors.push_back(file.name);
+/// What a set is to hold: files of those that it has, and of those that are wanted.
+class Joined {
+public:
+    Joined(const SetRecord& current, const ContainerFonts& container, const SetRecord& wanted)
+        : current_(current), container_(container), wanted_(wanted), byName_(wanted) {}
+
+    /// Whether a file would go, or another version take its place.
+    [[nodiscard]] bool replacesAny() const {
+        return std::any_of(
+            current_.files.begin(), current_.files.end(), [this](const SetFile& file) {
+                const SetFile* const next = nextOf(file);
+                return !file.leaving && next != nullptr && *next != file;
+            });
     }
-    wanted.files = std::move(files);
-}
+    /// With all that is there as it is, when `keepsAll`.
+    std::vector<SetFile> files(bool keepsAll) {
+        std::set<std::string> waiting; // for their place
+        for (const SetFile& file : current_.files) {
+            if (file.leaving) {
+                continue;
+            }
+            const SetFile* const next = nextOf(file);
+            SetFile& added = add(next == nullptr || keepsAll ? file : *next);
+            if (keepsAll && next != nullptr) {
+                waiting.insert(next->name);
+            } else if (added.name != file.name) {
+                added.predecessors.push_back(file.name);
+            }
+        }
+        const bool isGivenMore = !container_.onlyIfActive && !container_.reasonsOnly;
+        for (const SetFile& file : wanted_.files) {
+            if (isGivenMore && !waiting.contains(file.name)) {
+                add(file);
+            }
+        }
+        return std::move(files_);
+    }
+
+private:
+    /// nullptr: it stays.
+    [[nodiscard]] const SetFile* nextOf(const SetFile& file) const {
+        if (container_.reasonsOnly) {
+            return nullptr;
+        }
+        const auto successor = container_.successors.find(file.name);
+        return byName_.find(successor == container_.successors.end() ? file.name
+                                                                     : successor->second);
+    }
+    // Each name once.
+    SetFile& add(const SetFile& file) {
+        const auto [position, isNew] = positions_.try_emplace(file.name, files_.size());
+        if (isNew) {
+            files_.push_back(file);
+        }
+        return files_[position->second];
+    }
+
+    const SetRecord& current_;
+    const ContainerFonts& container_;
+    const SetRecord& wanted_;
+    FilesByName byName_;
+    std::vector<SetFile> files_;
+    std::unordered_map<std::string, std::size_t> positions_;
+};
 
 } // namespace
 
@@ -68,26 +110,30 @@ bool Activation::holds(const SetRecord& set, const LibraryFile& file) const {
            access((folders_.folder(set.id) + "/" + wanted.name).c_str(), F_OK) == 0;
 }
 
-bool Activation::limitToActive(const ContainerFonts& container, std::optional<Mappers>& mappers,
-                               SetRecord& record, ActivationOutcome& outcome) const {
+bool Activation::joinWithActive(const ContainerFonts& container, std::optional<Mappers>& mappers,
+                                SetRecord& record, ActivationOutcome& outcome) const {
     const auto current = recordInPlace(container.id);
     if (!current) {
-        return false;
+        return !container.onlyIfActive;
     }
-    if (!container.successors.empty()) {
+    if (!container.files.empty() && !isSetOf(*current, record.name, libraryFolder(record))) {
+        return true; // that of another container: it is told
+    }
+    Joined joined(*current, container, record);
+    if (joined.replacesAny()) {
         if (!mappers) {
             mappers = mappersOfFilesBelow(folders_.root());
         }
         // With them as reasons, their end is told.
-        record.reasons = usesIn(folder(container.id), *mappers);
-        outcome.postponed = !record.reasons.empty();
+        const std::vector<Reason> uses = usesIn(folder(container.id), *mappers);
+        record.reasons.insert(record.reasons.end(), uses.begin(), uses.end());
+        outcome.postponed = !uses.empty();
+        if (outcome.postponed) {
+            outcome.problems.push_back(
+                inUseText(container.id, uses, "newer files take their place"));
+        }
     }
-    if (outcome.postponed) {
-        outcome.problems.push_back(
-            inUseText(container.id, record.reasons, "files of new names take their place"));
-    }
-    const std::map<std::string, std::string> none;
-    limitTo(current->files, outcome.postponed ? none : container.successors, record);
+    record.files = joined.files(outcome.postponed);
     return true;
 }
 

@@ -6,9 +6,7 @@
 #include "manager/library/library.h"
 
 #include <cstddef>
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace manager {
@@ -25,12 +23,6 @@ public:
     [[nodiscard]] bool isAtEnd() const { return ids_.empty(); }
 
 private:
-    /// By the names of files that the container has no more: those of new ones with all their
-    /// faces.
-    [[nodiscard]] std::map<std::string, std::string>
-    successorsIn(const SetRecord& set, const std::vector<LibraryFile>& files,
-                 Activation& activation);
-
     std::unique_ptr<Library> library_;
     std::vector<ContainerId> ids_; ///< yet to be looked at
 };

@@ -4,6 +4,7 @@
 #include "faces/namekey.h"
 
 #include "manager/activation/activation.h"
+#include "manager/activation/successors.h"
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
@@ -110,6 +111,11 @@ void needServer(Tally& tally) {
     }
 }
 
+bool isAnyPostponed(std::span<const ActivationOutcome> outcomes) {
+    return std::any_of(outcomes.begin(), outcomes.end(),
+                       [](const ActivationOutcome& outcome) { return outcome.postponed; });
+}
+
 // Lets others know, now and in a second.
 void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
                 std::span<const ActivationOutcome> outcomes) {
@@ -144,15 +150,15 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
             tally.remark(called(container) + ": the desktop shows it without being activated");
             continue;
         }
-        fonts.push_back(
-            {container.id, container.name, finder.library().files(container.id), {reason}});
+        fonts.push_back(wholeOf(container, {reason}, finder.library(), activation,
+                                [&]() -> const DesktopFaces& { return activation.desktopNow(); }));
         ids.push_back(container.id);
         told.push_back({"activated " + called(container), toJson(container)});
     }
     const auto outcomes = activation.activate(fonts);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
-    if (reason != Reason::byHand() && !tally.isEmpty()) {
+    if ((reason != Reason::byHand() && !tally.isEmpty()) || isAnyPostponed(outcomes)) {
         needServer(tally);
     }
     return tally.finish();
@@ -187,8 +193,7 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
     excuseThoseThatLeft(activation, active, ids, outcomes);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
-    if (std::any_of(outcomes.begin(), outcomes.end(),
-                    [](const ActivationOutcome& outcome) { return outcome.postponed; })) {
+    if (isAnyPostponed(outcomes)) {
         needServer(tally);
     }
     return tally.finish("nothing is active");

@@ -2,21 +2,20 @@
 // What a command asks for, and what is known of it.
 #include "manager/exchange/activationbatch.h"
 
+#include "manager/activation/successors.h"
 #include "manager/exchange/exchange.h"
 
 #include <utility>
 
 namespace manager {
 
-ContainerFonts ActivationRun::fontsOf(const Container& container, Library& library) const {
-    return {container.id, container.name, library.files(container.id), reasons_};
-}
-
-const ActivationOutcome* ActivationRun::want(const Container& container, Library& library) {
+const ActivationOutcome* ActivationRun::want(const Container& container, Library& library,
+                                             const Activation& activation) {
     const auto [position, isNew] =
         byId_.try_emplace(static_cast<std::int32_t>(container.id), nullptr);
     if (isNew) {
-        wanted_.push_back(fontsOf(container, library));
+        wanted_.push_back(wholeOf(container, reasons_, library, activation,
+                                  [&]() -> const DesktopFaces& { return activation.desktop(); }));
         position->second = &all_.emplace_back(Wanted{container, false, {}});
     }
     return position->second->known ? &position->second->outcome : nullptr;
@@ -24,7 +23,8 @@ const ActivationOutcome* ActivationRun::want(const Container& container, Library
 
 void ActivationRun::use(const Container& container, Library& library) {
     if (!byId_.contains(static_cast<std::int32_t>(container.id))) {
-        used_.push_back(fontsOf(container, library));
+        used_.push_back({container.id, container.name, library.files(container.id), reasons_});
+        used_.back().reasonsOnly = true; // files are for one that leaves meanwhile
     }
 }
 
@@ -49,8 +49,8 @@ void ActivationRun::report(Answer& answer) const {
     }
     for (const auto& [container, known, outcome] : all_) {
         answer.changed = answer.changed || outcome.changed;
-        answer.problems.insert(answer.problems.end(), outcome.problems.begin(),
-                               outcome.problems.end());
+        auto& told = outcome.success ? answer.undecided : answer.problems;
+        told.insert(told.end(), outcome.problems.begin(), outcome.problems.end());
         if (outcome.changed) {
             answer.done.push_back("activated " + container.name + " (container " +
                                   toText(container.id) + ", " + container.path() + ")");
@@ -64,9 +64,9 @@ void ActivationBatch::add(const Container& container) {
     }
 }
 
-void ActivationBatch::run(Library& library, ActivationRun& run) {
+void ActivationBatch::run(Library& library, const Activation& activation, ActivationRun& run) {
     for (const Container& container : containers_) {
-        outcomes_.push_back(run.want(container, library));
+        outcomes_.push_back(run.want(container, library, activation));
     }
 }
 

@@ -31,7 +31,8 @@ public:
 
     /// Asks for a container. nullptr: the outcome is not known yet. Throws Error when the index
     /// cannot be read.
-    const ActivationOutcome* want(const Container& container, Library& library);
+    const ActivationOutcome* want(const Container& container, Library& library,
+                                  const Activation& activation);
     /// Asks that an active one stays active for the command's reasons, too; nobody waits for it.
     void use(const Container& container, Library& library);
 
@@ -53,8 +54,6 @@ private:
         bool known = false;
         ActivationOutcome outcome;
     };
-    ContainerFonts fontsOf(const Container& container, Library& library) const;
-
     std::vector<Reason> reasons_ = {Reason::byHand()};
     std::string remark_;
     std::chrono::milliseconds lookUpTime_ = std::chrono::hours(1);
@@ -69,7 +68,7 @@ class ActivationBatch {
 public:
     void add(const Container& container);
     /// Asks for all of them. Throws Error when the index cannot be read.
-    void run(Library& library, ActivationRun& run);
+    void run(Library& library, const Activation& activation, ActivationRun& run);
 
     [[nodiscard]] bool holds(ContainerId id) const {
         return positions_.contains(static_cast<std::int32_t>(id));

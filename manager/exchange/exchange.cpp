@@ -47,8 +47,8 @@ class Exchange {
 public:
     Exchange(Library& library, const Activation& activation, StandIns& standIns,
              const Command& command, ActivationRun& run, Answer& answer)
-        : library_(library), standIns_(standIns), run_(run), finder_(library, activation),
-          command_(command), answer_(answer), reply_(command.word) {
+        : library_(library), activation_(activation), standIns_(standIns), run_(run),
+          finder_(library, activation), command_(command), answer_(answer), reply_(command.word) {
         answer_.problems = command.problems;
     }
 
@@ -105,7 +105,7 @@ private:
             showWindow = showWindow || held.isOpen(font) || !held.near.empty();
             answer_.undecided.push_back(calledName(font) + whyNothingIsDone(held));
         }
-        batch.run(library_, run_);
+        batch.run(library_, activation_, run_);
         late_ = command_.fonts.size() - found.size();
         found.resize(command_.fonts.size());
         reply_.flag("showWindow", showWindow);
@@ -132,7 +132,7 @@ private:
                                            "': not in the library");
             }
         }
-        batch.run(library_, run_);
+        batch.run(library_, activation_, run_);
         const ActivationBatch second = tryOthers(chosen, batch);
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             writeActivatedFont(command_.fonts[i], chosen[i], batch, second);
@@ -160,7 +160,7 @@ private:
                 break;
             }
         }
-        second.run(library_, run_);
+        second.run(library_, activation_, run_);
         return second;
     }
 
@@ -257,6 +257,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     Library& library_;
+    const Activation& activation_;
     StandIns& standIns_;
     ActivationRun& run_;
     CandidateFinder finder_;

@@ -2,6 +2,7 @@
 // Commands answered over a real library and real activation.
 #include "manager/exchange/candidates.h"
 #include "tests/faces/matching_cases.h"
+#include "tests/manager/activationfixture.h"
 #include "tests/manager/exchangefixture.h"
 
 #include <filesystem>
@@ -280,6 +281,37 @@ TEST_F(AnExchange, RenewsWhatTheLibraryReplacedUnderTheSameName) {
     EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
     EXPECT_TRUE(answer_.changed);
     EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "1");
+}
+
+TEST_F(AnExchange, TakesNoFilesAwayForOneDocumentThatAnotherProgramHas) {
+    const std::string asked = font({{"syncID", "1"}, {"psName", "Lato-Bold"}});
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    const std::string set = activation_.folder(*toContainerId(idOf("Lato-Bold")));
+    const auto files = [&] {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(set)) {
+            names.insert(entry.path().filename().string());
+        }
+        names.erase(setRecordName);
+        return names;
+    };
+    std::filesystem::remove(sandbox_.library() + "/one/lato-r.ttf");
+    add("one/lato-i.ttf", {"Lato", "Italic", "Lato-Italic", true});
+    scan();
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    EXPECT_THAT(files(), ElementsAre("lato-r.ttf", "lato.ttf")) << "it only has one reason more";
+    std::filesystem::rename(sandbox_.library() + "/one/lato.ttf",
+                            sandbox_.library() + "/one/bold.ttf");
+    scan();
+    {
+        const FontUser user(set + "/lato.ttf");
+        EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+        EXPECT_THAT(answer_.undecided, ElementsAre(HasSubstr("; newer files take their place")));
+        EXPECT_THAT(answer_.problems, IsEmpty());
+        EXPECT_THAT(files(), ElementsAre("lato-i.ttf", "lato-r.ttf", "lato.ttf"));
+    }
+    EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
+    EXPECT_THAT(files(), ElementsAre("bold.ttf", "lato-i.ttf", "lato-r.ttf"));
 }
 
 TEST_F(AnExchange, TakesAnotherContainerWhenTheNamedOneFails) {
