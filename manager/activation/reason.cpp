@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <random>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace manager {
@@ -87,6 +88,11 @@ std::optional<ProcessMark> markOf(std::int32_t processId) {
 
 bool isRunning(const ProcessMark& process) {
     return process.boot == bootId() && markOf(process.id) == process;
+}
+
+bool isOwn(std::int32_t processId) {
+    struct stat status {};
+    return stat(processFolder(processId).c_str(), &status) == 0 && status.st_uid == geteuid();
 }
 
 std::optional<Reason> Reason::forDocumentOf(std::int32_t processId) {

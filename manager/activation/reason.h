@@ -23,6 +23,8 @@ struct ProcessMark {
 /// nullopt: there is no such process.
 [[nodiscard]] std::optional<ProcessMark> markOf(std::int32_t processId);
 [[nodiscard]] bool isRunning(const ProcessMark& process);
+/// Whether it is a process of this user.
+[[nodiscard]] bool isOwn(std::int32_t processId);
 
 struct Reason {
     enum class Kind {

@@ -288,8 +288,9 @@ Answer answerCommand(Library& library, const Activation& activation, StandIns& s
     if (command.targetPid) {
         answer.target = ChangeTarget{*command.targetPid, command.targetClass.value_or("FILC")};
     }
-    // A program in a sandbox may know itself by another number.
-    for (const auto& process : {command.targetPid, sender}) {
+    // A program in a sandbox may know itself by another number, which may be anybody's here.
+    const bool isNamed = command.targetPid && isOwn(*command.targetPid);
+    for (const auto& process : {isNamed ? command.targetPid : std::nullopt, sender}) {
         if (const auto reason = process ? Reason::forDocumentOf(*process) : std::nullopt) {
             run.setReasons({*reason});
             break;

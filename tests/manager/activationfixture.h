@@ -28,7 +28,8 @@ inline constexpr auto container = static_cast<manager::ContainerId>(7);
 /// A program that has a file mapped, as those do that draw with a font.
 class FontUser {
 public:
-    explicit FontUser(const std::string& path) {
+    /// As another user when one is given, which takes root.
+    explicit FontUser(const std::string& path, uid_t user = geteuid()) {
         int ends[2] = {};
         EXPECT_EQ(pipe(ends), 0);
         const sys::Descriptor ready(ends[0]);
@@ -38,6 +39,9 @@ public:
             if (process_ == 0) {
                 const int file = open(path.c_str(), O_RDONLY);
                 static_cast<void>(mmap(nullptr, 1, PROT_READ, MAP_PRIVATE, file, 0));
+                if (setuid(user) != 0) {
+                    _exit(1);
+                }
                 static_cast<void>(write(tell.get(), "", 1));
                 pause();
             }

@@ -423,4 +423,26 @@ TEST_F(AnExchange, TellsWhomToInformOfChanges) {
     EXPECT_EQ(answer_.target, std::nullopt);
 }
 
+TEST_F(AnExchange, ActivatesForTheSenderWhenAnotherUsersProcessIsNamed) {
+    // Root has to make one, to all others the first process is.
+    pid_t other = 1;
+    std::optional<FontUser> program;
+    if (geteuid() == 0) {
+        constexpr uid_t nobody = 65534;
+        other = program.emplace(sandbox_.library() + "/odd/m.ttf", nobody).process();
+    } else if (isOwn(other)) {
+        GTEST_SKIP() << "all processes are this user's";
+    }
+    for (const auto& [named, expected] :
+         {std::pair(getppid(), getppid()), std::pair(other, getpid())}) {
+        ActivationRun run;
+        StandIns standIns;
+        const std::string command = "<cmd>fontRequest</cmd>\n<targetPid>" + std::to_string(named) +
+                                    "</targetPid>\n" +
+                                    font({{"syncID", "1"}, {"psName", "Mueller"}}) + "</cmd>\n";
+        static_cast<void>(answerCommand(library_, activation_, standIns, command, getpid(), run));
+        EXPECT_THAT(run.takeWanted().at(0).reasons, ElementsAre(*Reason::forDocumentOf(expected)));
+    }
+}
+
 } // namespace
