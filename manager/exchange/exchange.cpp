@@ -245,7 +245,11 @@ private:
                 reply_.flag("isActive", !shown.empty() || candidates.front().active);
             }
             if (!candidates.empty()) {
-                reply_.element("containerID", toText(candidates.front().container.id));
+                // The one named may be one of several with the same file.
+                const auto named = toContainerId(font.containerId.value_or(""));
+                const bool holdsIt = named && !fileIn(*named, font, candidates).empty();
+                reply_.element("containerID",
+                               toText(holdsIt ? *named : candidates.front().container.id));
             }
             if (command_.kind == CommandKind::BuyRequest) {
                 reply_.flag("handled", false);

@@ -386,6 +386,8 @@ TEST_F(AnExchange, ActivatesByPostScriptNameWithoutAContainer) {
 }
 
 TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
+    add("z/both.ttf", {"Both", "Regular", "Both", true}); // the bytes of another
+    scan();
     for (const char* word : {"showRequest", "buyRequest"}) {
         const ReplyNode root = ask(word, font({{"psName", "Both"}}) + font({{"psName", "None"}}));
         EXPECT_EQ(root.value("showWindow"), "0");
@@ -394,7 +396,7 @@ TEST_F(AnExchange, AnswersShowAndBuyRequestsWithoutActing) {
         EXPECT_EQ(fonts[0]->value("count"), "2");
         EXPECT_EQ(fonts[0]->value("psName"), "Both");
         EXPECT_EQ(fonts[1]->value("count"), "0");
-        for (const std::string& id : {idOf("Both", 0), idOf("Both", 1)}) {
+        for (const std::string& id : {idOf("Both", 0), idOf("Both", 1), idOf("Both", 2)}) {
             const std::string named = font({{"psName", "Both"}, {"containerID", id}});
             EXPECT_EQ(askForOne(word, named).value("containerID"), id);
         }
