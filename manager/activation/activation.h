@@ -26,7 +26,7 @@ namespace manager {
 /// What is to be activated.
 struct ContainerFonts {
     ContainerId id{};
-    std::string name;
+    std::string name; ///< empty, with onlyIfActive: of whatever set has the number
     std::vector<LibraryFile> files;
     std::vector<Reason> reasons = {Reason::byHand()}; ///< added to those of before
     /// Nothing is done for one that is not active. Of another the files that it has are brought up
@@ -89,6 +89,8 @@ public:
 
     /// The folder of this container's set, be it there or not.
     [[nodiscard]] std::string folder(ContainerId id) const { return folders_.folder(id); }
+    /// The set that a file lies in; nullopt: in none.
+    [[nodiscard]] std::optional<ContainerId> setWith(const std::string& file) const;
     /// The set of this container that is active, whichever of its files are. A set of another
     /// container under its number does not count.
     [[nodiscard]] std::optional<SetRecord> setOf(const Container& container) const;

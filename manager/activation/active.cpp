@@ -22,11 +22,11 @@ public:
 
     /// Whether a file would go, or another version take its place.
     [[nodiscard]] bool replacesAny() const {
-        return std::any_of(
-            current_.files.begin(), current_.files.end(), [this](const SetFile& file) {
-                const SetFile* const next = nextOf(file);
-                return !file.leaving && next != nullptr && *next != file;
-            });
+        return std::any_of(current_.files.begin(), current_.files.end(),
+                           [this](const SetFile& file) {
+                               const SetFile* const next = nextOf(file);
+                               return !file.leaving && next != nullptr && *next != file;
+                           });
     }
     /// With all that is there as it is, when `keepsAll`.
     std::vector<SetFile> files(bool keepsAll) {
@@ -104,6 +104,12 @@ std::optional<SetRecord> Activation::setOf(const Container& container) const {
                                                                         : std::nullopt;
 }
 
+std::optional<ContainerId> Activation::setWith(const std::string& file) const {
+    const std::string place = folderOf(file);
+    const auto id = toContainerId(nameOf(place));
+    return id && folders_.folder(*id) == place ? id : std::nullopt;
+}
+
 bool Activation::holds(const SetRecord& set, const LibraryFile& file) const {
     const SetFile wanted{nameOf(file.path), file.path, file.stamp, false};
     return std::find(set.files.begin(), set.files.end(), wanted) != set.files.end() &&
@@ -116,7 +122,9 @@ bool Activation::joinWithActive(const ContainerFonts& container, std::optional<M
     if (!current) {
         return !container.onlyIfActive;
     }
-    if (!container.files.empty() && !isSetOf(*current, record.name, libraryFolder(record))) {
+    if (record.name.empty()) { // asked for by its number alone
+        record.name = current->name;
+    } else if (!isSetOf(*current, record.name, libraryFolder(record))) {
         return true; // that of another container: it is told
     }
     Joined joined(*current, container, record);

@@ -22,9 +22,15 @@ const ActivationOutcome* ActivationRun::want(const Container& container, Library
 }
 
 void ActivationRun::use(const Container& container, Library& library) {
-    if (!byId_.contains(static_cast<std::int32_t>(container.id))) {
+    if (!isWanted(container.id) && inUse_.insert(container.id).second) {
         used_.push_back({container.id, container.name, library.files(container.id), reasons_});
         used_.back().reasonsOnly = true; // files are for one that leaves meanwhile
+    }
+}
+
+void ActivationRun::use(ContainerId set) {
+    if (!isWanted(set) && inUse_.insert(set).second) {
+        used_.push_back({set, {}, {}, reasons_, true});
     }
 }
 

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -33,8 +34,14 @@ public:
     /// cannot be read.
     const ActivationOutcome* want(const Container& container, Library& library,
                                   const Activation& activation);
+    /// Whether the command has asked for it.
+    [[nodiscard]] bool isWanted(ContainerId id) const {
+        return byId_.contains(static_cast<std::int32_t>(id));
+    }
     /// Asks that an active one stays active for the command's reasons, too; nobody waits for it.
     void use(const Container& container, Library& library);
+    /// The same for a set of which the library may know nothing.
+    void use(ContainerId set);
 
     /// What was asked for since the last call, each container once in a command.
     [[nodiscard]] std::vector<ContainerFonts> takeWanted() { return std::exchange(wanted_, {}); }
@@ -61,6 +68,7 @@ private:
     std::unordered_map<std::int32_t, Wanted*> byId_;
     std::vector<ContainerFonts> wanted_;
     std::vector<ContainerFonts> used_;
+    std::set<ContainerId> inUse_; ///< all that were ever asked for
 };
 
 /// Gathers the containers that a step of a command activates, each once.

@@ -90,12 +90,9 @@ private:
         bool showWindow = false;
         for (std::size_t i = 0; i < found.size(); ++i) {
             const CommandFont& font = command_.fonts[i];
-            const auto& [held, shown] = found[i];
-            if (shown.empty() && !held.exact.empty() && held.exact.front().active &&
-                finder_.setOf(held.exact.front().container)) {
-                run_.use(held.exact.front().container, library_);
-            }
-            if (!shown.empty() || (!held.exact.empty() && held.exact.front().active)) {
+            const Finding& held = found[i].held;
+            if (isShown(found[i])) {
+                keepShown(found[i]);
                 continue; // a second face of this name would make it a matter of luck which is seen
             }
             if (const Candidate* const decided = held.decided(font)) {
@@ -111,6 +108,23 @@ private:
         reply_.flag("showWindow", showWindow);
         for (std::size_t i = 0; i < found.size(); ++i) {
             writeFontRequestFont(reply_, command_.fonts[i], found[i], batch);
+        }
+    }
+
+    static bool isShown(const Found& found) {
+        return !found.shown.empty() ||
+               (!found.held.exact.empty() && found.held.exact.front().active);
+    }
+
+    // What others have had activated is to stay for this command, too.
+    void keepShown(const Found& found) {
+        for (const DesktopFace& face : found.shown) {
+            if (const auto set = activation_.setWith(face.file)) {
+                run_.use(*set);
+            }
+        }
+        if (found.shown.empty() && finder_.setOf(found.held.exact.front().container)) {
+            run_.use(found.held.exact.front().container, library_);
         }
     }
 
@@ -214,14 +228,25 @@ private:
     }
 
     Choice choose(const CommandFont& font) {
-        const auto [held, shown] = findOne(finder_, font);
-        const std::vector<Candidate>& candidates = held.exact;
-        if (!shown.empty()) {
+        const Found found = findOne(finder_, font);
+        const std::vector<Candidate>& candidates = found.held.exact;
+        const auto isActive = [&](ContainerId id) {
+            return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& one) {
+                return one.active && one.container.id == id;
+            });
+        };
+        if (!found.shown.empty()) {
+            keepShown(found);
             return {{}, {}, true};
         }
         if (const auto id = toContainerId(font.containerId.value_or(""))) {
             if (auto container = library_.container(*id)) {
                 std::string own = fileIn(*id, font, candidates);
+                // What this command has tried itself before goes on as it began.
+                if (!own.empty() && isShown(found) && !isActive(*id) && !run_.isWanted(*id)) {
+                    keepShown(found);
+                    return {{}, {}, true};
+                }
                 if (!own.empty() || candidates.empty()) {
                     return {std::move(container), std::move(own)};
                 }

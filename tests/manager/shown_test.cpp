@@ -5,10 +5,15 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <unistd.h>
+#include <utility>
 
+using namespace manager;
 using namespace managertest;
 using namespace testsupport;
+using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testsupport::ReplyNode;
 
 namespace {
@@ -104,6 +109,52 @@ TEST_F(AnInstalledFont, MayBeOneThatTheLibraryHasLostSince) {
     scan();
     EXPECT_EQ(askActive("fontRequest", "Mueller"), "1");
     EXPECT_FALSE(answer_.changed);
+}
+
+TEST_F(AnInstalledFont, StaysForAllThatAskedWhenItsContainerIsAwayOrGone) {
+    const auto ask = [&](const char* word, pid_t sender = getpid()) {
+        ActivationRun run;
+        StandIns standIns;
+        static_cast<void>(answerCommand(library_, activation_, standIns,
+                                        "<cmd>" + std::string(word) + "</cmd>\n" +
+                                            font({{"syncID", "1"}, {"psName", "Mueller"}}) +
+                                            font({{"syncID", "2"}, {"psName", "Mueller"}}) +
+                                            "</cmd>\n",
+                                        sender, run));
+        return std::pair(run.takeWanted(), run.takeUsed());
+    };
+    EXPECT_TRUE(activation_.activate(ask("fontRequest", getppid()).first).at(0).success);
+    std::filesystem::rename(sandbox_.library(), sandbox_.root() + "/unplugged");
+    for (const bool isGone : {false, true}) {
+        updateLibrary(library_,
+                      isGone ? std::vector<std::string>() : std::vector{sandbox_.library()},
+                      FontReaderLimits{});
+        for (const char* word : {"fontRequest", "activationRequest"}) {
+            const std::vector<ContainerFonts> used = ask(word).second;
+            EXPECT_THAT(used, SizeIs(1)) << word;
+            EXPECT_EQ(activation_.activate(used).at(0).problems, std::vector<std::string>());
+            EXPECT_THAT(
+                activation_.active({}).at(0).reasons,
+                ElementsAre(*Reason::forDocumentOf(getppid()), *Reason::forDocumentOf(getpid())));
+        }
+    }
+    EXPECT_TRUE(activation_.deactivate(activation_.sets()).at(0).success);
+    EXPECT_THAT(ask("fontRequest").second, IsEmpty());
+}
+
+TEST_F(AnInstalledFont, IsNotActivatedFromAnotherContainerByHand) {
+    // Of other bytes, and of the same.
+    add("z/both.ttf", {"Both", "Regular", "Both", true});
+    scan();
+    askForOne("activationRequest", font({{"containerID", idOf("Both", 1)}, {"psName", "Both"}}));
+    for (const std::size_t other : {0U, 2U}) {
+        const std::string id = idOf("Both", other);
+        const ReplyNode reply =
+            askForOne("activationRequest", font({{"containerID", id}, {"psName", "Both"}}));
+        EXPECT_EQ(reply.value("isActive") + reply.value("activationSuccessfull"), "11");
+        EXPECT_EQ(reply.value("containerID"), id);
+        EXPECT_THAT(activation_.sets(), SizeIs(1));
+    }
 }
 
 } // namespace
