@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <set>
 #include <string_view>
 #include <sys/epoll.h>
 #include <sys/inotify.h>
@@ -18,9 +17,15 @@
 
 namespace manager {
 
+namespace {
+
+// DATA/fonts/glyphora/.staging: what is above them stays where it is while somebody is logged in.
+constexpr int watchedLevels = 4;
+
+} // namespace
+
 ReasonWatch::ReasonWatch(const std::string& sets)
-    : staging_(SetStaging(sets).path()), changes_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
-      ended_(epoll_create1(EPOLL_CLOEXEC)) {
+    : staging_(SetStaging(sets).path()), ended_(epoll_create1(EPOLL_CLOEXEC)) {
     watchStaging();
 }
 
@@ -29,10 +34,27 @@ void ReasonWatch::watchStaging() {
         makeFolders(staging_);
     } catch (const Error&) { // NOLINT(bugprone-empty-catch): then there are no sets either
     }
-    const int watch =
-        inotify_add_watch(changes_.get(), staging_.c_str(), IN_MOVED_FROM | IN_ONLYDIR);
-    anyChanged_ = anyChanged_ || watch < 0 || (watch_ >= 0 && watch != watch_);
-    watch_ = watch;
+    if (!changes_) {
+        changes_ = sys::Descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    }
+    // A watch stays with its folder when one above that gets another name.
+    std::set<int> watches;
+    std::string path = staging_;
+    std::uint32_t events = IN_MOVED_FROM | IN_MOVE_SELF;
+    for (int level = 0; level < watchedLevels; ++level) {
+        watches.insert(inotify_add_watch(changes_.get(), path.c_str(), events | IN_ONLYDIR));
+        path = folderOf(path);
+        events = IN_MOVE_SELF;
+    }
+    isDeaf_ = watches.erase(-1) != 0;
+    if (watches != watches_) {
+        anyChanged_ = anyChanged_ || !watches_.empty();
+        for (const int old : std::exchange(watches_, watches)) {
+            if (!watches.contains(old)) {
+                inotify_rm_watch(changes_.get(), old);
+            }
+        }
+    }
 }
 
 int ReasonWatch::shorten(int wait) const {
@@ -79,7 +101,7 @@ bool ReasonWatch::takeEnd() {
 
 bool ReasonWatch::takeChange() {
     alignas(inotify_event) std::array<char, 16384> block{};
-    bool changed = false;
+    bool changed = false; // by others
     for (ssize_t count = 0; (count = read(changes_.get(), block.data(), block.size())) > 0;) {
         changed = true;
         for (ssize_t position = 0; position < count;) {
@@ -95,15 +117,25 @@ bool ReasonWatch::takeChange() {
             position += static_cast<ssize_t>(sizeof event + event.len);
         }
     }
-    if (changed) { // the folder may have been removed
+    if (changed || changedHere_) { // the folder may be another one by now
         watchStaging();
     }
-    return changed;
+    return std::exchange(changedHere_, false) || changed;
+}
+
+void ReasonWatch::noteChanges(const std::vector<ContainerId>& sets) {
+    changedHere_ = changedHere_ || !sets.empty();
+    changed_.insert(changed_.end(), sets.begin(), sets.end());
+}
+
+void ReasonWatch::lookAgain() {
+    watchStaging();
+    anyChanged_ = true;
 }
 
 std::optional<std::vector<ContainerId>> ReasonWatch::takeChangedSets() {
     auto sets = std::exchange(changed_, {});
-    return std::exchange(anyChanged_, watch_ < 0) ? std::nullopt : std::optional(std::move(sets));
+    return std::exchange(anyChanged_, false) ? std::nullopt : std::optional(std::move(sets));
 }
 
 } // namespace manager

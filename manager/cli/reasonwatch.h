@@ -9,12 +9,14 @@
 #include <cstdint>
 #include <ctime>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace manager {
 
-/// [main-thread] What cannot be watched is found out at the next look at the reasons.
+/// [main-thread] What others change is heard through the folder in which every set is prepared.
+/// Where that cannot be watched, one has to look now and then.
 class ReasonWatch {
 public:
     /// `sets` is the folder of all sets, be it there yet or not.
@@ -31,15 +33,24 @@ public:
     void watch(const std::vector<Reason>& reasons);
     /// Whether one has ended; told once.
     bool takeEnd();
+    /// Whether something has changed since the last call.
     bool takeChange();
+    /// Sets that this process has changed.
+    void noteChanges(const std::vector<ContainerId>& sets);
     /// The sets that have changed since the last call; nullopt: any may have.
     std::optional<std::vector<ContainerId>> takeChangedSets();
+    /// Whether changes that others make are not all heard of.
+    [[nodiscard]] bool isDeaf() const { return isDeaf_; }
+    /// Tries to hear them again; any set may have changed meanwhile.
+    void lookAgain();
 
 private:
     void watchStaging();
 
     std::string staging_;
-    int watch_ = -1;
+    std::set<int> watches_; ///< on it and on the folders above it
+    bool isDeaf_ = true;
+    bool changedHere_ = false;
     bool anyChanged_ = false;
     std::vector<ContainerId> changed_;
     sys::Descriptor changes_; ///< inotify

@@ -62,6 +62,8 @@ public:
     }
     /// The reasons that will end, when they have been looked at since the last call.
     std::optional<std::vector<Reason>> takeEndingReasons() { return std::exchange(ending_, {}); }
+    /// The sets that commands and updates have changed, or what they are for, since the last call.
+    [[nodiscard]] std::vector<ContainerId> takeTouchedSets() { return std::exchange(touched_, {}); }
     /// Begins to watch the folders that the index knows by now, and for those recorded folders that
     /// are away, unless it is as it was when they were. False: it is not known which they are.
     [[nodiscard]] bool watchFolders(FolderWatch& watch);
@@ -123,6 +125,7 @@ private:
     bool desktopAwaited_ = false;
     std::vector<ChangeTarget> targets_; ///< those that asked lately, the last one at the end
     std::optional<std::vector<Reason>> ending_;
+    std::vector<ContainerId> touched_;
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
     std::vector<std::pair<const char*, std::string>> toOpen_; ///< what for, and the command

@@ -160,7 +160,9 @@ private:
                                           {reasons_.descriptor(), POLLIN, 0},
                                           {reasons_.changeDescriptor(), POLLIN, 0}}};
         // A scan that is due while one runs waits for the end of that, which is a signal.
-        int wait = watch_.isUnderWay() ? 0 : reasonTimer_.shorten(reasons_.shorten(-1));
+        int wait = watch_.isUnderWay()
+                       ? 0
+                       : reasonTimer_.shorten(reasonPollTimer_.shorten(reasons_.shorten(-1)));
         if (!scan_.isRunning()) {
             wait = pollTimer_.shorten(scanTimer_.shorten(wait));
         }
@@ -240,10 +242,18 @@ private:
         if (auto ending = server_.takeEndingReasons()) {
             reasons_.watch(*ending);
         }
+        reasons_.noteChanges(server_.takeTouchedSets());
         if (reasons_.takeChange()) {
             reasonTimer_.startUnlessRunning(reasonDelay);
         }
-        const bool isLook = reasonTimer_.takeExpired();
+        bool isLook = reasonTimer_.takeExpired();
+        if (reasonPollTimer_.takeExpired()) {
+            reasons_.lookAgain();
+            isLook = true;
+        }
+        if (reasons_.isDeaf()) {
+            reasonPollTimer_.startUnlessRunning(pollTime_);
+        }
         if (reasons_.takeEnd() || isLook) {
             server_.activator().withdraw(reasons_.takeChangedSets());
         }
@@ -260,6 +270,7 @@ private:
     bool isDeaf_ = false; ///< not all changes are heard of
     Timer pollTimer_;     ///< runs between scans then
     Timer reasonTimer_;
+    Timer reasonPollTimer_; ///< runs while changes that others make are not heard of
 };
 
 } // namespace

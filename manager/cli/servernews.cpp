@@ -24,6 +24,7 @@ void Server::takeNews() {
     }
     Occasion occasion;
     for (Activated& done : news.activated) {
+        touched_.push_back(done.id);
         takeOutcome(std::move(done), occasion);
     }
     for (const std::string& text : news.mended) {

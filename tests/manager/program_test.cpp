@@ -112,6 +112,43 @@ TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
     EXPECT_TRUE(await([&] { return tells("deactivated Lato & Co (container 1): " + ended); }));
 }
 
+TEST_F(TheProgram, EndsReasonsWhereItCannotWatchAndWhenTheFolderIsAnotherOne) {
+    constexpr unsigned nothing = SYS_seccomp;
+    constexpr const char* never = "2000000000";
+    const struct {
+        unsigned refused;
+        bool isOwn; // not activated by another process
+        const char* pollTime;
+    } cases[] = {{SYS_inotify_init1, true, never},
+                 {SYS_inotify_init1, false, "1"},
+                 {SYS_inotify_add_watch, true, never},
+                 {SYS_inotify_add_watch, false, "1"},
+                 {nothing, true, never},
+                 {nothing, false, never}};
+    ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
+    const std::string set = sandbox_.places().fonts() + "/1";
+    for (const auto& [refused, isOwn, pollTime] : cases) {
+        const Variable poll("GLYPHORA_POLL_TIME", pollTime);
+        serve(refused);
+        EXPECT_EQ(askFor("Nobody", "count"), "0");
+        if (refused == nothing) {
+            const std::string fonts = sandbox_.places().data + "/fonts";
+            std::filesystem::rename(fonts, fonts + (isOwn ? ".own" : ".others"));
+        }
+        if (isOwn) {
+            sys::Child program("/bin/cat", std::span<const std::string>());
+            EXPECT_THAT(send(request("Lato-Bold", program.process())).value_or("no reply"),
+                        HasSubstr("<isActive>1</isActive>"));
+            EXPECT_TRUE(std::filesystem::exists(set));
+        } else {
+            EXPECT_EQ(glyphora({"activate", "--for", "1s", "Lato-Bold"}).status, 0);
+        }
+        EXPECT_TRUE(await([&] { return !std::filesystem::exists(set); })) << refused << isOwn;
+        EXPECT_EQ(glyphora({"quit"}).status, 0);
+        server_.reset();
+    }
+}
+
 TEST_F(TheProgram, ScansAtChangesOrNowAndThenWhereItCannotWatch) {
     const Variable soon("GLYPHORA_POLL_TIME", "1");
     ASSERT_EQ(glyphora({"add", sandbox_.library()}).status, 0);
