@@ -133,8 +133,9 @@ public:
 
     /// Mends what a crash left: half-prepared sets go, sets that lack files are completed (or lose
     /// the files that cannot be had), begun removals are finished. Told to `report`, a line each. A
-    /// change that a killed process did not settle is unsettled again.
-    void recover(const std::function<void(const std::string&)>& report);
+    /// change that a killed process did not settle is unsettled again. Whether there was either,
+    /// and others may not have been told of it.
+    bool recover(const std::function<void(const std::string&)>& report);
 
     /// The desktop's faces as of the last refreshDesktop(), with this object's own changes since.
     [[nodiscard]] const DesktopFaces& desktop() const { return desktop_; }

@@ -41,12 +41,18 @@ Activator::Activator(const Places& places, ActivatorTimes times)
 }
 
 Activator::~Activator() {
+    end();
+}
+
+void Activator::end() {
     {
         const std::scoped_lock lock(mutex_);
         ending_ = true;
     }
     wake_.notify_one();
-    thread_.join();
+    if (thread_.joinable()) {
+        thread_.join();
+    }
 }
 
 ActivatorNews Activator::take() {
@@ -102,6 +108,7 @@ void Activator::publish(ActivatorNews news) {
     append(news_.activated, std::move(news.activated));
     append(news_.withdrawn, std::move(news.withdrawn));
     append(news_.mended, std::move(news.mended));
+    news_.recovered = news_.recovered || news.recovered;
     append(news_.problems, std::move(news.problems));
     if (news.desktop) {
         news_.desktop = std::move(news.desktop);

@@ -39,6 +39,7 @@ struct ActivatorNews {
     std::vector<Activated> activated;
     std::vector<Withdrawal> withdrawn;
     std::vector<std::string> mended;   ///< lines, see Activation::recover
+    bool recovered = false;            ///< as above: others are to be told
     std::vector<std::string> problems; ///< lines
     std::optional<DesktopFaces> desktop;
     std::optional<std::vector<Reason>> ending; ///< see Activation::endingReasons
@@ -64,8 +65,9 @@ public:
     explicit Activator(const Places& places, ActivatorTimes times = {});
     Activator(const Activator&) = delete;
     Activator& operator=(const Activator&) = delete;
-    /// Gives up what has not been begun, and settles what was done.
     ~Activator();
+    /// Gives up what has not been begun, and settles what was done. It can be told nothing then.
+    void end();
 
     /// Readable when there is news.
     [[nodiscard]] int descriptor() const { return newsFlag_.get(); }

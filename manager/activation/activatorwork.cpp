@@ -105,7 +105,8 @@ void Activator::withdrawSome(Activation& activation, ActivatorNews& news) {
     activation.lookAgain(any ? std::nullopt : std::optional(std::move(changed)));
     const Ending ending = tryStep(news, [&] {
         if (!isRecovered_) {
-            activation.recover([&](const std::string& text) { news.mended.push_back(text); });
+            news.recovered =
+                activation.recover([&](const std::string& text) { news.mended.push_back(text); });
             isRecovered_ = true;
         }
         news.withdrawn = activation.withdrawDue(largestBatch);

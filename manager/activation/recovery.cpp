@@ -12,7 +12,7 @@
 
 namespace manager {
 
-void Activation::recover(const std::function<void(const std::string&)>& report) {
+bool Activation::recover(const std::function<void(const std::string&)>& report) {
     const FileLock held = lock();
     bool changed = folders_.staging().clear();
     folders_.sweepAll();
@@ -37,6 +37,7 @@ void Activation::recover(const std::function<void(const std::string&)>& report) 
     if (changed) { // or a process was killed between a change and its reload
         showChanges(changedFolders_);
     }
+    return changed;
 }
 
 // The mark is there before the first change, so that a process killed after it is found out.

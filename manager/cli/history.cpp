@@ -134,6 +134,12 @@ void Occasion::add(Deed deed, const std::string& text, bool aloud) {
     }
 }
 
+void Occasion::write(const Places& places) {
+    if (!entries_.empty()) {
+        recordDeeds(places, std::exchange(entries_, {}));
+    }
+}
+
 void Occasion::record(const Places& places) {
     for (std::size_t i = 0; i < deedCount; ++i) {
         const Count count = std::exchange(counts_[i], {});
@@ -145,9 +151,7 @@ void Occasion::record(const Places& places) {
             }
         }
     }
-    if (!entries_.empty()) {
-        recordDeeds(places, std::exchange(entries_, {}));
-    }
+    write(places);
 }
 
 std::vector<PastDeed> readHistory(const Places& places, bool all) {

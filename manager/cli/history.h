@@ -35,6 +35,8 @@ class Occasion {
 public:
     /// `aloud`: on standard error, too.
     void add(Deed deed, const std::string& text, bool aloud);
+    /// Writes what was added so far; it goes on.
+    void write(const Places& places);
     /// Ends it.
     void record(const Places& places);
 

@@ -118,7 +118,7 @@ std::optional<std::string> Server::answer(std::string command, std::optional<std
     }
     if (!isDone) {
         noteQuestion(pending);
-        noteOutcome(pending.answer);
+        noteOutcome(pending);
     }
     std::string reply = std::move(pending.answer.reply);
     forgetCalls(pending);
@@ -173,7 +173,7 @@ bool Server::finish(Pending& pending) {
     if (!pending.isNoted) {
         noteQuestion(pending);
     }
-    noteOutcome(pending.answer);
+    noteOutcome(pending);
     return true;
 }
 
@@ -193,6 +193,7 @@ void Server::answerAsItStands(Pending& pending) {
     pending.run.setRemark({});
     noteQuestion(pending);
     std::exchange(pending.receiver, {})(pending.answer.reply);
+    noteProgress(pending);
 }
 
 bool Server::canGoOn(const Pending& pending) const {

@@ -53,6 +53,8 @@ public:
     /// Tells others of changes, and has fonts shown that are to be; to be called when no sender
     /// waits for an answer any more.
     void tellOthers();
+    /// Settles what was done, and tells of it. Commands get no replies any more.
+    void end();
 
     /// Whether the folders are to be scanned because the index was begun anew; asked once.
     bool takeScanNeed() {
@@ -87,7 +89,9 @@ private:
         bool isNoted = false;
         const char* opens = nullptr; ///< the command of this program that is to be given the text
         ActivationRun run;
-        Answer answer;                                           ///< of the last round
+        Answer answer; ///< of the last round
+        Occasion occasion;
+        std::set<std::string> toldProblems;
         std::vector<std::uint64_t> calls;                        ///< of the activator
         std::set<std::pair<std::uint64_t, ContainerId>> awaited; ///< of these calls
     };
@@ -110,7 +114,10 @@ private:
     void takeNews();
     void takeOutcome(Activated done, Occasion& occasion);
     void noteQuestion(Pending& pending);
-    void noteOutcome(const Answer& answer);
+    /// Records what was done lately for a command that has its reply.
+    void noteProgress(Pending& pending);
+    /// Records the rest of it.
+    void noteOutcome(Pending& pending);
 
     Places places_;
     bool verbose_;

@@ -150,6 +150,9 @@ public:
         }
     }
 
+    /// What is left to be done once it does not run any more.
+    void end() { server_.end(); }
+
 private:
     void waitForAnything() {
         std::array<pollfd, 7> sources = {{{PLEventFileDescriptor(), POLLIN, 0},
@@ -295,7 +298,8 @@ int serveCommand(const Places& places, bool verbose) {
     {
         Loop loop(places, verbose, std::move(signals));
         loop.run();
-        registration.reset(); // another server may begin: the rest is done on the disk alone
+        registration.reset(); // another server may begin: the rest needs no place on the bus
+        loop.end();
     }
     recordDeed(places, Deed::Stopped, "server stopped");
     return exitSuccess;

@@ -27,6 +27,12 @@ void Server::takeNews() {
         touched_.push_back(done.id);
         takeOutcome(std::move(done), occasion);
     }
+    for (Pending& pending : pending_) {
+        if (pending.isNoted) {
+            noteProgress(pending);
+        }
+    }
+    changed_ = changed_ || news.recovered;
     for (const std::string& text : news.mended) {
         occasion.add(Deed::Done, text, true);
     }
@@ -101,18 +107,44 @@ void Server::noteQuestion(Pending& pending) {
     }
 }
 
-void Server::noteOutcome(const Answer& answer) {
-    Occasion occasion;
-    const auto addAll = [&](Deed deed, const std::vector<std::string>& texts, bool aloud) {
-        for (const std::string& text : texts) {
-            occasion.add(deed, text, aloud);
+void Server::noteProgress(Pending& pending) {
+    Answer news;
+    pending.run.reportNew(news);
+    changed_ = changed_ || news.changed;
+    for (const std::string& text : news.done) {
+        pending.occasion.add(Deed::Done, text, verbose_);
+    }
+    for (std::string& text : news.problems) {
+        pending.occasion.add(Deed::Failed, text, true);
+        pending.toldProblems.insert(std::move(text));
+    }
+    pending.occasion.write(places_);
+}
+
+void Server::noteOutcome(Pending& pending) {
+    noteProgress(pending);
+    for (const std::string& text : pending.answer.undecided) {
+        pending.occasion.add(Deed::Undecided, text, verbose_);
+    }
+    for (const std::string& text : pending.answer.problems) {
+        if (!pending.toldProblems.contains(text)) {
+            pending.occasion.add(Deed::Failed, text, true);
         }
-    };
-    addAll(Deed::Done, answer.done, verbose_);
-    addAll(Deed::Undecided, answer.undecided, verbose_);
-    addAll(Deed::Failed, answer.problems, true);
-    occasion.record(places_);
-    changed_ = changed_ || answer.changed;
+    }
+    pending.occasion.record(places_);
+}
+
+void Server::end() {
+    activator_.end();
+    takeNews();
+    for (Pending& pending : pending_) {
+        if (!pending.isNoted) {
+            noteQuestion(pending);
+        }
+        noteProgress(pending);
+        pending.occasion.record(places_);
+    }
+    tellOthers();
 }
 
 void Server::noteGuests() {

@@ -46,6 +46,7 @@ void ActivationRun::tell(ContainerId id, ActivationOutcome outcome) {
     if (position != byId_.end()) {
         position->second->outcome = std::move(outcome);
         position->second->known = true;
+        new_.push_back(position->second);
     }
 }
 
@@ -53,14 +54,25 @@ void ActivationRun::report(Answer& answer) const {
     if (!remark_.empty()) {
         answer.problems.push_back(remark_);
     }
-    for (const auto& [container, known, outcome] : all_) {
-        answer.changed = answer.changed || outcome.changed;
-        auto& told = outcome.success ? answer.undecided : answer.problems;
-        told.insert(told.end(), outcome.problems.begin(), outcome.problems.end());
-        if (outcome.changed) {
-            answer.done.push_back("activated " + container.name + " (container " +
-                                  toText(container.id) + ", " + container.path() + ")");
-        }
+    for (const Wanted& wanted : all_) {
+        report(wanted, answer);
+    }
+}
+
+void ActivationRun::reportNew(Answer& answer) {
+    for (const Wanted* wanted : std::exchange(new_, {})) {
+        report(*wanted, answer);
+    }
+}
+
+void ActivationRun::report(const Wanted& wanted, Answer& answer) {
+    const auto& [container, known, outcome] = wanted;
+    answer.changed = answer.changed || outcome.changed;
+    auto& told = outcome.success ? answer.undecided : answer.problems;
+    told.insert(told.end(), outcome.problems.begin(), outcome.problems.end());
+    if (outcome.changed) {
+        answer.done.push_back("activated " + container.name + " (container " +
+                              toText(container.id) + ", " + container.path() + ")");
     }
 }
 

@@ -54,6 +54,8 @@ public:
     void setRemark(std::string remark) { remark_ = std::move(remark); }
     /// Adds to the answer what was done and what failed so far.
     void report(Answer& answer) const;
+    /// The same of what was told since the last call alone.
+    void reportNew(Answer& answer);
 
 private:
     struct Wanted {
@@ -61,11 +63,14 @@ private:
         bool known = false;
         ActivationOutcome outcome;
     };
+    static void report(const Wanted& wanted, Answer& answer);
+
     std::vector<Reason> reasons_ = {Reason::byHand()};
     std::string remark_;
     std::chrono::milliseconds lookUpTime_ = std::chrono::hours(1);
     std::deque<Wanted> all_; ///< in the order asked for
     std::unordered_map<std::int32_t, Wanted*> byId_;
+    std::vector<const Wanted*> new_; ///< told lately
     std::vector<ContainerFonts> wanted_;
     std::vector<ContainerFonts> used_;
     std::set<ContainerId> inUse_; ///< all that were ever asked for

@@ -358,7 +358,14 @@ TEST_F(TheProgram, TakesUpAfterBeingKilled) {
     std::filesystem::remove(sandbox_.places().fonts() + "/1/lato.ttf");
     std::filesystem::create_directories(sandbox_.places().fonts() + "/.staging/9");
     ASSERT_TRUE(await([] { return !isServerKnown(); }));
+    int token = 0;
+    ASSERT_EQ(notify_register_check("org.glyphora.Glyphora.FontLibraryChanged", &token),
+              std::uint32_t{NOTIFY_STATUS_OK});
+    int posted = 0;
+    notify_check(token, &posted); // the first time tells nothing
     serve();
+    EXPECT_TRUE(await([&] { return notify_check(token, &posted) == 0 && posted == 1; }));
+    notify_cancel(token);
     EXPECT_EQ(askFor("Lato-Bold", "isActive"), "1");
     EXPECT_THAT(server_->output(), HasSubstr("/1: completed, as was begun"));
     EXPECT_FALSE(std::filesystem::exists(sandbox_.places().fonts() + "/.staging/9"));

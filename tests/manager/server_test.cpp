@@ -95,6 +95,33 @@ TEST_F(AServer, TellsWhatComesOfReasonsThatNobodyWaitsFor) {
     await([&] { return isTold("/sans.ttf: cannot be read"); });
 }
 
+TEST_F(AServer, TellsOfEachPartOfALargeCommandAlsoWhenItEndsInTheMidst) {
+    const Variable soon("GLYPHORA_REPLY_TIME", "1");
+    std::string command = "<cmd>fontRequest</cmd>\n";
+    for (int i = 0; i < 300; ++i) {
+        const std::string name = "Part" + std::to_string(i);
+        sandbox_.write(name + ".ttf", makeFont({name, "Regular", name}));
+        command += "<font>\n<syncID>1</syncID>\n<psName>" + name + "</psName>\n</font>\n";
+    }
+    {
+        Library library(sandbox_.places());
+        updateLibrary(library, std::vector{sandbox_.library()}, FontReaderLimits{});
+    }
+    server_.emplace(sandbox_.places(), false);
+    bool isAnswered = false;
+    const auto later = [&](const std::string& /*reply*/) { isAnswered = true; };
+    if (server_->answer(command + "</cmd>\n", {}, later)) {
+        isAnswered = true;
+    }
+    await([&] { return isAnswered; });
+    const auto sets = [&] { return setsIn(sandbox_.places().fonts()).size(); };
+    await([&] { return sets() > 0; });
+    server_->end();
+    EXPECT_TRUE(isTold("activated Part1 (container "));
+    ASSERT_GT(sets(), 100U);
+    EXPECT_TRUE(isTold("and " + std::to_string(sets() - 100) + " more"));
+}
+
 TEST_F(AServer, ActivatesNothingBeforeItKnowsWhatTheDesktopShows) {
     const std::string fonts = sandbox_.places().data + "/fonts";
     std::filesystem::create_directories(fonts);
