@@ -216,12 +216,17 @@ std::vector<std::string> Library::problems() {
 }
 
 bool Library::isScanOwed() {
-    Statement statement(database_, "SELECT scan_owed FROM state");
-    return statement.step() && statement.number(0) != 0;
+    Statement statement(database_, "SELECT 1 FROM state WHERE scan_owed IN (1, 2)");
+    return statement.step();
 }
 
 bool Library::isReadingOwed() {
     Statement statement(database_, "SELECT 1 FROM state WHERE scan_owed = 2");
+    return statement.step();
+}
+
+bool Library::isScanUnfinished() {
+    Statement statement(database_, "SELECT 1 FROM state WHERE scan_owed = 3");
     return statement.step();
 }
 

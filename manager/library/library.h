@@ -196,6 +196,8 @@ public:
     [[nodiscard]] bool isScanOwed();
     /// Whether that scan is to read all files again, whether they have changed or not.
     [[nodiscard]] bool isReadingOwed();
+    /// Whether a scan has changed the index and was ended before its end, as has none since.
+    [[nodiscard]] bool isScanUnfinished();
 
     /// Whether the index file was replaced or cut since it was opened, or could be opened for want
     /// of space only as it was then; open anew then.

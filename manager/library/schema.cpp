@@ -15,7 +15,7 @@
 // 0. family: each family's name once, with the keys by which it is found. shared: what many faces
 // have in common, each value once. walk_problem: what the last scan could not look at. state: one
 // row; scan_owed is 1 until a scan has filled a new index, 2 until one has read all files again,
-// whether they have changed or not.
+// whether they have changed or not, else 3 from the first change of a scan to its end.
 //
 // Schema 4 had no counts and no `names`; the scans to come leave out of these what stands in
 // others. Schema 3 had no column `whole`, and with it fonts of mere bitmaps were faces and

@@ -44,6 +44,7 @@ public:
         known_ = known.get();
         told_ = readWalkProblems(library_.database());
         readsAll_ = library_.isReadingOwed();
+        report_.resumed = library_.isScanUnfinished();
         for (const auto& [path, folder] : known_) {
             knownFileCount_ += folder.files.size();
             for (const KnownFile& file : folder.files) {
@@ -191,7 +192,18 @@ private:
         }
         writeWalkProblems();
         writer_.settle();
+        if (report_.removed != 0 || report_.moved) {
+            noteChange();
+        }
         transaction.commit();
+    }
+
+    // In the transaction of the change, so that whoever scans next knows if this one is killed.
+    void noteChange() {
+        if (!isNoted_) {
+            library_.database().run("UPDATE state SET scan_owed = 3 WHERE scan_owed = 0");
+            isNoted_ = true;
+        }
     }
 
     // Replaces the walk's problems, and sorts them into new and known ones.
@@ -230,7 +242,8 @@ private:
 
     void writePortion(Portion which) {
         const bool sweep = which == Portion::Last && isSweepDue();
-        const bool owed = which == Portion::Last && library_.isScanOwed();
+        const bool owed =
+            which == Portion::Last && (library_.isScanOwed() || library_.isScanUnfinished());
         if (portion_.empty() && !sweep && !owed) {
             return;
         }
@@ -265,6 +278,7 @@ private:
             ++report_.unchanged;
             return;
         }
+        noteChange();
         const FoundFolder& folder = found_.folders[task.folder];
         writer_.write(folder, directories_[task.folder], folder.files[task.file], task.before,
                       outcome);
@@ -282,6 +296,7 @@ private:
     KnownFolders known_;
     std::set<std::string> told_; ///< problems of the last walk; of an index before, all that it had
     std::size_t knownFileCount_ = 0;
+    bool isNoted_ = false;                  ///< that the index is being changed
     bool readsAll_ = false;                 ///< also what has not changed
     std::unordered_set<std::string> shown_; ///< by the desktop
     std::vector<std::int64_t> directories_; ///< rows of the folders that were found

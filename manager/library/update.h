@@ -20,11 +20,12 @@ struct UpdateReport {
     std::size_t removed = 0;   ///< files that are gone
     std::size_t away = 0;      ///< files kept, though the folder that they lie in is not there now
     bool moved = false;        ///< folders went away or came back, or the desktop's own changed
+    bool resumed = false;      ///< a scan before had changed something and was ended in the midst
     std::vector<std::string> unreadFolders; ///< of those to be walked
     std::vector<std::string> problems;      ///< "PATH: ..." of what was found bad this time
     std::vector<std::string> knownProblems; ///< of what was bad already and is so still
 
-    [[nodiscard]] bool changed() const { return read != 0 || removed != 0 || moved; }
+    [[nodiscard]] bool changed() const { return read != 0 || removed != 0 || moved || resumed; }
 };
 
 /// [main-thread] Told now and then how many files of how many were read.

@@ -57,8 +57,8 @@ protected:
         const std::string full = sandbox_.write(path, bytes);
         faces_[full] = face;
     }
-    UpdateReport scan() {
-        return updateLibrary(*library_, std::vector{root_}, FontReaderLimits{}, {},
+    UpdateReport scan(const UpdateProgress& progress = {}) {
+        return updateLibrary(*library_, std::vector{root_}, FontReaderLimits{}, progress,
                              [this](const std::string& path) {
                                  return faces::FontFileContents{false, {faces_.at(path)}};
                              });
@@ -178,7 +178,10 @@ TEST_F(AnIndex, TellsWhichFilesAreOneFont) {
     add("e/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
     add("f/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "2");
     add("g/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
-    scan();
+    const auto end = [](std::size_t /*done*/, std::size_t /*total*/) { throw Error("ended"); };
+    EXPECT_THROW(scan(end), Error);
+    EXPECT_TRUE(scan().changed()) << "there is something to be told still";
+    EXPECT_FALSE(scan().changed());
     EXPECT_THAT(isNew(), ElementsAre(true, false, true, false, true, true, false));
     const auto copies = library_->duplicates();
     ASSERT_THAT(copies, SizeIs(2));
