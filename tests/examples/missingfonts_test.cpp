@@ -70,7 +70,8 @@ TEST_F(APeerInAnotherLanguage, StartsTheManagerByACallNotAQuestion) {
     for (const char* time : {"first", "again"}) {
         EXPECT_EQ(glyphora({"quit"}).status, 1) << "no question has started it, " << time;
         const Ending shown = ask({"show", "Lato-Bold"});
-        EXPECT_EQ(shown.output, "Lato-Bold: not active, in 1 containers\n");
+        EXPECT_EQ(shown.output, "Lato-Bold: not active, in 1 containers\n"
+                                "there is no display to show fonts on\n");
         EXPECT_TRUE(isManagerKnown());
         EXPECT_THAT(glyphora({"serve"}).output, HasSubstr("a server is running already"));
         EXPECT_EQ(glyphora({"quit"}).status, 0);
@@ -97,7 +98,7 @@ TEST_F(APeerInAnotherLanguage, MakesAllFourRequests) {
     }
     // What a process has asked for leaves after it.
     EXPECT_TRUE(await([&] {
-        return ask({"show", "Own"}).output == "Own: not active, in 2 containers\n";
+        return ask({"show", "Own"}).output.starts_with("Own: not active, in 2 containers\n");
     }));
 }
 

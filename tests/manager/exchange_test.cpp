@@ -283,7 +283,7 @@ TEST_F(AnExchange, RenewsWhatTheLibraryReplacedUnderTheSameName) {
     EXPECT_EQ(askForOne("showRequest", asked).value("isActive"), "1");
 }
 
-TEST_F(AnExchange, TakesNoFilesAwayForOneDocumentThatAnotherProgramHas) {
+TEST_F(AnExchange, TakesNothingAwayThatAnotherProgramHas) {
     const std::string asked = font({{"syncID", "1"}, {"psName", "Lato-Bold"}});
     EXPECT_EQ(askForOne("fontRequest", asked).value("isActive"), "1");
     const std::string set = activation_.folder(*toContainerId(idOf("Lato-Bold")));
@@ -425,7 +425,7 @@ TEST_F(AnExchange, TellsWhomToInformOfChanges) {
     EXPECT_EQ(answer_.target, std::nullopt);
 }
 
-TEST_F(AnExchange, ActivatesForTheSenderWhenAnotherUsersProcessIsNamed) {
+TEST_F(AnExchange, CountsForTheSenderWhereAnotherUsersIsNamed) {
     // Root has to make one, to all others the first process is.
     pid_t other = 1;
     std::optional<FontUser> program;

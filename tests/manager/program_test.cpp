@@ -112,7 +112,7 @@ TEST_F(TheProgram, TakesAFontBackWhenTheProgramOfItsDocumentEnds) {
     EXPECT_TRUE(await([&] { return tells("deactivated Lato & Co (container 1): " + ended); }));
 }
 
-TEST_F(TheProgram, EndsReasonsWhereItCannotWatchAndWhenTheFolderIsAnotherOne) {
+TEST_F(TheProgram, EndsReasonsAlsoWhereItCannotWatch) {
     constexpr unsigned nothing = SYS_seccomp;
     constexpr const char* never = "2000000000";
     const struct {

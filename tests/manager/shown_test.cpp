@@ -111,7 +111,7 @@ TEST_F(AnInstalledFont, MayBeOneThatTheLibraryHasLostSince) {
     EXPECT_FALSE(answer_.changed);
 }
 
-TEST_F(AnInstalledFont, StaysForAllThatAskedWhenItsContainerIsAwayOrGone) {
+TEST_F(AnInstalledFont, StaysForAllThatAskedWhenItsHolderIsAway) {
     const auto ask = [&](const char* word, pid_t sender = getpid()) {
         ActivationRun run;
         StandIns standIns;
