@@ -67,7 +67,8 @@ void settleLater(std::span<const ContainerId> changed) {
 }
 
 void tellDisplay() {
-    if (std::getenv("DISPLAY") != nullptr) {
+    const char* const display = std::getenv("DISPLAY");
+    if (display != nullptr && *display != '\0') {
         startDetached({"/proc/self/exe", "glyphora", "kick"});
     }
 }
