@@ -196,7 +196,7 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
     if (isAnyPostponed(outcomes)) {
         needServer(tally);
     }
-    return tally.finish("nothing is active");
+    return tally.finish(ids.empty() ? "nothing is active" : nullptr);
 }
 
 int statusCommand(const Places& places, bool json) {

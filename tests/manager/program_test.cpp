@@ -3,6 +3,7 @@
 // end it.
 #include "platform/notify.h"
 #include "system/child.h"
+#include "tests/manager/activationfixture.h"
 #include "tests/manager/programfixture.h"
 #include "tests/platform/peerprocess.h"
 
@@ -221,6 +222,14 @@ TEST_F(TheProgram, GoesOnWhileOneOfThoseItTellsReadsNothing) {
     kill(peer.processID(), SIGCONT);
     EXPECT_EQ(glyphora({"quit"}).status, 0);
     EXPECT_EQ(server_->wait().status, 0);
+}
+
+TEST_F(TheProgram, SaysOnlyThatAFontInUseLeavesLater) {
+    expectEach({{{"add", sandbox_.library()}, 0, ""}, {{"activate", "Lato-Bold"}, 0, "activated"}});
+    const FontUser user(sandbox_.places().fonts() + "/1/lato.ttf");
+    EXPECT_THAT(
+        glyphora({"deactivate", "1"}).output,
+        AllOf(HasSubstr("leaves when that ends"), testing::Not(HasSubstr("nothing is active"))));
 }
 
 TEST_F(TheProgram, UpdatesActiveFontsAndKeepsThoseThatAreAway) {
