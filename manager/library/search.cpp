@@ -84,7 +84,8 @@ void addTags(Conditions& conditions, const std::string& column, SharedKind kind,
 
 void addTexts(Conditions& conditions, const FaceQuery& query) {
     for (std::string_view left = query.text; !left.empty();) {
-        const std::string word(left.substr(0, left.find(' ')));
+        // A pattern's parts are words: a word is found anywhere in a name.
+        const std::string word(left.substr(0, left.find_first_of(" *")));
         left.remove_prefix(std::min(left.size(), word.size() + 1));
         const std::string key = faces::nameKey(word);
         if (key.empty()) {
