@@ -5,6 +5,7 @@
 #include "faces/classify.h"
 #include "faces/fonttables.h"
 #include "faces/measure.h"
+#include "faces/namedecoder.h"
 #include "faces/nametable.h"
 #include "faces/stylewords.h"
 #include "faces/variations.h"
@@ -61,7 +62,7 @@ void fillNames(Face& face, FT_Face font, const NameTable& names, const std::stri
     const std::string style = orEmpty(font->style_name);
     face.names = names.names(style);
     if (face.names.empty()) {
-        const std::string family = orEmpty(font->family_name);
+        const std::string family = decodeLiteral(orEmpty(font->family_name));
         face.names.push_back({family.empty() ? fileName : family, style, {}, NameKind::Legacy});
     }
     face.fullNames = names.fullNames();
@@ -81,7 +82,7 @@ void fillFromPostScript(Face& face, FT_Face font) {
         return;
     }
     if (face.fullNames.empty() && info.full_name != nullptr) {
-        face.fullNames.emplace_back(info.full_name);
+        face.fullNames.push_back(decodeLiteral(info.full_name));
     }
     if (face.copyright.empty()) {
         face.copyright = orEmpty(info.notice);

@@ -122,6 +122,28 @@ iconv_t NameDecoder::converter(const char* encoding) {
     return entry->second.get();
 }
 
+std::string decodeLiteral(std::string_view text) {
+    const auto isDigit = [&](std::size_t at) {
+        return at < text.size() && text[at] >= '0' && text[at] <= '7';
+    };
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isEscape = text[i] == '\\' && i + 1 < text.size();
+        if (isEscape && isDigit(i + 1) && isDigit(i + 2) && isDigit(i + 3)) {
+            const int code = (text[i + 1] - '0') * 64 + (text[i + 2] - '0') * 8 + text[i + 3] - '0';
+            if (code >= 0x20 && code < 0x7F) {
+                decoded += static_cast<char>(code);
+                i += 3;
+                continue;
+            }
+        } else if (isEscape && (text[i + 1] == '(' || text[i + 1] == ')' || text[i + 1] == '\\')) {
+            ++i;
+        }
+        decoded += text[i];
+    }
+    return decoded;
+}
+
 std::optional<std::string> NameDecoder::decode(Platform platform, unsigned encoding,
                                                std::string_view bytes) {
     const bool roman = platform == Platform::Macintosh && encoding == 0;

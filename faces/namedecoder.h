@@ -14,6 +14,10 @@
 
 namespace faces {
 
+/// A literal string of a Type 1 font, as FreeType hands it out: its octal escapes of ASCII and its
+/// escaped brackets and backslashes are resolved (PostScript Language Reference, 3.2.2).
+[[nodiscard]] std::string decodeLiteral(std::string_view text);
+
 /// [one-thread] Keeps a converter for each encoding that it has met.
 class NameDecoder {
 public:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The words of styles, and names reduced for comparison.
+#include "faces/namedecoder.h"
 #include "faces/namekey.h"
 #include "faces/stylewords.h"
 
@@ -47,6 +48,19 @@ TEST(AStyleName, ReadsBackAsWhatItWasMadeOf) {
                 EXPECT_EQ(readStyleWords(styleText(style)).style(), style) << styleText(style);
             }
         }
+    }
+}
+
+TEST(ALiteral, HasItsEscapesResolved) {
+    const struct {
+        const char* written;
+        const char* text;
+    } cases[] = {{R"(TeX\040feybl10)", "TeX feybl10"},
+                 {R"(\050a\) \(b\)", R"((a) (b\)"},
+                 {R"(\303\274 \04 \x \)", R"(\303\274 \04 \x \)"},
+                 {R"(\176\177\037)", R"(~\177\037)"}};
+    for (const auto& [written, text] : cases) {
+        EXPECT_EQ(decodeLiteral(written), text);
     }
 }
 
