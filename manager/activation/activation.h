@@ -99,6 +99,8 @@ public:
     }
     /// The numbers of all sets, in order, whatever they are. Throws Error.
     [[nodiscard]] std::vector<ContainerId> sets() const { return setsIn(folders_.root()); }
+    /// Whether something lies there for this container that has a record, be it readable or not.
+    [[nodiscard]] bool hasSet(ContainerId id) const;
     /// Whether a file is active in its container's set just as it is in the library; an older copy
     /// is not.
     [[nodiscard]] bool holds(const SetRecord& set, const LibraryFile& file) const;
@@ -163,6 +165,8 @@ private:
         ActivationOutcome outcome;
     };
     void takeAll(std::span<Leaving> sets);
+    /// Reads its record. True: that cannot be done, and so the set was dealt with.
+    bool takeUnreadable(Leaving& set, const Mappers& mappers);
     /// Whether it is postponed.
     bool keepUnderPrograms(Leaving& set, const Mappers& mappers);
     void readChangedRecords();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What is active, and what an update of it is to lead to.
 #include "manager/activation/activation.h"
+#include "manager/activation/filesteps.h"
 #include "manager/library/error.h"
 
 #include <algorithm>
@@ -91,6 +92,10 @@ std::optional<SetRecord> Activation::recordInPlace(ContainerId id) const {
     } catch (const Error&) {
         return std::nullopt; // told when something is done with the set
     }
+}
+
+bool Activation::hasSet(ContainerId id) const {
+    return exists(folders_.folder(id) + "/" + setRecordName);
 }
 
 std::vector<SetFile> Activation::filesInPlace(ContainerId id) const {

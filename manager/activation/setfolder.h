@@ -66,6 +66,9 @@ public:
     /// files stay, and the folder with them. Throws Error; the set is active then as it was, as far
     /// as its files are there.
     [[nodiscard]] bool remove(const SetRecord& record);
+    /// Takes a set whose record cannot be read out of fontconfig's sight, whole: nothing tells
+    /// which of its files are the manager's. Where it lies then. Throws Error.
+    [[nodiscard]] std::string hide(ContainerId id) const;
     /// Syncs what was removed, in one go. Throws Error.
     void syncRemoved(std::span<const ContainerId> sets) const;
     /// Deletes up to `most` sets that lie aside; no lock is needed. Whether there are more.

@@ -75,6 +75,19 @@ bool SetFolders::remove(const SetRecord& record) {
     return true;
 }
 
+std::string SetFolders::hide(ContainerId id) const {
+    const std::string place = folder(id);
+    for (int number = 1;; ++number) {
+        std::string hidden = root_ + "/.damaged-" + toText(id) + "-" + std::to_string(number);
+        if (renameToFree(place, hidden)) {
+            return hidden;
+        }
+        if (!exists(hidden)) {
+            throw systemError(place, "cannot be taken away", errno);
+        }
+    }
+}
+
 // The taken records go last: until the rest is on the disk, they tell what is to go.
 void SetFolders::syncRemoved(std::span<const ContainerId> sets) const {
     step("sync");

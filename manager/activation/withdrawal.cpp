@@ -25,6 +25,24 @@ std::string leftText(const std::string& folder) {
 
 } // namespace
 
+bool Activation::takeUnreadable(Leaving& set, const Mappers& mappers) {
+    const std::string folder = folders_.folder(set.id);
+    try {
+        set.record = folders_.recordOfLeaving(set.id);
+        return false;
+    } catch (const Error& error) {
+        set.outcome.problems.emplace_back(error.what());
+    }
+    if (const auto uses = usesIn(folder, mappers); !uses.empty()) {
+        set.outcome.problems.push_back(inUseText(set.id, uses, "it can be taken away"));
+        return true;
+    }
+    set.outcome.problems.push_back(folder + ": is kept as " + folders_.hide(set.id));
+    set.outcome.changed = true;
+    set.outcome.success = true;
+    return true;
+}
+
 bool Activation::keepUnderPrograms(Leaving& set, const Mappers& mappers) {
     std::vector<Reason> uses = usesIn(folders_.folder(set.id), mappers);
     if (uses.empty()) {
@@ -47,8 +65,13 @@ void Activation::takeAll(std::span<Leaving> sets) {
     for (Leaving& set : sets) {
         const std::string folder = folders_.folder(set.id);
         try {
-            if (!set.record) {
-                set.record = folders_.recordOfLeaving(set.id);
+            if (!set.record && takeUnreadable(set, mappers)) {
+                if (set.outcome.changed) {
+                    known_.forget(set.id);
+                    removed.push_back(set.id);
+                    folders.push_back(folder);
+                }
+                continue;
             }
             if (!set.record) {
                 set.outcome.problems.push_back("container " + toText(set.id) + ": is not active");

@@ -176,8 +176,8 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
     }
     std::vector<ContainerId> ids;
     if (all) {
-        std::transform(active.begin(), active.end(), std::back_inserter(ids),
-                       [](const auto& entry) { return entry.first; });
+        ids = activation.sets();
+        std::erase_if(ids, [&](ContainerId id) { return !activation.hasSet(id); });
     } else {
         ids = finder.findActive(names);
     }

@@ -360,13 +360,25 @@ TEST_F(AnActivation, LosesOnlyTheFileThatADiskHasNoRoomFor) {
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
 }
 
-TEST_F(AnActivation, RefusesARecordThatLeadsOutOfItsFolder) {
+TEST_F(AnActivation, HidesASetWhoseRecordLeadsOutOfItsFolder) {
     activate(fonts());
     const std::string victim = sandbox_.write("victim.ttf", "x");
     writeBytes(
         set() + "/" + setRecordName,
         "glyphora-set 1\nset\t7\tactive\tX\nfile\t../../../../library/victim.ttf\t/x\t1\t1\t1\n");
-    EXPECT_THAT(deactivate().problems, ElementsAre(HasSubstr(".glyphora-set: line 3: ")));
+    {
+        const FontUser user(set() + "/one.ttf");
+        EXPECT_THAT(deactivate().problems, ElementsAre(HasSubstr(".glyphora-set: line 3: "),
+                                                       HasSubstr("it can be taken away when")));
+    }
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    std::filesystem::create_directories(sandbox_.places().fonts() + "/.damaged-7-1/of before");
+    EXPECT_THAT(deactivate().problems,
+                ElementsAre(HasSubstr(".glyphora-set: line 3: "),
+                            HasSubstr("/7: is kept as " + sandbox_.places().fonts())));
+    EXPECT_THAT(visibleFamilies(), IsEmpty());
+    EXPECT_THAT(entries(sandbox_.places().fonts() + "/.damaged-7-2"),
+                ElementsAre(".glyphora-set", "one.ttf", "two.ttf"));
     EXPECT_TRUE(std::filesystem::exists(victim));
 }
 

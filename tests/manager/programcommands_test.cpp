@@ -66,6 +66,12 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
          0,
          "deactivated pair.ttc (container 2)\ndeactivated"},
         {{"serve", "x"}, 2, "x"},
+        {{"activate", "2"}, 0, "activated"},
+    });
+    writeBytes(sandbox_.places().fonts() + "/2/.glyphora-set", "what?");
+    expectEach({
+        {{"deactivate", "--all"}, 0, "/2: is kept as "},
+        {{"deactivate", "--all"}, 0, "nothing is active"},
     });
 }
 
