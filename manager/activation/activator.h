@@ -143,8 +143,9 @@ private:
     Clock::time_point blocked_; ///< until when the lock is left alone
     Clock::time_point resting_; ///< until when others may come before a withdrawal
     bool isRecovered_ = false;
-    std::string lastProblem_; ///< told; not told again as long as it lasts
-    std::thread thread_;      ///< last: it uses the others
+    std::string lastProblem_;   ///< told; not told again as long as it lasts
+    std::string followProblem_; ///< the same
+    std::thread thread_;        ///< last: it uses the others
 };
 
 } // namespace manager

@@ -20,13 +20,18 @@ constexpr std::chrono::milliseconds restBetweenParts{60};
 constexpr std::size_t comparedAtOnce = 100;
 constexpr std::size_t sweptAtOnce = 20;
 
-/// Does a step that needs no lock.
-void tellThrown(ActivatorNews& news, const std::function<void()>& step) {
+/// Does a step that needs no lock. What its last try failed for, too, is not told again.
+void tellThrown(ActivatorNews& news, std::string& lastProblem, const std::function<void()>& step) {
+    std::string problem;
     try {
         step();
     } catch (const std::exception& error) {
-        news.problems.emplace_back(error.what());
+        problem = error.what();
     }
+    if (!problem.empty() && problem != lastProblem) {
+        news.problems.push_back(problem);
+    }
+    lastProblem = std::move(problem);
 }
 
 } // namespace
@@ -145,7 +150,7 @@ void Activator::followSome(Activation& activation, ActivatorNews& news) {
         const std::scoped_lock lock(mutex_);
         library = std::exchange(toFollow_, nullptr);
     }
-    tellThrown(news, [&] {
+    tellThrown(news, followProblem_, [&] {
         auto sets = std::exchange(outdated_, nullptr);
         if (library) {
             sets = std::make_unique<OutdatedSets>(std::move(library));
@@ -160,7 +165,9 @@ void Activator::followSome(Activation& activation, ActivatorNews& news) {
 void Activator::run() {
     std::optional<Activation> activation;
     ActivatorNews begun;
-    tellThrown(begun, [&] {
+    std::string problem;
+    std::string desktopProblem;
+    tellThrown(begun, problem, [&] {
         activation.emplace(places_, StepObserver(), desktopProgram(), times_.patience);
     });
     publish(std::move(begun));
@@ -172,10 +179,10 @@ void Activator::run() {
         switch (next()) {
         case Task::Settle:
             settling_.reset();
-            tellThrown(news, [&] { activation->settle(); });
+            tellThrown(news, problem, [&] { activation->settle(); });
             break;
         case Task::ReadDesktop:
-            tellThrown(news, [&] { activation->refreshDesktop(); });
+            tellThrown(news, desktopProblem, [&] { activation->refreshDesktop(); });
             news.desktop = activation->desktop();
             break;
         case Task::Withdraw:
