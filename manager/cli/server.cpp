@@ -5,7 +5,6 @@
 #include "manager/cli/libraryops.h"
 #include "manager/cli/onewindow.h"
 #include "manager/cli/report.h"
-#include "manager/cli/timer.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
@@ -234,7 +233,7 @@ void Server::forgetCalls(const Pending& pending) {
 }
 
 std::optional<Server::Clock::time_point> Server::nextDeadline() const {
-    std::optional<Clock::time_point> next;
+    std::optional<Clock::time_point> next = kick_.due();
     if (isMoreToDo_) {
         next = Clock::now();
     }

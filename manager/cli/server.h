@@ -7,6 +7,7 @@
 #include "manager/cli/folderwatch.h"
 #include "manager/cli/guestprocesses.h"
 #include "manager/cli/history.h"
+#include "manager/cli/timer.h"
 #include "manager/exchange/exchange.h"
 
 #include <chrono>
@@ -96,6 +97,9 @@ private:
         std::set<std::pair<std::uint64_t, ContainerId>> awaited; ///< of these calls
     };
 
+    // What tells them lives that long.
+    static constexpr std::chrono::milliseconds kickPeriod{2000};
+
     void openLibrary();
     /// The text for people. A damaged index is let go of, and a scan asked for.
     std::string takeFailure(const std::exception& error);
@@ -135,6 +139,7 @@ private:
     std::vector<ContainerId> touched_;
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
+    Paced kick_{kickPeriod}; ///< of the display's programs
     std::vector<std::pair<const char*, std::string>> toOpen_; ///< what for, and the command
     GuestProcesses guests_;
     bool scanNeeded_ = false;

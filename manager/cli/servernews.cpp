@@ -145,6 +145,9 @@ void Server::end() {
         pending.occasion.record(places_);
     }
     tellOthers();
+    if (kick_.due()) { // nobody waits for its time
+        tellDisplay();
+    }
 }
 
 void Server::noteGuests() {
@@ -163,13 +166,15 @@ void Server::tellOthers() {
             occasion.record(places_);
         }
     }
-    if (!changed_) {
-        return;
+    if (std::exchange(changed_, false)) {
+        postLibraryChanged();
+        kick_.want();
+        std::erase_if(targets_,
+                      [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
     }
-    changed_ = false;
-    postLibraryChanged();
-    tellDisplay();
-    std::erase_if(targets_, [](const ChangeTarget& target) { return !sendLibraryChanged(target); });
+    if (kick_.take(Clock::now())) {
+        tellDisplay();
+    }
 }
 
 } // namespace manager

@@ -61,4 +61,32 @@ private:
     std::chrono::steady_clock::time_point latest_;
 };
 
+/// What is done at most once in a while, and once more after it was wanted last.
+class Paced {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    explicit Paced(std::chrono::milliseconds period) : period_(period) {}
+
+    void want() { isWanted_ = true; }
+    /// Whether it is to be done now.
+    [[nodiscard]] bool take(Time now) {
+        if (!isWanted_ || now < next_) {
+            return false;
+        }
+        isWanted_ = false;
+        next_ = now + period_;
+        return true;
+    }
+    /// When it is to be done; nullopt: it is not wanted.
+    [[nodiscard]] std::optional<Time> due() const {
+        return isWanted_ ? std::optional(next_) : std::nullopt;
+    }
+
+private:
+    std::chrono::milliseconds period_;
+    Time next_ = Time::min();
+    bool isWanted_ = false;
+};
+
 } // namespace manager

@@ -6,6 +6,7 @@
 #include "manager/cli/groups.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/report.h"
+#include "manager/cli/timer.h"
 #include "manager/library/error.h"
 #include "manager/library/update.h"
 #include "tests/manager/sandbox.h"
@@ -43,6 +44,21 @@ TEST(ALineForPeople, ShowsControlCharacters) {
     for (const auto& [text, shown] : cases) {
         EXPECT_EQ(printable(text), shown);
     }
+}
+
+TEST(APacedDeed, IsDoneAtOnceThenAfterAWhileAndNeverInVain) {
+    using std::chrono::milliseconds;
+    const Paced::Time start{};
+    Paced deed{milliseconds(20)};
+    EXPECT_FALSE(deed.take(start) || deed.due());
+    deed.want();
+    EXPECT_TRUE(deed.due() <= start && deed.take(start));
+    deed.want();
+    deed.want();
+    EXPECT_EQ(deed.due(), start + milliseconds(20));
+    EXPECT_FALSE(deed.take(start + milliseconds(19)));
+    EXPECT_TRUE(deed.take(start + milliseconds(20)));
+    EXPECT_FALSE(deed.take(start + milliseconds(99)) || deed.due());
 }
 
 TEST(AContainerNumber, IsADecimalOfAtLeastOne) {
