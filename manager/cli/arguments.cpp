@@ -27,7 +27,9 @@
 #include <exception>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <poll.h>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace manager {
@@ -281,13 +283,18 @@ private:
     const char* group_ = ""; ///< under which the help lists commands that are added
 };
 
-// What was asked for is not done before it is written.
-void finishOutput() {
+// What was asked for is not done before it is written. Who reads the output may have had enough.
+int finishOutput(int status) {
     errno = 0;
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        pollfd output{STDOUT_FILENO, POLLOUT, 0};
+        if (poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0) {
+            return exitFailure;
+        }
         throw errno != 0 ? systemError("standard output", "cannot be written", errno)
                          : Error("standard output: cannot be written");
     }
+    return status;
 }
 
 } // namespace
@@ -303,9 +310,7 @@ int runCommandLine(int argc, char** argv) {
         }
     };
     try {
-        const int status = run();
-        finishOutput();
-        return status;
+        return finishOutput(run());
     } catch (const std::exception& error) {
         warn(error.what());
         return exitFailure;

@@ -136,6 +136,15 @@ void tellUnknown(Library& library, const FaceQuery& query, Tally& tally) {
     }
 }
 
+// Some fonts carry a whole licence.
+std::string shortened(const std::string& text) {
+    constexpr std::size_t longest = 300;
+    if (text.size() <= longest) {
+        return text;
+    }
+    return text.substr(0, text.rfind(' ', longest)) + " ... (--json shows all of it)";
+}
+
 void printDetails(const FaceDetails& details, const char* state) {
     const auto& [match, face] = details;
     printLine(calledName(match) + " (container " + toText(match.container) + ", " + state +
@@ -159,7 +168,7 @@ void printDetails(const FaceDetails& details, const char* state) {
     line("version", face.version);
     line("foundry", face.foundry);
     line("copyright", face.copyright);
-    line("licence", face.licence);
+    line("licence", shortened(face.licence));
     line("licence at", face.licenceLink);
     line("embedding", embeddingText(face.embedding));
     line("glyphs", std::to_string(face.glyphs));
@@ -274,9 +283,8 @@ int searchCommand(const Places& places, FaceQuery query, const std::optional<std
     } else if (!json && total > query.offset + tally.size()) {
         printLine(std::to_string(total) + " in all; --limit shows more");
     }
-    const bool isEmpty = tally.isEmpty();
-    const int status = tally.finish("nothing found");
-    return isEmpty ? exitFailure : status;
+    const int status = tally.finish(total == 0 ? "nothing found" : nullptr);
+    return total == 0 ? exitFailure : status;
 }
 
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json) {

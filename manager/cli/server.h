@@ -139,7 +139,7 @@ private:
     std::vector<ContainerId> touched_;
     std::optional<Library::Generation> followed_; ///< the index that active sets follow
     bool changed_ = false;
-    Paced kick_{kickPeriod}; ///< of the display's programs
+    Paced kick_{kickPeriod};                                  ///< of the display's programs
     std::vector<std::pair<const char*, std::string>> toOpen_; ///< what for, and the command
     GuestProcesses guests_;
     bool scanNeeded_ = false;
