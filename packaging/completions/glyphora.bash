@@ -69,6 +69,7 @@ _glyphora() {
         add) _glyphora_dirs ;;
         remove) _glyphora_lines < <(_glyphora_folders) ;;
         info | collect | activate) _glyphora_containers list --containers ;;
+        show) _glyphora_lines < <(_glyphora_listed '\2' list --containers) ;;
         deactivate) _glyphora_containers status ;;
         collection | tag)
             if [ "$position" -eq 1 ]; then
