@@ -14,7 +14,7 @@ texts="$work/texts.pot"
 extract() { # FOLDER [.ui FILE...]
     local sources
     mapfile -t sources < <(find "$1" -name '*.cpp' | sort)
-    xgettext --from-code=UTF-8 --add-comments=TRANSLATORS --keyword --keyword=translated:1,1t \
+    xgettext --from-code=UTF-8 --add-comments=TRANSLATORS --keyword --keyword=marked:1 --keyword=translated:1,1t \
         --keyword=translated:1,2,3t --output="$texts" "${sources[@]}"
     if [ $# -gt 1 ]; then
         xgettext --its=host/po/ui.its --from-code=UTF-8 --join-existing --output="$texts" "${@:2}"

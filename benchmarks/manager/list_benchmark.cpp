@@ -43,6 +43,41 @@ void typeIntoFaceList(benchmark::State& state) {
 }
 BENCHMARK(typeIntoFaceList)->DenseRange(1, 4)->Unit(benchmark::kMillisecond);
 
+// A letter typed while a filter passes most of the faces.
+void typeIntoFilteredFaceList(benchmark::State& state) {
+    const auto view = readView();
+    std::vector<FaceId> ids;
+    for (const ListedFace& face : view->table.faces().subspan(1)) {
+        ids.push_back(face.id);
+    }
+    const auto found = std::make_shared<const std::vector<FaceId>>(std::move(ids));
+    const std::string letter = benchmarks::spreadNames(3).back().substr(0, 1);
+    FaceListing listing;
+    for (auto _ : state) {
+        state.PauseTiming();
+        listing.show(view, {.found = found});
+        state.ResumeTiming();
+        listing.show(view, {.text = letter, .found = found});
+        benchmark::DoNotOptimize(listing.families().data());
+    }
+}
+BENCHMARK(typeIntoFilteredFaceList)->Unit(benchmark::kMillisecond);
+
+// Another filter, as the window's thread has it: what the index has found comes to the list.
+void filterFaceList(benchmark::State& state) {
+    const auto view = readView();
+    std::vector<FaceId> ids;
+    for (const ListedFace& face : view->table.faces()) {
+        ids.push_back(face.id);
+    }
+    FaceListing listing;
+    for (auto _ : state) {
+        listing.show(view, {.found = std::make_shared<const std::vector<FaceId>>(ids)});
+        benchmark::DoNotOptimize(listing.families().data());
+    }
+}
+BENCHMARK(filterFaceList)->Unit(benchmark::kMillisecond);
+
 void filterFaceListByState(benchmark::State& state) {
     const auto view = readView();
     FaceListing listing;

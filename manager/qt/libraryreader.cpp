@@ -69,9 +69,31 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
         if (!fonts.empty()) {
             drawing = readDrawing(desk.library(), desk.activation(), fonts);
         }
-        auto view = std::make_shared<const LibraryView>(
-            LibraryView{std::move(table), std::move(states), std::move(drawing)});
+        auto view = std::make_shared<const LibraryView>(LibraryView{
+            std::move(table), std::move(states), std::move(drawing),
+            desk.library().tags(SharedKind::Scripts), desk.library().tags(SharedKind::Languages),
+            desk.library().tags(SharedKind::Features)});
         return [take, view = std::move(view)] { take(view); };
+    });
+}
+
+void LibraryReader::find(FaceQuery query, std::function<void(FoundFaceIds)> take) {
+    const unsigned number = ++newestQuery_;
+    run([this, number, query = std::move(query), take = std::move(take)](Desk& desk) -> Taker {
+        std::vector<FaceId> ids;
+        if (number == newestQuery_) {
+            const auto keys = desk.library().familyKeys(query);
+            ids.reserve(keys.size());
+            for (const auto& [id, key] : keys) {
+                ids.push_back(FaceId{id});
+            }
+        }
+        auto found = std::make_shared<const std::vector<FaceId>>(std::move(ids));
+        return [this, number, take, found = std::move(found)] {
+            if (number == newestQuery_) {
+                take(found);
+            }
+        };
     });
 }
 

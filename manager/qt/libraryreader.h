@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -52,6 +53,11 @@ public:
     void setDrawing(std::vector<CommandFont> fonts);
     /// Reads all of the library. Asked for again before that begins, it is read once.
     void read(std::function<void(std::shared_ptr<const LibraryView>)> take);
+    using FoundFaceIds = std::shared_ptr<const std::vector<FaceId>>;
+    /// Finds all faces of a query, whatever its page. Only the newest query is answered.
+    void find(FaceQuery query, std::function<void(FoundFaceIds)> take);
+    /// None is wanted any more.
+    void dropQuery() { ++newestQuery_; }
 
 protected:
     void customEvent(QEvent* event) override; ///< takers have come
@@ -66,6 +72,7 @@ private:
     std::deque<Taker> done_;
     std::vector<CommandFont> drawing_;
     bool isReadWaiting_ = false;
+    std::atomic<unsigned> newestQuery_ = 0;
     bool ends_ = false;
     std::thread thread_; ///< last: it uses the others
 };

@@ -5,6 +5,7 @@
 #include "manager/qt/deeds.h"
 #include "manager/qt/facedelegate.h"
 #include "manager/qt/facepane.h"
+#include "manager/qt/filterpanel.h"
 #include "manager/qt/libraryreader.h"
 #include "manager/qt/sidebar.h"
 #include "manager/view/window.h"
@@ -40,6 +41,7 @@ public:
     [[nodiscard]] QTreeView& list() { return *list_; }
     [[nodiscard]] FaceModel& model() { return model_; }
     [[nodiscard]] QLineEdit& searchField() { return *search_; }
+    [[nodiscard]] FilterPanel& filters() { return *filters_; }
     [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
     [[nodiscard]] Deeds& deeds() { return deeds_; }
     [[nodiscard]] FacePane& pane() { return *pane_; }
@@ -54,6 +56,8 @@ private:
     void read();
     void take(std::shared_ptr<const LibraryView> view);
     void filter();
+    [[nodiscard]] ListFilter filterOf(const SidebarPlace& place);
+    void findByFilters();
     void showChosen();
     void showEmpty();
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
@@ -71,6 +75,8 @@ private:
     Deeds deeds_;
     Sidebar* sidebar_ = nullptr;
     QLineEdit* search_ = nullptr;
+    FilterPanel* filters_ = nullptr;
+    LibraryReader::FoundFaceIds found_; ///< that pass the filters; null: there are none
     QTreeView* list_ = nullptr;
     QStackedWidget* pages_ = nullptr; ///< the list, or what to do while it is empty
     QLabel* empty_ = nullptr;

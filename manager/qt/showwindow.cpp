@@ -12,6 +12,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QPixmap>
+#include <QToolButton>
 #include <QTranslator>
 
 #include <array>
@@ -82,6 +83,14 @@ public:
             window_.pane().views().setCurrentIndex(0);
             window_.list().selectAll();
             save("compare" + end);
+            window_.list().setCurrentIndex(first);
+            window_.filters().set(FilterKind::Weight, "5");
+            window_.filters().set(FilterKind::Script, "Latn");
+            window_.filters().button().setChecked(true);
+            window_.finishReading();
+            save("filters" + end);
+            window_.filters().clear();
+            window_.filters().button().setChecked(false);
             window_.searchField().setText(QStringLiteral("no such font"));
             save("nothing" + end);
             window_.sidebar().choose(begin);

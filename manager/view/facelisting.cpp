@@ -10,8 +10,12 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
     // A longer text finds nothing that the shorter one did not.
     const bool narrows =
         view == view_ && !filter_.text.empty() && filter.text.starts_with(filter_.text);
+    const bool isFoundAnew = view != view_ || filter.found != filter_.found;
     view_ = std::move(view);
     filter_ = std::move(filter);
+    if (isFoundAnew) {
+        find();
+    }
     const FaceTable& table = view_->table;
     named_ = table.find(filter_.text, narrows ? &named_ : nullptr);
     faces_.clear();
@@ -21,21 +25,12 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
         return;
     }
 
-    std::vector<bool> isFound;
-    if (filter_.found) {
-        isFound.resize(table.faces().size());
-        for (const FaceId id : *filter_.found) {
-            if (const auto row = table.rowOf(id)) {
-                isFound[*row] = true;
-            }
-        }
-    }
     for (const FaceRow row : named_) {
         const ListedFace& face = table.faces()[row];
         if ((filter_.state && view_->states.of(row) != *filter_.state) ||
             (filter_.among &&
              !std::binary_search(filter_.among->begin(), filter_.among->end(), face.container)) ||
-            (filter_.found && !isFound[row])) {
+            !passes(row)) {
             continue;
         }
         if (families_.empty() || families_.back().family != face.family) {
@@ -46,19 +41,33 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
     }
 }
 
+void FaceListing::find() {
+    isFound_.clear();
+    if (filter_.found == nullptr) {
+        return;
+    }
+    isFound_.resize(view_->table.faces().size());
+    for (const FaceId id : *filter_.found) {
+        if (const auto row = view_->table.rowOf(id)) {
+            isFound_[*row] = true;
+        }
+    }
+}
+
 void FaceListing::showDrawing() {
     choices_.clear();
+    const bool isNarrowed = filter_.found != nullptr || filter_.alsoState;
     for (std::uint32_t i = 0; i < view_->drawing.size(); ++i) {
         ShownFamily family{i, static_cast<std::uint32_t>(faces_.size()), 0};
         for (const AskedFont::Choice& choice : view_->drawing[i].choices) {
             const auto row = view_->table.rowOf(choice.face);
-            if (row && std::binary_search(named_.begin(), named_.end(), *row)) {
+            if (row && passes(*row) && std::binary_search(named_.begin(), named_.end(), *row)) {
                 faces_.push_back(*row);
                 choices_.push_back(&choice);
                 ++family.count;
             }
         }
-        if (family.count != 0 || filter_.text.empty()) {
+        if (family.count != 0 || (filter_.text.empty() && !isNarrowed)) {
             families_.push_back(family);
         }
     }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,10 @@ struct ListFilter {
     std::string text = {};                              ///< as FaceTable::find() takes it
     std::optional<FaceState> state = {};                ///< none: any
     std::optional<std::vector<ContainerId>> among = {}; ///< in order
-    std::optional<std::vector<FaceId>> found = {};      ///< by a search of the index; in any order
-    bool isDrawing = false; ///< what a drawing asks for, whatever else is said but the text
+    std::optional<FaceState> alsoState = {};            ///< and this one
+    std::shared_ptr<const std::vector<FaceId>> found =
+        {};                 ///< by the index, in any order; null: any
+    bool isDrawing = false; ///< what a drawing asks for, whatever place or state is said
     bool operator==(const ListFilter&) const = default;
 };
 
@@ -28,6 +31,9 @@ struct LibraryView {
     FaceTable table;
     FaceStates states;
     std::vector<AskedFont> drawing = {}; ///< of the one that asked last
+    std::set<std::string> scripts = {};  ///< that some face has
+    std::set<std::string> languages = {};
+    std::set<std::string> features = {};
 };
 
 /// A family's faces that are shown, or a drawing's font with what may be used for it.
@@ -57,11 +63,18 @@ public:
     [[nodiscard]] std::optional<std::uint32_t> placeOf(std::uint32_t family) const;
 
 private:
+    void find();
     void showDrawing();
+    /// Whether it passes what is asked of faces at any place.
+    [[nodiscard]] bool passes(FaceRow row) const {
+        return (filter_.found == nullptr || isFound_[row]) &&
+               (!filter_.alsoState || view_->states.of(row) == *filter_.alsoState);
+    }
 
     std::shared_ptr<const LibraryView> view_ = std::make_shared<const LibraryView>();
     ListFilter filter_;
     std::vector<FaceRow> named_; ///< by the filter's text alone
+    std::vector<bool> isFound_;  ///< by row, if the index was searched
     std::vector<FaceRow> faces_;
     std::vector<const AskedFont::Choice*> choices_;
     std::vector<ShownFamily> families_;

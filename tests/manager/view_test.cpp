@@ -2,6 +2,7 @@
 // What the window's list is made of: the table of faces, their states, and what of them is shown.
 // The files are empty: what each holds is told by its name.
 #include "manager/library/update.h"
+#include "manager/view/facefilters.h"
 #include "manager/view/facelisting.h"
 #include "tests/manager/sandbox.h"
 
@@ -15,6 +16,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
+
+std::shared_ptr<const std::vector<FaceId>> ids(std::vector<FaceId> list) {
+    return std::make_shared<const std::vector<FaceId>>(std::move(list));
+}
 
 class AList : public testing::Test {
 protected:
@@ -195,12 +200,60 @@ TEST_F(AList, KeepsToContainersAndToFacesThatASearchFound) {
     const ListedFace& bold = table.faces()[1];
     ASSERT_EQ(bold.style, "Bold");
     EXPECT_THAT(shown({.among = std::vector{bold.container}}), ElementsAre("Alpha: Bold"));
-    EXPECT_THAT(shown({.found = std::vector{table.faces()[2].id, bold.id, FaceId{99999}}}),
+    EXPECT_THAT(shown({.found = ids({table.faces()[2].id, bold.id, FaceId{99999}})}),
                 ElementsAre("Alpha: Bold", "Beta: Bold"));
     EXPECT_THAT(shown({.among = std::vector<ContainerId>{}}), IsEmpty());
-    EXPECT_THAT(shown({.found = std::vector{table.faces()[2].id}}), ElementsAre("Beta: Bold"));
+    EXPECT_THAT(shown({.found = ids({table.faces()[2].id})}), ElementsAre("Beta: Bold"));
     EXPECT_EQ(listing_.placeOf(table.faces()[2].family), 0U);
     EXPECT_EQ(listing_.placeOf(bold.family), std::nullopt);
+}
+
+TEST_F(AList, IsNarrowedByWhatTheIndexKnows) {
+    add("light.ttf", "Alpha", "Light", 300);
+    {
+        faces::Face& face = faces_.begin()->second;
+        face.style = {300, 75, faces::Slant::Italic};
+        face.technology = faces::Technology::OpenTypePostScript;
+        face.classification = faces::Classification::SansSerif;
+        face.scripts = {"Latn"};
+        face.languages = {"de"};
+        face.features = {"smcp"};
+        face.foundry = "Foundry & Co";
+        face.licence = "free";
+        face.embedding = 0;
+        face.axes = {{"wght", "Weight", 200, 300, 400}};
+        face.monospaced = face.colour = true;
+    }
+    add("bold.ttf", "Beta", "Bold", 700);
+    scan();
+    read();
+    const auto narrowed = [&](const FilterValues& values) {
+        std::vector<FaceId> found;
+        if (const auto query = queryOf(values)) {
+            for (const auto& [id, key] : library_->familyKeys(*query)) {
+                found.push_back(FaceId{id});
+            }
+            return shown({.alsoState = manager::stateOf(values), .found = ids(found)});
+        }
+        return shown({.alsoState = manager::stateOf(values)});
+    };
+    const std::map<FilterKind, std::pair<const char*, const char*>> ofAlphaOnly = {
+        {FilterKind::Class, {"2", "0"}},        {FilterKind::Weight, {"1", "6"}},
+        {FilterKind::Width, {"0", "2"}},        {FilterKind::Slant, {"1", "2"}},
+        {FilterKind::Format, {"2", "0"}},       {FilterKind::Script, {"Latn", "Cyrl"}},
+        {FilterKind::Language, {"de", "d"}},    {FilterKind::Feature, {"smcp", "liga"}},
+        {FilterKind::Foundry, {"y & c", "x"}},  {FilterKind::Licence, {"Free", "x"}},
+        {FilterKind::Variable, {"1", nullptr}}, {FilterKind::Monospaced, {"1", nullptr}},
+        {FilterKind::Colour, {"1", nullptr}},   {FilterKind::Embeddable, {"1", nullptr}}};
+    for (const auto& [kind, values] : ofAlphaOnly) {
+        EXPECT_THAT(narrowed({{kind, values.first}}), ElementsAre("Alpha: Light")) << titleOf(kind);
+        if (values.second != nullptr) {
+            EXPECT_THAT(narrowed({{kind, values.second}}), IsEmpty()) << titleOf(kind);
+        }
+    }
+    EXPECT_THAT(narrowed({{FilterKind::State, "1"}, {FilterKind::Weight, "5"}}),
+                ElementsAre("Beta: Bold"));
+    EXPECT_THAT(narrowed({{FilterKind::State, "0"}, {FilterKind::Weight, "5"}}), IsEmpty());
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <QClipboard>
 #include <QProcess>
 #include <QTest>
+#include <QToolButton>
 
 #include <array>
 #include <gmock/gmock.h>
@@ -99,6 +100,28 @@ TEST_F(TheLibrarysWindow, ListsWhatIsTypedAndTellsItToScreenReaders) {
     EXPECT_EQ(window_->model().rowCount(), 0);
     window_->searchField().clear();
     EXPECT_EQ(window_->model().rowCount(), 2);
+}
+
+TEST_F(TheLibrarysWindow, NarrowsTheListByFiltersAndLeavesOneByAClick) {
+    open();
+    QTest::keyClick(window_.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    FilterPanel& filters = window_->filters();
+    EXPECT_TRUE(await([&] { return filters.field(FilterKind::State)->hasFocus(); }));
+    QTest::keyClicks(filters.field(FilterKind::Format), QStringLiteral("T")); // Type 1
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 0; }));
+    QTest::keyClick(filters.field(FilterKind::Format), Qt::Key_Down);
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 2; }));
+    QTest::keyClicks(filters.field(FilterKind::State), QStringLiteral("A")); // at once
+    EXPECT_EQ(window_->model().rowCount(), 0);
+    glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
+    for (auto* const chip : filters.findChildren<QToolButton*>()) {
+        if (chip->accessibleName() == QStringLiteral("Remove the filter \"State: Active\"")) {
+            QTest::mouseClick(chip, Qt::LeftButton);
+        }
+    }
+    EXPECT_EQ(window_->model().rowCount(), 2);
+    EXPECT_EQ(filters.values().size(), 1);
 }
 
 TEST_F(TheLibrarysWindow, SpeaksTheLanguageOfItsUser) {

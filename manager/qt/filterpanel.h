@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// The filters beside the search: fields that come and go by a button, and a chip of each that is
+// set, which takes it away.
+#pragma once
+
+#include "manager/view/facefilters.h"
+#include "manager/view/facelisting.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <map>
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLineEdit;
+class QToolButton;
+
+namespace manager {
+
+class FlowLayout;
+
+/// [main-thread]
+class FilterPanel : public QWidget {
+public:
+    /// `changed` is called when another value is set.
+    FilterPanel(std::function<void()> changed, QWidget* parent);
+
+    /// What shows and hides the fields, to stand elsewhere.
+    [[nodiscard]] QToolButton& button() { return *button_; }
+    /// Offers the languages, scripts and features that the library has.
+    void offer(const LibraryView& view);
+    [[nodiscard]] const FilterValues& values() const { return values_; }
+    void set(FilterKind kind, const std::string& value);
+    /// Takes all filters away.
+    void clear();
+    /// The field of a filter.
+    [[nodiscard]] QWidget* field(FilterKind kind) const { return fields_.at(kind); }
+
+private:
+    void makeFields();
+    QWidget* makeField(FilterKind kind);
+    void showField(FilterKind kind);
+    void showChips();
+    [[nodiscard]] QString textOf(FilterKind kind, const std::string& value) const;
+
+    std::function<void()> changed_;
+    FilterValues values_;
+    std::map<FilterKind, QWidget*> fields_;
+    QToolButton* button_ = nullptr;
+    QWidget* panel_ = nullptr;
+    QWidget* chips_ = nullptr;
+    FlowLayout* flow_ = nullptr;
+};
+
+} // namespace manager

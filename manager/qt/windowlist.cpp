@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+// The list, what narrows it, and what stands there when it is empty.
+#include "manager/library/folders.h"
+#include "manager/qt/librarywindow.h"
+#include "manager/qt/listposition.h"
+#include "manager/view/texts.h"
+
+#include <QHBoxLayout>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <set>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+} // namespace
+
+QWidget* LibraryWindow::makeList() {
+    auto* const middle = new QWidget(this);
+    auto* const column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 6, 0, 0);
+    search_ = new QLineEdit(middle);
+    search_->setPlaceholderText(text(translated("Search fonts")));
+    search_->setAccessibleName(text(translated("Search fonts")));
+    search_->setClearButtonEnabled(true);
+    connect(search_, &QLineEdit::textChanged, this, [this] { filter(); });
+    connect(search_, &QLineEdit::returnPressed, this, [this] { list_->setFocus(); });
+    filters_ = new FilterPanel([this] { findByFilters(); }, middle);
+    list_ = new QTreeView(middle);
+    list_->setModel(&model_);
+    list_->setHeaderHidden(true);
+    list_->setUniformRowHeights(true);
+    list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list_->setFrameShape(QFrame::NoFrame);
+    list_->setExpandsOnDoubleClick(false);
+    list_->setAlternatingRowColors(false);
+    list_->setAccessibleName(text(translated("Fonts")));
+    delegate_ = new FaceDelegate(model_, faces_, *list_);
+    list_->setItemDelegate(delegate_);
+    connect(list_, &QTreeView::doubleClicked, this, [this] { toggleChosen(); });
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        connect(new QShortcut(key, list_, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, [this] { toggleChosen(); });
+    }
+    connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { showChosen(); });
+    empty_ = new QLabel(middle);
+    empty_->setAlignment(Qt::AlignCenter);
+    empty_->setWordWrap(true);
+    empty_->setTextFormat(Qt::PlainText);
+    empty_->setMargin(24);
+    pages_ = new QStackedWidget(middle);
+    pages_->addWidget(list_);
+    pages_->addWidget(empty_);
+    auto* const row = new QHBoxLayout();
+    row->addWidget(search_, 1);
+    row->addWidget(&filters_->button());
+    column->addLayout(row);
+    column->addWidget(filters_);
+    column->addWidget(pages_, 1);
+    return middle;
+}
+
+void LibraryWindow::findByFilters() {
+    const auto query = queryOf(filters_->values());
+    if (!query) {
+        reader_.dropQuery();
+        found_.reset();
+        filter();
+        return;
+    }
+    reader_.find(*query, [this](auto found) {
+        found_ = std::move(found);
+        filter();
+    });
+    filter(); // by state, at once
+}
+
+ListFilter LibraryWindow::filterOf(const SidebarPlace& place) {
+    ListFilter filter{.text = search_->text().toStdString()};
+    filter.alsoState = stateOf(filters_->values());
+    filter.found = found_;
+    const FaceTable& table = view_->table;
+    switch (place.kind) {
+    case SidebarPlace::Kind::All:
+        break;
+    case SidebarPlace::Kind::Drawing:
+        filter.isDrawing = true;
+        break;
+    case SidebarPlace::Kind::State:
+        filter.state = place.state;
+        break;
+    case SidebarPlace::Kind::Group: {
+        const auto title = toGroupTitle(place.name);
+        const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;
+        filter.among.emplace();
+        if (group != nullptr) {
+            for (const GroupMember& member : group->members) {
+                filter.among->push_back(member.id);
+            }
+        }
+        std::sort(filter.among->begin(), filter.among->end());
+        break;
+    }
+    case SidebarPlace::Kind::Folder: {
+        std::set<ContainerId> containers;
+        for (const ListedFace& face : table.faces()) {
+            if (liesUnder(table.folderOf(face), place.name)) {
+                containers.insert(face.container);
+            }
+        }
+        filter.among.emplace(containers.begin(), containers.end());
+        break;
+    }
+    }
+    return filter;
+}
+
+void LibraryWindow::filter() {
+    if (view_ == nullptr) {
+        return;
+    }
+    const SidebarPlace& place = sidebar_->place();
+    const ListPosition before = positionOf(*list_, model_);
+    model_.show(view_, filterOf(place));
+    restore(*list_, model_, before);
+    if (place.kind == SidebarPlace::Kind::Drawing) {
+        list_->expandAll();
+        if (!list_->currentIndex().isValid()) { // the best for the first font
+            const QModelIndex font = model_.index(0, 0);
+            const QModelIndex best = model_.index(0, 0, font);
+            list_->setCurrentIndex(best.isValid() ? best : font);
+        }
+    }
+    showEmpty();
+    showCount();
+    showChosen();
+}
+
+void LibraryWindow::showEmpty() {
+    const bool isEmpty = model_.rowCount() == 0;
+    pages_->setCurrentIndex(isEmpty ? 1 : 0);
+    if (!isEmpty) {
+        return;
+    }
+    if (view_->table.faces().empty()) {
+        empty_->setText(text(translated("There are no fonts in the library yet. Add a folder of "
+                                        "fonts to begin (Library, Add Folder).")));
+    } else if (!filters_->values().empty()) {
+        empty_->setText(text(translated("No font here passes all filters. Take one away above, or "
+                                        "search in \"All fonts\".")));
+    } else if (!search_->text().isEmpty()) {
+        empty_->setText(text(translated("No font here has this in its names. Search in \"All "
+                                        "fonts\", or with fewer letters.")));
+    } else {
+        empty_->setText(text(translated("There is no font here.")));
+    }
+}
+
+void LibraryWindow::showCount() {
+    const FaceListing& listing = model_.listing();
+    const std::size_t families = listing.families().size();
+    const std::size_t faces = listing.faces().size();
+    count_->setText(text(listing.filter().isDrawing
+                             ? translated("%1 font", "%1 fonts", families) + ", " +
+                                   translated("%1 candidate", "%1 candidates", faces)
+                             : translated("%1 family", "%1 families", families) + ", " +
+                                   translated("%1 style", "%1 styles", faces)));
+}
+
+} // namespace manager

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "manager/view/facefilters.h"
+
+#include "manager/view/texts.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace manager {
+
+namespace {
+
+/// Only marks a text for translation, which comes later.
+constexpr const char* marked(const char* text) {
+    return text;
+}
+
+struct Kind {
+    FilterForm form;
+    const char* title;
+};
+
+const Kind& factsOf(FilterKind kind) {
+    static const std::array<Kind, allFilterKinds.size()> kinds{{
+        {FilterForm::Choice, marked("State")},
+        {FilterForm::Choice, marked("Class")},
+        {FilterForm::Choice, marked("Weight")},
+        {FilterForm::Choice, marked("Width")},
+        {FilterForm::Choice, marked("Slant")},
+        {FilterForm::Choice, marked("Format")},
+        {FilterForm::Tag, marked("Script")},
+        {FilterForm::Tag, marked("Language")},
+        {FilterForm::Tag, marked("Feature")},
+        {FilterForm::Text, marked("Foundry")},
+        {FilterForm::Text, marked("Licence")},
+        {FilterForm::Flag, marked("Variable")},
+        {FilterForm::Flag, marked("Fixed width")},
+        {FilterForm::Flag, marked("In colour")},
+        {FilterForm::Flag, marked("Embeddable")},
+    }};
+    return kinds.at(static_cast<std::size_t>(kind));
+}
+
+/// A choice of a query's; the numbers of what the index holds are those of faces/face.h.
+struct Choice {
+    const char* text;
+    double from;
+    double to;
+};
+
+std::span<const Choice> choicesOf(FilterKind kind) {
+    using faces::Classification;
+    using faces::Slant;
+    using faces::Technology;
+    const auto one = [](auto value) { return static_cast<double>(value); };
+    static const Choice states[] = {
+        {marked("Active"), one(FaceState::Active), 0},
+        {marked("Inactive"), one(FaceState::Inactive), 0},
+        {marked("Conflicting"), one(FaceState::Conflicting), 0},
+        {marked("Shown by the desktop"), one(FaceState::Shown), 0},
+        {marked("Away"), one(FaceState::Away), 0},
+    };
+    static const Choice classes[] = {
+        {marked("Serif"), one(Classification::Serif), 0},
+        {marked("Slab serif"), one(Classification::SlabSerif), 0},
+        {marked("Sans serif"), one(Classification::SansSerif), 0},
+        {marked("Monospaced"), one(Classification::Monospaced), 0},
+        {marked("Handwriting"), one(Classification::Script), 0},
+        {marked("Decorative"), one(Classification::Decorative), 0},
+        {marked("Symbols"), one(Classification::Symbol), 0},
+    };
+    static const Choice weights[] = {
+        {marked("Thin, extra light"), 1, 249},
+        {marked("Light"), 250, 349},
+        {marked("Regular"), 350, 449},
+        {marked("Medium"), 450, 549},
+        {marked("Semibold"), 550, 649},
+        {marked("Bold"), 650, 749},
+        {marked("Extra bold, black"), 750, 1000},
+    };
+    static const Choice widths[] = {
+        {marked("Condensed"), 1, 93},
+        {marked("Normal"), 94, 106},
+        {marked("Expanded"), 107, 1000},
+    };
+    static const Choice slants[] = {
+        {marked("Upright"), one(Slant::Upright), 0},
+        {marked("Italic"), one(Slant::Italic), 0},
+        {marked("Oblique"), one(Slant::Oblique), 0},
+    };
+    static const Choice formats[] = {
+        {marked("Type 1"), one(Technology::Type1), 0},
+        {marked("TrueType"), one(Technology::TrueType), 0},
+        {marked("OpenType, PostScript outlines"), one(Technology::OpenTypePostScript), 0},
+        {marked("OpenType, TrueType outlines"), one(Technology::OpenTypeTrueType), 0},
+    };
+    switch (kind) {
+    case FilterKind::State:
+        return states;
+    case FilterKind::Class:
+        return classes;
+    case FilterKind::Weight:
+        return weights;
+    case FilterKind::Width:
+        return widths;
+    case FilterKind::Slant:
+        return slants;
+    case FilterKind::Format:
+        return formats;
+    default:
+        return {};
+    }
+}
+
+const Choice& choiceOf(FilterKind kind, const std::string& value) {
+    return choicesOf(kind)[static_cast<std::size_t>(std::stoi(value))];
+}
+
+void narrow(FaceQuery& query, FilterKind kind, const std::string& value) {
+    const auto number = [&] { return static_cast<int>(choiceOf(kind, value).from); };
+    const auto range = [&] {
+        const Choice& choice = choiceOf(kind, value);
+        return Range{choice.from, choice.to};
+    };
+    switch (kind) {
+    case FilterKind::State:
+        break;
+    case FilterKind::Class:
+        query.classifications = {static_cast<faces::Classification>(number())};
+        break;
+    case FilterKind::Weight:
+        query.weight = range();
+        break;
+    case FilterKind::Width:
+        query.width = range();
+        break;
+    case FilterKind::Slant:
+        query.slants = {static_cast<faces::Slant>(number())};
+        break;
+    case FilterKind::Format:
+        query.technologies = {static_cast<faces::Technology>(number())};
+        break;
+    case FilterKind::Script:
+        query.scripts = {value};
+        break;
+    case FilterKind::Language:
+        query.languages = {value};
+        break;
+    case FilterKind::Feature:
+        query.features = {value};
+        break;
+    case FilterKind::Foundry:
+        query.foundry = value;
+        break;
+    case FilterKind::Licence:
+        query.licence = value;
+        break;
+    case FilterKind::Variable:
+        query.variable = true;
+        break;
+    case FilterKind::Monospaced:
+        query.monospaced = true;
+        break;
+    case FilterKind::Colour:
+        query.colour = true;
+        break;
+    case FilterKind::Embeddable:
+        query.embeddable = true;
+        break;
+    }
+}
+
+} // namespace
+
+FilterForm formOf(FilterKind kind) {
+    return factsOf(kind).form;
+}
+
+std::string titleOf(FilterKind kind) {
+    return translated(factsOf(kind).title);
+}
+
+std::vector<std::string> filterChoices(FilterKind kind) {
+    const auto choices = choicesOf(kind);
+    std::vector<std::string> texts;
+    std::transform(choices.begin(), choices.end(), std::back_inserter(texts),
+                   [](const Choice& choice) { return translated(choice.text); });
+    return texts;
+}
+
+std::optional<FaceQuery> queryOf(const FilterValues& values) {
+    std::optional<FaceQuery> query;
+    for (const auto& [kind, value] : values) {
+        if (kind != FilterKind::State) {
+            narrow(query ? *query : query.emplace(), kind, value);
+        }
+    }
+    return query;
+}
+
+std::optional<FaceState> stateOf(const FilterValues& values) {
+    const auto value = values.find(FilterKind::State);
+    return value == values.end() ? std::nullopt
+                                 : std::optional(static_cast<FaceState>(static_cast<int>(
+                                       choiceOf(value->first, value->second).from)));
+}
+
+} // namespace manager

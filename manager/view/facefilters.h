@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// What the list can be narrowed by beside what is typed, each by a value that a person chooses.
+#pragma once
+
+#include "manager/library/facequery.h"
+#include "manager/view/facestates.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+enum class FilterKind : std::uint8_t {
+    State,
+    Class,
+    Weight,
+    Width,
+    Slant,
+    Format,
+    Script,
+    Language,
+    Feature,
+    Foundry,
+    Licence,
+    Variable,
+    Monospaced,
+    Colour,
+    Embeddable,
+};
+inline constexpr std::array allFilterKinds{
+    FilterKind::State,      FilterKind::Class,   FilterKind::Weight,    FilterKind::Width,
+    FilterKind::Slant,      FilterKind::Format,  FilterKind::Script,    FilterKind::Language,
+    FilterKind::Feature,    FilterKind::Foundry, FilterKind::Licence,   FilterKind::Variable,
+    FilterKind::Monospaced, FilterKind::Colour,  FilterKind::Embeddable};
+
+/// What a filter's values are like.
+enum class FilterForm : std::uint8_t {
+    Choice, ///< the place of one of filterChoices()
+    Tag,    ///< what the library has of it
+    Text,   ///< written by the person
+    Flag,   ///< no value but "1"
+};
+[[nodiscard]] FilterForm formOf(FilterKind kind);
+
+/// [main-thread] In the user's language: "Weight".
+[[nodiscard]] std::string titleOf(FilterKind kind);
+/// [main-thread] In the user's language, in order: "Light". Empty: it is not a choice.
+[[nodiscard]] std::vector<std::string> filterChoices(FilterKind kind);
+
+/// The filters that are set, and their values.
+using FilterValues = std::map<FilterKind, std::string>;
+
+/// What the index is asked for; nullopt: nothing but states, which it does not know.
+[[nodiscard]] std::optional<FaceQuery> queryOf(const FilterValues& values);
+/// The state that is asked for.
+[[nodiscard]] std::optional<FaceState> stateOf(const FilterValues& values);
+
+} // namespace manager
