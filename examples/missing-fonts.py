@@ -78,7 +78,7 @@ def tell(document):
         sys.exit("the manager is too old")
     for font in document.iter("font"):
         state = "active" if font.findtext("isActive") == "1" else "not active"
-        print(f"{font.findtext('psName')}: {state}, in {font.findtext('count', '?')} containers",
+        print(f"{font.findtext('psName')}: {state}, containers: {font.findtext('count', '?')}",
               flush=True)
         for info in font.iter("fontInfo"):
             print(f"  {info.findtext('name')}  {info.findtext('value')}", flush=True)

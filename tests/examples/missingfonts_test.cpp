@@ -70,7 +70,7 @@ TEST_F(APeerInAnotherLanguage, StartsTheManagerByACallNotAQuestion) {
     for (const char* time : {"first", "again"}) {
         EXPECT_EQ(glyphora({"quit"}).status, 1) << "no question has started it, " << time;
         const Ending shown = ask({"show", "Lato-Bold"});
-        EXPECT_EQ(shown.output, "Lato-Bold: not active, in 1 containers\n"
+        EXPECT_EQ(shown.output, "Lato-Bold: not active, containers: 1\n"
                                 "there is no display to show fonts on\n");
         EXPECT_TRUE(isManagerKnown());
         EXPECT_THAT(glyphora({"serve"}).output, HasSubstr("a server is running already"));
@@ -84,13 +84,13 @@ TEST_F(APeerInAnotherLanguage, MakesAllFourRequests) {
         std::string output;
     } cases[] = {
         {{"buy", "Lato-Bold", "Nobody"},
-         "Lato-Bold: not active, in 1 containers\nNobody: not active, in 0 containers\n"},
+         "Lato-Bold: not active, containers: 1\nNobody: not active, containers: 0\n"},
         {{"request", "Lato-Bold", "Own"},
-         "Lato-Bold: active, in 1 containers\n"
+         "Lato-Bold: active, containers: 1\n"
          "  1  Lato & <Co> Bold — OpenType TrueType, 1 style, " +
-             sandbox_.library() + "/a\nOwn: not active, in 2 containers\n  2  "},
-        {{"activate", "3", "Own"}, "Own: active, in ? containers\n"},
-        {{"show", "two\nlines"}, "two lines: not active, in 0 containers\n"},
+             sandbox_.library() + "/a\nOwn: not active, containers: 2\n  2  "},
+        {{"activate", "3", "Own"}, "Own: active, containers: ?\n"},
+        {{"show", "two\nlines"}, "two lines: not active, containers: 0\n"},
         {{"activate", "9", "Nobody"}, "font 'Nobody', container '9': not in the library\n"},
     };
     for (const auto& [arguments, output] : cases) {
@@ -98,7 +98,7 @@ TEST_F(APeerInAnotherLanguage, MakesAllFourRequests) {
     }
     // What a process has asked for leaves after it.
     EXPECT_TRUE(await([&] {
-        return ask({"show", "Own"}).output.starts_with("Own: not active, in 2 containers\n");
+        return ask({"show", "Own"}).output.starts_with("Own: not active, containers: 2\n");
     }));
 }
 
@@ -107,10 +107,10 @@ TEST_F(APeerInAnotherLanguage, HearsOfChanges) {
     const auto told = [&](const std::string& text) {
         return await([&] { return listener.output().find(text) != std::string::npos; });
     };
-    EXPECT_TRUE(told("Lato-Bold: active, in 1"));
+    EXPECT_TRUE(told("Lato-Bold: active, containers: 1"));
     EXPECT_TRUE(told("told: FILC"));
     EXPECT_EQ(glyphora({"remove", sandbox_.library()}).status, 0);
-    EXPECT_TRUE(told("Lato-Bold: active, in 0")) << listener.output();
+    EXPECT_TRUE(told("Lato-Bold: active, containers: 0")) << listener.output();
 }
 
 } // namespace
