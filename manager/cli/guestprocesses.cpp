@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "manager/cli/guestprocesses.h"
 
+#include "manager/cli/ownprocess.h"
 #include "manager/library/error.h"
 #include "system/descriptor.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace manager {
 
@@ -28,28 +25,6 @@ sys::Descriptor fileOf(const std::string& text) {
     return file;
 }
 
-/// Of a session of its own, so that it does not end with the server's terminal.
-int spawn(const char* argument, int input, pid_t& process) {
-    std::string command(argument);
-    std::array<char, 16> program{"glyphora"};
-    std::array<char, 16> option{"--request"};
-    const std::array<char*, 4> arguments = {program.data(), command.data(), option.data(), nullptr};
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none;
-    sigemptyset(&none);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-    const int code =
-        posix_spawn(&process, "/proc/self/exe", &actions, &attributes, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
-    return code;
-}
-
 } // namespace
 
 std::string GuestProcesses::start(const char* argument, const std::string& command) {
@@ -61,8 +36,9 @@ std::string GuestProcesses::start(const char* argument, const std::string& comma
     if (!input) {
         return systemError(argument, "the command cannot be handed over", errno).what();
     }
+    const std::array<std::string, 2> words = {argument, "--request"};
     pid_t process = -1;
-    if (const int code = spawn(argument, input.get(), process); code != 0) {
+    if (const int code = startOwn({words, input.get(), true}, process); code != 0) {
         return systemError(argument, "cannot be started", code).what();
     }
     running_.push_back({process, argument});

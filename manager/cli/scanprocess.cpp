@@ -2,6 +2,7 @@
 // Starts, watches and ends the scanning process.
 #include "manager/cli/scanprocess.h"
 
+#include "manager/cli/ownprocess.h"
 #include "manager/cli/report.h"
 #include "manager/library/error.h"
 #include "system/descriptor.h"
@@ -9,13 +10,10 @@
 #include <array>
 #include <csignal>
 #include <poll.h>
-#include <spawn.h>
 #include <string>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace manager {
 
@@ -40,19 +38,8 @@ ScanProcess::~ScanProcess() {
 }
 
 void ScanProcess::start() {
-    std::array<char, 16> program{"glyphora"};
-    std::array<char, 8> command{"scan"};
-    std::array<char, 8> option{"--quiet"};
-    const std::array<char*, 4> arguments = {program.data(), command.data(), option.data(), nullptr};
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none;
-    sigemptyset(&none);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    const int code =
-        posix_spawn(&process_, "/proc/self/exe", nullptr, &attributes, arguments.data(), environ);
-    posix_spawnattr_destroy(&attributes);
+    const std::array<std::string, 2> words = {"scan", "--quiet"};
+    const int code = startOwn({words}, process_);
     if (code != 0) {
         process_ = -1;
         warn(systemError("scan", "cannot be started", code).what());

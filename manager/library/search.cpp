@@ -4,10 +4,10 @@
 #include "manager/library/facelookup.h"
 #include "manager/library/library.h"
 #include "manager/library/packing.h"
+#include "manager/library/searchpage.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -180,81 +180,6 @@ std::string statementOf(const FaceQuery& query, const Conditions& conditions) {
                 : "face.family_key, face.weight, face.width, face.slant");
 }
 
-/// The page of a query, of faces that come one after the other. Those that are called and look
-/// alike stand together by their places.
-class Page {
-public:
-    Page(Database& database, const FaceQuery& query)
-        : place_(database, "SELECT directory.path, file.name, face.number FROM face "
-                           "JOIN file ON file.id = face.file "
-                           "JOIN directory ON directory.id = file.directory WHERE face.id = ?"),
-          isSorted_(query.order == FaceOrder::ByFolder), from_(query.offset),
-          to_(query.limit < SIZE_MAX - query.offset ? query.offset + query.limit : SIZE_MAX) {}
-
-    void add(const Statement& row) {
-        const bool isLike = !isSorted_ && count_ != 0 && row.view(1) == family_ &&
-                            row.real(2) == weight_ && row.real(3) == width_ &&
-                            row.number(4) == slant_;
-        if (!isLike) {
-            endGroup();
-            family_ = row.view(1);
-            weight_ = row.real(2);
-            width_ = row.real(3);
-            slant_ = row.number(4);
-        }
-        if (count_ - group_.size() < to_) {
-            group_.push_back(row.number(0));
-        }
-        ++count_;
-    }
-    /// To be called once.
-    [[nodiscard]] std::vector<std::int64_t> end() {
-        endGroup();
-        return std::move(ids_);
-    }
-    [[nodiscard]] std::size_t count() const { return count_; }
-
-private:
-    using Place = std::tuple<std::string, std::string, std::int64_t, std::int64_t>;
-
-    void endGroup() {
-        const std::size_t begin = count_ - group_.size();
-        if (group_.size() > 1 && begin < to_ && count_ > from_) {
-            sortGroup();
-        }
-        for (std::size_t i = 0; i < group_.size(); ++i) {
-            if (begin + i >= from_ && begin + i < to_) {
-                ids_.push_back(group_[i]);
-            }
-        }
-        group_.clear();
-    }
-    void sortGroup() {
-        std::vector<Place> places;
-        places.reserve(group_.size());
-        for (const std::int64_t id : group_) {
-            const StatementUse use(place_);
-            place_.bind(1, id).step();
-            places.emplace_back(place_.text(0), place_.text(1), place_.number(2), id);
-        }
-        std::sort(places.begin(), places.end());
-        std::transform(places.begin(), places.end(), group_.begin(),
-                       [](const Place& place) { return std::get<3>(place); });
-    }
-
-    Statement place_;
-    bool isSorted_;
-    std::size_t from_;
-    std::size_t to_;
-    std::size_t count_ = 0;
-    std::string family_;
-    double weight_ = 0;
-    double width_ = 0;
-    std::int64_t slant_ = 0;
-    std::vector<std::int64_t> group_;
-    std::vector<std::int64_t> ids_;
-};
-
 std::string_view textOf(sqlite3_value* value) {
     const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
     const int size = sqlite3_value_bytes(value);
@@ -321,7 +246,7 @@ FoundFaces Library::search(const FaceQuery& query) {
     const Reading together(database_);
     Statement all(database_, statementOf(query, conditions).c_str());
     conditions.bind(all);
-    Page page(database_, query);
+    SearchPage page(database_, query);
     while (all.step()) {
         page.add(all);
     }

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "manager/cli/ownprocess.h"
+
+#include <algorithm>
+#include <csignal>
+#include <iterator>
+#include <spawn.h>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ; // NOLINT(readability-redundant-declaration)
+
+namespace manager {
+
+int startOwn(const OwnProcess& wanted, pid_t& process) {
+    std::vector<std::string> words = {"glyphora"};
+    words.insert(words.end(), wanted.words.begin(), wanted.words.end());
+    std::vector<char*> arguments;
+    std::transform(words.begin(), words.end(), std::back_inserter(arguments),
+                   [](std::string& word) { return word.data(); });
+    arguments.push_back(nullptr);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    const int session = wanted.hasOwnSession ? POSIX_SPAWN_SETSID : 0;
+    posix_spawnattr_setflags(&attributes, static_cast<short>(POSIX_SPAWN_SETSIGMASK | session));
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (wanted.input) {
+        posix_spawn_file_actions_adddup2(&actions, *wanted.input, STDIN_FILENO);
+    }
+    const int code =
+        posix_spawn(&process, "/proc/self/exe", &actions, &attributes, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    return code;
+}
+
+} // namespace manager
