@@ -20,7 +20,7 @@ public:
         drawing_.tree = scan(
             source, name,
             {options.maximumDepth, options.maximumElements, options.keepGroups, options.language});
-        drawing_.styles = resolveStyles(drawing_.tree, name);
+        drawing_.styles = resolveStyles(drawing_.tree, name, options.maximumMatching);
     }
 
     Drawing run() {

@@ -13,10 +13,6 @@ using css::indexOf;
 using css::Property;
 using css::Value;
 
-/// What matching may cost per document, as Matcher counts it: seconds' worth, hundreds of tests for
-/// each of many thousand elements.
-constexpr std::size_t maximumWork = 1'000'000'000;
-
 constexpr std::uint64_t attributeRank = 1;
 constexpr std::uint64_t inlineRank = std::uint64_t{1} << 62;
 constexpr std::uint64_t importantRank = std::uint64_t{1} << 63;
@@ -119,7 +115,7 @@ void Cascade::collectRules(ElementId id, Candidates& candidates) {
     }
     matches_.clear();
     matcher_.match(id, matches_);
-    if (matcher_.work() > maximumWork) {
+    if (matcher_.work() > maximumMatching_) {
         throw errorAt(tree_.source, name_, "the style sheets are too large to match",
                       tree_.sheets.front().sourceStart);
     }

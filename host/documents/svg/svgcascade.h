@@ -6,6 +6,7 @@
 #include "host/documents/svg/svgstyle.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -17,9 +18,10 @@ namespace host::svg {
 /// Keeps what it has read of attributes, which are often alike.
 class Cascade {
 public:
-    /// `styles` has the sheets in it and takes the result. All outlive this.
-    Cascade(const Tree& tree, std::string_view name, Styles& styles)
-        : tree_(tree), name_(name), styles_(styles) {}
+    /// `styles` has the sheets in it and takes the result. All outlive this. `maximumMatching`: of
+    /// Matcher::work().
+    Cascade(const Tree& tree, std::string_view name, std::size_t maximumMatching, Styles& styles)
+        : tree_(tree), name_(name), maximumMatching_(maximumMatching), styles_(styles) {}
 
     /// `inheritsFrom` was resolved before; noElement for the root. Throws DocumentError when the
     /// style sheets ask for unreasonable work.
@@ -44,6 +46,7 @@ private:
 
     const Tree& tree_;
     std::string_view name_;
+    std::size_t maximumMatching_;
     Styles& styles_;
     std::array<std::unordered_map<std::string_view, std::optional<css::Value>>, css::propertyCount>
         attributeValues_;

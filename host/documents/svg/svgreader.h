@@ -21,6 +21,9 @@ struct SvgOptions {
     unsigned maximumDepth = 256;
     /// Most elements that hold text, or groups and other art that are kept.
     std::size_t maximumElements = 2'000'000;
+    /// What matching style sheets may cost, in bytes looked at: seconds' worth, hundreds of tests
+    /// for each of many thousand elements.
+    std::size_t maximumMatching = 1'000'000'000;
     /// The user's language, as a locale or a web page names it: decides where a drawing has texts
     /// in several.
     std::string language = "en_US";

@@ -11,8 +11,8 @@ namespace {
 
 class Resolver {
 public:
-    Resolver(const Tree& tree, std::string_view name)
-        : tree_(tree), cascade_(tree, name, styles_) {}
+    Resolver(const Tree& tree, std::string_view name, std::size_t maximumMatching)
+        : tree_(tree), cascade_(tree, name, maximumMatching, styles_) {}
 
     Styles run() {
         for (const Sheet& sheet : tree_.sheets) {
@@ -156,8 +156,8 @@ private:
 
 } // namespace
 
-Styles resolveStyles(const Tree& tree, std::string_view name) {
-    return Resolver(tree, name).run();
+Styles resolveStyles(const Tree& tree, std::string_view name, std::size_t maximumMatching) {
+    return Resolver(tree, name, maximumMatching).run();
 }
 
 } // namespace host::svg

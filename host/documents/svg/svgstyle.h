@@ -46,6 +46,7 @@ struct Styles {
 /// What stands in definitions, or in what is hidden, and is shown by a `use` inherits from the
 /// first `use` that shows it.
 /// Throws DocumentError when the style sheets ask for unreasonable work.
-[[nodiscard]] Styles resolveStyles(const Tree& tree, std::string_view name);
+[[nodiscard]] Styles resolveStyles(const Tree& tree, std::string_view name,
+                                   std::size_t maximumMatching);
 
 } // namespace host::svg
