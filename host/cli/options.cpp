@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
+
 namespace host {
 
 namespace {
@@ -62,6 +64,13 @@ void declareOpen(CLI::App& app, Options& options) {
         ->check(CLI::ExistingDirectory);
 }
 
+// Who gives nothing but files wants them opened.
+void suggestOpening(const std::vector<std::string>& words, std::ostream& errors) {
+    if (!words.empty() && std::filesystem::exists(words.front())) {
+        errors << "To open it: glyphora-host open " << words.front() << '\n';
+    }
+}
+
 } // namespace
 
 std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
@@ -98,6 +107,9 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
         }
     } catch (const CLI::ParseError& problem) {
         exitStatus = app.exit(problem, output, errors) == 0 ? exitSuccess : exitUsage;
+        if (exitStatus != exitSuccess && app.get_subcommands().empty()) {
+            suggestOpening(app.remaining(), errors);
+        }
         return std::nullopt;
     }
     return options;

@@ -4,6 +4,7 @@
 #include "host/documents/svg/svgscanner.h"
 
 #include "host/documents/documenterror.h"
+#include "host/documents/svg/filekind.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>
@@ -149,7 +150,7 @@ void Scanner::checkLongTags() const {
 Tree Scanner::run() {
     const std::size_t first = source_.find_first_not_of("\xEF\xBB\xBF \t\r\n");
     if (first == std::string::npos || source_[first] != '<') {
-        raise(source_.empty() ? "the file is empty" : "not XML",
+        raise(source_.empty() ? "the file is empty" : notXmlText(source_),
               first == std::string::npos ? 0 : first);
     }
     if (const std::size_t nul = source_.find('\0'); nul != std::string::npos) {

@@ -4,6 +4,7 @@
 
 #include "host/documents/css/css.h"
 #include "host/documents/documenterror.h"
+#include "host/documents/svg/filekind.h"
 
 #include <iconv.h>
 #include <zlib.h>
@@ -93,7 +94,7 @@ std::string inflateAll(std::string_view bytes, std::string_view name, std::size_
         }
         // What does not begin like a drawing need not be unpacked to its end.
         if (first && text.size() > 4 && text.start().find_first_of("<\xFE\xFF") > chunkSize / 2) {
-            throw DocumentError(name, "not XML", 1, 1);
+            throw DocumentError(name, notXmlText(text.start()), 1, 1);
         }
         if (status == Z_STREAM_END) {
             // Several gzip members may follow one another; anything else after one is ignored.

@@ -103,7 +103,10 @@ TEST_F(ACommandLine, IsRefusedWithAMessageWhenItIsWrong) {
         EXPECT_FALSE(read(arguments)) << testing::PrintToString(arguments);
         EXPECT_EQ(status, exitUsage) << testing::PrintToString(arguments);
         EXPECT_FALSE(errors.str().empty()) << testing::PrintToString(arguments);
+        EXPECT_THAT(errors.str(), testing::Not(HasSubstr("To open it")));
     }
+    EXPECT_FALSE(read({"-q", "/proc/self/exe"}));
+    EXPECT_THAT(errors.str(), HasSubstr("To open it: glyphora-host open /proc/self/exe\n"));
 }
 
 TEST(ThePlugin, IsLookedForAroundTheProgram) {

@@ -48,7 +48,8 @@ TEST(ABadDrawing, IsRefusedWithFileAndPlace) {
     const Case cases[] = {
         {"", "^bad.svg:1:1: the file is empty$"},
         {" \n x", "^bad.svg:2:2: not XML$"},
-        {"\x89PNG\r\n\x1A\n", "^bad.svg:1:1: not XML$"},
+        {"\x89PNG\r\n\x1A\n", "^bad.svg:1:1: not XML but a PNG picture$"},
+        {std::string("II*\0", 4), "not XML but a TIFF picture$"},
         {std::string(100, '\0'), "^bad.svg:1:1: not XML$"},
         {"<html/>", "^bad.svg:1:[0-9]+: not an SVG drawing: its root element is 'html'"},
         {"<svg xmlns='urn:x'/>", "^bad.svg:1:[0-9]+: not an SVG drawing: .*not in the namespace"},
@@ -64,6 +65,7 @@ TEST(ABadDrawing, IsRefusedWithFileAndPlace) {
         {"\x1F\x8B not gzip at all", "^bad.svg: the gzip data are damaged at byte [0-9]+$"},
         {gzip(drawing("")).substr(0, 60), "^bad.svg: the gzip data end too early, after byte 60$"},
         {gzip("no drawing"), "^bad.svg:1:1: not XML$"},
+        {gzip("%PDF-1.5"), "^bad.svg:1:1: not XML but a PDF document$"},
     };
     for (const Case& c : cases) {
         const std::string message = refusal(c.bytes);
