@@ -40,6 +40,7 @@ namespace {
 struct Options {
     std::vector<std::string> names;
     std::string group;
+    std::string newName;
     std::string to;
     SearchOptions search;
     std::chrono::seconds time{};
@@ -262,6 +263,9 @@ private:
         const auto removeFrom = [this](const Places& places, const GroupTitle& title) {
             return removeFromGroup(places, title, options_.names, options_.json);
         };
+        const auto rename = [this](const Places& places, const GroupTitle& title) {
+            return renameGroup(places, title, options_.newName, options_.json);
+        };
         const auto list = [this](const Places& places, const GroupTitle& title) {
             return listGroups(places, title, options_.json);
         };
@@ -271,6 +275,9 @@ private:
         CLI::App* removing = add("remove", "Take containers out, or remove all of it", removeFrom);
         addWord(*removing, "name", "Its name", options_.group)->required();
         addNames(*removing, "container", "A number, name or pattern; without any: all of it");
+        CLI::App* renaming = add("rename", "Give it another name", rename);
+        addWord(*renaming, "name", "Its name", options_.group)->required();
+        addWord(*renaming, "new name", "Its new name", options_.newName)->required();
         addWord(*add("list", "List them, or what is in one", list), "name", "Its name",
                 options_.group);
     }

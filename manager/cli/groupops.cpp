@@ -5,6 +5,7 @@
 #include "faces/namekey.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
+#include "manager/cli/groupchange.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
 #include "manager/cli/tally.h"
@@ -21,15 +22,6 @@ namespace manager {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-bool isSamePlace(const GroupMember& a, const GroupMember& b) {
-    return faces::nameKey(a.name) == faces::nameKey(b.name) && a.folder == b.folder &&
-           a.file == b.file && a.format == b.format;
-}
-
-GroupMember memberOf(const Container& container) {
-    return {container.id, container.name, container.folder, container.file, container.format};
-}
 
 std::vector<Container> containersOf(const Places& places, const std::vector<std::string>& names,
                                     Tally& tally) {
@@ -117,6 +109,16 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
     for (const Container& container : removed) {
         tally.add(title.text() + ": removed", container);
     }
+    return tally.finish();
+}
+
+int renameGroup(const Places& places, const GroupTitle& title, const std::string& name, bool json) {
+    if (name.empty()) {
+        throw Error("a " + std::string(wordOf(title.kind)) + " needs a name");
+    }
+    Tally tally(json, "renamed");
+    static_cast<void>(changeGroup(places, {title, name}));
+    tally.add(title.text() + ": called " + name + " now", {{"name", name}});
     return tally.finish();
 }
 

@@ -17,6 +17,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
 /// Takes the containers out of the group; with no names the group itself goes.
 int removeFromGroup(const Places& places, const GroupTitle& title,
                     const std::vector<std::string>& names, bool json);
+int renameGroup(const Places& places, const GroupTitle& title, const std::string& name, bool json);
 /// Lists the groups of this kind; with a name the containers of that one.
 int listGroups(const Places& places, const GroupTitle& title, bool json);
 

@@ -38,6 +38,8 @@ public:
     void redo();
     /// Runs a command, without undo.
     void run(const QStringList& arguments, Taker take = {});
+    /// Keeps what was done otherwise, to be undone in its turn. Takes it over.
+    void record(QUndoCommand* command) { undo_.push(command); }
     /// What has been done, to show it; it is gone through by `undo` and `redo`.
     [[nodiscard]] const QUndoStack& undoStack() const { return undo_; }
 

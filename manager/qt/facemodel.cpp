@@ -4,9 +4,12 @@
 
 #include "manager/view/texts.h"
 
+#include <QMimeData>
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <set>
 #include <utility>
 
 namespace manager {
@@ -224,6 +227,42 @@ QVariant FaceModel::data(const QModelIndex& index, int role) const {
     default:
         return {};
     }
+}
+
+Qt::ItemFlags FaceModel::flags(const QModelIndex& index) const {
+    const Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+    return index.isValid() ? flags | Qt::ItemIsDragEnabled : flags;
+}
+
+QStringList FaceModel::mimeTypes() const {
+    return {QLatin1String(containersType)};
+}
+
+QMimeData* FaceModel::mimeData(const QModelIndexList& indexes) const {
+    std::set<ContainerId> containers;
+    for (const QModelIndex& index : indexes) {
+        for (const FaceRow row : facesToSwitch(index)) {
+            containers.insert(listing_.view().table.faces()[row].container);
+        }
+    }
+    QByteArray numbers;
+    for (const ContainerId id : containers) {
+        numbers += QByteArray::number(static_cast<std::int32_t>(id)) + ' ';
+    }
+    auto* const data = new QMimeData;
+    data->setData(QLatin1String(containersType), numbers);
+    return data;
+}
+
+std::vector<std::int32_t> containersIn(const QMimeData& data) {
+    std::vector<std::int32_t> containers;
+    const QList<QByteArray> numbers = data.data(QLatin1String(containersType)).split(' ');
+    for (const QByteArray& number : numbers) {
+        if (const int id = number.toInt(); id > 0) {
+            containers.push_back(id);
+        }
+    }
+    return containers;
 }
 
 } // namespace manager

@@ -7,6 +7,10 @@
 #include <QAbstractItemModel>
 #include <QString>
 
+#include <vector>
+
+class QMimeData;
+
 namespace manager {
 
 /// A row of the list.
@@ -24,6 +28,10 @@ struct ListRow {
                         : state + QStringLiteral(" · ") + detail;
     }
 };
+
+/// Containers as they are dragged: their numbers, with blanks between.
+inline constexpr const char* containersType = "application/x-glyphora-containers";
+[[nodiscard]] std::vector<std::int32_t> containersIn(const QMimeData& data);
 
 [[nodiscard]] QString wordOf(FaceState state);
 
@@ -47,6 +55,9 @@ public:
     QModelIndex parent(const QModelIndex& index) const override;
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& /*parent*/ = {}) const override { return 1; }
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:

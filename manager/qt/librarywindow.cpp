@@ -31,7 +31,17 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
                                           tell(problems);
                                           read();
                                       }),
-      reader_(options.places, [this](const QString& problem) { tell({problem}); }) {
+      reader_(options.places,
+              [this](const QString& problem) {
+                  tell({problem});
+                  if (view_ != nullptr) {
+                      sidebar_->show(*view_, groups_, folders_); // a name that was refused
+                  }
+              }),
+      groupDeeds_(options.places, reader_, deeds_, [this] {
+          tell({});
+          showGroups();
+      }) {
     setWindowTitle(text(translated("Glyphora Font Library")));
     sidebar_ = new Sidebar([this] { filter(); }, this);
     splitter_ = new QSplitter(this);
@@ -127,16 +137,23 @@ void LibraryWindow::read() {
     reader_.read([this](std::shared_ptr<const LibraryView> view) { take(std::move(view)); });
 }
 
-void LibraryWindow::take(std::shared_ptr<const LibraryView> view) {
-    view_ = std::move(view);
-    std::vector<std::string> folders;
+void LibraryWindow::showGroups() {
+    if (view_ == nullptr) {
+        return;
+    }
     try {
         groups_ = readGroups(places_);
-        folders = readFolders(places_);
+        folders_ = readFolders(places_);
     } catch (const Error& error) {
         tell({QString::fromUtf8(error.what())});
     }
-    sidebar_->show(*view_, groups_, folders);
+    sidebar_->show(*view_, groups_, folders_);
+    filter();
+}
+
+void LibraryWindow::take(std::shared_ptr<const LibraryView> view) {
+    view_ = std::move(view);
+    showGroups();
     filters_->offer(*view_);
     findByFilters();
     if (whenShown_) {

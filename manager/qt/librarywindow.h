@@ -6,6 +6,7 @@
 #include "manager/qt/facedelegate.h"
 #include "manager/qt/facepane.h"
 #include "manager/qt/filterpanel.h"
+#include "manager/qt/groupdeeds.h"
 #include "manager/qt/libraryreader.h"
 #include "manager/qt/sidebar.h"
 #include "manager/view/window.h"
@@ -15,6 +16,7 @@
 #include <QMainWindow>
 #include <QTimer>
 
+class QMenu;
 class QSplitter;
 class QStackedWidget;
 
@@ -41,6 +43,7 @@ public:
     [[nodiscard]] QTreeView& list() { return *list_; }
     [[nodiscard]] FaceModel& model() { return model_; }
     [[nodiscard]] QLineEdit& searchField() { return *search_; }
+    [[nodiscard]] const Groups& groups() const { return groups_; }
     [[nodiscard]] FilterPanel& filters() { return *filters_; }
     [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
     [[nodiscard]] Deeds& deeds() { return deeds_; }
@@ -52,9 +55,18 @@ protected:
 private:
     void take(const WindowRequest& request);
     void makeActions();
+    void makeGroupActions(QMenu& fonts);
+    /// A menu of the groups of a kind, and of making one, for the chosen fonts.
+    void fillGroupMenu(QMenu& menu, GroupKind kind);
+    void newGroup(GroupKind kind, const std::vector<std::int32_t>& containers);
+    void switchGroup(bool on);
+    void unmakeGroup();
+    void showGroupActions();
+    [[nodiscard]] std::vector<std::int32_t> chosenContainers() const;
     QWidget* makeList();
     void read();
     void take(std::shared_ptr<const LibraryView> view);
+    void showGroups();
     void filter();
     [[nodiscard]] ListFilter filterOf(const SidebarPlace& place);
     void findByFilters();
@@ -62,6 +74,7 @@ private:
     void showEmpty();
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
     void switchChosen(bool on);
+    void switchContainers(bool on, const std::vector<std::int32_t>& containers);
     void toggleChosen();
     void addFolder();
     void tell(const QStringList& problems);
@@ -72,6 +85,7 @@ private:
     FaceModel model_;
     std::shared_ptr<const LibraryView> view_;
     Groups groups_;
+    std::vector<std::string> folders_;
     Deeds deeds_;
     Sidebar* sidebar_ = nullptr;
     QLineEdit* search_ = nullptr;
@@ -84,12 +98,15 @@ private:
     FacePane* pane_ = nullptr;
     QLabel* count_ = nullptr;
     QSplitter* splitter_ = nullptr;
+    QAction* takeOut_ = nullptr;
+    std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;
     int changes_ = -1; ///< the token of news; negative: none come
     QTimer news_;
     std::function<void()> whenShown_;
-    LibraryReader reader_; ///< last: it calls the window
+    LibraryReader reader_;  ///< it calls the window
+    GroupDeeds groupDeeds_; ///< last: it uses the reader
 };
 
 } // namespace manager

@@ -84,6 +84,13 @@ public:
             window_.list().selectAll();
             save("compare" + end);
             window_.list().setCurrentIndex(first);
+            if (!window_.groups().empty()) {
+                const Group& group = window_.groups().front();
+                window_.sidebar().choose(
+                    {SidebarPlace::Kind::Group, {}, GroupTitle{group.kind, group.name}.text()});
+                save("collection" + end);
+                window_.sidebar().choose({});
+            }
             window_.filters().set(FilterKind::Weight, "5");
             window_.filters().set(FilterKind::Script, "Latn");
             window_.filters().button().setChecked(true);

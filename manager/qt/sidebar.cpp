@@ -4,8 +4,12 @@
 #include "manager/qt/facemodel.h"
 #include "manager/view/texts.h"
 
+#include <QDragMoveEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QLocale>
+#include <QMimeData>
 #include <QStyledItemDelegate>
 #include <QTreeWidgetItemIterator>
 
@@ -16,9 +20,19 @@ namespace manager {
 namespace {
 
 constexpr int placeRole = Qt::UserRole;
+constexpr int kindRole = Qt::UserRole + 1; ///< of what stands for a group that is to be made
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
+}
+
+/// Whether a key switches on or off; nullopt: neither.
+std::optional<bool> switchOf(const QKeyEvent& key) {
+    if (key.modifiers() != Qt::ControlModifier ||
+        (key.key() != Qt::Key_Return && key.key() != Qt::Key_Backspace)) {
+        return std::nullopt;
+    }
+    return key.key() == Qt::Key_Return;
 }
 
 QString capitalised(const QString& word) {
@@ -61,6 +75,23 @@ Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(0, QHeaderView::Stretch);
     header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    setEditTriggers(QAbstractItemView::EditKeyPressed);
+    setDragDropMode(QAbstractItemView::DropOnly);
+    setDragDropOverwriteMode(true); // onto rows, never between
+    setDropIndicatorShown(true);
+    connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
+        const auto title = isFilling_ || column != 0 ? std::nullopt : targetOf(item);
+        if (!title || title->name.empty()) {
+            return;
+        }
+        const std::string name = item->text(0).trimmed().toStdString();
+        if (name.empty() || name == title->name) {
+            item->setText(0, text(title->name));
+            return;
+        }
+        place_ = {SidebarPlace::Kind::Group, {}, GroupTitle{title->kind, name}.text()};
+        handlers_.rename(*title, name);
+    });
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         if (isFilling_ || item == nullptr || item->data(0, placeRole).isNull()) {
             return;
@@ -87,19 +118,16 @@ void Sidebar::add(QTreeWidgetItem* section, const SidebarPlace& place, const QSt
 
 void Sidebar::show(const LibraryView& view, const Groups& groups,
                    const std::vector<std::string>& folders) {
+    QString written; // of a name that is being edited
+    if (const auto title = targetOf(currentItem()); title && state() == EditingState) {
+        const auto* const editor = viewport()->findChild<QLineEdit*>();
+        written = editor == nullptr ? QString() : editor->text();
+        toEdit_ = title;
+    }
     isFilling_ = true;
     clear();
     places_.clear();
-    const auto section = [this](const std::string& name) {
-        auto* const item = new QTreeWidgetItem(this, {text(name)});
-        item->setFlags(Qt::ItemIsEnabled);
-        QFont font = item->font(0);
-        font.setBold(true);
-        item->setFont(0, font);
-        item->setFirstColumnSpanned(true);
-        return item;
-    };
-    QTreeWidgetItem* const library = section(translated("Library"));
+    QTreeWidgetItem* const library = addSection(translated("Library"));
     add(library, {}, text(translated("All fonts")), view.table.faces().size());
     if (!view.drawing.empty()) {
         add(library, {.kind = SidebarPlace::Kind::Drawing}, text(translated("For a drawing")),
@@ -112,21 +140,10 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
             view.states.count(state));
     }
     for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
-        QTreeWidgetItem* parent = nullptr;
-        for (const Group& group : groups) {
-            if (group.kind != kind) {
-                continue;
-            }
-            if (parent == nullptr) {
-                parent = section(kind == GroupKind::Tag ? translated("Tags")
-                                                        : translated("Collections"));
-            }
-            add(parent, {SidebarPlace::Kind::Group, {}, GroupTitle{kind, group.name}.text()},
-                text(group.name), std::nullopt);
-        }
+        addGroups(kind, groups);
     }
     if (!folders.empty()) {
-        QTreeWidgetItem* const parent = section(translated("Folders"));
+        QTreeWidgetItem* const parent = addSection(translated("Folders"));
         for (const std::string& folder : folders) {
             add(parent, {SidebarPlace::Kind::Folder, {}, folder}, text(nameOf(folder)),
                 std::nullopt);
@@ -138,6 +155,120 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     if (currentItem() == nullptr) {
         setCurrentItem(library->child(0));
     }
+    if (toEdit_) {
+        editName(*toEdit_);
+    }
+    if (auto* const editor = viewport()->findChild<QLineEdit*>();
+        editor != nullptr && !written.isEmpty()) {
+        editor->setText(written);
+    }
+}
+
+QTreeWidgetItem* Sidebar::addSection(const std::string& name) {
+    auto* const item = new QTreeWidgetItem(this, {text(name)});
+    item->setFlags(Qt::ItemIsEnabled);
+    QFont font = item->font(0);
+    font.setBold(true);
+    item->setFont(0, font);
+    item->setFirstColumnSpanned(true);
+    return item;
+}
+
+void Sidebar::addGroups(GroupKind kind, const Groups& groups) {
+    const bool isTag = kind == GroupKind::Tag;
+    QTreeWidgetItem* const parent =
+        addSection(isTag ? translated("Tags") : translated("Collections"));
+    parent->setData(0, kindRole, static_cast<int>(kind));
+    parent->setFlags(parent->flags() | Qt::ItemIsDropEnabled);
+    parent->setToolTip(0, text(isTag ? translated("Drop fonts here to begin a new tag")
+                                     : translated("Drop fonts here to begin a new collection")));
+    for (const Group& group : groups) {
+        if (group.kind == kind) {
+            add(parent, {SidebarPlace::Kind::Group, {}, GroupTitle{kind, group.name}.text()},
+                text(group.name), group.members.size());
+            QTreeWidgetItem* const item = parent->child(parent->childCount() - 1);
+            item->setFlags(item->flags() | Qt::ItemIsEditable | Qt::ItemIsDropEnabled);
+        }
+    }
+    if (parent->childCount() == 0) {
+        auto* const hint = new QTreeWidgetItem(parent, {text(translated("Drop fonts here"))});
+        hint->setFlags(Qt::ItemIsEnabled | Qt::ItemIsDropEnabled);
+        hint->setData(0, kindRole, static_cast<int>(kind));
+        hint->setForeground(0, palette().brush(QPalette::PlaceholderText));
+        hint->setFirstColumnSpanned(true);
+        hint->setToolTip(0, parent->toolTip(0));
+    }
+}
+
+std::optional<GroupTitle> Sidebar::targetOf(const QTreeWidgetItem* item) const {
+    if (item == nullptr) {
+        return std::nullopt;
+    }
+    if (const QVariant kind = item->data(0, kindRole); !kind.isNull()) {
+        return GroupTitle{static_cast<GroupKind>(kind.toInt()), {}};
+    }
+    const QVariant number = item->data(0, placeRole);
+    return number.isNull() || places_[number.toUInt()].kind != SidebarPlace::Kind::Group
+               ? std::nullopt
+               : toGroupTitle(places_[number.toUInt()].name);
+}
+
+std::optional<GroupTitle> Sidebar::group() const {
+    return place_.kind == SidebarPlace::Kind::Group ? toGroupTitle(place_.name) : std::nullopt;
+}
+
+void Sidebar::editName(const GroupTitle& title) {
+    toEdit_ = title;
+    for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
+        const auto target = targetOf(*item);
+        if (target && target->kind == title.kind && target->name == title.name) {
+            toEdit_.reset();
+            setCurrentItem(*item);
+            setFocus();
+            editItem(*item, 0);
+            return;
+        }
+    }
+}
+
+// The keys that switch what is chosen in the list, too.
+bool Sidebar::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && group() &&
+        switchOf(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QTreeWidget::event(event);
+}
+
+void Sidebar::keyPressEvent(QKeyEvent* event) {
+    if (const auto on = switchOf(*event); on && group()) {
+        handlers_.switchAll(*on);
+    } else {
+        QTreeWidget::keyPressEvent(event);
+    }
+}
+
+QStringList Sidebar::mimeTypes() const {
+    return {QLatin1String(containersType)};
+}
+
+void Sidebar::dragMoveEvent(QDragMoveEvent* event) {
+    QTreeWidget::dragMoveEvent(event);
+    if (!targetOf(itemAt(event->position().toPoint()))) {
+        event->ignore();
+    }
+}
+
+void Sidebar::dropEvent(QDropEvent* event) {
+    const auto title = targetOf(itemAt(event->position().toPoint()));
+    const auto containers = containersIn(*event->mimeData());
+    if (title && !containers.empty()) {
+        event->acceptProposedAction();
+        handlers_.drop(*title, containers);
+    }
+    setState(NoState);
+    viewport()->update();
 }
 
 void Sidebar::choose(const SidebarPlace& place) {

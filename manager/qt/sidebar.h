@@ -27,6 +27,19 @@ class Sidebar : public QTreeWidget {
 public:
     Sidebar(std::function<void()> chosen, QWidget* parent);
 
+    /// What is done with a group that the user has renamed, or dropped containers on. A name that
+    /// is empty stands for one that is to be made.
+    struct Handlers {
+        std::function<void(const GroupTitle& title, const std::string& name)> rename;
+        std::function<void(const GroupTitle& title, const std::vector<std::int32_t>& dropped)> drop;
+        std::function<void(bool on)> switchAll; ///< of the group that is chosen
+    };
+    void setHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
+    /// The group that is chosen; nullopt: none is.
+    [[nodiscard]] std::optional<GroupTitle> group() const;
+    /// Lets the user write another name for a group, now or once it is shown.
+    void editName(const GroupTitle& title);
+
     /// Shows them, with numbers of faces; the place that was chosen stays so, if it is still there.
     void show(const LibraryView& view, const Groups& groups,
               const std::vector<std::string>& folders);
@@ -34,7 +47,19 @@ public:
     void choose(const SidebarPlace& place);
     [[nodiscard]] const SidebarPlace& place() const { return place_; }
 
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    QStringList mimeTypes() const override;
+    Qt::DropActions supportedDropActions() const override { return Qt::CopyAction; }
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
 private:
+    void addGroups(GroupKind kind, const Groups& groups);
+    QTreeWidgetItem* addSection(const std::string& name);
+    /// What dropped containers would be put in; its name is empty for a new one.
+    [[nodiscard]] std::optional<GroupTitle> targetOf(const QTreeWidgetItem* item) const;
     void add(QTreeWidgetItem* section, const SidebarPlace& place, const QString& text,
              std::optional<std::size_t> count);
 
@@ -42,6 +67,8 @@ private:
     std::vector<SidebarPlace> places_;
     SidebarPlace place_;
     bool isFilling_ = false;
+    Handlers handlers_;
+    std::optional<GroupTitle> toEdit_;
 };
 
 } // namespace manager

@@ -59,6 +59,7 @@ void LibraryWindow::makeActions() {
         fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
     deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
     list_->addActions({activate_, deactivate_});
+    makeGroupActions(*fonts);
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -80,7 +81,10 @@ std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
 }
 
 void LibraryWindow::switchChosen(bool on) {
-    const auto containers = chosenContainers(!on);
+    switchContainers(on, chosenContainers(!on));
+}
+
+void LibraryWindow::switchContainers(bool on, const std::vector<std::int32_t>& containers) {
     if (containers.empty()) {
         return;
     }

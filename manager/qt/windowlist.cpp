@@ -44,6 +44,7 @@ QWidget* LibraryWindow::makeList() {
     list_->setFrameShape(QFrame::NoFrame);
     list_->setExpandsOnDoubleClick(false);
     list_->setAlternatingRowColors(false);
+    list_->setDragDropMode(QAbstractItemView::DragOnly);
     list_->setAccessibleName(text(translated("Fonts")));
     delegate_ = new FaceDelegate(model_, faces_, *list_);
     list_->setItemDelegate(delegate_);
@@ -144,6 +145,7 @@ void LibraryWindow::filter() {
     }
     showEmpty();
     showCount();
+    showGroupActions();
     showChosen();
 }
 
@@ -162,6 +164,12 @@ void LibraryWindow::showEmpty() {
     } else if (!search_->text().isEmpty()) {
         empty_->setText(text(translated("No font here has this in its names. Search in \"All "
                                         "fonts\", or with fewer letters.")));
+    } else if (const auto title = sidebar_->group()) {
+        empty_->setText(text(title->kind == GroupKind::Tag
+                                 ? translated("No font has this tag. Drag fonts onto it, or choose "
+                                              "some and then Fonts, Add Tag.")
+                                 : translated("This collection is empty. Drag fonts onto it, or "
+                                              "choose some and then Fonts, Add to Collection.")));
     } else {
         empty_->setText(text(translated("There is no font here.")));
     }

@@ -42,7 +42,7 @@ _glyphora() {
             ;;
         collection | tag)
             if [ -z "$deed" ]; then
-                _glyphora_words 'add remove list --help'
+                _glyphora_words 'add remove rename list --help'
                 return
             fi
             ;;
@@ -74,7 +74,7 @@ _glyphora() {
         collection | tag)
             if [ "$position" -eq 1 ]; then
                 _glyphora_lines < <(_glyphora_groups "$command")
-            elif [ "$deed" != list ]; then
+            elif [ "$deed" != list ] && [ "$deed" != rename ]; then
                 _glyphora_containers list --containers
             fi
             ;;

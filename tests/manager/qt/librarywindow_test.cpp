@@ -15,6 +15,8 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QProcess>
 #include <QTest>
 #include <QToolButton>
@@ -184,6 +186,71 @@ TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
     EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, active"; })) << heard(1);
     press(Qt::Key_Backspace, Qt::ControlModifier);
     EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, inactive"; })) << heard(1);
+}
+
+TEST_F(TheLibrarysWindow, MakesFillsRenamesAndUnmakesSetsAndUndoesIt) {
+    open();
+    Sidebar& sidebar = window_->sidebar();
+    const auto sets = [this] { // "tag:NAME 1"
+        std::vector<std::string> lines;
+        for (const Group& group : window_->groups()) {
+            lines.push_back(GroupTitle{group.kind, group.name}.text() + " " +
+                            std::to_string(group.members.size()));
+        }
+        return lines;
+    };
+    const auto become = [&](const std::vector<std::string>& wanted) {
+        return await([&] { return sets() == wanted; });
+    };
+    choose(1);
+    press(Qt::Key_T, Qt::ControlModifier);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T); // New Tag
+    ASSERT_TRUE(become({"tag:New tag 1"}));
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    QTest::keyClicks(window_->focusWidget(), QStringLiteral("Mine"));
+    QTest::keyClick(window_->focusWidget(), Qt::Key_Return);
+    ASSERT_TRUE(become({"tag:Mine 1"}));
+    EXPECT_EQ(window_->model().rowCount(), 1) << "and it is chosen";
+
+    const auto drop = [&](int row, const QString& place) {
+        const QModelIndexList rows = {window_->model().index(row, 0)};
+        const std::unique_ptr<QMimeData> data(window_->model().mimeData(rows));
+        const QPoint at =
+            sidebar.visualItemRect(sidebar.findItems(place, Qt::MatchRecursive).front()).center();
+        QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &move);
+        if (move.isAccepted()) {
+            QDropEvent event(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+            QApplication::sendEvent(sidebar.viewport(), &event);
+        }
+        return move.isAccepted();
+    };
+    sidebar.choose({});
+    EXPECT_FALSE(drop(0, QStringLiteral("Inactive")));
+    ASSERT_TRUE(drop(0, QStringLiteral("Mine")));
+    ASSERT_TRUE(become({"tag:Mine 2"}));
+    ASSERT_TRUE(drop(0, QStringLiteral("Collections")));
+    ASSERT_TRUE(become({"collection:New collection 1", "tag:Mine 2"}));
+    sidebar.choose({SidebarPlace::Kind::Group, {}, "tag:Mine"});
+    QTest::keyClick(&sidebar, Qt::Key_Return, Qt::ControlModifier); // all of it
+    EXPECT_TRUE(await([this] { return heard(1) == "Beta, 1 style, active"; })) << heard(1);
+    EXPECT_EQ(heard(0), "Alpha, 2 styles, active");
+    choose(0);
+    window_->list().setFocus();
+    press(Qt::Key_Delete);
+    ASSERT_TRUE(become({"collection:New collection 1", "tag:Mine 1"}));
+    sidebar.setFocus();
+    QTest::keyClick(&sidebar, Qt::Key_Delete);
+    ASSERT_TRUE(become({"collection:New collection 1"}));
+    EXPECT_EQ(window_->model().rowCount(), 2);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(become({"collection:New collection 1", "tag:Mine 2"}));
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(become({"collection:New collection 1", "tag:Mine 1"}));
 }
 
 TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {

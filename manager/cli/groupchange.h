@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// A change of one collection or tag that can be taken back, whatever others do to it meanwhile.
+#pragma once
+
+#include "manager/cli/groups.h"
+
+#include <string>
+#include <vector>
+
+namespace manager {
+
+struct GroupChange {
+    GroupTitle title;
+    std::string newName = {}; ///< empty: it stays
+    std::vector<GroupMember> added = {};
+    std::vector<GroupMember> removed = {};
+    bool isMade = false;    ///< if it is not there
+    bool isUnmade = false;  ///< if nothing is left in it
+    bool isEmptied = false; ///< all that it has is removed, whatever `removed` says
+};
+
+/// Makes the change and gives the one that takes it back: of what has changed, and nothing else.
+/// Throws Error when there is no such group, or already one of the new name.
+[[nodiscard]] GroupChange changeGroup(const Places& places, const GroupChange& change);
+
+[[nodiscard]] GroupMember memberOf(const Container& container);
+/// Whether they are one container, whatever their numbers are.
+[[nodiscard]] bool isSamePlace(const GroupMember& a, const GroupMember& b);
+
+} // namespace manager

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// Collections and tags in the window: made, filled, renamed, switched and unmade by menu, key and
+// drag.
+#include "manager/qt/librarywindow.h"
+
+#include "manager/view/texts.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QShortcut>
+
+#include <algorithm>
+#include <set>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+QString inMenu(const std::string& name) {
+    return text(name).replace('&', QStringLiteral("&&"));
+}
+
+} // namespace
+
+void LibraryWindow::makeGroupActions(QMenu& fonts) {
+    fonts.addSeparator();
+    const struct {
+        GroupKind kind;
+        std::string title;
+        Qt::Key key;
+    } kinds[] = {
+        {GroupKind::Collection, translated("Add to &Collection"), Qt::Key_G},
+        {GroupKind::Tag, translated("Add &Tag"), Qt::Key_T},
+    };
+    for (const auto& [kind, title, key] : kinds) {
+        QMenu* const menu = fonts.addMenu(text(title));
+        list_->addAction(menu->menuAction());
+        connect(menu, &QMenu::aboutToShow, this,
+                [this, menu, kind = kind] { fillGroupMenu(*menu, kind); });
+        connect(new QShortcut(Qt::CTRL | key, this), &QShortcut::activated, this, [this, menu] {
+            const QRect row = list_->visualRect(list_->currentIndex());
+            menu->popup(list_->viewport()->mapToGlobal(row.bottomLeft()));
+        });
+    }
+    takeOut_ = fonts.addAction(QString(), this, [this] {
+        if (const auto title = sidebar_->group()) {
+            groupDeeds_.remove(*title, chosenContainers());
+        }
+    });
+    takeOut_->setShortcut(Qt::Key_Delete);
+    takeOut_->setShortcutContext(Qt::WidgetShortcut);
+    list_->addAction(takeOut_);
+
+    const auto add = [this](const std::string& title, const QKeySequence& key, auto deed) {
+        auto* const action = new QAction(text(title), sidebar_);
+        action->setShortcut(key);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, deed);
+        sidebar_->addAction(action);
+        ofGroup_.push_back(action);
+    };
+    add(translated("&Activate All"), {}, [this] { switchGroup(true); });
+    add(translated("&Deactivate All"), {}, [this] { switchGroup(false); });
+    add(translated("&Rename"), Qt::Key_F2, [this] {
+        if (const auto title = sidebar_->group()) {
+            sidebar_->editName(*title);
+        }
+    });
+    add(translated("D&elete"), Qt::Key_Delete, [this] { unmakeGroup(); });
+    for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
+        auto* const action = new QAction(
+            text(kind == GroupKind::Tag ? translated("New &Tag") : translated("New &Collection")),
+            sidebar_);
+        connect(action, &QAction::triggered, this, [this, kind] { newGroup(kind, {}); });
+        sidebar_->addAction(action);
+    }
+    sidebar_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    sidebar_->setHandlers(
+        {[this](const GroupTitle& title, const std::string& name) {
+             groupDeeds_.rename(title, name);
+         },
+         [this](const GroupTitle& title, const std::vector<std::int32_t>& dropped) {
+             if (title.name.empty()) {
+                 newGroup(title.kind, dropped);
+             } else {
+                 groupDeeds_.add(title, dropped);
+             }
+         },
+         [this](bool on) { switchGroup(on); }});
+}
+
+void LibraryWindow::fillGroupMenu(QMenu& menu, GroupKind kind) {
+    menu.clear();
+    for (const Group& group : groups_) {
+        if (group.kind == kind) {
+            menu.addAction(inMenu(group.name), this, [this, title = GroupTitle{kind, group.name}] {
+                groupDeeds_.add(title, chosenContainers());
+            });
+        }
+    }
+    menu.addSeparator();
+    menu.addAction(
+        text(kind == GroupKind::Tag ? translated("New &Tag") : translated("New &Collection")), this,
+        [this, kind] { newGroup(kind, chosenContainers()); });
+}
+
+void LibraryWindow::newGroup(GroupKind kind, const std::vector<std::int32_t>& containers) {
+    const std::string begin =
+        kind == GroupKind::Tag ? translated("New tag") : translated("New collection");
+    std::string name = begin;
+    for (int number = 2; findGroup(groups_, kind, name) != nullptr; ++number) {
+        name = begin + " " + std::to_string(number);
+    }
+    sidebar_->editName({kind, name}); // once it is there
+    groupDeeds_.add({kind, name}, containers);
+}
+
+void LibraryWindow::switchGroup(bool on) {
+    const auto title = sidebar_->group();
+    const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;
+    std::vector<std::int32_t> containers;
+    if (group != nullptr) {
+        std::transform(
+            group->members.begin(), group->members.end(), std::back_inserter(containers),
+            [](const GroupMember& member) { return static_cast<std::int32_t>(member.id); });
+    }
+    switchContainers(on, containers);
+}
+
+void LibraryWindow::unmakeGroup() {
+    if (const auto title = sidebar_->group()) {
+        groupDeeds_.unmake(*title);
+    }
+}
+
+void LibraryWindow::showGroupActions() {
+    const auto title = sidebar_->group();
+    takeOut_->setVisible(title.has_value());
+    if (title) {
+        takeOut_->setText(text(translated("&Remove from %1")).arg(inMenu(title->name)));
+    }
+    for (QAction* const action : ofGroup_) {
+        action->setEnabled(title.has_value());
+    }
+}
+
+std::vector<std::int32_t> LibraryWindow::chosenContainers() const {
+    std::set<std::int32_t> containers;
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        for (const FaceRow row : model_.facesToSwitch(index)) {
+            const ListedFace& face = model_.listing().view().table.faces()[row];
+            containers.insert(static_cast<std::int32_t>(face.container));
+        }
+    }
+    return {containers.begin(), containers.end()};
+}
+
+} // namespace manager

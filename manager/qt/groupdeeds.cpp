@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/groupdeeds.h"
+
+#include "manager/view/texts.h"
+
+#include <QUndoCommand>
+
+#include <memory>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+} // namespace
+
+/// A change that was made when it came; undone and done again by turns.
+class GroupDeed : public QUndoCommand {
+public:
+    GroupDeed(GroupDeeds& deeds, GroupChange back, const QString& text)
+        : QUndoCommand(text), deeds_(deeds), next_(std::make_shared<GroupChange>(std::move(back))) {
+    }
+
+    void undo() override { deeds_.turn(next_); }
+    void redo() override {
+        if (!std::exchange(isNew_, false)) {
+            deeds_.turn(next_);
+        }
+    }
+
+private:
+    GroupDeeds& deeds_;
+    bool isNew_ = true;
+    std::shared_ptr<GroupChange> next_; ///< the reader's thread's
+};
+
+void GroupDeeds::turn(const std::shared_ptr<GroupChange>& change) {
+    reader_.run([this, change](Desk&) {
+        *change = changeGroup(places_, *change);
+        return [this] { changed_(); };
+    });
+}
+
+void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
+                       const QString& text) {
+    reader_.run([this, containers, make = std::move(make), text](Desk& desk) {
+        std::vector<GroupMember> members;
+        for (const std::int32_t id : containers) {
+            if (const auto container = desk.library().container(ContainerId{id})) {
+                members.push_back(memberOf(*container));
+            }
+        }
+        GroupChange back = changeGroup(places_, make(std::move(members)));
+        return [this, back = std::move(back), text] {
+            deeds_.record(new GroupDeed(*this, back, text));
+            changed_();
+        };
+    });
+}
+
+void GroupDeeds::add(const GroupTitle& title, const std::vector<std::int32_t>& containers) {
+    begin(
+        containers,
+        [title](std::vector<GroupMember> members) {
+            return GroupChange{.title = title, .added = std::move(members), .isMade = true};
+        },
+        text(translated("add to %1")).arg(text(title.name)));
+}
+
+void GroupDeeds::remove(const GroupTitle& title, const std::vector<std::int32_t>& containers) {
+    begin(
+        containers,
+        [title](std::vector<GroupMember> members) {
+            return GroupChange{.title = title, .removed = std::move(members)};
+        },
+        text(translated("remove from %1")).arg(text(title.name)));
+}
+
+void GroupDeeds::rename(const GroupTitle& title, const std::string& name) {
+    begin(
+        {}, [title, name](const auto&) { return GroupChange{.title = title, .newName = name}; },
+        text(translated("rename %1")).arg(text(title.name)));
+}
+
+void GroupDeeds::unmake(const GroupTitle& title) {
+    begin(
+        {},
+        [title](const auto&) {
+            return GroupChange{.title = title, .isUnmade = true, .isEmptied = true};
+        },
+        text(translated("delete %1")).arg(text(title.name)));
+}
+
+} // namespace manager

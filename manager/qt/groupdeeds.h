@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// What the window does to collections and tags. All of it can be undone, without asking before.
+#pragma once
+
+#include "manager/cli/groupchange.h"
+#include "manager/qt/deeds.h"
+#include "manager/qt/libraryreader.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace manager {
+
+/// [main-thread]
+class GroupDeeds {
+public:
+    /// `changed` is called after each change.
+    GroupDeeds(Places places, LibraryReader& reader, Deeds& deeds, std::function<void()> changed)
+        : places_(std::move(places)), reader_(reader), deeds_(deeds), changed_(std::move(changed)) {
+    }
+
+    /// Puts containers in; the group is made if need be.
+    void add(const GroupTitle& title, const std::vector<std::int32_t>& containers);
+    void remove(const GroupTitle& title, const std::vector<std::int32_t>& containers);
+    void rename(const GroupTitle& title, const std::string& name);
+    /// All of it goes; nothing is deactivated.
+    void unmake(const GroupTitle& title);
+
+private:
+    friend class GroupDeed;
+
+    using Maker = std::function<GroupChange(std::vector<GroupMember>)>;
+    /// Makes a change of the containers, which can be undone by the name of `text`.
+    void begin(const std::vector<std::int32_t>& containers, Maker make, const QString& text);
+    /// Makes a change, which becomes the one that takes it back.
+    void turn(const std::shared_ptr<GroupChange>& change);
+
+    Places places_;
+    LibraryReader& reader_;
+    Deeds& deeds_;
+    std::function<void()> changed_;
+};
+
+} // namespace manager
