@@ -39,22 +39,23 @@ private:
 };
 
 void GroupDeeds::turn(const std::shared_ptr<GroupChange>& change) {
-    reader_.run([this, change](Desk&) {
-        *change = changeGroup(places_, *change);
+    // The reader may be at it when this is gone already.
+    reader_.run([this, places = places_, change](Desk&) {
+        *change = changeGroup(places, *change);
         return [this] { changed_(); };
     });
 }
 
 void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
                        const QString& text) {
-    reader_.run([this, containers, make = std::move(make), text](Desk& desk) {
+    reader_.run([this, places = places_, containers, make = std::move(make), text](Desk& desk) {
         std::vector<GroupMember> members;
         for (const std::int32_t id : containers) {
             if (const auto container = desk.library().container(ContainerId{id})) {
                 members.push_back(memberOf(*container));
             }
         }
-        GroupChange back = changeGroup(places_, make(std::move(members)));
+        GroupChange back = changeGroup(places, make(std::move(members)));
         return [this, back = std::move(back), text] {
             deeds_.record(new GroupDeed(*this, back, text));
             changed_();
