@@ -55,6 +55,10 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
     takeOut_->setShortcutContext(Qt::WidgetShortcut);
     list_->addAction(takeOut_);
 
+    keep_ = fonts.addAction(text(translated("&Keep This, Deactivate and Tag Its Copies")), this,
+                            [this] { keepOne(); });
+    list_->addAction(keep_);
+
     const auto add = [this](const std::string& title, const QKeySequence& key, auto deed) {
         auto* const action = new QAction(text(title), sidebar_);
         action->setShortcut(key);
@@ -137,9 +141,33 @@ void LibraryWindow::unmakeGroup() {
     }
 }
 
+// Nobody's files are touched: the tag tells which ones can be done without.
+void LibraryWindow::keepOne() {
+    std::vector<ContainerId> kept;
+    for (const std::int32_t id : chosenContainers()) {
+        kept.push_back(ContainerId{id});
+    }
+    const FaceTable& table = view_->table;
+    std::vector<std::int32_t> others;
+    std::vector<std::int32_t> active;
+    for (const ContainerId id : view_->copies.othersOf(table, kept)) {
+        others.push_back(static_cast<std::int32_t>(id));
+        if (!view_->states.why(id).empty()) {
+            active.push_back(others.back());
+        }
+    }
+    if (others.empty()) {
+        tell({text(translated("Each copy of it lies among fonts that are nowhere else."))});
+        return;
+    }
+    groupDeeds_.add({GroupKind::Tag, translated("Duplicates")}, others);
+    switchContainers(false, active);
+}
+
 void LibraryWindow::showGroupActions() {
     const auto title = sidebar_->group();
     takeOut_->setVisible(title.has_value());
+    keep_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Copies);
     if (title) {
         takeOut_->setText(text(translated("&Remove from %1")).arg(inMenu(title->name)));
     }

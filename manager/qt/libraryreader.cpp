@@ -69,10 +69,11 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
         if (!fonts.empty()) {
             drawing = readDrawing(desk.library(), desk.activation(), fonts);
         }
+        FaceCopies copies(table, desk.library().duplicates());
         auto view = std::make_shared<const LibraryView>(LibraryView{
             std::move(table), std::move(states), std::move(drawing),
             desk.library().tags(SharedKind::Scripts), desk.library().tags(SharedKind::Languages),
-            desk.library().tags(SharedKind::Features)});
+            desk.library().tags(SharedKind::Features), std::move(copies)});
         return [take, view = std::move(view)] { take(view); };
     });
 }

@@ -61,6 +61,7 @@ private:
     void newGroup(GroupKind kind, const std::vector<std::int32_t>& containers);
     void switchGroup(bool on);
     void unmakeGroup();
+    void keepOne();
     void showGroupActions();
     [[nodiscard]] std::vector<std::int32_t> chosenContainers() const;
     QWidget* makeList();
@@ -99,6 +100,7 @@ private:
     QLabel* count_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QAction* takeOut_ = nullptr;
+    QAction* keep_ = nullptr;
     std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;

@@ -91,6 +91,9 @@ public:
                 save("collection" + end);
                 window_.sidebar().choose({});
             }
+            window_.sidebar().choose({.kind = SidebarPlace::Kind::Copies});
+            save("duplicates" + end);
+            window_.sidebar().choose({});
             window_.filters().set(FilterKind::Weight, "5");
             window_.filters().set(FilterKind::Script, "Latn");
             window_.filters().button().setChecked(true);

@@ -139,6 +139,10 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
         add(library, {SidebarPlace::Kind::State, state, {}}, capitalised(wordOf(state)),
             view.states.count(state));
     }
+    if (!view.copies.faces().empty()) {
+        add(library, {.kind = SidebarPlace::Kind::Copies}, text(translated("Duplicates")),
+            view.copies.faces().size());
+    }
     for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
         addGroups(kind, groups);
     }

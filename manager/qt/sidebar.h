@@ -15,7 +15,7 @@ namespace manager {
 
 /// What a place of the sidebar stands for.
 struct SidebarPlace {
-    enum class Kind : std::uint8_t { All, Drawing, State, Group, Folder };
+    enum class Kind : std::uint8_t { All, Drawing, State, Copies, Group, Folder };
     Kind kind = Kind::All;
     FaceState state = FaceState::Inactive;
     std::string name = {}; ///< "tag:NAME", or the folder's path

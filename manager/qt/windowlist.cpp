@@ -101,6 +101,9 @@ ListFilter LibraryWindow::filterOf(const SidebarPlace& place) {
     case SidebarPlace::Kind::State:
         filter.state = place.state;
         break;
+    case SidebarPlace::Kind::Copies:
+        filter.isCopied = true;
+        break;
     case SidebarPlace::Kind::Group: {
         const auto title = toGroupTitle(place.name);
         const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;

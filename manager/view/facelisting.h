@@ -3,6 +3,7 @@
 #pragma once
 
 #include "manager/view/drawing.h"
+#include "manager/view/facecopies.h"
 #include "manager/view/facestates.h"
 #include "manager/view/facetable.h"
 
@@ -22,6 +23,7 @@ struct ListFilter {
     std::optional<FaceState> alsoState = {};            ///< and this one
     std::shared_ptr<const std::vector<FaceId>> found =
         {};                 ///< by the index, in any order; null: any
+    bool isCopied = false;  ///< another container has the same file
     bool isDrawing = false; ///< what a drawing asks for, whatever place or state is said
     bool operator==(const ListFilter&) const = default;
 };
@@ -34,6 +36,7 @@ struct LibraryView {
     std::set<std::string> scripts = {};  ///< that some face has
     std::set<std::string> languages = {};
     std::set<std::string> features = {};
+    FaceCopies copies = {};
 };
 
 /// A family's faces that are shown, or a drawing's font with what may be used for it.

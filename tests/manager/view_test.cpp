@@ -2,10 +2,13 @@
 // What the window's list is made of: the table of faces, their states, and what of them is shown.
 // The files are empty: what each holds is told by its name.
 #include "manager/library/update.h"
+#include "manager/view/facecopies.h"
 #include "manager/view/facefilters.h"
 #include "manager/view/facelisting.h"
 #include "tests/manager/sandbox.h"
 
+#include <array>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -254,6 +257,34 @@ TEST_F(AList, IsNarrowedByWhatTheIndexKnows) {
     EXPECT_THAT(narrowed({{FilterKind::State, "1"}, {FilterKind::Weight, "5"}}),
                 ElementsAre("Beta: Bold"));
     EXPECT_THAT(narrowed({{FilterKind::State, "0"}, {FilterKind::Weight, "5"}}), IsEmpty());
+}
+
+TEST_F(AList, KnowsWhichContainersAreCopiesOfWhatIsKept) {
+    for (const char* folder : {"all", "few", "more"}) {
+        for (const char* style : {"Bold", "Regular"}) {
+            if (folder != std::string("few") || style != std::string("Bold")) {
+                add(std::string(folder) + "/" + style + ".ttf", "Alpha", style);
+            }
+        }
+    }
+    add("more/Light.ttf", "Alpha", "Light"); // and nowhere else
+    scan();
+    const FaceTable table(*library_);
+    std::map<std::string, std::vector<FileCopy>> byName;
+    std::map<std::string, ContainerId> containers;
+    for (const ListedFace& face : table.faces()) {
+        byName[face.file].push_back({table.pathOf(face), face.container});
+        containers[std::filesystem::path(table.folderOf(face)).filename()] = face.container;
+    }
+    const FaceCopies copies(table, {byName["Bold.ttf"], byName["Regular.ttf"]});
+    EXPECT_EQ(copies.faces().size(), 5U);
+    const auto othersOf = [&](const std::string& folder) {
+        return copies.othersOf(table, std::array{containers.at(folder)});
+    };
+    EXPECT_THAT(othersOf("more"),
+                testing::UnorderedElementsAre(containers.at("all"), containers.at("few")));
+    EXPECT_THAT(othersOf("all"), ElementsAre(containers.at("few"))) << "more has Light, too";
+    EXPECT_THAT(othersOf("few"), IsEmpty());
 }
 
 } // namespace

@@ -253,6 +253,35 @@ TEST_F(TheLibrarysWindow, MakesFillsRenamesAndUnmakesSetsAndUndoesIt) {
     EXPECT_TRUE(become({"collection:New collection 1", "tag:Mine 1"}));
 }
 
+TEST_F(TheLibrarysWindow, KeepsOneOfCopiesAndUndoesIt) {
+    sandbox_.write("copy/beta.ttf", testsupport::makeFont({"Beta", "Regular", "Beta-Regular"}));
+    sandbox_.write("light.ttf", testsupport::makeFont({"Beta", "Light", "Beta-Light"}));
+    glyphora({QStringLiteral("scan")});
+    glyphora({QStringLiteral("activate"), QStringLiteral("2"), QStringLiteral("3")});
+    open();
+    window_->sidebar().choose({.kind = SidebarPlace::Kind::Copies});
+    ASSERT_EQ(window_->model().rowCount(), 1);
+    EXPECT_EQ(heard(0), "Beta, 2 styles, conflicting");
+    const QModelIndex beta = window_->model().index(0, 0);
+    window_->list().setExpanded(beta, true);
+    const FaceTable& table = window_->model().listing().view().table;
+    for (int row = 0; row < 2; ++row) { // the one that lies with Light
+        const QModelIndex face = window_->model().index(row, 0, beta);
+        if (table.faces()[window_->model().facesOf(face).front()].container == ContainerId{2}) {
+            window_->list().setCurrentIndex(face);
+        }
+    }
+    window_->list().actions().last()->trigger(); // keep this
+    EXPECT_TRUE(await([this] { return heard(0) == "Beta, 2 styles, 1 active"; })) << heard(0);
+    ASSERT_EQ(window_->groups().size(), 1U);
+    EXPECT_EQ(window_->groups().front().name, "Duplicates");
+    window_->list().setFocus();
+    press(Qt::Key_Z, Qt::ControlModifier);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(await([this] { return heard(0) == "Beta, 2 styles, conflicting"; })) << heard(0);
+    EXPECT_TRUE(await([this] { return window_->groups().empty(); }));
+}
+
 TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
     open();
     QTreeView& list = window_->list();
