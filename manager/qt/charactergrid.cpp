@@ -113,7 +113,6 @@ CharacterGrid::CharacterGrid(preview::Faces& faces, std::function<void(char32_t)
 
 void CharacterGrid::setFace(const ShownFace& face) {
     face_ = face;
-    samples_.clear();
     viewport()->update();
 }
 
@@ -249,9 +248,9 @@ void CharacterGrid::paintCharacter(QPainter& painter, const QStyleOptionViewItem
     painter.setPen(label);
     painter.drawText(below, Qt::AlignCenter, text(codeOfCharacter(character)).mid(2));
     const double scale = devicePixelRatioF();
-    const preview::SharedAnswer answer =
-        samples_.line(static_cast<Samples::Key>(row),
-                      {face_.file, face_.index, textOfCharacter(character), glyphPixels, scale});
+    const preview::SharedAnswer answer = samples_.line(
+        static_cast<Samples::Key>(row), {face_.file, face_.index, textOfCharacter(character),
+                                         glyphPixels, scale, face_.axes, face_.features});
     QRectF area(cell.left(), cell.top(), cell.width(), below.top() - cell.top());
     if (answer == nullptr) {
         return;

@@ -21,6 +21,8 @@ public:
 
     /// Shows the characters of a face; null: none is chosen.
     void show(const ShownFace& face, std::shared_ptr<const Characters> characters);
+    /// Draws the same characters otherwise.
+    void setLook(const ShownFace& face) { grid_->setFace(face); }
     void setPaper(Paper paper);
 
     [[nodiscard]] QLineEdit& searchField() { return *search_; }

@@ -39,12 +39,21 @@ FacePane::FacePane(preview::Faces& faces, LibraryReader& reader,
     characters_ = new CharacterPane(faces, this);
     views_ = new QTabWidget(this);
     views_->setDocumentMode(true);
+    lookButton_ = new QToolButton(this);
+    lookButton_->setText(text(translated("A&xes and features")));
+    lookButton_->setCheckable(true);
+    lookButton_->setEnabled(false);
+    connect(lookButton_, &QToolButton::toggled, this, [this] { readLook(); });
+    views_->setCornerWidget(lookButton_);
     views_->addTab(waterfall_, text(translated("&Text")));
     views_->addTab(characters_, text(translated("&Characters")));
     connect(views_, &QTabWidget::currentChanged, this, [this] { showCharacters(); });
     column->addWidget(title_);
     column->addWidget(why_);
+    look_ = new LookPanel([this] { applyLook(); }, this);
+    look_->hide();
     column->addLayout(makeTools(std::move(wrote)));
+    column->addWidget(look_);
     column->addWidget(views_, 1);
 }
 
@@ -78,6 +87,7 @@ void FacePane::show(ChosenFaces chosen) {
     shown_ = chosen.faces;
     showText();
     waterfall_->setFaces(std::move(chosen.faces));
+    readLook();
     showCharacters();
 }
 
@@ -106,6 +116,58 @@ void FacePane::showCharacters() {
             }
         };
     });
+}
+
+void FacePane::readLook() {
+    const bool isOne = shown_.size() == 1;
+    lookButton_->setEnabled(isOne);
+    look_->setVisible(isOne && lookButton_->isChecked());
+    if (look_->isHidden()) {
+        if (isOne && dressed_ == shown_.front().id) {
+            applyLook(); // it keeps its look
+        } else if (dressed_) {
+            dressed_.reset();
+            look_->clear();
+        }
+        return;
+    }
+    const FaceId id = shown_.front().id;
+    if (dressed_ == id) {
+        applyLook();
+        return;
+    }
+    dressed_ = id;
+    reader_.run([this, id](Desk& desk) -> LibraryReader::Taker {
+        auto details = desk.library().face(id);
+        std::vector<faces::Face> instances;
+        if (details && !details->face.axes.empty()) {
+            for (FaceDetails& other : desk.library().faces(details->match.container)) {
+                constexpr std::uint32_t ofFile = 0xffff;
+                if (other.match.folder == details->match.folder &&
+                    other.match.fileName == details->match.fileName && other.face.index > ofFile &&
+                    (other.face.index & ofFile) == (details->face.index & ofFile)) {
+                    instances.push_back(std::move(other.face));
+                }
+            }
+        }
+        const faces::Face face = details ? std::move(details->face) : faces::Face();
+        return [this, id, face, instances] {
+            if (dressed_ == id) { // else another one was chosen meanwhile
+                look_->offer(face, instances);
+                applyLook();
+            }
+        };
+    });
+}
+
+void FacePane::applyLook() {
+    if (shown_.size() != 1 || dressed_ != shown_.front().id) {
+        return;
+    }
+    shown_.front().axes = look_->axes();
+    shown_.front().features = look_->features();
+    waterfall_->setLook(shown_.front());
+    characters_->setLook(shown_.front());
 }
 
 void FacePane::showText() {

@@ -5,11 +5,13 @@
 
 #include "manager/qt/characterpane.h"
 #include "manager/qt/libraryreader.h"
+#include "manager/qt/lookpanel.h"
 #include "manager/qt/waterfall.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
+#include <QToolButton>
 #include <QWidget>
 
 #include <functional>
@@ -39,21 +41,29 @@ public:
 
     [[nodiscard]] QTabWidget& views() { return *views_; }
     [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
+    [[nodiscard]] LookPanel& look() { return *look_; }
+    /// Shows and hides it.
+    [[nodiscard]] QToolButton& lookButton() { return *lookButton_; }
     [[nodiscard]] CharacterPane& characters() { return *characters_; }
 
 private:
     QLayout* makeTools(std::function<void(const QString&)> wrote);
     void showText();
     void showCharacters();
+    void readLook();
+    void applyLook();
 
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
     QLineEdit* sample_ = nullptr;
+    QToolButton* lookButton_ = nullptr;
+    LookPanel* look_ = nullptr;
     QTabWidget* views_ = nullptr;
     Waterfall* waterfall_ = nullptr;
     CharacterPane* characters_ = nullptr;
     LibraryReader& reader_;
     std::vector<ShownFace> shown_;
+    std::optional<FaceId> dressed_;  ///< whose axes and features are offered, or read
     std::optional<FaceId> lettered_; ///< whose characters are shown, or read
 };
 

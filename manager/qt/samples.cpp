@@ -11,15 +11,20 @@ preview::SharedAnswer Samples::line(Key key, const preview::FaceLine& line) {
         return known.answer;
     }
     faces_.cancel(known.asked);
+    preview::FaceLine other = known.wanted;
+    other.axes = line.axes;
+    other.features = line.features;
+    if (other != line) { // else what was drawn stays while a slider moves
+        known.answer = nullptr;
+    }
     known.wanted = line;
-    known.answer = nullptr;
     known.asked = faces_.ask(line, [this, key](const preview::SharedAnswer& answer) {
         Line& asked = lines_[key];
         asked.asked = 0;
         asked.answer = answer;
         changed_(key);
     });
-    return nullptr;
+    return known.answer;
 }
 
 void Samples::keep(const std::function<bool(Key)>& isSeen) {

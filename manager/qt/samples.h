@@ -22,7 +22,8 @@ public:
     Samples& operator=(const Samples&) = delete;
     ~Samples() { clear(); }
 
-    /// The line, where it has come; else it is asked for and null is given.
+    /// The line, where it has come; else it is asked for and null is given, or what came before
+    /// where only axes and features differ.
     [[nodiscard]] preview::SharedAnswer line(Key key, const preview::FaceLine& line);
     /// Cancels those that are waited for and not seen any more.
     void keep(const std::function<bool(Key)>& isSeen);

@@ -3,9 +3,11 @@
 #pragma once
 
 #include "manager/view/facetable.h"
+#include "preview/request.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace manager {
 
@@ -14,6 +16,8 @@ struct ShownFace {
     std::string name; ///< for people
     std::string file;
     std::uint32_t index = 0;
+    std::vector<preview::AxisValue> axes = {};
+    std::vector<std::string> features = {};
 };
 
 } // namespace manager

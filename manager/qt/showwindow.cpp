@@ -81,6 +81,10 @@ public:
             window_.finishReading();
             save("characters" + end);
             window_.pane().views().setCurrentIndex(0);
+            window_.pane().lookButton().setChecked(true);
+            window_.finishReading();
+            save("look" + end);
+            window_.pane().lookButton().setChecked(false);
             window_.list().selectAll();
             save("compare" + end);
             window_.list().setCurrentIndex(first);

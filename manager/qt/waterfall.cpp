@@ -32,6 +32,11 @@ void Waterfall::setFaces(std::vector<ShownFace> faces) {
     layOut();
 }
 
+void Waterfall::setLook(const ShownFace& face) {
+    shown_ = {face};
+    viewport()->update();
+}
+
 void Waterfall::setText(const std::string& text) {
     text_ = text;
     layOut();
@@ -120,8 +125,8 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
         }
         painter.setPen(label);
         painter.drawText(QRect(margin, top, width, labelHeight), Qt::AlignLeft, name);
-        const preview::SharedAnswer answer =
-            samples_.line(i, {face.file, face.index, text_, line.pixels, scale});
+        const preview::SharedAnswer answer = samples_.line(
+            i, {face.file, face.index, text_, line.pixels, scale, face.axes, face.features});
         const QRectF area(margin, top + labelHeight, width, line.height - labelHeight);
         if (answer == nullptr) {
             continue;

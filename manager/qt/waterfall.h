@@ -19,6 +19,8 @@ public:
     explicit Waterfall(preview::Faces& faces, QWidget* parent = nullptr);
 
     void setFaces(std::vector<ShownFace> faces);
+    /// Draws the one face that is shown otherwise, at the place that is looked at.
+    void setLook(const ShownFace& face);
     void setText(const std::string& text);
     void setSizes(std::vector<unsigned> sizes);
     void setPaper(Paper paper);

@@ -38,6 +38,8 @@ Faces::Id Faces::ask(const FaceLine& line, Arrived arrived) {
     Request request;
     request.file = line.file;
     request.face = line.index;
+    request.axes = line.axes;
+    request.features = line.features;
     request.text = line.text;
     request.pixels = line.pixels;
     request.scale = std::clamp(line.scale, minimumScale, maximumScale);

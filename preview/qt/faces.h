@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QColor;
 class QPainter;
@@ -26,6 +27,8 @@ struct FaceLine {
     std::string text;
     unsigned pixels = 0; ///< the em's height on a screen of scale 1
     double scale = 1;    ///< of the screen
+    std::vector<AxisValue> axes = {};
+    std::vector<std::string> features = {};
     bool operator==(const FaceLine&) const = default;
 };
 

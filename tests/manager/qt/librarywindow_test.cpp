@@ -174,6 +174,40 @@ TEST_F(TheLibrarysWindow, FindsACharacterByKeysAndCopiesIt) {
     EXPECT_EQ(copied(), textOfCharacter(grid.characters().at(below.row())));
 }
 
+TEST_F(TheLibrarysWindow, DrawsAFaceWhereItsAxesAreMovedByKeys) {
+    sandbox_.write("vary.ttf", testsupport::makeFont({.family = "Vary", .instances = {"Demi"}}));
+    glyphora({QStringLiteral("scan")});
+    open();
+    choose(2);
+    FacePane& pane = window_->pane();
+    const auto drawn = [&] {
+        QImage image = pane.waterfall().grab().toImage();
+        while (window_->finishLines()) {
+            image = pane.waterfall().grab().toImage();
+        }
+        return image;
+    };
+    const QImage own = drawn();
+    QTest::mouseClick(&pane.lookButton(), Qt::LeftButton);
+    ASSERT_TRUE(await([&] { return pane.look().instances() != nullptr; }));
+    const int height = own.height(); // the panel takes of it
+    QImage before = drawn();
+    EXPECT_LT(before.height(), height);
+    QTest::keyClick(pane.look().slider("wght"), Qt::Key_End);
+    EXPECT_EQ(pane.look().value("wght")->value(), 900);
+    EXPECT_NE(drawn(), before);
+    QTest::keyClick(pane.look().instances(), Qt::Key_Down);
+    EXPECT_EQ(pane.look().value("wght")->value(), 500);
+    QTest::keyClick(pane.look().instances(), Qt::Key_Up);
+    EXPECT_EQ(drawn(), before);
+    QTest::keyClick(pane.look().slider("wght"), Qt::Key_End);
+    choose(1); // which has no axes
+    ASSERT_TRUE(await([&] { return pane.look().instances() == nullptr; }));
+    choose(2);
+    ASSERT_TRUE(await([&] { return pane.look().instances() != nullptr; }));
+    EXPECT_EQ(drawn(), before);
+}
+
 TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
     open();
     choose(1);

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/lookpanel.h"
+
+#include "manager/qt/flowlayout.h"
+#include "manager/view/featurenames.h"
+#include "manager/view/texts.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+constexpr int steps = 100; ///< of a slider in one of the axis' units
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+} // namespace
+
+LookPanel::LookPanel(std::function<void()> changed, QWidget* parent)
+    : QScrollArea(parent), changed_(std::move(changed)) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    clear();
+}
+
+QSize LookPanel::sizeHint() const {
+    constexpr int lines = 11; // more is scrolled
+    return {QScrollArea::sizeHint().width(),
+            std::min(neededHeight(), lines * fontMetrics().lineSpacing())};
+}
+
+void LookPanel::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    fit(); // the features need more lines, or less
+}
+
+int LookPanel::neededHeight() const {
+    const QLayout& layout = *widget()->layout();
+    return layout.hasHeightForWidth() ? layout.totalHeightForWidth(viewport()->width())
+                                      : layout.totalSizeHint().height();
+}
+
+void LookPanel::fit() {
+    widget()->setMinimumHeight(neededHeight());
+    updateGeometry();
+}
+
+std::unique_ptr<QWidget> LookPanel::begin() {
+    axes_.clear();
+    features_.clear();
+    places_.clear();
+    instances_ = nullptr;
+    auto content = std::make_unique<QWidget>();
+    auto* const column = new QVBoxLayout(content.get());
+    column->setContentsMargins(0, 0, 6, 0);
+    return content;
+}
+
+void LookPanel::clear() {
+    setWidget(begin().release()); // the one before is deleted
+}
+
+void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& instances) {
+    std::map<std::string, bool> switched;
+    for (const auto& [tag, box] : features_) {
+        switched.emplace(tag, box->isChecked());
+    }
+    auto content = begin();
+    auto& column = static_cast<QVBoxLayout&>(*content->layout());
+    Places own;
+    for (const faces::Axis& axis : face.axes) {
+        own[axis.tag] = axis.initial;
+    }
+    for (const auto& [tag, value] : face.position) {
+        own[tag] = value;
+    }
+    places_.push_back(own);
+    auto* const top = new QHBoxLayout;
+    column.addLayout(top);
+    if (!instances.empty()) {
+        addInstances(*top, instances);
+    }
+    auto grid = std::make_unique<QGridLayout>();
+    grid->setColumnStretch(1, 1);
+    for (const faces::Axis& axis : face.axes) {
+        if (!axis.hidden && axis.minimum < axis.maximum) {
+            addAxis(*grid, axis, own[axis.tag]);
+        }
+    }
+    if (grid->count() != 0) {
+        column.addLayout(grid.release());
+    }
+    addFeatures(column, face.features);
+    for (const auto& [tag, box] : features_) {
+        if (const auto before = switched.find(tag); before != switched.end()) {
+            box->setChecked(before->second);
+        }
+        connect(box, &QCheckBox::toggled, this, [this] { tell(); });
+    }
+    if (axes_.empty() && features_.empty()) {
+        auto* const none = new QLabel(text(translated("This font has no axes and no features.")));
+        none->setWordWrap(true);
+        column.addWidget(none);
+    } else {
+        addReset(*top);
+    }
+    setWidget(content.release()); // whole: what is not shown yet has no height
+    fit();
+}
+
+void LookPanel::addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances) {
+    instances_ = new QComboBox;
+    instances_->setAccessibleName(text(translated("Named instance")));
+    instances_->addItem(text(translated("As chosen")));
+    for (const faces::Face& instance : instances) {
+        instances_->addItem(text(instance.names.front().style));
+        places_.emplace_back(instance.position.begin(), instance.position.end());
+    }
+    connect(instances_, &QComboBox::activated, this,
+            [this](int place) { move(places_[static_cast<std::size_t>(place)]); });
+    row.addWidget(instances_, 1);
+}
+
+void LookPanel::addAxis(QGridLayout& grid, const faces::Axis& axis, double own) {
+    const QString name = text(axisName(axis.tag, axis.name));
+    auto* const label = new QLabel(name);
+    label->setTextFormat(Qt::PlainText);
+    auto* const slider = new QSlider(Qt::Horizontal);
+    auto* const value = new QDoubleSpinBox;
+    value->setDecimals(2);
+    value->setRange(axis.minimum, axis.maximum);
+    const double range = axis.maximum - axis.minimum;
+    value->setSingleStep(range >= steps ? 1 : range / steps);
+    value->setValue(own);
+    value->setAccessibleName(name);
+    slider->setRange(static_cast<int>(std::ceil(axis.minimum * steps)),
+                     static_cast<int>(std::floor(axis.maximum * steps)));
+    slider->setSingleStep(static_cast<int>(std::ceil(range)));
+    slider->setPageStep(static_cast<int>(std::ceil(range * steps / 10)));
+    slider->setValue(static_cast<int>(std::lround(own * steps)));
+    slider->setAccessibleName(name);
+    connect(slider, &QSlider::valueChanged, value,
+            [value](int place) { value->setValue(static_cast<double>(place) / steps); });
+    connect(value, &QDoubleSpinBox::valueChanged, this, [this, slider](double place) {
+        const QSignalBlocker blocker(slider); // it would round what was typed
+        slider->setValue(static_cast<int>(std::lround(place * steps)));
+        tell();
+    });
+    const int row = grid.rowCount();
+    grid.addWidget(label, row, 0);
+    grid.addWidget(slider, row, 1);
+    grid.addWidget(value, row, 2);
+    axes_.emplace(axis.tag, AxisFields{slider, value, value->value()});
+}
+
+void LookPanel::addFeatures(QVBoxLayout& column, const std::vector<std::string>& tags) {
+    auto* const flow = new FlowLayout;
+    flow->setContentsMargins(0, 0, 0, 0);
+    for (const std::string& tag : tags) {
+        if (isChoice(tag) && !features_.contains(tag)) {
+            auto* const box = new QCheckBox(text(featureName(tag)));
+            box->setChecked(isOnByItself(tag));
+            flow->addWidget(box);
+            features_.emplace(tag, box);
+        }
+    }
+    column.addLayout(flow);
+}
+
+void LookPanel::addReset(QBoxLayout& row) {
+    auto* const button = new QPushButton(text(translated("As the font has it")));
+    connect(button, &QPushButton::clicked, this, [this] { reset(); });
+    row.addWidget(button);
+    if (instances_ == nullptr) {
+        row.addStretch(1);
+    }
+}
+
+void LookPanel::move(const Places& places) {
+    isMoving_ = true;
+    for (const auto& [tag, value] : places) {
+        if (const auto axis = axes_.find(tag); axis != axes_.end()) {
+            axis->second.value->setValue(value);
+        }
+    }
+    isMoving_ = false;
+    tell();
+}
+
+void LookPanel::reset() {
+    isMoving_ = true;
+    for (const auto& [tag, box] : features_) {
+        box->setChecked(isOnByItself(tag));
+    }
+    if (instances_ != nullptr) {
+        instances_->setCurrentIndex(0);
+    }
+    move(places_.front());
+}
+
+void LookPanel::tell() {
+    if (!isMoving_) {
+        changed_();
+    }
+}
+
+std::vector<preview::AxisValue> LookPanel::axes() const {
+    std::vector<preview::AxisValue> values;
+    for (const auto& [tag, axis] : axes_) {
+        if (axis.value->value() != axis.own && values.size() < preview::maximumAxes) {
+            values.push_back({tag, axis.value->value()});
+        }
+    }
+    return values;
+}
+
+std::vector<std::string> LookPanel::features() const {
+    std::vector<std::string> values;
+    for (const auto& [tag, box] : features_) {
+        if (box->isChecked() != isOnByItself(tag) && values.size() < preview::maximumFeatures) {
+            values.push_back(box->isChecked() ? tag : tag + "=0");
+        }
+    }
+    return values;
+}
+
+} // namespace manager
