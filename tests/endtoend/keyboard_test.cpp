@@ -2,42 +2,16 @@
 // The dialogs as windows of an X server, used by nothing but the keys that it sends.
 #include "world.h"
 
+#include "tests/support/xserver.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <cstdio>
 #include <future>
 
 namespace endtoend {
 
 namespace {
-
-/// An X server of its own, which draws into memory.
-class XServer {
-public:
-    XServer()
-        : output_(popen("echo $$; exec setpriv --pdeathsig KILL Xvfb -displayfd 1 -nolisten tcp "
-                        "-screen 0 1280x1024x24 2>/dev/null",
-                        "r")) {
-        if (std::fscanf(output_, "%d %u", &process_, &display_) != 2) {
-            throw std::runtime_error("no X server has started");
-        }
-    }
-    ~XServer() {
-        kill(process_, SIGTERM);
-        pclose(output_);
-    }
-    XServer(const XServer&) = delete;
-    XServer& operator=(const XServer&) = delete;
-
-    std::string display() const { return ":" + std::to_string(display_); }
-
-private:
-    FILE* output_;
-    int process_ = 0;
-    unsigned display_ = 0;
-};
 
 class AKeyboard : public testing::Test {
 protected:
@@ -59,7 +33,7 @@ protected:
         while (world_.run({"xdotool", "search", "--onlyvisible", "--name", title}).status == 0) {
         }
     }
-    XServer server_;
+    testsupport::XServer server_;
     World world_;
 };
 

@@ -2,94 +2,24 @@
 // The window with a library of its own, by keyboard, and beside commands that others give.
 #include "manager/cli/announce.h"
 #include "manager/qt/guests.h"
-#include "manager/qt/librarywindow.h"
 #include "manager/view/texts.h"
 #include "platform/application.h"
-#include "system/displays.h"
-#include "tests/manager/sandbox.h"
+#include "tests/manager/qt/windowfixture.h"
 #include "tests/platform/events.h"
-#include "tests/support/await.h"
-#include "tests/support/fontmaker.h"
-#include "tests/support/privatebus/privatebus.h"
 
-#include <QAccessible>
-#include <QApplication>
 #include <QClipboard>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QProcess>
-#include <QTest>
 #include <QToolButton>
 
-#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 
 using namespace manager;
+using namespace managertest;
 
 namespace {
-
-QApplication& application() {
-    static std::string platform = sys::offscreenPlatform;
-    static char name[] = "glyphora";
-    static char option[] = "-platform";
-    static std::array<char*, 4> arguments{name, option, platform.data(), nullptr};
-    static int count = 3;
-    static auto& one = *new QApplication(count, arguments.data()); // outlives statics
-    return one;
-}
-
-bool await(const std::function<bool()>& condition) {
-    return testsupport::await([&] {
-        QApplication::processEvents();
-        return condition();
-    });
-}
-
-class TheLibrarysWindow : public testing::Test {
-protected:
-    TheLibrarysWindow() {
-        application();
-        for (const char* style : {"Bold", "Regular"}) {
-            sandbox_.write(std::string("alpha-") + style + ".ttf",
-                           testsupport::makeFont({"Alpha", style, std::string("Alpha-") + style}));
-        }
-        sandbox_.write("beta.ttf", testsupport::makeFont({"Beta", "Regular", "Beta-Regular"}));
-        glyphora({QStringLiteral("add"), QString::fromStdString(sandbox_.library())});
-    }
-
-    static void glyphora(const QStringList& arguments) {
-        QProcess process;
-        process.start(QStringLiteral(GLYPHORA_PROGRAM), arguments);
-        ASSERT_TRUE(process.waitForFinished(60'000));
-        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-    }
-
-    void open(const WindowRequest& request = {}) {
-        window_ = std::make_unique<LibraryWindow>(
-            WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, request});
-        window_->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-        ASSERT_TRUE(await([this] { return window_->model().rowCount() != 0; }));
-    }
-    /// What a screen reader hears of a family, by its place.
-    std::string heard(int row) {
-        QApplication::processEvents(); // it lays its rows out
-        QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&window_->list());
-        QAccessibleInterface* const cell = list->tableInterface()->cellAt(row, 0);
-        return cell == nullptr ? "" : cell->text(QAccessible::Name).toStdString();
-    }
-    void choose(int row) { window_->list().setCurrentIndex(window_->model().index(row, 0)); }
-    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(&window_->list(), static_cast<Qt::Key>(key), modifiers);
-    }
-
-    testsupport::PrivateBus bus_;
-    managertest::Sandbox sandbox_;
-    testsupport::Variable config_{"XDG_CONFIG_HOME", sandbox_.root() + "/config"};
-    std::unique_ptr<LibraryWindow> window_;
-};
 
 TEST_F(TheLibrarysWindow, ListsWhatIsTypedAndTellsItToScreenReaders) {
     open();

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// The window while the world around it changes: its server, its disks, other sessions, a display.
+#include "manager/cli/announce.h"
+#include "manager/qt/guests.h"
+#include "tests/manager/qt/windowfixture.h"
+#include "tests/support/xserver.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <optional>
+
+using namespace manager;
+
+namespace managertest {
+
+namespace {
+
+class TheWindowsWorld : public TheLibrarysWindow {
+protected:
+    ~TheWindowsWorld() override {
+        for (QProcess* const process : {&server_, &other_}) {
+            process->kill();
+            process->waitForFinished();
+        }
+    }
+    void serve() {
+        server_.start(QStringLiteral(GLYPHORA_PROGRAM), {"serve"});
+        ASSERT_TRUE(await([this] {
+            const auto known = findServer();
+            return known && server_.processId() != 0;
+        }));
+    }
+    bool awaitHeard(int row, const std::string& expected) {
+        return await([&] { return heard(row) == expected; });
+    }
+    /// What a program of another environment prints in the end.
+    static std::string run(const QProcessEnvironment& environment, const QString& program,
+                           const QStringList& arguments) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(program, arguments);
+        EXPECT_TRUE(process.waitForFinished(60'000));
+        const std::string printed = process.readAll().toStdString();
+        EXPECT_EQ(process.exitCode(), 0) << printed;
+        return printed;
+    }
+
+    QProcess server_;
+    QProcess other_;
+};
+
+TEST_F(TheWindowsWorld, WorksOnWhenItsServerIsKilledAndWithTheNextOne) {
+    serve();
+    open();
+    server_.kill();
+    ASSERT_TRUE(await([this] { return server_.state() == QProcess::NotRunning; }));
+    choose(1);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(awaitHeard(1, "Beta, 1 style, active")) << heard(1);
+    ASSERT_TRUE(await([] { return !findServer(); }));
+    serve();
+    sandbox_.write("gamma.ttf", testsupport::makeFont({"Gamma", "Regular", "Gamma-Regular"}));
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 3; })) << "it watches";
+    EXPECT_EQ(heard(1), "Beta, 1 style, active");
+    EXPECT_EQ(window_->list().currentIndex().row(), 1);
+}
+
+TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
+    glyphora({QStringLiteral("activate"), QStringLiteral("Beta")});
+    serve();
+    open();
+    const std::string elsewhere = sandbox_.root() + "/elsewhere";
+    for (int time = 0; time < 2; ++time) {
+        std::filesystem::rename(sandbox_.library(), elsewhere);
+        EXPECT_TRUE(awaitHeard(0, "Alpha, 2 styles, away")) << heard(0);
+        std::filesystem::rename(elsewhere, sandbox_.library());
+        EXPECT_TRUE(awaitHeard(0, "Alpha, 2 styles, inactive")) << heard(0);
+        EXPECT_EQ(heard(1), "Beta, 1 style, active");
+    }
+}
+
+TEST_F(TheWindowsWorld, HasOtherSessionsHaveTheirOwnWindows) {
+    ASSERT_FALSE(handOver({}));
+    open({.search = "alpha"});
+    const Guests guests([this](const WindowRequest& request) { window_->open(request); });
+    const auto here = QProcessEnvironment::systemEnvironment();
+    const testsupport::PrivateBus bus;
+    auto there = QProcessEnvironment::systemEnvironment();
+    there.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    ASSERT_NE(here.value("DBUS_SESSION_BUS_ADDRESS"), there.value("DBUS_SESSION_BUS_ADDRESS"));
+    // Of two in another session one has the window, and the other hands over to it and ends.
+    for (QProcess* const process : {&server_, &other_}) {
+        process->setProcessEnvironment(there);
+        process->start(QStringLiteral(GLYPHORA_PROGRAM), {"show", "beta"});
+        ASSERT_TRUE(process->waitForStarted());
+    }
+    const auto ended = [this] {
+        return (server_.state() == QProcess::NotRunning ? 1 : 0) +
+               (other_.state() == QProcess::NotRunning ? 1 : 0);
+    };
+    EXPECT_TRUE(await([&] { return ended() != 0; }));
+    EXPECT_EQ(ended(), 1);
+    QProcess& first = server_.state() == QProcess::NotRunning ? server_ : other_;
+    EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().toStdString();
+    EXPECT_EQ(window_->searchField().text(), QStringLiteral("alpha"));
+}
+
+TEST_F(TheWindowsWorld, IsUsedByTheKeysOfAnXServer) {
+    const testsupport::XServer x;
+    auto there = QProcessEnvironment::systemEnvironment();
+    there.insert(QStringLiteral("DISPLAY"), QString::fromStdString(x.display()));
+    there.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    other_.setProcessEnvironment(there);
+    other_.start(QStringLiteral(GLYPHORA_PROGRAM), {"show"});
+    const auto press = [&](const QStringList& keys) {
+        run(there, QStringLiteral("xdotool"),
+            QStringList{"search", "--sync", "--onlyvisible", "--name", "Glyphora Font Library",
+                        "windowfocus", "--sync", "key", "--window", "0"} +
+                keys);
+    };
+    const auto isActive = [&](const QString& name) {
+        return run(there, QStringLiteral(GLYPHORA_PROGRAM), {"search", "--json", name})
+                   .find("\"state\": \"active\"") != std::string::npos;
+    };
+    // The library may come after the keys: then they are pressed again.
+    ASSERT_TRUE(await([&] {
+        press({"ctrl+f", "ctrl+a", "b", "e", "t", "a", "Return", "Home", "ctrl+Return"});
+        return isActive("Beta");
+    }));
+    EXPECT_FALSE(isActive("Alpha"));
+    press({"ctrl+w"});
+    EXPECT_TRUE(await([this] { return other_.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(other_.exitCode(), 0) << other_.readAllStandardError().toStdString();
+}
+
+} // namespace
+
+} // namespace managertest
