@@ -123,16 +123,18 @@ private:
 
     void addLibraryCommands() {
         group_ = "Library";
-        const auto folders = [this](CLI::App* added) {
-            addNames(*added, "folder", "A folder of font files")->required();
-        };
-        folders(command("add", "Record folders of font files and scan them",
-                        [this](const Places& places) {
-                            return addCommand(places, options_.names, options_.json);
-                        }));
-        folders(command("remove", "Forget recorded folders", [this](const Places& places) {
-            return removeCommand(places, options_.names, options_.json);
-        }));
+        addNames(*command("add", "Record folders, or copy single font files, and scan them",
+                          [this](const Places& places) {
+                              return addCommand(places, options_.names, options_.json);
+                          }),
+                 "path", "A folder of font files, or a font file")
+            ->required();
+        addNames(*command("remove", "Forget recorded folders",
+                          [this](const Places& places) {
+                              return removeCommand(places, options_.names, options_.json);
+                          }),
+                 "folder", "A folder of font files")
+            ->required();
         command("scan", "Look for new, changed and removed font files",
                 [this](const Places& places) {
                     return scanCommand(places, options_.quiet, options_.json);

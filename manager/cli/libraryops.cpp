@@ -4,6 +4,7 @@
 
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
+#include "manager/cli/bringing.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/onewindow.h"
 #include "manager/cli/tally.h"
@@ -153,9 +154,18 @@ std::unique_ptr<Library> openScanned(const Places& places) {
     return library;
 }
 
-int addCommand(const Places& places, const std::vector<std::string>& folders, bool json) {
+int addCommand(const Places& places, const std::vector<std::string>& paths, bool json) {
     Tally tally(json, "added");
-    const bool changed = changeFolders(places, folders, "added", addFolders, tally);
+    std::vector<std::string> folders = paths;
+    std::error_code ignored;
+    const auto files =
+        std::stable_partition(folders.begin(), folders.end(), [&](const std::string& path) {
+            return !std::filesystem::is_regular_file(path, ignored);
+        });
+    const std::vector<std::string> single(files, folders.end());
+    folders.erase(files, folders.end());
+    bool changed = changeFolders(places, folders, "added", addFolders, tally);
+    changed = (!single.empty() && bringFiles(places, single, tally)) || changed;
     scanChanged(places, changed, tally, true);
     return tally.finish();
 }

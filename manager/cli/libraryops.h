@@ -19,7 +19,7 @@ namespace manager {
 [[nodiscard]] std::unique_ptr<Library> openScanned(const Places& places);
 
 /// Each returns an ExitStatus and throws Error. They scan where needed and tell others of changes.
-int addCommand(const Places& places, const std::vector<std::string>& folders, bool json);
+int addCommand(const Places& places, const std::vector<std::string>& paths, bool json);
 int removeCommand(const Places& places, const std::vector<std::string>& folders, bool json);
 int scanCommand(const Places& places, bool quiet, bool json);
 int listCommand(const Places& places, Listing listing);

@@ -22,6 +22,8 @@ struct Places {
     [[nodiscard]] std::string database() const { return own() + "/library.db"; }
     [[nodiscard]] std::string folders() const { return own() + "/folders"; }
     [[nodiscard]] std::string scanLock() const { return own() + "/scan.lock"; }
+    /// Copies of font files that were added by themselves.
+    [[nodiscard]] std::string singleFonts() const { return own() + "/fonts"; }
     /// The folder that fontconfig sees; each container has a folder of its own in it.
     [[nodiscard]] std::string fonts() const { return data + "/fonts/glyphora"; }
 };

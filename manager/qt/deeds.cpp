@@ -90,10 +90,10 @@ void Deeds::start(const QStringList& arguments, Taker take) {
             problems.push_back(problem.toString());
         }
         process->deleteLater();
+        done_(problems);
         if (take) {
             take(done);
         }
-        done_(problems);
         goOn();
     };
     connect(process, &QProcess::finished, this, [finish](int, QProcess::ExitStatus status) {

@@ -24,7 +24,7 @@ public:
     /// What a command printed as JSON.
     using Taker = std::function<void(const QJsonObject& done)>;
 
-    /// `done` is called after each command, with what went wrong.
+    /// `done` is called after each command, before its Taker, with what went wrong.
     Deeds(std::string program, std::function<void(const QStringList& problems)> done);
     /// Brings to its end what was begun, and what follows it.
     ~Deeds() override;

@@ -3,6 +3,7 @@
 
 #include "manager/cli/announce.h"
 #include "manager/library/folders.h"
+#include "manager/qt/filedrop.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
@@ -59,6 +60,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     count_ = new QLabel(this);
     statusBar()->addPermanentWidget(count_);
     makeActions();
+    new FileDrop(*this, [this](const QStringList& paths) { add(paths); });
     resize(1180, 720);
     const QSettings settings;
     restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
@@ -203,6 +205,7 @@ void LibraryWindow::showChosen() {
     pane_->show(std::move(chosen));
     activate_->setEnabled(!chosenContainers(false).empty());
     deactivate_->setEnabled(!chosenContainers(true).empty());
+    collect_->setEnabled(!rows.empty());
 }
 
 } // namespace manager

@@ -78,6 +78,9 @@ private:
     void switchContainers(bool on, const std::vector<std::int32_t>& containers);
     void toggleChosen();
     void addFolder();
+    void addFiles();
+    void add(const QStringList& paths);
+    void collect();
     void tell(const QStringList& problems);
     void showCount();
 
@@ -104,6 +107,7 @@ private:
     std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;
+    QAction* collect_ = nullptr;
     int changes_ = -1; ///< the token of news; negative: none come
     QTimer news_;
     std::function<void()> whenShown_;

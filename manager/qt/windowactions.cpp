@@ -5,7 +5,9 @@
 #include "manager/view/texts.h"
 
 #include <QAction>
+#include <QDir>
 #include <QFileDialog>
+#include <QJsonArray>
 #include <QMenuBar>
 #include <QStatusBar>
 
@@ -25,6 +27,7 @@ void LibraryWindow::makeActions() {
     QMenu* const file = menuBar()->addMenu(text(translated("&Library")));
     file->addAction(text(translated("&Add Folder…")), QKeySequence::Open, this,
                     [this] { addFolder(); });
+    file->addAction(text(translated("Add &Font Files…")), this, [this] { addFiles(); });
     file->addAction(text(translated("&Scan Folders")), QKeySequence::Refresh, this, [this] {
         deeds_.run({QStringLiteral("scan"), QStringLiteral("--json")});
     });
@@ -58,7 +61,10 @@ void LibraryWindow::makeActions() {
     deactivate_ =
         fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
     deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
-    list_->addActions({activate_, deactivate_});
+    fonts->addSeparator();
+    collect_ =
+        fonts->addAction(text(translated("Collect for &Output…")), this, [this] { collect(); });
+    list_->addActions({activate_, deactivate_, collect_});
     makeGroupActions(*fonts);
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
@@ -104,9 +110,57 @@ void LibraryWindow::addFolder() {
     const QString folder = QFileDialog::getExistingDirectory(
         this, text(translated("Add a folder of fonts to the library")));
     if (!folder.isEmpty()) {
-        statusBar()->showMessage(text(translated("Reading the fonts…")));
-        deeds_.run({QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--"), folder});
+        add({folder});
     }
+}
+
+void LibraryWindow::addFiles() {
+    const QStringList files = QFileDialog::getOpenFileNames(
+        this, text(translated("Add copies of font files to the library")), {},
+        text(translated("Fonts")) + QStringLiteral(" (*.ttf *.otf *.ttc *.otc *.pfb *.pfa *.t1)"));
+    if (!files.isEmpty()) {
+        add(files);
+    }
+}
+
+void LibraryWindow::add(const QStringList& paths) {
+    statusBar()->showMessage(text(translated("Reading the fonts…")));
+    deeds_.run(QStringList{QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--")} +
+               paths);
+}
+
+void LibraryWindow::collect() {
+    QStringList fonts;
+    const LibraryView& view = model_.listing().view();
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        for (const FaceRow row : model_.facesToSwitch(index)) {
+            fonts.push_back(
+                QString::number(static_cast<std::int32_t>(view.table.faces()[row].container)));
+        }
+    }
+    fonts.removeDuplicates();
+    // The command makes the folder, and refuses one that is there.
+    const QString folder =
+        QFileDialog::getSaveFileName(this, text(translated("Copy the fonts to a new folder")),
+                                     QDir::home().filePath(text(translated("Fonts"))), {}, nullptr,
+                                     QFileDialog::DontConfirmOverwrite);
+    if (folder.isEmpty()) {
+        return;
+    }
+    statusBar()->showMessage(text(translated("Copying the fonts…")));
+    deeds_.run(QStringList{QStringLiteral("collect"), QStringLiteral("--json"),
+                           QStringLiteral("--to"), folder, QStringLiteral("--")} +
+                   fonts,
+               [this, folder](const QJsonObject& done) {
+                   const auto count = done.value(QStringLiteral("collected")).toArray().size();
+                   if (count != 0 && done.value(QStringLiteral("problems")).toArray().isEmpty()) {
+                       tell({text(translated("%1 font file copied to %2, with a list of licences",
+                                             "%1 font files copied to %2, with a list of licences",
+                                             static_cast<std::size_t>(count)))
+                                 .arg(folder)});
+                   }
+               });
 }
 
 void LibraryWindow::tell(const QStringList& problems) {

@@ -159,8 +159,8 @@ void LibraryWindow::showEmpty() {
         return;
     }
     if (view_->table.faces().empty()) {
-        empty_->setText(text(translated("There are no fonts in the library yet. Add a folder of "
-                                        "fonts to begin (Library, Add Folder).")));
+        empty_->setText(text(translated("There are no fonts in the library yet. Drop a folder of "
+                                        "fonts here to begin, or add one (Library, Add Folder).")));
     } else if (!filters_->values().empty()) {
         empty_->setText(text(translated("No font here passes all filters. Take one away above, or "
                                         "search in \"All fonts\".")));

@@ -23,7 +23,7 @@ _glyphora() {
     local options='--json --help' valued=yes
     COMPREPLY=()
     case $previous in
-        --to | --folder | --pictures) _glyphora_dirs ;;
+        --to | --folder | --pictures) _glyphora_paths -d ;;
         --for) _glyphora_words '30min 2h 1d' ;;
         --slant) _glyphora_words 'upright italic oblique' ;;
         --type) _glyphora_words 'T1 TT OT_T1 OT_TT' ;;
@@ -66,7 +66,7 @@ _glyphora() {
         return
     fi
     case $command in
-        add) _glyphora_dirs ;;
+        add) _glyphora_paths -f ;;
         remove) _glyphora_lines < <(_glyphora_folders) ;;
         info | collect | activate) _glyphora_containers list --containers ;;
         show) _glyphora_lines < <(_glyphora_listed '\2' list --containers) ;;
@@ -85,8 +85,8 @@ _glyphora_words() {
     mapfile -t COMPREPLY < <(compgen -W "$1" -- "$current")
 }
 
-_glyphora_dirs() {
-    mapfile -t COMPREPLY < <(compgen -d -- "$current")
+_glyphora_paths() { # -d: folders alone; -f: files, too
+    mapfile -t COMPREPLY < <(compgen "$1" -- "$current")
     compopt -o filenames
 }
 

@@ -75,6 +75,38 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
     });
 }
 
+TEST_F(TheProgram, CopiesSingleFontFilesIntoTheLibraryOnce) {
+    const std::string outside = sandbox_.root() + "/outside/";
+    const auto write = [&](const std::string& name, const std::string& bytes) {
+        return sandbox_.write("../outside/" + name, bytes);
+    };
+    const std::string lone = testsupport::makeFont({"Lone", "Regular", "Lone"});
+    write("lone.ttf", lone);
+    write("twin.ttf", lone);
+    write("other/lone.ttf", testsupport::makeFont({"Other", "Regular", "Other"}));
+    write("bad.otf", lone.substr(0, lone.size() / 2));
+    write("read.me", "no font");
+    expectEach({{{"add", sandbox_.library()}, 0, "added"}});
+    const std::string own = sandbox_.places().singleFonts();
+    writeBytes((std::filesystem::create_directories(own), own + "/.incoming"), "of one killed");
+    const std::string output =
+        glyphora({"add", "--json", outside + "lone.ttf", outside + "bad.otf", outside + "twin.ttf",
+                  outside + "read.me", sandbox_.library() + "/fonts/lato.ttf",
+                  outside + "other/lone.ttf"})
+            .output;
+    const auto added = nlohmann::json::parse(output.substr(output.find("{\n"))); // after warnings
+    ASSERT_EQ(added["added"].size(), 2) << added;
+    EXPECT_EQ(added["added"][0]["source"], outside + "lone.ttf");
+    EXPECT_EQ(added["added"][1]["path"], own + "/lone (2).ttf");
+    EXPECT_EQ(readBytes(own + "/lone.ttf"), lone);
+    EXPECT_EQ(added["problems"].size(), 4) << added;
+    std::filesystem::remove(outside + "lone.ttf"); // the copy is the library's
+    expectEach({{{"add", outside + "twin.ttf"}, 0, "in the library already, as " + own},
+                {{"search", "lone"}, 0, own + "/lone.ttf"},
+                {{"add", outside + "read.me"}, 1, "neither a folder nor a font file"}});
+    EXPECT_FALSE(std::filesystem::exists(own + "/.incoming"));
+}
+
 TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     const std::string font = makeFont({"Plain/Sans", "Regular", "PlainSans"});
     const std::string namesake = makeFont({"Plain/Sans (4)", "Regular", "Namesake"});

@@ -11,6 +11,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QToolButton>
+#include <QUrl>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -136,6 +138,35 @@ TEST_F(TheLibrarysWindow, DrawsAFaceWhereItsAxesAreMovedByKeys) {
     choose(2);
     ASSERT_TRUE(await([&] { return pane.look().instances() != nullptr; }));
     EXPECT_EQ(drawn(), before);
+}
+
+TEST_F(TheLibrarysWindow, AddsFoldersAndFilesThatAreDroppedAnywhereInIt) {
+    open();
+    const auto drop = [this](const QList<QUrl>& urls) {
+        QMimeData data;
+        data.setUrls(urls);
+        QWindow* const target = window_->windowHandle(); // as the display does
+        const QPoint place = window_->list().viewport()->mapTo(window_.get(), QPoint(5, 5));
+        QDragEnterEvent enter(place, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                              Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        QDropEvent event(place, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(target, &event);
+        return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+    };
+    EXPECT_FALSE(drop({QUrl(QStringLiteral("https://example.org/font.ttf"))}));
+    const auto make = [this](const char* path, const char* name) {
+        return sandbox_.write(path, testsupport::makeFont({name, "Regular", name}));
+    };
+    const std::string folder = folderOf(make("../outside/#1 %20/new.ttf", "New"));
+    const std::string single = make("../outside/single.otf", "Single");
+    const auto url = [](const std::string& path) {
+        return QUrl::fromLocalFile(QString::fromStdString(path));
+    };
+    EXPECT_TRUE(drop({url(folder), url(single)}));
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 4; }));
+    EXPECT_TRUE(std::filesystem::exists(single));
 }
 
 TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/filedrop.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+#include <QWidget>
+
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+QStringList localPaths(const QMimeData& data) {
+    QStringList paths;
+    const QList<QUrl> urls = data.urls();
+    for (const QUrl& url : urls) {
+        if (url.isLocalFile()) {
+            paths.push_back(url.toLocalFile());
+        }
+    }
+    return paths;
+}
+
+} // namespace
+
+FileDrop::FileDrop(QWidget& window, std::function<void(const QStringList&)> dropped)
+    : QObject(&window), dropped_(std::move(dropped)) {
+    window.setAcceptDrops(true);
+    window.installEventFilter(this);
+}
+
+bool FileDrop::eventFilter(QObject* /*window*/, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) {
+        return false;
+    }
+    auto& drop = *static_cast<QDropEvent*>(event);
+    const QStringList paths = localPaths(*drop.mimeData());
+    if (paths.isEmpty()) {
+        drop.ignore();
+        return true;
+    }
+    drop.setDropAction(Qt::CopyAction); // what is dropped stays where it was
+    drop.accept();
+    if (type == QEvent::Drop) {
+        dropped_(paths);
+    }
+    return true;
+}
+
+} // namespace manager
