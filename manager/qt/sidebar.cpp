@@ -13,6 +13,7 @@
 #include <QStyledItemDelegate>
 #include <QTreeWidgetItemIterator>
 
+#include <algorithm>
 #include <array>
 
 namespace manager {
@@ -53,7 +54,9 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
-        if (index.column() == 1) {
+        const bool isHint =
+            index.parent().isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
+        if (index.column() == 1 || isHint) {
             option->palette.setColor(QPalette::Text,
                                      option->palette.color(QPalette::PlaceholderText));
         }
@@ -155,6 +158,7 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
         }
     }
     expandAll();
+    showWhole(*library);
     isFilling_ = false;
     if (currentItem() == nullptr) {
         setCurrentItem(library->child(0));
@@ -166,6 +170,20 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
         editor != nullptr && !written.isEmpty()) {
         editor->setText(written);
     }
+}
+
+void Sidebar::showWhole(const QTreeWidgetItem& section) {
+    constexpr int blanks = 4; // around the names and the numbers
+    std::array<int, 2> widths{};
+    for (int row = 0; row < section.childCount(); ++row) {
+        for (int column = 0; column < columnCount(); ++column) {
+            int& width = widths.at(static_cast<std::size_t>(column));
+            width =
+                std::max(width, fontMetrics().horizontalAdvance(section.child(row)->text(column)));
+        }
+    }
+    setMinimumWidth(widths[0] + widths[1] + 2 * indentation() +
+                    blanks * fontMetrics().horizontalAdvance(QLatin1Char('0')));
 }
 
 QTreeWidgetItem* Sidebar::addSection(const std::string& name) {
@@ -198,7 +216,6 @@ void Sidebar::addGroups(GroupKind kind, const Groups& groups) {
         auto* const hint = new QTreeWidgetItem(parent, {text(translated("Drop fonts here"))});
         hint->setFlags(Qt::ItemIsEnabled | Qt::ItemIsDropEnabled);
         hint->setData(0, kindRole, static_cast<int>(kind));
-        hint->setForeground(0, palette().brush(QPalette::PlaceholderText));
         hint->setFirstColumnSpanned(true);
         hint->setToolTip(0, parent->toolTip(0));
     }

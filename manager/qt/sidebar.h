@@ -58,6 +58,8 @@ protected:
 private:
     void addGroups(GroupKind kind, const Groups& groups);
     QTreeWidgetItem* addSection(const std::string& name);
+    /// Leaves the names and numbers of a section the room that they need.
+    void showWhole(const QTreeWidgetItem& section);
     /// What dropped containers would be put in; its name is empty for a new one.
     [[nodiscard]] std::optional<GroupTitle> targetOf(const QTreeWidgetItem* item) const;
     void add(QTreeWidgetItem* section, const SidebarPlace& place, const QString& text,
