@@ -5,16 +5,13 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
+#include <iterator>
+#include <set>
 #include <utility>
 
 namespace manager {
 
 namespace {
-
-auto findMember(std::vector<GroupMember>& members, const GroupMember& member) {
-    return std::find_if(members.begin(), members.end(),
-                        [&](const GroupMember& other) { return isSamePlace(member, other); });
-}
 
 void rename(Groups& groups, Group& group, const std::string& name) {
     if (findGroup(groups, group.kind, name) != nullptr) {
@@ -24,9 +21,18 @@ void rename(Groups& groups, Group& group, const std::string& name) {
     group.name = name;
 }
 
+std::set<MemberPlace> placesOf(const std::vector<GroupMember>& members) {
+    std::set<MemberPlace> places;
+    for (const GroupMember& member : members) {
+        places.insert(placeOf(member));
+    }
+    return places;
+}
+
 void changeMembers(Group& group, const GroupChange& change, GroupChange& back) {
+    std::set<MemberPlace> known = placesOf(group.members);
     for (const GroupMember& member : change.added) {
-        if (findMember(group.members, member) == group.members.end()) {
+        if (known.insert(placeOf(member)).second) {
             group.members.push_back(member);
             back.removed.push_back(member);
         }
@@ -35,13 +41,12 @@ void changeMembers(Group& group, const GroupChange& change, GroupChange& back) {
         back.added = std::exchange(group.members, {});
         return;
     }
-    for (const GroupMember& member : change.removed) {
-        const auto place = findMember(group.members, member);
-        if (place != group.members.end()) {
-            back.added.push_back(*place);
-            group.members.erase(place);
-        }
-    }
+    const std::set<MemberPlace> leaving = placesOf(change.removed);
+    const auto rest = std::stable_partition(
+        group.members.begin(), group.members.end(),
+        [&](const GroupMember& member) { return !leaving.contains(placeOf(member)); });
+    std::move(rest, group.members.end(), std::back_inserter(back.added));
+    group.members.erase(rest, group.members.end());
 }
 
 } // namespace
@@ -50,9 +55,8 @@ GroupMember memberOf(const Container& container) {
     return {container.id, container.name, container.folder, container.file, container.format};
 }
 
-bool isSamePlace(const GroupMember& a, const GroupMember& b) {
-    return faces::nameKey(a.name) == faces::nameKey(b.name) && a.folder == b.folder &&
-           a.file == b.file && a.format == b.format;
+MemberPlace placeOf(const GroupMember& member) {
+    return {faces::nameKey(member.name), member.folder, member.file, member.format};
 }
 
 GroupChange changeGroup(const Places& places, const GroupChange& change) {

@@ -4,7 +4,9 @@
 
 #include "manager/cli/groups.h"
 
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace manager {
@@ -24,7 +26,8 @@ struct GroupChange {
 [[nodiscard]] GroupChange changeGroup(const Places& places, const GroupChange& change);
 
 [[nodiscard]] GroupMember memberOf(const Container& container);
-/// Whether they are one container, whatever their numbers are.
-[[nodiscard]] bool isSamePlace(const GroupMember& a, const GroupMember& b);
+/// What tells a container from others, whatever its number is.
+using MemberPlace = std::tuple<std::string, std::string, std::string, std::optional<FontFormat>>;
+[[nodiscard]] MemberPlace placeOf(const GroupMember& member);
 
 } // namespace manager

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <fnmatch.h>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -49,13 +50,15 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
         if (group == nullptr) {
             group = &groups.emplace_back(Group{title.kind, title.name, {}});
         }
+        std::map<MemberPlace, std::size_t> known; // by place, the position
+        for (std::size_t i = 0; i < group->members.size(); ++i) {
+            known.emplace(placeOf(group->members[i]), i);
+        }
         for (const Container& container : containers) {
             const GroupMember member = memberOf(container);
-            const auto known =
-                std::find_if(group->members.begin(), group->members.end(),
-                             [&](const GroupMember& other) { return isSamePlace(member, other); });
-            if (known != group->members.end()) {
-                known->id = member.id;
+            const auto [place, isNew] = known.emplace(placeOf(member), group->members.size());
+            if (!isNew) {
+                group->members[place->second].id = member.id;
                 continue;
             }
             group->members.push_back(member);
