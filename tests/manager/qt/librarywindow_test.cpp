@@ -197,17 +197,6 @@ TEST_F(TheLibrarysWindow, MakesFillsRenamesAndUnmakesSetsAndUndoesIt) {
     const auto become = [&](const std::vector<std::string>& wanted) {
         return await([&] { return sets() == wanted; });
     };
-    choose(1);
-    press(Qt::Key_T, Qt::ControlModifier);
-    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T); // New Tag
-    ASSERT_TRUE(become({"tag:New tag 1"}));
-    window_->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-    QTest::keyClicks(window_->focusWidget(), QStringLiteral("Mine"));
-    QTest::keyClick(window_->focusWidget(), Qt::Key_Return);
-    ASSERT_TRUE(become({"tag:Mine 1"}));
-    EXPECT_EQ(window_->model().rowCount(), 1) << "and it is chosen";
-
     const auto drop = [&](int row, const QString& place) {
         const QModelIndexList rows = {window_->model().index(row, 0)};
         const std::unique_ptr<QMimeData> data(window_->model().mimeData(rows));
@@ -223,6 +212,13 @@ TEST_F(TheLibrarysWindow, MakesFillsRenamesAndUnmakesSetsAndUndoesIt) {
         }
         return move.isAccepted();
     };
+    ASSERT_TRUE(drop(1, QStringLiteral("Tags")));
+    ASSERT_TRUE(become({"tag:New tag 1"}));
+    QTest::keyClicks(window_->focusWidget(), QStringLiteral("Mine"));
+    QTest::keyClick(window_->focusWidget(), Qt::Key_Return);
+    ASSERT_TRUE(become({"tag:Mine 1"}));
+    EXPECT_EQ(window_->model().rowCount(), 1) << "and it is chosen";
+
     sidebar.choose({});
     EXPECT_FALSE(drop(0, QStringLiteral("Inactive")));
     ASSERT_TRUE(drop(0, QStringLiteral("Mine")));
