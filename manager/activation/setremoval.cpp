@@ -82,8 +82,8 @@ std::string SetFolders::hide(ContainerId id) const {
         if (renameToFree(place, hidden)) {
             return hidden;
         }
-        if (!exists(hidden)) {
-            throw systemError(place, "cannot be taken away", errno);
+        if (const int code = errno; !exists(hidden)) {
+            throw systemError(place, "cannot be taken away", code);
         }
     }
 }

@@ -97,8 +97,8 @@ private:
         const fs::path name = fs::path(file).filename();
         fs::path target = fs::path(folder) / name;
         for (int number = 2; !renameToFree(hidden, target.string()); ++number) {
-            if (errno != EEXIST && !exists(target.string())) {
-                throw systemError(target.string(), "cannot be given its name", errno);
+            if (const int code = errno; code != EEXIST && !exists(target.string())) {
+                throw systemError(target.string(), "cannot be given its name", code);
             }
             target = fs::path(folder) / (name.stem().string() + " (" + std::to_string(number) +
                                          ")" + name.extension().string());

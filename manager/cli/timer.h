@@ -85,7 +85,7 @@ public:
 
 private:
     std::chrono::milliseconds period_;
-    Time next_ = Time::min();
+    Time next_{}; ///< the clock is past its beginning
     bool isWanted_ = false;
 };
 
