@@ -43,13 +43,17 @@ private:
     QStringList containers_;
 };
 
-Deeds::Deeds(std::string program, std::function<void(const QStringList&)> done)
-    : program_(std::move(program)), done_(std::move(done)) {}
+Deeds::Deeds(std::string program, LibraryReader& reader,
+             std::function<void(const QStringList&)> done)
+    : program_(std::move(program)), reader_(reader), done_(std::move(done)) {}
 
-Deeds::~Deeds() {
-    done_ = [](const QStringList&) {};
-    while (running_ != nullptr) {
-        running_->waitForFinished(-1); // and begins the next
+void Deeds::finish() {
+    while (isBusy_) { // each end begins the next
+        if (running_ != nullptr) {
+            running_->waitForFinished(-1);
+        } else {
+            reader_.finish();
+        }
     }
 }
 
@@ -59,11 +63,16 @@ void Deeds::inTurn(std::function<void()> deed) {
 }
 
 void Deeds::goOn() {
-    while (running_ == nullptr && !waiting_.empty()) {
+    while (!isBusy_ && !waiting_.empty()) {
         const std::function<void()> next = std::move(waiting_.front());
         waiting_.pop();
         next();
     }
+}
+
+void Deeds::end() {
+    isBusy_ = false;
+    goOn();
 }
 
 void Deeds::undo() {
@@ -78,7 +87,28 @@ void Deeds::run(const QStringList& arguments, Taker take) {
     inTurn([this, arguments, take = std::move(take)] { start(arguments, take); });
 }
 
+void Deeds::work(LibraryReader::Work work) {
+    inTurn([this, work = std::move(work)] { startWork(work); });
+}
+
+void Deeds::startWork(LibraryReader::Work work) {
+    isBusy_ = true;
+    reader_.run([this, work = std::move(work)](Desk& desk) -> LibraryReader::Taker {
+        LibraryReader::Taker then;
+        try {
+            then = work(desk);
+        } catch (const std::exception& error) {
+            then = [this, problem = QString::fromUtf8(error.what())] { done_({problem}); };
+        }
+        return [this, then = std::move(then)] {
+            then();
+            end();
+        };
+    });
+}
+
 void Deeds::start(const QStringList& arguments, Taker take) {
+    isBusy_ = true;
     auto* const process = new QProcess(this);
     running_ = process;
     const auto finish = [this, process, take = std::move(take)](const QStringList& failures) {
@@ -94,7 +124,7 @@ void Deeds::start(const QStringList& arguments, Taker take) {
         if (take) {
             take(done);
         }
-        goOn();
+        end();
     };
     connect(process, &QProcess::finished, this, [finish](int, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit

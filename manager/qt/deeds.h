@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the window does to the library: everything goes through the program's own commands, each in
-// a process of its own. They tell others, keep the history and leave a window that is closed
-// meanwhile nothing to break.
+// What the window does to the library, one thing after the other: the program's own commands, each
+// in a process of its own, which tell others and keep the history; and what the reader's thread
+// does.
 #pragma once
+
+#include "manager/qt/libraryreader.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -24,12 +26,16 @@ public:
     /// What a command printed as JSON.
     using Taker = std::function<void(const QJsonObject& done)>;
 
-    /// `done` is called after each command, before its Taker, with what went wrong.
-    Deeds(std::string program, std::function<void(const QStringList& problems)> done);
-    /// Brings to its end what was begun, and what follows it.
-    ~Deeds() override;
+    /// `done` is called after each command, before its Taker, and after work that threw, with what
+    /// went wrong.
+    Deeds(std::string program, LibraryReader& reader,
+          std::function<void(const QStringList& problems)> done);
+    /// Brings to its end what was begun, and what follows it; to be called before the rest of the
+    /// window goes.
+    void finish();
 
-    // All of these follow one another: each begins when those before it have ended.
+    // All of these follow one another: each begins when those before it have ended, so that they
+    // are undone in the order in which the user wanted them.
 
     /// Activates or deactivates containers; what has come of it can be undone.
     void activate(const std::vector<std::int32_t>& containers);
@@ -38,23 +44,32 @@ public:
     void redo();
     /// Runs a command, without undo.
     void run(const QStringList& arguments, Taker take = {});
-    /// Keeps what was done otherwise, to be undone in its turn. Takes it over.
+    /// Has the reader's thread do something.
+    void work(LibraryReader::Work work);
+    /// Keeps what such work did, to be undone in its turn; to be called by what it gives. Takes it
+    /// over.
     void record(QUndoCommand* command) { undo_.push(command); }
     /// What has been done, to show it; it is gone through by `undo` and `redo`.
     [[nodiscard]] const QUndoStack& undoStack() const { return undo_; }
 
 private:
     friend class SwitchDeed;
+    friend class GroupDeed;
 
     void change(bool on, const QStringList& containers);
     void inTurn(std::function<void()> deed);
     void goOn();
+    // At once: it is their turn.
     void start(const QStringList& arguments, Taker take = {});
+    void startWork(LibraryReader::Work work);
+    void end();
 
     std::string program_;
+    LibraryReader& reader_;
     std::function<void(const QStringList&)> done_;
     QUndoStack undo_;
-    QProcess* running_ = nullptr;
+    bool isBusy_ = false;
+    QProcess* running_ = nullptr; ///< null: the reader is, if anybody
     std::queue<std::function<void()>> waiting_;
 };
 

@@ -25,10 +25,10 @@ public:
         : QUndoCommand(text), deeds_(deeds), next_(std::make_shared<GroupChange>(std::move(back))) {
     }
 
-    void undo() override { deeds_.turn(next_); }
+    void undo() override { deeds_.deeds_.startWork(deeds_.turn(next_)); }
     void redo() override {
         if (!std::exchange(isNew_, false)) {
-            deeds_.turn(next_);
+            undo();
         }
     }
 
@@ -38,17 +38,16 @@ private:
     std::shared_ptr<GroupChange> next_; ///< the reader's thread's
 };
 
-void GroupDeeds::turn(const std::shared_ptr<GroupChange>& change) {
-    // The reader may be at it when this is gone already.
-    reader_.run([this, places = places_, change](Desk&) {
+LibraryReader::Work GroupDeeds::turn(const std::shared_ptr<GroupChange>& change) {
+    return [this, places = places_, change](Desk&) {
         *change = changeGroup(places, *change);
         return [this] { changed_(); };
-    });
+    };
 }
 
 void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
                        const QString& text) {
-    reader_.run([this, places = places_, containers, make = std::move(make), text](Desk& desk) {
+    deeds_.work([this, places = places_, containers, make = std::move(make), text](Desk& desk) {
         std::vector<GroupMember> members;
         for (const std::int32_t id : containers) {
             if (const auto container = desk.library().container(ContainerId{id})) {

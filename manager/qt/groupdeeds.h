@@ -4,7 +4,6 @@
 
 #include "manager/cli/groupchange.h"
 #include "manager/qt/deeds.h"
-#include "manager/qt/libraryreader.h"
 
 #include <functional>
 #include <memory>
@@ -17,9 +16,8 @@ namespace manager {
 class GroupDeeds {
 public:
     /// `changed` is called after each change.
-    GroupDeeds(Places places, LibraryReader& reader, Deeds& deeds, std::function<void()> changed)
-        : places_(std::move(places)), reader_(reader), deeds_(deeds), changed_(std::move(changed)) {
-    }
+    GroupDeeds(Places places, Deeds& deeds, std::function<void()> changed)
+        : places_(std::move(places)), deeds_(deeds), changed_(std::move(changed)) {}
 
     /// Puts containers in; the group is made if need be.
     void add(const GroupTitle& title, const std::vector<std::int32_t>& containers);
@@ -35,10 +33,9 @@ private:
     /// Makes a change of the containers, which can be undone by the name of `text`.
     void begin(const std::vector<std::int32_t>& containers, Maker make, const QString& text);
     /// Makes a change, which becomes the one that takes it back.
-    void turn(const std::shared_ptr<GroupChange>& change);
+    [[nodiscard]] LibraryReader::Work turn(const std::shared_ptr<GroupChange>& change);
 
     Places places_;
-    LibraryReader& reader_;
     Deeds& deeds_;
     std::function<void()> changed_;
 };

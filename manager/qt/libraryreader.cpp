@@ -43,6 +43,14 @@ void LibraryReader::run(Work work) {
     wake_.notify_one();
 }
 
+void LibraryReader::finish() {
+    {
+        std::unique_lock lock(mutex_);
+        idle_.wait(lock, [this] { return waiting_.empty() && !isAtWork_; });
+    }
+    QCoreApplication::sendPostedEvents(this, QEvent::User);
+}
+
 void LibraryReader::setDrawing(std::vector<CommandFont> fonts) {
     const std::lock_guard lock(mutex_);
     drawing_ = std::move(fonts);
@@ -110,6 +118,7 @@ void LibraryReader::serve(Places places) {
             }
             work = std::move(waiting_.front());
             waiting_.pop_front();
+            isAtWork_ = true;
         }
         Taker taker;
         try {
@@ -122,6 +131,11 @@ void LibraryReader::serve(Places places) {
             done_.push_back(std::move(taker));
         }
         QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        {
+            const std::lock_guard lock(mutex_);
+            isAtWork_ = false;
+        }
+        idle_.notify_all();
     }
 }
 

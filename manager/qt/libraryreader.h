@@ -49,6 +49,8 @@ public:
     ~LibraryReader() override;
 
     void run(Work work);
+    /// Waits until all that was asked for is done and taken.
+    void finish();
     /// Has every reading from now on find what there is for these fonts.
     void setDrawing(std::vector<CommandFont> fonts);
     /// Reads all of the library. Asked for again before that begins, it is read once.
@@ -68,6 +70,8 @@ private:
     std::function<void(const QString&)> fail_;
     std::mutex mutex_;
     std::condition_variable wake_;
+    std::condition_variable idle_;
+    bool isAtWork_ = false;
     std::deque<Work> waiting_;
     std::deque<Taker> done_;
     std::vector<CommandFont> drawing_;

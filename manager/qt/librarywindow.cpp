@@ -27,19 +27,14 @@ QString text(const std::string& plain) {
 } // namespace
 
 LibraryWindow::LibraryWindow(const WindowOptions& options)
-    : places_(options.places), deeds_(options.program,
-                                      [this](const QStringList& problems) {
-                                          tell(problems);
-                                          read();
-                                      }),
-      reader_(options.places,
-              [this](const QString& problem) {
-                  tell({problem});
-                  if (view_ != nullptr) {
-                      sidebar_->show(*view_, groups_, folders_); // a name that was refused
-                  }
-              }),
-      groupDeeds_(options.places, reader_, deeds_, [this] {
+    : places_(options.places),
+      reader_(options.places, [this](const QString& problem) { tell({problem}); }),
+      deeds_(options.program, reader_,
+             [this](const QStringList& problems) {
+                 tell(problems);
+                 read(); // also what was refused, as it is
+             }),
+      groupDeeds_(options.places, deeds_, [this] {
           tell({});
           showGroups();
       }) {
@@ -90,6 +85,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
 }
 
 LibraryWindow::~LibraryWindow() {
+    deeds_.finish();
     delete takeCentralWidget(); // its views use the members
     if (changes_ >= 0) {
         notify_cancel(changes_);

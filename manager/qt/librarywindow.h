@@ -90,7 +90,9 @@ private:
     std::shared_ptr<const LibraryView> view_;
     Groups groups_;
     std::vector<std::string> folders_;
+    LibraryReader reader_; ///< it calls the window
     Deeds deeds_;
+    GroupDeeds groupDeeds_;
     Sidebar* sidebar_ = nullptr;
     QLineEdit* search_ = nullptr;
     FilterPanel* filters_ = nullptr;
@@ -111,8 +113,6 @@ private:
     int changes_ = -1; ///< the token of news; negative: none come
     QTimer news_;
     std::function<void()> whenShown_;
-    LibraryReader reader_;  ///< it calls the window
-    GroupDeeds groupDeeds_; ///< last: it uses the reader
 };
 
 } // namespace manager
