@@ -38,6 +38,10 @@ std::vector<std::string> fullNameKeys(std::string_view family, std::string_view 
     return keys;
 }
 
+Remark sameFamily() {
+    return {marked("same family")};
+}
+
 class Matching {
 public:
     Matching(const Wanted& wanted, std::span<const Known> known)
@@ -120,8 +124,11 @@ private:
     std::vector<Match> candidates(const Family& family) const {
         std::vector<Match> found;
         for (const Family::Near& near : family.nearest(asked_)) {
-            found.push_back({near.face, Ground::SameFamily, near.distance,
-                             "same family, " + near.style + " instead of " + asked_.text});
+            found.push_back(
+                {near.face,
+                 Ground::SameFamily,
+                 near.distance,
+                 {sameFamily(), Remark{marked("%1 instead of %2"), near.style, asked_.text}}});
         }
         addOtherSpellings(wanted_.family, asked_, found);
         const auto [name, style] = splitPostScriptName(wanted_.postScriptName);
@@ -146,13 +153,13 @@ private:
         }
         for (const Family::Near& near : family.nearest(asked)) {
             const std::string_view spelling = spellings[near.face];
-            std::string reason = "same family";
+            Remarks reason = {sameFamily()};
             if (postScriptKey(spelling) != postScriptKey(name)) {
-                reason = "family " + std::string(spelling);
-                reason.append(" instead of ").append(name);
+                reason = {
+                    {marked("family %1 instead of %2"), std::string(spelling), std::string(name)}};
             }
             if (nameKey(near.style) != asked.key) {
-                reason.append(", ").append(near.style).append(" instead of ").append(asked.text);
+                reason.push_back({marked("%1 instead of %2"), near.style, asked.text});
             }
             found.push_back({near.face, Ground::OtherSpelling, near.distance, std::move(reason)});
         }

@@ -5,6 +5,7 @@
 
 #include "faces/face.h"
 #include "faces/family.h"
+#include "faces/remark.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -63,7 +64,7 @@ struct Match {
     std::size_t face = 0; ///< its place in what was given
     Ground ground = Ground::Similar;
     double distance = 0; ///< of weight, width and slant; 0 when exact
-    std::string reason;  ///< for people: "same family, Bold instead of SemiBold"; empty when exact
+    Remarks reason;      ///< "same family, Bold instead of SemiBold"; empty when exact
 };
 
 /// The faces that are the one asked for, all on the best ground that any of them has; if there are

@@ -21,19 +21,19 @@ constexpr float mostOfScripts = 1.5;
 struct Told {
     std::size_t part;
     float least; ///< difference that is worth telling
-    std::string_view less;
-    std::string_view more;
+    const char* less;
+    const char* more;
 };
 // From here on the thickness of serifs is worth telling, in parts.
 constexpr float leastSerif = 1;
-constexpr std::array differences = {
-    Told{15, 1, "not monospaced", "monospaced"},
-    Told{14, 1, "upright", "slanted"},
-    Told{10, 1, "without serifs", "with serifs"},
-    Told{16, 1, "thinner serifs", "thicker serifs"},
-    Told{8, 1, "lighter", "bolder"},
-    Told{0, 3, "narrower", "wider"},
-    Told{1, 1.5, "smaller letters", "larger letters"},
+constexpr std::array tellable = {
+    Told{15, 1, marked("not monospaced"), marked("monospaced")},
+    Told{14, 1, marked("upright"), marked("slanted")},
+    Told{10, 1, marked("without serifs"), marked("with serifs")},
+    Told{16, 1, marked("thinner serifs"), marked("thicker serifs")},
+    Told{8, 1, marked("lighter"), marked("bolder")},
+    Told{0, 3, marked("narrower"), marked("wider")},
+    Told{1, 1.5, marked("smaller letters"), marked("larger letters")},
 };
 
 } // namespace
@@ -104,16 +104,16 @@ float distance(const Likeness& one, const Likeness& other) {
     return sum;
 }
 
-std::string differenceText(const Likeness& one, const Likeness& other) {
-    std::string text;
-    for (const auto& [part, least, less, more] : differences) {
+Remarks differences(const Likeness& one, const Likeness& other) {
+    Remarks remarks;
+    for (const auto& [part, least, less, more] : tellable) {
         const float difference = other.parts[part] - one.parts[part];
         const bool known = part != 16 || std::min(one.parts[10], other.parts[10]) >= leastSerif;
         if (known && std::abs(difference) >= least) {
-            text.append(text.empty() ? "" : ", ").append(difference < 0 ? less : more);
+            remarks.push_back({difference < 0 ? less : more});
         }
     }
-    return text;
+    return remarks;
 }
 
 std::vector<SimilarFace> similarFaces(const Likeness& wanted, std::span<const Likeness> faces,

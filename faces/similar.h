@@ -4,6 +4,7 @@
 #pragma once
 
 #include "faces/face.h"
+#include "faces/remark.h"
 
 #include <array>
 #include <cstddef>
@@ -34,7 +35,7 @@ struct Likeness {
 
 /// How a reader sees that `other` is not `one`, the most striking first: "lighter, narrower".
 /// Empty: hardly.
-[[nodiscard]] std::string differenceText(const Likeness& one, const Likeness& other);
+[[nodiscard]] Remarks differences(const Likeness& one, const Likeness& other);
 
 struct SimilarFace {
     std::size_t place = 0; ///< in what was searched

@@ -11,9 +11,10 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 texts="$work/texts.pot"
 
-extract() { # FOLDER [.ui FILE...]
-    local sources
-    mapfile -t sources < <(find "$1" -name '*.cpp' | sort)
+extract() { # 'FOLDER...' [.ui FILE...]
+    local folders sources
+    read -ra folders <<<"$1"
+    mapfile -t sources < <(find "${folders[@]}" -name '*.cpp' | sort)
     xgettext --from-code=UTF-8 --add-comments=TRANSLATORS --keyword --keyword=marked:1 --keyword=translated:1,1t \
         --keyword=translated:1,2,3t --output="$texts" "${sources[@]}"
     if [ $# -gt 1 ]; then
@@ -41,5 +42,5 @@ compare() { # ACTION CATALOGUE...
 
 extract host source/resources/*.ui
 compare "${1:-}" host/po/*.po
-extract manager
+extract 'manager faces'
 compare "${1:-}" manager/po/*.po

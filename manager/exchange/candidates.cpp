@@ -50,7 +50,7 @@ std::string lineOf(const Candidate& candidate, bool withVersion, bool withFoundr
     }
     text.append(" — ");
     if (!candidate.reason.empty()) {
-        text.append(candidate.reason).append("; ");
+        text.append(faces::lineOf(candidate.reason)).append("; ");
     }
     text.append(technology(face.type)).append(", ");
     if (withVersion && !face.version.empty()) {
@@ -111,7 +111,7 @@ Finding CandidateFinder::find(const CommandFont& font) {
 }
 
 bool CandidateFinder::addNear(Finding& finding, const CommandFont& font, FaceMatch face,
-                              const std::string& reason) {
+                              const faces::Remarks& reason) {
     constexpr std::size_t most = 5;
     if (finding.near.size() == most) {
         return false;

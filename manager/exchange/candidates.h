@@ -21,8 +21,8 @@ struct Candidate {
     FaceMatch face; ///< of several in the container the best
     Container container;
     bool active = false; ///< with this file, as the index has it; or shown by the desktop anyway
-    bool typeMatches = false; ///< of the wanted type; true when any will do
-    std::string reason = {};  ///< of one that only comes near: why it may do
+    bool typeMatches = false;   ///< of the wanted type; true when any will do
+    faces::Remarks reason = {}; ///< of one that only comes near: why it may do
 };
 
 /// What the library has for a font that is asked for, one candidate a container.
@@ -57,7 +57,7 @@ public:
     /// Adds one that only comes near, unless its container or its file is there already. False:
     /// there are enough.
     bool addNear(Finding& finding, const CommandFont& font, FaceMatch face,
-                 const std::string& reason);
+                 const faces::Remarks& reason);
 
     /// The faces that the desktop shows already, by the PostScript name that is asked for and by
     /// those of the candidates. Those in the sets of the candidates are left out: whether they are

@@ -100,8 +100,9 @@ AllAlike searchAlike(Library& library, const FaceDetails& model, const FaceQuery
             continue;
         }
         if (alike.total++ >= query.offset && alike.faces.size() < query.limit) {
-            alike.faces.push_back({*library.match(id), distance,
-                                   faces::differenceText(*look, all.likenesses[place])});
+            alike.faces.push_back(
+                {*library.match(id), distance,
+                 faces::lineOf(faces::differences(*look, all.likenesses[place]))});
         }
     }
     return alike;

@@ -58,11 +58,12 @@ std::optional<faces::Likeness> StandIns::addAlias(Library& library, CandidateFin
             continue;
         }
         FaceMatch& face = faces[matches.front().face];
-        std::string reason = "the desktop's replacement for " + wanted.family;
+        faces::Remarks reason = {
+            {faces::marked("the desktop's replacement for %1"), wanted.family}};
         if (!faces::isExact(matches.front().ground)) {
-            reason.append(", ").append(face.styleName).append(" instead of ");
-            finder.addNear(absent.finding, absent.font, std::move(face),
-                           reason + faces::AskedStyle(wanted.style).text);
+            reason.push_back({faces::marked("%1 instead of %2"), face.styleName,
+                              faces::AskedStyle(wanted.style).text});
+            finder.addNear(absent.finding, absent.font, std::move(face), reason);
             return std::nullopt;
         }
         const ComparableFaces& all = facesOf(library);
@@ -86,17 +87,15 @@ void StandIns::addSimilar(Library& library, CandidateFinder& finder, const Absen
         families.insert(faces::nameKey(near.face.familyName));
     }
     const faces::Wanted wanted = wantedOf(absent.font);
-    const std::string reason =
-        "similar to " + (wanted.family.empty() ? wanted.postScriptName : wanted.family);
+    const std::string& name = wanted.family.empty() ? wanted.postScriptName : wanted.family;
     for (const auto& [place, distance] : faces::similarFaces(look, all.likenesses, most)) {
         auto face = distance < farthest ? library.match(all.ids[place]) : std::nullopt;
         if (!face || !families.insert(faces::nameKey(face->familyName)).second) {
             continue;
         }
-        const std::string differences = faces::differenceText(look, all.likenesses[place]);
-        std::string line = reason;
-        line.append(differences.empty() ? "" : ": ").append(differences);
-        if (!finder.addNear(absent.finding, absent.font, std::move(*face), line)) {
+        faces::Remarks reason = faces::differences(look, all.likenesses[place]);
+        reason.insert(reason.begin(), {faces::marked("similar to %1"), name, {}, true});
+        if (!finder.addNear(absent.finding, absent.font, std::move(*face), reason)) {
             return;
         }
     }

@@ -141,7 +141,8 @@ ListRow FaceModel::faceRow(std::size_t place) const {
     if (isDrawing()) {
         const AskedFont::Choice& choice = listing_.choice(place);
         row.title = text(view.table.families()[listed.family].name) + ' ' + row.title;
-        row.detail = text(choice.isExact ? translated("the font asked for") : choice.reason);
+        row.detail = text(choice.isExact ? translated("the font asked for")
+                                         : faces::lineOf(choice.reason, translated));
         row.isChoice = true;
     }
     row.same = view.states.of(face);

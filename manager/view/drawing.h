@@ -2,6 +2,7 @@
 // The fonts that a plug-in has asked to be shown, with what may be used for each.
 #pragma once
 
+#include "faces/remark.h"
 #include "manager/activation/activation.h"
 #include "manager/exchange/commandtext.h"
 #include "manager/library/library.h"
@@ -16,8 +17,8 @@ namespace manager {
 struct AskedFont {
     struct Choice {
         FaceId face{};
-        bool isExact = false; ///< it is the font asked for
-        std::string reason;   ///< why it may do, when it is not
+        bool isExact = false;  ///< it is the font asked for
+        faces::Remarks reason; ///< why it may do, when it is not
     };
     std::string name;            ///< as the drawing has it
     bool isShown = false;        ///< the desktop shows it, though not by a face of the library

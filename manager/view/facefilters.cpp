@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/view/facefilters.h"
 
+#include "faces/remark.h"
 #include "manager/view/texts.h"
 
 #include <algorithm>
@@ -10,10 +11,7 @@ namespace manager {
 
 namespace {
 
-/// Only marks a text for translation, which comes later.
-constexpr const char* marked(const char* text) {
-    return text;
-}
+using faces::marked;
 
 struct Kind {
     FilterForm form;

@@ -75,13 +75,13 @@ TEST(SimilarFaces, ComeInTheOrderOfTheirDistance) {
     EXPECT_LT(found[0].distance, found[1].distance);
     EXPECT_EQ(similarFaces(all[0], all, 9).size(), all.size());
     EXPECT_EQ(distance(all[0], all[0]), 0);
-    EXPECT_EQ(differenceText(all[3], all[0]), "with serifs");
-    EXPECT_EQ(differenceText(all[1], all[3]), "lighter, narrower");
-    EXPECT_EQ(differenceText(all[2], all[3]), "not monospaced, narrower");
+    EXPECT_EQ(lineOf(differences(all[3], all[0])), "with serifs");
+    EXPECT_EQ(lineOf(differences(all[1], all[3])), "lighter, narrower");
+    EXPECT_EQ(lineOf(differences(all[2], all[3])), "not monospaced, narrower");
 
     Face slab = installed("DejaVuSerif");
     slab.measures->serifThickness = slab.measures->stem;
-    EXPECT_EQ(differenceText(all[0], likenessOf(slab).value()), "thicker serifs");
+    EXPECT_EQ(lineOf(differences(all[0], likenessOf(slab).value())), "thicker serifs");
     EXPECT_GT(distance(all[0], likenessOf(slab).value()), 1);
 
     const Coverage& coverage = wanted.coverage;

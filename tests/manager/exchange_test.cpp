@@ -209,7 +209,8 @@ TEST(TheLookUp, FindsWhatTheTableOfMatchingSays) {
         const Finding finding = CandidateFinder(library, activation).find(font);
         EXPECT_EQ(finding.exact.empty() ? "" : finding.exact.front().face.postScriptName, c.exact)
             << c.what;
-        EXPECT_EQ(finding.near.empty() ? "" : finding.near.front().reason, c.near) << c.what;
+        EXPECT_EQ(finding.near.empty() ? "" : faces::lineOf(finding.near.front().reason), c.near)
+            << c.what;
     }
 }
 
