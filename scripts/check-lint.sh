@@ -8,7 +8,8 @@ set -euo pipefail
 cd "$root"
 
 need_packages build test gates
-build release
+made=("${@/#/$root/}") # of named files only what is made of them
+build release "${made[@]/%/^}"
 database=build/release/compile_commands.json
 if [ $# -gt 0 ]; then
     sources=("$@")
