@@ -66,13 +66,21 @@ fi
 mkdir -p "$library/clients/mueller-soehne"
 cp -u "$root"/samples/fonts/*.ttf "$library/clients/mueller-soehne/"
 
+if $window; then
+    place fonts-inter-variable "$sandbox/more" 'Inter.var.ttf'
+    place fonts-firacode "$sandbox/more" '*.ttf'
+    place fonts-jetbrains-mono "$sandbox/more" '*.ttf'
+fi
+
 escape() { printf '%s' "$1" | sed 's/&/\&amp;/g; s/</\&lt;/g'; }
 
 # The sample sees the sandbox's fonts alone (so not the folder "xdg", which means the machine's data
 # folders too); other documents also see the machine's and the user's
 # fonts, read only.
 system_fonts='' sample=false
-if [ ${#documents[@]} -gt 0 ]; then
+if $window; then
+    :
+elif [ ${#documents[@]} -gt 0 ]; then
     for folder in /usr/share/fonts /usr/local/share/fonts "${XDG_DATA_HOME:-$HOME/.local/share}/fonts" "$HOME/.fonts"; do
         system_fonts+="<dir>$(escape "$folder")</dir>"
     done
@@ -140,8 +148,31 @@ trap 'exit 143' TERM
 read -r DBUS_SESSION_BUS_ADDRESS <&"$bus" || fail 'the message bus did not start'
 export DBUS_SESSION_BUS_ADDRESS
 
-$keep || glyphora deactivate --all >/dev/null
-glyphora add "$library" >/dev/null
+# What a command says is of interest when it fails.
+quietly() {
+    local said
+    said=$("$@" 2>&1) || fail "$said"
+}
+$keep || quietly glyphora deactivate --all
+quietly glyphora add "$library"
+
+if $window; then
+    quietly glyphora add "$sandbox/more"
+    quietly glyphora activate 'EB Garamond' 'Fira Code'
+    quietly glyphora activate --for 2h 'Quattrocento'
+    quietly glyphora collection add 'Harbour Festival' 'EB Garamond' 'Lobster Two' 'Comfortaa'
+    quietly glyphora tag add 'code' 'Fira Code' 'JetBrains Mono'
+    if [ -n "$locale" ]; then
+        unset LC_ALL LC_MESSAGES
+        export LANG="$locale.UTF-8"
+    fi
+    options=()
+    $screen || options+=(--pictures "$sandbox/pictures/library")
+    setpriv --pdeathsig TERM glyphora show "${options[@]}" &
+    status=0
+    wait $! || status=$?
+    exit $status
+fi
 
 earlier=$(glyphora history --all | wc -l)
 options=() status=0

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The module's entry: the toolkit, its language, and pictures instead of a screen.
+// The module's entry: the toolkit and its language.
 #include "manager/qt/guests.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/pictures.h"
 
 #include "manager/cli/arguments.h"
 #include "manager/cli/report.h"
@@ -11,8 +12,6 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLibraryInfo>
-#include <QPixmap>
-#include <QToolButton>
 #include <QTranslator>
 
 #include <array>
@@ -29,107 +28,6 @@ void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
         warn(text.toStdString());
     }
 }
-
-QPalette darkPalette() {
-    QPalette palette;
-    const QColor window(0x2b, 0x2b, 0x2e);
-    const QColor base(0x1f, 0x1f, 0x22);
-    const QColor light(0xee, 0xee, 0xee);
-    palette.setColor(QPalette::Window, window);
-    palette.setColor(QPalette::WindowText, light);
-    palette.setColor(QPalette::Base, base);
-    palette.setColor(QPalette::AlternateBase, window);
-    palette.setColor(QPalette::Text, light);
-    palette.setColor(QPalette::PlaceholderText, QColor(0xa6, 0xa6, 0xa6));
-    palette.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
-    palette.setColor(QPalette::ButtonText, light);
-    palette.setColor(QPalette::ToolTipBase, window);
-    palette.setColor(QPalette::ToolTipText, light);
-    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, QColor(0x8a, 0x8a, 0x8a));
-    }
-    return palette;
-}
-
-/// Every view, in light and dark.
-class Pictures {
-public:
-    Pictures(LibraryWindow& window, std::filesystem::path folder)
-        : window_(window), folder_(std::move(folder)) {}
-
-    [[nodiscard]] int take() {
-        makeFolders(folder_.string());
-        const SidebarPlace begin = window_.sidebar().place();
-        const QPalette light = QApplication::palette();
-        for (const bool dark : {false, true}) {
-            QApplication::setPalette(dark ? darkPalette() : light);
-            const std::string end = dark ? "-dark.png" : ".png";
-            window_.searchField().clear();
-            if (window_.sidebar().place().kind == SidebarPlace::Kind::Drawing) {
-                save("drawing" + end);
-                window_.list().setCurrentIndex(window_.model().index(0, 0));
-                save("drawing-font" + end);
-                window_.sidebar().choose({});
-            }
-            const QModelIndex first = window_.model().index(0, 0);
-            window_.list().setCurrentIndex(first);
-            window_.list().setExpanded(first, true);
-            save("library" + end);
-            window_.pane().views().setCurrentWidget(&window_.pane().characters());
-            window_.finishReading();
-            save("characters" + end);
-            window_.pane().views().setCurrentIndex(0);
-            window_.pane().lookButton().setChecked(true);
-            window_.finishReading();
-            save("look" + end);
-            window_.pane().lookButton().setChecked(false);
-            window_.list().selectAll();
-            save("compare" + end);
-            window_.list().setCurrentIndex(first);
-            if (!window_.groups().empty()) {
-                const Group& group = window_.groups().front();
-                window_.sidebar().choose(
-                    {SidebarPlace::Kind::Group, {}, GroupTitle{group.kind, group.name}.text()});
-                save("collection" + end);
-                window_.sidebar().choose({});
-            }
-            window_.sidebar().choose({.kind = SidebarPlace::Kind::Copies});
-            save("duplicates" + end);
-            window_.sidebar().choose({});
-            window_.filters().set(FilterKind::Weight, "5");
-            window_.filters().set(FilterKind::Script, "Latn");
-            window_.filters().button().setChecked(true);
-            window_.finishReading();
-            save("filters" + end);
-            window_.filters().clear();
-            window_.filters().button().setChecked(false);
-            window_.searchField().setText(QStringLiteral("no such font"));
-            save("nothing" + end);
-            window_.sidebar().choose(begin);
-        }
-        return failed_ ? exitFailure : exitSuccess;
-    }
-
-private:
-    void save(const std::string& name) {
-        QApplication::processEvents();
-        QPixmap picture = window_.grab();
-        while (window_.finishLines()) {
-            picture = window_.grab();
-        }
-        const std::string path = (folder_ / name).string();
-        if (!picture.save(QString::fromStdString(path), "PNG")) {
-            warn(path + ": cannot be written");
-            failed_ = true;
-        }
-    }
-
-    LibraryWindow& window_;
-    std::filesystem::path folder_;
-    bool failed_ = false;
-};
 
 } // namespace
 
@@ -166,7 +64,7 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
     int status = exitSuccess;
     if (!options.pictures.empty()) {
         window.whenShown([&] {
-            status = Pictures(window, options.pictures).take();
+            status = takePictures(window, options.pictures) ? exitSuccess : exitFailure;
             QApplication::quit();
         });
     }
