@@ -10,9 +10,11 @@
 #include "manager/cli/containernames.h"
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/progress.h"
 #include "manager/cli/report.h"
 #include "manager/cli/settling.h"
 #include "manager/cli/tally.h"
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 
@@ -116,6 +118,34 @@ bool isAnyPostponed(std::span<const ActivationOutcome> outcomes) {
                        [](const ActivationOutcome& outcome) { return outcome.postponed; });
 }
 
+// As many as are done in about half a second: in between it can be cancelled. Each batch has a
+// price, which is higher for taking away: all processes are looked at.
+constexpr std::size_t activatedAtOnce = 500;
+constexpr std::size_t deactivatedAtOnce = 2500;
+
+/// The outcomes of the first ones; of all, unless it is cancelled or fails in the midst, which is
+/// told.
+template <class Item, class Deed>
+std::vector<ActivationOutcome> doInBatches(const std::vector<Item>& items, std::size_t batch,
+                                           Work work, Tally& tally, const Deed& deed) {
+    std::vector<ActivationOutcome> outcomes;
+    try {
+        while (outcomes.size() < items.size()) {
+            checkCancelled();
+            tellProgress(work, outcomes.size(), items.size());
+            const auto rest = std::span(items).subspan(outcomes.size());
+            auto done = deed(rest.first(std::min(batch, rest.size())));
+            std::move(done.begin(), done.end(), std::back_inserter(outcomes));
+        }
+    } catch (const Cancelled&) {
+        tally.fail("cancelled: " + std::to_string(outcomes.size()) + " of " +
+                   counted(items.size(), "container") + " were dealt with");
+    } catch (const Error& error) {
+        tally.fail(error.what());
+    }
+    return outcomes;
+}
+
 // Lets others know, now and in a second.
 void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
                 std::span<const ActivationOutcome> outcomes) {
@@ -133,6 +163,7 @@ void tellOthers(const Activation& activation, std::span<const ContainerId> ids,
 
 int activateCommand(const Places& places, const std::vector<std::string>& names,
                     const Reason& reason, bool json) {
+    const CancelBySignals cancel;
     Tally tally(json, "activated");
     Activation activation(places);
     ContainerNames finder(
@@ -141,6 +172,7 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
     std::vector<ContainerId> ids;
     std::vector<Told> told;
     for (const Container& container : finder.find(names)) {
+        checkCancelled();
         const bool active = activation.isActive(container);
         if (container.away && !active) {
             tally.fail(called(container) + ": its folder is away");
@@ -155,7 +187,8 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
         ids.push_back(container.id);
         told.push_back({"activated " + called(container), toJson(container)});
     }
-    const auto outcomes = activation.activate(fonts);
+    const auto outcomes = doInBatches(fonts, activatedAtOnce, Work::Activate, tally,
+                                      [&](auto batch) { return activation.activate(batch); });
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
     if ((reason != Reason::byHand() && !tally.isEmpty()) || isAnyPostponed(outcomes)) {
@@ -166,6 +199,7 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
 
 int deactivateCommand(const Places& places, const std::vector<std::string>& names, bool all,
                       bool json) {
+    const CancelBySignals cancel;
     Tally tally(json, "deactivated");
     Activation activation(places);
     ContainerNames finder(
@@ -189,7 +223,8 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
         told.push_back({"deactivated " + name + " (container " + toText(id) + ")",
                         {{"id", static_cast<std::int32_t>(id)}, {"name", name}}});
     }
-    auto outcomes = activation.deactivate(ids);
+    auto outcomes = doInBatches(ids, deactivatedAtOnce, Work::Deactivate, tally,
+                                [&](auto batch) { return activation.deactivate(batch); });
     excuseThoseThatLeft(activation, active, ids, outcomes);
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);

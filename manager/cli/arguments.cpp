@@ -9,6 +9,7 @@
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/options.h"
+#include "manager/cli/progress.h"
 #include "manager/cli/report.h"
 #include "manager/cli/searchops.h"
 #include "manager/cli/searchoptions.h"
@@ -52,6 +53,7 @@ struct Options {
     bool problems = false;
     bool all = false;
     bool quiet = false;
+    bool progress = false;
     bool verbose = false;
 
     [[nodiscard]] Reason reason() const {
@@ -94,6 +96,11 @@ public:
             }
             return exitUsage;
         }
+        if (options_.progress) {
+            setProgress(ProgressForm::Lines);
+        } else if (!options_.quiet && !options_.json && isatty(STDERR_FILENO) != 0) {
+            setProgress(ProgressForm::Terminal);
+        }
         try {
             return action_(Places::fromEnvironment());
         } catch (const std::exception& error) {
@@ -117,17 +124,23 @@ private:
         command->add_flag("--json", options_.json, "Print it as JSON");
         return command;
     }
+    CLI::App* withProgress(CLI::App* command) {
+        command->add_flag("--progress", options_.progress,
+                          "Tell how far it is, as lines of JSON on standard error");
+        return command;
+    }
     CLI::Option* addNames(CLI::App& command, const char* name, const char* help) {
         return addTexts(command, name, help, options_.names);
     }
 
     void addLibraryCommands() {
         group_ = "Library";
-        addNames(*command("add", "Record folders, or copy single font files, and scan them",
-                          [this](const Places& places) {
-                              return addCommand(places, options_.names, options_.json);
-                          }),
-                 "path", "A folder of font files, or a font file")
+        const auto add = [this](const Places& places) {
+            return addCommand(places, options_.names, options_.json);
+        };
+        addNames(*withProgress(command(
+                     "add", "Record folders, or copy font files or archives, and scan them", add)),
+                 "path", "A folder of font files, a font file, or an archive of them")
             ->required();
         addNames(*command("remove", "Forget recorded folders",
                           [this](const Places& places) {
@@ -135,10 +148,10 @@ private:
                           }),
                  "folder", "A folder of font files")
             ->required();
-        command("scan", "Look for new, changed and removed font files",
-                [this](const Places& places) {
-                    return scanCommand(places, options_.quiet, options_.json);
-                })
+        withProgress(command("scan", "Look for new, changed and removed font files",
+                             [this](const Places& places) {
+                                 return scanCommand(places, options_.quiet, options_.json);
+                             }))
             ->add_flag("--quiet", options_.quiet, "Print new problems alone");
         addSearch();
         addNames(*command("info", "Tell everything about faces",
@@ -173,6 +186,7 @@ private:
             command("collect", "Copy fonts to a new folder", [this](const Places& places) {
                 return collectCommand(places, options_.names, options_.to, options_.json);
             });
+        withProgress(collect);
         addText(*collect, "--to", "FOLDER", "The folder to make", options_.to)->required();
         addNames(*collect, "container", nameHelp)->required();
         CLI::App* list = command("list", "List the recorded folders", [this](const Places& places) {
@@ -220,7 +234,7 @@ private:
             "activate", "Make containers visible to the desktop", [this](const Places& places) {
                 return activateCommand(places, options_.names, options_.reason(), options_.json);
             });
-        addNames(*activate, "container", nameHelp)->required();
+        addNames(*withProgress(activate), "container", nameHelp)->required();
         auto* time =
             addOption(*activate, "--for", "TIME", "For a time: 90s, 30min, 2h, 7d", Times::Once,
                       [this](const std::string& text) { options_.time = toTime(text); });
@@ -231,7 +245,7 @@ private:
                 return deactivateCommand(places, options_.names, options_.all, options_.json);
             });
         deactivate->add_flag("--all", options_.all, "Everything that is active");
-        addNames(*deactivate, "container", nameHelp);
+        addNames(*withProgress(deactivate), "container", nameHelp);
         deactivate->parse_complete_callback([this] {
             if (options_.all != options_.names.empty()) {
                 throw CLI::ValidationError("name containers, or give --all");

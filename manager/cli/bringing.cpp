@@ -5,6 +5,8 @@
 #include "manager/activation/filesteps.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/report.h"
+#include "manager/cli/unpacking.h"
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 #include "manager/library/fontreader.h"
@@ -12,9 +14,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
+#include <unordered_map>
 #include <variant>
 
 namespace manager {
@@ -22,6 +28,9 @@ namespace manager {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Another that brings archives is waited for as long as it may take.
+constexpr std::chrono::minutes longestBringing{10};
 
 bool haveEqualBytes(const std::string& a, const std::string& b) {
     std::error_code noSize;
@@ -34,6 +43,43 @@ bool haveEqualBytes(const std::string& a, const std::string& b) {
     return one && other && std::equal(Bytes(one), Bytes(), Bytes(other), Bytes());
 }
 
+std::vector<FontFileOutcome> readAll(const std::vector<std::string>& files) {
+    std::vector<FontFileOutcome> outcomes(files.size());
+    readFontFiles(files, {}, [&](std::size_t position, FontFileOutcome outcome) {
+        outcomes[position] = std::move(outcome);
+    });
+    return outcomes;
+}
+
+/// A folder for what is not whole yet, hidden from scans. One that was ended in the midst leaves it
+/// for the next to replace.
+class HiddenFolder {
+public:
+    explicit HiddenFolder(const std::string& parent) : path_(joinPath(parent, ".unpacking")) {
+        removeTree(path_);
+        makeFolders(files());
+        makeFolders(whole());
+    }
+    HiddenFolder(const HiddenFolder&) = delete;
+    HiddenFolder& operator=(const HiddenFolder&) = delete;
+    ~HiddenFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    [[nodiscard]] std::string files() const { return path_ + "/files"; }
+    [[nodiscard]] std::string whole() const { return path_ + "/whole"; }
+    /// Syncs all that was written, which for many files is faster than each by itself.
+    void sync() const {
+        const sys::Descriptor folder(open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!folder || syncfs(folder.get()) != 0) {
+            throw systemError(path_, "cannot be synced", errno);
+        }
+    }
+
+private:
+    std::string path_;
+};
+
 class Bringing {
 public:
     Bringing(const Places& places, Tally& tally)
@@ -44,18 +90,59 @@ public:
             tally_.fail(problem->text);
             return;
         }
-        try {
-            const std::string twin = twinOf(file, std::get<ReadFont>(outcome).contents);
-            if (twin.empty()) {
-                copy(file);
-            } else {
-                tally_.remark(file + ": is in the library already, as " + twin);
-            }
-        } catch (const Error& error) {
-            tally_.fail(error.what());
+        const auto& font = std::get<ReadFont>(outcome);
+        const std::string twin = twinOf(file, font, fs::path(file).filename().string());
+        if (twin.empty()) {
+            copy(file, font);
+        } else {
+            tally_.remark(file + ": is in the library already, as " + twin);
         }
     }
-    [[nodiscard]] bool isAnyTaken() const { return !copies_.empty(); }
+
+    void takeArchive(const std::string& archive) {
+        const std::string name = folderNameOf(fs::absolute(archive).string());
+        const HiddenFolder hidden(places_.singleFonts());
+        Unpacking unpacking(archive, tally_);
+        std::vector<UnpackedFile> files = unpacking.unpack(hidden.files());
+        std::vector<std::pair<std::string, const ReadFont*>> taken;
+        const auto [fonts, outcomes] = readFonts(files);
+        std::size_t known = 0;
+        std::size_t position = 0;
+        std::string twin;
+        std::erase_if(files, [&](const UnpackedFile& file) {
+            if (file.place.kind != EntryKind::Font) {
+                return false;
+            }
+            const FontFileOutcome& outcome = outcomes[position++];
+            if (const auto* const problem = std::get_if<FontFileProblem>(&outcome)) {
+                tally_.fail(archive + ": " + file.entry + problem->text.substr(file.path.size()));
+                return true;
+            }
+            const auto& font = std::get<ReadFont>(outcome);
+            const std::string copy = twinOf(file.path, font, joinPath(name, file.place.path));
+            if (!copy.empty()) {
+                ++known;
+                twin = copy;
+                return true;
+            }
+            taken.emplace_back(file.place.path, &font);
+            return false;
+        });
+        if (taken.empty()) {
+            tellNothing(archive, fonts.size(), known, twin);
+        } else {
+            const std::size_t count = unpacking.putInPlace(files, hidden.whole());
+            hidden.sync();
+            const std::string target = takeName(hidden.whole(), name);
+            for (const auto& [place, font] : taken) {
+                remember(joinPath(target, place), *font);
+            }
+            tellTaken(archive, target, count, fonts.size(), known);
+        }
+        unpacking.finish();
+    }
+
+    [[nodiscard]] bool isAnyTaken() const { return isAnyTaken_; }
 
 private:
     static std::unique_ptr<Library> open(const Places& places) {
@@ -63,21 +150,66 @@ private:
             places, [&] { return containersOnDisk(places); }, warn);
     }
 
-    /// The library's file that is this one or has its bytes.
-    std::string twinOf(const std::string& file, const faces::FontFileContents& contents) {
+    static std::pair<std::vector<std::string>, std::vector<FontFileOutcome>>
+    readFonts(const std::vector<UnpackedFile>& files) {
+        std::vector<std::string> fonts;
+        for (const UnpackedFile& file : files) {
+            if (file.place.kind == EntryKind::Font) {
+                fonts.push_back(file.path);
+            }
+        }
+        auto outcomes = readAll(fonts);
+        return {std::move(fonts), std::move(outcomes)};
+    }
+
+    void tellNothing(const std::string& archive, std::size_t fonts, std::size_t known,
+                     const std::string& twin) {
+        if (known != 0) {
+            tally_.remark(archive + ": " +
+                          (known == 1 ? "its font is" : "its " + counted(known, "font") + " are") +
+                          " in the library already, as " + twin);
+        } else if (fonts == 0) {
+            tally_.fail(archive + ": there is no font file in it");
+        }
+    }
+
+    void tellTaken(const std::string& archive, const std::string& target, std::size_t taken,
+                   std::size_t fonts, std::size_t known) {
+        if (known != 0) {
+            tally_.remark(archive + ": " + std::to_string(known) + " of its " +
+                          counted(fonts, "font") + " are in the library already");
+        }
+        tally_.add("added " + archive + " as " + target + ", " + counted(taken, "font file"),
+                   {{"path", target}, {"source", archive}, {"files", taken}});
+    }
+
+    /// Fonts that differ in it differ.
+    using Likeness = std::uint64_t;
+
+    void remember(std::string path, const ReadFont& font) {
+        copies_.emplace(font.digest, std::move(path));
+    }
+
+    /// The library's file that is this one or has its bytes. `place`: where it would lie.
+    std::string twinOf(const std::string& file, const ReadFont& font, const std::string& place) {
         std::error_code ignored;
         std::string path = fs::canonical(file, ignored).string();
-        if (std::any_of(folders_.begin(), folders_.end(),
-                        [&](const auto& folder) { return liesUnder(path, folder); })) {
+        const bool isOurs = liesUnder(path, places_.singleFonts() + "/.unpacking");
+        if (!isOurs && std::any_of(folders_.begin(), folders_.end(),
+                                   [&](const auto& folder) { return liesUnder(path, folder); })) {
             return path;
         }
-        const auto copy = std::find_if(copies_.begin(), copies_.end(), [&](const auto& taken) {
-            return haveEqualBytes(taken, file);
-        });
-        if (copy != copies_.end()) {
-            return *copy;
+        const auto [begin, end] = copies_.equal_range(font.digest);
+        const auto copy = std::find_if(
+            begin, end, [&](const auto& taken) { return haveEqualBytes(taken.second, file); });
+        if (copy != end) {
+            return copy->second;
         }
-        for (const faces::Face& face : contents.faces) {
+        // What was brought before and has not been scanned yet.
+        if (path = joinPath(places_.singleFonts(), place); haveEqualBytes(path, file)) {
+            return path;
+        }
+        for (const faces::Face& face : font.contents.faces) {
             for (const FaceMatch& match : library_->findByPostScriptName(face.postScriptName)) {
                 std::string known = joinPath(match.folder, match.fileName);
                 if (haveEqualBytes(known, file)) {
@@ -88,53 +220,83 @@ private:
         return {};
     }
 
-    void copy(const std::string& file) {
+    /// Moves what is whole to a name in the folder that is free; returns its path.
+    std::string takeName(const std::string& hidden, const fs::path& name) {
         const std::string folder = places_.singleFonts();
-        // One that was ended in the midst leaves it hidden, for the next to replace.
-        const std::string hidden = joinPath(folder, ".incoming");
-        cloneOrCopy(file, hidden);
-        syncFile(hidden);
-        const fs::path name = fs::path(file).filename();
         fs::path target = fs::path(folder) / name;
         for (int number = 2; !renameToFree(hidden, target.string()); ++number) {
             if (const int code = errno; code != EEXIST && !exists(target.string())) {
                 throw systemError(target.string(), "cannot be given its name", code);
             }
-            target = fs::path(folder) / (name.stem().string() + " (" + std::to_string(number) +
-                                         ")" + name.extension().string());
+            const bool isFile = !isFolder(hidden);
+            const std::string stem = isFile ? name.stem().string() : name.string();
+            target = fs::path(folder) / (stem + " (" + std::to_string(number) + ")" +
+                                         (isFile ? name.extension().string() : ""));
         }
-        copies_.push_back(target.string());
-        tally_.add("added " + file + " as " + target.string(),
-                   {{"path", target.string()}, {"source", file}});
+        isAnyTaken_ = true;
+        return target.string();
+    }
+
+    void copy(const std::string& file, const ReadFont& font) {
+        // One that was ended in the midst leaves it hidden, for the next to replace.
+        const std::string hidden = joinPath(places_.singleFonts(), ".incoming");
+        cloneOrCopy(file, hidden);
+        syncFile(hidden);
+        const std::string target = takeName(hidden, fs::path(file).filename());
+        remember(target, font);
+        tally_.add("added " + file + " as " + target, {{"path", target}, {"source", file}});
     }
 
     const Places& places_;
     Tally& tally_;
     std::unique_ptr<Library> library_;
     std::vector<std::string> folders_;
-    std::vector<std::string> copies_;
+    std::unordered_multimap<Likeness, std::string> copies_;
+    bool isAnyTaken_ = false;
 };
+
+// What is wrong with one costs only that one.
+template <class Deed>
+void attempt(Tally& tally, const Deed& deed) {
+    checkCancelled();
+    try {
+        deed();
+    } catch (const Cancelled&) {
+        throw;
+    } catch (const Error& error) {
+        tally.fail(error.what());
+    }
+}
 
 } // namespace
 
 bool bringFiles(const Places& places, const std::vector<std::string>& files, Tally& tally) {
     std::vector<std::string> fonts;
+    std::vector<std::string> archives;
     for (const std::string& file : files) {
         if (faces::hasFontFileName(file)) {
             fonts.push_back(file);
+        } else if (hasArchiveName(file)) {
+            archives.push_back(file);
         } else {
-            tally.fail(file + ": cannot be added: neither a folder nor a font file by its name");
+            tally.fail(
+                file +
+                ": cannot be added: neither a folder nor a font file nor an archive by its name");
         }
     }
-    std::vector<FontFileOutcome> outcomes(fonts.size());
-    readFontFiles(fonts, {}, [&](std::size_t position, FontFileOutcome outcome) {
-        outcomes[position] = std::move(outcome);
-    });
     makeFolders(places.singleFonts());
-    const FileLock lock(places.singleFonts() + ".lock");
+    const FileLock lock(places.singleFonts() + ".lock", longestBringing);
     Bringing bringing(places, tally);
-    for (std::size_t i = 0; i < fonts.size(); ++i) {
-        bringing.take(fonts[i], outcomes[i]);
+    try {
+        const auto outcomes = readAll(fonts);
+        for (std::size_t i = 0; i < fonts.size(); ++i) {
+            attempt(tally, [&] { bringing.take(fonts[i], outcomes[i]); });
+        }
+        for (const std::string& archive : archives) {
+            attempt(tally, [&] { bringing.takeArchive(archive); });
+        }
+    } catch (const Cancelled&) {
+        tally.fail("cancelled: of the files only what was told of was added");
     }
     if (!bringing.isAnyTaken()) {
         return false;

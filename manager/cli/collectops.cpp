@@ -7,8 +7,10 @@
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/progress.h"
 #include "manager/cli/searchops.h"
 #include "manager/cli/tally.h"
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "system/cuttext.h"
 
@@ -108,6 +110,7 @@ public:
         }
         const auto faces = library_.faces(container.id);
         for (const LibraryFile& file : library_.files(container.id)) {
+            checkCancelled();
             const std::string name = nameOf(file.path);
             std::error_code code;
             if (!fs::copy_file(file.path, own / name, code)) {
@@ -167,6 +170,7 @@ private:
 
 int collectCommand(const Places& places, const std::vector<std::string>& names,
                    const std::string& to, bool json) {
+    const CancelBySignals cancel;
     Tally tally(json, "collected");
     try {
         NewFolder folder(to);
@@ -175,12 +179,16 @@ int collectCommand(const Places& places, const std::vector<std::string>& names,
             places, activation, [&] { return openScanned(places); }, tally);
         const auto containers = finder.find(names);
         Collecting collecting(finder.library(), folder.path(), tally);
-        std::for_each(containers.begin(), containers.end(),
-                      [&](const Container& container) { collecting.add(container); });
+        for (std::size_t done = 0; done < containers.size(); ++done) {
+            tellProgress(Work::Copy, done, containers.size());
+            collecting.add(containers[done]);
+        }
         if (!collecting.isEmpty()) {
             collecting.writeList();
             folder.giveName();
         }
+    } catch (const Cancelled&) {
+        throw Cancelled(to + ": not made, as it was cancelled");
     } catch (const fs::filesystem_error& error) {
         throw systemError(to, "cannot be written", error.code().value());
     }

@@ -7,7 +7,9 @@
 #include "manager/cli/bringing.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/onewindow.h"
+#include "manager/cli/progress.h"
 #include "manager/cli/tally.h"
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 #include "manager/view/texts.h"
@@ -18,6 +20,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <thread>
 #include <unistd.h>
@@ -35,21 +38,20 @@ FontReaderLimits readerLimits() {
     return limits;
 }
 
-UpdateReport scanOnce(const Places& places, bool showProgress, bool changedAlready) {
+UpdateReport scanOnce(const Places& places, bool changedAlready) {
     const auto library = openLibrary(
         places, [&] { return containersOnDisk(places); }, warn, IndexCheck::WhenUnclean);
     const bool owed = library->isScanOwed();
     const std::vector<std::string> folders = readFolders(places);
-    UpdateProgress progress;
-    if (showProgress && isatty(STDERR_FILENO) != 0) {
-        progress = [](std::size_t done, std::size_t total) {
-            std::fprintf(stderr, "\r%zu of %zu font files read", done, total);
-            if (done == total) {
-                std::fputc('\n', stderr);
-            }
-        };
+    UpdateReport report;
+    try {
+        report = updateLibrary(*library, folders, readerLimits(), [](auto done, auto total) {
+            tellProgress(Work::Read, done, total);
+        });
+    } catch (const Cancelled&) { // what was read stays
+        postLibraryChanged();
+        throw;
     }
-    UpdateReport report = updateLibrary(*library, folders, readerLimits(), progress);
     if (report.changed() || owed || changedAlready) {
         postLibraryChanged();
     }
@@ -57,13 +59,13 @@ UpdateReport scanOnce(const Places& places, bool showProgress, bool changedAlrea
 }
 
 // Comes before anything that connects to the bus: the readers are forked.
-UpdateReport scan(const Places& places, bool showProgress, bool changedAlready) {
+UpdateReport scan(const Places& places, bool changedAlready) {
     makeFolders(places.own());
     const FileLock lock(places.scanLock(), longestScan);
     try {
-        return scanOnce(places, showProgress, changedAlready);
+        return scanOnce(places, changedAlready);
     } catch (const DamagedDatabase&) { // when it is opened again, it is mended
-        return scanOnce(places, showProgress, changedAlready);
+        return scanOnce(places, changedAlready);
     }
 }
 
@@ -120,7 +122,7 @@ bool changeFolders(const Places& places, const std::vector<std::string>& folders
 // The list of folders is changed by then, and stays so when the scan fails.
 void scanChanged(const Places& places, bool changed, Tally& tally, bool isUnreadTold) {
     try {
-        const UpdateReport report = scan(places, !tally.isJson(), changed);
+        const UpdateReport report = scan(places, changed);
         tellScan(report, false, tally);
         if (isUnreadTold) {
             tellUnread(report, tally);
@@ -146,7 +148,7 @@ std::unique_ptr<Library> openScanned(const Places& places) {
     auto library = open();
     if (library->isScanOwed()) {
         library.reset();
-        for (const std::string& problem : scan(places, false, false).problems) {
+        for (const std::string& problem : scan(places, false).problems) {
             warn(problem);
         }
         library = open();
@@ -155,6 +157,7 @@ std::unique_ptr<Library> openScanned(const Places& places) {
 }
 
 int addCommand(const Places& places, const std::vector<std::string>& paths, bool json) {
+    const CancelBySignals cancel;
     Tally tally(json, "added");
     std::vector<std::string> folders = paths;
     std::error_code ignored;
@@ -180,8 +183,12 @@ int removeCommand(const Places& places, const std::vector<std::string>& folders,
 }
 
 int scanCommand(const Places& places, bool quiet, bool json) {
+    std::optional<CancelBySignals> cancel;
+    if (!quiet) { // that of the server ends at once: nobody is to be told
+        cancel.emplace();
+    }
     Tally tally(json);
-    const UpdateReport report = scan(places, !quiet && !json, false);
+    const UpdateReport report = scan(places, false);
     tellScan(report, quiet, tally);
     if (!quiet) {
         tellUnread(report, tally);

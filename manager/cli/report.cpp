@@ -2,6 +2,8 @@
 // Printing the library as text and as JSON.
 #include "manager/cli/report.h"
 
+#include "manager/cli/progress.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -154,10 +156,12 @@ Json toJson(const Container& container) {
 }
 
 void printLine(std::string_view text) {
+    wipeProgress();
     std::puts(printable(text).c_str());
 }
 
 void warn(std::string_view text) {
+    wipeProgress();
     std::fprintf(stderr, "glyphora: %s\n", printable(text).c_str());
 }
 

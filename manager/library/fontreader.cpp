@@ -2,6 +2,7 @@
 // Sharing the files among the reading processes.
 #include "manager/library/fontreader.h"
 
+#include "manager/library/cancel.h"
 #include "manager/library/readerprocess.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ public:
             reader = std::make_unique<ReaderProcess>(limits_.memory, read_);
         }
         do {
+            checkCancelled();
             giveAll();
         } while (wait());
     }
@@ -128,6 +130,7 @@ private:
         if (deadline == Clock::time_point::max()) {
             return false;
         }
+        sockets.push_back({cancelDescriptor(), POLLIN, 0});
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         poll(sockets.data(), sockets.size(),
              static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000)));

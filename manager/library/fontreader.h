@@ -43,7 +43,8 @@ using FontFileReceiver = std::function<void(std::size_t position, FontFileOutcom
 
 /// Reads all of `paths`. A reader that dies or takes too long costs its file, which gets a text
 /// that says so, and is replaced. Forks: to be called while the process has no other thread
-/// and no connection to a bus. Throws Error when no process can be made.
+/// and no connection to a bus. Throws Error when no process can be made,
+/// Cancelled (see checkCancelled) with some of them told of.
 void readFontFiles(std::span<const std::string> paths, const FontReaderLimits& limits,
                    const FontFileReceiver& receive,
                    const FontFileFunction& read = faces::readFontFile);

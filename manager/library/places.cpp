@@ -2,6 +2,7 @@
 // Data folders, files as a whole, locks.
 #include "manager/library/places.h"
 
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "system/replacefile.h"
 
@@ -161,6 +162,7 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
         if (errno != EWOULDBLOCK && errno != EINTR) {
             throw systemError(path, "cannot be locked", errno);
         }
+        checkCancelled();
         if (Clock::now() >= deadline) {
             throw lockedError(path, holderOf(path), patience);
         }

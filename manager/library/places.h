@@ -58,7 +58,8 @@ void syncFile(const std::string& path);
 constexpr std::chrono::seconds lockPatience{10};
 
 /// Holds an exclusive lock on a file (made when missing) while it lives. Waits for other holders up
-/// to `patience`. Throws Error; Locked, which names the holder, when it could not be had in time.
+/// to `patience`. Throws Error; Locked, which names the holder, when it could not be had in time;
+/// Cancelled (see checkCancelled).
 class FileLock {
 public:
     explicit FileLock(const std::string& path, std::chrono::milliseconds patience = lockPatience);

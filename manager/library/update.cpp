@@ -2,6 +2,7 @@
 // The incremental scan.
 #include "manager/library/update.h"
 
+#include "manager/library/cancel.h"
 #include "manager/library/desktopfolders.h"
 #include "manager/library/indexwriter.h"
 #include "manager/library/knownfolders.h"
@@ -61,13 +62,7 @@ public:
         }
         writeWalk();
         lastPortion_ = Clock::now();
-        readFontFiles(
-            paths_, limits,
-            [this](std::size_t position, FontFileOutcome outcome) {
-                take(position, std::move(outcome));
-            },
-            read);
-        writePortion(Portion::Another);
+        readFiles(limits, read);
         if (report_.changed() || library_.isScanOwed()) {
             digestAlike(library_.database());
         }
@@ -224,6 +219,23 @@ private:
 
     void tell(const std::string& problem) {
         (told_.contains(problem) ? report_.knownProblems : report_.problems).push_back(problem);
+    }
+
+    void readFiles(const FontReaderLimits& limits, const FontFileFunction& read) {
+        try {
+            readFontFiles(
+                paths_, limits,
+                [this](std::size_t position, FontFileOutcome outcome) {
+                    take(position, std::move(outcome));
+                },
+                read);
+            writePortion(Portion::Another);
+        } catch (const Cancelled&) {
+            writePortion(Portion::Another);
+            throw Cancelled("cancelled: " + std::to_string(next_) + " of " +
+                            std::to_string(paths_.size()) +
+                            " font files were read; the next scan reads the others");
+        }
     }
 
     // Fonts are read side by side and come in any order, but are written in the order of their

@@ -3,6 +3,7 @@
 #include "manager/library/walk.h"
 
 #include "faces/fontfile.h"
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "manager/library/places.h"
 
@@ -61,6 +62,7 @@ public:
         // What is reached by a link waits until all real folders were visited, so that a folder is
         // known by its own path where it has one under the roots.
         while (!waiting_.empty() || !linked_.empty()) {
+            checkCancelled();
             auto& source = waiting_.empty() ? linked_ : waiting_;
             const Place place = std::move(source.back());
             source.pop_back();

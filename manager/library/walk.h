@@ -43,7 +43,7 @@ struct FoundFiles {
 /// Walks the folders. Links are followed, but each folder is visited once, so that loops end;
 /// hidden entries are passed over, so are file systems of the kernel's own (proc, sysfs, ...), and
 /// so is what lies in `passedOver`, by whatever way it is reached. Problems are gathered, not
-/// thrown.
+/// thrown; Cancelled is (see checkCancelled).
 [[nodiscard]] FoundFiles findFontFiles(std::span<const std::string> roots,
                                        const std::string& passedOver = {});
 

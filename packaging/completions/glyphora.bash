@@ -46,7 +46,8 @@ _glyphora() {
                 return
             fi
             ;;
-        scan) options+=' --quiet' ;;
+        add) options+=' --progress' ;;
+        scan) options+=' --quiet --progress' ;;
         list) options+=' --containers --problems' ;;
         search)
             options+=' --similar --weight --width --slant --type --class --monospaced --variable --colour
@@ -55,9 +56,9 @@ _glyphora() {
             ;;
         history) options+=' --all' ;;
         serve) options='--verbose --help' ;;
-        activate) options+=' --for --until-logout' ;;
-        deactivate) options+=' --all' ;;
-        collect) options+=' --to' ;;
+        activate) options+=' --for --until-logout --progress' ;;
+        deactivate) options+=' --all --progress' ;;
+        collect) options+=' --to --progress' ;;
         show) options='--request --pictures --help' ;;
         buy) options='--request --json --help' ;;
     esac

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The index: containers, look-up, incremental scans.
+#include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "tests/manager/libraryfixture.h"
 
+#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 using namespace manager;
 using namespace managertest;
@@ -106,6 +109,37 @@ TEST_F(ALibrary, TriesAgainWhatMayHavePassed) {
     EXPECT_TRUE(scanThroughGate().changed());
     EXPECT_THAT(library_->findByPostScriptName("TestSans-Regular"), SizeIs(1));
     EXPECT_THAT(library_->problems(), IsEmpty());
+}
+
+TEST_F(ALibrary, KeepsWhatWasReadWhenAScanIsCancelledAndReadsTheRestTheNextTime) {
+    constexpr int count = 12;
+    for (int i = 10; i < 10 + count; ++i) {
+        const std::string name = std::to_string(i);
+        sandbox_.write("b/" + name + ".ttf", makeFont({name, "Regular", name}));
+    }
+    const auto cancelAtSeventh = [](const std::string& path) {
+        if (path.ends_with("/16.ttf")) { // in the reader's process, which is one alone
+            kill(getppid(), SIGTERM);
+            for (;;) {
+                pause();
+            }
+        }
+        return faces::readFontFile(path);
+    };
+    std::string told;
+    {
+        const CancelBySignals cancel;
+        try {
+            updateLibrary(*library_, std::vector{sandbox_.library()}, {.processes = 1}, {},
+                          cancelAtSeventh);
+        } catch (const Cancelled& cancelled) {
+            told = cancelled.what();
+        }
+    }
+    EXPECT_EQ(told, "cancelled: 6 of 12 font files were read; the next scan reads the others");
+    EXPECT_EQ(library_->counts("/").files, 6);
+    EXPECT_EQ(scan().read, 6);
+    EXPECT_EQ(library_->counts("/").files, count);
 }
 
 TEST_F(ALibrary, KeepsWhatTheWalkCouldNotLookAt) {
