@@ -5,8 +5,10 @@
 #include "host/documents/css/css.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <glib.h>
+#include <iterator>
 #include <utility>
 
 namespace host::css {
@@ -67,23 +69,21 @@ public:
     std::optional<Selector> read() {
         Selector selector;
         skipBlanks();
-        for (bool childOf = false; !rest_.empty();) {
+        for (Combinator combinator = Combinator::Within; !rest_.empty();) {
             Compound compound;
-            compound.childOf = childOf;
-            if (!startsPart()) {
+            compound.combinator = combinator;
+            if (!readCompound(compound)) {
                 return std::nullopt;
-            }
-            while (startsPart()) {
-                if (!readPart(compound)) {
-                    return std::nullopt;
-                }
             }
             selector.compounds.push_back(std::move(compound));
             skipBlanks();
-            childOf = accept('>');
+            combinator = accept('>')   ? Combinator::ChildOf
+                         : accept('+') ? Combinator::After
+                         : accept('~') ? Combinator::Behind
+                                       : Combinator::Within;
             skipBlanks();
             // A combinator must have something to its right.
-            if (childOf && rest_.empty()) {
+            if (combinator != Combinator::Within && rest_.empty()) {
                 return std::nullopt;
             }
         }
@@ -91,12 +91,33 @@ public:
             return std::nullopt;
         }
         std::reverse(selector.compounds.begin(), selector.compounds.end());
-        const auto capped = [](std::uint32_t count) { return std::min(count, 0x3FFU); };
-        selector.specificity = capped(ids_) << 20 | capped(classes_) << 10 | capped(types_);
+        selector.specificity = weight_.specificity();
         return selector;
     }
 
 private:
+    /// What a selector's specificity is made of.
+    struct Weight {
+        std::uint32_t ids = 0;
+        std::uint32_t classes = 0;
+        std::uint32_t types = 0;
+
+        std::uint32_t specificity() const {
+            const auto capped = [](std::uint32_t count) { return std::min(count, 0x3FFU); };
+            return capped(ids) << 20 | capped(classes) << 10 | capped(types);
+        }
+    };
+
+    bool readCompound(Compound& compound) {
+        bool isFirst = true;
+        for (; startsPart(); isFirst = false) {
+            if (!readPart(compound)) {
+                return false;
+            }
+        }
+        return !isFirst;
+    }
+
     bool accept(char c) {
         if (rest_.empty() || rest_.front() != c) {
             return false;
@@ -136,23 +157,21 @@ private:
     /// False for what makes the whole selector void.
     bool readPart(Compound& compound) {
         if (accept('#')) {
-            ++ids_;
+            ++weight_.ids;
             compound.id = name();
             return !compound.id.empty();
         }
         if (accept('.')) {
-            ++classes_;
+            ++weight_.classes;
             compound.classes.push_back(name());
             return !compound.classes.back().empty();
         }
         if (accept('[')) {
-            ++classes_;
+            ++weight_.classes;
             return readAttribute(compound);
         }
         if (accept(':')) {
-            ++classes_;
-            compound.root = true;
-            return name() == "root";
+            return readPseudoClass(compound);
         }
         if (accept('*')) {
             compound.type.clear();
@@ -160,11 +179,11 @@ private:
         }
         if (accept('|')) {
             // What stood before it was a namespace prefix.
-            types_ -= compound.type.empty() ? 0U : 1U;
+            weight_.types -= compound.type.empty() ? 0U : 1U;
             compound.type.clear();
             return true;
         }
-        ++types_;
+        ++weight_.types;
         compound.type = name();
         return !compound.type.empty();
     }
@@ -179,13 +198,130 @@ private:
         return !compound.attributes.back().name.empty();
     }
 
+    bool readPseudoClass(Compound& compound) {
+        std::string title = name();
+        std::transform(title.begin(), title.end(), title.begin(), g_ascii_tolower);
+        if (accept('(')) {
+            const std::size_t end = findOutside(rest_, 0, ")");
+            if (end == rest_.size()) {
+                return false;
+            }
+            const std::string_view inside = rest_.substr(0, end);
+            rest_.remove_prefix(end + 1);
+            return readFunction(compound, title, inside);
+        }
+        ++weight_.classes;
+        if (title == "root") {
+            compound.root = true;
+            return true;
+        }
+        if (std::find(neverTrue.begin(), neverTrue.end(), title) != neverTrue.end()) {
+            compound.never = true;
+            return true;
+        }
+        const auto ends = {std::pair("first-", std::pair(true, false)),
+                           std::pair("last-", std::pair(false, true)),
+                           std::pair("only-", std::pair(true, true))};
+        for (const auto& [which, sides] : ends) {
+            for (const bool ofType : {false, true}) {
+                if (title == std::string(which) + (ofType ? "of-type" : "child")) {
+                    for (const bool fromEnd : {false, true}) {
+                        if (fromEnd ? sides.second : sides.first) {
+                            compound.places.push_back({{0, 1}, ofType, fromEnd});
+                        }
+                    }
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    bool readFunction(Compound& compound, std::string_view title, std::string_view inside) {
+        if (title == "not" || title == "is" || title == "where") {
+            std::vector<Compound> choices;
+            if (!readChoices(inside, title != "where", choices)) {
+                return false;
+            }
+            if (title == "not") {
+                std::move(choices.begin(), choices.end(), std::back_inserter(compound.noneOf));
+            } else {
+                compound.anyOf.push_back(std::move(choices));
+            }
+            return true;
+        }
+        ++weight_.classes;
+        constexpr std::string_view begin = "nth-";
+        constexpr std::string_view last = "last-";
+        if (!title.starts_with(begin)) {
+            return false;
+        }
+        title.remove_prefix(begin.size());
+        const bool fromEnd = title.starts_with(last);
+        title.remove_prefix(fromEnd ? last.size() : 0);
+        const auto series = readPlaceSeries(inside);
+        if (!series || (title != "child" && title != "of-type")) {
+            return false;
+        }
+        compound.places.push_back({*series, title == "of-type", fromEnd});
+        return true;
+    }
+
+    /// Compounds with commas between. The weightiest of them counts, if they are `weighed`.
+    bool readChoices(std::string_view inside, bool weighed, std::vector<Compound>& choices) {
+        if (depth_ == maximumNesting) {
+            return false;
+        }
+        Weight most;
+        for (std::size_t start = 0; start <= inside.size();) {
+            const std::size_t comma = findOutside(inside, start, ",");
+            SelectorReader reader(inside.substr(start, comma - start));
+            reader.depth_ = depth_ + 1;
+            reader.skipBlanks();
+            if (!reader.readCompound(choices.emplace_back())) {
+                return false;
+            }
+            reader.skipBlanks();
+            if (!reader.rest_.empty()) {
+                return false; // a combinator
+            }
+            if (reader.weight_.specificity() > most.specificity()) {
+                most = reader.weight_;
+            }
+            start = comma + 1;
+        }
+        if (weighed) {
+            weight_.ids += most.ids;
+            weight_.classes += most.classes;
+            weight_.types += most.types;
+        }
+        return true;
+    }
+
+    /// They ask for a pointer, a keyboard, a history.
+    static constexpr std::array<std::string_view, 7> neverTrue = {
+        "hover", "active", "focus", "focus-within", "focus-visible", "visited", "target"};
+
     std::string_view rest_;
-    std::uint32_t ids_ = 0;
-    std::uint32_t classes_ = 0;
-    std::uint32_t types_ = 0;
+    Weight weight_;
+    unsigned depth_ = 0;
 };
 
 } // namespace
+
+bool Compound::asksForSiblings() const {
+    const auto asks = [](const Compound& compound) { return compound.asksForSiblings(); };
+    return combinator == Combinator::After || combinator == Combinator::Behind || !places.empty() ||
+           std::any_of(noneOf.begin(), noneOf.end(), asks) ||
+           std::any_of(anyOf.begin(), anyOf.end(), [&](const std::vector<Compound>& choices) {
+               return std::any_of(choices.begin(), choices.end(), asks);
+           });
+}
+
+bool Selector::asksForSiblings() const {
+    return std::any_of(compounds.begin(), compounds.end(),
+                       [](const Compound& compound) { return compound.asksForSiblings(); });
+}
 
 std::optional<Selector> readSelector(std::string_view text) {
     return SelectorReader(text).read();

@@ -2,6 +2,8 @@
 // Selectors taken apart.
 #pragma once
 
+#include "host/documents/css/childplace.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,20 +19,44 @@ struct AttributeTest {
     std::string value;
 };
 
+/// An element's place among its siblings, or among those of its type.
+struct PlaceTest {
+    PlaceSeries series;
+    bool ofType = false;
+    bool fromEnd = false;
+};
+
+/// How an element stands to the one that the compound to the left asks for.
+enum class Combinator : std::uint8_t {
+    Within,  ///< at any depth
+    ChildOf, ///< ">"
+    After,   ///< "+": right after it
+    Behind   ///< "~": somewhere after it
+};
+
 /// What a selector asks of one element.
 struct Compound {
     std::string type; ///< empty for any
     std::string id;
     std::vector<std::string> classes;
     std::vector<AttributeTest> attributes;
+    std::vector<PlaceTest> places;
+    std::vector<Compound> noneOf;             ///< ":not()"
+    std::vector<std::vector<Compound>> anyOf; ///< ":is()" and ":where()", each by one of its own
     bool root = false;
-    bool childOf = false; ///< the compound to its left is its parent, not any ancestor
+    bool never = false; ///< it asks for what a drawing on paper never is, such as ":hover"
+    Combinator combinator = Combinator::Within;
+
+    /// Whether siblings have to be known.
+    [[nodiscard]] bool asksForSiblings() const;
 };
 
 struct Selector {
     std::vector<Compound> compounds; ///< from right to left
     std::uint32_t specificity = 0;   ///< ids, classes and types in ten bits each
     std::uint32_t block = 0;         ///< of the style sheets, for whoever keeps it
+
+    [[nodiscard]] bool asksForSiblings() const;
 };
 
 /// Reads one selector of a group; nothing for what is none, or not known here.

@@ -98,6 +98,14 @@ bool Matcher::relates(const AttributeTest& test, std::string_view value) {
     }
 }
 
+bool Matcher::stands(ElementId element, const PlaceTest& test) {
+    work_ += testCost;
+    const Siblings& siblings = subject_.siblingsOf(element);
+    return test.series.holds(
+        test.ofType ? (test.fromEnd ? siblings.placeOfTypeFromEnd : siblings.placeOfType)
+                    : (test.fromEnd ? siblings.placeFromEnd : siblings.place));
+}
+
 bool Matcher::matches(ElementId element, const Compound& compound) {
     work_ += testCost;
     if (!compound.type.empty()) {
@@ -113,10 +121,18 @@ bool Matcher::matches(ElementId element, const Compound& compound) {
             return false;
         }
     }
-    if (compound.root && subject_.parentOf(element) != noElement) {
+    if (compound.never || (compound.root && subject_.parentOf(element) != noElement)) {
         return false;
     }
-    return std::all_of(compound.classes.begin(), compound.classes.end(),
+    const auto isOne = [&](const Compound& one) { return matches(element, one); };
+    return std::all_of(compound.places.begin(), compound.places.end(),
+                       [&](const PlaceTest& test) { return stands(element, test); }) &&
+           std::none_of(compound.noneOf.begin(), compound.noneOf.end(), isOne) &&
+           std::all_of(compound.anyOf.begin(), compound.anyOf.end(),
+                       [&](const std::vector<Compound>& choices) {
+                           return std::any_of(choices.begin(), choices.end(), isOne);
+                       }) &&
+           std::all_of(compound.classes.begin(), compound.classes.end(),
                        [&](const std::string& name) { return hasClass(element, name); }) &&
            std::all_of(compound.attributes.begin(), compound.attributes.end(),
                        [&](const AttributeTest& test) {
@@ -128,39 +144,63 @@ bool Matcher::matches(ElementId element, const Compound& compound) {
                        });
 }
 
+/// Matches compounds of which each says exactly where the next one is to be found: the parent, or
+/// the sibling before. Gives the element that the last of them matches.
+std::optional<ElementId> Matcher::matchRun(ElementId element, Compounds run) {
+    for (std::size_t i = 0;; ++i) {
+        if (element == noElement || !matches(element, run[i])) {
+            return std::nullopt;
+        }
+        if (i + 1 == run.size()) {
+            return element;
+        }
+        element = run[i].combinator == Combinator::ChildOf ? subject_.parentOf(element)
+                                                           : subject_.siblingsOf(element).before;
+    }
+}
+
+/// Matches runs with "~" between them. Taking the nearest place for each run leaves most to those
+/// at its left, so no choice is ever taken back. Gives the last element, as matchRun.
+std::optional<ElementId> Matcher::matchFamily(ElementId element, Compounds family) {
+    for (std::size_t start = 0;;) {
+        const auto isLast = [](const Compound& compound) {
+            return compound.combinator == Combinator::Behind;
+        };
+        const auto rest = family.subspan(start);
+        const auto last = std::find_if(rest.begin(), rest.end() - 1, isLast);
+        const Compounds run = rest.first(static_cast<std::size_t>(last - rest.begin()) + 1);
+        auto place = matchRun(element, run);
+        while (!place && start != 0 && element != noElement) {
+            element = subject_.siblingsOf(element).before;
+            place = matchRun(element, run);
+        }
+        start += run.size();
+        if (!place || start == family.size()) {
+            return place;
+        }
+        element = subject_.siblingsOf(*place).before;
+    }
+}
+
 bool Matcher::matches(ElementId element, const Selector& selector) {
-    // Compounds joined by ">" form rigid segments; between segments any number of elements may
-    // stand. Taking the innermost place for each segment is never worse than another one, so no
-    // choice is ever taken back across segments.
-    const std::vector<Compound>& compounds = selector.compounds;
-    for (std::size_t segment = 0; segment < compounds.size();) {
-        std::size_t segmentEnd = segment + 1;
-        while (compounds[segmentEnd - 1].childOf && segmentEnd < compounds.size()) {
-            ++segmentEnd;
+    // Between families any number of elements may stand. Taking the innermost place for each is
+    // never worse than another one, so here, too, no choice is ever taken back.
+    const Compounds compounds = selector.compounds;
+    for (std::size_t start = 0; start < compounds.size();) {
+        const auto rest = compounds.subspan(start);
+        const auto last = std::find_if(rest.begin(), rest.end() - 1, [](const Compound& compound) {
+            return compound.combinator == Combinator::Within;
+        });
+        const Compounds family = rest.first(static_cast<std::size_t>(last - rest.begin()) + 1);
+        std::optional<ElementId> place;
+        while (element != noElement && !(place = matchFamily(element, family))) {
+            element = start == 0 ? noElement : subject_.parentOf(element);
         }
-        while (true) {
-            if (element == noElement) {
-                return false;
-            }
-            ElementId place = element;
-            std::size_t compound = segment;
-            while (compound < segmentEnd && place != noElement) {
-                if (!matches(place, compounds[compound])) {
-                    break;
-                }
-                place = subject_.parentOf(place);
-                ++compound;
-            }
-            if (compound == segmentEnd) {
-                element = place;
-                break;
-            }
-            if (segment == 0) {
-                return false;
-            }
-            element = subject_.parentOf(element);
+        if (!place) {
+            return false;
         }
-        segment = segmentEnd;
+        start += family.size();
+        element = subject_.parentOf(*place);
     }
     return true;
 }

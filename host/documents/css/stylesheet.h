@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -19,6 +21,15 @@ namespace host::css {
 
 using ElementId = std::uint32_t;
 inline constexpr ElementId noElement = 0xFFFFFFFFU;
+
+/// How an element stands to its siblings. Places begin with 1.
+struct Siblings {
+    ElementId before = noElement; ///< the one before it
+    std::uint32_t place = 1;
+    std::uint32_t placeFromEnd = 1;
+    std::uint32_t placeOfType = 1; ///< among those of its type
+    std::uint32_t placeOfTypeFromEnd = 1;
+};
 
 /// What selectors ask about elements.
 class SelectorSubject {
@@ -35,6 +46,8 @@ public:
     };
     /// All attributes, in their order.
     virtual std::vector<NamedValue> attributesOf(ElementId element) const = 0;
+    /// Where it stands among the children of its parent. Only for sheets that ask for siblings.
+    virtual const Siblings& siblingsOf(ElementId element) const = 0;
 };
 
 /// A block of declarations and where it stands.
@@ -51,15 +64,18 @@ struct RuleMatch {
     std::uint32_t order; ///< later rules win over earlier ones of the same specificity
 };
 
-/// Selectors with sibling combinators, pseudo-elements or pseudo-classes (":root" apart) match
-/// nothing. Of media blocks those for "all" and "screen" apply; other conditional blocks and
-/// imports are passed over.
+/// Of pseudo-classes those that ask for a place in the tree are known, ":not()", ":is()" and
+/// ":where()" of compounds, and those that need a pointer, a keyboard or a history, which match
+/// nothing; so do selectors with any other, or with pseudo-elements. Of media blocks those for
+/// "all" and "screen" apply; other conditional blocks and imports are passed over.
 class StyleSheets {
 public:
     /// `sheet` need not outlive the call.
     void addSheet(std::string_view sheet, TextTable& texts);
 
     bool empty() const noexcept { return blocks_.empty(); }
+    /// Whether a selector asks for siblings. Then the subject has to know them.
+    bool asksForSiblings() const noexcept { return asksForSiblings_; }
     const RuleBlock& block(std::uint32_t number) const { return blocks_[number]; }
 
     /// Families that come with the document by @font-face, folded by foldFamily.
@@ -81,6 +97,7 @@ private:
     std::vector<std::uint32_t> byNothing_;
     std::unordered_set<std::string> embedded_;
     std::uint32_t sheets_ = 0;
+    bool asksForSiblings_ = false;
 };
 
 /// Finds the rules that match elements, one element after another. What it has taken apart of an
@@ -113,6 +130,10 @@ private:
     bool hasClass(ElementId element, std::string_view name);
     bool relates(const AttributeTest& test, std::string_view value);
     bool matches(ElementId element, const Compound& compound);
+    bool stands(ElementId element, const PlaceTest& test);
+    using Compounds = std::span<const Compound>;
+    std::optional<ElementId> matchRun(ElementId element, Compounds run);
+    std::optional<ElementId> matchFamily(ElementId element, Compounds family);
     bool matches(ElementId element, const Selector& selector);
     void test(const std::vector<std::uint32_t>& candidates, ElementId element,
               std::vector<RuleMatch>& matches);

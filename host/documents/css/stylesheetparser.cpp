@@ -137,6 +137,7 @@ void StyleSheets::addSelector(Selector selector) {
     } else {
         byNothing_.push_back(number);
     }
+    asksForSiblings_ = asksForSiblings_ || selector.asksForSiblings();
     selectors_.push_back(std::move(selector));
 }
 

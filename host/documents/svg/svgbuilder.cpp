@@ -17,10 +17,11 @@ class Builder {
 public:
     Builder(const std::string& source, std::string_view name, const SvgOptions& options)
         : name_(name), options_(options), allowance_(source.size() + referenceAllowance) {
-        drawing_.tree = scan(
-            source, name,
-            {options.maximumDepth, options.maximumElements, options.keepGroups, options.language});
-        drawing_.styles = resolveStyles(drawing_.tree, name, options.maximumMatching);
+        readTree(source, false);
+        if (drawing_.styles.sheets.asksForSiblings()) {
+            // Few sheets do, and what they count is more than what is kept for the others.
+            readTree(source, true);
+        }
     }
 
     Drawing run() {
@@ -46,6 +47,16 @@ public:
     }
 
 private:
+    void readTree(const std::string& source, bool keepSiblings) {
+        drawing_.tree = scan(source, name_,
+                             {options_.maximumDepth, options_.maximumElements, options_.keepGroups,
+                              options_.language, keepSiblings});
+        if (keepSiblings) {
+            countSiblings(drawing_.tree);
+        }
+        drawing_.styles = resolveStyles(drawing_.tree, name_, options_.maximumMatching);
+    }
+
     const Tree& tree() const { return drawing_.tree; }
     const Style& style(ElementId id) const { return drawing_.styles.elements[id]; }
 

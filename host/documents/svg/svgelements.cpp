@@ -63,7 +63,7 @@ void Scanner::begin(xmlParserCtxtPtr context, const StartTag& start) {
         sheetStart_ = lastTagEnd_;
     }
     open.tag = element.tag;
-    open.keep = outer == nullptr ||
+    open.keep = outer == nullptr || (limits_.keepSiblings && !outer->muted) ||
                 (!open.muted &&
                  (limits_.keepAll || open.takesText || element.tag == Tag::FlowRoot ||
                   element.tag == Tag::TextReference || element.layer || element.tag == Tag::Use ||

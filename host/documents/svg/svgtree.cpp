@@ -5,6 +5,8 @@
 #include "host/documents/svg/xmlsource.h"
 
 #include <algorithm>
+#include <unordered_map>
+#include <utility>
 
 namespace host::svg {
 
@@ -54,6 +56,36 @@ std::vector<css::SelectorSubject::NamedValue> Tree::attributesOf(ElementId eleme
                               : xml::decode(source, place.start, place.end).text});
     }
     return result;
+}
+
+const css::Siblings& Tree::siblingsOf(ElementId element) const {
+    static const css::Siblings alone;
+    return siblings.empty() ? alone : siblings[element];
+}
+
+void countSiblings(Tree& tree) {
+    struct Children {
+        ElementId last = noElement;
+        std::uint32_t count = 0;
+        std::unordered_map<std::string_view, std::uint32_t> ofType;
+    };
+    std::unordered_map<ElementId, Children> childrenOf;
+    const auto count = static_cast<ElementId>(tree.elements.size());
+    tree.siblings.resize(count);
+    for (ElementId id = 0; id < count; ++id) {
+        Children& children = childrenOf[tree.elements[id].parent];
+        css::Siblings& siblings = tree.siblings[id];
+        siblings.before = std::exchange(children.last, id);
+        siblings.place = ++children.count;
+        siblings.placeOfType = ++children.ofType[tree.typeOf(id)];
+    }
+    for (ElementId id = 0; id < count; ++id) {
+        const Children& children = childrenOf[tree.elements[id].parent];
+        css::Siblings& siblings = tree.siblings[id];
+        siblings.placeFromEnd = children.count + 1 - siblings.place;
+        siblings.placeOfTypeFromEnd =
+            children.ofType.at(tree.typeOf(id)) + 1 - siblings.placeOfType;
+    }
 }
 
 DocumentError errorAt(std::string_view source, std::string_view name, std::string_view reason,

@@ -117,6 +117,7 @@ struct Tree final : css::SelectorSubject {
     std::vector<Sheet> sheets;
     std::unordered_set<std::string_view> references;  ///< ids that something shown refers to
     std::unordered_set<std::string> embeddedFamilies; ///< of SVG fonts, folded
+    std::vector<css::Siblings> siblings;              ///< by element, if all of them were kept
     std::deque<std::string> values; ///< attribute values that are not literally in the source
 
     const std::string_view* find(ElementId element, AttributeName name) const;
@@ -130,6 +131,8 @@ struct Tree final : css::SelectorSubject {
     std::string_view idOf(ElementId element) const override;
     std::string_view classesOf(ElementId element) const override;
     std::vector<NamedValue> attributesOf(ElementId element) const override;
+    /// Of a tree without siblings every element is an only child.
+    const css::Siblings& siblingsOf(ElementId element) const override;
 };
 
 struct ScanLimits {
@@ -137,7 +140,12 @@ struct ScanLimits {
     std::size_t maximumElements = 2'000'000; ///< of the tree
     bool keepAll = false;                    ///< keep elements without text too
     std::string_view language;               ///< of the user, such as "de_DE"
+    bool keepSiblings = false; ///< keep all but what is within elements that hold none of the
+                               ///< drawing, so that siblings can be counted
 };
+
+/// Finds the siblings of a tree that was scanned to keep them.
+void countSiblings(Tree& tree);
 
 /// An error at a place in the source, which may be noPlace.
 [[nodiscard]] DocumentError errorAt(std::string_view source, std::string_view name,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writing names the way style sheets can read them back.
+#include "host/documents/css/childplace.h"
 #include "host/documents/css/css.h"
 #include "host/documents/css/families.h"
 #include "host/documents/css/spanrules.h"
@@ -49,6 +50,32 @@ TEST(ABlock, IsSeparatedFromWhatFollowsItOrNot) {
     }
     for (const char* text : {"a:b", "a:';", "a:b\\;", "a:(;", "a:b/*;*/", ";a"}) {
         EXPECT_FALSE(endsSeparated(text)) << text;
+    }
+}
+
+TEST(ASeriesOfPlaces, IsReadInAllItsForms) {
+    struct Case {
+        const char* text;
+        std::vector<std::int64_t> places; ///< of the first seven
+    };
+    for (const Case& c :
+         {Case{"odd", {1, 3, 5, 7}}, Case{" EVEN ", {2, 4, 6}}, Case{"3", {3}}, Case{"+3", {3}},
+          Case{"-3", {}}, Case{"0", {}}, Case{"n", {1, 2, 3, 4, 5, 6, 7}}, Case{"3n", {3, 6}},
+          Case{"3N+1", {1, 4, 7}}, Case{"+3n - 1", {2, 5}}, Case{"-n+3", {1, 2, 3}},
+          Case{"-2n+5", {1, 3, 5}}, Case{"0n+2", {2}}, Case{"2n-7", {1, 3, 5, 7}}}) {
+        const auto series = readPlaceSeries(c.text);
+        ASSERT_TRUE(series) << c.text;
+        std::vector<std::int64_t> places;
+        for (std::int64_t place = 1; place <= 7; ++place) {
+            if (series->holds(place)) {
+                places.push_back(place);
+            }
+        }
+        EXPECT_EQ(places, c.places) << c.text;
+    }
+    for (const char* text :
+         {"", "x", "+", "+-3", "2n+", "2n 3", "2n+-3", "n n", "99999999999", "2.5", "odd even"}) {
+        EXPECT_FALSE(readPlaceSeries(text)) << text;
     }
 }
 

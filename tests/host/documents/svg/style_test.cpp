@@ -84,9 +84,52 @@ const DrawingCase cases[] = {
     {"GroupsOfSelectors", "<style>.x, #y , z{font-family:A}</style><text id='y'>a</text>",
      "A/Regular:a"},
     {"UnknownSelectorsMatchNothing",
-     "<style>text:hover{font-family:A} text::before{font-family:A} g+text{font-family:A} "
+     "<style>text:hover{font-family:A} text::before{font-family:A} "
+     "text:nth-child(x){font-family:A} text:not(g text){font-family:A} text:is(){font-family:A} "
+     "text:lang(de){font-family:A} +text{font-family:A} text~{font-family:A} "
      ">text{font-family:A} text>{font-family:A} .{font-family:A}</style><g/><text>a</text>",
      "<sans-serif>/Regular:a"},
+    {"WhatStandsBesideWhat",
+     "<style>rect + text{font-family:A} circle ~ text{font-weight:bold} "
+     "title+rect+text{font-style:italic} title ~ title + rect + text{font-weight:300} "
+     "text+text{font-stretch:expanded}</style>"
+     "<text>a</text><title><desc/>x</title><rect/><text>b</text><circle/><g/>"
+     "<text>c</text><text>d</text>",
+     "<sans-serif>/Regular:a|A/Italic:b|<sans-serif>/Bold:c|<sans-serif>/Expanded Bold:d"},
+    {"ThePlaceThatIsNotTheNearest",
+     "<style>.o ~ .p + .p ~ text{font-family:A} .x > .y ~ g > text{font-weight:bold} "
+     ".l ~ .m text{font-style:italic}</style>"
+     "<g class='o'/><g class='p'/><g class='p'/><g class='p z'/><text>a</text>"
+     "<g class='x'><g class='y'/><g class='y'/><g><text>b</text></g></g>"
+     "<g class='l'/><g class='m'><g class='m'><text>c</text></g></g>",
+     "<sans-serif>/Bold:b|<sans-serif>/Italic:c|A/Regular:a"},
+    {"PlacesAmongChildren",
+     "<style>text:first-child{font-family:F} text:last-child{font-family:L} "
+     "text:only-child{font-family:O} text:nth-child(2n + 1){font-weight:bold} "
+     "text:nth-last-child(2){font-style:italic}</style>"
+     "<g><text>a</text><rect/><text>c</text><text>d</text></g><g><text>e</text></g>",
+     "F/Bold:a|<sans-serif>/Bold Italic:c|L/Regular:d|O/Bold:e"},
+    {"PlacesAmongThoseOfTheirType",
+     "<style>text:first-of-type{font-family:F} text:last-of-type{font-family:L} "
+     "text:only-of-type{font-family:O} text:nth-of-type(-n+2){font-weight:bold} "
+     "text:nth-last-of-type(even){font-style:italic}</style>"
+     "<g><rect/><text>a</text><rect/><text>b</text><text>c</text><rect/></g>"
+     "<g><rect/><text>d</text></g>",
+     "F/Bold:a|<sans-serif>/Bold Italic:b|L/Regular:c|O/Bold:d"},
+    {"WhatAnElementIsNot",
+     "<style>text:not(.a):not([d], #i){font-family:A} text:not(:first-of-type, .z){font-weight:"
+     "bold} :not(g) > :not(:not(text)):not(:hover){font-style:italic}</style>"
+     "<text class='a'>a</text><text>b</text><text d=''>c</text><g><text id='i'>d</text></g>",
+     "<sans-serif>/Regular:d|<sans-serif>/Italic:a|A/Bold Italic:b|<sans-serif>/Bold Italic:c"},
+    {"WhatAnElementIsOneOf",
+     "<style>:is(text, tspan):where(.a, #i){font-family:A} text{font-family:B} "
+     ":where(text#i){font-family:C} :is(.q, text.a){font-weight:bold}</style>"
+     "<text class='a'>a</text><text id='i'>b</text>",
+     "B/Bold:a|B/Regular:b"},
+    {"AllInANotCounts",
+     "<style>text:not(#x){font-family:A} text.a.b{font-family:B}</style>"
+     "<text class='a b'>a</text>",
+     "A/Regular:a"},
     {"RootAndNamespacePrefix",
      "<style>@namespace s url(http://www.w3.org/2000/svg);:root{font-weight:bold}"
      "s|text{font-family:A}</style><text>a</text>",
