@@ -127,7 +127,9 @@ void FaceDelegate::paintNames(QPainter& painter, const QStyleOptionViewItem& opt
     const QColor plain =
         option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
     const QColor state =
-        selected ? plain : colourOf(row.same.value_or(FaceState::Inactive), isDark(option.palette));
+        selected ? plain
+                 : colourOf(row.isAway ? FaceState::Away : row.same.value_or(FaceState::Inactive),
+                            isDark(option.palette));
     QFont font = option.font;
     font.setBold(row.isFamily);
     const QFontMetrics metrics(font);

@@ -7,7 +7,6 @@
 #include <QMimeData>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <set>
 #include <utility>
@@ -28,6 +27,16 @@ QString technologyText(faces::Technology technology) {
         return QStringLiteral("TrueType");
     default:
         return QStringLiteral("OpenType");
+    }
+}
+
+/// Tells the state of a row by that of a face.
+void setState(ListRow& row, const FaceStates& states, FaceRow face) {
+    row.same = states.of(face);
+    row.state = wordOf(*row.same);
+    row.isAway = states.isAway(face) && row.same != FaceState::Away;
+    if (row.isAway) {
+        row.state = text(translated("%1 (away)")).arg(row.state);
     }
 }
 
@@ -85,22 +94,25 @@ ListRow FaceModel::familyRow(std::size_t family) const {
     const LibraryView& view = listing_.view();
     const ShownFamily& shown = listing_.families()[family];
     const auto faces = std::span(listing_.faces()).subspan(shown.first, shown.count);
-    std::array<std::size_t, faceStates> counts{};
+    const FaceRow first = faces.front();
+    std::size_t active = 0;
+    std::size_t alike = 0; // as the first one
     for (const FaceRow face : faces) {
-        ++counts[static_cast<std::size_t>(view.states.of(face))];
+        const FaceState state = view.states.of(face);
+        active += state == FaceState::Active || state == FaceState::Conflicting ? 1 : 0;
+        alike +=
+            state == view.states.of(first) && view.states.isAway(face) == view.states.isAway(first)
+                ? 1
+                : 0;
     }
     ListRow row;
     row.isFamily = true;
     row.title = text(view.table.families()[shown.family].name);
     row.detail = text(translated("%1 style", "%1 styles", faces.size()));
     row.sample = bestOf(view.table, faces);
-    const FaceState first = view.states.of(faces.front());
-    if (counts[static_cast<std::size_t>(first)] == faces.size()) {
-        row.same = first;
-        row.state = wordOf(first);
+    if (alike == faces.size()) {
+        setState(row, view.states, first);
     } else {
-        const std::size_t active = counts[static_cast<std::size_t>(FaceState::Active)] +
-                                   counts[static_cast<std::size_t>(FaceState::Conflicting)];
         row.state = active == 0 ? text(translated("differs by style"))
                                 : text(translated("%1 active", "%1 active", active));
     }
@@ -121,7 +133,8 @@ ListRow FaceModel::askedRow(std::size_t font) const {
     if (asked.isShown) {
         row.same = FaceState::Shown;
     } else if (shown.count != 0 && listing_.choice(shown.first).isExact) {
-        row.same = view.states.of(*row.sample);
+        setState(row, view.states, *row.sample);
+        return row;
     }
     row.state = row.same ? wordOf(*row.same) : text(translated("not in the library"));
     row.same = row.same.value_or(FaceState::Away); // as one that cannot be seen either
@@ -145,8 +158,7 @@ ListRow FaceModel::faceRow(std::size_t place) const {
                                          : faces::lineOf(choice.reason, translated));
         row.isChoice = true;
     }
-    row.same = view.states.of(face);
-    row.state = wordOf(*row.same);
+    setState(row, view.states, face);
     const auto reasons = view.states.why(listed.container);
     for (const Reason& reason : reasons) {
         row.state +=

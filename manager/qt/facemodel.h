@@ -19,6 +19,7 @@ struct ListRow {
     QString detail;                ///< "4 styles", "TrueType, variable"
     QString state;                 ///< the state's word
     std::optional<FaceState> same; ///< nothing: its faces differ
+    bool isAway = false;           ///< though it can be seen
     std::optional<FaceRow> sample; ///< the face that stands for it; nothing: there is none
     bool isFamily = false;
     bool isChoice = false; ///< for a drawing's font; why it may do comes before its state

@@ -28,7 +28,7 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
     const auto& copied = view_->copies.faces();
     for (const FaceRow row : named_) {
         const ListedFace& face = table.faces()[row];
-        if ((filter_.state && view_->states.of(row) != *filter_.state) ||
+        if ((filter_.state && !view_->states.is(row, *filter_.state)) ||
             (filter_.among &&
              !std::binary_search(filter_.among->begin(), filter_.among->end(), face.container)) ||
             (filter_.isCopied && !std::binary_search(copied.begin(), copied.end(), face.id)) ||

@@ -71,7 +71,7 @@ private:
     /// Whether it passes what is asked of faces at any place.
     [[nodiscard]] bool passes(FaceRow row) const {
         return (filter_.found == nullptr || isFound_[row]) &&
-               (!filter_.alsoState || view_->states.of(row) == *filter_.alsoState);
+               (!filter_.alsoState || view_->states.is(row, *filter_.alsoState));
     }
 
     std::shared_ptr<const LibraryView> view_ = std::make_shared<const LibraryView>();

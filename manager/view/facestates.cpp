@@ -11,11 +11,13 @@ FaceStates::FaceStates(const FaceTable& table, std::span<const ActiveContainer> 
     }
     const std::span<const ListedFace> faces = table.faces();
     states_.reserve(faces.size());
+    away_.reserve(faces.size());
     // Who shows a name; nobody in particular once several do.
     std::unordered_map<std::uint64_t, ContainerId> shownBy;
     constexpr ContainerId several{};
     for (const ListedFace& face : faces) {
         const bool isActive = why_.contains(static_cast<std::int32_t>(face.container));
+        away_.push_back(face.away);
         states_.push_back(isActive              ? FaceState::Active
                           : face.away           ? FaceState::Away
                           : face.shownByDesktop ? FaceState::Shown
@@ -36,6 +38,9 @@ FaceStates::FaceStates(const FaceTable& table, std::span<const ActiveContainer> 
             }
         }
         ++counts_[static_cast<std::size_t>(state)];
+        if (away_[row] && state != FaceState::Away) {
+            ++counts_[static_cast<std::size_t>(FaceState::Away)];
+        }
     }
 }
 

@@ -31,7 +31,12 @@ public:
     FaceStates(const FaceTable& table, std::span<const ActiveContainer> active);
 
     [[nodiscard]] FaceState of(FaceRow row) const { return states_[row]; }
-    /// How many faces are in a state.
+    /// Whether its folder is away; then the face may be active nevertheless.
+    [[nodiscard]] bool isAway(FaceRow row) const { return away_[row]; }
+    [[nodiscard]] bool is(FaceRow row, FaceState state) const {
+        return states_[row] == state || (state == FaceState::Away && away_[row]);
+    }
+    /// How many faces are in a state; one that is active and away counts as both.
     [[nodiscard]] std::size_t count(FaceState state) const {
         return counts_[static_cast<std::size_t>(state)];
     }
@@ -40,6 +45,7 @@ public:
 
 private:
     std::vector<FaceState> states_; ///< by row
+    std::vector<bool> away_;        ///< by row
     std::array<std::size_t, faceStates> counts_{};
     std::unordered_map<std::int32_t, std::vector<Reason>> why_;
 };

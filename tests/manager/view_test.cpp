@@ -191,6 +191,15 @@ TEST_F(AList, TellsWhatCanBeSeenAndWhatStandsInItsWay) {
     read({first, second});
     EXPECT_EQ(view_->states.count(FaceState::Conflicting), 2U);
     EXPECT_EQ(stateOf("a.ttf"), FaceState::Conflicting);
+
+    // What was activated before its folder was unplugged is seen on, and is both.
+    read({{numberOf("Gamma", "/away"), "Gamma", 1, {reason}}});
+    EXPECT_EQ(stateOf("c.ttf"), FaceState::Active);
+    for (const FaceState state : {FaceState::Active, FaceState::Away}) {
+        EXPECT_EQ(view_->states.count(state), 1U);
+        EXPECT_THAT(shown({.state = state}), ElementsAre("Gamma: Regular"));
+        EXPECT_THAT(shown({.alsoState = state}), ElementsAre("Gamma: Regular"));
+    }
 }
 
 TEST_F(AList, KeepsToContainersAndToFacesThatASearchFound) {

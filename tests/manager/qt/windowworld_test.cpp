@@ -75,6 +75,7 @@ TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
     for (int time = 0; time < 2; ++time) {
         std::filesystem::rename(sandbox_.library(), elsewhere);
         EXPECT_TRUE(awaitHeard(0, "Alpha, 2 styles, away")) << heard(0);
+        EXPECT_EQ(heard(1), "Beta, 1 style, active (away)");
         std::filesystem::rename(elsewhere, sandbox_.library());
         EXPECT_TRUE(awaitHeard(0, "Alpha, 2 styles, inactive")) << heard(0);
         EXPECT_EQ(heard(1), "Beta, 1 style, active");
