@@ -92,13 +92,16 @@ Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
             item->setText(0, text(title->name));
             return;
         }
-        place_ = {SidebarPlace::Kind::Group, {}, GroupTitle{title->kind, name}.text()};
+        if (place_.name == title->text()) { // else another one was chosen meanwhile
+            place_.name = GroupTitle{title->kind, name}.text();
+        }
         handlers_.rename(*title, name);
     });
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         if (isFilling_ || item == nullptr || item->data(0, placeRole).isNull()) {
             return;
         }
+        toEdit_.reset();
         place_ = places_[item->data(0, placeRole).toUInt()];
         chosen_();
     });
@@ -121,11 +124,11 @@ void Sidebar::add(QTreeWidgetItem* section, const SidebarPlace& place, const QSt
 
 void Sidebar::show(const LibraryView& view, const Groups& groups,
                    const std::vector<std::string>& folders) {
-    QString written; // of a name that is being edited
-    if (const auto title = targetOf(currentItem()); title && state() == EditingState) {
-        const auto* const editor = viewport()->findChild<QLineEdit*>();
-        written = editor == nullptr ? QString() : editor->text();
-        toEdit_ = title;
+    std::optional<GroupTitle> toEdit = toEdit_;
+    std::optional<QString> written; // of a name that is being edited
+    if (const auto* const before = editor(); before != nullptr) {
+        written = before->text();
+        toEdit = targetOf(currentItem());
     }
     isFilling_ = true;
     clear();
@@ -163,13 +166,34 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     if (currentItem() == nullptr) {
         setCurrentItem(library->child(0));
     }
-    if (toEdit_) {
-        editName(*toEdit_);
+    if (toEdit) {
+        editName(*toEdit);
     }
-    if (auto* const editor = viewport()->findChild<QLineEdit*>();
-        editor != nullptr && !written.isEmpty()) {
-        editor->setText(written);
+    if (auto* const again = editor(); written && again != nullptr) {
+        again->setText(*written);
     }
+}
+
+QLineEdit* Sidebar::editor() const {
+    return state() == EditingState ? qobject_cast<QLineEdit*>(indexWidget(currentIndex()))
+                                   : nullptr;
+}
+
+void Sidebar::endEdit() {
+    toEdit_.reset();
+    if (QLineEdit* const open = editor(); open != nullptr) {
+        commitData(open);
+        closeEditor(open, QAbstractItemDelegate::NoHint);
+    }
+}
+
+// A window that loses its focus, as to a menu that is just going, takes it from the editor: it
+// comes back with the window.
+void Sidebar::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+    if (!isFilling_ && !isActiveWindow()) {
+        toEdit_ = group();
+    }
+    QTreeWidget::closeEditor(editor, hint);
 }
 
 void Sidebar::showWhole(const QTreeWidgetItem& section) {
@@ -254,6 +278,9 @@ void Sidebar::editName(const GroupTitle& title) {
 
 // The keys that switch what is chosen in the list, too.
 bool Sidebar::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate && toEdit_) {
+        editName(GroupTitle(*toEdit_));
+    }
     if (event->type() == QEvent::ShortcutOverride && group() &&
         switchOf(*static_cast<QKeyEvent*>(event))) {
         event->accept();
@@ -293,6 +320,7 @@ void Sidebar::dropEvent(QDropEvent* event) {
 }
 
 void Sidebar::choose(const SidebarPlace& place) {
+    endEdit();
     place_ = place;
     for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
         const QVariant number = (*item)->data(0, placeRole);

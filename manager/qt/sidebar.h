@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+class QLineEdit;
+
 namespace manager {
 
 /// What a place of the sidebar stands for.
@@ -50,12 +52,16 @@ public:
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     QStringList mimeTypes() const override;
     Qt::DropActions supportedDropActions() const override { return Qt::CopyAction; }
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
+    /// Of the name that is being edited; null: none is.
+    [[nodiscard]] QLineEdit* editor() const;
+    void endEdit();
     void addGroups(GroupKind kind, const Groups& groups);
     QTreeWidgetItem* addSection(const std::string& name);
     /// Leaves the names and numbers of a section the room that they need.
@@ -70,7 +76,7 @@ private:
     SidebarPlace place_;
     bool isFilling_ = false;
     Handlers handlers_;
-    std::optional<GroupTitle> toEdit_;
+    std::optional<GroupTitle> toEdit_; ///< once it is shown, or the window is active again
 };
 
 } // namespace manager
