@@ -43,6 +43,10 @@ void postLibraryChanged() {
     notify_post(changeNotification);
 }
 
+void postSetsChanged() {
+    notify_post(setsNotification);
+}
+
 bool sendLibraryChanged(const ChangeTarget& target) {
     OwnedDesc address;
     OwnedDesc event;

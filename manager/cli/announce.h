@@ -15,6 +15,12 @@ inline constexpr char managerSignature[5] = "QGLY";
 /// What is posted when the library or what is active has changed.
 inline constexpr const char* changeNotification = "org.glyphora.Glyphora.FontLibraryChanged";
 
+/// What is posted when a command has changed a collection or tag.
+inline constexpr const char* setsNotification = "org.glyphora.Glyphora.SetsChanged";
+
+/// Posts it. Without a session bus there is nobody to tell.
+void postSetsChanged();
+
 /// Posts the library-changed notification. Without a session bus there is nobody to tell.
 void postLibraryChanged();
 

@@ -3,6 +3,7 @@
 #include "manager/cli/groupops.h"
 
 #include "faces/namekey.h"
+#include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
 #include "manager/cli/groupchange.h"
@@ -65,6 +66,7 @@ int addToGroup(const Places& places, const GroupTitle& title, const std::vector<
             added.push_back(container);
         }
     });
+    postSetsChanged();
     // Told once it is written.
     for (const Container& container : added) {
         tally.add(title.text() + ": added", container);
@@ -106,6 +108,7 @@ int removeFromGroup(const Places& places, const GroupTitle& title,
             group.members.erase(rest, group.members.end());
         }
     });
+    postSetsChanged();
     if (names.empty()) {
         tally.add("removed " + title.text(), {{"name", title.name}});
     }
@@ -121,6 +124,7 @@ int renameGroup(const Places& places, const GroupTitle& title, const std::string
     }
     Tally tally(json, "renamed");
     static_cast<void>(changeGroup(places, {title, name}));
+    postSetsChanged();
     tally.add(title.text() + ": called " + name + " now", {{"name", name}});
     return tally.finish();
 }

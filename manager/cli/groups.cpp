@@ -146,4 +146,13 @@ std::optional<ContainerId> currentNumber(Library& library, const GroupMember& me
     return library.findPlace(containerOf(member));
 }
 
+Groups currentGroups(Library& library, Groups groups) {
+    for (Group& group : groups) {
+        for (GroupMember& member : group.members) {
+            member.id = currentNumber(library, member).value_or(ContainerId{});
+        }
+    }
+    return groups;
+}
+
 } // namespace manager

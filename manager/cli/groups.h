@@ -59,5 +59,8 @@ struct GroupTitle {
 [[nodiscard]] Container containerOf(const GroupMember& member);
 /// The member's number in this index. nullopt: the index does not know it.
 [[nodiscard]] std::optional<ContainerId> currentNumber(Library& library, const GroupMember& member);
+/// The groups with the numbers that their members have in this index; 0 of those that it does not
+/// know.
+[[nodiscard]] Groups currentGroups(Library& library, Groups groups);
 
 } // namespace manager

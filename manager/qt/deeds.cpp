@@ -8,7 +8,6 @@
 #include <QProcess>
 #include <QUndoCommand>
 
-#include <algorithm>
 #include <utility>
 
 namespace manager {
@@ -161,25 +160,6 @@ void Deeds::change(bool on, const QStringList& containers) {
         const std::string text = on ? translated("activate %1") : translated("deactivate %1");
         undo_.push(new SwitchDeed(*this, on, changed, QString::fromStdString(text).arg(name)));
     });
-}
-
-namespace {
-
-QStringList numbers(const std::vector<std::int32_t>& containers) {
-    QStringList list;
-    std::transform(containers.begin(), containers.end(), std::back_inserter(list),
-                   [](std::int32_t id) { return QString::number(id); });
-    return list;
-}
-
-} // namespace
-
-void Deeds::activate(const std::vector<std::int32_t>& containers) {
-    change(true, numbers(containers));
-}
-
-void Deeds::deactivate(const std::vector<std::int32_t>& containers) {
-    change(false, numbers(containers));
 }
 
 } // namespace manager

@@ -14,7 +14,6 @@
 #include <functional>
 #include <queue>
 #include <string>
-#include <vector>
 
 class QProcess;
 
@@ -37,9 +36,9 @@ public:
     // All of these follow one another: each begins when those before it have ended, so that they
     // are undone in the order in which the user wanted them.
 
-    /// Activates or deactivates containers; what has come of it can be undone.
-    void activate(const std::vector<std::int32_t>& containers);
-    void deactivate(const std::vector<std::int32_t>& containers);
+    /// Activates or deactivates containers, by what the commands call them; what has come of it can
+    /// be undone.
+    void change(bool on, const QStringList& containers);
     void undo();
     void redo();
     /// Runs a command, without undo.
@@ -56,7 +55,6 @@ private:
     friend class SwitchDeed;
     friend class GroupDeed;
 
-    void change(bool on, const QStringList& containers);
     void inTurn(std::function<void()> deed);
     void goOn();
     // At once: it is their turn.

@@ -9,7 +9,6 @@
 #include <QMenu>
 #include <QShortcut>
 
-#include <algorithm>
 #include <set>
 
 namespace manager {
@@ -126,13 +125,9 @@ void LibraryWindow::newGroup(GroupKind kind, const std::vector<std::int32_t>& co
 void LibraryWindow::switchGroup(bool on) {
     const auto title = sidebar_->group();
     const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;
-    std::vector<std::int32_t> containers;
-    if (group != nullptr) {
-        std::transform(
-            group->members.begin(), group->members.end(), std::back_inserter(containers),
-            [](const GroupMember& member) { return static_cast<std::int32_t>(member.id); });
+    if (group != nullptr && !group->members.empty()) {
+        switchNamed(on, {text(title->text())}); // whatever the numbers of its members are then
     }
-    switchContainers(on, containers);
 }
 
 void LibraryWindow::unmakeGroup() {
@@ -160,7 +155,8 @@ void LibraryWindow::keepOne() {
         tell({text(translated("Each copy of it lies among fonts that are nowhere else."))});
         return;
     }
-    groupDeeds_.add({GroupKind::Tag, translated("Duplicates")}, others);
+    // Commands ask for it by name, and users may change their language: it is not translated.
+    groupDeeds_.add({GroupKind::Tag, "Duplicates"}, others);
     switchContainers(false, active);
 }
 

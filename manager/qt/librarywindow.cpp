@@ -36,7 +36,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
              }),
       groupDeeds_(options.places, deeds_, [this] {
           tell({});
-          showGroups();
+          readSets();
       }) {
     setWindowTitle(text(translated("Glyphora Font Library")));
     sidebar_ = new Sidebar([this] { filter(); }, this);
@@ -62,22 +62,14 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->restoreState(settings.value(QStringLiteral("columns")).toByteArray());
     list_->setFocus();
 
-    if (notify_register_check(changeNotification, &changes_) != NOTIFY_STATUS_OK) {
-        changes_ = -1;
+    for (const char* const name : {changeNotification, setsNotification}) {
+        if (int token = 0; notify_register_check(name, &token) == NOTIFY_STATUS_OK) {
+            changes_.push_back(token);
+        }
     }
     constexpr int interval = 300; // milliseconds: a burst is read once
-    connect(&news_, &QTimer::timeout, this, [this] {
-        bool changed = false;
-        for (int check = 1; check != 0;) {
-            check = 0;
-            notify_check(changes_, &check);
-            changed = changed || check != 0;
-        }
-        if (changed) {
-            read();
-        }
-    });
-    if (changes_ >= 0) {
+    connect(&news_, &QTimer::timeout, this, [this] { takeNews(); });
+    if (!changes_.empty()) {
         news_.start(interval);
     }
     take(options.request);
@@ -87,8 +79,8 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
 LibraryWindow::~LibraryWindow() {
     deeds_.finish();
     delete takeCentralWidget(); // its views use the members
-    if (changes_ >= 0) {
-        notify_cancel(changes_);
+    for (const int token : changes_) {
+        notify_cancel(token);
     }
 }
 
@@ -132,26 +124,61 @@ void LibraryWindow::closeEvent(QCloseEvent* event) {
 }
 
 void LibraryWindow::read() {
-    reader_.read([this](std::shared_ptr<const LibraryView> view) { take(std::move(view)); });
+    reader_.read([this](std::shared_ptr<const LibraryView> view) { nextView_ = std::move(view); });
+    readSets();
 }
 
-void LibraryWindow::showGroups() {
+void LibraryWindow::takeNews() {
+    bool changed = false;
+    for (const int token : changes_) {
+        for (int check = 1; check != 0;) {
+            check = 0;
+            notify_check(token, &check);
+            changed = changed || check != 0;
+        }
+    }
+    if (changed) {
+        read();
+    }
+}
+
+void LibraryWindow::readSets() {
+    reader_.run([this, places = places_](Desk& desk) -> LibraryReader::Taker {
+        Groups groups;
+        std::vector<std::string> folders;
+        QString problem;
+        try {
+            groups = currentGroups(desk.library(), readGroups(places));
+            folders = readFolders(places);
+        } catch (const Error& error) {
+            problem = QString::fromUtf8(error.what());
+        }
+        return [this, groups = std::move(groups), folders = std::move(folders), problem] {
+            if (problem.isEmpty()) {
+                takeSets(groups, folders);
+            } else {
+                tell({problem});
+                takeSets(groups_, folders_); // as they were
+            }
+        };
+    });
+}
+
+void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
+    groups_ = std::move(groups);
+    folders_ = std::move(folders);
+    const bool isNew = nextView_ != nullptr;
+    if (isNew) {
+        view_ = std::exchange(nextView_, nullptr);
+    }
     if (view_ == nullptr) {
         return;
     }
-    try {
-        groups_ = readGroups(places_);
-        folders_ = readFolders(places_);
-    } catch (const Error& error) {
-        tell({QString::fromUtf8(error.what())});
-    }
     sidebar_->show(*view_, groups_, folders_);
-    filter();
-}
-
-void LibraryWindow::take(std::shared_ptr<const LibraryView> view) {
-    view_ = std::move(view);
-    showGroups();
+    if (!isNew) {
+        filter();
+        return;
+    }
     filters_->offer(*view_);
     findByFilters();
     if (whenShown_) {

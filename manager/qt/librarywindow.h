@@ -66,8 +66,10 @@ private:
     [[nodiscard]] std::vector<std::int32_t> chosenContainers() const;
     QWidget* makeList();
     void read();
-    void take(std::shared_ptr<const LibraryView> view);
-    void showGroups();
+    void takeSets(Groups groups, std::vector<std::string> folders);
+    /// Reads collections, tags and folders, and shows them, with the view that has come before.
+    void readSets();
+    void takeNews();
     void filter();
     [[nodiscard]] ListFilter filterOf(const SidebarPlace& place);
     void findByFilters();
@@ -76,6 +78,8 @@ private:
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
     void switchChosen(bool on);
     void switchContainers(bool on, const std::vector<std::int32_t>& containers);
+    /// Switches what the commands know by these names.
+    void switchNamed(bool on, const QStringList& containers);
     void toggleChosen();
     void addFolder();
     void addFiles();
@@ -88,6 +92,7 @@ private:
     preview::Faces faces_;
     FaceModel model_;
     std::shared_ptr<const LibraryView> view_;
+    std::shared_ptr<const LibraryView> nextView_; ///< to be shown with its sets
     Groups groups_;
     std::vector<std::string> folders_;
     LibraryReader reader_; ///< it calls the window
@@ -110,7 +115,7 @@ private:
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;
     QAction* collect_ = nullptr;
-    int changes_ = -1; ///< the token of news; negative: none come
+    std::vector<int> changes_; ///< the tokens of news
     QTimer news_;
     std::function<void()> whenShown_;
 };

@@ -11,6 +11,8 @@
 #include <QMenuBar>
 #include <QStatusBar>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace manager {
@@ -94,12 +96,15 @@ void LibraryWindow::switchContainers(bool on, const std::vector<std::int32_t>& c
     if (containers.empty()) {
         return;
     }
+    QStringList numbers;
+    std::transform(containers.begin(), containers.end(), std::back_inserter(numbers),
+                   [](std::int32_t id) { return QString::number(id); });
+    switchNamed(on, numbers);
+}
+
+void LibraryWindow::switchNamed(bool on, const QStringList& containers) {
     statusBar()->showMessage(text(on ? translated("Activating…") : translated("Deactivating…")));
-    if (on) {
-        deeds_.activate(containers);
-    } else {
-        deeds_.deactivate(containers);
-    }
+    deeds_.change(on, containers);
 }
 
 void LibraryWindow::toggleChosen() {

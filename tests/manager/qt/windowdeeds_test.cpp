@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 using namespace manager;
 
 namespace managertest {
@@ -54,6 +56,68 @@ TEST_F(TheWindowsDeeds, AreDoneThoughItIsClosedMeanwhile) {
     press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     window_.reset();
     EXPECT_TRUE(readGroups(sandbox_.places()).front().members.empty());
+}
+
+TEST_F(TheWindowsDeeds, EndTheEditingOfANameWhereAnotherPlaceIsChosen) {
+    open();
+    choose(1);
+    const auto makeTag = [this] {
+        window_->list().setFocus();
+        press(Qt::Key_T, Qt::ControlModifier);
+        ASSERT_TRUE(await([] { return QApplication::activePopupWidget() != nullptr; }));
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T); // New Tag
+        QApplication::setActiveWindow(window_.get()); // as a display does when a menu goes
+    };
+    const auto names = [this] {
+        std::vector<std::string> list;
+        for (const Group& group : window_->groups()) {
+            list.push_back(group.name);
+        }
+        return list;
+    };
+    Sidebar& sidebar = window_->sidebar();
+    const auto editor = [] { return qobject_cast<QLineEdit*>(QApplication::focusWidget()); };
+    makeTag();
+    ASSERT_TRUE(await([&] { return editor() != nullptr && sidebar.isAncestorOf(editor()); }));
+    QTest::keyClicks(editor(), QStringLiteral("Mi"));
+    glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("Else"),
+              QStringLiteral("Beta")}); // nothing else tells the window of it
+    ASSERT_TRUE(await([&] { return names().size() == 2; }));
+    QTest::keyClicks(editor(), QStringLiteral("ne"));
+    const SidebarPlace elsewhere{SidebarPlace::Kind::State, FaceState::Inactive, {}};
+    sidebar.choose(elsewhere);
+    EXPECT_TRUE(await([&] { return names() == std::vector<std::string>{"Else", "Mine"}; }));
+    EXPECT_EQ(sidebar.place(), elsewhere);
+    EXPECT_FALSE(sidebar.indexWidget(sidebar.currentIndex()));
+
+    makeTag();
+    sidebar.setCurrentIndex(sidebar.indexAbove(sidebar.currentIndex())); // before it is there
+    const SidebarPlace above = sidebar.place();
+    EXPECT_NE(above, elsewhere);
+    EXPECT_TRUE(await([&] { return names().size() == 3; }));
+    EXPECT_EQ(sidebar.place(), above);
+}
+
+TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAreByNow) {
+    sandbox_.write("aaa.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
+    glyphora({QStringLiteral("scan")});
+    glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("mine"),
+              QStringLiteral("Aaa")});
+    const ContainerId before = readGroups(sandbox_.places()).front().members.front().id;
+    for (const char* const end : {"", "-wal", "-shm"}) {
+        std::filesystem::remove(sandbox_.places().database() + end);
+    }
+    glyphora({QStringLiteral("scan")});
+    open();
+    chooseTag("mine");
+    EXPECT_EQ(heard(0), "Aaa, 1 style, inactive");
+    EXPECT_NE(window_->groups().front().members.front().id, before);
+    window_->sidebar().setFocus();
+    QTest::keyClick(&window_->sidebar(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(await([this] { return heard(0) == "Aaa, 1 style, active"; })) << heard(0);
+    window_->sidebar().choose({});
+    EXPECT_EQ(heard(1), "Alpha, 2 styles, inactive");
+    EXPECT_EQ(heard(2), "Beta, 1 style, inactive");
 }
 
 } // namespace

@@ -64,7 +64,8 @@ protected:
     }
     /// What a screen reader hears of a family, by its place.
     std::string heard(int row) {
-        QApplication::processEvents(); // it lays its rows out
+        QApplication::processEvents();
+        static_cast<void>(window_->list().visualRect(window_->model().index(0, 0))); // lays it out
         QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&window_->list());
         QAccessibleInterface* const cell = list->tableInterface()->cellAt(row, 0);
         return cell == nullptr ? "" : cell->text(QAccessible::Name).toStdString();
