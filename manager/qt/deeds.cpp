@@ -8,6 +8,8 @@
 #include <QProcess>
 #include <QUndoCommand>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace manager {
@@ -15,6 +17,7 @@ namespace manager {
 namespace {
 
 constexpr const char* commands[] = {"deactivate", "activate"};
+constexpr std::array cancellable = {"activate", "add", "collect", "deactivate", "scan"};
 constexpr const char* lists[] = {"deactivated", "activated"};
 
 } // namespace
@@ -112,6 +115,9 @@ void Deeds::start(const QStringList& arguments, Taker take) {
     running_ = process;
     const auto finish = [this, process, take = std::move(take)](const QStringList& failures) {
         running_ = nullptr;
+        if (follow_) {
+            follow_(std::nullopt);
+        }
         QStringList problems = failures;
         const QJsonObject done = QJsonDocument::fromJson(process->readAllStandardOutput()).object();
         const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
@@ -136,7 +142,38 @@ void Deeds::start(const QStringList& arguments, Taker take) {
                     finish({process->errorString()});
                 }
             });
-    process->start(QString::fromStdString(program_), arguments);
+    QStringList words = arguments;
+    if (std::find(cancellable.begin(), cancellable.end(), words.front()) != cancellable.end()) {
+        words.insert(1, QStringLiteral("--progress"));
+        connect(process, &QProcess::readyReadStandardError, this, [this] { readProgress(); });
+        if (follow_) {
+            follow_(DeedProgress{words.front()});
+        }
+    }
+    process->start(QString::fromStdString(program_), words);
+}
+
+void Deeds::readProgress() {
+    if (running_ == nullptr) {
+        return;
+    }
+    running_->setReadChannel(QProcess::StandardError);
+    while (running_->canReadLine()) {
+        const QJsonObject line = QJsonDocument::fromJson(running_->readLine()).object();
+        const QString work = line.value(QStringLiteral("work")).toString();
+        if (!work.isEmpty() && follow_) { // others are for people
+            const auto number = [&line](const char* name) {
+                return static_cast<std::size_t>(line.value(QLatin1String(name)).toInteger());
+            };
+            follow_(DeedProgress{work, number("done"), number("total")});
+        }
+    }
+}
+
+void Deeds::cancel() {
+    if (running_ != nullptr) {
+        running_->terminate();
+    }
 }
 
 void Deeds::change(bool on, const QStringList& containers) {

@@ -12,12 +12,20 @@
 #include <QUndoStack>
 
 #include <functional>
+#include <optional>
 #include <queue>
 #include <string>
 
 class QProcess;
 
 namespace manager {
+
+/// How far a command is.
+struct DeedProgress {
+    QString work; ///< as its lines of progress have it; at first the command
+    std::size_t done = 0;
+    std::size_t total = 0; ///< 0: not known
+};
 
 /// [main-thread]
 class Deeds : public QObject {
@@ -32,6 +40,13 @@ public:
     /// Brings to its end what was begun, and what follows it; to be called before the rest of the
     /// window goes.
     void finish();
+
+    /// `follow` is told how far commands are that can be cancelled, and nullopt when one has ended.
+    void follow(std::function<void(const std::optional<DeedProgress>&)> follow) {
+        follow_ = std::move(follow);
+    }
+    /// Asks such a command that runs to end at a safe point; what it did stays, and can be undone.
+    void cancel();
 
     // All of these follow one another: each begins when those before it have ended, so that they
     // are undone in the order in which the user wanted them.
@@ -60,11 +75,13 @@ private:
     // At once: it is their turn.
     void start(const QStringList& arguments, Taker take = {});
     void startWork(LibraryReader::Work work);
+    void readProgress();
     void end();
 
     std::string program_;
     LibraryReader& reader_;
     std::function<void(const QStringList&)> done_;
+    std::function<void(const std::optional<DeedProgress>&)> follow_;
     QUndoStack undo_;
     bool isBusy_ = false;
     QProcess* running_ = nullptr; ///< null: the reader is, if anybody

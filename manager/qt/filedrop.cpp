@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/filedrop.h"
 
+#include "faces/fontfile.h"
+#include "manager/cli/archivenames.h"
+
 #include <QDropEvent>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QUrl>
 #include <QWidget>
 
+#include <algorithm>
 #include <utility>
 
 namespace manager {
@@ -23,6 +28,13 @@ QStringList localPaths(const QMimeData& data) {
     return paths;
 }
 
+bool isAnyOfUse(const QStringList& paths) {
+    return std::any_of(paths.begin(), paths.end(), [](const QString& path) {
+        const std::string name = path.toStdString();
+        return faces::hasFontFileName(name) || hasArchiveName(name) || QFileInfo(path).isDir();
+    });
+}
+
 } // namespace
 
 FileDrop::FileDrop(QWidget& window, std::function<void(const QStringList&)> dropped)
@@ -38,7 +50,7 @@ bool FileDrop::eventFilter(QObject* /*window*/, QEvent* event) {
     }
     auto& drop = *static_cast<QDropEvent*>(event);
     const QStringList paths = localPaths(*drop.mimeData());
-    if (paths.isEmpty()) {
+    if (!isAnyOfUse(paths)) {
         drop.ignore();
         return true;
     }

@@ -4,6 +4,7 @@
 #include "manager/cli/announce.h"
 #include "manager/library/folders.h"
 #include "manager/qt/filedrop.h"
+#include "manager/qt/progressline.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
@@ -52,6 +53,9 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->setSizes({220, 545, 415});
     splitter_->setChildrenCollapsible(false);
     setCentralWidget(splitter_);
+    auto* const progress = new ProgressLine([this] { deeds_.cancel(); }, this);
+    deeds_.follow([progress](const auto& deed) { progress->show(deed); });
+    statusBar()->addPermanentWidget(progress);
     count_ = new QLabel(this);
     statusBar()->addPermanentWidget(count_);
     makeActions();

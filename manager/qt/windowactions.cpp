@@ -122,7 +122,9 @@ void LibraryWindow::addFolder() {
 void LibraryWindow::addFiles() {
     const QStringList files = QFileDialog::getOpenFileNames(
         this, text(translated("Add copies of font files to the library")), {},
-        text(translated("Fonts")) + QStringLiteral(" (*.ttf *.otf *.ttc *.otc *.pfb *.pfa *.t1)"));
+        text(translated("Fonts")) +
+            QStringLiteral(" (*.ttf *.otf *.ttc *.otc *.pfb *.pfa *.t1 *.zip *.7z *.tar "
+                           "*.tar.* *.tgz *.tbz2 *.txz)"));
     if (!files.isEmpty()) {
         add(files);
     }
