@@ -3,10 +3,14 @@
 #include "manager/view/texts.h"
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QFileDialog>
+#include <QStatusBar>
+#include <QTimer>
 #include <QUndoStack>
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 
 using namespace manager;
@@ -98,7 +102,38 @@ TEST_F(TheWindowsDeeds, EndTheEditingOfANameWhereAnotherPlaceIsChosen) {
     EXPECT_EQ(sidebar.place(), above);
 }
 
-TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAreByNow) {
+TEST_F(TheWindowsDeeds, CollectWhatIsChosenIntoAFolderForOutput) {
+    open();
+    choose(1);
+    const std::string target = sandbox_.root() + "/to print";
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, &answer, [&] {
+        if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+            answer.stop();
+            dialog->selectFile(QString::fromStdString(target));
+            static_cast<QDialog*>(dialog)->accept();
+        }
+    });
+    answer.start(0);
+    const QList<QAction*> actions = window_->list().actions();
+    const auto collect = std::find_if(actions.begin(), actions.end(), [](const QAction* action) {
+        return action->text() == QString::fromUtf8("Collect for &Output…");
+    });
+    ASSERT_NE(collect, actions.end());
+    (*collect)->trigger();
+    const std::string told = "1 font file copied to " + target + ", with a list of licences";
+    EXPECT_TRUE(await([&] { return window_->statusBar()->currentMessage().toStdString() == told; }))
+        << window_->statusBar()->currentMessage().toStdString();
+    std::vector<std::string> fonts;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(target)) {
+        if (entry.path().extension() == ".ttf") {
+            fonts.push_back(entry.path().filename());
+        }
+    }
+    EXPECT_THAT(fonts, testing::ElementsAre("beta.ttf"));
+}
+
+TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
     sandbox_.write("aaa.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
     glyphora({QStringLiteral("scan")});
     glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("mine"),
