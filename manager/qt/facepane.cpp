@@ -127,6 +127,7 @@ void FacePane::readLook() {
             applyLook(); // it keeps its look
         } else if (dressed_) {
             dressed_.reset();
+            offered_.reset();
             look_->clear();
         }
         return;
@@ -154,6 +155,7 @@ void FacePane::readLook() {
         return [this, id, face, instances] {
             if (dressed_ == id) { // else another one was chosen meanwhile
                 look_->offer(face, instances);
+                offered_ = id;
                 applyLook();
             }
         };
@@ -161,7 +163,7 @@ void FacePane::readLook() {
 }
 
 void FacePane::applyLook() {
-    if (shown_.size() != 1 || dressed_ != shown_.front().id) {
+    if (shown_.size() != 1 || offered_ != shown_.front().id) {
         return;
     }
     shown_.front().axes = look_->axes();

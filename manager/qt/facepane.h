@@ -64,6 +64,7 @@ private:
     LibraryReader& reader_;
     std::vector<ShownFace> shown_;
     std::optional<FaceId> dressed_;  ///< whose axes and features are offered, or read
+    std::optional<FaceId> offered_;  ///< whose are by now
     std::optional<FaceId> lettered_; ///< whose characters are shown, or read
 };
 

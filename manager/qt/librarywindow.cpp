@@ -15,6 +15,8 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace manager {
@@ -23,6 +25,26 @@ namespace {
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
+}
+
+/// Adds to equal names what tells them apart: the file's, or where it lies.
+void tellApart(std::vector<ShownFace>& faces) {
+    std::map<std::string, std::vector<ShownFace*>> namesakes;
+    for (ShownFace& face : faces) {
+        namesakes[face.name].push_back(&face);
+    }
+    for (const auto& [name, same] : namesakes) {
+        std::set<std::string> files;
+        for (const ShownFace* const face : same) {
+            files.insert(nameOf(face->file));
+        }
+        for (ShownFace* const face : same) {
+            if (same.size() > 1) {
+                face->name += "  " + (files.size() == same.size() ? nameOf(face->file)
+                                                                  : folderOf(face->file));
+            }
+        }
+    }
 }
 
 } // namespace
@@ -193,13 +215,17 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
 void LibraryWindow::showChosen() {
     const FaceTable& table = model_.listing().view().table;
     ChosenFaces chosen;
-    const auto nameOf = [&](const ListedFace& face) {
+    const auto called = [&](const ListedFace& face) {
         return table.families()[face.family].name + " " + face.style;
     };
     const auto add = [&](FaceRow row) {
         const ListedFace& face = table.faces()[row];
-        if (chosen.faces.size() < FacePane::most) {
-            chosen.faces.push_back({face.id, nameOf(face), table.pathOf(face), face.index});
+        // A family's sample may be chosen by itself, too.
+        const bool isNew =
+            std::none_of(chosen.faces.begin(), chosen.faces.end(),
+                         [&](const ShownFace& known) { return known.id == face.id; });
+        if (isNew && chosen.faces.size() < FacePane::most) {
+            chosen.faces.push_back({face.id, called(face), table.pathOf(face), face.index});
         }
     };
     const QModelIndexList rows = list_->selectionModel()->selectedRows();
@@ -213,6 +239,7 @@ void LibraryWindow::showChosen() {
             add(*sample);
         }
     }
+    tellApart(chosen.faces);
     if (rows.size() == 1) {
         const ListRow row = model_.row(rows.front());
         chosen.title = row.title;
@@ -222,7 +249,7 @@ void LibraryWindow::showChosen() {
         }
         if (row.sample && !(isDrawing && row.isFamily)) {
             const ListedFace& face = table.faces()[*row.sample];
-            chosen.title = text(row.isFamily ? table.families()[face.family].name : nameOf(face));
+            chosen.title = text(row.isFamily ? table.families()[face.family].name : called(face));
             chosen.why += QStringLiteral("\n") + text(table.pathOf(face));
         }
     } else if (!rows.empty()) {

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/lookpanel.h"
 
+#include "manager/qt/colours.h"
 #include "manager/qt/flowlayout.h"
 #include "manager/view/featurenames.h"
 #include "manager/view/texts.h"
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QPushButton>
+#include <QStyleOption>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -25,10 +29,25 @@ QString text(const std::string& plain) {
     return QString::fromStdString(plain);
 }
 
+/// Boxes whose outline can be seen on any paper: the toolkit's own is the paper, a little darker.
+class OutlinedBoxes : public QProxyStyle {
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element == PE_IndicatorCheckBox && baseStyle()->name() == QLatin1String("fusion")) {
+            painter->setPen(colourOf(FaceState::Inactive, isDark(option->palette)));
+            painter->setBrush(Qt::NoBrush);
+            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        }
+    }
+};
+
 } // namespace
 
 LookPanel::LookPanel(std::function<void()> changed, QWidget* parent)
-    : QScrollArea(parent), changed_(std::move(changed)) {
+    : QScrollArea(parent), changed_(std::move(changed)), boxes_(new OutlinedBoxes) {
+    boxes_->setParent(this);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -124,6 +143,7 @@ void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& i
 void LookPanel::addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances) {
     instances_ = new QComboBox;
     instances_->setAccessibleName(text(translated("Named instance")));
+    instances_->setPlaceholderText(text(translated("Set by hand")));
     instances_->addItem(text(translated("As chosen")));
     for (const faces::Face& instance : instances) {
         instances_->addItem(text(instance.names.front().style));
@@ -157,6 +177,9 @@ void LookPanel::addAxis(QGridLayout& grid, const faces::Axis& axis, double own) 
     connect(value, &QDoubleSpinBox::valueChanged, this, [this, slider](double place) {
         const QSignalBlocker blocker(slider); // it would round what was typed
         slider->setValue(static_cast<int>(std::lround(place * steps)));
+        if (!isMoving_) {
+            showInstance();
+        }
         tell();
     });
     const int row = grid.rowCount();
@@ -172,6 +195,7 @@ void LookPanel::addFeatures(QVBoxLayout& column, const std::vector<std::string>&
     for (const std::string& tag : tags) {
         if (isChoice(tag) && !features_.contains(tag)) {
             auto* const box = new QCheckBox(text(featureName(tag)));
+            box->setStyle(boxes_);
             box->setChecked(isOnByItself(tag));
             flow->addWidget(box);
             features_.emplace(tag, box);
@@ -197,7 +221,32 @@ void LookPanel::move(const Places& places) {
         }
     }
     isMoving_ = false;
+    showInstance();
     tell();
+}
+
+void LookPanel::showInstance() {
+    if (instances_ == nullptr) {
+        return;
+    }
+    const auto isThere = [this](int place) {
+        constexpr double rounding = 0.006; // of a field that shows two digits
+        const Places& instance = places_[static_cast<std::size_t>(place)];
+        return std::all_of(axes_.begin(), axes_.end(), [&](const auto& axis) {
+            const auto& [tag, fields] = axis;
+            const auto value = instance.find(tag);
+            return value != instance.end() &&
+                   std::abs(value->second - fields.value->value()) < rounding;
+        });
+    };
+    int shown = instances_->currentIndex();
+    if (shown >= 0 && isThere(shown)) {
+        return; // others may stand there, too
+    }
+    for (shown = instances_->count() - 1; shown >= 0 && !isThere(shown);) {
+        --shown;
+    }
+    instances_->setCurrentIndex(shown);
 }
 
 void LookPanel::reset() {

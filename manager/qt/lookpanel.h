@@ -63,11 +63,14 @@ private:
     void addReset(QBoxLayout& row);
     void move(const Places& places);
     void tell();
+    /// Has the box name the instance where the axes stand, if there is one.
+    void showInstance();
     [[nodiscard]] int neededHeight() const;
     void fit();
     void reset();
 
     std::function<void()> changed_;
+    QStyle* boxes_;
     std::map<std::string, AxisFields> axes_;
     std::map<std::string, QCheckBox*> features_;
     QComboBox* instances_ = nullptr;

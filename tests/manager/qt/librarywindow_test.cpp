@@ -128,8 +128,16 @@ TEST_F(TheLibrarysWindow, DrawsAFaceWhereItsAxesAreMovedByKeys) {
     QTest::keyClick(pane.look().slider("wght"), Qt::Key_End);
     EXPECT_EQ(pane.look().value("wght")->value(), 900);
     EXPECT_NE(drawn(), before);
+    EXPECT_EQ(pane.look().instances()->currentIndex(), -1) << "none stands there";
+    QTest::keyClick(pane.look().instances(), Qt::Key_Down);
+    EXPECT_EQ(pane.look().value("wght")->value(), 400);
     QTest::keyClick(pane.look().instances(), Qt::Key_Down);
     EXPECT_EQ(pane.look().value("wght")->value(), 500);
+    const QString instance = pane.look().instances()->currentText();
+    pane.look().value("wght")->setValue(501);
+    EXPECT_EQ(pane.look().instances()->currentText(), QString());
+    pane.look().value("wght")->setValue(500);
+    EXPECT_EQ(pane.look().instances()->currentText(), instance);
     QTest::keyClick(pane.look().instances(), Qt::Key_Up);
     EXPECT_EQ(drawn(), before);
     QTest::keyClick(pane.look().slider("wght"), Qt::Key_End);
@@ -138,6 +146,23 @@ TEST_F(TheLibrarysWindow, DrawsAFaceWhereItsAxesAreMovedByKeys) {
     choose(2);
     ASSERT_TRUE(await([&] { return pane.look().instances() != nullptr; }));
     EXPECT_EQ(drawn(), before);
+}
+
+TEST_F(TheLibrarysWindow, ComparesEachFaceOnceAndTellsNamesakesApart) {
+    sandbox_.write("copy/beta.ttf", testsupport::makeFont({"Beta", "Regular", "Beta-Regular"}));
+    sandbox_.write("more/other.ttf", testsupport::makeFont({"Alpha", "Regular", "Alpha-Regular"}));
+    glyphora({QStringLiteral("scan")});
+    open();
+    window_->list().expandAll();
+    window_->list().selectAll();
+    const std::string heard = window_->pane().waterfall().accessibleDescription().toStdString();
+    const std::string names = ", " + heard.substr(0, heard.find(": ")) + ",";
+    for (const std::string& name :
+         {std::string("Alpha Bold"), std::string("Alpha Regular  other.ttf"),
+          std::string("Alpha Regular  alpha-Regular.ttf"), "Beta Regular  " + sandbox_.library()}) {
+        EXPECT_THAT(names, testing::HasSubstr(", " + name + ","));
+    }
+    EXPECT_EQ(std::count(names.begin(), names.end(), ','), 6) << names;
 }
 
 TEST_F(TheLibrarysWindow, AddsFoldersAndFilesThatAreDroppedAnywhereInIt) {

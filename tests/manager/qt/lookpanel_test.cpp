@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// The axes and features that a face is drawn with.
+#include "manager/qt/lookpanel.h"
+#include "tests/manager/qt/windowfixture.h"
+
+#include <QPushButton>
+#include <QStyleOptionButton>
+
+#include <cmath>
+#include <gmock/gmock.h>
+
+using namespace manager;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace managertest {
+
+namespace {
+
+double luminance(const QColor& colour) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+class TheLookPanel : public testing::Test {
+protected:
+    TheLookPanel() {
+        application();
+        panel_.emplace([this] { ++changes_; }, nullptr);
+        panel_->resize(500, 300);
+        panel_->show();
+    }
+    void offer(const std::vector<std::string>& features) {
+        faces::Face face;
+        face.features = features;
+        panel_->offer(face, {});
+        QApplication::processEvents(); // it lays them out
+    }
+
+    int changes_ = 0;
+    std::optional<LookPanel> panel_;
+};
+
+TEST_F(TheLookPanel, KeepsFeaturesOverAChangeOfFaceUntilTheyAreReset) {
+    offer({"liga", "onum", "smcp"});
+    panel_->feature("smcp")->click();
+    panel_->feature("liga")->click();
+    panel_->feature("onum")->click();
+    EXPECT_EQ(changes_, 3);
+    EXPECT_THAT(panel_->features(), ElementsAre("liga=0", "onum", "smcp"));
+    offer({"liga", "smcp", "ss01"});
+    EXPECT_THAT(panel_->features(), ElementsAre("liga=0", "smcp"));
+    panel_->findChild<QPushButton*>()->click();
+    EXPECT_EQ(changes_, 4) << "told once";
+    EXPECT_THAT(panel_->features(), IsEmpty());
+    EXPECT_TRUE(panel_->feature("liga")->isChecked());
+}
+
+TEST_F(TheLookPanel, SetsBoxesSideBySideWhereThereIsRoom) {
+    offer({"smcp", "onum"});
+    const QWidget& first = *panel_->feature("smcp");
+    const QWidget& second = *panel_->feature("onum");
+    EXPECT_EQ(first.y(), second.y());
+    EXPECT_GE(second.x(), first.geometry().right());
+    panel_->resize(first.width() + 20, 300);
+    EXPECT_TRUE(await([&] { return second.y() > first.y(); }));
+}
+
+TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
+    for (const bool dark : {false, true}) {
+        QPalette palette;
+        palette.setColor(QPalette::Window, dark ? QColor(0x2b, 0x2b, 0x2e) : Qt::white);
+        palette.setColor(QPalette::Base, dark ? QColor(0x1f, 0x1f, 0x22) : Qt::white);
+        palette.setColor(QPalette::Text, dark ? Qt::white : Qt::black);
+        panel_->setPalette(palette);
+        offer({"smcp"});
+        QCheckBox& box = *panel_->feature("smcp");
+        QStyleOptionButton option;
+        option.initFrom(&box);
+        const QRect mark = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
+        const QImage image = box.grab().toImage();
+        const QPoint edge(mark.left(), mark.center().y());
+        EXPECT_GE(contrast(image.pixelColor(edge), palette.color(QPalette::Window)), 3) << dark;
+        EXPECT_GE(contrast(image.pixelColor(edge), palette.color(QPalette::Base)), 3) << dark;
+    }
+}
+
+} // namespace
+
+} // namespace managertest
