@@ -105,7 +105,7 @@ public:
         Unpacking unpacking(archive, tally_);
         std::vector<UnpackedFile> files = unpacking.unpack(hidden.files());
         std::vector<std::pair<std::string, const ReadFont*>> taken;
-        const auto [fonts, outcomes] = readFonts(files);
+        const std::vector<FontFileOutcome> outcomes = readFonts(files);
         std::size_t known = 0;
         std::size_t position = 0;
         std::string twin;
@@ -129,7 +129,7 @@ public:
             return false;
         });
         if (taken.empty()) {
-            tellNothing(archive, fonts.size(), known, twin);
+            tellNothing(archive, outcomes.size(), known, twin);
         } else {
             const std::size_t count = unpacking.putInPlace(files, hidden.whole());
             hidden.sync();
@@ -137,7 +137,7 @@ public:
             for (const auto& [place, font] : taken) {
                 remember(joinPath(target, place), *font);
             }
-            tellTaken(archive, target, count, fonts.size(), known);
+            tellTaken(archive, target, count, outcomes.size(), known);
         }
         unpacking.finish();
     }
@@ -150,16 +150,14 @@ private:
             places, [&] { return containersOnDisk(places); }, warn);
     }
 
-    static std::pair<std::vector<std::string>, std::vector<FontFileOutcome>>
-    readFonts(const std::vector<UnpackedFile>& files) {
+    static std::vector<FontFileOutcome> readFonts(const std::vector<UnpackedFile>& files) {
         std::vector<std::string> fonts;
         for (const UnpackedFile& file : files) {
             if (file.place.kind == EntryKind::Font) {
                 fonts.push_back(file.path);
             }
         }
-        auto outcomes = readAll(fonts);
-        return {std::move(fonts), std::move(outcomes)};
+        return readAll(fonts);
     }
 
     void tellNothing(const std::string& archive, std::size_t fonts, std::size_t known,
