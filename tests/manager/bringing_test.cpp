@@ -203,12 +203,17 @@ TEST_F(BroughtArchive, IsRefusedWhenItIsEncryptedOrNoneOrHasNoFonts) {
     makeArchive(path("empty.zip"), {{"README", "no fonts"}});
     writeBytes(path("none.7z"), "something else");
     makeArchive(path("good.zip"), {{"b.ttf", font("B")}});
-    const auto told =
-        bring({path("secret.zip"), path("empty.zip"), path("none.7z"), path("good.zip")});
+    makeArchive(path("cut.tar"), {{"c.ttf", font("C")}, {"d.ttf", font("D")}});
+    const std::string tape = readBytes(path("cut.tar"));
+    const std::size_t blocks = tape.find_last_not_of('\0') / 512 + 1;
+    writeBytes(path("cut.tar"), tape.substr(0, blocks * 512)); // both are whole
+    const auto told = bring({path("secret.zip"), path("empty.zip"), path("none.7z"),
+                             path("cut.tar"), path("good.zip")});
     EXPECT_THAT(files(), ElementsAre("good/b.ttf")) << "each costs only itself";
     EXPECT_THAT(problems(told), HasSubstr("secret.zip: a.ttf: encrypted; nothing of it was added"));
     EXPECT_THAT(problems(told), HasSubstr("empty.zip: there is no font file in it"));
     EXPECT_THAT(problems(told), HasSubstr("none.7z: no archive that is whole"));
+    EXPECT_THAT(problems(told), HasSubstr("cut.tar: no archive that is whole: its end is missing"));
 }
 
 TEST_F(BroughtArchive, IsRefusedBeyondItsLimits) {
