@@ -8,6 +8,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
+#include "manager/cli/fontfiles.h"
 #include "manager/cli/history.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/progress.h"
@@ -165,13 +166,15 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
                     const Reason& reason, bool json) {
     const CancelBySignals cancel;
     Tally tally(json, "activated");
+    const bool forSession = reason.kind == Reason::Kind::UntilLogout;
+    const std::vector<std::string> meant = containersOfFiles(places, names, forSession, tally);
     Activation activation(places);
     ContainerNames finder(
         places, activation, [&] { return openScanned(places); }, tally);
     std::vector<ContainerFonts> fonts;
     std::vector<ContainerId> ids;
     std::vector<Told> told;
-    for (const Container& container : finder.find(names)) {
+    for (const Container& container : finder.find(meant)) {
         checkCancelled();
         const bool active = activation.isActive(container);
         if (container.away && !active) {

@@ -6,6 +6,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/buyops.h"
 #include "manager/cli/collectops.h"
+#include "manager/cli/fontfiles.h"
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/options.h"
@@ -164,7 +165,7 @@ private:
             jsonless(app_, "show", "Show the library in a window", [this](const Places& places) {
                 return showCommand(places, options_.names, options_.request, options_.pictures);
             });
-        addNames(*show, "word", "What to search for");
+        addNames(*show, "word", "What to search for, or a font file to look at");
         show->add_flag("--request", options_.request,
                        "Show what may be used for the fonts of a command on standard input");
         addText(*show, "--pictures", "FOLDER", "Write pictures of the views instead",
@@ -257,8 +258,11 @@ private:
                                return settleCommand(places, options_.names);
                            }),
                  "word", "The process, and its containers");
+        addNames(*jsonless(app_, "read-fonts", "Tell a window what font files hold",
+                           [this](const Places&) { return readFontsCommand(options_.names); }),
+                 "file", "A font file");
         jsonless(app_, "kick", "Tell programs", [](const Places&) { return kickCommand(); });
-        for (const char* own : {"settle", "kick"}) {
+        for (const char* own : {"settle", "kick", "read-fonts"}) {
             app_.get_subcommand(own)->group("");
         }
     }

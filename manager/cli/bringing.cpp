@@ -210,12 +210,17 @@ private:
         for (const faces::Face& face : font.contents.faces) {
             for (const FaceMatch& match : library_->findByPostScriptName(face.postScriptName)) {
                 std::string known = joinPath(match.folder, match.fileName);
-                if (haveEqualBytes(known, file)) {
+                if (!isForSession(known) && haveEqualBytes(known, file)) {
                     return known;
                 }
             }
         }
         return {};
+    }
+
+    [[nodiscard]] bool isForSession(const std::string& known) const {
+        const std::string session = sessionFolder(places_);
+        return !session.empty() && liesUnder(known, session);
     }
 
     /// Moves what is whole to a name in the folder that is free; returns its path.

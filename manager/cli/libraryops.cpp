@@ -5,6 +5,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/bringing.h"
+#include "manager/cli/fontfiles.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/onewindow.h"
 #include "manager/cli/progress.h"
@@ -13,6 +14,7 @@
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
 #include "manager/view/texts.h"
+#include "system/displays.h"
 #include "system/translation.h"
 
 #include <algorithm>
@@ -156,6 +158,10 @@ std::unique_ptr<Library> openScanned(const Places& places) {
     return library;
 }
 
+std::vector<std::string> scanNow(const Places& places) {
+    return scan(places, false).problems;
+}
+
 int addCommand(const Places& places, const std::vector<std::string>& paths, bool json) {
     const CancelBySignals cancel;
     Tally tally(json, "added");
@@ -225,7 +231,16 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
                           .pictures = pictures};
     std::string& search = options.request.search;
     for (const std::string& word : words) {
-        search += (search.empty() ? "" : " ") + word;
+        if (meansFontFile(word)) {
+            options.request.files.push_back(std::filesystem::absolute(word).string());
+        } else {
+            search += (search.empty() ? "" : " ") + word;
+        }
+    }
+    if (pictures.empty() && !sys::namesDisplay() && !options.request.files.empty()) {
+        // Nobody will see in a window what is wrong with them.
+        const auto problems = problemsOf(options.request.files);
+        std::for_each(problems.begin(), problems.end(), warn);
     }
     if (asked) {
         options.request.command = readInput();

@@ -4,9 +4,11 @@
 
 #include "manager/cli/announce.h"
 #include "manager/library/error.h"
+#include "manager/library/fields.h"
 #include "platform/application.h"
 
 #include <string>
+#include <utility>
 
 namespace manager {
 
@@ -16,6 +18,7 @@ constexpr char signature[5] = "QGLW";
 constexpr AEEventClass requestClass = FourCharCode("QGLW");
 constexpr AEEventID requestId = FourCharCode("show");
 constexpr AEKeyword commandKey = FourCharCode("cmnd");
+constexpr AEKeyword filesKey = FourCharCode("file");
 
 OSStatus send(const WindowRequest& request) {
     OwnedDesc address;
@@ -26,8 +29,13 @@ OSStatus send(const WindowRequest& request) {
         status = AECreateAppleEvent(requestClass, requestId, &address, kAutoGenerateReturnID,
                                     kAnyTransactionID, &event);
     }
-    for (const auto& [key, text] : {std::pair(AEKeyword{keyDirectObject}, &request.search),
-                                    std::pair(commandKey, &request.command)}) {
+    std::string files;
+    for (const std::string& file : request.files) {
+        files += joinFields({file});
+    }
+    for (const auto& [key, text] :
+         {std::pair(AEKeyword{keyDirectObject}, &request.search),
+          std::pair(commandKey, &request.command), std::pair(filesKey, &std::as_const(files))}) {
         if (status == noErr) {
             status =
                 AEPutParamPtr(&event, key, typeChar, text->data(), static_cast<Size>(text->size()));
@@ -76,8 +84,14 @@ WindowRequests::WindowRequests(std::function<void(const WindowRequest&)> take)
     : take_(std::move(take)), handler_(requestClass, requestId, handle, this) {}
 
 OSErr WindowRequests::handle(const AppleEvent* event, AppleEvent* /*reply*/, void* own) {
-    static_cast<WindowRequests*>(own)->take_(
-        {textOf(event, keyDirectObject), textOf(event, commandKey)});
+    WindowRequest request{textOf(event, keyDirectObject), textOf(event, commandKey), {}};
+    const std::string files = textOf(event, filesKey);
+    for (const std::string_view line : splitLines(files)) {
+        if (auto fields = splitFields(line)) {
+            request.files.push_back(std::move(fields->front()));
+        }
+    }
+    static_cast<WindowRequests*>(own)->take_(request);
     return noErr;
 }
 

@@ -6,6 +6,8 @@
 #include "manager/library/fields.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
@@ -45,7 +47,9 @@ FileLock lockFolders(const Places& places) {
 
 } // namespace
 
-std::vector<std::string> readFolders(const Places& places) {
+namespace {
+
+std::vector<std::string> readRecorded(const Places& places) {
     std::error_code code;
     if (std::filesystem::symlink_status(places.folders(), code).type() ==
         std::filesystem::file_type::not_found) {
@@ -68,6 +72,44 @@ std::vector<std::string> readFolders(const Places& places) {
     return folders;
 }
 
+} // namespace
+
+std::vector<std::string> readFolders(const Places& places) {
+    std::vector<std::string> folders = readRecorded(places);
+    if (std::string session = sessionFolder(places); !session.empty()) {
+        folders.push_back(std::move(session));
+    }
+    return folders;
+}
+
+std::string sessionFolder(const Places& places) {
+    std::error_code code;
+    const auto folder = std::filesystem::canonical(places.sessionFonts(), code);
+    return code ? std::string() : folder.string();
+}
+
+std::string makeSessionFolder(const Places& places) {
+    const FileLock lock = lockFolders(places);
+    if (std::string known = sessionFolder(places); !known.empty()) {
+        return known;
+    }
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime == nullptr || *runtime != '/') {
+        throw Error("XDG_RUNTIME_DIR names no folder that goes when the session ends");
+    }
+    std::string folder = joinPath(runtime, "glyphora-fonts-XXXXXX");
+    if (mkdtemp(folder.data()) == nullptr) {
+        throw systemError(folder, "cannot be made", errno);
+    }
+    std::error_code code;
+    std::filesystem::remove(places.sessionFonts(), code); // one of a session that has ended
+    std::filesystem::create_directory_symlink(folder, places.sessionFonts(), code);
+    if (code) {
+        throw systemError(places.sessionFonts(), "cannot be made", code.value());
+    }
+    return sessionFolder(places);
+}
+
 std::vector<std::string> addFolders(const Places& places, std::span<const std::string> folders) {
     std::vector<std::string> paths;
     std::transform(folders.begin(), folders.end(), std::back_inserter(paths), canonical);
@@ -80,7 +122,7 @@ std::vector<std::string> addFolders(const Places& places, std::span<const std::s
     }
 
     const FileLock lock = lockFolders(places);
-    std::vector<std::string> recorded = readFolders(places);
+    std::vector<std::string> recorded = readRecorded(places);
     std::vector<std::string> added;
     for (std::string& path : paths) {
         const bool known = std::any_of(recorded.begin(), recorded.end(),
@@ -98,7 +140,7 @@ std::vector<std::string> addFolders(const Places& places, std::span<const std::s
 
 std::vector<std::string> removeFolders(const Places& places, std::span<const std::string> folders) {
     const FileLock lock = lockFolders(places);
-    std::vector<std::string> recorded = readFolders(places);
+    std::vector<std::string> recorded = readRecorded(places);
     std::vector<std::string> removed;
     for (const std::string& folder : folders) {
         std::error_code code;

@@ -24,6 +24,9 @@ struct Places {
     [[nodiscard]] std::string scanLock() const { return own() + "/scan.lock"; }
     /// Copies of font files that were added by themselves.
     [[nodiscard]] std::string singleFonts() const { return own() + "/fonts"; }
+    /// A link to a folder that goes when the user's session ends, of font files that were activated
+    /// for it without being added; there once one was.
+    [[nodiscard]] std::string sessionFonts() const { return own() + "/session-fonts"; }
     /// The folder that fontconfig sees; each container has a folder of its own in it.
     [[nodiscard]] std::string fonts() const { return data + "/fonts/glyphora"; }
 };

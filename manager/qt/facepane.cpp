@@ -19,9 +19,9 @@ QString text(const std::string& plain) {
 
 } // namespace
 
-FacePane::FacePane(preview::Faces& faces, LibraryReader& reader,
+FacePane::FacePane(preview::Faces& faces, FaceSource& source,
                    std::function<void(const QString&)> wrote, QWidget* parent)
-    : QWidget(parent), reader_(reader) {
+    : QWidget(parent), source_(source) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(6, 6, 6, 6);
     title_ = new QLabel(this);
@@ -106,15 +106,10 @@ void FacePane::showCharacters() {
         return;
     }
     lettered_ = face.id;
-    reader_.run([this, face](Desk& desk) -> LibraryReader::Taker {
-        const auto details = desk.library().face(face.id);
-        auto characters = std::make_shared<const Characters>(details ? details->face.coverage
-                                                                     : faces::Coverage());
-        return [this, face, characters = std::move(characters)] {
-            if (lettered_ == face.id) { // else another one was chosen meanwhile
-                characters_->show(face, characters);
-            }
-        };
+    source_.readCharacters(face.id, [this, face](std::shared_ptr<const Characters> characters) {
+        if (lettered_ == face.id) { // else another one was chosen meanwhile
+            characters_->show(face, std::move(characters));
+        }
     });
 }
 
@@ -138,28 +133,14 @@ void FacePane::readLook() {
         return;
     }
     dressed_ = id;
-    reader_.run([this, id](Desk& desk) -> LibraryReader::Taker {
-        auto details = desk.library().face(id);
-        std::vector<faces::Face> instances;
-        if (details && !details->face.axes.empty()) {
-            for (FaceDetails& other : desk.library().faces(details->match.container)) {
-                constexpr std::uint32_t ofFile = 0xffff;
-                if (other.match.folder == details->match.folder &&
-                    other.match.fileName == details->match.fileName && other.face.index > ofFile &&
-                    (other.face.index & ofFile) == (details->face.index & ofFile)) {
-                    instances.push_back(std::move(other.face));
-                }
-            }
-        }
-        const faces::Face face = details ? std::move(details->face) : faces::Face();
-        return [this, id, face, instances] {
+    source_.readFace(
+        id, [this, id](const faces::Face& face, const std::vector<faces::Face>& instances) {
             if (dressed_ == id) { // else another one was chosen meanwhile
                 look_->offer(face, instances);
                 offered_ = id;
                 applyLook();
             }
-        };
-    });
+        });
 }
 
 void FacePane::applyLook() {

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "manager/qt/characterpane.h"
-#include "manager/qt/libraryreader.h"
+#include "manager/qt/facesource.h"
 #include "manager/qt/lookpanel.h"
 #include "manager/qt/waterfall.h"
 
@@ -33,9 +33,10 @@ public:
     /// How many faces are shown at most.
     static constexpr std::size_t most = 12;
 
-    /// `wrote` is told what the user wants to see the faces in.
-    FacePane(preview::Faces& faces, LibraryReader& reader,
-             std::function<void(const QString&)> wrote, QWidget* parent);
+    /// `wrote` is told what the user wants to see the faces in; `source` tells what they have, and
+    /// must outlive the pane.
+    FacePane(preview::Faces& faces, FaceSource& source, std::function<void(const QString&)> wrote,
+             QWidget* parent);
 
     void show(ChosenFaces chosen);
 
@@ -61,7 +62,7 @@ private:
     QTabWidget* views_ = nullptr;
     Waterfall* waterfall_ = nullptr;
     CharacterPane* characters_ = nullptr;
-    LibraryReader& reader_;
+    FaceSource& source_;
     std::vector<ShownFace> shown_;
     std::optional<FaceId> dressed_;  ///< whose axes and features are offered, or read
     std::optional<FaceId> offered_;  ///< whose are by now

@@ -67,7 +67,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->addWidget(sidebar_);
     splitter_->addWidget(makeList());
     pane_ = new FacePane(
-        faces_, reader_, [this](const QString& own) { delegate_->setText(own); }, this);
+        faces_, libraryFaces_, [this](const QString& own) { delegate_->setText(own); }, this);
     splitter_->addWidget(pane_);
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 3);

@@ -107,6 +107,7 @@ private:
     QLabel* empty_ = nullptr;
     FaceDelegate* delegate_ = nullptr;
     FacePane* pane_ = nullptr;
+    LibraryFaces libraryFaces_{reader_}; ///< only refers to it
     QLabel* count_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QAction* takeOut_ = nullptr;

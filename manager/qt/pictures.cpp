@@ -3,6 +3,7 @@
 #include "manager/qt/pictures.h"
 
 #include "manager/cli/report.h"
+#include "manager/qt/fontfilewindow.h"
 #include "manager/qt/librarywindow.h"
 
 #include <QApplication>
@@ -38,6 +39,21 @@ QPalette darkPalette() {
         palette.setColor(QPalette::Disabled, role, QColor(0x8a, 0x8a, 0x8a));
     }
     return palette;
+}
+
+/// Grabs the window once all lines that it asks for are drawn. False: it could not be written.
+template <class Window>
+bool savePicture(Window& window, const std::filesystem::path& file) {
+    QApplication::processEvents();
+    QPixmap picture = window.grab();
+    while (window.finishLines()) {
+        picture = window.grab();
+    }
+    const bool isWritten = picture.save(QString::fromStdString(file.string()), "PNG");
+    if (!isWritten) {
+        warn(file.string() + ": cannot be written");
+    }
+    return isWritten;
 }
 
 class Pictures {
@@ -133,16 +149,7 @@ private:
 
     void save(const std::string& name) {
         window_.finishReading();
-        QApplication::processEvents();
-        QPixmap picture = window_.grab();
-        while (window_.finishLines()) {
-            picture = window_.grab();
-        }
-        const std::string path = (folder_ / (name + end_ + ".png")).string();
-        if (!picture.save(QString::fromStdString(path), "PNG")) {
-            warn(path + ": cannot be written");
-            failed_ = true;
-        }
+        failed_ = !savePicture(window_, folder_ / (name + end_ + ".png")) || failed_;
     }
 
     LibraryWindow& window_;
@@ -162,6 +169,16 @@ bool takePictures(LibraryWindow& window, const std::filesystem::path& folder) {
     const bool areDark = pictures.take("-dark");
     QApplication::setPalette(light);
     return areLight && areDark;
+}
+
+bool takePictures(FontFileWindow& window, const std::filesystem::path& folder) {
+    makeFolders(folder.string());
+    const bool isLight = savePicture(window, folder / "file.png");
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(darkPalette());
+    const bool isDark = savePicture(window, folder / "file-dark.png");
+    QApplication::setPalette(light);
+    return isLight && isDark;
 }
 
 } // namespace manager

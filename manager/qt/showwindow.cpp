@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The module's entry: the toolkit and its language.
 #include "manager/qt/guests.h"
-#include "manager/qt/librarywindow.h"
 #include "manager/qt/pictures.h"
+#include "manager/qt/windows.h"
 
 #include "manager/cli/arguments.h"
 #include "manager/cli/report.h"
@@ -59,16 +59,26 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
                      QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(&toolkit);
     }
-    LibraryWindow window(options);
-    const Guests guests([&window](const WindowRequest& request) { window.open(request); });
+    Windows windows(options);
+    const Guests guests([&windows](const WindowRequest& request) { windows.open(request); });
+    windows.open(options.request);
     int status = exitSuccess;
     if (!options.pictures.empty()) {
-        window.whenShown([&] {
-            status = takePictures(window, options.pictures) ? exitSuccess : exitFailure;
+        const auto files = windows.fontFiles();
+        const auto end = [&status](bool areWritten) {
+            status = areWritten ? exitSuccess : exitFailure;
             QApplication::quit();
-        });
+        };
+        if (!files.empty()) {
+            files.front()->whenRead([&options, end, window = files.front()] {
+                end(takePictures(*window, options.pictures));
+            });
+        } else {
+            windows.library()->whenShown([&windows, &options, end] {
+                end(takePictures(*windows.library(), options.pictures));
+            });
+        }
     }
-    window.show();
     QApplication::exec();
     return status;
 }

@@ -6,13 +6,15 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace manager {
 
 /// What a window is to show.
 struct WindowRequest {
-    std::string search = {};  ///< what is searched for
-    std::string command = {}; ///< of a plug-in that wants its fonts to be shown
+    std::string search = {};             ///< what is searched for
+    std::string command = {};            ///< of a plug-in that wants its fonts to be shown
+    std::vector<std::string> files = {}; ///< font files to look at, by absolute paths
 };
 
 struct WindowOptions {

@@ -69,6 +69,12 @@ _glyphora() {
     case $command in
         add) _glyphora_paths -f ;;
         remove) _glyphora_lines < <(_glyphora_folders) ;;
+        activate | show)
+            if [[ $current == */* ]]; then
+                _glyphora_paths -f
+                return
+            fi
+            ;;&
         info | collect | activate) _glyphora_containers list --containers ;;
         show) _glyphora_lines < <(_glyphora_listed '\2' list --containers) ;;
         deactivate) _glyphora_containers status ;;

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// Font files that a person names by their paths: what they hold, whether the library has them, and
+// those that are to be active for one session without being added.
+#pragma once
+
+#include "manager/cli/tally.h"
+#include "manager/library/fontreader.h"
+#include "manager/library/library.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace manager {
+
+/// Whether a word means a file: it has a slash, or is the name of a file that is a font by its name
+/// or by its contents. May fork, as readFontFiles() does.
+[[nodiscard]] bool meansFontFile(const std::string& word);
+
+/// Prints what each file holds, for decodeFontFiles(). The ExitStatus.
+int readFontsCommand(const std::vector<std::string>& files);
+/// The outcomes in the order of the files. What is not told any more is a problem of its file.
+[[nodiscard]] std::vector<FontFileOutcome> decodeFontFiles(std::string_view printed,
+                                                           const std::vector<std::string>& files);
+/// The files' problems. Forks, as readFontFiles() does.
+[[nodiscard]] std::vector<std::string> problemsOf(const std::vector<std::string>& files);
+
+/// A face of the library's file that is this one, or has its bytes. Those of the library come
+/// before one that is there for the session. Throws Error.
+struct KnownFile {
+    FaceMatch face;
+    bool isForSession = false; ///< it goes when the session ends
+};
+[[nodiscard]] std::optional<KnownFile> findInLibrary(Library& library, const std::string& file,
+                                                     const faces::FontFileContents& contents);
+
+/// Puts the number of its container in the place of each name that means an existing font file.
+/// With `forSession` one that the library does not have is copied to a folder that goes with the
+/// session; else it fails. To be called before anything connects to the bus. Throws Error.
+[[nodiscard]] std::vector<std::string> containersOfFiles(const Places& places,
+                                                         std::vector<std::string> names,
+                                                         bool forSession, Tally& tally);
+
+} // namespace manager

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "manager/qt/facesource.h"
+
+#include <utility>
+
+namespace manager {
+
+bool isInstanceOf(const faces::Face& other, std::uint32_t index) {
+    constexpr std::uint32_t ofFile = 0xffff;
+    return other.index > ofFile && (other.index & ofFile) == (index & ofFile);
+}
+
+void LibraryFaces::readFace(FaceId id, FaceTaker take) {
+    reader_.run([id, take = std::move(take)](Desk& desk) -> LibraryReader::Taker {
+        auto details = desk.library().face(id);
+        std::vector<faces::Face> instances;
+        if (details && !details->face.axes.empty()) {
+            for (FaceDetails& other : desk.library().faces(details->match.container)) {
+                if (other.match.folder == details->match.folder &&
+                    other.match.fileName == details->match.fileName &&
+                    isInstanceOf(other.face, details->face.index)) {
+                    instances.push_back(std::move(other.face));
+                }
+            }
+        }
+        const faces::Face face = details ? std::move(details->face) : faces::Face();
+        return [take, face, instances] { take(face, instances); };
+    });
+}
+
+void LibraryFaces::readCharacters(FaceId id, CharacterTaker take) {
+    reader_.run([id, take = std::move(take)](Desk& desk) -> LibraryReader::Taker {
+        const auto details = desk.library().face(id);
+        auto characters = std::make_shared<const Characters>(details ? details->face.coverage
+                                                                     : faces::Coverage());
+        return [take, characters = std::move(characters)] { take(characters); };
+    });
+}
+
+} // namespace manager
