@@ -54,11 +54,12 @@ void paintMark(QPainter& painter, const QRectF& area, const std::optional<FaceSt
 
 } // namespace
 
-FaceDelegate::FaceDelegate(const FaceModel& model, preview::Faces& faces, QTreeView& view)
+FaceDelegate::FaceDelegate(FaceModel& model, preview::Faces& faces, QTreeView& view)
     : QStyledItemDelegate(&view), model_(model), view_(view),
       samples_(faces, [this](Samples::Key face) {
           const auto row = static_cast<FaceRow>(face);
           if (row < model_.listing().view().table.faces().size()) {
+              model_.setDamaged(row, samples_.isFailed(face));
               view_.viewport()->update();
           }
       }) {

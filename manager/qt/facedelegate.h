@@ -15,7 +15,7 @@ namespace manager {
 /// [main-thread]
 class FaceDelegate : public QStyledItemDelegate {
 public:
-    FaceDelegate(const FaceModel& model, preview::Faces& faces, QTreeView& view);
+    FaceDelegate(FaceModel& model, preview::Faces& faces, QTreeView& view);
 
     /// What is drawn in each face; empty: its family's name.
     void setText(const QString& text);
@@ -31,7 +31,7 @@ private:
     void paintSample(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
                      const ListRow& row) const;
 
-    const FaceModel& model_;
+    FaceModel& model_;
     QTreeView& view_;
     std::string text_;
     unsigned pixels_ = 24;

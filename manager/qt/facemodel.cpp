@@ -71,8 +71,24 @@ QString wordOf(FaceState state) {
 
 void FaceModel::show(std::shared_ptr<const LibraryView> view, ListFilter filter) {
     beginResetModel();
+    damaged_.clear();
     listing_.show(std::move(view), std::move(filter));
     endResetModel();
+}
+
+void FaceModel::setDamaged(FaceRow face, bool damaged) {
+    if (damaged == damaged_.contains(face)) {
+        return;
+    }
+    if (damaged) {
+        damaged_.insert(face);
+    } else {
+        damaged_.erase(face);
+    }
+    if (const QModelIndex index = indexOfFace(face); index.isValid()) {
+        emit dataChanged(index, index);
+        emit dataChanged(index.parent(), index.parent());
+    }
 }
 
 std::size_t FaceModel::familyOf(const QModelIndex& index) {
@@ -88,6 +104,12 @@ std::span<const FaceRow> FaceModel::facesOf(const QModelIndex& index) const {
     const auto faces = std::span(listing_.faces()).subspan(family.first, family.count);
     return index.internalId() == 0 ? faces
                                    : faces.subspan(static_cast<std::size_t>(index.row()), 1);
+}
+
+const std::string& FaceModel::nameOf(std::size_t family) const {
+    const std::uint32_t place = listing_.families()[family].family;
+    return isDrawing() ? listing_.view().drawing[place].name
+                       : listing_.view().table.families()[place].name;
 }
 
 ListRow FaceModel::familyRow(std::size_t family) const {
@@ -107,7 +129,7 @@ ListRow FaceModel::familyRow(std::size_t family) const {
     }
     ListRow row;
     row.isFamily = true;
-    row.title = text(view.table.families()[shown.family].name);
+    row.title = text(nameOf(family));
     row.detail = text(translated("%1 style", "%1 styles", faces.size()));
     row.sample = bestOf(view.table, faces);
     if (alike == faces.size()) {
@@ -125,7 +147,7 @@ ListRow FaceModel::askedRow(std::size_t font) const {
     const AskedFont& asked = view.drawing[shown.family];
     ListRow row;
     row.isFamily = true;
-    row.title = text(asked.name);
+    row.title = text(nameOf(font));
     row.detail = text(translated("%1 candidate", "%1 candidates", shown.count));
     if (shown.count != 0) {
         row.sample = listing_.faces()[shown.first];
@@ -170,10 +192,15 @@ ListRow FaceModel::faceRow(std::size_t place) const {
 
 ListRow FaceModel::row(const QModelIndex& index) const {
     const std::size_t family = familyOf(index);
-    if (index.internalId() == 0) {
-        return isDrawing() ? askedRow(family) : familyRow(family);
+    ListRow row =
+        index.internalId() != 0
+            ? faceRow(listing_.families()[family].first + static_cast<std::size_t>(index.row()))
+        : isDrawing() ? askedRow(family)
+                      : familyRow(family);
+    if (row.sample && damaged_.contains(*row.sample)) {
+        row.detail += QStringLiteral(", ") + text(translated("cannot be drawn"));
     }
-    return faceRow(listing_.families()[family].first + static_cast<std::size_t>(index.row()));
+    return row;
 }
 
 std::span<const FaceRow> FaceModel::facesToSwitch(const QModelIndex& index) const {
@@ -230,7 +257,7 @@ QVariant FaceModel::data(const QModelIndex& index, int role) const {
     }
     switch (role) {
     case Qt::DisplayRole: // what letters typed into the list look for
-        return row(index).title;
+        return index.internalId() == 0 ? text(nameOf(familyOf(index))) : row(index).title;
     case Qt::ToolTipRole: // it may be cut
         return row(index).below();
     case Qt::AccessibleTextRole: {

@@ -7,6 +7,7 @@
 #include <QAbstractItemModel>
 #include <QString>
 
+#include <set>
 #include <vector>
 
 class QMimeData;
@@ -45,10 +46,14 @@ public:
     [[nodiscard]] const FaceListing& listing() const { return listing_; }
 
     [[nodiscard]] ListRow row(const QModelIndex& index) const;
+    /// What a family, or a drawing's font, is called, by its place.
+    [[nodiscard]] const std::string& nameOf(std::size_t family) const;
     /// The faces behind a row, in order.
     [[nodiscard]] std::span<const FaceRow> facesOf(const QModelIndex& index) const;
     /// Those that are switched with a row: of a drawing's font the best.
     [[nodiscard]] std::span<const FaceRow> facesToSwitch(const QModelIndex& index) const;
+    /// Marks a face that cannot be drawn, or can again, until other rows are shown.
+    void setDamaged(FaceRow face, bool damaged);
     /// Where a face is shown first; an invalid index: nowhere.
     [[nodiscard]] QModelIndex indexOfFace(FaceRow face) const;
 
@@ -71,6 +76,7 @@ private:
     [[nodiscard]] ListRow faceRow(std::size_t place) const;
 
     FaceListing listing_;
+    std::set<FaceRow> damaged_;
 };
 
 } // namespace manager

@@ -27,6 +27,12 @@ preview::SharedAnswer Samples::line(Key key, const preview::FaceLine& line) {
     return known.answer;
 }
 
+bool Samples::isFailed(Key key) const {
+    const auto line = lines_.find(key);
+    return line != lines_.end() && line->second.answer != nullptr &&
+           !line->second.answer->problem.empty();
+}
+
 void Samples::keep(const std::function<bool(Key)>& isSeen) {
     // Of those that have come a good deal more is kept than a screen shows; the rest is in the
     // cache of those that draw.

@@ -25,6 +25,8 @@ public:
     /// The line, where it has come; else it is asked for and null is given, or what came before
     /// where only axes and features differ.
     [[nodiscard]] preview::SharedAnswer line(Key key, const preview::FaceLine& line);
+    /// Whether a line has come that cannot be drawn.
+    [[nodiscard]] bool isFailed(Key key) const;
     /// Cancels those that are waited for and not seen any more.
     void keep(const std::function<bool(Key)>& isSeen);
     void clear();

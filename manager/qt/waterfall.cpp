@@ -20,7 +20,10 @@ constexpr double baselines = 1.05;   ///< from its top
 } // namespace
 
 Waterfall::Waterfall(preview::Faces& faces, QWidget* parent)
-    : QAbstractScrollArea(parent), samples_(faces, [this](Samples::Key) { viewport()->update(); }) {
+    : QAbstractScrollArea(parent), samples_(faces, [this](Samples::Key) {
+          describe();
+          viewport()->update();
+      }) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::StrongFocus);
@@ -79,8 +82,12 @@ void Waterfall::describe() {
     for (const ShownFace& face : shown_) {
         names += (names.empty() ? "" : ", ") + face.name;
     }
+    std::string outcome;
+    for (std::size_t i = 0; i < lines_.size() && outcome.empty(); ++i) {
+        outcome = samples_.isFailed(i) ? ", " + translated("cannot be drawn") : "";
+    }
     setAccessibleName(QString::fromStdString(translated("Preview")));
-    setAccessibleDescription(QString::fromStdString(names + ": " + text_));
+    setAccessibleDescription(QString::fromStdString(names + ": " + text_ + outcome));
 }
 
 void Waterfall::resizeEvent(QResizeEvent* /*event*/) {

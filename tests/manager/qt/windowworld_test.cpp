@@ -7,8 +7,10 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <filesystem>
 #include <optional>
+#include <sstream>
 
 using namespace manager;
 
@@ -47,6 +49,18 @@ protected:
         return printed;
     }
 
+    /// Of this process; 0: there is none.
+    static pid_t childCalled(const std::string& name) {
+        std::istringstream children(testsupport::contentOf("/proc/thread-self/children"));
+        pid_t child = 0;
+        while (children >> child) {
+            if (testsupport::contentOf("/proc/" + std::to_string(child) + "/comm") == name + "\n") {
+                return child;
+            }
+        }
+        return 0;
+    }
+
     QProcess server_;
     QProcess other_;
 };
@@ -80,6 +94,45 @@ TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
         EXPECT_TRUE(awaitHeard(0, "Alpha, 2 styles, inactive")) << heard(0);
         EXPECT_EQ(heard(1), "Beta, 1 style, active");
     }
+}
+
+// Each is tried with a text of its own, which has all lines drawn anew.
+TEST_F(TheWindowsWorld, MarksAFaceThatCannotBeDrawnAnyMoreAndDrawsTheRest) {
+    open();
+    choose(1);
+    auto* const own = window_->pane().findChild<QLineEdit*>();
+    const auto draw = [this] {
+        do {
+            static_cast<void>(window_->grab());
+        } while (window_->finishLines());
+    };
+    draw();
+    const pid_t drawing = childCalled("glyphora-previe");
+    ASSERT_NE(drawing, 0);
+    std::filesystem::resize_file(sandbox_.library() + "/beta.ttf", 200);
+    own->setText(QStringLiteral("cut short"));
+    draw();
+    EXPECT_EQ(heard(0), "Alpha, 2 styles, inactive");
+    EXPECT_EQ(heard(1), "Beta, 1 style, cannot be drawn, inactive");
+    EXPECT_EQ(window_->pane().waterfall().accessibleDescription(),
+              QStringLiteral("Beta Regular: cut short, cannot be drawn"));
+    EXPECT_EQ(childCalled("glyphora-previe"), drawing);
+
+    // Now the process goes, too, with the line that it is at.
+    sandbox_.write("beta.ttf", testsupport::makeFont({"Beta", "Regular", "Beta-Regular"}));
+    draw();
+    kill(drawing, SIGSTOP);
+    own->setText(QStringLiteral("fatal"));
+    static_cast<void>(window_->grab());
+    QApplication::processEvents();
+    kill(drawing, SIGBUS);
+    kill(drawing, SIGCONT);
+    draw();
+    const auto isMarked = [this](int row) {
+        return heard(row).find("cannot be drawn") != std::string::npos;
+    };
+    EXPECT_NE(isMarked(0), isMarked(1)) << heard(0) << ", " << heard(1);
+    EXPECT_NE(childCalled("glyphora-previe"), drawing);
 }
 
 TEST_F(TheWindowsWorld, HasOtherSessionsHaveTheirOwnWindows) {
