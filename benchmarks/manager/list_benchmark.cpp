@@ -4,6 +4,7 @@
 #include "manager/library/library.h"
 #include "manager/view/facelisting.h"
 
+#include <array>
 #include <benchmark/benchmark.h>
 #include <memory>
 #include <string>
@@ -26,6 +27,26 @@ void readFaceList(benchmark::State& state) {
     }
 }
 BENCHMARK(readFaceList)->Unit(benchmark::kMillisecond);
+
+// What else a view has: the tags that filters offer, and copies.
+void readTags(benchmark::State& state) {
+    Library library(benchmarks::scannedStage().world.places());
+    constexpr std::array kinds{SharedKind::Scripts, SharedKind::Languages, SharedKind::Features};
+    for (auto _ : state) {
+        for (const SharedKind kind : kinds) {
+            benchmark::DoNotOptimize(library.tags(kind));
+        }
+    }
+}
+BENCHMARK(readTags)->Unit(benchmark::kMillisecond);
+
+void readDuplicates(benchmark::State& state) {
+    Library library(benchmarks::scannedStage().world.places());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(library.duplicates());
+    }
+}
+BENCHMARK(readDuplicates)->Unit(benchmark::kMillisecond);
 
 // Each letter of a name, as it is typed.
 void typeIntoFaceList(benchmark::State& state) {

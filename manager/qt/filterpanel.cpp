@@ -123,19 +123,21 @@ QWidget* FilterPanel::makeField(FilterKind kind) {
     return box;
 }
 
-void FilterPanel::offer(const LibraryView& view) {
-    for (const auto& [kind, tags] : {std::pair(FilterKind::Script, &view.scripts),
-                                     {FilterKind::Language, &view.languages},
-                                     {FilterKind::Feature, &view.features}}) {
+void FilterPanel::offer(const FilterTags& offered) {
+    for (const auto& [kind, tags] : offered) {
+        auto& box = *static_cast<QComboBox*>(fields_.at(kind));
+        if (box.count() == static_cast<int>(tags.size()) + 1 && offered_[kind] == tags) {
+            continue; // to name and sort hundreds of languages takes long
+        }
+        offered_[kind] = tags;
         std::vector<std::pair<QString, QString>> items;
-        std::transform(tags->begin(), tags->end(), std::back_inserter(items),
+        std::transform(tags.begin(), tags.end(), std::back_inserter(items),
                        [kind = kind](const std::string& tag) {
                            return std::pair(nameOfTag(kind, tag), text(tag));
                        });
         std::sort(items.begin(), items.end(), [](const auto& a, const auto& b) {
             return QString::localeAwareCompare(a.first, b.first) < 0;
         });
-        auto& box = *static_cast<QComboBox*>(fields_.at(kind));
         const QSignalBlocker quiet(box);
         while (box.count() > 1) {
             box.removeItem(box.count() - 1);

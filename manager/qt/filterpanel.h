@@ -4,7 +4,6 @@
 #pragma once
 
 #include "manager/view/facefilters.h"
-#include "manager/view/facelisting.h"
 
 #include <QWidget>
 
@@ -30,7 +29,7 @@ public:
     /// What shows and hides the fields, to stand elsewhere.
     [[nodiscard]] QToolButton& button() { return *button_; }
     /// Offers the languages, scripts and features that the library has.
-    void offer(const LibraryView& view);
+    void offer(const FilterTags& offered);
     [[nodiscard]] const FilterValues& values() const { return values_; }
     void set(FilterKind kind, const std::string& value);
     /// Takes all filters away.
@@ -47,6 +46,7 @@ private:
 
     std::function<void()> changed_;
     FilterValues values_;
+    FilterTags offered_;
     std::map<FilterKind, QWidget*> fields_;
     QToolButton* button_ = nullptr;
     QWidget* panel_ = nullptr;

@@ -79,11 +79,13 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
         }
         FaceCopies copies(table, desk.library().duplicates());
         auto view = std::make_shared<const LibraryView>(LibraryView{
-            std::move(table), std::move(states), std::move(drawing),
-            desk.library().tags(SharedKind::Scripts), desk.library().tags(SharedKind::Languages),
-            desk.library().tags(SharedKind::Features), std::move(copies)});
+            std::move(table), std::move(states), std::move(drawing), std::move(copies)});
         return [take, view = std::move(view)] { take(view); };
     });
+}
+
+void LibraryReader::drop(std::shared_ptr<const LibraryView> view) {
+    run([view = std::move(view)](Desk&) { return Taker(); });
 }
 
 void LibraryReader::find(FaceQuery query, std::function<void(FoundFaceIds)> take) {
@@ -126,11 +128,13 @@ void LibraryReader::serve(Places places) {
         } catch (const std::exception& error) {
             taker = [this, text = QString::fromUtf8(error.what())] { fail_(text); };
         }
-        {
-            const std::lock_guard lock(mutex_);
-            done_.push_back(std::move(taker));
+        if (taker) {
+            {
+                const std::lock_guard lock(mutex_);
+                done_.push_back(std::move(taker));
+            }
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
         }
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
         {
             const std::lock_guard lock(mutex_);
             isAtWork_ = false;

@@ -38,7 +38,8 @@ class LibraryReader : public QObject {
 public:
     /// Called from the loop.
     using Taker = std::function<void()>;
-    /// Called in the thread; what it gives is called from the loop afterwards. May throw Error.
+    /// Called in the thread; what it gives, if anything, is called from the loop afterwards. May
+    /// throw Error.
     using Work = std::function<Taker(Desk& desk)>;
 
     /// `fail` is told what went wrong.
@@ -55,6 +56,8 @@ public:
     void setDrawing(std::vector<CommandFont> fonts);
     /// Reads all of the library. Asked for again before that begins, it is read once.
     void read(std::function<void(std::shared_ptr<const LibraryView>)> take);
+    /// Frees a view in the thread, as that takes long of a large one.
+    void drop(std::shared_ptr<const LibraryView> view);
     using FoundFaceIds = std::shared_ptr<const std::vector<FaceId>>;
     /// Finds all faces of a query, whatever its page. Only the newest query is answered.
     void find(FaceQuery query, std::function<void(FoundFaceIds)> take);

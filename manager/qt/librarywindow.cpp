@@ -194,19 +194,21 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
     groups_ = std::move(groups);
     folders_ = std::move(folders);
     const bool isNew = nextView_ != nullptr;
+    std::shared_ptr<const LibraryView> before;
     if (isNew) {
-        view_ = std::exchange(nextView_, nullptr);
+        before = std::exchange(view_, std::exchange(nextView_, nullptr));
+        searchIndex();
     }
     if (view_ == nullptr) {
         return;
     }
     sidebar_->show(*view_, groups_, folders_);
+    filter();
     if (!isNew) {
-        filter();
         return;
     }
-    filters_->offer(*view_);
-    findByFilters();
+    offerTags();
+    reader_.drop(std::move(before));
     if (whenShown_) {
         std::exchange(whenShown_, {})();
     }

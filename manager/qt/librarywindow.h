@@ -73,6 +73,8 @@ private:
     void filter();
     [[nodiscard]] ListFilter filterOf(const SidebarPlace& place);
     void findByFilters();
+    void searchIndex();
+    void offerTags();
     void showChosen();
     void showEmpty();
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;

@@ -7,15 +7,14 @@ ListPosition positionOf(const QTreeView& list, const FaceModel& model) {
     ListPosition now;
     const int count = model.rowCount();
     for (int row = 0; row < count; ++row) {
-        const QModelIndex family = model.index(row, 0);
-        if (list.isExpanded(family)) {
-            now.expanded.insert(model.data(family, Qt::DisplayRole).toString());
+        if (list.isExpanded(model.index(row, 0))) {
+            now.expanded.insert(model.nameOf(static_cast<std::size_t>(row)));
         }
     }
     const QModelIndex current = list.currentIndex();
     if (current.isValid()) {
         const QModelIndex family = current.parent().isValid() ? current.parent() : current;
-        now.family = model.data(family, Qt::DisplayRole).toString();
+        now.family = model.nameOf(static_cast<std::size_t>(family.row()));
         if (family != current) {
             now.face = model.listing().view().table.faces()[model.facesOf(current).front()].id;
         }
@@ -24,16 +23,15 @@ ListPosition positionOf(const QTreeView& list, const FaceModel& model) {
 }
 
 void restore(QTreeView& list, const FaceModel& model, const ListPosition& position) {
-    const int count = model.rowCount();
     QModelIndex current;
+    const int count = position.expanded.empty() && position.family.empty() ? 0 : model.rowCount();
     for (int row = 0; row < count; ++row) {
-        const QModelIndex family = model.index(row, 0);
-        const QString name = model.data(family, Qt::DisplayRole).toString();
+        const std::string& name = model.nameOf(static_cast<std::size_t>(row));
         if (position.expanded.contains(name)) {
-            list.setExpanded(family, true);
+            list.setExpanded(model.index(row, 0), true);
         }
         if (name == position.family) {
-            current = family;
+            current = model.index(row, 0);
         }
     }
     if (position.face) {

@@ -8,13 +8,14 @@
 
 #include <optional>
 #include <set>
+#include <string>
 
 namespace manager {
 
 struct ListPosition {
-    std::set<QString> expanded; ///< families
-    QString family;             ///< the current row's
-    std::optional<FaceId> face; ///< nothing: the family's own row
+    std::set<std::string> expanded; ///< families
+    std::string family;             ///< the current row's; empty: there is none
+    std::optional<FaceId> face;     ///< nothing: the family's own row
 };
 
 [[nodiscard]] ListPosition positionOf(const QTreeView& list, const FaceModel& model);

@@ -186,6 +186,12 @@ std::vector<std::string> filterChoices(FilterKind kind) {
     return texts;
 }
 
+FilterTags readFilterTags(Library& library) {
+    return {{FilterKind::Script, library.tags(SharedKind::Scripts)},
+            {FilterKind::Language, library.tags(SharedKind::Languages)},
+            {FilterKind::Feature, library.tags(SharedKind::Features)}};
+}
+
 std::optional<FaceQuery> queryOf(const FilterValues& values) {
     std::optional<FaceQuery> query;
     for (const auto& [kind, value] : values) {

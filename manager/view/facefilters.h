@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,11 @@ enum class FilterForm : std::uint8_t {
 
 /// The filters that are set, and their values.
 using FilterValues = std::map<FilterKind, std::string>;
+
+/// What the library has of each kind that is a tag.
+using FilterTags = std::map<FilterKind, std::set<std::string>>;
+/// Throws Error.
+[[nodiscard]] FilterTags readFilterTags(Library& library);
 
 /// What the index is asked for; nullopt: nothing but states, which it does not know.
 [[nodiscard]] std::optional<FaceQuery> queryOf(const FilterValues& values);

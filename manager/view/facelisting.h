@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -33,9 +32,6 @@ struct LibraryView {
     FaceTable table;
     FaceStates states;
     std::vector<AskedFont> drawing = {}; ///< of the one that asked last
-    std::set<std::string> scripts = {};  ///< that some face has
-    std::set<std::string> languages = {};
-    std::set<std::string> features = {};
     FaceCopies copies = {};
 };
 

@@ -30,109 +30,171 @@ std::vector<std::string> wordsOf(std::string_view text) {
 
 } // namespace
 
-/// In the order of their keys, with the place of each by its number.
+/// In the order of their keys, with the rank of each by its number. Spellings of a name that differ
+/// in case and blanks have the same rank.
 struct FaceTable::KnownFamilies {
     explicit KnownFamilies(Database& database) {
         Statement statement(database, "SELECT id, name, key FROM family ORDER BY key, name");
+        std::string key;
         while (statement.step()) {
-            places.emplace(statement.number(0), static_cast<std::uint32_t>(list.size()));
-            list.push_back({statement.text(1), statement.text(2)});
+            if (ranks == 0 || statement.view(2) != key) {
+                key = statement.text(2);
+                ++ranks;
+            }
+            places.emplace(statement.number(0), Place{ranks - 1, names.size()});
+            names.push_back(statement.text(1));
         }
     }
-    struct Known {
-        std::string name;
-        std::string key;
+    struct Place {
+        std::uint32_t rank;
+        std::size_t name;
     };
-    std::vector<Known> list;
-    std::unordered_map<std::int64_t, std::uint32_t> places;
+    std::vector<std::string> names;
+    std::uint32_t ranks = 0;
+    std::unordered_map<std::int64_t, Place> places;
+};
+
+/// All that are no spares, by number.
+struct FaceTable::KnownFiles {
+    explicit KnownFiles(Database& database) {
+        std::unordered_map<std::int64_t, std::uint32_t> places;
+        Statement directories(database, "SELECT id, path, shown, away FROM directory");
+        while (directories.step()) {
+            places.emplace(directories.number(0), static_cast<std::uint32_t>(folders.size()));
+            folders.push_back(
+                {directories.text(1), directories.number(2) != 0, directories.number(3) != 0});
+        }
+        Statement statement(database,
+                            "SELECT id, directory, name FROM file WHERE spare = 0 ORDER BY id");
+        while (statement.step()) {
+            list.push_back(
+                {statement.number(0), places.at(statement.number(1)), statement.text(2)});
+        }
+    }
+    struct Folder {
+        std::string path;
+        bool shown;
+        bool away;
+    };
+    struct File {
+        std::int64_t id;
+        std::uint32_t folder;
+        std::string name;
+    };
+    [[nodiscard]] const File* find(std::int64_t id) const {
+        const auto place = std::lower_bound(
+            list.begin(), list.end(), id,
+            [](const File& file, std::int64_t wanted) { return file.id < wanted; });
+        return place != list.end() && place->id == id ? &*place : nullptr;
+    }
+    std::vector<Folder> folders;
+    std::vector<File> list;
+};
+
+/// As they come, whose families are ranks.
+struct FaceTable::ReadFaces {
+    std::vector<ListedFace> faces;
+    std::vector<std::size_t> familyNames; ///< their places among the known ones
+    std::string names;
+    std::vector<std::size_t> namesEnd;
 };
 
 FaceTable::FaceTable(Library& library) {
     const Reading together(library.database());
     const KnownFamilies families(library.database());
-    readFaces(library.database(), families);
+    sort(readFaces(library.database(), families), families);
 }
 
-void FaceTable::readFaces(Database& database, const KnownFamilies& families) {
-    std::unordered_map<std::int64_t, std::uint32_t> folders;
-    Statement known(database, "SELECT id, path FROM directory");
-    while (known.step()) {
-        folders.emplace(known.number(0), static_cast<std::uint32_t>(folders_.size()));
-        folders_.push_back(known.text(1));
+// The tables are read one beside the other, each in its own order, rather than searched for each
+// face.
+FaceTable::ReadFaces FaceTable::readFaces(Database& database, const KnownFamilies& families) {
+    const KnownFiles files(database);
+    for (const auto& folder : files.folders) {
+        folders_.push_back(folder.path);
     }
-    std::vector<std::string> names;
-    std::size_t length = 0;
-    std::vector<ListedFace> read; // whose families are places in the list for now
-    Statement statement(
-        database,
-        "SELECT face.id, face.container, name.family, name.style, face.weight, face.width, "
-        "face.slant, face.technology, face.axes IS NOT NULL, face.postscript_key, directory.shown, "
-        "directory.away, directory.id, file.name, face.number, face.names FROM face JOIN file ON "
-        "file.id = "
-        "face.file "
-        "JOIN directory ON directory.id = file.directory "
-        "JOIN name ON name.face = face.id AND name.position = 0 WHERE file.spare = 0");
+    ReadFaces read;
+    Statement named(database,
+                    "SELECT face, family, style FROM name WHERE position = 0 ORDER BY face");
+    bool isNamed = named.step();
+    Statement statement(database,
+                        "SELECT id, file, container, weight, width, slant, technology, "
+                        "axes IS NOT NULL, postscript_key, number, names FROM face ORDER BY id");
     while (statement.step()) {
-        ListedFace& face = read.emplace_back();
-        face.family = families.places.at(statement.number(2));
-        face.id = static_cast<FaceId>(statement.number(0));
-        face.container = static_cast<ContainerId>(statement.number(1));
-        face.style = statement.text(3);
-        face.look = {statement.real(4), statement.real(5),
-                     static_cast<faces::Slant>(statement.number(6))};
-        face.technology = static_cast<faces::Technology>(statement.number(7));
-        face.variable = statement.number(8) != 0;
-        const std::string_view name = statement.view(9);
-        face.name = name.empty() ? 0 : std::hash<std::string_view>{}(name);
-        face.shownByDesktop = statement.number(10) != 0;
-        face.away = statement.number(11) != 0;
-        face.folder = folders.at(statement.number(12));
-        face.file = statement.text(13);
-        face.index = static_cast<std::uint32_t>(statement.number(14));
-        names.push_back(statement.text(15));
-        length += names.back().size();
-    }
-    std::vector<std::uint32_t> order(read.size());
-    std::iota(order.begin(), order.end(), 0U);
-    // Spellings of a name that differ in case and blanks are one family.
-    const auto keyOf = [&](const ListedFace& face) -> const std::string& {
-        return families.list[face.family].key;
-    };
-    std::vector<std::uint32_t> ranks;
-    for (std::size_t i = 0; i < families.list.size(); ++i) {
-        const bool isAnother = i == 0 || families.list[i].key != families.list[i - 1].key;
-        ranks.push_back(i == 0 ? 0 : ranks.back() + (isAnother ? 1 : 0));
-    }
-    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        const auto place = [&](const ListedFace& face) {
-            return std::tuple(ranks[face.family], face.look.weight, face.look.width,
-                              face.look.slant);
-        };
-        const auto more = [](const ListedFace& face) { return std::tie(face.style, face.id); };
-        const auto placeA = place(read[a]);
-        const auto placeB = place(read[b]);
-        return placeA != placeB ? placeA < placeB : more(read[a]) < more(read[b]);
-    });
-
-    faces_.reserve(read.size());
-    names_.reserve(length);
-    const std::string* key = nullptr;
-    for (const std::uint32_t i : order) {
-        ListedFace& face = read[i];
-        if (key == nullptr || *key != keyOf(face)) {
-            key = &keyOf(face);
-            families_.push_back(
-                {families.list[face.family].name, static_cast<FaceRow>(faces_.size()), 0});
+        const std::int64_t id = statement.number(0);
+        while (isNamed && named.number(0) < id) {
+            isNamed = named.step();
         }
-        ++families_.back().count;
-        face.family = static_cast<std::uint32_t>(families_.size() - 1);
-        byId_.emplace_back(face.id, static_cast<FaceRow>(faces_.size()));
-        namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
-        names_ += names[i];
-        faces_.push_back(std::move(face));
+        const KnownFiles::File* const file = files.find(statement.number(1));
+        if (!isNamed || named.number(0) != id || file == nullptr) {
+            continue;
+        }
+        const KnownFamilies::Place family = families.places.at(named.number(1));
+        read.familyNames.push_back(family.name);
+        ListedFace& face = read.faces.emplace_back();
+        face.family = family.rank;
+        face.id = static_cast<FaceId>(id);
+        face.container = static_cast<ContainerId>(statement.number(2));
+        face.style = named.text(2);
+        face.look = {statement.real(3), statement.real(4),
+                     static_cast<faces::Slant>(statement.number(5))};
+        face.technology = static_cast<faces::Technology>(statement.number(6));
+        face.variable = statement.number(7) != 0;
+        const std::string_view name = statement.view(8);
+        face.name = name.empty() ? 0 : std::hash<std::string_view>{}(name);
+        face.folder = file->folder;
+        face.shownByDesktop = files.folders[file->folder].shown;
+        face.away = files.folders[file->folder].away;
+        face.file = file->name;
+        face.index = static_cast<std::uint32_t>(statement.number(9));
+        read.names += statement.view(10);
+        read.namesEnd.push_back(read.names.size());
+    }
+    return read;
+}
+
+void FaceTable::sort(ReadFaces read, const KnownFamilies& families) {
+    // Into its family first, as there are many; then within each.
+    std::vector<std::uint32_t> begins(families.ranks + 1U);
+    for (const ListedFace& face : read.faces) {
+        ++begins[face.family + 1];
+    }
+    std::partial_sum(begins.begin(), begins.end(), begins.begin());
+    std::vector<std::uint32_t> order(read.faces.size());
+    std::vector<std::uint32_t> ends(begins.begin(), begins.end() - 1);
+    for (std::uint32_t i = 0; i < read.faces.size(); ++i) {
+        order[ends[read.faces[i].family]++] = i;
+    }
+    const auto less = [&](std::uint32_t a, std::uint32_t b) {
+        const auto place = [&](std::uint32_t i) {
+            const ListedFace& face = read.faces[i];
+            return std::tie(face.look.weight, face.look.width, face.look.slant, face.style,
+                            face.id);
+        };
+        return place(a) < place(b);
+    };
+    faces_.reserve(read.faces.size());
+    namesBegin_.reserve(read.faces.size() + 1);
+    names_.reserve(read.names.size());
+    byId_.resize(read.faces.size()); // they were read in the order of their numbers
+    for (std::uint32_t rank = 0; rank < families.ranks; ++rank) {
+        const std::span<std::uint32_t> together(order.data() + begins[rank],
+                                                ends[rank] - begins[rank]);
+        std::sort(together.begin(), together.end(), less);
+        for (const std::uint32_t i : together) {
+            const auto row = static_cast<FaceRow>(faces_.size());
+            if (i == together.front()) {
+                families_.push_back({families.names[read.familyNames[i]], row,
+                                     static_cast<std::uint32_t>(together.size())});
+            }
+            const std::size_t namesBegin = i == 0 ? 0 : read.namesEnd[i - 1];
+            namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
+            names_.append(read.names, namesBegin, read.namesEnd[i] - namesBegin);
+            ListedFace& face = faces_.emplace_back(std::move(read.faces[i]));
+            face.family = static_cast<std::uint32_t>(families_.size() - 1);
+            byId_[i] = {face.id, row};
+        }
     }
     namesBegin_.push_back(static_cast<std::uint32_t>(names_.size()));
-    std::sort(byId_.begin(), byId_.end());
 }
 
 std::optional<FaceRow> FaceTable::rowOf(FaceId id) const {

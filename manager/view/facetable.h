@@ -52,6 +52,7 @@ public:
     [[nodiscard]] std::span<const ListedFace> facesOf(const ListedFamily& family) const {
         return faces().subspan(family.first, family.count);
     }
+    [[nodiscard]] std::span<const std::string> folders() const { return folders_; }
     [[nodiscard]] const std::string& folderOf(const ListedFace& face) const {
         return folders_[face.folder];
     }
@@ -69,7 +70,10 @@ public:
 
 private:
     struct KnownFamilies;
-    void readFaces(Database& database, const KnownFamilies& families);
+    struct KnownFiles;
+    struct ReadFaces;
+    [[nodiscard]] ReadFaces readFaces(Database& database, const KnownFamilies& families);
+    void sort(ReadFaces read, const KnownFamilies& families);
     [[nodiscard]] std::string_view namesOf(FaceRow row) const;
 
     std::vector<std::string> folders_;
