@@ -18,29 +18,33 @@ QString text(const std::string& plain) {
 
 } // namespace
 
-/// A change that was made when it came; undone and done again by turns.
+/// A change that was made when it came; undone and done again by turns. What could not be undone,
+/// as somebody else has changed the set, is not done again either, and the other way round.
 class GroupDeed : public QUndoCommand {
 public:
     GroupDeed(GroupDeeds& deeds, GroupChange back, const QString& text)
-        : QUndoCommand(text), deeds_(deeds), next_(std::make_shared<GroupChange>(std::move(back))) {
-    }
+        : QUndoCommand(text), deeds_(deeds),
+          state_(std::make_shared<GroupDeeds::State>(std::move(back))) {}
 
-    void undo() override { deeds_.deeds_.startWork(deeds_.turn(next_)); }
+    void undo() override { deeds_.deeds_.startWork(deeds_.turn(state_, true)); }
     void redo() override {
         if (!std::exchange(isNew_, false)) {
-            undo();
+            deeds_.deeds_.startWork(deeds_.turn(state_, false));
         }
     }
 
 private:
     GroupDeeds& deeds_;
     bool isNew_ = true;
-    std::shared_ptr<GroupChange> next_; ///< the reader's thread's
+    std::shared_ptr<GroupDeeds::State> state_;
 };
 
-LibraryReader::Work GroupDeeds::turn(const std::shared_ptr<GroupChange>& change) {
-    return [this, places = places_, change](Desk&) {
-        *change = changeGroup(places, *change);
+LibraryReader::Work GroupDeeds::turn(const std::shared_ptr<State>& state, bool back) {
+    return [this, places = places_, state, back](Desk&) -> std::function<void()> {
+        if (state->isDone == back) {
+            state->next = changeGroup(places, state->next);
+            state->isDone = !back;
+        }
         return [this] { changed_(); };
     };
 }

@@ -32,8 +32,14 @@ private:
     using Maker = std::function<GroupChange(std::vector<GroupMember>)>;
     /// Makes a change of the containers, which can be undone by the name of `text`.
     void begin(const std::vector<std::int32_t>& containers, Maker make, const QString& text);
-    /// Makes a change, which becomes the one that takes it back.
-    [[nodiscard]] LibraryReader::Work turn(const std::shared_ptr<GroupChange>& change);
+    /// What undoing and redoing need to know; the reader's thread's.
+    struct State {
+        explicit State(GroupChange back) : next(std::move(back)) {}
+        GroupChange next;   ///< takes back what is done, or does what was taken back
+        bool isDone = true; ///< it is the former
+    };
+    /// Makes the change that is next, if it goes `back` or not as is asked for.
+    [[nodiscard]] LibraryReader::Work turn(const std::shared_ptr<State>& state, bool back);
 
     Places places_;
     Deeds& deeds_;

@@ -124,6 +124,7 @@ void LibraryWindow::take(const WindowRequest& request) {
     } else {
         return;
     }
+    filters_->clear(); // they would hide what is asked for
     search_->setText(text(request.search));
     list_->setFocus();
 }

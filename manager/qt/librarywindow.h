@@ -47,6 +47,7 @@ public:
     [[nodiscard]] FilterPanel& filters() { return *filters_; }
     [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
     [[nodiscard]] Deeds& deeds() { return deeds_; }
+    [[nodiscard]] GroupDeeds& groupDeeds() { return groupDeeds_; }
     [[nodiscard]] FacePane& pane() { return *pane_; }
 
 protected:

@@ -9,17 +9,28 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace manager {
 
+/// A row, whatever its number will be.
+struct ListPlace {
+    std::string family;         ///< its name; empty: there is no such row
+    std::optional<FaceId> face; ///< nothing: the family's own row
+};
+
 struct ListPosition {
     std::set<std::string> expanded; ///< families
-    std::string family;             ///< the current row's; empty: there is none
-    std::optional<FaceId> face;     ///< nothing: the family's own row
+    ListPlace current;
+    bool isCurrentSeen = false;
+    std::set<std::string> chosenFamilies;
+    std::vector<FaceId> chosenFaces;
+    ListPlace top;     ///< the row at the list's upper edge
+    int topOffset = 0; ///< of that row's from the list's, in pixels; not above 0
 };
 
 [[nodiscard]] ListPosition positionOf(const QTreeView& list, const FaceModel& model);
-/// What is gone is passed over.
+/// What is gone is passed over. What is seen stays where it is, unless its row has gone.
 void restore(QTreeView& list, const FaceModel& model, const ListPosition& position);
 
 } // namespace manager

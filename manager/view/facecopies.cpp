@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <unordered_map>
 
@@ -42,9 +43,8 @@ FaceCopies::FaceCopies(const FaceTable& table, const std::vector<std::vector<Fil
 std::vector<ContainerId> FaceCopies::othersOf(const FaceTable& table,
                                               std::span<const ContainerId> kept) const {
     const auto all = table.faces();
-    const auto isKept = [&](FaceRow row) {
-        return std::find(kept.begin(), kept.end(), all[row].container) != kept.end();
-    };
+    const std::set<ContainerId> staying(kept.begin(), kept.end());
+    const auto isKept = [&](FaceRow row) { return staying.contains(all[row].container); };
     std::map<ContainerId, std::size_t> whole; // their numbers of faces
     std::map<ContainerId, std::size_t> shared;
     for (const auto& rows : groups_) {
@@ -61,7 +61,7 @@ std::vector<ContainerId> FaceCopies::othersOf(const FaceTable& table,
     }
     std::vector<ContainerId> others;
     for (const auto& [id, count] : shared) {
-        if (whole[id] == count && std::find(kept.begin(), kept.end(), id) == kept.end()) {
+        if (whole[id] == count && !staying.contains(id)) {
             others.push_back(id);
         }
     }

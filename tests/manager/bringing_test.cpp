@@ -127,7 +127,7 @@ protected:
 };
 using AnArchive = BroughtArchive;
 
-TEST_P(AnArchive, IsTakenOnceWithItsFoldersAndTextsOrNotAtAll) {
+TEST_P(AnArchive, IsTakenOnceAndWholeOrNotAtAll) {
     const std::string archive = path(std::string("Two.v1") + GetParam());
     makeArchive(archive, {{"two/ttf/One.ttf", font("One")},
                           {"two/otf/One.ttf", font("Other")},
@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(Of, AnArchive,
                              return name;
                          });
 
-TEST_F(BroughtArchive, WritesNothingOutsideItsFolderAndTellsWhatIsPassedOver) {
+TEST_F(BroughtArchive, WritesNothingOutsideItsFolder) {
     makeArchive(path("evil.tar"), {{"../../out.ttf", font("A")},
                                    {"/tmp/../abs.ttf", font("B")},
                                    {"link.ttf", "", "/etc/passwd"},

@@ -111,7 +111,7 @@ TEST_F(ALibrary, TriesAgainWhatMayHavePassed) {
     EXPECT_THAT(library_->problems(), IsEmpty());
 }
 
-TEST_F(ALibrary, KeepsWhatWasReadWhenAScanIsCancelledAndReadsTheRestTheNextTime) {
+TEST_F(ALibrary, KeepsWhatACancelledScanHasRead) {
     constexpr int count = 12;
     for (int i = 10; i < 10 + count; ++i) {
         const std::string name = std::to_string(i);

@@ -40,7 +40,7 @@ protected:
         write("other.ttf", testsupport::makeFont({"Other", "Regular", "Other-Regular"}));
 };
 
-TEST_F(AWindowOfFontFiles, ActivatesForTheSessionWithoutAddingAndAddsOnWish) {
+TEST_F(AWindowOfFontFiles, ActivatesForTheSessionAndAddsOnWish) {
     FontFileWindow& window = openFiles({other_});
     EXPECT_TRUE(window.list().isHidden());
     EXPECT_TRUE(window.showButton().isHidden());

@@ -327,6 +327,7 @@ TEST_F(TheLibrarysWindow, ListsWhatADrawingMayUseAndActivatesIt) {
     sandbox_.write("more/alpha.ttf", testsupport::makeFont({"Alpha", "Light", "Alpha-Light"}));
     glyphora({QStringLiteral("scan")});
     open();
+    window_->filters().set(FilterKind::Weight, "1"); // would hide all of it
     window_->open(asked(font("Alpha-Black") + font("Gamma") + font("Beta-Regular")));
     ASSERT_TRUE(await([this] { return window_->model().rowCount() == 3; }));
     EXPECT_EQ(heard(0), "Alpha-Black, 2 candidates, not in the library");

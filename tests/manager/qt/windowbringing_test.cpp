@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(TheWindowBringingFonts, TakesWhatIsOfUseTogetherAndTellsOfEachThatIsNot) {
+TEST_F(TheWindowBringingFonts, TakesWhatIsOfUseAndTellsOfTheRest) {
     open();
     const std::string text = sandbox_.write("../outside/notes.odt", "no font");
     EXPECT_FALSE(drop({text}));

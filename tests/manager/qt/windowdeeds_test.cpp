@@ -160,4 +160,34 @@ TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
 
 } // namespace
 
+TEST_F(TheWindowsDeeds, DoNotTurnRoundWhereUndoingFails) {
+    open();
+    const auto collection = [](const QStringList& arguments) {
+        glyphora(QStringList{QStringLiteral("collection")} + arguments);
+    };
+    const auto isOnly = [this](const std::string& name) {
+        return window_->groups().size() == 1 && window_->groups().front().name == name;
+    };
+    // What was asked for before has ended when a command after it has.
+    const auto finish = [this] {
+        bool isFinished = false;
+        window_->deeds().run({QStringLiteral("status"), QStringLiteral("--json")},
+                             [&](const QJsonObject&) { isFinished = true; });
+        ASSERT_TRUE(await([&] { return isFinished; }));
+    };
+    collection({QStringLiteral("add"), QStringLiteral("mine"), QStringLiteral("Beta")});
+    ASSERT_TRUE(await([&] { return isOnly("mine"); }));
+    window_->groupDeeds().rename({GroupKind::Collection, "mine"}, "yours");
+    ASSERT_TRUE(await([&] { return isOnly("yours"); }));
+    collection({QStringLiteral("rename"), QStringLiteral("yours"), QStringLiteral("theirs")});
+    window_->deeds().undo(); // there is no "yours"
+    finish();
+    collection({QStringLiteral("rename"), QStringLiteral("theirs"), QStringLiteral("yours")});
+    window_->deeds().redo(); // it is done
+    finish();
+    ASSERT_TRUE(await([&] { return isOnly("yours"); }));
+    window_->deeds().undo();
+    EXPECT_TRUE(await([&] { return isOnly("mine"); }));
+}
+
 } // namespace managertest

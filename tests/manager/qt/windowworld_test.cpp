@@ -97,7 +97,7 @@ TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
 }
 
 // Each is tried with a text of its own, which has all lines drawn anew.
-TEST_F(TheWindowsWorld, MarksAFaceThatCannotBeDrawnAnyMoreAndDrawsTheRest) {
+TEST_F(TheWindowsWorld, MarksAFaceThatIsCutAndDrawsTheRest) {
     open();
     choose(1);
     auto* const own = window_->pane().findChild<QLineEdit*>();

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// The window while others change the library: nobody is torn from where he is.
+#include "tests/manager/qt/windowfixture.h"
+
+#include <QScrollBar>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace manager;
+using namespace managertest;
+
+namespace {
+
+TEST_F(TheLibrarysWindow, KeepsWhatIsChosenAndSeenWhenNewsCome) {
+    for (int i = 10; i < 60; ++i) {
+        const std::string name = "Many" + std::to_string(i);
+        sandbox_.write(name + ".ttf", testsupport::makeFont({name, "Regular", name}));
+    }
+    glyphora({QStringLiteral("scan")});
+    open();
+    QTreeView& list = window_->list();
+    const auto chosen = [&] {
+        std::vector<std::string> names;
+        for (const QModelIndex& row : list.selectionModel()->selectedRows()) {
+            names.push_back(row.data().toString().toStdString());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    list.setExpanded(window_->model().index(0, 0), true);
+    choose(1);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    list.selectionModel()->select(window_->model().index(1, 0, window_->model().index(0, 0)),
+                                  QItemSelectionModel::Select);
+    const auto before = chosen();
+    ASSERT_EQ(before.size(), 3U);
+    list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum() - 7);
+    const std::string seen = list.indexAt({0, 0}).data().toString().toStdString();
+    const int edge = list.visualRect(list.indexAt({0, 0})).top();
+
+    sandbox_.write("a.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
+    glyphora({QStringLiteral("scan")});
+    ASSERT_TRUE(await([this] { return window_->model().rowCount() == 53; }));
+    EXPECT_EQ(chosen(), before);
+    EXPECT_EQ(list.indexAt({0, 0}).data().toString().toStdString(), seen);
+    EXPECT_EQ(list.visualRect(list.indexAt({0, 0})).top(), edge);
+}
+
+} // namespace
