@@ -174,7 +174,7 @@ if $window; then
     exit $status
 fi
 
-earlier=$(glyphora history --all | wc -l)
+earlier=$(glyphora history --all 2>/dev/null | wc -l)
 options=() status=0
 $json && options+=(--report json)
 [ -n "$locale" ] && options+=(--locale "$locale")
