@@ -104,12 +104,12 @@ std::vector<std::string> problemsOf(const std::vector<std::string>& files) {
     return problems;
 }
 
-std::optional<KnownFile> findInLibrary(Library& library, const std::string& file,
-                                       const faces::FontFileContents& contents) {
+std::optional<FileInLibrary> findInLibrary(Library& library, const std::string& file,
+                                           const faces::FontFileContents& contents) {
     std::error_code ignored;
     const std::string own = fs::canonical(file, ignored).string();
     const std::string session = sessionFolder(library.places());
-    std::optional<KnownFile> ofSession;
+    std::optional<FileInLibrary> ofSession;
     for (const faces::Face& face : contents.faces) {
         for (FaceMatch& match : library.findByPostScriptName(face.postScriptName)) {
             const std::string known = joinPath(match.folder, match.fileName);
@@ -117,9 +117,9 @@ std::optional<KnownFile> findInLibrary(Library& library, const std::string& file
                 continue;
             }
             if (session.empty() || !liesUnder(known, session)) {
-                return KnownFile{std::move(match), false};
+                return FileInLibrary{std::move(match), false};
             }
-            ofSession = KnownFile{std::move(match), true};
+            ofSession = FileInLibrary{std::move(match), true};
         }
     }
     return ofSession;

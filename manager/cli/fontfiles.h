@@ -28,12 +28,12 @@ int readFontsCommand(const std::vector<std::string>& files);
 
 /// A face of the library's file that is this one, or has its bytes. Those of the library come
 /// before one that is there for the session. Throws Error.
-struct KnownFile {
+struct FileInLibrary {
     FaceMatch face;
     bool isForSession = false; ///< it goes when the session ends
 };
-[[nodiscard]] std::optional<KnownFile> findInLibrary(Library& library, const std::string& file,
-                                                     const faces::FontFileContents& contents);
+[[nodiscard]] std::optional<FileInLibrary> findInLibrary(Library& library, const std::string& file,
+                                                         const faces::FontFileContents& contents);
 
 /// Puts the number of its container in the place of each name that means an existing font file.
 /// With `forSession` one that the library does not have is copied to a folder that goes with the

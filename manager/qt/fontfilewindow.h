@@ -22,7 +22,7 @@ namespace manager {
 
 /// What the library knows of a file.
 struct FileStanding {
-    std::optional<KnownFile> known; ///< nullopt: it has none such
+    std::optional<FileInLibrary> known; ///< nullopt: it has none such
     bool isActive = false;
     std::string why; ///< it is active; for people
 };
