@@ -35,7 +35,7 @@ protected:
     TheLookPanel() {
         application();
         panel_.emplace([this] { ++changes_; }, nullptr);
-        panel_->resize(500, 300);
+        panel_->resize(1000, 300);
         panel_->show();
     }
     void offer(const std::vector<std::string>& features) {
@@ -45,6 +45,7 @@ protected:
         QApplication::processEvents(); // it lays them out
     }
 
+    Sandbox sandbox_; // whose settings of fonts are none of the machine's
     int changes_ = 0;
     std::optional<LookPanel> panel_;
 };
