@@ -3,6 +3,7 @@
 
 #include "faces/fontfile.h"
 #include "manager/activation/filesteps.h"
+#include "manager/cli/fontfiles.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/report.h"
 #include "manager/cli/unpacking.h"
@@ -17,8 +18,6 @@
 #include <chrono>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <unistd.h>
 #include <unordered_map>
 #include <variant>
@@ -31,17 +30,6 @@ namespace fs = std::filesystem;
 
 // Another that brings archives is waited for as long as it may take.
 constexpr std::chrono::minutes longestBringing{10};
-
-bool haveEqualBytes(const std::string& a, const std::string& b) {
-    std::error_code noSize;
-    if (fs::file_size(a, noSize) != fs::file_size(b, noSize) || noSize) {
-        return false;
-    }
-    std::ifstream one(a, std::ios::binary);
-    std::ifstream other(b, std::ios::binary);
-    using Bytes = std::istreambuf_iterator<char>;
-    return one && other && std::equal(Bytes(one), Bytes(), Bytes(other), Bytes());
-}
 
 std::vector<FontFileOutcome> readAll(const std::vector<std::string>& files) {
     std::vector<FontFileOutcome> outcomes(files.size());

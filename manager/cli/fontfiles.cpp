@@ -36,17 +36,6 @@ bool isFile(const std::string& path) {
     return fs::is_regular_file(path, ignored);
 }
 
-bool haveEqualBytes(const std::string& a, const std::string& b) {
-    std::error_code noSize;
-    if (fs::file_size(a, noSize) != fs::file_size(b, noSize) || noSize) {
-        return false;
-    }
-    std::ifstream one(a, std::ios::binary);
-    std::ifstream other(b, std::ios::binary);
-    using Bytes = std::istreambuf_iterator<char>;
-    return one && other && std::equal(Bytes(one), Bytes(), Bytes(other), Bytes());
-}
-
 // A folder of its own for each, so that no two are one container that is switched as a whole.
 void copyForSession(const std::string& folder, const std::string& file) {
     std::string own = joinPath(folder, "font-XXXXXX");
@@ -57,6 +46,17 @@ void copyForSession(const std::string& folder, const std::string& file) {
 }
 
 } // namespace
+
+bool haveEqualBytes(const std::string& a, const std::string& b) {
+    std::error_code noSize;
+    if (fs::file_size(a, noSize) != fs::file_size(b, noSize) || noSize) {
+        return false;
+    }
+    std::ifstream one(a, std::ios::binary);
+    std::ifstream other(b, std::ios::binary);
+    using Bytes = std::istreambuf_iterator<char>;
+    return one && other && std::equal(Bytes(one), Bytes(), Bytes(other), Bytes());
+}
 
 bool meansFontFile(const std::string& word) {
     if (word.find('/') != std::string::npos) {

@@ -26,6 +26,9 @@ int readFontsCommand(const std::vector<std::string>& files);
 /// The files' problems. Forks, as readFontFiles() does.
 [[nodiscard]] std::vector<std::string> problemsOf(const std::vector<std::string>& files);
 
+/// False, too, when one of them cannot be read.
+[[nodiscard]] bool haveEqualBytes(const std::string& a, const std::string& b);
+
 /// A face of the library's file that is this one, or has its bytes. Those of the library come
 /// before one that is there for the session. Throws Error.
 struct FileInLibrary {
