@@ -20,11 +20,12 @@ namespace {
 /// What a new process starts with: its socket and nothing else, no signal blocked or ignored.
 class SpawnSettings {
 public:
-    explicit SpawnSettings(int socket) {
+    SpawnSettings(int socket, Child::Output output) {
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_adddup2(&files, socket, STDIN_FILENO);
-        posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_adddup2(&files, STDOUT_FILENO, STDERR_FILENO);
+        posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_adddup2(
+            &files, output == Child::Output::Socket ? STDIN_FILENO : STDERR_FILENO, STDOUT_FILENO);
         posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
         posix_spawnattr_init(&attributes);
         sigset_t none;
@@ -50,7 +51,8 @@ public:
 
 } // namespace
 
-Child::Child(const std::filesystem::path& program, std::span<const std::string> arguments) {
+Child::Child(const std::filesystem::path& program, std::span<const std::string> arguments,
+             Output output) {
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) != 0) {
         throw std::system_error(errno, std::generic_category(), "no socket");
@@ -67,7 +69,7 @@ Child::Child(const std::filesystem::path& program, std::span<const std::string> 
         pointers.push_back(word.data());
     }
     pointers.push_back(nullptr);
-    const SpawnSettings settings(theirs.get());
+    const SpawnSettings settings(theirs.get(), output);
     const int error = posix_spawn(&process_, program.c_str(), &settings.files, &settings.attributes,
                                   pointers.data(), environ);
     if (error != 0) {

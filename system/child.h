@@ -21,10 +21,14 @@ struct Ending {
 /// Kills its process when it goes. [one-thread]
 class Child {
 public:
+    /// Where its standard output goes.
+    enum class Output { Nowhere, Socket };
+
     /// Starts `program`, whose standard input is one end of a socket. It inherits no other
-    /// descriptor of this process; its output goes nowhere. Throws `std::system_error` when it
-    /// cannot be started.
-    Child(const std::filesystem::path& program, std::span<const std::string> arguments);
+    /// descriptor of this process; what it writes to standard error goes nowhere. Throws
+    /// `std::system_error` when it cannot be started.
+    Child(const std::filesystem::path& program, std::span<const std::string> arguments,
+          Output output = Output::Nowhere);
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
     ~Child() { static_cast<void>(end()); }

@@ -6,6 +6,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/buyops.h"
 #include "manager/cli/collectops.h"
+#include "manager/cli/drawingfaces.h"
 #include "manager/cli/fontfiles.h"
 #include "manager/cli/groupops.h"
 #include "manager/cli/libraryops.h"
@@ -41,6 +42,7 @@ namespace {
 /// The values that the options fill.
 struct Options {
     std::vector<std::string> names;
+    std::vector<std::string> drawings;
     std::string group;
     std::string newName;
     std::string to;
@@ -261,8 +263,14 @@ private:
         addNames(*jsonless(app_, "read-fonts", "Tell a window what font files hold",
                            [this](const Places&) { return readFontsCommand(options_.names); }),
                  "file", "A font file");
+        addNames(*withProgress(command("read-drawings", "Tell a window what drawings use",
+                                       [this](const Places&) {
+                                           return readDrawingsCommand(options_.names,
+                                                                      options_.json);
+                                       })),
+                 "file", "A drawing");
         jsonless(app_, "kick", "Tell programs", [](const Places&) { return kickCommand(); });
-        for (const char* own : {"settle", "kick", "read-fonts"}) {
+        for (const char* own : {"settle", "kick", "read-fonts", "read-drawings"}) {
             app_.get_subcommand(own)->group("");
         }
     }
@@ -278,7 +286,7 @@ private:
             }));
         };
         const auto addTo = [this](const Places& places, const GroupTitle& title) {
-            return addToGroup(places, title, options_.names, options_.json);
+            return addToGroup(places, title, {options_.names, options_.drawings}, options_.json);
         };
         const auto removeFrom = [this](const Places& places, const GroupTitle& title) {
             return removeFromGroup(places, title, options_.names, options_.json);
@@ -291,7 +299,14 @@ private:
         };
         CLI::App* adding = add("add", "Put containers in; made if need be", addTo);
         addWord(*adding, "name", "Its name", options_.group)->required();
-        addNames(*adding, "container", nameHelp)->required();
+        addNames(*adding, "container", nameHelp);
+        addOption(*adding, "--from", "FILE", "What a drawing uses", Times::Several,
+                  [this](const std::string& file) { options_.drawings.push_back(file); });
+        adding->parse_complete_callback([this] {
+            if (options_.names.empty() && options_.drawings.empty()) {
+                throw CLI::ValidationError("name containers, or give --from");
+            }
+        });
         CLI::App* removing = add("remove", "Take containers out, or remove all of it", removeFrom);
         addWord(*removing, "name", "Its name", options_.group)->required();
         addNames(*removing, "container", "A number, name or pattern; without any: all of it");

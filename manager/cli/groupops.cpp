@@ -6,6 +6,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/containernames.h"
+#include "manager/cli/drawingfaces.h"
 #include "manager/cli/groupchange.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
@@ -35,13 +36,20 @@ std::vector<Container> containersOf(const Places& places, const std::vector<std:
 
 } // namespace
 
-int addToGroup(const Places& places, const GroupTitle& title, const std::vector<std::string>& names,
+int addToGroup(const Places& places, const GroupTitle& title, const GroupSources& sources,
                bool json) {
     if (title.name.empty()) {
         throw Error("a " + std::string(wordOf(title.kind)) + " needs a name");
     }
     Tally tally(json, "added");
-    const auto containers = containersOf(places, names, tally);
+    std::vector<Container> containers;
+    if (!sources.names.empty()) {
+        containers = containersOf(places, sources.names, tally);
+    }
+    if (!sources.drawings.empty()) {
+        const auto used = containersOfDrawings(places, sources.drawings, tally);
+        containers.insert(containers.end(), used.begin(), used.end());
+    }
     if (containers.empty()) {
         return tally.finish();
     }

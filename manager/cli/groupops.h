@@ -11,8 +11,13 @@ namespace manager {
 
 /// Each returns an ExitStatus and throws Error. Nothing becomes active or inactive by them.
 
+/// What is put into a group.
+struct GroupSources {
+    std::vector<std::string> names;    ///< of containers
+    std::vector<std::string> drawings; ///< files: what they use
+};
 /// Puts the containers into the group, which is made if need be.
-int addToGroup(const Places& places, const GroupTitle& title, const std::vector<std::string>& names,
+int addToGroup(const Places& places, const GroupTitle& title, const GroupSources& sources,
                bool json);
 /// Takes the containers out of the group; with no names the group itself goes.
 int removeFromGroup(const Places& places, const GroupTitle& title,

@@ -32,10 +32,11 @@ std::vector<AskedFont> readDrawing(Library& library, Activation& activation,
         asked.isShown = !found[i].shown.empty();
         preferNamed(found[i].held.exact, fonts[i]);
         for (const Candidate& candidate : found[i].held.exact) {
-            asked.choices.push_back({candidate.face.id, true, {}});
+            asked.choices.push_back({candidate.face.id, candidate.container.id, true, {}});
         }
         for (const Candidate& candidate : found[i].held.near) {
-            asked.choices.push_back({candidate.face.id, false, candidate.reason});
+            asked.choices.push_back(
+                {candidate.face.id, candidate.container.id, false, candidate.reason});
         }
     }
     return drawing;

@@ -17,8 +17,9 @@ namespace manager {
 struct AskedFont {
     struct Choice {
         FaceId face{};
-        bool isExact = false;  ///< it is the font asked for
-        faces::Remarks reason; ///< why it may do, when it is not
+        ContainerId container{}; ///< that holds it
+        bool isExact = false;    ///< it is the font asked for
+        faces::Remarks reason;   ///< why it may do, when it is not
     };
     std::string name;            ///< as the drawing has it
     bool isShown = false;        ///< the desktop shows it, though not by a face of the library

@@ -24,6 +24,7 @@ _glyphora() {
     COMPREPLY=()
     case $previous in
         --to | --folder | --pictures) _glyphora_paths -d ;;
+        --from) _glyphora_paths -f ;;
         --for) _glyphora_words '30min 2h 1d' ;;
         --slant) _glyphora_words 'upright italic oblique' ;;
         --type) _glyphora_words 'T1 TT OT_T1 OT_TT' ;;
@@ -45,6 +46,7 @@ _glyphora() {
                 _glyphora_words 'add remove rename list --help'
                 return
             fi
+            [ "$deed" = add ] && options+=' --from'
             ;;
         add) options+=' --progress' ;;
         scan) options+=' --quiet --progress' ;;

@@ -43,7 +43,7 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"dance"}, 2, "unknown command 'dance'"},
         {{"--dance"}, 2, "unknown option '--dance'"},
         {{"add"}, 2, "required"},
-        {{"tag", "add", "x"}, 2, "container is required; see glyphora tag add --help"},
+        {{"tag", "add", "x"}, 2, "name containers, or give --from; see glyphora tag add --help"},
         {{"info", "Lato-Bold"}, 0, "(container 1, spare)\n"},
         {{"status", "[x]"}, 2, "unexpected word '[x]';"},
         {{"activate", "[A-C]*[12]"}, 1, "glyphora: [A-C]*[12]: no PostScript name or"},
