@@ -9,6 +9,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <set>
 
 namespace manager {
 
@@ -68,12 +69,16 @@ FaceDelegate::FaceDelegate(FaceModel& model, preview::Faces& faces, QTreeView& v
     connect(view.verticalScrollBar(), &QScrollBar::valueChanged, &scrolled_,
             [this] { scrolled_.start(0); });
     connect(&scrolled_, &QTimer::timeout, this, [this] {
-        const QRect seen = view_.viewport()->rect();
-        samples_.keep([&](Samples::Key face) {
-            const QModelIndex index = model_.indexOfFace(static_cast<FaceRow>(face));
-            return view_.visualRect(index).intersects(seen) ||
-                   view_.visualRect(index.parent()).intersects(seen);
-        });
+        std::set<FaceRow> seen;
+        const int end = view_.viewport()->height();
+        for (QModelIndex index = view_.indexAt({0, 0});
+             index.isValid() && view_.visualRect(index).top() < end;
+             index = view_.indexBelow(index)) {
+            if (const auto face = model_.row(index).sample) {
+                seen.insert(*face);
+            }
+        }
+        samples_.keep([&](Samples::Key face) { return seen.contains(static_cast<FaceRow>(face)); });
     });
 }
 

@@ -85,9 +85,21 @@ void FaceModel::setDamaged(FaceRow face, bool damaged) {
     } else {
         damaged_.erase(face);
     }
-    if (const QModelIndex index = indexOfFace(face); index.isValid()) {
-        emit dataChanged(index, index);
-        emit dataChanged(index.parent(), index.parent());
+    const auto tell = [&](std::size_t place) {
+        const QModelIndex family = index(static_cast<int>(place), 0);
+        if (const QModelIndex shown = indexOfFace(face, family); shown.isValid()) {
+            emit dataChanged(shown, shown);
+            emit dataChanged(family, family);
+        }
+    };
+    if (!isDrawing()) {
+        if (const auto place = listing_.placeOf(listing_.view().table.faces()[face].family)) {
+            tell(*place);
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < listing_.families().size(); ++i) {
+        tell(i); // several of a drawing's fonts may be replaced by it
     }
 }
 
@@ -208,25 +220,13 @@ std::span<const FaceRow> FaceModel::facesToSwitch(const QModelIndex& index) cons
     return isDrawing() && !faces.empty() ? faces.first(1) : faces;
 }
 
-QModelIndex FaceModel::indexOfFace(FaceRow face) const {
-    const auto indexIn = [&](std::uint32_t place) {
-        const QModelIndex family = index(static_cast<int>(place), 0);
-        const auto faces = facesOf(family);
-        const auto found = isDrawing() ? std::find(faces.begin(), faces.end(), face)
-                                       : std::lower_bound(faces.begin(), faces.end(), face);
-        return found != faces.end() && *found == face
-                   ? index(static_cast<int>(found - faces.begin()), 0, family)
-                   : QModelIndex();
-    };
-    if (!isDrawing()) {
-        const auto place = listing_.placeOf(listing_.view().table.faces()[face].family);
-        return place ? indexIn(*place) : QModelIndex();
-    }
-    QModelIndex found;
-    for (std::uint32_t i = 0; i < listing_.families().size() && !found.isValid(); ++i) {
-        found = indexIn(i);
-    }
-    return found;
+QModelIndex FaceModel::indexOfFace(FaceRow face, const QModelIndex& family) const {
+    const auto faces = facesOf(family);
+    const auto found = isDrawing() ? std::find(faces.begin(), faces.end(), face)
+                                   : std::lower_bound(faces.begin(), faces.end(), face);
+    return found != faces.end() && *found == face
+               ? index(static_cast<int>(found - faces.begin()), 0, family)
+               : QModelIndex();
 }
 
 QModelIndex FaceModel::index(int row, int column, const QModelIndex& parent) const {

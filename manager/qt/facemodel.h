@@ -54,8 +54,8 @@ public:
     [[nodiscard]] std::span<const FaceRow> facesToSwitch(const QModelIndex& index) const;
     /// Marks a face that cannot be drawn, or can again, until other rows are shown.
     void setDamaged(FaceRow face, bool damaged);
-    /// Where a face is shown first; an invalid index: nowhere.
-    [[nodiscard]] QModelIndex indexOfFace(FaceRow face) const;
+    /// Where a face is shown under a family, or a drawing's font; an invalid index: not there.
+    [[nodiscard]] QModelIndex indexOfFace(FaceRow face, const QModelIndex& family) const;
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& index) const override;

@@ -3,7 +3,6 @@
 
 #include "manager/view/texts.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -67,17 +66,17 @@ QLayout* FacePane::makeTools(std::function<void(const QString&)> wrote) {
         wrote(sample_->text());
         showText();
     });
-    auto* const paper = new QComboBox(this);
-    paper->addItem(text(translated("Paper as the window")));
-    paper->addItem(text(translated("Light paper")));
-    paper->addItem(text(translated("Dark paper")));
-    paper->setAccessibleName(text(translated("Paper")));
-    connect(paper, &QComboBox::currentIndexChanged, this, [this](int place) {
+    paper_ = new QComboBox(this);
+    paper_->addItem(text(translated("Paper as the window")));
+    paper_->addItem(text(translated("Light paper")));
+    paper_->addItem(text(translated("Dark paper")));
+    paper_->setAccessibleName(text(translated("Paper")));
+    connect(paper_, &QComboBox::currentIndexChanged, this, [this](int place) {
         waterfall_->setPaper(static_cast<Paper>(place));
         characters_->setPaper(static_cast<Paper>(place));
     });
     tools->addWidget(sample_, 1);
-    tools->addWidget(paper);
+    tools->addWidget(paper_);
     return tools;
 }
 

@@ -8,6 +8,7 @@
 #include "manager/qt/lookpanel.h"
 #include "manager/qt/waterfall.h"
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
@@ -40,6 +41,8 @@ public:
 
     void show(ChosenFaces chosen);
 
+    [[nodiscard]] QLineEdit& sampleField() { return *sample_; }
+    [[nodiscard]] QComboBox& paperBox() { return *paper_; }
     [[nodiscard]] QTabWidget& views() { return *views_; }
     [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
     [[nodiscard]] LookPanel& look() { return *look_; }
@@ -57,6 +60,7 @@ private:
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
     QLineEdit* sample_ = nullptr;
+    QComboBox* paper_ = nullptr;
     QToolButton* lookButton_ = nullptr;
     LookPanel* look_ = nullptr;
     QTabWidget* views_ = nullptr;

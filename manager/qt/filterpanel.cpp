@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace manager {
 
@@ -164,10 +165,9 @@ void FilterPanel::set(FilterKind kind, const std::string& value) {
     changed_();
 }
 
-void FilterPanel::clear() {
-    const FilterValues before = values_;
-    values_.clear();
-    for (const auto& [kind, value] : before) {
+void FilterPanel::setAll(FilterValues values) {
+    values_ = std::move(values);
+    for (const FilterKind kind : allFilterKinds) {
         showField(kind);
     }
     showChips();

@@ -32,8 +32,9 @@ public:
     void offer(const FilterTags& offered);
     [[nodiscard]] const FilterValues& values() const { return values_; }
     void set(FilterKind kind, const std::string& value);
-    /// Takes all filters away.
-    void clear();
+    /// Takes all other filters away.
+    void setAll(FilterValues values);
+    void clear() { setAll({}); }
     /// The field of a filter.
     [[nodiscard]] QWidget* field(FilterKind kind) const { return fields_.at(kind); }
 

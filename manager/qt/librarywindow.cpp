@@ -10,7 +10,6 @@
 
 #include <QCloseEvent>
 #include <QEventLoop>
-#include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 
@@ -83,9 +82,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     makeActions();
     new FileDrop(*this, [this](const QStringList& paths) { add(paths); });
     resize(1180, 720);
-    const QSettings settings;
-    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
-    splitter_->restoreState(settings.value(QStringLiteral("columns")).toByteArray());
+    recall();
     list_->setFocus();
 
     for (const char* const name : {changeNotification, setsNotification}) {
@@ -114,6 +111,7 @@ void LibraryWindow::take(const WindowRequest& request) {
     if (!request.command.empty()) {
         try {
             reader_.setDrawing(parseCommand(request.command).fonts);
+            collapsed_.clear();
             read();
             sidebar_->choose({.kind = SidebarPlace::Kind::Drawing});
         } catch (const Error& error) {
@@ -144,9 +142,7 @@ void LibraryWindow::finishReading() {
 }
 
 void LibraryWindow::closeEvent(QCloseEvent* event) {
-    QSettings settings;
-    settings.setValue(QStringLiteral("geometry"), saveGeometry());
-    settings.setValue(QStringLiteral("columns"), splitter_->saveState());
+    remember();
     QMainWindow::closeEvent(event);
 }
 

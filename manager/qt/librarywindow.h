@@ -8,6 +8,7 @@
 #include "manager/qt/filterpanel.h"
 #include "manager/qt/groupdeeds.h"
 #include "manager/qt/libraryreader.h"
+#include "manager/qt/listposition.h"
 #include "manager/qt/sidebar.h"
 #include "manager/view/window.h"
 
@@ -15,6 +16,9 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QTimer>
+
+#include <set>
+#include <string>
 
 class QMenu;
 class QSplitter;
@@ -55,6 +59,11 @@ protected:
 
 private:
     void take(const WindowRequest& request);
+    /// Takes up what the run before has left.
+    void recall();
+    void remember() const;
+    void setExpanded(const QModelIndex& family, bool expanded);
+    void showExpanded();
     void makeActions();
     void makeGroupActions(QMenu& fonts);
     /// A menu of the groups of a kind, and of making one, for the chosen fonts.
@@ -108,6 +117,9 @@ private:
     QTreeView* list_ = nullptr;
     QStackedWidget* pages_ = nullptr; ///< the list, or what to do while it is empty
     QLabel* empty_ = nullptr;
+    std::set<std::string> expanded_;  ///< families, shown or not
+    std::set<std::string> collapsed_; ///< fonts of the drawing
+    ListPosition recalled_;           ///< of the run before, until there are rows
     FaceDelegate* delegate_ = nullptr;
     FacePane* pane_ = nullptr;
     LibraryFaces libraryFaces_{reader_}; ///< only refers to it

@@ -6,8 +6,8 @@
 
 #include <QTreeView>
 
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -15,17 +15,19 @@ namespace manager {
 
 /// A row, whatever its number will be.
 struct ListPlace {
-    std::string family;         ///< its name; empty: there is no such row
-    std::optional<FaceId> face; ///< nothing: the family's own row
+    std::string family = {};         ///< its name; empty: there is no such row
+    std::optional<FaceId> face = {}; ///< nothing: the family's own row
 };
 
 struct ListPosition {
-    std::set<std::string> expanded; ///< families
-    ListPlace current;
+    struct Chosen {
+        bool family = false; ///< its own row
+        std::vector<FaceId> faces = {};
+    };
+    ListPlace current = {};
     bool isCurrentSeen = false;
-    std::set<std::string> chosenFamilies;
-    std::vector<FaceId> chosenFaces;
-    ListPlace top;     ///< the row at the list's upper edge
+    std::map<std::string, Chosen> chosen = {}; ///< by family
+    ListPlace top = {};                        ///< the row at the list's upper edge
     int topOffset = 0; ///< of that row's from the list's, in pixels; not above 0
 };
 

@@ -2,7 +2,6 @@
 // The list, what narrows it, and what stands there when it is empty.
 #include "manager/library/folders.h"
 #include "manager/qt/librarywindow.h"
-#include "manager/qt/listposition.h"
 #include "manager/view/texts.h"
 
 #include <QHBoxLayout>
@@ -12,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace manager {
 
@@ -48,6 +48,10 @@ QWidget* LibraryWindow::makeList() {
     list_->setAccessibleName(text(translated("Fonts")));
     delegate_ = new FaceDelegate(model_, faces_, *list_);
     list_->setItemDelegate(delegate_);
+    connect(list_, &QTreeView::expanded, this,
+            [this](const QModelIndex& family) { setExpanded(family, true); });
+    connect(list_, &QTreeView::collapsed, this,
+            [this](const QModelIndex& family) { setExpanded(family, false); });
     connect(list_, &QTreeView::doubleClicked, this, [this] { toggleChosen(); });
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         connect(new QShortcut(key, list_, nullptr, nullptr, Qt::WidgetShortcut),
@@ -152,21 +156,50 @@ void LibraryWindow::filter() {
         return;
     }
     const SidebarPlace& place = sidebar_->place();
-    const ListPosition before = positionOf(*list_, model_);
+    const ListPosition before =
+        model_.rowCount() == 0 ? std::exchange(recalled_, {}) : positionOf(*list_, model_);
     model_.show(view_, filterOf(place));
+    showExpanded();
     restore(*list_, model_, before);
     if (place.kind == SidebarPlace::Kind::Drawing) {
-        list_->expandAll();
         if (!list_->currentIndex().isValid()) { // the best for the first font
             const QModelIndex font = model_.index(0, 0);
             const QModelIndex best = model_.index(0, 0, font);
-            list_->setCurrentIndex(best.isValid() ? best : font);
+            list_->setCurrentIndex(best.isValid() && list_->isExpanded(font) ? best : font);
         }
     }
     showEmpty();
     showCount();
     showGroupActions();
     showChosen();
+}
+
+void LibraryWindow::setExpanded(const QModelIndex& family, bool expanded) {
+    if (family.parent().isValid()) {
+        return; // the toolkit tells it of faces, too, when all is expanded
+    }
+    const bool isDrawing = model_.listing().filter().isDrawing;
+    const std::string& name = model_.nameOf(static_cast<std::size_t>(family.row()));
+    if (expanded != isDrawing) {
+        (isDrawing ? collapsed_ : expanded_).insert(name);
+    } else {
+        (isDrawing ? collapsed_ : expanded_).erase(name);
+    }
+}
+
+// Families are closed until they are opened, a drawing's fonts the other way round.
+void LibraryWindow::showExpanded() {
+    const bool isDrawing = model_.listing().filter().isDrawing;
+    const std::set<std::string>& others = isDrawing ? collapsed_ : expanded_;
+    if (others.empty() && !isDrawing) {
+        return;
+    }
+    const int count = model_.rowCount();
+    for (int row = 0; row < count; ++row) {
+        if (others.contains(model_.nameOf(static_cast<std::size_t>(row))) != isDrawing) {
+            list_->setExpanded(model_.index(row, 0), true);
+        }
+    }
 }
 
 void LibraryWindow::showEmpty() {

@@ -5,6 +5,7 @@
 #include "manager/view/texts.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 
 namespace manager {
@@ -15,26 +16,27 @@ using faces::marked;
 
 struct Kind {
     FilterForm form;
+    const char* key;
     const char* title;
 };
 
 const Kind& factsOf(FilterKind kind) {
     static const std::array<Kind, allFilterKinds.size()> kinds{{
-        {FilterForm::Choice, marked("State")},
-        {FilterForm::Choice, marked("Class")},
-        {FilterForm::Choice, marked("Weight")},
-        {FilterForm::Choice, marked("Width")},
-        {FilterForm::Choice, marked("Slant")},
-        {FilterForm::Choice, marked("Format")},
-        {FilterForm::Tag, marked("Script")},
-        {FilterForm::Tag, marked("Language")},
-        {FilterForm::Tag, marked("Feature")},
-        {FilterForm::Text, marked("Foundry")},
-        {FilterForm::Text, marked("Licence")},
-        {FilterForm::Flag, marked("Variable")},
-        {FilterForm::Flag, marked("Fixed width")},
-        {FilterForm::Flag, marked("In colour")},
-        {FilterForm::Flag, marked("Embeddable")},
+        {FilterForm::Choice, "state", marked("State")},
+        {FilterForm::Choice, "class", marked("Class")},
+        {FilterForm::Choice, "weight", marked("Weight")},
+        {FilterForm::Choice, "width", marked("Width")},
+        {FilterForm::Choice, "slant", marked("Slant")},
+        {FilterForm::Choice, "format", marked("Format")},
+        {FilterForm::Tag, "script", marked("Script")},
+        {FilterForm::Tag, "language", marked("Language")},
+        {FilterForm::Tag, "feature", marked("Feature")},
+        {FilterForm::Text, "foundry", marked("Foundry")},
+        {FilterForm::Text, "licence", marked("Licence")},
+        {FilterForm::Flag, "variable", marked("Variable")},
+        {FilterForm::Flag, "monospaced", marked("Fixed width")},
+        {FilterForm::Flag, "colour", marked("In colour")},
+        {FilterForm::Flag, "embeddable", marked("Embeddable")},
     }};
     return kinds.at(static_cast<std::size_t>(kind));
 }
@@ -172,6 +174,25 @@ void narrow(FaceQuery& query, FilterKind kind, const std::string& value) {
 
 FilterForm formOf(FilterKind kind) {
     return factsOf(kind).form;
+}
+
+const char* keyOf(FilterKind kind) {
+    return factsOf(kind).key;
+}
+
+bool isFilterValue(FilterKind kind, const std::string& value) {
+    switch (formOf(kind)) {
+    case FilterForm::Choice: {
+        std::size_t place = 0;
+        const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), place);
+        return error == std::errc() && end == value.data() + value.size() &&
+               place < choicesOf(kind).size();
+    }
+    case FilterForm::Flag:
+        return value == "1";
+    default:
+        return !value.empty();
+    }
 }
 
 std::string titleOf(FilterKind kind) {

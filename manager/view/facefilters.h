@@ -47,6 +47,11 @@ enum class FilterForm : std::uint8_t {
 };
 [[nodiscard]] FilterForm formOf(FilterKind kind);
 
+/// What it is kept under: "weight".
+[[nodiscard]] const char* keyOf(FilterKind kind);
+/// Whether it can be set to `value`, as one that was kept; not if that is empty.
+[[nodiscard]] bool isFilterValue(FilterKind kind, const std::string& value);
+
 /// [main-thread] In the user's language: "Weight".
 [[nodiscard]] std::string titleOf(FilterKind kind);
 /// [main-thread] In the user's language, in order: "Light". Empty: it is not a choice.

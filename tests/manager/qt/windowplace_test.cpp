@@ -47,4 +47,33 @@ TEST_F(TheLibrarysWindow, KeepsWhatIsChosenAndSeenWhenNewsCome) {
     EXPECT_EQ(list.visualRect(list.indexAt({0, 0})).top(), edge);
 }
 
+TEST_F(TheLibrarysWindow, KeepsADrawingsFontsAsTheyWereLeftWhenNewsCome) {
+    const auto font = [](const std::string& name) {
+        return "<font>\n<psName>" + name + "</psName>\n</font>\n";
+    };
+    open();
+    window_->open({.command = "<cmd>showRequest</cmd>\n" + font("Alpha-Black") +
+                              font("Alpha-Thin") + "</cmd>\n"});
+    ASSERT_TRUE(await([this] { return window_->model().listing().filter().isDrawing; }));
+    ASSERT_TRUE(await([this] { return window_->model().rowCount() == 2; }));
+    QTreeView& list = window_->list();
+    const auto thin = [this] { return window_->model().index(1, 0); };
+    ASSERT_TRUE(list.isExpanded(thin()));
+    list.setExpanded(window_->model().index(0, 0), false);
+    list.setCurrentIndex(window_->model().index(0, 0, thin())); // the same as the first has
+    const QString chosen = list.currentIndex().data().toString();
+
+    glyphora({QStringLiteral("activate"), QStringLiteral("Beta")});
+    ASSERT_TRUE(await(
+        [this] { return window_->model().listing().view().states.count(FaceState::Active) == 1; }));
+    EXPECT_FALSE(list.isExpanded(window_->model().index(0, 0)));
+    EXPECT_TRUE(list.isExpanded(thin()));
+    EXPECT_EQ(list.currentIndex().parent(), thin());
+    EXPECT_EQ(list.currentIndex().data().toString(), chosen);
+    window_->sidebar().choose({});
+    window_->sidebar().choose({.kind = SidebarPlace::Kind::Drawing});
+    EXPECT_FALSE(list.isExpanded(window_->model().index(0, 0)));
+    EXPECT_TRUE(list.isExpanded(thin()));
+}
+
 } // namespace
