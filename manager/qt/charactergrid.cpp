@@ -238,8 +238,9 @@ void CharacterGrid::paintCharacter(QPainter& painter, const QStyleOptionViewItem
     const QRect cell = option.rect.adjusted(1, 1, -1, -1);
     if ((option.state & QStyle::State_Selected) != 0) {
         const auto group = hasFocus() ? QPalette::Active : QPalette::Inactive;
-        painter.fillRect(cell, palette().color(group, QPalette::Highlight));
-        ink = palette().color(group, QPalette::HighlightedText);
+        const QColor ground = palette().color(group, QPalette::Highlight);
+        painter.fillRect(cell, ground);
+        ink = readable(palette().color(group, QPalette::HighlightedText), ground);
         label = ink;
     }
     const char32_t character = model_.at(row);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The colours of states: a pair for light and dark, each with a contrast of at least 4.5 to 1.
+// Colours that can be read on whatever the desktop's theme has behind them: each has a contrast of
+// at least 4.5 to 1.
 #pragma once
 
 #include "manager/view/facestates.h"
@@ -7,26 +8,28 @@
 #include <QColor>
 #include <QPalette>
 
+class QStyleOptionViewItem;
+
 namespace manager {
 
-[[nodiscard]] inline bool isDark(const QPalette& palette) {
-    return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
-}
+inline constexpr double leastContrast = 4.5;
 
-[[nodiscard]] inline QColor colourOf(FaceState state, bool dark) {
-    switch (state) {
-    case FaceState::Active:
-        return dark ? QColor(0x7b, 0xdc, 0x95) : QColor(0x0a, 0x6b, 0x2d);
-    case FaceState::Conflicting:
-        return dark ? QColor(0xff, 0x9a, 0x90) : QColor(0xb3, 0x1d, 0x1d);
-    case FaceState::Shown:
-        return dark ? QColor(0x93, 0xc0, 0xff) : QColor(0x0b, 0x55, 0xa3);
-    case FaceState::Away:
-        return dark ? QColor(0xe8, 0xbd, 0x6a) : QColor(0x7a, 0x4f, 0x00);
-    case FaceState::Inactive:
-        break;
-    }
-    return dark ? QColor(0xb4, 0xb4, 0xb4) : QColor(0x5c, 0x5c, 0x5c);
-}
+/// From 1, of two that are alike, to 21. Both are opaque.
+[[nodiscard]] double contrastOf(const QColor& one, const QColor& other);
+
+/// `wanted` as it looks on `ground`, which is opaque; where that cannot be read, as much lighter or
+/// darker as it needs.
+[[nodiscard]] QColor readable(const QColor& wanted, const QColor& ground);
+
+/// Of a state's word and mark.
+[[nodiscard]] QColor colourOf(FaceState state, const QColor& ground);
+
+/// What is behind a row of a list, and the text on it.
+struct RowColours {
+    QColor ground;
+    QColor text;
+    bool isSelected = false;
+};
+[[nodiscard]] RowColours coloursOf(const QStyleOptionViewItem& option);
 
 } // namespace manager

@@ -127,15 +127,11 @@ void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void FaceDelegate::paintNames(QPainter& painter, const QStyleOptionViewItem& option,
                               const QRect& area, const ListRow& row) const {
-    const bool selected = (option.state & QStyle::State_Selected) != 0;
-    const auto group =
-        (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
-    const QColor plain =
-        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+    const auto [ground, plain, isSelected] = coloursOf(option);
     const QColor state =
-        selected ? plain
-                 : colourOf(row.isAway ? FaceState::Away : row.same.value_or(FaceState::Inactive),
-                            isDark(option.palette));
+        isSelected ? plain
+                   : colourOf(row.isAway ? FaceState::Away : row.same.value_or(FaceState::Inactive),
+                              ground);
     QFont font = option.font;
     font.setBold(row.isFamily);
     const QFontMetrics metrics(font);
@@ -164,16 +160,13 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
     }
     const FaceTable& table = model_.listing().view().table;
     const ListedFace& face = table.faces()[*row.sample];
-    const bool selected = (option.state & QStyle::State_Selected) != 0;
-    const auto group =
-        (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
-    const QColor colour =
-        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+    const RowColours colours = coloursOf(option);
     const auto note = [&](const std::string& words) {
         QFont font = option.font;
         font.setItalic(true);
         painter.setFont(font);
-        painter.setPen(selected ? colour : colourOf(FaceState::Inactive, isDark(option.palette)));
+        painter.setPen(colours.isSelected ? colours.text
+                                          : colourOf(FaceState::Inactive, colours.ground));
         painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter,
                          QFontMetrics(font).elidedText(QString::fromStdString(words),
                                                        Qt::ElideRight, area.width()));
@@ -198,7 +191,7 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
     preview::drawFace(
         painter, answer->picture, scale,
         {QRectF(area), area.height() / 2.0 + capitals * pixels_, preview::runsFromTheRight(text)},
-        colour);
+        colours.text);
 }
 
 } // namespace manager

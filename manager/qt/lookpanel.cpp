@@ -36,7 +36,7 @@ public:
                        const QWidget* widget) const override {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         if (element == PE_IndicatorCheckBox && baseStyle()->name() == QLatin1String("fusion")) {
-            painter->setPen(colourOf(FaceState::Inactive, isDark(option->palette)));
+            painter->setPen(colourOf(FaceState::Inactive, option->palette.color(QPalette::Window)));
             painter->setBrush(Qt::NoBrush);
             painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         }

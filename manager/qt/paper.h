@@ -2,6 +2,8 @@
 // What faces are shown on.
 #pragma once
 
+#include "manager/qt/colours.h"
+
 #include <QColor>
 #include <QPalette>
 
@@ -27,8 +29,8 @@ struct PaperColours {
         colours.paper = dark ? QColor(0x1b, 0x1b, 0x1d) : QColor(Qt::white);
         colours.ink = dark ? QColor(0xf0, 0xf0, 0xf0) : QColor(Qt::black);
     }
-    colours.label = colours.paper.lightness() < colours.ink.lightness() ? QColor(0xa8, 0xa8, 0xa8)
-                                                                        : QColor(0x63, 0x63, 0x63);
+    colours.ink = readable(colours.ink, colours.paper);
+    colours.label = colourOf(FaceState::Inactive, colours.paper);
     return colours;
 }
 

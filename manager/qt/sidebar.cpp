@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/sidebar.h"
 
+#include "manager/qt/colours.h"
 #include "manager/qt/facemodel.h"
 #include "manager/view/texts.h"
 
@@ -58,8 +59,10 @@ protected:
             index.parent().isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
         if (index.column() == 1 || isHint) {
             option->palette.setColor(QPalette::Text,
-                                     option->palette.color(QPalette::PlaceholderText));
+                                     readable(option->palette.color(QPalette::PlaceholderText),
+                                              option->palette.color(QPalette::Base)));
         }
+        option->palette.setColor(QPalette::HighlightedText, coloursOf(*option).text);
     }
 };
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The axes and features that a face is drawn with.
+#include "manager/qt/colours.h"
 #include "manager/qt/lookpanel.h"
 #include "tests/manager/qt/windowfixture.h"
 
 #include <QPushButton>
 #include <QStyleOptionButton>
 
-#include <cmath>
 #include <gmock/gmock.h>
 
 using namespace manager;
@@ -16,19 +16,6 @@ using testing::IsEmpty;
 namespace managertest {
 
 namespace {
-
-double luminance(const QColor& colour) {
-    const auto linear = [](double part) {
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b) {
-    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
-    return (light + 0.05) / (dark + 0.05);
-}
 
 class TheLookPanel : public testing::Test {
 protected:
@@ -89,8 +76,8 @@ TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
         const QRect mark = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
         const QImage image = box.grab().toImage();
         const QPoint edge(mark.left(), mark.center().y());
-        EXPECT_GE(contrast(image.pixelColor(edge), palette.color(QPalette::Window)), 3) << dark;
-        EXPECT_GE(contrast(image.pixelColor(edge), palette.color(QPalette::Base)), 3) << dark;
+        EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Window)), 3) << dark;
+        EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Base)), 3) << dark;
     }
 }
 
