@@ -95,9 +95,7 @@ Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
             item->setText(0, text(title->name));
             return;
         }
-        if (place_.name == title->text()) { // else another one was chosen meanwhile
-            place_.name = GroupTitle{title->kind, name}.text();
-        }
+        renamed_ = {title->text(), GroupTitle{title->kind, name}.text()};
         handlers_.rename(*title, name);
     });
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
@@ -133,6 +131,7 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
         written = before->text();
         toEdit = targetOf(currentItem());
     }
+    followRenamed(groups);
     isFilling_ = true;
     clear();
     places_.clear();
@@ -174,6 +173,21 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
     }
     if (auto* const again = editor(); written && again != nullptr) {
         again->setText(*written);
+    }
+}
+
+// Until it has its new name, which takes as long as what is done before, it is the place it was.
+void Sidebar::followRenamed(const Groups& groups) {
+    const auto isThere = [&groups](const std::string& place) {
+        return std::any_of(groups.begin(), groups.end(), [&](const Group& group) {
+            return GroupTitle{group.kind, group.name}.text() == place;
+        });
+    };
+    if (!renamed_.first.empty() && !isThere(renamed_.first) && isThere(renamed_.second)) {
+        if (place_.name == renamed_.first) { // else another one was chosen meanwhile
+            place_.name = renamed_.second;
+        }
+        renamed_ = {};
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class QLineEdit;
@@ -62,6 +63,7 @@ private:
     /// Of the name that is being edited; null: none is.
     [[nodiscard]] QLineEdit* editor() const;
     void endEdit();
+    void followRenamed(const Groups& groups);
     void addGroups(GroupKind kind, const Groups& groups);
     QTreeWidgetItem* addSection(const std::string& name);
     /// Leaves the names and numbers of a section the room that they need.
@@ -75,6 +77,7 @@ private:
     std::vector<SidebarPlace> places_;
     SidebarPlace place_;
     bool isFilling_ = false;
+    std::pair<std::string, std::string> renamed_; ///< what a group was and will be; empty: none
     Handlers handlers_;
     std::optional<GroupTitle> toEdit_; ///< once it is shown, or the window is active again
 };
