@@ -110,14 +110,19 @@ LibraryWindow::~LibraryWindow() {
 void LibraryWindow::take(const WindowRequest& request) {
     if (!request.command.empty()) {
         try {
-            reader_.setDrawing(parseCommand(request.command).fonts);
+            auto fonts = parseCommand(request.command).fonts;
+            isDrawingAwaited_ = !fonts.empty();
+            if (!isDrawingAwaited_) {
+                sidebar_->choose({});
+            }
+            reader_.setDrawing(std::move(fonts));
             collapsed_.clear();
             read();
-            sidebar_->choose({.kind = SidebarPlace::Kind::Drawing});
         } catch (const Error& error) {
             tell({QString::fromUtf8(error.what())});
         }
     } else if (!request.search.empty()) {
+        isDrawingAwaited_ = false;
         sidebar_->choose({});
     } else {
         return;
@@ -200,6 +205,11 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
         return;
     }
     sidebar_->show(*view_, groups_, folders_);
+    // Not before: a reading that was under way brings a library without it.
+    if (!view_->drawing.empty() && std::exchange(isDrawingAwaited_, false)) {
+        list_->selectionModel()->clear(); // the best for it is chosen
+        sidebar_->choose({.kind = SidebarPlace::Kind::Drawing});
+    }
     filter();
     if (!isNew) {
         return;

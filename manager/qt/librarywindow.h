@@ -105,6 +105,7 @@ private:
     FaceModel model_;
     std::shared_ptr<const LibraryView> view_;
     std::shared_ptr<const LibraryView> nextView_; ///< to be shown with its sets
+    bool isDrawingAwaited_ = false;               ///< to be chosen once it is there
     Groups groups_;
     std::vector<std::string> folders_;
     LibraryReader reader_; ///< it calls the window
