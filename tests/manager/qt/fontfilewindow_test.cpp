@@ -22,7 +22,7 @@ protected:
     FontFileWindow& openFiles(const std::vector<std::string>& files) {
         windows_.open({.files = files});
         FontFileWindow& window = *windows_.fontFiles().back();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        EXPECT_TRUE(awaitActive(window));
         EXPECT_TRUE(await([&] { return window.isRead(); }));
         return window;
     }
@@ -102,7 +102,7 @@ TEST_F(AWindowOfFontFiles, IsOpenedByWhoComesLaterOncePerFile) {
     EXPECT_EQ(windows_.fontFiles()[1]->files(), (std::vector{second, other_}));
     show({QString::fromStdString(other_)});
     EXPECT_EQ(windows_.fontFiles().size(), 2U);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(windows_.fontFiles()[0]));
+    EXPECT_TRUE(awaitActive(*windows_.fontFiles()[0]));
     EXPECT_EQ(windows_.library(), nullptr);
 }
 

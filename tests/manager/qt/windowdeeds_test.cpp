@@ -4,7 +4,6 @@
 #include "tests/manager/qt/windowfixture.h"
 
 #include <QFileDialog>
-#include <QStatusBar>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -42,11 +41,13 @@ TEST_F(TheWindowsDeeds, AreUndoneInTheOrderInWhichTheyWereBegun) {
     press(Qt::Key_Delete);
     press(Qt::Key_Z, Qt::ControlModifier); // the removal, once it is made
     const QUndoStack& stack = window_->deeds().undoStack();
-    ASSERT_TRUE(await([&] { return stack.count() == 2 && stack.index() == 1; }));
+    ASSERT_TRUE(finishDeeds());
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 1);
     EXPECT_EQ(stack.text(0), QStringLiteral("activate Beta"));
     EXPECT_EQ(stack.text(1), QStringLiteral("remove from mine"));
-    EXPECT_TRUE(await([this] { return window_->groups().front().members.size() == 1; }));
-    EXPECT_TRUE(await([this] { return heard(0) == "Beta, 1 style, active"; })) << heard(0);
+    EXPECT_EQ(readGroups(sandbox_.places()).front().members.size(), 1U);
+    EXPECT_TRUE(awaitHeard({{0, "Beta, 1 style, active"}}));
 }
 
 TEST_F(TheWindowsDeeds, AreDoneThoughItIsClosedMeanwhile) {
@@ -105,6 +106,27 @@ TEST_F(TheWindowsDeeds, EndTheEditingOfANameWhereAnotherPlaceIsChosen) {
     EXPECT_EQ(sidebar.place(), above);
 }
 
+TEST_F(TheWindowsDeeds, KeepASetChosenUntilItHasItsNewName) {
+    glyphoraTagged();
+    open();
+    chooseTag("mine");
+    std::optional<FileLock> scanning(sandbox_.places().scanLock()); // which is waited for
+    press(Qt::Key_F5);
+    Sidebar& sidebar = window_->sidebar();
+    sidebar.setFocus();
+    QTest::keyClick(&sidebar, Qt::Key_F2);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("yours"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("else"),
+              QStringLiteral("Beta")});
+    ASSERT_TRUE(await([this] { return window_->groups().size() == 2; }));
+    EXPECT_EQ(window_->model().rowCount(), 1);
+    scanning.reset();
+    ASSERT_TRUE(await([this] { return window_->groups().back().name == "yours"; }));
+    EXPECT_EQ(sidebar.place().name, "tag:yours");
+    EXPECT_EQ(window_->model().rowCount(), 1);
+}
+
 TEST_F(TheWindowsDeeds, CollectWhatIsChosenIntoAFolderForOutput) {
     open();
     choose(1);
@@ -124,9 +146,7 @@ TEST_F(TheWindowsDeeds, CollectWhatIsChosenIntoAFolderForOutput) {
     });
     ASSERT_NE(collect, actions.end());
     (*collect)->trigger();
-    const std::string told = "1 font file copied to " + target + ", with a list of licences";
-    EXPECT_TRUE(await([&] { return window_->statusBar()->currentMessage().toStdString() == told; }))
-        << window_->statusBar()->currentMessage().toStdString();
+    EXPECT_TRUE(awaitTold({"1 font file copied to " + target + ", with a list of licences"}));
     std::vector<std::string> fonts;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(target)) {
         if (entry.path().extension() == ".ttf") {
@@ -152,7 +172,7 @@ TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
     EXPECT_NE(window_->groups().front().members.front().id, before);
     window_->sidebar().setFocus();
     QTest::keyClick(&window_->sidebar(), Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_TRUE(await([this] { return heard(0) == "Aaa, 1 style, active"; })) << heard(0);
+    EXPECT_TRUE(awaitHeard({{0, "Aaa, 1 style, active"}}));
     window_->sidebar().choose({});
     EXPECT_EQ(heard(1), "Alpha, 2 styles, inactive");
     EXPECT_EQ(heard(2), "Beta, 1 style, inactive");
@@ -168,23 +188,16 @@ TEST_F(TheWindowsDeeds, DoNotTurnRoundWhereUndoingFails) {
     const auto isOnly = [this](const std::string& name) {
         return window_->groups().size() == 1 && window_->groups().front().name == name;
     };
-    // What was asked for before has ended when a command after it has.
-    const auto finish = [this] {
-        bool isFinished = false;
-        window_->deeds().run({QStringLiteral("status"), QStringLiteral("--json")},
-                             [&](const QJsonObject&) { isFinished = true; });
-        ASSERT_TRUE(await([&] { return isFinished; }));
-    };
     collection({QStringLiteral("add"), QStringLiteral("mine"), QStringLiteral("Beta")});
     ASSERT_TRUE(await([&] { return isOnly("mine"); }));
     window_->groupDeeds().rename({GroupKind::Collection, "mine"}, "yours");
     ASSERT_TRUE(await([&] { return isOnly("yours"); }));
     collection({QStringLiteral("rename"), QStringLiteral("yours"), QStringLiteral("theirs")});
     window_->deeds().undo(); // there is no "yours"
-    finish();
+    ASSERT_TRUE(finishDeeds());
     collection({QStringLiteral("rename"), QStringLiteral("theirs"), QStringLiteral("yours")});
     window_->deeds().redo(); // it is done
-    finish();
+    ASSERT_TRUE(finishDeeds());
     ASSERT_TRUE(await([&] { return isOnly("yours"); }));
     window_->deeds().undo();
     EXPECT_TRUE(await([&] { return isOnly("mine"); }));

@@ -12,10 +12,14 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QProcess>
+#include <QStatusBar>
 #include <QTest>
 
+#include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
+#include <map>
+#include <memory>
 
 namespace managertest {
 
@@ -34,6 +38,11 @@ inline bool await(const std::function<bool()>& condition) {
         QApplication::processEvents();
         return condition();
     });
+}
+
+inline bool awaitActive(QWidget& window) {
+    constexpr int patience = 60'000; // milliseconds
+    return QTest::qWaitForWindowActive(&window, patience);
 }
 
 class TheLibrarysWindow : public testing::Test {
@@ -59,7 +68,7 @@ protected:
         window_ = std::make_unique<manager::LibraryWindow>(
             manager::WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, request});
         window_->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+        ASSERT_TRUE(awaitActive(*window_));
         ASSERT_TRUE(await([this] { return window_->model().rowCount() != 0; }));
     }
     /// What a screen reader hears of a family, by its place.
@@ -69,6 +78,37 @@ protected:
         QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&window_->list());
         QAccessibleInterface* const cell = list->tableInterface()->cellAt(row, 0);
         return cell == nullptr ? "" : cell->text(QAccessible::Name).toStdString();
+    }
+    /// Whether it comes to hear these, by their places, all at the same time: one may come before
+    /// another.
+    testing::AssertionResult awaitHeard(const std::map<int, std::string>& expected) {
+        const auto isHeard = [this](const auto& row) { return heard(row.first) == row.second; };
+        if (await([&] { return std::ranges::all_of(expected, isHeard); })) {
+            return testing::AssertionSuccess();
+        }
+        auto failure = testing::AssertionFailure() << "heard is";
+        for (const auto& [row, words] : expected) {
+            failure << " \"" << heard(row) << "\"";
+        }
+        return failure;
+    }
+    /// Whether the window comes to tell all of these; what it tells last may come after what it
+    /// shows.
+    testing::AssertionResult awaitTold(const std::vector<std::string>& parts) {
+        const auto told = [this] { return window_->statusBar()->currentMessage().toStdString(); };
+        const auto isTold = [&](const std::string& part) {
+            return told().find(part) != std::string::npos;
+        };
+        return await([&] { return std::ranges::all_of(parts, isTold); })
+                   ? testing::AssertionSuccess()
+                   : testing::AssertionFailure() << "told is \"" << told() << "\"";
+    }
+    /// Whether all that was done in the window has come to its end, also what is undone.
+    bool finishDeeds() {
+        const auto isFinished = std::make_shared<bool>(false);
+        window_->deeds().run({QStringLiteral("status"), QStringLiteral("--json")},
+                             [isFinished](const QJsonObject&) { *isFinished = true; });
+        return await([&] { return *isFinished; });
     }
     void choose(int row) { window_->list().setCurrentIndex(window_->model().index(row, 0)); }
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
