@@ -19,6 +19,11 @@ struct GroupChange {
     bool isMade = false;    ///< if it is not there
     bool isUnmade = false;  ///< if nothing is left in it
     bool isEmptied = false; ///< all that it has is removed, whatever `removed` says
+
+    /// Of one that changeGroup() gave: nothing has changed.
+    [[nodiscard]] bool isEmpty() const {
+        return newName.empty() && added.empty() && removed.empty() && !isMade && !isUnmade;
+    }
 };
 
 /// Makes the change and gives the one that takes it back: of what has changed, and nothing else.

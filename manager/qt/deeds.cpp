@@ -17,7 +17,8 @@ namespace manager {
 namespace {
 
 constexpr const char* commands[] = {"deactivate", "activate"};
-constexpr std::array cancellable = {"activate", "add", "collect", "deactivate", "scan"};
+constexpr std::array cancellable = {"activate",   "add",           "collect",
+                                    "deactivate", "read-drawings", "scan"};
 constexpr const char* lists[] = {"deactivated", "activated"};
 
 } // namespace

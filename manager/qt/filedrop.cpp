@@ -7,6 +7,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QMimeDatabase>
 #include <QUrl>
 #include <QWidget>
 
@@ -28,14 +29,31 @@ QStringList localPaths(const QMimeData& data) {
     return paths;
 }
 
+bool isFontsByName(const QString& path) {
+    const std::string name = path.toStdString();
+    return faces::hasFontFileName(name) || hasArchiveName(name);
+}
+
 bool isAnyOfUse(const QStringList& paths) {
     return std::any_of(paths.begin(), paths.end(), [](const QString& path) {
-        const std::string name = path.toStdString();
-        return faces::hasFontFileName(name) || hasArchiveName(name) || QFileInfo(path).isDir();
+        return isFontsByName(path) || QFileInfo(path).isDir() || isDrawing(path);
     });
 }
 
 } // namespace
+
+bool isDrawing(const QString& path) {
+    if (isFontsByName(path)) { // thousands of them need not be looked into
+        return false;
+    }
+    const QMimeDatabase types;
+    const auto is = [&](QMimeDatabase::MatchMode mode) {
+        const QMimeType type = types.mimeTypeForFile(path, mode);
+        return type.inherits(QStringLiteral("image/svg+xml")) ||
+               type.inherits(QStringLiteral("image/svg+xml-compressed"));
+    };
+    return is(QMimeDatabase::MatchExtension) || is(QMimeDatabase::MatchContent);
+}
 
 FileDrop::FileDrop(QWidget& window, std::function<void(const QStringList&)> dropped)
     : QObject(&window), dropped_(std::move(dropped)) {
@@ -50,7 +68,10 @@ bool FileDrop::eventFilter(QObject* /*window*/, QEvent* event) {
     }
     auto& drop = *static_cast<QDropEvent*>(event);
     const QStringList paths = localPaths(*drop.mimeData());
-    if (!isAnyOfUse(paths)) {
+    if (type == QEvent::DragEnter) { // files may have to be looked into: not with every move
+        isOfUse_ = isAnyOfUse(paths);
+    }
+    if (!isOfUse_) {
         drop.ignore();
         return true;
     }

@@ -54,6 +54,7 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
     takeOut_->setShortcutContext(Qt::WidgetShortcut);
     list_->addAction(takeOut_);
 
+    makeDrawingAction(fonts);
     keep_ = fonts.addAction(text(translated("&Keep This, Deactivate and Tag Its Copies")), this,
                             [this] { keepOne(); });
     list_->addAction(keep_);
@@ -164,6 +165,7 @@ void LibraryWindow::showGroupActions() {
     const auto title = sidebar_->group();
     takeOut_->setVisible(title.has_value());
     keep_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Copies);
+    showDrawingAction();
     if (title) {
         takeOut_->setText(text(translated("&Remove from %1")).arg(inMenu(title->name)));
     }

@@ -60,7 +60,9 @@ void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
         }
         GroupChange back = changeGroup(places, make(std::move(members)));
         return [this, back = std::move(back), text] {
-            deeds_.record(new GroupDeed(*this, back, text));
+            if (!back.isEmpty()) { // else what was undone could not be done again
+                deeds_.record(new GroupDeed(*this, back, text));
+            }
             changed_();
         };
     });

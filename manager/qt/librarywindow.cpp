@@ -80,7 +80,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     count_ = new QLabel(this);
     statusBar()->addPermanentWidget(count_);
     makeActions();
-    new FileDrop(*this, [this](const QStringList& paths) { add(paths); });
+    new FileDrop(*this, [this](const QStringList& paths) { bring(paths); });
     resize(1180, 720);
     recall();
     list_->setFocus();
@@ -110,14 +110,7 @@ LibraryWindow::~LibraryWindow() {
 void LibraryWindow::take(const WindowRequest& request) {
     if (!request.command.empty()) {
         try {
-            auto fonts = parseCommand(request.command).fonts;
-            isDrawingAwaited_ = !fonts.empty();
-            if (!isDrawingAwaited_) {
-                sidebar_->choose({});
-            }
-            reader_.setDrawing(std::move(fonts));
-            collapsed_.clear();
-            read();
+            showDrawing(parseCommand(request.command).fonts, text(translated("Drawing")));
         } catch (const Error& error) {
             tell({QString::fromUtf8(error.what())});
         }

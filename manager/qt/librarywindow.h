@@ -95,7 +95,15 @@ private:
     void toggleChosen();
     void addFolder();
     void addFiles();
-    void add(const QStringList& paths);
+    void add(const QStringList& paths, Deeds::Taker take = {});
+    /// Adds what was dropped, and shows what drawings among it use.
+    void bring(const QStringList& paths);
+    void takeDrawings(const QStringList& files, const QJsonObject& read);
+    void showDrawing(std::vector<CommandFont> fonts, const QString& name);
+    /// The containers that hold its fonts, each font once.
+    [[nodiscard]] std::vector<std::int32_t> containersOfDrawing() const;
+    void makeDrawingAction(QMenu& fonts);
+    void showDrawingAction();
     void collect();
     void tell(const QStringList& problems);
     void showCount();
@@ -128,6 +136,8 @@ private:
     QSplitter* splitter_ = nullptr;
     QAction* takeOut_ = nullptr;
     QAction* keep_ = nullptr;
+    QAction* makeSet_ = nullptr;    ///< of the drawing
+    QString drawingName_;           ///< what its collection is called
     std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;

@@ -26,6 +26,9 @@ std::string textOf(const QString& work) {
     if (work == QLatin1String("deactivate")) {
         return translated("Deactivating…");
     }
+    if (work == QLatin1String("read-drawings")) {
+        return translated("Reading the drawing…");
+    }
     return translated("Reading the fonts…");
 }
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <utility>
 
 namespace manager {
 
@@ -130,10 +131,11 @@ void LibraryWindow::addFiles() {
     }
 }
 
-void LibraryWindow::add(const QStringList& paths) {
+void LibraryWindow::add(const QStringList& paths, Deeds::Taker take) {
     statusBar()->showMessage(text(translated("Reading the fonts…")));
     deeds_.run(QStringList{QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--")} +
-               paths);
+                   paths,
+               std::move(take));
 }
 
 void LibraryWindow::collect() {

@@ -6,6 +6,7 @@
 #include "tests/manager/archives.h"
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QAction>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QProgressBar>
@@ -13,6 +14,7 @@
 #include <QUrl>
 #include <QWindow>
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <optional>
 
@@ -81,6 +83,59 @@ TEST_F(TheWindowBringingFonts, ShowsWhatTakesLongAndCancelsItByKeys) {
     scanning.reset();
     QTest::keyClick(window_.get(), Qt::Key_F5);
     EXPECT_TRUE(await([this] { return window_->model().rowCount() == 3; })) << "it was recorded";
+}
+
+TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndMakesItACollection) {
+    open();
+    const auto draw = [&](const std::string& name, const std::string& inside) {
+        return sandbox_.write("../outside/" + name,
+                              R"(<svg xmlns="http://www.w3.org/2000/svg">)" + inside + "</svg>");
+    };
+    const std::string own = "<style>@font-face{font-family:Own;src:url(o.ttf)}</style>"
+                            "<text font-family='Own'>x</text>";
+    const std::string poster = draw("job & co/poster.2", own + R"(
+        <text font-family="Alpha" font-weight="700">x</text><text font-family="Alpha">x</text>
+        <text font-family="Four">x</text><text font-family="Nobody">x</text>)");
+    const std::string lone = sandbox_.write("../outside/four.ttf", font("Four"));
+    const std::string text = sandbox_.write("../outside/notes.odt", "no font");
+    const std::string broken = sandbox_.write("../outside/broken.svg", "no drawing");
+    ASSERT_TRUE(drop({text, poster, broken, lone}));
+    ASSERT_TRUE(await([this] { return window_->model().rowCount() == 4; }));
+    EXPECT_EQ(heard(0).substr(0, 10), "Alpha Bold") << heard(0);
+    EXPECT_TRUE(awaitTold({"notes.odt: cannot be added", "broken.svg:1:1: not XML"}));
+
+    const auto choice = [this] {
+        const QList<QAction*> actions = window_->sidebar().actions();
+        return *std::find_if(actions.begin(), actions.end(), [](const QAction* action) {
+            return action->text().startsWith(QLatin1String("&Make"));
+        });
+    };
+    const auto members = [this] {
+        return window_->groups().empty() ? 0 : window_->groups().front().members.size();
+    };
+    EXPECT_EQ(choice()->text(), QStringLiteral("&Make Collection \"job && co\""));
+    ASSERT_TRUE(drop({poster}));
+    ASSERT_TRUE(await([&] { return choice()->text().contains(QLatin1String("\"poster\"")); }));
+    choice()->trigger();
+    ASSERT_TRUE(await([&] { return members() == 2; })) << "Alpha, and Four which came with it";
+    EXPECT_EQ(window_->groups().front().name, "poster");
+
+    window_->groupDeeds().add({GroupKind::Tag, "mine"}, {1});
+    window_->deeds().undo();
+    choice()->trigger();
+    window_->deeds().finish();
+    EXPECT_EQ(window_->deeds().undoStack().redoText(), QStringLiteral("add to mine"))
+        << "nothing was done";
+    window_->deeds().undo();
+    EXPECT_TRUE(await([this] { return window_->groups().empty(); }));
+
+    const std::string embedded = draw("embedded.svg", own);
+    ASSERT_TRUE(drop({embedded}));
+    EXPECT_TRUE(awaitTold({"brings along"}));
+    EXPECT_EQ(window_->model().rowCount(), 4) << "the drawing of before";
+    window_->sidebar().choose({});
+    window_->open({});
+    EXPECT_FALSE(choice()->isVisible());
 }
 
 } // namespace

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Drawings in the window: dropped on it, what they use is listed, and can be made a collection.
+#include "manager/qt/filedrop.h"
+#include "manager/qt/librarywindow.h"
+#include "manager/view/texts.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QMenu>
+#include <QStatusBar>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <set>
+#include <utility>
+
+namespace manager {
+
+namespace {
+
+QString text(const std::string& plain) {
+    return QString::fromStdString(plain);
+}
+
+QStringList problemsIn(const QJsonObject& done) {
+    QStringList problems;
+    const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
+    std::transform(told.begin(), told.end(), std::back_inserter(problems),
+                   [](const auto& problem) { return problem.toString(); });
+    return problems;
+}
+
+/// What a collection of their fonts is called.
+QString nameOf(const QStringList& drawings) {
+    const QFileInfo first(drawings.front());
+    const QString name = drawings.size() == 1 ? first.completeBaseName() : first.dir().dirName();
+    return name.isEmpty() ? text(translated("Drawing")) : name;
+}
+
+} // namespace
+
+void LibraryWindow::bring(const QStringList& paths) {
+    QStringList drawings;
+    QStringList others;
+    for (const QString& path : paths) {
+        (isDrawing(path) ? drawings : others).push_back(path);
+    }
+    auto problems = std::make_shared<QStringList>(); // of the first, while the second is done
+    if (!others.empty()) {
+        add(others, [problems](const QJsonObject& done) { *problems = problemsIn(done); });
+    }
+    if (drawings.empty()) {
+        return;
+    }
+    statusBar()->showMessage(text(translated("Reading the drawing…")));
+    deeds_.run(QStringList{QStringLiteral("read-drawings"), QStringLiteral("--json"),
+                           QStringLiteral("--")} +
+                   drawings,
+               [this, drawings, problems](const QJsonObject& read) {
+                   takeDrawings(drawings, read);
+                   if (!problems->isEmpty()) {
+                       tell(*problems + problemsIn(read));
+                   }
+               });
+}
+
+void LibraryWindow::takeDrawings(const QStringList& files, const QJsonObject& read) {
+    std::vector<CommandFont> fonts;
+    const QJsonArray told = read.value(QStringLiteral("fonts")).toArray();
+    for (const auto& item : told) {
+        const QJsonObject font = item.toObject();
+        const auto name = [&font](const char* key) {
+            return font.value(QLatin1String(key)).toString().toStdString();
+        };
+        CommandFont& asked = fonts.emplace_back();
+        asked.postScriptName = name("postScriptName");
+        asked.familyName = name("family");
+        asked.styleName = name("style");
+    }
+    if (!fonts.empty()) {
+        showDrawing(std::move(fonts), nameOf(files));
+    } else if (problemsIn(read).isEmpty() && read.contains(QStringLiteral("fonts"))) {
+        tell({text(translated("The drawing needs no fonts but those that it brings along."))});
+    }
+}
+
+void LibraryWindow::showDrawing(std::vector<CommandFont> fonts, const QString& name) {
+    drawingName_ = name;
+    isDrawingAwaited_ = !fonts.empty();
+    if (!isDrawingAwaited_) {
+        sidebar_->choose({});
+    }
+    reader_.setDrawing(std::move(fonts));
+    collapsed_.clear();
+    read();
+    filters_->clear(); // they would hide what is asked for
+    search_->clear();
+    list_->setFocus();
+}
+
+std::vector<std::int32_t> LibraryWindow::containersOfDrawing() const {
+    std::set<std::int32_t> containers;
+    if (view_ != nullptr) {
+        for (const AskedFont& font : view_->drawing) {
+            if (!font.choices.empty() && font.choices.front().isExact) {
+                containers.insert(static_cast<std::int32_t>(font.choices.front().container));
+            }
+        }
+    }
+    return {containers.begin(), containers.end()};
+}
+
+void LibraryWindow::makeDrawingAction(QMenu& fonts) {
+    makeSet_ = fonts.addAction(QString(), this, [this] {
+        groupDeeds_.add({GroupKind::Collection, drawingName_.toStdString()}, containersOfDrawing());
+    });
+    list_->addAction(makeSet_);
+    sidebar_->addAction(makeSet_);
+}
+
+void LibraryWindow::showDrawingAction() {
+    makeSet_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Drawing);
+    makeSet_->setEnabled(!containersOfDrawing().empty());
+    makeSet_->setText(text(translated("&Make Collection \"%1\""))
+                          .arg(QString(drawingName_).replace('&', QStringLiteral("&&"))));
+}
+
+} // namespace manager
