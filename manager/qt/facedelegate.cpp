@@ -110,9 +110,11 @@ void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     // Samples stand in one column whatever the level.
     const int right = option.rect.right() - margin;
     const int width = view_.viewport()->width();
-    const int names = model_.listing().filter().isDrawing // whose reasons are long
-                          ? std::clamp(width * 3 / 5, 160, 560)
-                          : std::clamp(width * 2 / 5, 160, 320);
+    const int letter = option.fontMetrics.averageCharWidth();
+    const int wanted = model_.listing().filter().isDrawing // whose reasons are long
+                           ? std::clamp(width * 3 / 5, 30 * letter, 80 * letter)
+                           : std::clamp(width * 2 / 5, 30 * letter, 48 * letter);
+    const int names = std::min(wanted, width * 3 / 4);
     const int left = option.rect.left() + margin;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);

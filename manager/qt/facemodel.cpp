@@ -166,12 +166,21 @@ ListRow FaceModel::askedRow(std::size_t font) const {
     }
     if (asked.isShown) {
         row.same = FaceState::Shown;
-    } else if (shown.count != 0 && listing_.choice(shown.first).isExact) {
+        row.state = wordOf(*row.same);
+        return row;
+    }
+    if (shown.count != 0 && listing_.choice(shown.first).isExact) {
         setState(row, view.states, *row.sample);
         return row;
     }
-    row.state = row.same ? wordOf(*row.same) : text(translated("not in the library"));
-    row.same = row.same.value_or(FaceState::Away); // as one that cannot be seen either
+    const bool isHeld = !asked.choices.empty() && asked.choices.front().isExact;
+    if (const auto held = isHeld ? view.table.rowOf(asked.choices.front().face) : std::nullopt) {
+        setState(row, view.states, *held);
+        row.state += text(translated(", hidden by the search or the filters"));
+        return row;
+    }
+    row.state = text(translated("not in the library"));
+    row.same = FaceState::Away; // as one that cannot be seen either
     return row;
 }
 
@@ -259,7 +268,7 @@ QVariant FaceModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole: // what letters typed into the list look for
         return index.internalId() == 0 ? text(nameOf(familyOf(index))) : row(index).title;
     case Qt::ToolTipRole: // it may be cut
-        return row(index).below();
+        return row(index).title + QLatin1Char('\n') + row(index).below();
     case Qt::AccessibleTextRole: {
         const ListRow shown = row(index);
         return QStringLiteral("%1, %2, %3").arg(shown.title, shown.detail, shown.state);

@@ -3,7 +3,11 @@
 
 #include "manager/view/texts.h"
 
+#include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
+#include <QStyle>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -33,7 +37,18 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     why_ = new QLabel(this);
     why_->setTextFormat(Qt::PlainText);
     why_->setWordWrap(true);
-    why_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    why_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    why_->setFocusPolicy(Qt::StrongFocus);
+    folder_ = new QToolButton(this);
+    folder_->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    folder_->setAutoRaise(true);
+    folder_->setAccessibleName(text(translated("Open the folder of the font")));
+    folder_->setToolTip(folder_->accessibleName());
+    folder_->hide();
+    connect(folder_, &QToolButton::clicked, this, [this] {
+        QDesktopServices::openUrl(
+            QUrl::fromLocalFile(QFileInfo(text(shown_.front().file)).absolutePath()));
+    });
     waterfall_ = new Waterfall(faces, this);
     characters_ = new CharacterPane(faces, this);
     views_ = new QTabWidget(this);
@@ -48,7 +63,10 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     views_->addTab(characters_, text(translated("&Characters")));
     connect(views_, &QTabWidget::currentChanged, this, [this] { showCharacters(); });
     column->addWidget(title_);
-    column->addWidget(why_);
+    auto* const told = new QHBoxLayout;
+    told->addWidget(why_, 1);
+    told->addWidget(folder_, 0, Qt::AlignBottom);
+    column->addLayout(told);
     look_ = new LookPanel([this] { applyLook(); }, this);
     look_->hide();
     column->addLayout(makeTools(std::move(wrote)));
@@ -83,6 +101,8 @@ QLayout* FacePane::makeTools(std::function<void(const QString&)> wrote) {
 void FacePane::show(ChosenFaces chosen) {
     title_->setText(chosen.title);
     why_->setText(chosen.why);
+    why_->setVisible(!chosen.why.isEmpty());
+    folder_->setVisible(chosen.faces.size() == 1);
     shown_ = chosen.faces;
     showText();
     waterfall_->setFaces(std::move(chosen.faces));

@@ -59,6 +59,7 @@ private:
 
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
+    QToolButton* folder_ = nullptr; ///< opens that of the file
     QLineEdit* sample_ = nullptr;
     QComboBox* paper_ = nullptr;
     QToolButton* lookButton_ = nullptr;

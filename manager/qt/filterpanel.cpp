@@ -5,9 +5,10 @@
 #include "manager/view/tagnames.h"
 #include "manager/view/texts.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCompleter>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -130,6 +131,11 @@ void FilterPanel::offer(const FilterTags& offered) {
         if (box.count() == static_cast<int>(tags.size()) + 1 && offered_[kind] == tags) {
             continue; // to name and sort hundreds of languages takes long
         }
+        if (box.view()->isVisible()) { // it would close or move under the user
+            waiting_[kind] = tags;
+            box.view()->installEventFilter(this);
+            continue;
+        }
         offered_[kind] = tags;
         std::vector<std::pair<QString, QString>> items;
         std::transform(tags.begin(), tags.end(), std::back_inserter(items),
@@ -148,6 +154,15 @@ void FilterPanel::offer(const FilterTags& offered) {
         }
         showField(kind);
     }
+}
+
+bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Hide && !waiting_.empty()) {
+        watched->removeEventFilter(this);
+        const auto offerAgain = [this] { offer(std::exchange(waiting_, {})); };
+        QMetaObject::invokeMethod(this, offerAgain, Qt::QueuedConnection); // what is chosen first
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void FilterPanel::set(FilterKind kind, const std::string& value) {

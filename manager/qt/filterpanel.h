@@ -38,6 +38,10 @@ public:
     /// The field of a filter.
     [[nodiscard]] QWidget* field(FilterKind kind) const { return fields_.at(kind); }
 
+protected:
+    /// Offers what came while its list was open.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void makeFields();
     QWidget* makeField(FilterKind kind);
@@ -48,6 +52,7 @@ private:
     std::function<void()> changed_;
     FilterValues values_;
     FilterTags offered_;
+    FilterTags waiting_; ///< to be offered once their lists are closed
     std::map<FilterKind, QWidget*> fields_;
     QToolButton* button_ = nullptr;
     QWidget* panel_ = nullptr;

@@ -12,6 +12,7 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace manager {
@@ -20,6 +21,27 @@ namespace {
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
+}
+
+/// Its name, or its file's where it has none.
+QString calledIn(const faces::Face& face, const std::string& file) {
+    const QString name = text(nameForPeople(face)).trimmed();
+    return name.isEmpty() ? QFileInfo(text(file)).fileName() : name;
+}
+
+/// Whether a named instance is what its variable face is by itself, by that name.
+bool isListed(const faces::Face& instance, const std::vector<faces::Face>& faces) {
+    return std::any_of(faces.begin(), faces.end(), [&](const faces::Face& face) {
+        return !face.axes.empty() && face.index != instance.index &&
+               isInstanceOf(instance, face.index) &&
+               nameForPeople(face) == nameForPeople(instance) &&
+               std::all_of(face.axes.begin(), face.axes.end(), [&](const faces::Axis& axis) {
+                   const auto place =
+                       std::find_if(instance.position.begin(), instance.position.end(),
+                                    [&](const auto& value) { return value.first == axis.tag; });
+                   return place == instance.position.end() || place->second == axis.initial;
+               });
+    });
 }
 
 QLabel* plainLabel(QWidget* parent) {
@@ -36,7 +58,13 @@ FontFileWindow::FontFileWindow(const WindowOptions& options, std::vector<std::st
                                ShowInLibrary showInLibrary)
     : files_(std::move(files)), program_(options.program), showInLibrary_(std::move(showInLibrary)),
       standings_(files_.size()), contents_(files_.size()),
-      reader_(options.places, [this](const QString& problem) { tell({problem}); }),
+      reader_(options.places,
+              [this](const QString& problem) {
+                  tell({problem});
+                  if (!isRead_ && whenRead_) {
+                      std::exchange(whenRead_, {})(problem);
+                  }
+              }),
       deeds_(options.program, reader_, [this](const QStringList& problems) {
           tell(problems);
           readStandings();
@@ -143,10 +171,13 @@ void FontFileWindow::take(const std::vector<FontFileOutcome>& outcomes) {
         }
         contents_[i] = std::get<ReadFont>(outcomes[i]).contents;
         for (const faces::Face& face : contents_[i].faces) {
+            if (isListed(face, contents_[i].faces)) {
+                continue;
+            }
             entries_.push_back({i, face});
-            list_->addItem(text(nameForPeople(face)));
+            list_->addItem(calledIn(face, files_[i]));
             list_->item(list_->count() - 1)
-                ->setToolTip(text(nameForPeople(face) + "\n" + files_[i]));
+                ->setToolTip(calledIn(face, files_[i]) + QLatin1Char('\n') + text(files_[i]));
         }
     }
     tell({});
@@ -183,7 +214,7 @@ void FontFileWindow::readStandings() {
             isRead_ = true;
             showStanding();
             if (whenRead_) {
-                std::exchange(whenRead_, {})();
+                std::exchange(whenRead_, {})({});
             }
         };
     });
@@ -225,13 +256,13 @@ void FontFileWindow::showChosen() {
     ChosenFaces shown;
     if (const Entry* const face = chosen()) {
         const std::string& file = files_[face->file];
-        shown.title = text(nameForPeople(face->face));
+        shown.title = calledIn(face->face, file);
         for (const std::string& fact : factsOf(face->face)) {
             shown.why += text(fact) + QLatin1Char('\n');
         }
         shown.why += text(file);
         shown.faces.push_back(
-            {FaceId{list_->currentRow()}, nameForPeople(face->face), file, face->face.index});
+            {FaceId{list_->currentRow()}, shown.title.toStdString(), file, face->face.index});
     }
     pane_->show(std::move(shown));
     showStanding();
@@ -302,8 +333,8 @@ void FontFileWindow::tell(const QStringList& problems) {
 }
 
 void FontFileWindow::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() && isRead_) {
-        readStandings(); // others may have changed it
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && reading_ == nullptr) {
+        readStandings(); // others may have changed it, or mended the library
     }
     QWidget::changeEvent(event);
 }

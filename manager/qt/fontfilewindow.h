@@ -43,8 +43,8 @@ public:
     [[nodiscard]] const std::vector<std::string>& files() const { return files_; }
     /// Whether the files, and what the library knows of them, have been read.
     [[nodiscard]] bool isRead() const { return isRead_; }
-    /// Calls `then` once they have been.
-    void whenRead(std::function<void()> then) { whenRead_ = std::move(then); }
+    /// Calls `then` once they have been, or with why the library cannot be read.
+    void whenRead(std::function<void(const QString& problem)> then) { whenRead_ = std::move(then); }
     /// Waits until every line that is to be seen is drawn; false when all were.
     bool finishLines() { return faces_.finish(); }
 
@@ -93,7 +93,7 @@ private:
     std::vector<faces::FontFileContents> contents_; ///< of each file; empty: it is no font
     QStringList bad_;                               ///< what is wrong with the files
     bool isRead_ = false;
-    std::function<void()> whenRead_;
+    std::function<void(const QString&)> whenRead_;
     QWidget* content_ = nullptr;
     QListWidget* list_ = nullptr;
     FacePane* pane_ = nullptr;

@@ -57,6 +57,7 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
     makeDrawingAction(fonts);
     keep_ = fonts.addAction(text(translated("&Keep This, Deactivate and Tag Its Copies")), this,
                             [this] { keepOne(); });
+    keep_->setObjectName(QStringLiteral("keep"));
     list_->addAction(keep_);
 
     const auto add = [this](const std::string& title, const QKeySequence& key, auto deed) {

@@ -49,8 +49,8 @@ void tellApart(std::vector<ShownFace>& faces) {
 } // namespace
 
 LibraryWindow::LibraryWindow(const WindowOptions& options)
-    : places_(options.places),
-      reader_(options.places, [this](const QString& problem) { tell({problem}); }),
+    : places_(options.places), keeps_(options.pictures.empty()),
+      reader_(options.places, [this](const QString& problem) { fail(problem); }),
       deeds_(options.program, reader_,
              [this](const QStringList& problems) {
                  tell(problems);
@@ -82,7 +82,9 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     makeActions();
     new FileDrop(*this, [this](const QStringList& paths) { bring(paths); });
     resize(1180, 720);
-    recall();
+    if (keeps_) {
+        recall();
+    }
     list_->setFocus();
 
     for (const char* const name : {changeNotification, setsNotification}) {
@@ -140,7 +142,9 @@ void LibraryWindow::finishReading() {
 }
 
 void LibraryWindow::closeEvent(QCloseEvent* event) {
-    remember();
+    if (keeps_) {
+        remember();
+    }
     QMainWindow::closeEvent(event);
 }
 
@@ -210,7 +214,7 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
     offerTags();
     reader_.drop(std::move(before));
     if (whenShown_) {
-        std::exchange(whenShown_, {})();
+        std::exchange(whenShown_, {})({});
     }
 }
 
@@ -262,6 +266,10 @@ void LibraryWindow::showChosen() {
     activate_->setEnabled(!chosenContainers(false).empty());
     deactivate_->setEnabled(!chosenContainers(true).empty());
     collect_->setEnabled(!rows.empty());
+    // Of a family all copies would be kept.
+    keep_->setEnabled(!rows.empty() &&
+                      std::all_of(rows.begin(), rows.end(),
+                                  [](const QModelIndex& row) { return row.parent().isValid(); }));
 }
 
 } // namespace manager

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QPushButton>
 #include <QTimer>
 
 #include <set>
@@ -37,8 +38,10 @@ public:
     /// Comes to the front with what is asked for; as it is, when that is nothing.
     void open(const WindowRequest& request);
 
-    /// Calls `then` once the library is shown.
-    void whenShown(std::function<void()> then) { whenShown_ = std::move(then); }
+    /// Calls `then` once the library is shown, or with why it cannot be.
+    void whenShown(std::function<void(const QString& problem)> then) {
+        whenShown_ = std::move(then);
+    }
     /// Waits until every line that is to be seen is drawn; false when all were.
     bool finishLines() { return faces_.finish(); }
     /// Waits until what is being read of the library has been shown.
@@ -53,6 +56,9 @@ public:
     [[nodiscard]] Deeds& deeds() { return deeds_; }
     [[nodiscard]] GroupDeeds& groupDeeds() { return groupDeeds_; }
     [[nodiscard]] FacePane& pane() { return *pane_; }
+    /// Why the list is empty, and the button of what to do then.
+    [[nodiscard]] QString empty() const { return empty_->text(); }
+    [[nodiscard]] QPushButton& way() { return *way_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -86,13 +92,20 @@ private:
     void searchIndex();
     void offerTags();
     void showChosen();
+    QWidget* makeEmpty();
     void showEmpty();
+    /// `way` is what a button says that does `wayOut`; null: there is none.
+    void setEmpty(const QString& why, const std::string& way, std::function<void()> wayOut);
+    /// Tells what the reader could not do.
+    void fail(const QString& problem);
     [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
     void switchChosen(bool on);
     void switchContainers(bool on, const std::vector<std::int32_t>& containers);
     /// Switches what the commands know by these names.
     void switchNamed(bool on, const QStringList& containers);
     void toggleChosen();
+    /// Why nothing of what is chosen can be switched.
+    [[nodiscard]] QString whyNotSwitched() const;
     void addFolder();
     void addFiles();
     void add(const QStringList& paths, Deeds::Taker take = {});
@@ -109,6 +122,7 @@ private:
     void showCount();
 
     Places places_;
+    bool keeps_; ///< how it is left
     preview::Faces faces_;
     FaceModel model_;
     std::shared_ptr<const LibraryView> view_;
@@ -126,6 +140,8 @@ private:
     QTreeView* list_ = nullptr;
     QStackedWidget* pages_ = nullptr; ///< the list, or what to do while it is empty
     QLabel* empty_ = nullptr;
+    QPushButton* way_ = nullptr; ///< out of being empty
+    std::function<void()> wayOut_;
     std::set<std::string> expanded_;  ///< families, shown or not
     std::set<std::string> collapsed_; ///< fonts of the drawing
     ListPosition recalled_;           ///< of the run before, until there are rows
@@ -144,7 +160,7 @@ private:
     QAction* collect_ = nullptr;
     std::vector<int> changes_; ///< the tokens of news
     QTimer news_;
-    std::function<void()> whenShown_;
+    std::function<void(const QString&)> whenShown_;
 };
 
 } // namespace manager

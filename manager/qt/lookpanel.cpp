@@ -107,10 +107,14 @@ void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& i
         own[tag] = value;
     }
     places_.push_back(own);
+    Places initial;
+    for (const faces::Axis& axis : face.axes) {
+        initial[axis.tag] = axis.initial;
+    }
     auto* const top = new QHBoxLayout;
     column.addLayout(top);
     if (!instances.empty()) {
-        addInstances(*top, instances);
+        addInstances(*top, instances, initial);
     }
     auto grid = std::make_unique<QGridLayout>();
     grid->setColumnStretch(1, 1);
@@ -140,15 +144,23 @@ void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& i
     fit();
 }
 
-void LookPanel::addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances) {
+void LookPanel::addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances,
+                             const Places& initial) {
     instances_ = new QComboBox;
     instances_->setAccessibleName(text(translated("Named instance")));
     instances_->setPlaceholderText(text(translated("Set by hand")));
-    instances_->addItem(text(translated("As chosen")));
+    const bool isInitial = places_.front() == initial;
+    instances_->addItem(text(isInitial ? translated("Default") : translated("As chosen")));
     for (const faces::Face& instance : instances) {
         instances_->addItem(text(instance.names.front().style));
         places_.emplace_back(instance.position.begin(), instance.position.end());
     }
+    // None may be named where the file begins.
+    if (!isInitial && std::find(places_.begin(), places_.end(), initial) == places_.end()) {
+        instances_->addItem(text(translated("Default")));
+        places_.push_back(initial);
+    }
+    instances_->setCurrentIndex(0); // none is, where there is a text for that
     connect(instances_, &QComboBox::activated, this,
             [this](int place) { move(places_[static_cast<std::size_t>(place)]); });
     row.addWidget(instances_, 1);

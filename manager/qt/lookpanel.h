@@ -57,7 +57,9 @@ private:
     using Places = std::map<std::string, double>;
 
     [[nodiscard]] std::unique_ptr<QWidget> begin();
-    void addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances);
+    /// `initial` is where the file begins.
+    void addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances,
+                      const Places& initial);
     void addAxis(QGridLayout& grid, const faces::Axis& axis, double own);
     void addFeatures(QVBoxLayout& column, const std::vector<std::string>& tags);
     void addReset(QBoxLayout& row);

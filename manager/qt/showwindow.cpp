@@ -29,6 +29,14 @@ void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     }
 }
 
+/// Whether there is a problem, which is printed then.
+bool isTold(const QString& problem) {
+    if (!problem.isEmpty()) {
+        warn(problem.toStdString());
+    }
+    return !problem.isEmpty();
+}
+
 } // namespace
 
 } // namespace manager
@@ -70,12 +78,13 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
             QApplication::quit();
         };
         if (!files.empty()) {
-            files.front()->whenRead([&options, end, window = files.front()] {
-                end(takePictures(*window, options.pictures));
-            });
+            files.front()->whenRead(
+                [&options, end, window = files.front()](const QString& problem) {
+                    end(!isTold(problem) && takePictures(*window, options.pictures));
+                });
         } else {
-            windows.library()->whenShown([&windows, &options, end] {
-                end(takePictures(*windows.library(), options.pictures));
+            windows.library()->whenShown([&windows, &options, end](const QString& problem) {
+                end(!isTold(problem) && takePictures(*windows.library(), options.pictures));
             });
         }
     }

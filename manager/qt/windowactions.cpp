@@ -109,7 +109,12 @@ void LibraryWindow::switchNamed(bool on, const QStringList& containers) {
 }
 
 void LibraryWindow::toggleChosen() {
-    switchChosen(!chosenContainers(false).empty());
+    const bool canBeOn = !chosenContainers(false).empty();
+    if (canBeOn || !chosenContainers(true).empty()) {
+        switchChosen(canBeOn);
+    } else {
+        tell({whyNotSwitched()});
+    }
 }
 
 void LibraryWindow::addFolder() {

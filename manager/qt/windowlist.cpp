@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The list, what narrows it, and what stands there when it is empty.
+// The list, and what narrows it.
 #include "manager/library/folders.h"
 #include "manager/qt/librarywindow.h"
 #include "manager/view/texts.h"
@@ -59,14 +59,9 @@ QWidget* LibraryWindow::makeList() {
     }
     connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { showChosen(); });
-    empty_ = new QLabel(middle);
-    empty_->setAlignment(Qt::AlignCenter);
-    empty_->setWordWrap(true);
-    empty_->setTextFormat(Qt::PlainText);
-    empty_->setMargin(24);
     pages_ = new QStackedWidget(middle);
     pages_->addWidget(list_);
-    pages_->addWidget(empty_);
+    pages_->addWidget(makeEmpty());
     auto* const row = new QHBoxLayout();
     row->addWidget(search_, 1);
     row->addWidget(&filters_->button());
@@ -202,30 +197,25 @@ void LibraryWindow::showExpanded() {
     }
 }
 
-void LibraryWindow::showEmpty() {
-    const bool isEmpty = model_.rowCount() == 0;
-    pages_->setCurrentIndex(isEmpty ? 1 : 0);
-    if (!isEmpty) {
-        return;
+QString LibraryWindow::whyNotSwitched() const {
+    const LibraryView& view = model_.listing().view();
+    const QModelIndexList rows = list_->selectionModel()->selectedRows();
+    if (rows.empty()) {
+        return text(translated("Choose a font first."));
     }
-    if (view_->table.faces().empty()) {
-        empty_->setText(text(translated("There are no fonts in the library yet. Drop a folder of "
-                                        "fonts here to begin, or add one (Library, Add Folder).")));
-    } else if (!filters_->values().empty()) {
-        empty_->setText(text(translated("No font here passes all filters. Take one away above, or "
-                                        "search in \"All fonts\".")));
-    } else if (!search_->text().isEmpty()) {
-        empty_->setText(text(translated("No font here has this in its names. Search in \"All "
-                                        "fonts\", or with fewer letters.")));
-    } else if (const auto title = sidebar_->group()) {
-        empty_->setText(text(title->kind == GroupKind::Tag
-                                 ? translated("No font has this tag. Drag fonts onto it, or choose "
-                                              "some and then Fonts, Add Tag.")
-                                 : translated("This collection is empty. Drag fonts onto it, or "
-                                              "choose some and then Fonts, Add to Collection.")));
-    } else {
-        empty_->setText(text(translated("There is no font here.")));
+    const QString title = model_.row(rows.front()).title;
+    const auto faces = model_.facesToSwitch(rows.front());
+    if (faces.empty()) {
+        return text(model_.row(rows.front()).same == FaceState::Shown
+                        ? translated("%1 is shown by the desktop without being asked.")
+                        : translated("The library has nothing that may replace %1."))
+            .arg(title);
     }
+    const ListedFace& face = view.table.faces()[faces.front()];
+    return face.away
+               ? text(translated("%1 cannot be activated: its folder %2 is away."))
+                     .arg(title, text(view.table.folderOf(face)))
+               : text(translated("%1 is shown by the desktop without being asked.")).arg(title);
 }
 
 void LibraryWindow::showCount() {

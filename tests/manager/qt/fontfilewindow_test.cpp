@@ -86,6 +86,17 @@ TEST_F(AWindowOfFontFiles, ListsTheFacesOfSeveralAndTellsWhatIsNoFont) {
     EXPECT_TRUE(await([this] { return windows_.fontFiles().size() == 1; }));
 }
 
+TEST_F(AWindowOfFontFiles, ListsWhatIsTheSameUnderOneNameOnce) {
+    const std::string vary =
+        write("vary.ttf", testsupport::makeFont({.family = "Vary", .instances = {"Demi"}}));
+    FontFileWindow& window = openFiles({vary});
+    std::vector<std::string> names;
+    for (int row = 0; row < window.list().count(); ++row) {
+        names.push_back(window.list().item(row)->text().toStdString());
+    }
+    EXPECT_THAT(names, testing::ElementsAre("Vary Regular", "Vary Demi"));
+}
+
 TEST_F(AWindowOfFontFiles, IsOpenedByWhoComesLaterOncePerFile) {
     ASSERT_FALSE(handOver({}));
     const Guests guests([this](const WindowRequest& request) { windows_.open(request); });

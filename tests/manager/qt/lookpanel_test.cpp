@@ -62,6 +62,23 @@ TEST_F(TheLookPanel, SetsBoxesSideBySideWhereThereIsRoom) {
     EXPECT_TRUE(await([&] { return second.y() > first.y(); }));
 }
 
+TEST_F(TheLookPanel, NamesWhereTheFileBegins) {
+    faces::Face face;
+    face.axes = {{"wght", "", 100, 400, 900, false}};
+    faces::Face bold = face;
+    bold.names = {{"Vary", "Bold", {}, faces::NameKind::Legacy}};
+    bold.position = {{"wght", 700}};
+    panel_->offer(face, {bold});
+    EXPECT_EQ(panel_->instances()->currentText(), QStringLiteral("Default"));
+    EXPECT_EQ(panel_->instances()->count(), 2);
+    panel_->offer(bold, {bold}); // which was chosen by its name
+    EXPECT_EQ(panel_->instances()->currentText(), QStringLiteral("As chosen"));
+    panel_->value("wght")->setValue(400);
+    EXPECT_EQ(panel_->instances()->currentText(), QStringLiteral("Default"));
+    panel_->value("wght")->setValue(401);
+    EXPECT_EQ(panel_->instances()->currentIndex(), -1);
+}
+
 TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
     for (const bool dark : {false, true}) {
         QPalette palette;

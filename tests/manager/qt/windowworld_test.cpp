@@ -82,6 +82,28 @@ TEST_F(TheWindowsWorld, WorksOnWhenItsServerIsKilledAndWithTheNextOne) {
     EXPECT_EQ(window_->list().currentIndex().row(), 1);
 }
 
+TEST_F(TheWindowsWorld, TellsWhyItsLibraryCannotBeReadAndTriesAgain) {
+    const std::string file = sandbox_.places().database();
+    const std::string whole = readBytes(file);
+    writeBytes(file, "no index of fonts");
+    window_ = std::make_unique<LibraryWindow>(
+        WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, WindowRequest{}});
+    std::vector<std::string> told;
+    window_->whenShown([&](const QString& problem) { told.push_back(problem.toStdString()); });
+    window_->show();
+    ASSERT_TRUE(await([&] { return !told.empty(); }));
+    EXPECT_THAT(told.front(), testing::HasSubstr(file + ": "));
+    EXPECT_THAT(window_->empty().toStdString(), testing::EndsWith(told.front()));
+    ASSERT_TRUE(window_->way().isVisible());
+    writeBytes(file, whole);
+    window_->whenShown([&](const QString& problem) { told.push_back(problem.toStdString()); });
+    QTest::mouseClick(&window_->way(), Qt::LeftButton);
+    EXPECT_TRUE(await([&] { return told.size() == 2; }));
+    EXPECT_EQ(told.back(), "");
+    EXPECT_TRUE(window_->list().isVisible());
+    EXPECT_EQ(window_->model().rowCount(), 2);
+}
+
 TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
     glyphora({QStringLiteral("activate"), QStringLiteral("Beta")});
     serve();
