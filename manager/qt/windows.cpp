@@ -54,6 +54,9 @@ void Windows::open(const WindowRequest& request) {
     } else {
         library_->open(request);
     }
+    if (tray_ == nullptr && QSystemTrayIcon::isSystemTrayAvailable()) {
+        tray_ = std::make_unique<Tray>(*library_);
+    }
 }
 
 } // namespace manager

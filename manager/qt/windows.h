@@ -5,6 +5,7 @@
 
 #include "manager/qt/fontfilewindow.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/tray.h"
 
 #include <QPointer>
 
@@ -35,6 +36,7 @@ private:
 
     WindowOptions options_;
     std::unique_ptr<LibraryWindow> library_;
+    std::unique_ptr<Tray> tray_;                      ///< of that; null: the desktop has none
     std::vector<QPointer<FontFileWindow>> fontFiles_; ///< null: it was closed
 };
 
