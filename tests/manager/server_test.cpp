@@ -119,7 +119,13 @@ TEST_F(AServer, TellsOfEachPartOfALargeCommandAlsoWhenItEndsInTheMidst) {
     server_->end();
     EXPECT_TRUE(isTold("activated Part1 (container "));
     ASSERT_GT(sets(), 100U);
-    EXPECT_TRUE(isTold("and " + std::to_string(sets() - 100) + " more"));
+    std::size_t told = 0; // of one part, or of both when it ends late
+    for (const PastDeed& entry : readHistory(sandbox_.places(), true)) {
+        std::size_t more = 0;
+        const bool areMore = std::sscanf(entry.text.c_str(), "and %zu more", &more) == 1;
+        told += areMore ? more : entry.text.starts_with("activated Part") ? 1 : 0;
+    }
+    EXPECT_EQ(told, sets());
 }
 
 TEST_F(AServer, ActivatesNothingBeforeItKnowsWhatTheDesktopShows) {

@@ -220,6 +220,31 @@ TEST_F(AList, KeepsToContainersAndToFacesThatASearchFound) {
     EXPECT_EQ(listing_.placeOf(bold.family), std::nullopt);
 }
 
+TEST_F(AList, HasFontsOfADrawingWithoutCandidatesUnlessItIsNarrowed) {
+    add("a.ttf", "Alpha", "Regular");
+    scan();
+    FaceTable table(*library_);
+    FaceStates states(table, {});
+    const AskedFont known{"Alpha-Black", false, {{table.faces()[0].id, {}, false, {}}}};
+    const AskedFont unknown{"Gamma", false, {}};
+    view_ = std::make_shared<const LibraryView>(
+        LibraryView{std::move(table), std::move(states), {known, unknown}});
+    const auto counts = [&](ListFilter filter) {
+        filter.isDrawing = true;
+        listing_.show(view_, std::move(filter));
+        std::vector<unsigned> list;
+        for (const ShownFamily& font : listing_.families()) {
+            list.push_back(font.count);
+        }
+        return list;
+    };
+    EXPECT_THAT(counts({}), ElementsAre(1, 0));
+    EXPECT_THAT(counts({.text = "alpha"}), ElementsAre(1));
+    EXPECT_THAT(counts({.found = ids({})}), IsEmpty());
+    EXPECT_THAT(counts({.alsoState = FaceState::Active}), IsEmpty());
+    EXPECT_THAT(counts({.alsoState = FaceState::Inactive}), ElementsAre(1));
+}
+
 TEST_F(AList, IsNarrowedByWhatTheIndexKnows) {
     add("light.ttf", "Alpha", "Light", 300);
     {

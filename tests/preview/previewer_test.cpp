@@ -78,6 +78,7 @@ TEST_F(APreview, IsOfTheNewestRequestFirstAndOfNoneThatWasCancelled) {
     const RequestId fourth = previewer.request(say("d"));
     const RequestId fifth = previewer.request(say("c")); // which the third answers
     previewer.cancel(third);
+    previewer.cancel(second); // which brings nothing back
     EXPECT_THAT(idsOf(await(previewer, 3)), ElementsAre(fifth, fourth, first));
     EXPECT_EQ(answer(previewer, say("b"))->picture.pixels, "\4");
 }
@@ -111,7 +112,7 @@ class APeer : public APreview, public testing::WithParamInterface<Misdeed> {};
 TEST_P(APeer, CostsItsOwnPictureOnly) {
     PreviewSettings settings = awkward_;
     if (GetParam().text == "wait") {
-        settings.timePerLine = std::chrono::seconds(2);
+        settings.timePerLine = std::chrono::seconds(10); // for the good one to be drawn in
     } else if (GetParam().text == "spin") {
         settings.processorSeconds = 0; // the rest of the first
     }
@@ -137,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(
                             "the preview process ended while drawing it (Killed)", false},
                     Misdeed{"Leaving", "leave",
                             "the preview process ended while drawing it with status 3", false},
-                    Misdeed{"Waiting", "wait", "drawing it took longer than 2000 ms"},
+                    Misdeed{"Waiting", "wait", "drawing it took longer than 10000 ms"},
                     Misdeed{"Spinning", "spin",
                             "the preview process ended while drawing it (CPU time limit exceeded)"},
                     Misdeed{"SayingTooMuch", "say too much",

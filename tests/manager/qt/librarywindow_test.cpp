@@ -225,8 +225,13 @@ TEST_F(TheLibrarysWindow, AddsFoldersAndFilesThatAreDroppedAnywhereInIt) {
 TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
     open();
     choose(1);
+    const auto canBe = [this](int action) { // 0: activated, 1: deactivated
+        return window_->list().actions().at(action)->isEnabled();
+    };
+    EXPECT_TRUE(canBe(0) && !canBe(1));
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_TRUE(awaitHeard({{1, "Beta, 1 style, active"}}));
+    EXPECT_TRUE(!canBe(0) && canBe(1));
     EXPECT_EQ(heard(0), "Alpha, 2 styles, inactive");
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(awaitHeard({{1, "Beta, 1 style, inactive"}}));

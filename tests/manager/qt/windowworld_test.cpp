@@ -113,6 +113,8 @@ TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
         std::filesystem::rename(sandbox_.library(), elsewhere);
         EXPECT_TRUE(
             awaitHeard({{0, "Alpha, 2 styles, away"}, {1, "Beta, 1 style, active (away)"}}));
+        choose(0);
+        EXPECT_FALSE(window_->list().actions().front()->isEnabled()) << "it cannot be activated";
         std::filesystem::rename(elsewhere, sandbox_.library());
         EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, inactive"}, {1, "Beta, 1 style, active"}}));
     }
