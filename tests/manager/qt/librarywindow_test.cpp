@@ -45,7 +45,9 @@ TEST_F(TheLibrarysWindow, ListsWhatIsTypedAndTellsItToScreenReaders) {
     EXPECT_EQ(heard(0), "Alpha, 1 style, inactive");
     QTest::keyClicks(&window_->searchField(), QStringLiteral("x"));
     EXPECT_EQ(window_->model().rowCount(), 0);
+    EXPECT_FALSE(window_->list().isVisible()) << "what to do now stands in its place";
     window_->searchField().clear();
+    EXPECT_TRUE(window_->list().isVisible());
     EXPECT_EQ(window_->model().rowCount(), 2);
 }
 
@@ -62,13 +64,20 @@ TEST_F(TheLibrarysWindow, NarrowsTheListByFiltersAndLeavesOneByAClick) {
     EXPECT_EQ(window_->model().rowCount(), 0);
     glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
     EXPECT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
-    for (auto* const chip : filters.findChildren<QToolButton*>()) {
-        if (chip->accessibleName() == QStringLiteral("Remove the filter \"State: Active\"")) {
-            QTest::mouseClick(chip, Qt::LeftButton);
-        }
-    }
+    const auto click = [&](const char* name) {
+        const auto chips = filters.findChildren<QToolButton*>();
+        const auto chip = std::ranges::find_if(chips, [name](const QToolButton* one) {
+            return one->accessibleName() == QLatin1String(name);
+        });
+        ASSERT_NE(chip, chips.end());
+        QTest::mouseClick(*chip, Qt::LeftButton);
+    };
+    click("Remove the filter \"State: Active\"");
     EXPECT_EQ(window_->model().rowCount(), 2);
     EXPECT_EQ(filters.values().size(), 1);
+    filters.set(FilterKind::State, "0");
+    click("Remove all filters");
+    EXPECT_TRUE(filters.values().empty());
 }
 
 TEST_F(TheLibrarysWindow, LeavesAnOpenListOfAFilterAlone) {
@@ -121,6 +130,7 @@ TEST_F(TheLibrarysWindow, FindsACharacterByKeysAndCopiesIt) {
     EXPECT_EQ(heardOf(0), "LATIN CAPITAL LETTER B, U+0042, copied");
     EXPECT_EQ(pane.told().toStdString(), heardOf(0));
     pane.searchField().clear(); // the keyboard stays at the character
+    EXPECT_EQ(heardOf(0).find("copied"), std::string::npos) << "it is another one now";
     QTest::keyClick(&grid, Qt::Key_Right);
     EXPECT_EQ(pane.told(), QStringLiteral("LATIN CAPITAL LETTER C, U+0043"));
     QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
@@ -182,7 +192,9 @@ TEST_F(TheLibrarysWindow, ComparesEachFaceOnceAndTellsNamesakesApart) {
     glyphora({QStringLiteral("scan")});
     open();
     window_->list().expandAll();
+    EXPECT_TRUE((choose(0), window_->pane().lookButton().isEnabled()));
     window_->list().selectAll();
+    EXPECT_FALSE(window_->pane().lookButton().isEnabled()) << "which are of one face";
     const std::string heard = window_->pane().waterfall().accessibleDescription().toStdString();
     const std::string names = ", " + heard.substr(0, heard.find(": ")) + ",";
     for (const std::string& name :
@@ -239,6 +251,10 @@ TEST_F(TheLibrarysWindow, SwitchesByKeyAndUndoesIt) {
     EXPECT_TRUE(awaitHeard({{1, "Beta, 1 style, active"}}));
     press(Qt::Key_Backspace, Qt::ControlModifier);
     EXPECT_TRUE(awaitHeard({{1, "Beta, 1 style, inactive"}}));
+    for (const char* const state : {"active", "inactive"}) { // by turns
+        press(Qt::Key_Return);
+        EXPECT_TRUE(awaitHeard({{1, std::string("Beta, 1 style, ") + state}}));
+    }
 }
 
 TEST_F(TheLibrarysWindow, MakesFillsRenamesAndUnmakesSetsAndUndoesIt) {
