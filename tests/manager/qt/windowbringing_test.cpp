@@ -85,7 +85,7 @@ TEST_F(TheWindowBringingFonts, ShowsWhatTakesLongAndCancelsItByKeys) {
     EXPECT_TRUE(await([this] { return window_->model().rowCount() == 3; })) << "it was recorded";
 }
 
-TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndMakesItACollection) {
+TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndCollectsIt) {
     open();
     const auto draw = [&](const std::string& name, const std::string& inside) {
         return sandbox_.write("../outside/" + name,
