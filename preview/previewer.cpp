@@ -78,7 +78,7 @@ std::vector<Finished> Previewer::take() {
     if (current_ && current_->deadline <= Clock::now()) {
         endChild();
         fail("drawing it took longer than " + std::to_string(settings_.timePerLine.count()) + " ms",
-             true);
+             Fault::Delay);
     }
     while (!current_ && !waiting_.empty()) {
         begin();
@@ -89,7 +89,14 @@ std::vector<Finished> Previewer::take() {
 
 SharedAnswer Previewer::known(const Work& work) {
     const auto dangerous = dangerous_.find(work.face);
-    return dangerous == dangerous_.end() ? cache_.find(work.key) : dangerous->second;
+    if (dangerous == dangerous_.end()) {
+        return cache_.find(work.key);
+    }
+    if (dangerous->second.end && *dangerous->second.end <= Clock::now()) {
+        dangerous_.erase(dangerous);
+        return cache_.find(work.key);
+    }
+    return dangerous->second.answer;
 }
 
 void Previewer::begin() {
@@ -128,7 +135,7 @@ void Previewer::send(Work work) {
         }
     } catch (const std::system_error& error) {
         endChild();
-        fail(std::string("it cannot be drawn: ") + error.what(), false);
+        fail(std::string("it cannot be drawn: ") + error.what(), Fault::Other);
         return;
     }
     // It fits: a process that waits has taken all that was sent before.
@@ -136,7 +143,7 @@ void Previewer::send(Work work) {
     const ssize_t sent = ::send(child_->socket(), message.data(), message.size(), MSG_NOSIGNAL);
     if (sent != static_cast<ssize_t>(message.size())) {
         endChild();
-        fail("the preview process takes no requests", false);
+        fail("the preview process takes no requests", Fault::Other);
     }
 }
 
@@ -156,7 +163,8 @@ void Previewer::receive() {
             if (ending.signal != 0) {
                 how = std::string(" (") + strsignal(ending.signal) + ")";
             }
-            fail("the preview process ended while drawing it" + how, isFault(ending.signal));
+            fail("the preview process ended while drawing it" + how,
+                 isFault(ending.signal) ? Fault::Face : Fault::Other);
             return;
         }
         received_.append(block.data(), static_cast<std::size_t>(count));
@@ -179,7 +187,7 @@ void Previewer::understand() {
     }
     if (!answer) {
         endChild();
-        fail("what the preview process said of it is no answer", true);
+        fail("what the preview process said of it is no answer", Fault::Face);
         return;
     }
     received_.clear();
@@ -198,13 +206,16 @@ void Previewer::finish(const SharedAnswer& answer) {
     current_.reset();
 }
 
-void Previewer::fail(const std::string& why, bool ofTheFace) {
+void Previewer::fail(const std::string& why, Fault fault) {
     if (!current_) {
         return; // it was idle: the next request starts another one
     }
     const SharedAnswer answer = problem(current_->request, why);
-    if (ofTheFace) {
-        dangerous_.emplace(current_->face, answer);
+    if (fault == Fault::Face) {
+        dangerous_.insert_or_assign(current_->face, Danger{answer, std::nullopt});
+    } else if (fault == Fault::Delay) {
+        dangerous_.insert_or_assign(current_->face,
+                                    Danger{answer, Clock::now() + settings_.timeUntilRetry});
     }
     finish(answer);
 }

@@ -26,6 +26,8 @@ namespace preview {
 struct PreviewSettings {
     std::filesystem::path program = previewProgram();
     std::chrono::milliseconds timePerLine{5'000};
+    /// A face that took too long may lie on a disk that was slow: it is not asked for before this.
+    std::chrono::milliseconds timeUntilRetry{10'000};
     unsigned processorSeconds = 4;               ///< for a line
     std::size_t memory = std::size_t{1} << 30U;  ///< bytes of address space
     std::size_t cached = std::size_t{64} << 20U; ///< bytes of answers kept
@@ -77,7 +79,13 @@ private:
     void receive();
     void understand();
     void finish(const SharedAnswer& answer);
-    void fail(const std::string& why, bool ofTheFace);
+    /// Whose fault it is that nothing was drawn.
+    enum class Fault {
+        Face,  ///< it fails until its file changes
+        Delay, ///< it may succeed later
+        Other,
+    };
+    void fail(const std::string& why, Fault fault);
     sys::Ending endChild();
     void setTimer();
 
@@ -89,7 +97,12 @@ private:
     std::optional<Work> current_;
     bool isCancelled_ = false; ///< the current one; its answer is still worth keeping
     std::string received_;
-    std::map<FaceKey, SharedAnswer> dangerous_; ///< faces that ended the process, and what to say
+    /// What to say of faces that ended the process, or kept it too long; until when, if at all.
+    struct Danger {
+        SharedAnswer answer;
+        std::optional<Clock::time_point> end;
+    };
+    std::map<FaceKey, Danger> dangerous_;
     Cache cache_;
     std::vector<Finished> finished_;
     RequestId lastId_ = 0;

@@ -54,7 +54,8 @@ protected:
     std::string other_ = folder_.write("other", "x");
     /// No machine is so busy that a line takes longer.
     static constexpr std::chrono::minutes patience{2};
-    PreviewSettings awkward_{.program = GLYPHORA_AWKWARD_PEER, .timePerLine = patience};
+    PreviewSettings awkward_{
+        .program = GLYPHORA_AWKWARD_PEER, .timePerLine = patience, .timeUntilRetry = patience};
 };
 
 TEST_F(APreview, ComesFromTheProgram) {
@@ -148,6 +149,19 @@ INSTANTIATE_TEST_SUITE_P(
                     Misdeed{"GoingOn", "say more than it said",
                             "what the preview process said of it is no answer"}),
     [](const auto& misdeed) { return misdeed.param.name; });
+
+TEST_F(APreview, IsTriedAgainWhereItTookTooLongButNotWhereItCrashed) {
+    PreviewSettings settings = awkward_;
+    settings.timePerLine = std::chrono::seconds(2);
+    settings.timeUntilRetry = std::chrono::milliseconds(0);
+    Previewer previewer(settings);
+    EXPECT_THAT(answer(previewer, say("wait"))->problem, StartsWith(font_ + ": drawing it took"));
+    EXPECT_EQ(answer(previewer, say("draw"))->problem, "");
+    const std::string crash = answer(previewer, say("crash"))->problem;
+    EXPECT_EQ(answer(previewer, say("draw"))->problem, crash);
+    folder_.write("font", "changed");
+    EXPECT_EQ(answer(previewer, say("draw"))->problem, "");
+}
 
 TEST_F(APreview, MayTakeNoMoreMemoryThanItsProcessHas) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
