@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/deeds.h"
 
+#include "manager/cli/groupchange.h"
+#include "manager/qt/mnemonics.h"
 #include "manager/view/texts.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QUndoCommand>
@@ -26,24 +27,21 @@ constexpr const char* lists[] = {"deactivated", "activated"};
 /// What was switched, and would be switched back. It was done when it came.
 class SwitchDeed : public QUndoCommand {
 public:
-    SwitchDeed(Deeds& deeds, bool on, QStringList containers, const QString& text)
-        : QUndoCommand(text), deeds_(deeds), on_(on), containers_(std::move(containers)) {}
+    SwitchDeed(Deeds& deeds, bool on, std::vector<GroupMember> members, const QString& text)
+        : QUndoCommand(text), deeds_(deeds), on_(on), members_(std::move(members)) {}
 
-    void undo() override {
-        deeds_.start(QStringList{commands[on_ ? 0 : 1], "--json"} + containers_);
-    }
+    void undo() override { deeds_.startSwitch(!on_, members_); }
     void redo() override {
-        if (std::exchange(isNew_, false)) {
-            return;
+        if (!std::exchange(isNew_, false)) {
+            deeds_.startSwitch(on_, members_);
         }
-        deeds_.start(QStringList{commands[on_ ? 1 : 0], "--json"} + containers_);
     }
 
 private:
     Deeds& deeds_;
     bool on_;
     bool isNew_ = true;
-    QStringList containers_;
+    std::vector<GroupMember> members_; // a new index may give numbers anew
 };
 
 Deeds::Deeds(std::string program, LibraryReader& reader,
@@ -73,11 +71,6 @@ void Deeds::goOn() {
     }
 }
 
-void Deeds::end() {
-    isBusy_ = false;
-    goOn();
-}
-
 void Deeds::undo() {
     inTurn([this] { undo_.undo(); });
 }
@@ -96,7 +89,7 @@ void Deeds::work(LibraryReader::Work work) {
 
 void Deeds::startWork(LibraryReader::Work work) {
     isBusy_ = true;
-    reader_.run([this, work = std::move(work)](Desk& desk) -> LibraryReader::Taker {
+    reader_.runNext([this, work = std::move(work)](Desk& desk) -> LibraryReader::Taker {
         LibraryReader::Taker then;
         try {
             then = work(desk);
@@ -104,33 +97,35 @@ void Deeds::startWork(LibraryReader::Work work) {
             then = [this, problem = QString::fromUtf8(error.what())] { done_({problem}); };
         }
         return [this, then = std::move(then)] {
+            isBusy_ = false;
             then();
-            end();
+            goOn();
         };
     });
 }
 
-void Deeds::start(const QStringList& arguments, Taker take) {
+void Deeds::start(const QStringList& arguments, Taker take, const QStringList& problems) {
     isBusy_ = true;
     auto* const process = new QProcess(this);
     running_ = process;
-    const auto finish = [this, process, take = std::move(take)](const QStringList& failures) {
+    const auto finish = [this, process, problems, take = std::move(take)](const QStringList& ends) {
+        isBusy_ = false;
         running_ = nullptr;
         if (follow_) {
             follow_(std::nullopt);
         }
-        QStringList problems = failures;
+        QStringList all = problems + ends;
         const QJsonObject done = QJsonDocument::fromJson(process->readAllStandardOutput()).object();
         const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
         for (const auto& problem : told) {
-            problems.push_back(problem.toString());
+            all.push_back(problem.toString());
         }
         process->deleteLater();
-        done_(problems);
+        done_(all);
         if (take) {
             take(done);
         }
-        end();
+        goOn();
     };
     connect(process, &QProcess::finished, this, [finish](int, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit
@@ -180,23 +175,56 @@ void Deeds::cancel() {
 void Deeds::change(bool on, const QStringList& containers) {
     const int which = on ? 1 : 0;
     run(QStringList{commands[which], "--json"} + containers, [this, on, which](const auto& done) {
-        QStringList changed;
-        QString name;
-        const QJsonArray list = done.value(QLatin1String(lists[which])).toArray();
-        for (const auto& item : list) {
-            const QJsonObject container = item.toObject();
-            changed.push_back(QString::number(container.value(QStringLiteral("id")).toInt()));
-            name = container.value(QStringLiteral("name")).toString();
+        const QJsonArray switched = done.value(QLatin1String(lists[which])).toArray();
+        if (!switched.isEmpty()) {
+            recordSwitch(on, switched);
         }
-        if (changed.isEmpty()) {
-            return;
+    });
+}
+
+void Deeds::recordSwitch(bool on, const QJsonArray& switched) {
+    startWork([this, on, switched](Desk& desk) -> LibraryReader::Taker {
+        std::vector<GroupMember> members;
+        for (const auto& item : switched) {
+            const ContainerId id{item.toObject().value(QStringLiteral("id")).toInt()};
+            if (const auto container = desk.library().container(id)) {
+                members.push_back(memberOf(*container));
+            }
         }
-        if (changed.size() > 1) {
-            name = QString::fromStdString(
-                translated("%1 font", "%1 fonts", static_cast<std::size_t>(changed.size())));
+        return [this, on, members = std::move(members)] {
+            if (members.empty()) {
+                return; // the library has none of them any more
+            }
+            QString name = QString::fromStdString(members.front().name);
+            if (members.size() > 1) {
+                name = QString::fromStdString(translated("%1 font", "%1 fonts", members.size()));
+            }
+            const std::string text = on ? translated("activate %1") : translated("deactivate %1");
+            record(new SwitchDeed(*this, on, members, undoText(text, name)));
+        };
+    });
+}
+
+void Deeds::startSwitch(bool on, const std::vector<GroupMember>& members) {
+    startWork([this, on, members](Desk& desk) -> LibraryReader::Taker {
+        QStringList numbers;
+        QStringList problems;
+        for (const GroupMember& member : members) {
+            if (const auto id = currentNumber(desk.library(), member)) {
+                numbers.push_back(QString::number(static_cast<std::int32_t>(*id)));
+            } else {
+                problems.push_back(
+                    QString::fromStdString(translated("%1 is not in the library any more"))
+                        .arg(QString::fromStdString(member.folder + "/" + member.name)));
+            }
         }
-        const std::string text = on ? translated("activate %1") : translated("deactivate %1");
-        undo_.push(new SwitchDeed(*this, on, changed, QString::fromStdString(text).arg(name)));
+        return [this, on, numbers, problems] {
+            if (numbers.isEmpty()) {
+                done_(problems);
+            } else {
+                start(QStringList{commands[on ? 1 : 0], "--json"} + numbers, {}, problems);
+            }
+        };
     });
 }
 

@@ -4,8 +4,10 @@
 // does.
 #pragma once
 
+#include "manager/cli/groups.h"
 #include "manager/qt/libraryreader.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QObject>
 #include <QStringList>
@@ -15,6 +17,7 @@
 #include <optional>
 #include <queue>
 #include <string>
+#include <vector>
 
 class QProcess;
 
@@ -72,11 +75,14 @@ private:
 
     void inTurn(std::function<void()> deed);
     void goOn();
-    // At once: it is their turn.
-    void start(const QStringList& arguments, Taker take = {});
+    // At once: it is their turn. What a Taker starts belongs to the same turn.
+    void start(const QStringList& arguments, Taker take = {}, const QStringList& problems = {});
+    /// Switches containers by the numbers that they have now.
+    void startSwitch(bool on, const std::vector<GroupMember>& members);
+    /// Keeps what was switched, to be undone in its turn.
+    void recordSwitch(bool on, const QJsonArray& switched);
     void startWork(LibraryReader::Work work);
     void readProgress();
-    void end();
 
     std::string program_;
     LibraryReader& reader_;

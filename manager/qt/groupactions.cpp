@@ -3,6 +3,7 @@
 // drag.
 #include "manager/qt/librarywindow.h"
 
+#include "manager/qt/mnemonics.h"
 #include "manager/view/texts.h"
 
 #include <QAction>
@@ -17,10 +18,6 @@ namespace {
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
-}
-
-QString inMenu(const std::string& name) {
-    return text(name).replace('&', QStringLiteral("&&"));
 }
 
 } // namespace
@@ -102,9 +99,10 @@ void LibraryWindow::fillGroupMenu(QMenu& menu, GroupKind kind) {
     menu.clear();
     for (const Group& group : groups_) {
         if (group.kind == kind) {
-            menu.addAction(inMenu(group.name), this, [this, title = GroupTitle{kind, group.name}] {
-                groupDeeds_.add(title, chosenContainers());
-            });
+            menu.addAction(inMenu(text(group.name)), this,
+                           [this, title = GroupTitle{kind, group.name}] {
+                               groupDeeds_.add(title, chosenContainers());
+                           });
         }
     }
     menu.addSeparator();
@@ -168,7 +166,7 @@ void LibraryWindow::showGroupActions() {
     keep_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Copies);
     showDrawingAction();
     if (title) {
-        takeOut_->setText(text(translated("&Remove from %1")).arg(inMenu(title->name)));
+        takeOut_->setText(text(translated("&Remove from %1")).arg(inMenu(text(title->name))));
     }
     for (QAction* const action : ofGroup_) {
         action->setEnabled(title.has_value());

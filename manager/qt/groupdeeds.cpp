@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/groupdeeds.h"
 
+#include "manager/qt/mnemonics.h"
 #include "manager/view/texts.h"
 
 #include <QUndoCommand>
@@ -74,7 +75,7 @@ void GroupDeeds::add(const GroupTitle& title, const std::vector<std::int32_t>& c
         [title](std::vector<GroupMember> members) {
             return GroupChange{.title = title, .added = std::move(members), .isMade = true};
         },
-        text(translated("add to %1")).arg(text(title.name)));
+        undoText(translated("add to %1"), text(title.name)));
 }
 
 void GroupDeeds::remove(const GroupTitle& title, const std::vector<std::int32_t>& containers) {
@@ -83,13 +84,13 @@ void GroupDeeds::remove(const GroupTitle& title, const std::vector<std::int32_t>
         [title](std::vector<GroupMember> members) {
             return GroupChange{.title = title, .removed = std::move(members)};
         },
-        text(translated("remove from %1")).arg(text(title.name)));
+        undoText(translated("remove from %1"), text(title.name)));
 }
 
 void GroupDeeds::rename(const GroupTitle& title, const std::string& name) {
     begin(
         {}, [title, name](const auto&) { return GroupChange{.title = title, .newName = name}; },
-        text(translated("rename %1")).arg(text(title.name)));
+        undoText(translated("rename %1"), text(title.name)));
 }
 
 void GroupDeeds::unmake(const GroupTitle& title) {
@@ -98,7 +99,7 @@ void GroupDeeds::unmake(const GroupTitle& title) {
         [title](const auto&) {
             return GroupChange{.title = title, .isUnmade = true, .isEmptied = true};
         },
-        text(translated("delete %1")).arg(text(title.name)));
+        undoText(translated("delete %1"), text(title.name)));
 }
 
 } // namespace manager

@@ -43,6 +43,14 @@ void LibraryReader::run(Work work) {
     wake_.notify_one();
 }
 
+void LibraryReader::runNext(Work work) {
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_front(std::move(work));
+    }
+    wake_.notify_one();
+}
+
 void LibraryReader::finish() {
     {
         std::unique_lock lock(mutex_);

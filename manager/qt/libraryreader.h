@@ -50,6 +50,8 @@ public:
     ~LibraryReader() override;
 
     void run(Work work);
+    /// The same, before all that waits.
+    void runNext(Work work);
     /// Waits until all that was asked for is done and taken.
     void finish();
     /// Has every reading from now on find what there is for these fonts.

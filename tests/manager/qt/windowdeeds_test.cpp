@@ -162,9 +162,7 @@ TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
     glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("mine"),
               QStringLiteral("Aaa")});
     const ContainerId before = readGroups(sandbox_.places()).front().members.front().id;
-    for (const char* const end : {"", "-wal", "-shm"}) {
-        std::filesystem::remove(sandbox_.places().database() + end);
-    }
+    removeIndex();
     glyphora({QStringLiteral("scan")});
     open();
     chooseTag("mine");
@@ -176,6 +174,50 @@ TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
     window_->sidebar().choose({});
     EXPECT_EQ(heard(1), "Alpha, 2 styles, inactive");
     EXPECT_EQ(heard(2), "Beta, 1 style, inactive");
+}
+
+TEST_F(TheWindowsDeeds, AreUndoneOnTheSameFontsWhateverTheirNumbersAre) {
+    sandbox_.write("aaa.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
+    glyphora({QStringLiteral("scan")}); // it gets the last number, and the first in a new index
+    open();
+    const auto activeNames = [this] {
+        std::vector<std::string> names;
+        for (const ActiveContainer& one :
+             Activation(sandbox_.places()).active([](const auto&) {})) {
+            names.push_back(one.name);
+        }
+        return names;
+    };
+    choose(0);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(finishDeeds());
+    ASSERT_EQ(window_->deeds().undoStack().count(), 1);
+    ASSERT_THAT(activeNames(), testing::IsEmpty());
+    removeIndex();
+    glyphora({QStringLiteral("scan")});
+    window_->deeds().redo();
+    ASSERT_TRUE(finishDeeds());
+    EXPECT_THAT(activeNames(), testing::ElementsAre("Aaa"));
+    window_->deeds().undo();
+    ASSERT_TRUE(finishDeeds());
+    EXPECT_THAT(activeNames(), testing::IsEmpty());
+}
+
+TEST_F(TheWindowsDeeds, LeaveWhatCanBeDoneAgainWhereNothingChanges) {
+    open();
+    const auto beta =
+        static_cast<std::int32_t>(window_->model().listing().view().table.faces().back().container);
+    const GroupTitle title{GroupKind::Tag, "Smith & Sons"};
+    window_->groupDeeds().add(title, {beta});
+    window_->groupDeeds().rename(title, "else");
+    window_->deeds().undo();
+    window_->groupDeeds().add(title, {beta}); // which it has
+    ASSERT_TRUE(finishDeeds());
+    const QUndoStack& stack = window_->deeds().undoStack();
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 1);
+    EXPECT_EQ(stack.undoText(), QStringLiteral("add to Smith && Sons"));
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
@@ -62,6 +63,12 @@ protected:
         process.start(QStringLiteral(GLYPHORA_PROGRAM), arguments);
         ASSERT_TRUE(process.waitForFinished(60'000));
         EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    }
+
+    void removeIndex() {
+        for (const char* const end : {"", "-wal", "-shm"}) {
+            std::filesystem::remove(sandbox_.places().database() + end);
+        }
     }
 
     void open(const manager::WindowRequest& request = {}) {
