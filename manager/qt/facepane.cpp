@@ -70,6 +70,10 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     look_ = new LookPanel([this] { applyLook(); }, this);
     look_->hide();
     column->addLayout(makeTools(std::move(wrote)));
+    cut_ = new QLabel(text(translated("Only the beginning of this long text is drawn.")), this);
+    cut_->setWordWrap(true);
+    cut_->hide();
+    column->addWidget(cut_);
     column->addWidget(look_);
     column->addWidget(views_, 1);
 }
@@ -82,6 +86,9 @@ QLayout* FacePane::makeTools(std::function<void(const QString&)> wrote) {
     sample_->setClearButtonEnabled(true);
     connect(sample_, &QLineEdit::textChanged, this, [this, wrote = std::move(wrote)] {
         wrote(sample_->text());
+        const bool isCut = sample_->text().toUtf8().size() > qsizetype{preview::maximumText};
+        cut_->setVisible(isCut);
+        sample_->setAccessibleDescription(isCut ? cut_->text() : QString());
         showText();
     });
     paper_ = new QComboBox(this);
@@ -113,20 +120,24 @@ void FacePane::show(ChosenFaces chosen) {
 void FacePane::showCharacters() {
     if (views_->currentWidget() != characters_) {
         lettered_.reset(); // read when they are looked at
+        awaited_.reset();
         return;
     }
     if (shown_.empty()) {
         lettered_.reset();
+        awaited_.reset();
         characters_->show({}, nullptr);
         return;
     }
     const ShownFace& face = shown_.front();
+    awaited_ = face.id;
     if (lettered_ == face.id) {
         return;
     }
-    lettered_ = face.id;
     source_.readCharacters(face.id, [this, face](std::shared_ptr<const Characters> characters) {
-        if (lettered_ == face.id) { // else another one was chosen meanwhile
+        // Else another one was chosen meanwhile, or it was asked for twice.
+        if (awaited_ == face.id && lettered_ != face.id) {
+            lettered_ = face.id;
             characters_->show(face, std::move(characters));
         }
     });
@@ -147,14 +158,15 @@ void FacePane::readLook() {
         return;
     }
     const FaceId id = shown_.front().id;
-    if (dressed_ == id) {
+    if (dressed_ == id && offered_ == id) {
         applyLook();
         return;
     }
-    dressed_ = id;
+    dressed_ = id; // also asked for again, as reading it may have failed
+    offered_.reset();
     source_.readFace(
         id, [this, id](const faces::Face& face, const std::vector<faces::Face>& instances) {
-            if (dressed_ == id) { // else another one was chosen meanwhile
+            if (dressed_ == id && offered_ != id) { // else another one was chosen meanwhile
                 look_->offer(face, instances);
                 offered_ = id;
                 applyLook();

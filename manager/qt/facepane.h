@@ -60,6 +60,7 @@ private:
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
     QToolButton* folder_ = nullptr; ///< opens that of the file
+    QLabel* cut_ = nullptr;         ///< says that the text is too long
     QLineEdit* sample_ = nullptr;
     QComboBox* paper_ = nullptr;
     QToolButton* lookButton_ = nullptr;
@@ -71,7 +72,8 @@ private:
     std::vector<ShownFace> shown_;
     std::optional<FaceId> dressed_;  ///< whose axes and features are offered, or read
     std::optional<FaceId> offered_;  ///< whose are by now
-    std::optional<FaceId> lettered_; ///< whose characters are shown, or read
+    std::optional<FaceId> lettered_; ///< whose characters are shown
+    std::optional<FaceId> awaited_;  ///< whose are to be
 };
 
 } // namespace manager

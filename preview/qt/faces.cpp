@@ -2,6 +2,8 @@
 // Between the process that draws and the windows' loop.
 #include "preview/qt/faces.h"
 
+#include "system/cuttext.h"
+
 #include <cmath>
 
 #include <QColor>
@@ -40,7 +42,7 @@ Faces::Id Faces::ask(const FaceLine& line, Arrived arrived) {
     request.face = line.index;
     request.axes = line.axes;
     request.features = line.features;
-    request.text = line.text;
+    request.text = sys::cutText(line.text, maximumText);
     request.pixels = line.pixels;
     request.scale = std::clamp(line.scale, minimumScale, maximumScale);
     const Id id = previewer_->request(std::move(request));

@@ -41,8 +41,9 @@ public:
 
     explicit Faces(PreviewSettings settings = {}) : settings_(std::move(settings)) {}
 
-    /// What was asked last comes first. Whatever `arrived` uses lives until then, or until it is
-    /// cancelled. 0: there will be no answer, as the system has nothing left to draw with.
+    /// Of a text longer than `maximumText` the beginning is drawn. What was asked last comes first.
+    /// Whatever `arrived` uses lives until then, or until it is cancelled. 0: there will be no
+    /// answer, as the system has nothing left to draw with.
     [[nodiscard]] Id ask(const FaceLine& line, Arrived arrived);
     void cancel(Id id);
     /// Waits until everything is answered; false when it was.

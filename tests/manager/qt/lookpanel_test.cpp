@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The axes and features that a face is drawn with.
 #include "manager/qt/colours.h"
+#include "manager/qt/facepane.h"
 #include "manager/qt/lookpanel.h"
 #include "tests/manager/qt/windowfixture.h"
 
@@ -96,6 +97,45 @@ TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
         EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Window)), 3) << dark;
         EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Base)), 3) << dark;
     }
+}
+
+/// Answers when it is told to, and may never.
+class AwkwardSource : public FaceSource {
+public:
+    void readFace(FaceId /*id*/, FaceTaker take) override { looks.push_back(std::move(take)); }
+    void readCharacters(FaceId /*id*/, CharacterTaker take) override {
+        characters.push_back(std::move(take));
+    }
+    std::vector<FaceTaker> looks;
+    std::vector<CharacterTaker> characters;
+};
+
+TEST(TheFacePane, AsksAgainForWhatHasNotCome) {
+    application();
+    const Sandbox sandbox;
+    preview::Faces faces;
+    AwkwardSource source;
+    FacePane pane(
+        faces, source, [](const QString&) {}, nullptr);
+    pane.lookButton().setChecked(true);
+    pane.views().setCurrentWidget(&pane.characters());
+    const ChosenFaces one{.title = {}, .why = {}, .faces = {{FaceId{1}, "One", "/nowhere", 0}}};
+    const ChosenFaces other{.title = {}, .why = {}, .faces = {{FaceId{2}, "Two", "/nowhere", 0}}};
+    pane.show(one);
+    pane.show(one); // the first reading has failed
+    ASSERT_EQ(source.looks.size(), 2U);
+    ASSERT_EQ(source.characters.size(), 2U);
+    faces::Face face;
+    face.features = {"smcp"};
+    source.looks.back()(face, {});
+    source.characters.back()(std::make_shared<const Characters>(faces::Coverage()));
+    pane.show(one);
+    EXPECT_EQ(source.looks.size(), 2U) << "what has come was asked for";
+    EXPECT_EQ(source.characters.size(), 2U);
+    pane.show(other);
+    pane.show(one);
+    source.looks[2]({}, {}); // of the other, too late
+    EXPECT_NE(pane.look().feature("smcp"), nullptr);
 }
 
 } // namespace

@@ -120,6 +120,22 @@ TEST_F(TheWindowsWorld, KeepsWhatIsKnownOfAFolderThatIsUnplugged) {
     }
 }
 
+TEST_F(TheWindowsWorld, DrawsTheBeginningOfATextThatIsTooLong) {
+    open();
+    choose(1);
+    auto* const own = window_->pane().findChild<QLineEdit*>();
+    // The umlaut lies on both sides of the limit.
+    own->setText(QString(preview::maximumText - 1, QLatin1Char('H')) + QChar(0xC4));
+    do {
+        static_cast<void>(window_->grab());
+    } while (window_->finishLines());
+    EXPECT_EQ(heard(1), "Beta, 1 style, inactive");
+    EXPECT_EQ(own->accessibleDescription(),
+              QStringLiteral("Only the beginning of this long text is drawn."));
+    own->setText(QString(preview::maximumText, QLatin1Char('H')));
+    EXPECT_EQ(own->accessibleDescription(), QString());
+}
+
 // Each is tried with a text of its own, which has all lines drawn anew.
 TEST_F(TheWindowsWorld, MarksAFaceThatIsCutAndDrawsTheRest) {
     open();
