@@ -133,7 +133,7 @@ int buyCommand(const Places& places, const std::vector<std::string>& names, bool
         throw Error("there is no display to open pages on");
     }
     Tally tally(json, "opened");
-    const auto library = openScanned(places);
+    const auto library = openKnown(places); // without a page it is searched for
     std::set<std::string> opened;
     for (const CommandFont& font : fonts) {
         const std::string name = font.postScriptName.value_or(font.familyName.value_or(""));

@@ -142,18 +142,19 @@ std::unique_ptr<Library> openToAnswer(const Places& places) {
         places, [&] { return containersOnDisk(places); }, warn, IndexCheck::Never, patience);
 }
 
+std::unique_ptr<Library> openKnown(const Places& places) {
+    return openLibrary(
+        places, [&] { return containersOnDisk(places); }, warn);
+}
+
 std::unique_ptr<Library> openScanned(const Places& places) {
-    const auto open = [&] {
-        return openLibrary(
-            places, [&] { return containersOnDisk(places); }, warn);
-    };
-    auto library = open();
+    auto library = openKnown(places);
     if (library->isScanOwed()) {
         library.reset();
         for (const std::string& problem : scan(places, false).problems) {
             warn(problem);
         }
-        library = open();
+        library = openKnown(places);
     }
     return library;
 }
@@ -224,7 +225,9 @@ std::string readInput() {
 
 int showCommand(const Places& places, const std::vector<std::string>& words, bool asked,
                 const std::string& pictures) {
-    static_cast<void>(openScanned(places));
+    if (!pictures.empty()) {
+        static_cast<void>(openScanned(places)); // before the bus is asked
+    }
     WindowOptions options{.places = places,
                           .program = std::filesystem::read_symlink("/proc/self/exe").string(),
                           .request = {},
@@ -247,7 +250,13 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
         static_cast<void>(parseCommand(options.request.command)); // a wrong one is told here
     }
     chooseLanguage(sys::localeOfEnvironment()); // before the bus has threads
-    return pictures.empty() && handOver(options.request) ? int{exitSuccess} : showWindow(options);
+    if (pictures.empty()) {
+        if (handOver(options.request)) {
+            return exitSuccess;
+        }
+        static_cast<void>(openKnown(places)); // the window sees to a scan
+    }
+    return showWindow(options);
 }
 
 } // namespace manager

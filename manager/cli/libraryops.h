@@ -14,6 +14,9 @@ namespace manager {
 /// Opens the library for the server, which must answer soon. Throws DamagedDatabase when a scan is
 /// to mend the index. The caller sees to a scan that is owed.
 [[nodiscard]] std::unique_ptr<Library> openToAnswer(const Places& places);
+/// Opens the library for a command that shows at once what is known of it. A damaged index is begun
+/// anew, and then a scan is owed, which the caller sees to.
+[[nodiscard]] std::unique_ptr<Library> openKnown(const Places& places);
 /// Opens the library for a command that needs what is in it, after a scan if one is owed. Not to be
 /// called with a connection to the bus (see readFontFiles).
 [[nodiscard]] std::unique_ptr<Library> openScanned(const Places& places);

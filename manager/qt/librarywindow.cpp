@@ -99,6 +99,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     }
     take(options.request);
     read();
+    scanWhereOwed();
 }
 
 LibraryWindow::~LibraryWindow() {
@@ -151,6 +152,15 @@ void LibraryWindow::closeEvent(QCloseEvent* event) {
 void LibraryWindow::read() {
     reader_.read([this](std::shared_ptr<const LibraryView> view) { nextView_ = std::move(view); });
     readSets();
+}
+
+void LibraryWindow::scanWhereOwed() {
+    reader_.run([this](Desk& desk) -> LibraryReader::Taker {
+        if (!desk.library().isScanOwed()) {
+            return {};
+        }
+        return [this] { deeds_.run({QStringLiteral("scan"), QStringLiteral("--json")}); };
+    });
 }
 
 void LibraryWindow::takeNews() {

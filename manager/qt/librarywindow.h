@@ -82,6 +82,8 @@ private:
     [[nodiscard]] std::vector<std::int32_t> chosenContainers() const;
     QWidget* makeList();
     void read();
+    /// As a deed, with progress, while the window shows what is known.
+    void scanWhereOwed();
     void takeSets(Groups groups, std::vector<std::string> folders);
     /// Reads collections, tags and folders, and shows them, with the view that has come before.
     void readSets();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The window while the world around it changes: its server, its disks, other sessions, a display.
 #include "manager/cli/announce.h"
+#include "manager/cli/libraryops.h"
 #include "manager/qt/guests.h"
 #include "tests/manager/qt/windowfixture.h"
 #include "tests/support/xserver.h"
@@ -200,6 +201,23 @@ TEST_F(TheWindowsWorld, HasOtherSessionsHaveTheirOwnWindows) {
     run(there, QStringLiteral(GLYPHORA_PROGRAM), {"show"}); // the other has stayed: it takes this
     EXPECT_EQ(ended(), 1);
     EXPECT_EQ(window_->searchField().text(), QStringLiteral("alpha"));
+}
+
+TEST_F(TheWindowsWorld, IsShownWhileAScanIsOwed) {
+    removeIndex();
+    static_cast<void>(openKnown(sandbox_.places()));
+    std::optional<FileLock> scanning(sandbox_.places().scanLock());
+    ASSERT_FALSE(handOver({}));
+    window_ =
+        std::make_unique<LibraryWindow>(WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, {}});
+    const Guests guests([this](const WindowRequest& request) { window_->open(request); });
+    other_.start(QStringLiteral(GLYPHORA_PROGRAM), {"show", "beta"});
+    ASSERT_TRUE(await([this] { return other_.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(other_.exitCode(), 0) << other_.readAllStandardError().toStdString();
+    EXPECT_EQ(window_->searchField().text(), QStringLiteral("beta"));
+    EXPECT_EQ(window_->model().rowCount(), 0);
+    scanning.reset();
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
 }
 
 TEST_F(TheWindowsWorld, IsUsedByTheKeysOfAnXServer) {
