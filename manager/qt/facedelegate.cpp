@@ -113,7 +113,7 @@ void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const int letter = option.fontMetrics.averageCharWidth();
     const int wanted = model_.listing().filter().isDrawing // whose reasons are long
                            ? std::clamp(width * 3 / 5, 30 * letter, 80 * letter)
-                           : std::clamp(width * 2 / 5, 30 * letter, 48 * letter);
+                           : std::clamp(width * 9 / 20, 30 * letter, 48 * letter);
     const int names = std::min(wanted, width * 3 / 4);
     const int left = option.rect.left() + margin;
     painter->save();

@@ -137,6 +137,7 @@ void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& i
         auto* const none = new QLabel(text(translated("This font has no axes and no features.")));
         none->setWordWrap(true);
         column.addWidget(none);
+        column.addStretch(1);
     } else {
         addReset(*top);
     }

@@ -20,6 +20,8 @@ QString text(const std::string& plain) {
 
 QWidget* LibraryWindow::makeEmpty() {
     auto* const page = new QWidget(this);
+    page->setBackgroundRole(QPalette::Base); // as the list
+    page->setAutoFillBackground(true);
     auto* const column = new QVBoxLayout(page);
     empty_ = new QLabel(page);
     empty_->setAlignment(Qt::AlignCenter);
