@@ -61,6 +61,8 @@ FilterPanel::FilterPanel(std::function<void()> changed, QWidget* parent)
             fields_.begin()->second->setFocus();
         }
     });
+    offerAgain_.setSingleShot(true);
+    connect(&offerAgain_, &QTimer::timeout, this, [this] { offer(std::exchange(waiting_, {})); });
     chips_ = new QWidget(this);
     flow_ = new FlowLayout(chips_);
     chips_->hide();
@@ -159,8 +161,7 @@ void FilterPanel::offer(const FilterTags& offered) {
 bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Hide && !waiting_.empty()) {
         watched->removeEventFilter(this);
-        const auto offerAgain = [this] { offer(std::exchange(waiting_, {})); };
-        QMetaObject::invokeMethod(this, offerAgain, Qt::QueuedConnection); // what is chosen first
+        offerAgain_.start(0); // what is chosen first
     }
     return QWidget::eventFilter(watched, event);
 }

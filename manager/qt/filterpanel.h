@@ -5,6 +5,7 @@
 
 #include "manager/view/facefilters.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -53,6 +54,7 @@ private:
     FilterValues values_;
     FilterTags offered_;
     FilterTags waiting_; ///< to be offered once their lists are closed
+    QTimer offerAgain_;
     std::map<FilterKind, QWidget*> fields_;
     QToolButton* button_ = nullptr;
     QWidget* panel_ = nullptr;
