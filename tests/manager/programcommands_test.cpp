@@ -307,6 +307,15 @@ TEST_F(TheProgram, OpensPagesWhereFontsCanBeHad) {
 
     writeBytes(sandbox_.root() + "/config/glyphora/glyphora.conf",
                "[buy]\nsearch=http://shop.example/?q=%1&x=y\n");
+    for (const char* const end : {"", "-wal", "-shm"}) {
+        std::filesystem::remove(sandbox_.places().database() + end);
+    }
+    { // which owes a scan, and is not waited for
+        const manager::FileLock scanning(sandbox_.places().scanLock());
+        EXPECT_EQ(glyphora({"buy", "Good-Bold"}).status, 0);
+        EXPECT_TRUE(opened("http://shop.example/?q=Good-Bold%20font&x=y\n"));
+    }
+    std::filesystem::remove(log);
     serve();
     EXPECT_TRUE(
         send("<cmd>buyRequest</cmd>\n<font>\n<psName>Bad-Bold</psName>\n</font>\n</cmd>\n"));
