@@ -52,6 +52,11 @@ int main(int argumentCount, char** arguments) {
         int exitStatus = host::exitSuccess;
         const auto options =
             host::readOptions(argumentCount, arguments, std::cout, std::cerr, exitStatus);
+        if (options && options->check) {
+            return host::runCheck(*options->check, options->locale, [](const std::string& text) {
+                return static_cast<bool>(std::cout << text << std::flush);
+            });
+        }
         if (options) {
             return run(*options, start);
         }

@@ -64,6 +64,36 @@ void declareOpen(CLI::App& app, Options& options) {
         ->check(CLI::ExistingDirectory);
 }
 
+void declareCheck(CLI::App& app, CheckOptions& options, Options& shared) {
+    app.add_option("PATH", options.paths,
+                   "Drawings, folders of drawings, or - for a drawing from standard input");
+    app.add_option("--files-from", options.list,
+                   "Check also what this file names, a path a line or with null characters between "
+                   "(-: standard input)")
+        ->type_name("FILE");
+    app.add_option_function<std::string>(
+           "--report",
+           [&options](const std::string& form) {
+               options.form = form == "json"    ? CheckForm::Json
+                              : form == "jsonl" ? CheckForm::JsonLines
+                                                : CheckForm::Text;
+           },
+           "Form of the report")
+        ->check(CLI::IsMember({"text", "jsonl", "json"}));
+    app.add_flag("--missing-only", options.missingOnly,
+                 "Leave out drawings that have all fonts and characters");
+    app.add_flag("--fail-on-missing", options.failOnMissing,
+                 "Exit with 1 when a drawing misses fonts");
+    app.add_option("-j,--jobs", options.jobs,
+                   "Drawings that are read at a time (else as many as there are processors)")
+        ->type_name("N")
+        ->check(CLI::Range(1U, 1024U));
+    app.add_option("--locale", shared.locale,
+                   "Language and country of the texts in drawings that have them in several, such "
+                   "as de_DE (else from the environment)")
+        ->type_name("CODE");
+}
+
 // Who gives nothing but files wants them opened.
 void suggestOpening(const std::vector<std::string>& words, std::ostream& errors) {
     if (!words.empty() && std::filesystem::exists(words.front())) {
@@ -90,11 +120,21 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
     CLI::App* const open = app.add_subcommand("open", "Open drawings and tell of their fonts");
     declareOpen(*open, options);
     declareShared(*open, options);
+    CheckOptions checkOptions;
+    CLI::App* const check =
+        app.add_subcommand("check", "Tell which fonts drawings miss, loading no plug-in");
+    declareCheck(*check, checkOptions, options);
     try {
         app.parse(argumentCount, arguments);
         options.about = about->parsed();
+        if (check->parsed()) {
+            options.check = checkOptions;
+            if (checkOptions.paths.empty() && !checkOptions.list) {
+                throw CLI::RequiredError("PATH... or --files-from");
+            }
+        }
         if (!options.selfTest && app.get_subcommands().empty()) {
-            throw CLI::RequiredError("open FILE..., about or --self-test");
+            throw CLI::RequiredError("open FILE..., check PATH..., about or --self-test");
         }
         if (options.selfTest && !app.get_subcommands().empty()) {
             throw CLI::ExcludesError("--self-test", app.get_subcommands().front()->get_name());

@@ -2,6 +2,8 @@
 // The command line of glyphora-host.
 #pragma once
 
+#include "host/cli/checkcommand.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
@@ -17,9 +19,10 @@ struct Options {
     std::vector<std::filesystem::path> files;
     std::optional<std::filesystem::path> plugin; ///< else it is looked for
     bool noPlugin = false;
-    bool about = false;    ///< show the plug-in's about box and quit; no files
-    bool selfTest = false; ///< load everything and quit; no files
-    std::string locale;    ///< such as "de_DE"
+    std::optional<CheckOptions> check; ///< check drawings, and nothing else of these but `locale`
+    bool about = false;                ///< show the plug-in's about box and quit; no files
+    bool selfTest = false;             ///< load everything and quit; no files
+    std::string locale;                ///< such as "de_DE"
     ReportFormat report = ReportFormat::Text;
     std::optional<std::filesystem::path> save; ///< where to write the one document
     std::filesystem::path saveThrough;         ///< another name of that place, if not empty

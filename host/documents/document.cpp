@@ -13,6 +13,15 @@ std::string_view Document::text(const TextRun& run) const {
     return std::string_view(parts_.text).substr(run.textStart, run.textLength);
 }
 
+std::string_view Document::idOf(const Art& frame) const {
+    return std::string_view(parts_.ids).substr(frame.idStart, frame.idLength);
+}
+
+std::span<const std::string> Document::laterFamilies(FaceId id) const {
+    return id < parts_.laterFamilies.size() ? std::span<const std::string>(parts_.laterFamilies[id])
+                                            : std::span<const std::string>();
+}
+
 std::span<const TextRun> Document::runsOf(ArtId id) const {
     const Art& node = art(id);
     return runs().subspan(node.firstRun, node.runCount);

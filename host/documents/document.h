@@ -37,6 +37,8 @@ struct Art {
     ArtId nextSibling = noArt;
     RunId firstRun = 0;         ///< text frames: their runs are consecutive, in reading order
     std::uint32_t runCount = 0; ///< 0 for anything but a text frame
+    std::uint32_t idStart = 0;  ///< text frames: bytes, see Document::idOf
+    std::uint32_t idLength = 0;
 };
 
 /// A layer's first art, and the only one without a parent in it, is its top group.
@@ -69,7 +71,10 @@ struct DocumentParts {
     std::vector<Art> arts;
     std::vector<TextRun> runs;
     std::vector<Face> faces;
+    /// By face, the families that stand behind its own in the list where it comes first.
+    std::vector<std::vector<std::string>> laterFamilies;
     std::string text; ///< the text of all runs
+    std::string ids;  ///< the ids of all text frames
     std::shared_ptr<const DocumentWriter> writer;
 };
 
@@ -92,6 +97,12 @@ public:
     const Face& faceOf(const TextRun& run) const { return face(run.face); }
     /// UTF-8, valid as long as the document.
     std::string_view text(const TextRun& run) const;
+    /// What the format calls a text frame, to find it by; may be empty. Valid as long as the
+    /// document.
+    std::string_view idOf(const Art& frame) const;
+    /// The families that stand in for the face's, as the document wishes, the first before others:
+    /// of a face that was read, those behind it where it comes first; else none.
+    std::span<const std::string> laterFamilies(FaceId id) const;
 
     /// The runs of a text frame; none for other art.
     std::span<const TextRun> runsOf(ArtId id) const;

@@ -223,7 +223,9 @@ FontKey Catalogue::resolve(const Face& face) {
 
 FontKey Catalogue::noteUnlisted(const Face& face) {
     std::string identity(1, static_cast<char>('a' + static_cast<int>(face.origin)));
-    for (const std::string& part : {face.family, face.style, face.postScriptName}) {
+    // One font, however it is written: a desktop that had it would find it by each of them.
+    for (const std::string& part : {faces::nameKey(face.family), faces::nameKey(face.style),
+                                    faces::postScriptKey(face.postScriptName)}) {
         identity.append(part).append(1, '\n');
     }
     const FontKey key = keyFor(std::move(identity));

@@ -10,10 +10,6 @@ namespace host {
 
 namespace {
 
-const FcChar8* bytesOf(std::string_view text) {
-    return reinterpret_cast<const FcChar8*>(text.data());
-}
-
 std::uint32_t placeOf(int index) {
     // Fontconfig's mark of a variable font as a whole, where an instance would have its number.
     constexpr std::uint32_t whole = 0x8000;
@@ -25,7 +21,8 @@ FontconfigHandle<FcCharSet> charactersOf(std::string_view text) {
     FontconfigHandle<FcCharSet> characters(FcCharSetCreate());
     while (!text.empty()) {
         FcChar32 character = 0;
-        const int length = FcUtf8ToUcs4(bytesOf(text), &character, static_cast<int>(text.size()));
+        const int length = FcUtf8ToUcs4(reinterpret_cast<const FcChar8*>(text.data()), &character,
+                                        static_cast<int>(text.size()));
         if (length <= 0) {
             break;
         }
@@ -68,33 +65,45 @@ FaceFile fileOf(const InstalledFace& face) {
     return {face.fullName, face.file, placeOf(face.index), face.symbol};
 }
 
-DesktopFonts::DesktopFonts() : config_(FcInitLoadConfigAndFonts()) {}
-
-std::optional<FaceFile> DesktopFonts::standIn(const Face& face, std::string_view text) const {
-    const FontconfigHandle<FcPattern> wanted(FcPatternCreate());
-    FcPatternAddString(wanted.get(), FC_FAMILY,
-                       reinterpret_cast<const FcChar8*>(face.family.c_str()));
+FontconfigHandle<FcPattern> patternOf(const Face& face) {
+    FontconfigHandle<FcPattern> wanted(FcPatternCreate());
+    FcPatternAddString(wanted.get(), FC_FAMILY, bytesOf(face.family));
     FcPatternAddDouble(wanted.get(), FC_WEIGHT, FcWeightFromOpenTypeDouble(face.weight));
     FcPatternAddDouble(wanted.get(), FC_WIDTH, face.stretch);
     FcPatternAddInteger(wanted.get(), FC_SLANT, slantOf(face.slant));
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
-    FcPatternAddCharSet(wanted.get(), FC_CHARSET, charactersOf(text).get());
-    FcConfigSubstitute(config_.get(), wanted.get(), FcMatchPattern);
-    FcDefaultSubstitute(wanted.get());
+    return wanted;
+}
+
+FontconfigHandle<FcPattern> bestMatch(FcConfig& config, FcPattern& wanted) {
+    FcConfigSubstitute(&config, &wanted, FcMatchPattern);
+    FcDefaultSubstitute(&wanted);
     FcResult result = FcResultNoMatch;
-    const FontconfigHandle<FcPattern> found(FcFontMatch(config_.get(), wanted.get(), &result));
+    return FontconfigHandle<FcPattern>(FcFontMatch(&config, &wanted, &result));
+}
+
+std::optional<FaceFile> fileOf(const FcPattern& found) {
     FcChar8* file = nullptr;
     FcChar8* name = nullptr;
     int index = 0;
-    if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &file) != FcResultMatch) {
+    if (FcPatternGetString(&found, FC_FILE, 0, &file) != FcResultMatch) {
         return std::nullopt;
     }
-    FcPatternGetInteger(found.get(), FC_INDEX, 0, &index);
-    if (FcPatternGetString(found.get(), FC_FULLNAME, 0, &name) != FcResultMatch) {
-        FcPatternGetString(found.get(), FC_FAMILY, 0, &name);
+    FcPatternGetInteger(&found, FC_INDEX, 0, &index);
+    if (FcPatternGetString(&found, FC_FULLNAME, 0, &name) != FcResultMatch) {
+        FcPatternGetString(&found, FC_FAMILY, 0, &name);
     }
     return FaceFile{name != nullptr ? reinterpret_cast<const char*>(name) : "",
                     reinterpret_cast<const char*>(file), placeOf(index), false};
+}
+
+DesktopFonts::DesktopFonts() : config_(FcInitLoadConfigAndFonts()) {}
+
+std::optional<FaceFile> DesktopFonts::standIn(const Face& face, std::string_view text) const {
+    const FontconfigHandle<FcPattern> wanted = patternOf(face);
+    FcPatternAddCharSet(wanted.get(), FC_CHARSET, charactersOf(text).get());
+    const FontconfigHandle<FcPattern> found = bestMatch(*config_, *wanted);
+    return found ? fileOf(*found) : std::nullopt;
 }
 
 std::string DesktopFonts::someCharacters(const FaceFile& face) const {

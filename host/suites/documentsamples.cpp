@@ -2,6 +2,7 @@
 // Choosing words.
 #include "host/suites/documentsamples.h"
 
+#include "host/documents/textline.h"
 #include "host/fonts/desktopfonts.h"
 
 #include <algorithm>
@@ -15,7 +16,6 @@ namespace host {
 namespace {
 
 constexpr std::size_t mostSamples = 12;
-constexpr std::size_t mostCharacters = 80;
 
 /// A text that did not fit is shown shortened.
 bool shows(const std::string& text, const std::string& name) {
@@ -69,28 +69,6 @@ std::vector<LackingFace> namedBy(const std::vector<RowTexts>& rows,
         meant = those(byFamily);
     }
     return meant.empty() ? std::move(faces) : meant;
-}
-
-/// One line without needless blanks, cut between words if it is long.
-std::string lineOf(std::string_view text) {
-    std::string line;
-    std::size_t characters = 0;
-    std::size_t blank = 0;
-    for (const char c : text) {
-        const bool isBlank = c == ' ' || (c >= '\t' && c <= '\r');
-        if (isBlank && (line.empty() || line.back() == ' ')) {
-            continue;
-        }
-        const bool begins = (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
-        if (begins && characters++ == mostCharacters) {
-            line.resize(blank > line.size() / 2 ? blank : line.size());
-            break;
-        }
-        blank = isBlank ? line.size() : blank;
-        line += isBlank ? ' ' : c;
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
 }
 
 std::vector<Sample> samplesOf(OpenDocument& open, const std::vector<LackingFace>& faces,

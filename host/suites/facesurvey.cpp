@@ -3,22 +3,11 @@
 #include "host/suites/facesurvey.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace host {
 
 namespace {
-
-FaceState stateOf(const FontEntry& entry) {
-    if (entry.origin == FaceOrigin::Generic) {
-        return FaceState::Generic;
-    }
-    if (entry.origin == FaceOrigin::Embedded) {
-        return FaceState::Embedded;
-    }
-    return entry.present ? FaceState::Installed : FaceState::Missing;
-}
 
 FaceState stateAfter(FaceState before, FaceState now) {
     const bool came = before == FaceState::Missing && now == FaceState::Installed;
@@ -26,12 +15,6 @@ FaceState stateAfter(FaceState before, FaceState now) {
 }
 
 } // namespace
-
-const char* textOf(FaceState state) noexcept {
-    static constexpr std::array<const char*, 6> texts{"installed", "generic",       "embedded",
-                                                      "missing",   "activated now", "replaced"};
-    return texts[static_cast<std::size_t>(state)];
-}
 
 FaceSurvey::FaceSurvey(OpenDocument& document, FontList& fonts) {
     for (const TextRun& run : document.document().runs()) {

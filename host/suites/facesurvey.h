@@ -2,28 +2,16 @@
 // What became of a document's faces: their states before plug-ins saw it, and after.
 #pragma once
 
+#include "host/fonts/facestate.h"
 #include "host/suites/opendocuments.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace host {
-
-enum class FaceState : std::uint8_t {
-    Installed,
-    Generic,  ///< something always stands in for it
-    Embedded, ///< the document brings it along
-    Missing,
-    ActivatedNow, ///< was missing
-    Replaced      ///< all its runs were given another
-};
-
-/// In the words of reports: "installed", "activated now", ...
-[[nodiscard]] const char* textOf(FaceState state) noexcept;
 
 struct FaceOutcome {
     std::string family; ///< as the document names it

@@ -40,4 +40,24 @@ std::string notXmlText(std::string_view bytes) {
     return kind == std::end(kinds) ? "not XML" : std::string("not XML but ") + kind->name;
 }
 
+bool looksLikeSvg(std::string_view begin) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    begin.remove_prefix(begin.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    const std::size_t first = begin.find_first_not_of(" \t\r\n");
+    std::size_t at = first == std::string_view::npos || begin[first] != '<' ? first : first + 1;
+    // Over declarations and comments to the first element.
+    while (at < begin.size() && (begin[at] == '?' || begin[at] == '!')) {
+        const bool comment = begin.substr(at).starts_with("!--");
+        const std::size_t end = comment ? begin.find("-->", at) : at;
+        const std::size_t next = end == std::string_view::npos ? end : begin.find('<', end);
+        at = next == std::string_view::npos ? next : next + 1;
+    }
+    if (at == first || at >= begin.size()) {
+        return false;
+    }
+    std::string_view name = begin.substr(at, begin.find_first_of(" \t\r\n>/", at) - at);
+    name.remove_prefix(name.find(':') == std::string_view::npos ? 0 : name.find(':') + 1);
+    return name == "svg" && at + name.size() < begin.size();
+}
+
 } // namespace host::svg

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a file is that is no drawing.
+// What a file is by its first bytes.
 #pragma once
 
 #include <string>
@@ -9,5 +9,8 @@ namespace host::svg {
 
 /// "not XML", and what else it is by its first bytes where those tell.
 [[nodiscard]] std::string notXmlText(std::string_view bytes);
+
+/// Whether the first element of a file that begins so is `svg`, in whatever namespace.
+[[nodiscard]] bool looksLikeSvg(std::string_view begin);
 
 } // namespace host::svg

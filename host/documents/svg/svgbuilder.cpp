@@ -143,6 +143,10 @@ private:
         }
         dropLastBlank(firstRun);
         Art& node = drawing_.parts.arts[art];
+        const std::string_view name = tree().valueOf(id, AttributeName::Id);
+        node.idStart = static_cast<std::uint32_t>(drawing_.parts.ids.size());
+        node.idLength = static_cast<std::uint32_t>(name.size());
+        drawing_.parts.ids += name;
         node.firstRun = firstRun;
         node.runCount = static_cast<std::uint32_t>(drawing_.parts.runs.size()) - firstRun;
     }
@@ -269,6 +273,8 @@ private:
             place->second = same->second;
             if (newFace) {
                 drawing_.parts.faces.push_back(std::move(face));
+                drawing_.parts.laterFamilies.push_back(
+                    laterFamilies(drawing_.styles.texts[key.front()]));
             }
         }
         lastKey_ = key;

@@ -34,6 +34,9 @@ struct Drawing {
 /// `families` is its text number.
 [[nodiscard]] Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t families);
 
+/// The families behind the first of a list, as many as anybody looks at.
+[[nodiscard]] std::vector<std::string> laterFamilies(std::string_view list);
+
 /// The face of a family in the weight, slant and stretch that a style has.
 [[nodiscard]] Face styledFace(Face face, const Style& look);
 

@@ -65,6 +65,16 @@ Face faceOfFamilies(const Tree& tree, const Styles& styles, std::uint32_t number
     return face;
 }
 
+std::vector<std::string> laterFamilies(std::string_view list) {
+    constexpr std::size_t most = 16; // nobody looks behind so many
+    auto families = css::readFamilies(list);
+    std::vector<std::string> names;
+    for (std::size_t i = 1; i < families.size() && i <= most; ++i) {
+        names.push_back(inOneLine(std::move(families[i].name)));
+    }
+    return names;
+}
+
 Face styledFace(Face face, const Style& look) {
     face.weight = static_cast<int>(look.value(css::Property::Weight));
     face.slant = static_cast<Slant>(look.value(css::Property::Slant));

@@ -51,13 +51,18 @@ protected:
     ProgramResult run(const std::vector<std::string>& arguments) const {
         return run(arguments, folder / "stdout");
     }
-    ProgramResult run(const std::vector<std::string>& arguments, const std::string& output) const {
+    ProgramResult runWithInput(const std::vector<std::string>& arguments,
+                               const std::string& input) const {
+        return run(arguments, folder / "stdout", input);
+    }
+    ProgramResult run(const std::vector<std::string>& arguments, const std::string& output,
+                      const std::string& input = "/dev/null") const {
         const std::string errors = folder / "stderr";
         std::string command = std::string("exec '") + HOST_PROGRAM;
         for (const std::string& argument : arguments) {
             command += "' '" + argument;
         }
-        command += "' > '" + output + "' 2> '" + errors + "'";
+        command += "' < '" + input + "' > '" + output + "' 2> '" + errors + "'";
         const int state =
             std::system(command.c_str()); // NOLINT(concurrency-mt-unsafe, cert-env33-c)
         return {WIFEXITED(state) ? WEXITSTATUS(state) : -1,
