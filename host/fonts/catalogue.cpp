@@ -5,6 +5,7 @@
 
 #include "faces/matching.h"
 #include "faces/namekey.h"
+#include "faces/stylewords.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -32,18 +33,6 @@ std::string identityOf(const InstalledFace& face) {
 }
 
 } // namespace
-
-Face FontEntry::asFace() const {
-    Face result;
-    result.family = face.family;
-    result.style = face.style;
-    result.postScriptName = face.postScriptName;
-    result.weight = std::clamp((face.weight + 50) / 100 * 100, 100, 900);
-    result.slant = face.slant;
-    result.stretch = face.stretch;
-    result.origin = origin;
-    return result;
-}
 
 Catalogue::Catalogue(Lister lister) : lister_(std::move(lister)) {
     list(lister_());
@@ -195,9 +184,11 @@ FontKey Catalogue::findByName(std::string_view name) const {
 }
 
 FontKey Catalogue::resolve(const Face& face) {
-    if (face.origin != FaceOrigin::Named) {
-        return noteUnlisted(face);
-    }
+    const FontKey key = face.origin == FaceOrigin::Named ? find(face) : noFont;
+    return key == noFont ? noteUnlisted(face) : key;
+}
+
+FontKey Catalogue::find(const Face& face) const {
     if (const FontKey key = findByStyle(face); key != noFont) {
         return key;
     }
@@ -217,8 +208,57 @@ FontKey Catalogue::resolve(const Face& face) {
             return key;
         }
     }
-    const FontKey key = findByFullName(face);
-    return key == noFont ? noteUnlisted(face) : key;
+    return findByFullName(face);
+}
+
+bool Catalogue::says(const Face& face, const InstalledFace& font) const {
+    // What is read of a drawing: the style in words comes from its values.
+    Face read = face;
+    read.style = faces::styleText(face.look());
+    read.postScriptName = face.family == face.postScriptName ? face.postScriptName : std::string();
+    const FontEntry* const found = entry(find(read));
+    return found != nullptr &&
+           std::tie(found->face.family, found->face.style, found->face.postScriptName) ==
+               std::tie(font.family, font.style, font.postScriptName);
+}
+
+std::optional<Face> Catalogue::asWritten(FontKey key) const {
+    const FontEntry* const of = entry(key);
+    if (of == nullptr) {
+        return std::nullopt;
+    }
+    const InstalledFace& font = of->face;
+    Face face;
+    face.family = font.family;
+    face.style = font.style;
+    face.postScriptName = font.postScriptName;
+    face.slant = font.slant;
+    face.stretch = font.stretch;
+    face.origin = of->origin;
+    if (face.origin != FaceOrigin::Named || font.file.empty()) {
+        face.weight = font.weight;
+        return face;
+    }
+    for (const int weight : {std::clamp((font.weight + 50) / 100 * 100, 100, 900), font.weight}) {
+        face.weight = weight;
+        if (says(face, font)) {
+            return face;
+        }
+    }
+    Face plain; // names that say the style by themselves
+    plain.postScriptName = font.postScriptName;
+    for (const InstalledFace::Alias& alias : font.aliases) {
+        for (const Face& look : {face, plain}) {
+            Face other = look;
+            other.family = alias.family;
+            other.style = alias.style;
+            if (says(other, font)) {
+                return other;
+            }
+        }
+    }
+    face.family = font.postScriptName;
+    return says(face, font) ? std::optional(face) : std::nullopt;
 }
 
 FontKey Catalogue::noteUnlisted(const Face& face) {

@@ -63,9 +63,6 @@ struct FontEntry {
     bool present = false;
     FaceOrigin origin = FaceOrigin::Named;
     InstalledFace face; ///< of a face that only a document names: the document's names
-
-    /// The face to give to Document::replaceFace.
-    Face asFace() const;
 };
 
 /// Lists the faces of the desktop through fontconfig, noticing what changed since the last call.
@@ -95,6 +92,12 @@ public:
     /// same names always give the same key.
     [[nodiscard]] FontKey resolve(const Face& face);
 
+    /// The names and values by which a drawing says this font, and no other: those that resolve to
+    /// it, or to the same face in another file, when they are read again. Weights that every
+    /// program knows come first, then the font's own, its further names, and its PostScript name in
+    /// the family's place. Nothing when none of them says it.
+    [[nodiscard]] std::optional<Face> asWritten(FontKey key) const;
+
     /// The face of the desktop with exactly this PostScript name, else with this full name.
     [[nodiscard]] FontKey findByName(std::string_view name) const;
 
@@ -105,6 +108,8 @@ public:
 private:
     FontKey keyFor(std::string identity);
     FontKey noteUnlisted(const Face& face);
+    FontKey find(const Face& face) const;
+    bool says(const Face& face, const InstalledFace& font) const;
     FontKey findByStyle(const Face& face) const;
     FontKey findByPostScriptName(std::string_view name) const;
     FontKey findByFullName(const Face& face) const;

@@ -4,6 +4,8 @@
 #include "host/core/guard.h"
 #include "host/suites/textengine.h"
 
+#include <optional>
+
 namespace host {
 
 namespace {
@@ -56,9 +58,16 @@ SPErr replaceOrAddLocalCharFeatures(TextEngine& engine, ATE::TextRangeRef range,
         return kNoErr;
     }
     Document& document = engine.documents().find(runs->document)->document();
-    const Face face = engine.documents().fonts().catalogue().entry(set->font)->asFace();
+    const Catalogue& fonts = engine.documents().fonts().catalogue();
+    const std::optional<Face> face = fonts.asWritten(set->font);
+    if (!face) {
+        engine.core().frontend().reportError(
+            document.name() + ": keeps its fonts, as no names of a drawing say " +
+            fonts.entry(set->font)->face.fullName + " and no other font");
+        return kBadParameterErr;
+    }
     for (RunId run = runs->first; run < runs->end; ++run) {
-        document.replaceFace(run, face);
+        document.replaceFace(run, *face);
     }
     return kNoErr;
 }

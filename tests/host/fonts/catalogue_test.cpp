@@ -185,13 +185,53 @@ TEST_F(ACatalogue, FindsFacesByTheirNames) {
     EXPECT_EQ(catalogue_.entry(100000), nullptr);
 }
 
-TEST_F(ACatalogue, GivesFacesThatResolveToThemselves) {
+/// What is left of a face in a drawing.
+Face asRead(const Face& written) {
+    Face read = named(written.family, written.weight, written.slant, written.stretch);
+    read.postScriptName = read.family.find('-') == std::string::npos ? "" : read.family;
+    return read;
+}
+
+TEST_F(ACatalogue, WritesFontsSoThatTheyAreFoundAgain) {
+    const auto add = [this](const char* style, int weight, const char* legacyFamily) {
+        fonts_.push_back(face("Close", style, std::string("Close-") + style, weight));
+        if (legacyFamily != nullptr) {
+            fonts_.back().aliases = {{legacyFamily, "Regular"}};
+        }
+    };
+    add("Thin", 250, nullptr);
+    add("Light", 300, nullptr);
+    add("08Regular", 400, nullptr);
+    add("12Regular", 400, "Close 12");
+    add("Medium", 500, nullptr);
+    add("Retina", 450, nullptr);
+    catalogue_.refresh();
     for (const FontKey key : catalogue_.faces()) {
         const FontEntry& entry = *catalogue_.entry(key);
-        if (entry.face.postScriptName != "OldThing-T1") { // an older copy of another one
-            EXPECT_EQ(catalogue_.resolve(entry.asFace()), key) << entry.face.fullName;
-        }
+        const auto written = catalogue_.asWritten(key);
+        ASSERT_TRUE(written) << entry.face.fullName;
+        EXPECT_EQ(catalogue_.resolve(asRead(*written)), key) << entry.face.fullName;
     }
+}
+
+TEST_F(ACatalogue, WritesWhatMostProgramsReadWhereThatIsEnough) {
+    const struct {
+        const char* postScriptName;
+        const char* family;
+        int weight;
+    } cases[] = {{"DejaVuSans", "DejaVu Sans", 400}, // whose weight is 380
+                 {"Oswald-Bold", "Oswald", 700},
+                 {"Swash-ExtraFancy", "Swash", 400},
+                 {"OldThing-T1", "OldThing-T1", 400}}; // its names are also another font's
+    for (const auto& [postScriptName, family, weight] : cases) {
+        const auto written = catalogue_.asWritten(catalogue_.findByName(postScriptName));
+        ASSERT_TRUE(written) << postScriptName;
+        EXPECT_EQ(written->family, family);
+        EXPECT_EQ(written->weight, weight) << postScriptName;
+    }
+    const FontKey missing = catalogue_.resolve(named("Nowhere", 250));
+    EXPECT_EQ(catalogue_.asWritten(missing)->weight, 250);
+    EXPECT_FALSE(catalogue_.asWritten(noFont));
 }
 
 } // namespace
