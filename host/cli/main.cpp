@@ -52,10 +52,14 @@ int main(int argumentCount, char** arguments) {
         int exitStatus = host::exitSuccess;
         const auto options =
             host::readOptions(argumentCount, arguments, std::cout, std::cerr, exitStatus);
+        const auto print = [](const std::string& text) {
+            return static_cast<bool>(std::cout << text << std::flush);
+        };
         if (options && options->check) {
-            return host::runCheck(*options->check, options->locale, [](const std::string& text) {
-                return static_cast<bool>(std::cout << text << std::flush);
-            });
+            return host::runCheck(*options->check, options->locale, print);
+        }
+        if (options && options->replace) {
+            return host::runReplace(*options->replace, options->locale, print);
         }
         if (options) {
             return run(*options, start);

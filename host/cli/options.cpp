@@ -94,6 +94,33 @@ void declareCheck(CLI::App& app, CheckOptions& options, Options& shared) {
         ->type_name("CODE");
 }
 
+void declareReplace(CLI::App& app, ReplaceOptions& options, Options& shared) {
+    app.add_option("PATH", options.paths, "Drawings, and folders of drawings")->required();
+    app.add_option("--with", options.rules,
+                   "A replacement: a family, a family with a style or a PostScript name, and the "
+                   "name of an installed font or family; * and ? stand for other characters")
+        ->type_name("OLD=NEW")
+        ->allow_extra_args(false);
+    app.add_option("--table", options.tables, "A file of such replacements, one a line, # comments")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    auto* const output =
+        app.add_option("-o,--output", options.output,
+                       "Write the drawing here; several, or those of folders, into this folder")
+            ->type_name("PATH");
+    auto* const inPlace =
+        app.add_flag("--in-place", options.inPlace,
+                     "Replace the drawings themselves; the old ones stay beside as NAME.orig")
+            ->excludes(output);
+    app.add_flag("-n,--dry-run", options.dryRun, "Write nothing, show what would change")
+        ->excludes(output)
+        ->excludes(inPlace);
+    app.add_option("--locale", shared.locale,
+                   "Language and country of the texts in drawings that have them in several, such "
+                   "as de_DE (else from the environment)")
+        ->type_name("CODE");
+}
+
 // Who gives nothing but files wants them opened.
 void suggestOpening(const std::vector<std::string>& words, std::ostream& errors) {
     if (!words.empty() && std::filesystem::exists(words.front())) {
@@ -124,6 +151,9 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
     CLI::App* const check =
         app.add_subcommand("check", "Tell which fonts drawings miss, loading no plug-in");
     declareCheck(*check, checkOptions, options);
+    ReplaceOptions replaceOptions;
+    CLI::App* const replace = app.add_subcommand("replace", "Replace fonts in drawings by a table");
+    declareReplace(*replace, replaceOptions, options);
     try {
         app.parse(argumentCount, arguments);
         options.about = about->parsed();
@@ -133,8 +163,15 @@ std::optional<Options> readOptions(int argumentCount, const char* const* argumen
                 throw CLI::RequiredError("PATH... or --files-from");
             }
         }
+        if (replace->parsed()) {
+            options.replace = replaceOptions;
+            if (!replaceOptions.dryRun && !replaceOptions.inPlace && !replaceOptions.output) {
+                throw CLI::RequiredError("--output, --in-place or --dry-run");
+            }
+        }
         if (!options.selfTest && app.get_subcommands().empty()) {
-            throw CLI::RequiredError("open FILE..., check PATH..., about or --self-test");
+            throw CLI::RequiredError(
+                "open FILE..., check PATH..., replace PATH..., about or --self-test");
         }
         if (options.selfTest && !app.get_subcommands().empty()) {
             throw CLI::ExcludesError("--self-test", app.get_subcommands().front()->get_name());

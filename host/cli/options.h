@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/cli/checkcommand.h"
+#include "host/cli/replacecommand.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,10 +20,12 @@ struct Options {
     std::vector<std::filesystem::path> files;
     std::optional<std::filesystem::path> plugin; ///< else it is looked for
     bool noPlugin = false;
-    std::optional<CheckOptions> check; ///< check drawings, and nothing else of these but `locale`
-    bool about = false;                ///< show the plug-in's about box and quit; no files
-    bool selfTest = false;             ///< load everything and quit; no files
-    std::string locale;                ///< such as "de_DE"
+    // Of these two and `locale` nothing else counts.
+    std::optional<CheckOptions> check;
+    std::optional<ReplaceOptions> replace;
+    bool about = false;    ///< show the plug-in's about box and quit; no files
+    bool selfTest = false; ///< load everything and quit; no files
+    std::string locale;    ///< such as "de_DE"
     ReportFormat report = ReportFormat::Text;
     std::optional<std::filesystem::path> save; ///< where to write the one document
     std::filesystem::path saveThrough;         ///< another name of that place, if not empty

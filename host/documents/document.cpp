@@ -2,6 +2,8 @@
 // The document model's few operations; readers fill it and writers save it.
 #include "host/documents/document.h"
 
+#include "faces/namekey.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -15,6 +17,11 @@ std::string_view Document::text(const TextRun& run) const {
 
 std::string_view Document::idOf(const Art& frame) const {
     return std::string_view(parts_.ids).substr(frame.idStart, frame.idLength);
+}
+
+bool Document::embeds(std::string_view family) const {
+    return !parts_.embeddedFamilies.empty() &&
+           parts_.embeddedFamilies.contains(faces::nameKey(family));
 }
 
 std::span<const std::string> Document::laterFamilies(FaceId id) const {
@@ -81,6 +88,13 @@ FaceId Document::intern(const Face& face) {
     parts_.faces.push_back(face);
     givenFaces_.emplace(parts_.faces.back(), id);
     return id;
+}
+
+ChangedText Document::changedText() const {
+    if (!parts_.writer) {
+        throw DocumentError(parts_.name, "documents of this kind cannot be written");
+    }
+    return parts_.writer->change(*this);
 }
 
 void Document::save(const std::filesystem::path& file) const {

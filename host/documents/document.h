@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -56,12 +57,20 @@ struct TextRun {
     bool replaced = false; ///< its face is not the one that was read
 };
 
+/// A document's text as it was read, and as it would be saved; in UTF-8, unpacked.
+struct ChangedText {
+    std::string before;
+    std::string after;
+};
+
 /// Writes a document back to where its format puts it. Holds what the model does not: the source.
 class DocumentWriter {
 public:
     virtual ~DocumentWriter() = default;
     /// Writes atomically. Throws DocumentError when it cannot.
     virtual void save(const Document& document, const std::filesystem::path& file) const = 0;
+    /// See Document::changedText().
+    virtual ChangedText change(const Document& document) const = 0;
 };
 
 /// The parts of a document, as a reader puts them together.
@@ -73,6 +82,8 @@ struct DocumentParts {
     std::vector<Face> faces;
     /// By face, the families that stand behind its own in the list where it comes first.
     std::vector<std::vector<std::string>> laterFamilies;
+    /// Families of the fonts that the document brings along, used or not, by their nameKey().
+    std::unordered_set<std::string> embeddedFamilies;
     std::string text; ///< the text of all runs
     std::string ids;  ///< the ids of all text frames
     std::shared_ptr<const DocumentWriter> writer;
@@ -100,6 +111,8 @@ public:
     /// What the format calls a text frame, to find it by; may be empty. Valid as long as the
     /// document.
     std::string_view idOf(const Art& frame) const;
+    /// Whether the document brings a font of this family along, used or not.
+    [[nodiscard]] bool embeds(std::string_view family) const;
     /// The families that stand in for the face's, as the document wishes, the first before others:
     /// of a face that was read, those behind it where it comes first; else none.
     std::span<const std::string> laterFamilies(FaceId id) const;
@@ -121,6 +134,8 @@ public:
     /// DocumentError when it cannot; the file that stood there before is then still there, unless
     /// only its folder could not be synced.
     void save(const std::filesystem::path& file) const;
+    /// What saving it would change. Throws DocumentError when it cannot be saved.
+    [[nodiscard]] ChangedText changedText() const;
 
 private:
     /// What a run had before a step, or has after it, whichever it has not now.

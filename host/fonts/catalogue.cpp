@@ -203,12 +203,16 @@ FontKey Catalogue::find(const Face& face) const {
     }
     // A family that nobody has may be a PostScript name, whatever weight is asked for beside it:
     // programs write the weight of the face that they name so.
-    if (!byFamily_.contains(faces::nameKey(face.family))) {
+    if (!hasFamily(face.family)) {
         if (const FontKey key = findByPostScriptName(face.family); key != noFont) {
             return key;
         }
     }
     return findByFullName(face);
+}
+
+bool Catalogue::hasFamily(std::string_view family) const {
+    return byFamily_.contains(faces::nameKey(family));
 }
 
 bool Catalogue::says(const Face& face, const InstalledFace& font) const {
@@ -245,13 +249,13 @@ std::optional<Face> Catalogue::asWritten(FontKey key) const {
             return face;
         }
     }
-    Face plain; // names that say the style by themselves
-    plain.postScriptName = font.postScriptName;
+    constexpr int regular = 400; // of names that say the weight by themselves
     for (const InstalledFace::Alias& alias : font.aliases) {
-        for (const Face& look : {face, plain}) {
-            Face other = look;
+        for (const int weight : {regular, font.weight}) {
+            Face other = face;
             other.family = alias.family;
             other.style = alias.style;
+            other.weight = weight;
             if (says(other, font)) {
                 return other;
             }

@@ -92,6 +92,10 @@ public:
     /// same names always give the same key.
     [[nodiscard]] FontKey resolve(const Face& face);
 
+    /// As resolve() finds it among the desktop's fonts, else noFont.
+    [[nodiscard]] FontKey find(const Face& face) const;
+    [[nodiscard]] bool hasFamily(std::string_view family) const;
+
     /// The names and values by which a drawing says this font, and no other: those that resolve to
     /// it, or to the same face in another file, when they are read again. Weights that every
     /// program knows come first, then the font's own, its further names, and its PostScript name in
@@ -108,7 +112,6 @@ public:
 private:
     FontKey keyFor(std::string identity);
     FontKey noteUnlisted(const Face& face);
-    FontKey find(const Face& face) const;
     bool says(const Face& face, const InstalledFace& font) const;
     FontKey findByStyle(const Face& face) const;
     FontKey findByPostScriptName(std::string_view name) const;

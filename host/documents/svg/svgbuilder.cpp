@@ -2,6 +2,8 @@
 // Makes the document model of a parsed drawing: layers, art, frames, runs.
 #include "host/documents/svg/svgdrawing.h"
 
+#include "faces/namekey.h"
+
 #include <algorithm>
 #include <map>
 #include <utility>
@@ -26,6 +28,12 @@ public:
 
     Drawing run() {
         drawing_.parts.name = name_;
+        for (const auto* const families :
+             {&tree().embeddedFamilies, &drawing_.styles.sheets.embeddedFamilies()}) {
+            for (const std::string& family : *families) {
+                drawing_.parts.embeddedFamilies.insert(faces::nameKey(family));
+            }
+        }
         drawing_.runOfPiece.assign(tree().pieces.size(), noRun);
         declaredLayers_ = std::any_of(tree().elements.begin(), tree().elements.end(),
                                       [](const Element& element) { return element.layer; });

@@ -9,6 +9,13 @@
 
 namespace host::svg {
 
+ChangedText Writer::change(const Document& document) const {
+    if (!document.modified()) {
+        return {source_.text, source_.text};
+    }
+    return {source_.text, editFaces(source_.text, document, options_, source_.takesAll())};
+}
+
 void Writer::save(const Document& document, const std::filesystem::path& file) const {
     const std::string extension = file.extension().string();
     const bool gzip = css::equalsIgnoringCase(extension, ".svgz") ||

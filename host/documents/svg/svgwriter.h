@@ -17,6 +17,7 @@ public:
     Writer(Source source, const SvgOptions& options)
         : source_(std::move(source)), options_(options) {}
     void save(const Document& document, const std::filesystem::path& file) const override;
+    [[nodiscard]] ChangedText change(const Document& document) const override;
 
 private:
     Source source_;

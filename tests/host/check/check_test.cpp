@@ -72,6 +72,14 @@ TEST_F(ACheck, TellsOfEachFontOnce) {
     EXPECT_TRUE(drawing.lacksCharacters());
 }
 
+TEST_F(ACheck, TellsWhatEachListOfFamiliesIsDrawnIn) {
+    for (const char* const later : {"DejaVu Serif", "DejaVu Sans Mono"}) {
+        FaceUse gone = use("Gone");
+        gone.laterFamilies = {later};
+        EXPECT_EQ(check({gone}).faces.at(0).drawnIn.value().family, later);
+    }
+}
+
 TEST_F(ACheck, CountsOverAllDrawings) {
     EXPECT_FALSE(check({use("Here")}).missesFonts());
     check({use("Gone", 2), use("Rare", 9, U"\u4E2D")});
