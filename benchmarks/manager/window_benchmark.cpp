@@ -18,6 +18,8 @@
 #include <benchmark/benchmark.h>
 #include <ctime>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 
 using namespace manager;
@@ -86,11 +88,14 @@ CountingApplication& application() {
 class Shown {
 public:
     Shown() {
-        bool isRead = false;
-        window_.whenShown([&isRead] { isRead = true; });
+        std::optional<QString> ended;
+        window_.whenShown([&ended](const QString& problem) { ended = problem; });
         window_.show();
-        while (!isRead) {
+        while (!ended) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        if (!ended->isEmpty()) {
+            throw std::runtime_error(ended->toStdString());
         }
         QCoreApplication::processEvents(); // painted
     }

@@ -69,7 +69,7 @@ const std::vector<Folder>& folders() {
         {check, {orvil, "sdk", services, protocol, link, shell, document, dialogs}, check},
         {"system", {}, ""},
         {"faces", {"system"}, ""},
-        {previewPainting, {"preview"}, ""},
+        {previewPainting, {"preview", "system"}, ""},
         {"preview", {"system"}, ""},
         {hostCss, {hostModel}, ""},
         {hostSvg, {hostModel, hostCss, "system", "faces"}, ""},

@@ -95,7 +95,7 @@ TEST_F(AReplacement, TakesTheFaceOfAFamilyOrTheOneThatIsNamed) {
     }
 }
 
-TEST_F(AReplacement, RefusesADrawingThatCannotHaveTheFaceAndLeavesItAlone) {
+TEST_F(AReplacement, LeavesADrawingAloneThatCannotHaveTheFace) {
     const std::string old = "<text font-family='Fine'>f</text><text font-family='Old' "
                             "font-style='italic'>a</text>";
     const struct {
