@@ -25,8 +25,10 @@ bool Document::embeds(std::string_view family) const {
 }
 
 std::span<const std::string> Document::laterFamilies(FaceId id) const {
-    return id < parts_.laterFamilies.size() ? std::span<const std::string>(parts_.laterFamilies[id])
-                                            : std::span<const std::string>();
+    if (id >= parts_.listOfFace.size()) {
+        return {};
+    }
+    return parts_.laterFamilies[parts_.listOfFace[id]];
 }
 
 std::span<const TextRun> Document::runsOf(ArtId id) const {

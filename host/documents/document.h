@@ -80,8 +80,9 @@ struct DocumentParts {
     std::vector<Art> arts;
     std::vector<TextRun> runs;
     std::vector<Face> faces;
-    /// By face, the families that stand behind its own in the list where it comes first.
+    /// The families that stand behind the first of a list; by face, which list it comes first in.
     std::vector<std::vector<std::string>> laterFamilies;
+    std::vector<std::uint32_t> listOfFace;
     /// Families of the fonts that the document brings along, used or not, by their nameKey().
     std::unordered_set<std::string> embeddedFamilies;
     std::string text; ///< the text of all runs

@@ -273,16 +273,18 @@ private:
         if (added) {
             const auto [family, unknown] = families_.try_emplace(key.front());
             if (unknown) {
-                family->second = faceOfFamilies(tree(), drawing_.styles, key.front());
+                family->second = {faceOfFamilies(tree(), drawing_.styles, key.front()),
+                                  static_cast<std::uint32_t>(drawing_.parts.laterFamilies.size())};
+                drawing_.parts.laterFamilies.push_back(
+                    laterFamilies(drawing_.styles.texts[key.front()]));
             }
-            Face face = styledFace(family->second, look);
+            Face face = styledFace(family->second.face, look);
             // Different family lists may begin with the same family.
             const auto [same, newFace] = distinctFaces_.try_emplace(face, place->second);
             place->second = same->second;
             if (newFace) {
                 drawing_.parts.faces.push_back(std::move(face));
-                drawing_.parts.laterFamilies.push_back(
-                    laterFamilies(drawing_.styles.texts[key.front()]));
+                drawing_.parts.listOfFace.push_back(family->second.list);
             }
         }
         lastKey_ = key;
@@ -304,7 +306,11 @@ private:
     std::size_t allowance_;
     bool idsKnown_ = false;
     std::unordered_map<std::string_view, ElementId> elementOfId_;
-    std::unordered_map<std::uint32_t, Face> families_; ///< by number of the family list
+    struct FirstFamily {
+        Face face;
+        std::uint32_t list = 0; ///< in DocumentParts::laterFamilies
+    };
+    std::unordered_map<std::uint32_t, FirstFamily> families_; ///< by number of the family list
     std::map<std::array<std::uint32_t, 4>, FaceId> faces_;
     std::unordered_map<Face, FaceId, FaceHash> distinctFaces_;
     std::array<std::uint32_t, 4> lastKey_{noElement, 0, 0, 0};

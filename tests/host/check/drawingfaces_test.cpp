@@ -65,10 +65,12 @@ TEST_F(ADrawingsFaces, HaveTheFirstPlacesOfMany) {
 
 TEST_F(ADrawingsFaces, HaveTheFamiliesBehindThemWhereTheyComeFirst) {
     const auto faces = facesOf(R"(<text font-family="Lato, 'Open  Sans', serif">a</text>
-        <text font-family="Lato, Other">b</text><text font-family="Alone">c</text>)");
-    ASSERT_THAT(faces, SizeIs(2));
+        <text font-family="Lato, Other">b</text><text font-family="Alone">c</text>
+        <text font-family="Lato, Other" font-weight="bold">d</text>)");
+    ASSERT_THAT(faces, SizeIs(3));
     EXPECT_THAT(faces[0].laterFamilies, ElementsAre("Open  Sans", "serif"));
     EXPECT_THAT(faces[1].laterFamilies, IsEmpty());
+    EXPECT_THAT(faces[2].laterFamilies, ElementsAre("Other")) << "where the bold face comes first";
 }
 
 TEST_F(ADrawingsFaces, HaveEachCharacterBeyondAsciiOnceThatLeavesAMark) {
