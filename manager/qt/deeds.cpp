@@ -44,8 +44,7 @@ private:
     std::vector<GroupMember> members_; // a new index may give numbers anew
 };
 
-Deeds::Deeds(std::string program, LibraryReader& reader,
-             std::function<void(const QStringList&)> done)
+Deeds::Deeds(std::string program, LibraryReader& reader, Done done)
     : program_(std::move(program)), reader_(reader), done_(std::move(done)) {}
 
 void Deeds::finish() {
@@ -83,18 +82,20 @@ void Deeds::run(const QStringList& arguments, Taker take) {
     inTurn([this, arguments, take = std::move(take)] { start(arguments, take); });
 }
 
-void Deeds::work(LibraryReader::Work work) {
-    inTurn([this, work = std::move(work)] { startWork(work); });
+void Deeds::work(const QString& deed, LibraryReader::Work work) {
+    inTurn([this, deed, work = std::move(work)] { startWork(deed, work); });
 }
 
-void Deeds::startWork(LibraryReader::Work work) {
+void Deeds::startWork(const QString& deed, LibraryReader::Work work) {
     isBusy_ = true;
-    reader_.runNext([this, work = std::move(work)](Desk& desk) -> LibraryReader::Taker {
+    reader_.runNext([this, deed, work = std::move(work)](Desk& desk) -> LibraryReader::Taker {
         LibraryReader::Taker then;
         try {
             then = work(desk);
         } catch (const std::exception& error) {
-            then = [this, problem = QString::fromUtf8(error.what())] { done_({problem}); };
+            then = [this, deed, problem = QString::fromUtf8(error.what())] {
+                done_(deed, {problem});
+            };
         }
         return [this, then = std::move(then)] {
             isBusy_ = false;
@@ -108,7 +109,9 @@ void Deeds::start(const QStringList& arguments, Taker take, const QStringList& p
     isBusy_ = true;
     auto* const process = new QProcess(this);
     running_ = process;
-    const auto finish = [this, process, problems, take = std::move(take)](const QStringList& ends) {
+    const QString deed = arguments.join(QLatin1Char('\n'));
+    const auto finish = [this, process, deed, problems,
+                         take = std::move(take)](const QStringList& ends) {
         isBusy_ = false;
         running_ = nullptr;
         if (follow_) {
@@ -121,7 +124,7 @@ void Deeds::start(const QStringList& arguments, Taker take, const QStringList& p
             all.push_back(problem.toString());
         }
         process->deleteLater();
-        done_(all);
+        done_(deed, all);
         if (take) {
             take(done);
         }
@@ -183,7 +186,7 @@ void Deeds::change(bool on, const QStringList& containers) {
 }
 
 void Deeds::recordSwitch(bool on, const QJsonArray& switched) {
-    startWork([this, on, switched](Desk& desk) -> LibraryReader::Taker {
+    startWork({}, [this, on, switched](Desk& desk) -> LibraryReader::Taker {
         std::vector<GroupMember> members;
         for (const auto& item : switched) {
             const ContainerId id{item.toObject().value(QStringLiteral("id")).toInt()};
@@ -206,7 +209,7 @@ void Deeds::recordSwitch(bool on, const QJsonArray& switched) {
 }
 
 void Deeds::startSwitch(bool on, const std::vector<GroupMember>& members) {
-    startWork([this, on, members](Desk& desk) -> LibraryReader::Taker {
+    startWork({}, [this, on, members](Desk& desk) -> LibraryReader::Taker {
         QStringList numbers;
         QStringList problems;
         for (const GroupMember& member : members) {
@@ -220,7 +223,7 @@ void Deeds::startSwitch(bool on, const std::vector<GroupMember>& members) {
         }
         return [this, on, numbers, problems] {
             if (numbers.isEmpty()) {
-                done_(problems);
+                done_(problems.join(QLatin1Char('\n')), problems);
             } else {
                 start(QStringList{commands[on ? 1 : 0], "--json"} + numbers, {}, problems);
             }

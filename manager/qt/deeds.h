@@ -35,11 +35,12 @@ class Deeds : public QObject {
 public:
     /// What a command printed as JSON.
     using Taker = std::function<void(const QJsonObject& done)>;
+    /// `deed` is the same for the same deed.
+    using Done = std::function<void(const QString& deed, const QStringList& problems)>;
 
     /// `done` is called after each command, before its Taker, and after work that threw, with what
     /// went wrong.
-    Deeds(std::string program, LibraryReader& reader,
-          std::function<void(const QStringList& problems)> done);
+    Deeds(std::string program, LibraryReader& reader, Done done);
     /// Brings to its end what was begun, and what follows it; to be called before the rest of the
     /// window goes.
     void finish();
@@ -61,8 +62,8 @@ public:
     void redo();
     /// Runs a command, without undo.
     void run(const QStringList& arguments, Taker take = {});
-    /// Has the reader's thread do something.
-    void work(LibraryReader::Work work);
+    /// Has the reader's thread do something; `deed` is its name.
+    void work(const QString& deed, LibraryReader::Work work);
     /// Keeps what such work did, to be undone in its turn; to be called by what it gives. Takes it
     /// over.
     void record(QUndoCommand* command) { undo_.push(command); }
@@ -81,12 +82,12 @@ private:
     void startSwitch(bool on, const std::vector<GroupMember>& members);
     /// Keeps what was switched, to be undone in its turn.
     void recordSwitch(bool on, const QJsonArray& switched);
-    void startWork(LibraryReader::Work work);
+    void startWork(const QString& deed, LibraryReader::Work work);
     void readProgress();
 
     std::string program_;
     LibraryReader& reader_;
-    std::function<void(const QStringList&)> done_;
+    Done done_;
     std::function<void(const std::optional<DeedProgress>&)> follow_;
     QUndoStack undo_;
     bool isBusy_ = false;

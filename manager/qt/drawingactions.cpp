@@ -11,9 +11,6 @@
 #include <QMenu>
 #include <QStatusBar>
 
-#include <algorithm>
-#include <iterator>
-#include <memory>
 #include <set>
 #include <utility>
 
@@ -23,14 +20,6 @@ namespace {
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
-}
-
-QStringList problemsIn(const QJsonObject& done) {
-    QStringList problems;
-    const QJsonArray told = done.value(QStringLiteral("problems")).toArray();
-    std::transform(told.begin(), told.end(), std::back_inserter(problems),
-                   [](const auto& problem) { return problem.toString(); });
-    return problems;
 }
 
 /// What a collection of their fonts is called.
@@ -48,9 +37,8 @@ void LibraryWindow::bring(const QStringList& paths) {
     for (const QString& path : paths) {
         (isDrawing(path) ? drawings : others).push_back(path);
     }
-    auto problems = std::make_shared<QStringList>(); // of the first, while the second is done
     if (!others.empty()) {
-        add(others, [problems](const QJsonObject& done) { *problems = problemsIn(done); });
+        add(others);
     }
     if (drawings.empty()) {
         return;
@@ -59,12 +47,7 @@ void LibraryWindow::bring(const QStringList& paths) {
     deeds_.run(QStringList{QStringLiteral("read-drawings"), QStringLiteral("--json"),
                            QStringLiteral("--")} +
                    drawings,
-               [this, drawings, problems](const QJsonObject& read) {
-                   takeDrawings(drawings, read);
-                   if (!problems->isEmpty()) {
-                       tell(*problems + problemsIn(read));
-                   }
-               });
+               [this, drawings](const QJsonObject& read) { takeDrawings(drawings, read); });
 }
 
 void LibraryWindow::takeDrawings(const QStringList& files, const QJsonObject& read) {
@@ -82,8 +65,9 @@ void LibraryWindow::takeDrawings(const QStringList& files, const QJsonObject& re
     }
     if (!fonts.empty()) {
         showDrawing(std::move(fonts), nameOf(files));
-    } else if (problemsIn(read).isEmpty() && read.contains(QStringLiteral("fonts"))) {
-        tell({text(translated("The drawing needs no fonts but those that it brings along."))});
+    } else if (read.value(QStringLiteral("problems")).toArray().isEmpty() &&
+               read.contains(QStringLiteral("fonts"))) {
+        tell(text(translated("The drawing needs no fonts but those that it brings along.")));
     }
 }
 

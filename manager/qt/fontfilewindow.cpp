@@ -65,7 +65,7 @@ FontFileWindow::FontFileWindow(const WindowOptions& options, std::vector<std::st
                       std::exchange(whenRead_, {})(problem);
                   }
               }),
-      deeds_(options.program, reader_, [this](const QStringList& problems) {
+      deeds_(options.program, reader_, [this](const QString&, const QStringList& problems) {
           tell(problems);
           readStandings();
       }) {

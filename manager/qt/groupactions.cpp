@@ -152,7 +152,7 @@ void LibraryWindow::keepOne() {
         }
     }
     if (others.empty()) {
-        tell({text(translated("Each copy of it lies among fonts that are nowhere else."))});
+        tell(text(translated("Each copy of it lies among fonts that are nowhere else.")));
         return;
     }
     // Commands ask for it by name, and users may change their language: it is not translated.

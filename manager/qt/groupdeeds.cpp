@@ -27,46 +27,50 @@ public:
         : QUndoCommand(text), deeds_(deeds),
           state_(std::make_shared<GroupDeeds::State>(std::move(back))) {}
 
-    void undo() override { deeds_.deeds_.startWork(deeds_.turn(state_, true)); }
+    void undo() override { start(true); }
     void redo() override {
         if (!std::exchange(isNew_, false)) {
-            deeds_.deeds_.startWork(deeds_.turn(state_, false));
+            start(false);
         }
     }
 
 private:
+    void start(bool back) { deeds_.deeds_.startWork(text(), deeds_.turn(text(), state_, back)); }
+
     GroupDeeds& deeds_;
     bool isNew_ = true;
     std::shared_ptr<GroupDeeds::State> state_;
 };
 
-LibraryReader::Work GroupDeeds::turn(const std::shared_ptr<State>& state, bool back) {
-    return [this, places = places_, state, back](Desk&) -> std::function<void()> {
+LibraryReader::Work GroupDeeds::turn(const QString& deed, const std::shared_ptr<State>& state,
+                                     bool back) {
+    return [this, deed, places = places_, state, back](Desk&) -> std::function<void()> {
         if (state->isDone == back) {
             state->next = changeGroup(places, state->next);
             state->isDone = !back;
         }
-        return [this] { changed_(); };
+        return [this, deed] { changed_(deed); };
     };
 }
 
 void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
                        const QString& text) {
-    deeds_.work([this, places = places_, containers, make = std::move(make), text](Desk& desk) {
-        std::vector<GroupMember> members;
-        for (const std::int32_t id : containers) {
-            if (const auto container = desk.library().container(ContainerId{id})) {
-                members.push_back(memberOf(*container));
-            }
-        }
-        GroupChange back = changeGroup(places, make(std::move(members)));
-        return [this, back = std::move(back), text] {
-            if (!back.isEmpty()) { // else what was undone could not be done again
-                deeds_.record(new GroupDeed(*this, back, text));
-            }
-            changed_();
-        };
-    });
+    deeds_.work(text,
+                [this, places = places_, containers, make = std::move(make), text](Desk& desk) {
+                    std::vector<GroupMember> members;
+                    for (const std::int32_t id : containers) {
+                        if (const auto container = desk.library().container(ContainerId{id})) {
+                            members.push_back(memberOf(*container));
+                        }
+                    }
+                    GroupChange back = changeGroup(places, make(std::move(members)));
+                    return [this, back = std::move(back), text] {
+                        if (!back.isEmpty()) { // else what was undone could not be done again
+                            deeds_.record(new GroupDeed(*this, back, text));
+                        }
+                        changed_(text);
+                    };
+                });
 }
 
 void GroupDeeds::add(const GroupTitle& title, const std::vector<std::int32_t>& containers) {

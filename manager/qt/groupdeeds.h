@@ -15,8 +15,8 @@ namespace manager {
 /// [main-thread]
 class GroupDeeds {
 public:
-    /// `changed` is called after each change.
-    GroupDeeds(Places places, Deeds& deeds, std::function<void()> changed)
+    /// `changed` is called after each change, with what it is called.
+    GroupDeeds(Places places, Deeds& deeds, std::function<void(const QString& deed)> changed)
         : places_(std::move(places)), deeds_(deeds), changed_(std::move(changed)) {}
 
     /// Puts containers in; the group is made if need be.
@@ -39,11 +39,12 @@ private:
         bool isDone = true; ///< it is the former
     };
     /// Makes the change that is next, if it goes `back` or not as is asked for.
-    [[nodiscard]] LibraryReader::Work turn(const std::shared_ptr<State>& state, bool back);
+    [[nodiscard]] LibraryReader::Work turn(const QString& deed, const std::shared_ptr<State>& state,
+                                           bool back);
 
     Places places_;
     Deeds& deeds_;
-    std::function<void()> changed_;
+    std::function<void(const QString&)> changed_;
 };
 
 } // namespace manager

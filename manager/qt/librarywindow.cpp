@@ -12,6 +12,7 @@
 #include <QEventLoop>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <map>
@@ -25,6 +26,10 @@ namespace {
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
 }
+
+// What can go wrong but is no command.
+const auto askedDeed = QStringLiteral("asked");
+const auto setsDeed = QStringLiteral("sets");
 
 /// Adds to equal names what tells them apart: the file's, or where it lies.
 void tellApart(std::vector<ShownFace>& faces) {
@@ -52,12 +57,14 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     : places_(options.places), keeps_(options.pictures.empty()),
       reader_(options.places, [this](const QString& problem) { fail(problem); }),
       deeds_(options.program, reader_,
-             [this](const QStringList& problems) {
-                 tell(problems);
+             [this](const QString& deed, const QStringList& problems) {
+                 statusBar()->clearMessage();
+                 problems_->show(deed, problems);
                  read(); // also what was refused, as it is
              }),
-      groupDeeds_(options.places, deeds_, [this] {
-          tell({});
+      groupDeeds_(options.places, deeds_, [this](const QString& deed) {
+          statusBar()->clearMessage();
+          problems_->show(deed, {});
           readSets();
       }) {
     setWindowTitle(text(translated("Glyphora Font Library")));
@@ -73,7 +80,13 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     splitter_->setStretchFactor(2, 2);
     splitter_->setSizes({220, 545, 415});
     splitter_->setChildrenCollapsible(false);
-    setCentralWidget(splitter_);
+    auto* const middle = new QWidget(this);
+    auto* const column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(splitter_, 1);
+    problems_ = new ProblemList(middle);
+    column->addWidget(problems_);
+    setCentralWidget(middle);
     auto* const progress = new ProgressLine([this] { deeds_.cancel(); }, this);
     deeds_.follow([progress](const auto& deed) { progress->show(deed); });
     statusBar()->addPermanentWidget(progress);
@@ -114,8 +127,9 @@ void LibraryWindow::take(const WindowRequest& request) {
     if (!request.command.empty()) {
         try {
             showDrawing(parseCommand(request.command).fonts, text(translated("Drawing")));
+            problems_->show(askedDeed, {});
         } catch (const Error& error) {
-            tell({QString::fromUtf8(error.what())});
+            problems_->show(askedDeed, {QString::fromUtf8(error.what())});
         }
     } else if (!request.search.empty()) {
         isDrawingAwaited_ = false;
@@ -190,9 +204,10 @@ void LibraryWindow::readSets() {
         }
         return [this, groups = std::move(groups), folders = std::move(folders), problem] {
             if (problem.isEmpty()) {
+                problems_->show(setsDeed, {});
                 takeSets(groups, folders);
             } else {
-                tell({problem});
+                problems_->show(setsDeed, {problem});
                 takeSets(groups_, folders_); // as they were
             }
         };
@@ -221,6 +236,7 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
     if (!isNew) {
         return;
     }
+    problems_->show(readDeed(), {});
     offerTags();
     reader_.drop(std::move(before));
     if (whenShown_) {

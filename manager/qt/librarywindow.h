@@ -9,6 +9,7 @@
 #include "manager/qt/groupdeeds.h"
 #include "manager/qt/libraryreader.h"
 #include "manager/qt/listposition.h"
+#include "manager/qt/problemlist.h"
 #include "manager/qt/sidebar.h"
 #include "manager/view/window.h"
 
@@ -56,6 +57,7 @@ public:
     [[nodiscard]] Deeds& deeds() { return deeds_; }
     [[nodiscard]] GroupDeeds& groupDeeds() { return groupDeeds_; }
     [[nodiscard]] FacePane& pane() { return *pane_; }
+    [[nodiscard]] ProblemList& problems() { return *problems_; }
     /// Why the list is empty, and the button of what to do then.
     [[nodiscard]] QString empty() const { return empty_->text(); }
     [[nodiscard]] QPushButton& way() { return *way_; }
@@ -110,7 +112,7 @@ private:
     [[nodiscard]] QString whyNotSwitched() const;
     void addFolder();
     void addFiles();
-    void add(const QStringList& paths, Deeds::Taker take = {});
+    void add(const QStringList& paths);
     /// Adds what was dropped, and shows what drawings among it use.
     void bring(const QStringList& paths);
     void takeDrawings(const QStringList& files, const QJsonObject& read);
@@ -120,7 +122,10 @@ private:
     void makeDrawingAction(QMenu& fonts);
     void showDrawingAction();
     void collect();
-    void tell(const QStringList& problems);
+    /// Of `problems_`.
+    static QString readDeed() { return QStringLiteral("read"); }
+    /// In passing.
+    void tell(const QString& text);
     void showCount();
 
     Places places_;
@@ -149,6 +154,7 @@ private:
     ListPosition recalled_;           ///< of the run before, until there are rows
     FaceDelegate* delegate_ = nullptr;
     FacePane* pane_ = nullptr;
+    ProblemList* problems_ = nullptr;
     LibraryFaces libraryFaces_{reader_}; ///< only refers to it
     QLabel* count_ = nullptr;
     QSplitter* splitter_ = nullptr;

@@ -113,7 +113,7 @@ void LibraryWindow::toggleChosen() {
     if (canBeOn || !chosenContainers(true).empty()) {
         switchChosen(canBeOn);
     } else {
-        tell({whyNotSwitched()});
+        tell(whyNotSwitched());
     }
 }
 
@@ -136,11 +136,10 @@ void LibraryWindow::addFiles() {
     }
 }
 
-void LibraryWindow::add(const QStringList& paths, Deeds::Taker take) {
+void LibraryWindow::add(const QStringList& paths) {
     statusBar()->showMessage(text(translated("Reading the fonts…")));
     deeds_.run(QStringList{QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--")} +
-                   paths,
-               std::move(take));
+               paths);
 }
 
 void LibraryWindow::collect() {
@@ -169,20 +168,16 @@ void LibraryWindow::collect() {
                [this, folder](const QJsonObject& done) {
                    const auto count = done.value(QStringLiteral("collected")).toArray().size();
                    if (count != 0 && done.value(QStringLiteral("problems")).toArray().isEmpty()) {
-                       tell({text(translated("%1 font file copied to %2, with a list of licences",
-                                             "%1 font files copied to %2, with a list of licences",
-                                             static_cast<std::size_t>(count)))
-                                 .arg(folder)});
+                       tell(text(translated("%1 font file copied to %2, with a list of licences",
+                                            "%1 font files copied to %2, with a list of licences",
+                                            static_cast<std::size_t>(count)))
+                                .arg(folder));
                    }
                });
 }
 
-void LibraryWindow::tell(const QStringList& problems) {
-    if (problems.isEmpty()) {
-        statusBar()->clearMessage();
-    } else {
-        statusBar()->showMessage(problems.join(QStringLiteral("; ")));
-    }
+void LibraryWindow::tell(const QString& text) {
+    statusBar()->showMessage(text);
 }
 
 } // namespace manager

@@ -53,13 +53,13 @@ void LibraryWindow::setEmpty(const QString& why, const std::string& way,
 }
 
 void LibraryWindow::fail(const QString& problem) {
-    tell({problem});
+    problems_->show(readDeed(), {problem});
     if (view_ != nullptr) {
         return; // it is shown as it was
     }
     setEmpty(text(translated("The library cannot be read.")) + QStringLiteral("\n\n") + problem,
              translated("Try Again"), [this] {
-                 tell({});
+                 problems_->show(readDeed(), {});
                  way_->setEnabled(false);
                  read();
              });

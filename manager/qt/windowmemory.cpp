@@ -57,8 +57,9 @@ SidebarPlace readPlace(const Settings& settings) {
 void LibraryWindow::recall() {
     const Settings settings;
     if (settings.status() != QSettings::NoError) {
-        tell({text(translated("%1 cannot be read: the window begins as new"))
-                  .arg(settings.fileName())});
+        problems_->show(QStringLiteral("settings"),
+                        {text(translated("%1 cannot be read: the window begins as new"))
+                             .arg(settings.fileName())});
         return;
     }
     restoreGeometry(settings.value(key("geometry")).toByteArray());

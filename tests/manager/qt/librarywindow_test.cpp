@@ -413,7 +413,7 @@ TEST_F(TheLibrarysWindow, ListsADrawingThoughAReadingComesFirst) {
     open();
     ASSERT_TRUE(finishDeeds()); // after which the library is read, without the drawing
     std::promise<void> isRead;
-    window_->deeds().work([&](Desk&) {
+    window_->deeds().work({}, [&](Desk&) {
         isRead.set_value();
         return [] {};
     });

@@ -102,7 +102,10 @@ protected:
     /// Whether the window comes to tell all of these; what it tells last may come after what it
     /// shows.
     testing::AssertionResult awaitTold(const std::vector<std::string>& parts) {
-        const auto told = [this] { return window_->statusBar()->currentMessage().toStdString(); };
+        const auto told = [this] {
+            return (window_->problems().text() + '\n' + window_->statusBar()->currentMessage())
+                .toStdString();
+        };
         const auto isTold = [&](const std::string& part) {
             return told().find(part) != std::string::npos;
         };

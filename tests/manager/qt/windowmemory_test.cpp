@@ -82,7 +82,7 @@ TEST_F(AWindowOpenedAgain, BeginsAsNewWhereItsSettingsMeanNothing) {
         std::filesystem::create_directories(std::filesystem::path(file_).parent_path());
         writeBytes(file_, settings);
         open();
-        EXPECT_EQ(window_->statusBar()->currentMessage().toStdString().starts_with(file_), isTold);
+        EXPECT_EQ(window_->problems().text().toStdString().starts_with(file_), isTold);
         EXPECT_EQ(window_->model().rowCount(), 2);
         EXPECT_TRUE(window_->searchField().text().isEmpty());
         EXPECT_TRUE(window_->filters().values().empty());
