@@ -18,8 +18,9 @@ using testing::IsEmpty;
 
 TEST(TheDrawingsOfAFolder, AreFoundByNameAndContentAtAnyDepthInOrder) {
     const testsupport::TemporaryFolder folder;
-    for (const char* const name : {"b.svg", "a.SVG", "z.svgz", "y.svg.gz", "sub/deep/c.svg",
-                                   "sub/b.svg", "svg.txt", "a.svg.bak", "x.gz"}) {
+    for (const char* const name :
+         {"b.svg", "a.SVG", "z.svgz", "y.svg.gz", "sub/deep/c.svg", "sub/b.svg", "svg.txt",
+          "a.svg.bak", "x.gz", "w/1.svg", "v/2.svg", "u/3.svg", "t/4.svg", "r/5.svg"}) {
         folder.write(name, "nothing");
     }
     folder.write("named-otherwise", "<?xml version='1.0'?>\n<svg xmlns='x'>");
@@ -35,9 +36,9 @@ TEST(TheDrawingsOfAFolder, AreFoundByNameAndContentAtAnyDepthInOrder) {
     for (const auto& path : found) {
         names.push_back(path.lexically_relative(folder.path()).string());
     }
-    EXPECT_THAT(names,
-                ElementsAre("x.gz", "a.SVG", "b.svg", "link.svg", "named-otherwise", "y.svg.gz",
-                            "z.svgz", "sub/b.svg", "sub/deep/c.svg", "", "not there"));
+    EXPECT_THAT(names, ElementsAre("x.gz", "a.SVG", "b.svg", "link.svg", "named-otherwise",
+                                   "y.svg.gz", "z.svgz", "r/5.svg", "sub/b.svg", "sub/deep/c.svg",
+                                   "t/4.svg", "u/3.svg", "v/2.svg", "w/1.svg", "", "not there"));
     EXPECT_THAT(problems, IsEmpty());
 }
 
