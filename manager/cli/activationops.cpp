@@ -18,6 +18,7 @@
 #include "manager/library/cancel.h"
 #include "manager/library/error.h"
 #include "manager/library/folders.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -178,11 +179,12 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
         checkCancelled();
         const bool active = activation.isActive(container);
         if (container.away && !active) {
-            tally.fail(called(container) + ": its folder is away");
+            tally.fail(called(container) + ": " + translated("its folder is away"));
             continue;
         }
         if (container.shownByDesktop && !active) {
-            tally.remark(called(container) + ": the desktop shows it without being activated");
+            tally.remark(called(container) + ": " +
+                         translated("the desktop shows it without being activated"));
             continue;
         }
         fonts.push_back(wholeOf(container, {reason}, finder.library(), activation,

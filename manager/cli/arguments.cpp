@@ -20,7 +20,9 @@
 #include "manager/cli/tally.h"
 #include "manager/library/database.h"
 #include "manager/library/error.h"
+#include "manager/view/texts.h"
 #include "manager/view/window.h"
+#include "system/translation.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -57,6 +59,7 @@ struct Options {
     bool all = false;
     bool quiet = false;
     bool progress = false;
+    bool translated = false;
     bool verbose = false;
 
     [[nodiscard]] Reason reason() const {
@@ -75,6 +78,8 @@ public:
     CommandLine() {
         app_.require_subcommand(1);
         setHelp(app_);
+        app_.add_flag("--translated", options_.translated,
+                      "Tell problems in the language of the locale");
         app_.set_version_flag("--version", "glyphora " GLYPHORA_VERSION, "Print the version");
         addLibraryCommands();
         addActivationCommands();
@@ -98,6 +103,9 @@ public:
                 printJson({{"problems", nlohmann::json::array({problem})}});
             }
             return exitUsage;
+        }
+        if (options_.translated) {
+            chooseLanguage(sys::localeOfEnvironment());
         }
         if (options_.progress) {
             setProgress(ProgressForm::Lines);

@@ -12,6 +12,7 @@
 #include "manager/library/folders.h"
 #include "manager/library/fontreader.h"
 #include "manager/library/library.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -83,7 +84,8 @@ public:
         if (twin.empty()) {
             copy(file, font);
         } else {
-            tally_.remark(file + ": is in the library already, as " + twin);
+            tally_.remark(file + ": " +
+                          filled(translated("is in the library already, as %1"), {twin}));
         }
     }
 
@@ -155,7 +157,7 @@ private:
                           (known == 1 ? "its font is" : "its " + counted(known, "font") + " are") +
                           " in the library already, as " + twin);
         } else if (fonts == 0) {
-            tally_.fail(archive + ": there is no font file in it");
+            tally_.fail(archive + ": " + translated("there is no font file in it"));
         }
     }
 
@@ -270,9 +272,9 @@ bool bringFiles(const Places& places, const std::vector<std::string>& files, Tal
         } else if (hasArchiveName(file)) {
             archives.push_back(file);
         } else {
-            tally.fail(
-                file +
-                ": cannot be added: neither a folder nor a font file nor an archive by its name");
+            tally.fail(file + ": " +
+                       translated("cannot be added: neither a folder nor a font file nor an "
+                                  "archive by its name"));
         }
     }
     makeFolders(places.singleFonts());
@@ -287,7 +289,7 @@ bool bringFiles(const Places& places, const std::vector<std::string>& files, Tal
             attempt(tally, [&] { bringing.takeArchive(archive); });
         }
     } catch (const Cancelled&) {
-        tally.fail("cancelled: of the files only what was told of was added");
+        tally.fail(translated("cancelled: of the files only what was told of was added"));
     }
     if (!bringing.isAnyTaken()) {
         return false;

@@ -12,6 +12,7 @@
 #include "manager/cli/tally.h"
 #include "manager/library/cancel.h"
 #include "manager/library/error.h"
+#include "manager/view/texts.h"
 #include "system/cuttext.h"
 
 #include <algorithm>
@@ -34,11 +35,13 @@ public:
             wanted_ = wanted_.parent_path(); // it ends in a slash
         }
         if (fs::exists(fs::symlink_status(wanted_))) {
-            throw Error(wanted_.string() + ": is there already; collect makes a new folder");
+            throw Error(wanted_.string() + ": " +
+                        translated("is there already; collect makes a new folder"));
         }
         if (!fs::is_directory(wanted_.parent_path())) {
-            throw Error(wanted_.string() + ": cannot be made: there is no folder " +
-                        wanted_.parent_path().string());
+            throw Error(wanted_.string() + ": " +
+                        filled(translated("cannot be made: there is no folder %1"),
+                               {wanted_.parent_path().string()}));
         }
         std::string name =
             (wanted_.parent_path() / ("." + wanted_.filename().string() + ".XXXXXX")).string();

@@ -3,6 +3,7 @@
 
 #include "faces/namekey.h"
 #include "manager/library/error.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,8 +16,10 @@ namespace {
 
 void rename(Groups& groups, Group& group, const std::string& name) {
     if (findGroup(groups, group.kind, name) != nullptr) {
-        throw Error(name + ": there is already a " + std::string(wordOf(group.kind)) +
-                    " of this name");
+        throw Error(name + ": " +
+                    (group.kind == GroupKind::Tag
+                         ? translated("there is already a tag of this name")
+                         : translated("there is already a collection of this name")));
     }
     group.name = name;
 }

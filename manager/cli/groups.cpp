@@ -5,6 +5,7 @@
 
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <array>
@@ -120,8 +121,10 @@ Group* findGroup(Groups& groups, GroupKind kind, std::string_view name) {
 Group& existingGroup(Groups& groups, const GroupTitle& title) {
     Group* group = findGroup(groups, title.kind, title.name);
     if (group == nullptr) {
-        throw Error(title.name + ": there is no " + std::string(wordOf(title.kind)) +
-                    " of this name");
+        throw Error(title.name + ": " +
+                    (title.kind == GroupKind::Tag
+                         ? translated("there is no tag of this name")
+                         : translated("there is no collection of this name")));
     }
     return *group;
 }

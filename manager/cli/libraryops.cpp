@@ -108,7 +108,7 @@ bool changeFolders(const Places& places, const std::vector<std::string>& folders
         try {
             const auto paths = change(places, std::span(&folder, 1));
             if (paths.empty()) {
-                tally.remark(folder + ": is in the library already");
+                tally.remark(folder + ": " + translated("is in the library already"));
             }
             for (const std::string& path : paths) {
                 tally.add(std::string(deed) + " " + path, {{"path", path}});

@@ -149,6 +149,7 @@ void Deeds::start(const QStringList& arguments, Taker take, const QStringList& p
             follow_(DeedProgress{words.front()});
         }
     }
+    words.prepend(QStringLiteral("--translated"));
     process->start(QString::fromStdString(program_), words);
 }
 

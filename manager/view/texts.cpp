@@ -27,4 +27,18 @@ std::string translated(const char* one, const char* several, std::size_t number)
     return text;
 }
 
+std::string filled(std::string_view text, std::initializer_list<std::string_view> values) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+        if (text[i] == '%' && next > '0' && next <= '9') {
+            result += values.begin()[next - '1'];
+            ++i;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
 } // namespace manager

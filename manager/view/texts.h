@@ -2,7 +2,9 @@
 // The window's texts in the user's language, where there is a message catalogue of it.
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace manager {
 
@@ -13,5 +15,8 @@ void chooseLanguage(const std::string& locale);
 [[nodiscard]] std::string translated(const char* text);
 /// [main-thread] The form that goes with `number`, in which "%1" stands for it.
 [[nodiscard]] std::string translated(const char* one, const char* several, std::size_t number);
+/// `text` with `values` in place of its "%1", "%2" and so on; there is one for each.
+[[nodiscard]] std::string filled(std::string_view text,
+                                 std::initializer_list<std::string_view> values);
 
 } // namespace manager

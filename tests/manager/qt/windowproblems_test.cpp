@@ -105,6 +105,22 @@ TEST_F(TheWindowsProblems, AreHeardReadCopiedAndClosedByKeys) {
     EXPECT_FALSE(problems.isVisible());
 }
 
+TEST_F(TheWindowsProblems, AreInTheUsersLanguage) {
+    const testsupport::Variable locale("LC_ALL", "de_DE.UTF-8");
+    open();
+    const std::string odd = sandbox_.write("../outside/%1.odt", "no font");
+    window_->deeds().run({QStringLiteral("collection"), QStringLiteral("remove"),
+                          QStringLiteral("--json"), QStringLiteral("mine"),
+                          QStringLiteral("Beta")});
+    add(sandbox_.library());
+    add(odd);
+    EXPECT_THAT(told(), testing::ElementsAre(
+                            "mine: eine Sammlung dieses Namens gibt es nicht",
+                            sandbox_.library() + ": ist schon in der Bibliothek",
+                            odd + ": kann nicht hinzugefügt werden: weder ein Ordner noch, dem "
+                                  "Namen nach, eine Schriftdatei oder ein Archiv"));
+}
+
 TEST_F(TheWindowsProblems, CanBeReadOnLightAndDark) {
     open();
     for (const Qt::GlobalColor ground : {Qt::white, Qt::black, Qt::darkGray}) {
