@@ -39,9 +39,11 @@ TEST_F(TheCheckCommand, PrintsALineForEachDrawingAndASummary) {
                              "  missing face +drawings +texts +drawn in\n"
                              "  No Such Face Bold +1 +1 +[^\n]+\n"));
     EXPECT_THAT(result.errors, MatchesRegex("error: " + bad + ":1[^\n]*\n"));
+    write("d/sign.svg", "<svg xmlns='http://www.w3.org/2000/svg'><text>x&#x10FF00;</text></svg>");
     const ProgramResult missing = run({"check", "--missing-only", folder / "d"});
-    EXPECT_THAT(missing.output, AllOf(Not(HasSubstr("a.svg")), HasSubstr("b.svg"),
-                                      Not(HasSubstr("none.svg")), HasSubstr("odd.svg")));
+    EXPECT_THAT(missing.output,
+                AllOf(Not(HasSubstr("a.svg")), HasSubstr("b.svg"), Not(HasSubstr("none.svg")),
+                      HasSubstr("odd.svg"), HasSubstr("none missing; no font has U+10FF00 ")));
 }
 
 TEST_F(TheCheckCommand, TellsMissingFontsAndUnreadableDrawingsApart) {

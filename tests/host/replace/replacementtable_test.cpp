@@ -24,7 +24,7 @@ std::string ruled(const ReplacementTable& table, const Face& of) {
 
 TEST(AReplacementTable, HasTheFirstRuleForANameInAnyForm) {
     std::istringstream text("# a comment = none\n\n  Arial Black =  Lato Black \r\n"
-                            "arial=Lato\nMyriadPro-Semi*=Open Sans\n[Odd?*=x = y\nf?? = Short\n");
+                            "arial=Lato\nMyriadPro-Semi*=Open Sans\n[Odd]?*=x = y\nf?? = Short\n");
     ReplacementTable table;
     table.read(text, "t");
     const struct {
@@ -38,8 +38,8 @@ TEST(AReplacementTable, HasTheFirstRuleForANameInAnyForm) {
         {face("Myriad Pro", "Semibold Italic"), "Open Sans by t:5"},
         {face("Anything", "Bold", "MyriadPro-SemiCn"), "Open Sans by t:5"},
         {face("Myriad Pro", "Bold"), ""},
-        {face("[Odd1", ""), "x = y by t:6"},
-        {face("O", ""), ""},
+        {face("[Odd]1", ""), "x = y by t:6"},
+        {face("O1", ""), ""},
         {face("Foo", "Bold"), "Short by t:7"},
         {face("Fooo", "Bold"), ""},
     };

@@ -105,6 +105,8 @@ TEST_F(AReplacement, LeavesADrawingAloneThatCannotHaveTheFace) {
     } cases[] = {
         {old, "Old=Nothing", "d.svg: the desktop has no font Nothing (t:1)"},
         {old, "Old=New", "d.svg: the desktop has New, but not in Italic for Old Italic (t:1)"},
+        {"<text font-family='Rob-Black'>a</text>", "Rob-Black=New",
+         "but not in Black for Rob-Black"},
         {"<style>@font-face { font-family: new; src: url(data:,x) }</style>"
          "<text font-family='Old'>a</text>",
          "Old=New", "brings a family New along"},
@@ -119,6 +121,15 @@ TEST_F(AReplacement, LeavesADrawingAloneThatCannotHaveTheFace) {
         }
         EXPECT_FALSE(document.modified());
     }
+}
+
+TEST_F(AReplacement, IsOneStep) {
+    Document document = drawing("<text font-family='A'>a</text><text font-family='B'>b</text>");
+    EXPECT_EQ(replaced(document, {"A=New"}).size(), 1U);
+    EXPECT_EQ(replaced(document, {"B=New"}).size(), 1U);
+    EXPECT_TRUE(document.undo());
+    EXPECT_EQ(document.faceOf(document.run(0)).family, "New");
+    EXPECT_EQ(document.faceOf(document.run(1)).family, "B");
 }
 
 TEST_F(AReplacement, LeavesFacesThatTheDrawingBringsAlong) {
