@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -47,10 +48,17 @@ bool hasManyAttributes(std::string_view tag) {
     return false;
 }
 
+xmlParserCtxtPtr newContext() {
+    // The library prepares itself when it is first used, which threads must not do together.
+    static std::once_flag prepared;
+    std::call_once(prepared, xmlInitParser);
+    return xmlNewParserCtxt();
+}
+
 } // namespace
 
 Scanner::Scanner(const std::string& source, std::string_view name, const ScanLimits& limits)
-    : source_(source), name_(name), limits_(limits), context_(xmlNewParserCtxt()) {
+    : source_(source), name_(name), limits_(limits), context_(newContext()) {
     if (!context_) {
         throw std::bad_alloc();
     }
