@@ -94,7 +94,11 @@ std::vector<fs::path> findDrawings(const std::vector<fs::path>& paths,
 }
 
 std::vector<fs::path> readPathList(std::istream& list) {
-    const std::string text{std::istreambuf_iterator<char>(list), {}};
+    std::string text;
+    std::array<char, 65536> part{};
+    while (list.read(part.data(), part.size()) || list.gcount() > 0) {
+        text.append(part.data(), static_cast<std::size_t>(list.gcount()));
+    }
     const char end = text.find('\0') == std::string::npos ? '\n' : '\0';
     std::vector<fs::path> paths;
     for (std::size_t start = 0; start < text.size();) {

@@ -19,7 +19,7 @@ findDrawings(const std::vector<std::filesystem::path>& paths,
              const std::function<void(const std::string&)>& problem);
 
 /// The paths that a list names: one a line, or, if the list has null characters, one before each.
-/// Empty ones are left out.
+/// Empty ones are left out. A list that could not be read to its end is bad() afterwards.
 [[nodiscard]] std::vector<std::filesystem::path> readPathList(std::istream& list);
 
 } // namespace host

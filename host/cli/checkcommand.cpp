@@ -119,7 +119,7 @@ bool addListed(const CheckOptions& options, std::vector<std::filesystem::path>& 
     }
     std::istream& list = *options.list == "-" ? std::cin : file;
     const auto listed = list ? readPathList(list) : std::vector<std::filesystem::path>();
-    if (list.bad() || (!list && !list.eof())) {
+    if (list.bad() || !list.eof()) {
         tellProblem(options.list->string() + ": " + std::generic_category().message(errno));
         return false;
     }

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <new>
+#include <set>
 #include <system_error>
 
 namespace host {
@@ -138,7 +139,7 @@ private:
         return differenceOf(texts.before, texts.after, drawing.file.string());
     }
 
-    fs::path save(const Found& drawing, const Document& document) const {
+    fs::path save(const Found& drawing, const Document& document) {
         if (options_.inPlace) {
             const fs::path backup = backupOf(drawing.file);
             // Of what a link leads to, as that is what is replaced.
@@ -162,6 +163,10 @@ private:
             throw DocumentError(drawing.file.string(),
                                 "would be written over; --in-place does so and keeps the old one");
         }
+        if (!targets_.insert(target.lexically_normal()).second) {
+            throw DocumentError(drawing.file.string(),
+                                "another drawing was saved as " + target.string());
+        }
         document.save(target);
         return target;
     }
@@ -176,6 +181,7 @@ private:
     ReplacementTable table_;
     SvgOptions svg_;
     Catalogue catalogue_;
+    std::set<fs::path> targets_; ///< so far
     bool intoFolder_ = false;
     bool failed_ = false;
     bool written_ = true;

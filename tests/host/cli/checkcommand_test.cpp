@@ -64,6 +64,7 @@ TEST_F(TheCheckCommand, TellsMissingFontsAndUnreadableDrawingsApart) {
         {{}, exitUsage},
         {{good, "--jobs", "0"}, exitUsage},
         {{"--files-from", folder / "not there"}, exitUsage},
+        {{"--files-from", folder.path()}, exitUsage},
     };
     for (auto [arguments, status] : cases) {
         arguments.insert(arguments.begin(), "check");

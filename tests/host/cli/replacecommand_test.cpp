@@ -44,6 +44,15 @@ TEST_F(TheReplaceCommand, WritesOneDrawingToAFileAndSeveralToAFolder) {
     EXPECT_EQ(contentOf(old), textIn("Old"));
 }
 
+TEST_F(TheReplaceCommand, WritesNoTwoDrawingsToOnePlace) {
+    const std::string one = drawing("one/a.svg");
+    const std::string other = drawing("other/a.svg", "Other");
+    const auto result = run({"replace", rule_, "-o", folder / "out", one, other});
+    EXPECT_EQ(result.status, exitDocumentFailed);
+    EXPECT_THAT(result.errors, HasSubstr(other + ": another drawing was saved as "));
+    EXPECT_EQ(contentOf(folder / "out/a.svg"), textIn("DejaVu Sans"));
+}
+
 TEST_F(TheReplaceCommand, KeepsEachOldDrawingBesideTheNewOne) {
     const std::string file = drawing("a.svg");
     const std::string other = drawing("b.svg", "Other");
