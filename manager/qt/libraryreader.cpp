@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/libraryreader.h"
 
+#include "manager/cli/knownsets.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 
@@ -11,7 +13,11 @@ namespace manager {
 Library& Desk::library() {
     if (!library_ || library_->isReplaced()) {
         library_.reset();
-        library_ = std::make_unique<Library>(places_);
+        // A window neither begins one in the midst of another's work nor takes the rest of one that
+        // is cut for empty.
+        library_ = openLibrary(
+            places_, [this] { return containersOnDisk(places_); }, [](const std::string&) {},
+            IndexCheck::Never);
     }
     return *library_;
 }

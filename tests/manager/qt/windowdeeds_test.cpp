@@ -198,7 +198,8 @@ TEST_F(TheWindowsDeeds, AreUndoneOnTheSameFontsWhateverTheirNumbersAre) {
     glyphora({QStringLiteral("scan")});
     window_->deeds().redo();
     ASSERT_TRUE(finishDeeds());
-    EXPECT_THAT(activeNames(), testing::ElementsAre("Aaa"));
+    EXPECT_THAT(activeNames(), testing::ElementsAre("Aaa"))
+        << window_->problems().text().toStdString();
     window_->deeds().undo();
     ASSERT_TRUE(finishDeeds());
     EXPECT_THAT(activeNames(), testing::IsEmpty());

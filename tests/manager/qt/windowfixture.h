@@ -66,6 +66,8 @@ protected:
     }
 
     void removeIndex() {
+        // Nobody begins another one before all of it is gone.
+        const manager::FileLock opening(sandbox_.places().database() + ".lock");
         for (const char* const end : {"", "-wal", "-shm"}) {
             std::filesystem::remove(sandbox_.places().database() + end);
         }
