@@ -110,6 +110,7 @@ void Activator::publish(ActivatorNews news) {
     append(news_.mended, std::move(news.mended));
     news_.recovered = news_.recovered || news.recovered;
     append(news_.problems, std::move(news.problems));
+    news_.isIndexDamaged = news_.isIndexDamaged || news.isIndexDamaged;
     if (news.desktop) {
         news_.desktop = std::move(news.desktop);
     }

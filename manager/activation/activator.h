@@ -41,6 +41,7 @@ struct ActivatorNews {
     std::vector<std::string> mended;   ///< lines, see Activation::recover
     bool recovered = false;            ///< as above: others are to be told
     std::vector<std::string> problems; ///< lines
+    bool isIndexDamaged = false;       ///< one of them tells how
     std::optional<DesktopFaces> desktop;
     std::optional<std::vector<Reason>> ending; ///< see Activation::endingReasons
 };

@@ -25,6 +25,9 @@ void tellThrown(ActivatorNews& news, std::string& lastProblem, const std::functi
     std::string problem;
     try {
         step();
+    } catch (const DamagedDatabase& error) {
+        news.isIndexDamaged = true;
+        problem = error.what();
     } catch (const std::exception& error) {
         problem = error.what();
     }

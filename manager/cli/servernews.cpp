@@ -33,6 +33,10 @@ void Server::takeNews() {
         }
     }
     changed_ = changed_ || news.recovered;
+    if (news.isIndexDamaged) { // though what was read before may still answer
+        library_.reset();
+        scanNeeded_ = true;
+    }
     for (const std::string& text : news.mended) {
         occasion.add(Deed::Done, text, true);
     }

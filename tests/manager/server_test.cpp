@@ -7,6 +7,7 @@
 #include "tests/support/fontmaker.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -126,6 +127,27 @@ TEST_F(AServer, TellsOfEachPartOfALargeCommandAlsoWhenItEndsInTheMidst) {
         told += areMore ? more : entry.text.starts_with("activated Part") ? 1 : 0;
     }
     EXPECT_EQ(told, sets());
+}
+
+TEST_F(AServer, HasAnIndexMendedWhoseDamageNobodyWasAnsweredWith) {
+    server_.emplace(sandbox_.places(), false);
+    bool isAnswered = false;
+    const auto later = [&](const std::string& /*reply*/) { isAnswered = true; };
+    isAnswered = server_->answer(request_, std::nullopt, later).has_value();
+    await([&] { return isAnswered; });
+    static_cast<void>(server_->takeScanNeed());
+    // What tells of the file: its container is known all the same.
+    const std::string index = sandbox_.places().database();
+    std::string bytes = readBytes(index);
+    constexpr std::size_t page = 4096;
+    for (std::size_t at = 0; (at = bytes.find("sans.ttf", at)) != std::string::npos; at += page) {
+        at = at / page * page;
+        bytes.replace(at, 8, 8, '\xFF');
+    }
+    std::fstream(index, std::ios::in | std::ios::out | std::ios::binary) << bytes;
+    server_->followFiles();
+    await([&] { return isTold("the index is damaged"); });
+    EXPECT_TRUE(server_->takeScanNeed());
 }
 
 TEST_F(AServer, ActivatesNothingBeforeItKnowsWhatTheDesktopShows) {
