@@ -5,7 +5,7 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # What outlives a clone: downloaded packages, results of lint.
 # shellcheck disable=SC2034 # used by the scripts that read this file
-caches="${XDG_CACHE_HOME:-$HOME/.cache}/glyphora-gates"
+caches=${XDG_CACHE_HOME:-~/.cache}/glyphora-gates # HOME may be unset
 
 say() { printf '== %s\n' "$*" >&2; }
 fail() {

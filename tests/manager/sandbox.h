@@ -6,6 +6,7 @@
 #include "tests/support/temporaryfolder.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,8 @@ private:
     testsupport::Variable x_{"DISPLAY", ""}; // or windows would open
     testsupport::Variable wayland_{"WAYLAND_DISPLAY", ""};
     testsupport::Variable platform_{"QT_QPA_PLATFORM", ""};
+    testsupport::Variable locale_{"LC_ALL", "C.UTF-8"}; // whatever its user speaks
+    testsupport::Variable language_{"LANGUAGE", std::nullopt};
     testsupport::Variable replyTime_{"GLYPHORA_REPLY_TIME", "20000"}; // on a slow machine, too
 };
 
