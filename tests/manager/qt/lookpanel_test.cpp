@@ -6,6 +6,7 @@
 #include "tests/manager/qt/windowfixture.h"
 
 #include <QPushButton>
+#include <QSlider>
 #include <QStyleOptionButton>
 
 #include <gmock/gmock.h>
@@ -78,6 +79,15 @@ TEST_F(TheLookPanel, NamesWhereTheFileBegins) {
     EXPECT_EQ(panel_->instances()->currentText(), QStringLiteral("Default"));
     panel_->value("wght")->setValue(401);
     EXPECT_EQ(panel_->instances()->currentIndex(), -1);
+}
+
+TEST_F(TheLookPanel, OffersNoAxisThatIsHiddenOrStandsStill) {
+    faces::Face face;
+    face.axes = {{"opsz", "", 8, 14, 144, true},
+                 {"wdth", "", 100, 100, 100, false},
+                 {"wght", "", 100, 400, 900, false}};
+    panel_->offer(face, {});
+    EXPECT_THAT(panel_->findChildren<QSlider*>(), ElementsAre(panel_->slider("wght")));
 }
 
 TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
