@@ -83,4 +83,17 @@ RowColours coloursOf(const QStyleOptionViewItem& option) {
     return {ground, readable(text, ground), isSelected};
 }
 
+void ReadableStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        const QColor base = palette.color(group, QPalette::Base);
+        const QColor over = palette.color(group, QPalette::Highlight);
+        palette.setColor(group, QPalette::Highlight,
+                         readable(mixed(base, over, over.alphaF()),
+                                  palette.color(group, QPalette::HighlightedText)));
+        palette.setColor(group, QPalette::PlaceholderText,
+                         readable(palette.color(group, QPalette::PlaceholderText), base));
+    }
+}
+
 } // namespace manager

@@ -7,6 +7,7 @@
 
 #include <QColor>
 #include <QPalette>
+#include <QProxyStyle>
 
 class QStyleOptionViewItem;
 
@@ -31,5 +32,13 @@ struct RowColours {
     bool isSelected = false;
 };
 [[nodiscard]] RowColours coloursOf(const QStyleOptionViewItem& option);
+
+/// The desktop's style, its palette made readable where themes neglect it: what is behind a
+/// selection is moved away from the text on it, and hints in fields from their ground.
+class ReadableStyle : public QProxyStyle {
+public:
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override;
+};
 
 } // namespace manager

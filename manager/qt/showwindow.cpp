@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The module's entry: the toolkit and its language.
+#include "manager/qt/colours.h"
 #include "manager/qt/guests.h"
 #include "manager/qt/pictures.h"
 #include "manager/qt/windows.h"
@@ -57,6 +58,7 @@ extern "C" int glyphoraShowWindow(const manager::WindowOptions& options,
         QApplication::platformName() == QLatin1String(sys::offscreenPlatform)) {
         return -1;
     }
+    QApplication::setStyle(new ReadableStyle);
     QCoreApplication::setOrganizationName(QStringLiteral("glyphora"));
     QCoreApplication::setApplicationName(QStringLiteral("library"));
     QApplication::setDesktopFileName(QStringLiteral("org.glyphora.Library"));

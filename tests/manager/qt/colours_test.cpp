@@ -88,6 +88,30 @@ TEST(Colours, CanBeReadOnEveryRowOfEveryTheme) {
     }
 }
 
+TEST(Colours, OfAThemesSelectionsAndHintsAreMadeReadable) {
+    ReadableStyle style;
+    for (const Theme& theme : themes) {
+        SCOPED_TRACE(theme.name);
+        const QPalette wanted = paletteOf(theme);
+        QPalette palette = wanted;
+        style.polish(palette);
+        const QColor text = palette.color(QPalette::HighlightedText);
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            const QColor ground = palette.color(group, QPalette::Highlight);
+            EXPECT_EQ(ground.alpha(), 255);
+            EXPECT_GE(contrastOf(ground, text), leastContrast);
+            EXPECT_GE(contrastOf(palette.color(group, QPalette::PlaceholderText),
+                                 palette.color(group, QPalette::Base)),
+                      leastContrast);
+        }
+        EXPECT_EQ(text, wanted.color(QPalette::HighlightedText)) << "only the ground gives way";
+        const QColor before = wanted.color(QPalette::Highlight);
+        if (before.alpha() == 255 && contrastOf(before, text) >= leastContrast) {
+            EXPECT_EQ(palette.color(QPalette::Highlight), before) << "it was readable";
+        }
+    }
+}
+
 TEST_F(TheLibrarysWindow, FollowsTheDesktopsThemeWhileItIsOpen) {
     open();
     glyphora({QStringLiteral("activate"), QStringLiteral("Beta")});
