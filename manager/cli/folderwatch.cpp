@@ -24,8 +24,9 @@ namespace {
 
 constexpr std::uint32_t contentEvents = IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM |
                                         IN_DELETE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+// Also that it goes again, which may be before the folder itself is watched.
 constexpr std::uint32_t arrivalEvents =
-    IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+    IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr std::uint32_t appearance = IN_CREATE | IN_MOVED_TO;
 
 // A millisecond's work: commands wait no longer for it.

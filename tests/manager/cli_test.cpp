@@ -280,6 +280,29 @@ TEST_F(AFolderWatch, HearsThatARootGoesAndComesBack) {
     EXPECT_TRUE(hears([&] { fs::rename(root_ + ".away", root_); }));
 }
 
+TEST_F(AFolderWatch, HearsThatARootGoesAgainBeforeItIsWatched) {
+    const std::string volume = sandbox_.library() + "/volume";
+    const struct {
+        const char* way;
+        std::function<void()> come, go;
+    } cases[] = {
+        {"renamed", [&] { fs::rename(volume + ".away", volume); },
+         [&] { fs::rename(volume, volume + ".away"); }},
+        {"made and removed", [&] { fs::create_directories(root_); },
+         [&] { fs::remove_all(volume); }},
+    };
+    fs::rename(volume, volume + ".away");
+    for (const auto& [way, come, go] : cases) {
+        watch();
+        EXPECT_TRUE(hears(come)) << way;
+        // Here a scan found it.
+        go();
+        watch_.begin({root_}, {root_});
+        const auto result = watch_.goOn();
+        EXPECT_TRUE(watch_.drain() || (result && result->added != 0)) << way;
+    }
+}
+
 TEST_F(AFolderWatch, IsSetInPortionsAndAsSetUntilAPathMayLeadElsewhere) {
     std::vector<std::string> folders;
     for (int i = 0; i < 500; ++i) {
