@@ -88,8 +88,10 @@ std::optional<std::int64_t> lengthBeforeCut(const std::string& path) {
     const bool isOfThis = mark.ends_with(" " + std::to_string(file.inode) + "\n");
     std::int64_t length = marked && (isOfThis || file.size == 0) ? *marked : 0;
     const bool hasLog = indexFile(path + "-wal").size > 0;
-    if (file.size < headerSize) { // a new one gets its header before its log
-        length = std::max(length, file.size > 0 || hasLog ? headerSize : 0);
+    if (file.size < headerSize) {
+        // A new one gets its header before its log, and no number before it is all there.
+        const bool wasMore = file.size > 0 || hasLog || lastNumberOf(path) > 0;
+        length = std::max(length, wasMore ? headerSize : 0);
     } else if (!hasLog) {
         length = std::max(length, lengthByHeader(path));
     }

@@ -292,6 +292,35 @@ TEST_F(ALibrary, IsReadAsAWholeOnlyWhereItMayBeDamaged) {
     EXPECT_THAT(reports_, SizeIs(1));
 }
 
+// Whoever has it open meets the damage, and closes it before it is mended.
+TEST_F(ALibrary, LosesNothingOfItsLogToWhomTheDamageIsMetBy) {
+    add("a/one.ttf", {});
+    add("b/two.ttf", {"Two", "Regular", "Two"});
+    scan();
+    const auto before = ids();
+    const std::string path = sandbox_.places().database();
+    for (const bool withLog : {true, false}) {
+        if (!withLog) {
+            library_->database().run("PRAGMA wal_checkpoint(TRUNCATE)");
+        }
+        library_->vouch();
+        library_->database().run("PRAGMA shrink_memory");
+        std::filesystem::resize_file(path, 0);
+        EXPECT_THROW(static_cast<void>(library_->search({})), DamagedDatabase) << withLog;
+        library_.reset();
+        reports_.clear();
+        library_ = open(IndexCheck::WhenSuspect);
+        EXPECT_THAT(reports_, ElementsAre(HasSubstr(withLog ? "numbers of 2 containers;"
+                                                            : "numbers of 0 containers of 2;")));
+        scan();
+        if (withLog) {
+            EXPECT_EQ(ids(), before);
+        } else {
+            EXPECT_EQ(ids().begin()->second, ContainerId{3}) << "of none that was given";
+        }
+    }
+}
+
 TEST_F(ALibrary, KeepsItsLocksWhenItsProcessOpensItOnceMore) {
     library_->database().run("PRAGMA wal_checkpoint(TRUNCATE)"); // so that the header counts
     static_cast<void>(open(IndexCheck::Never));
