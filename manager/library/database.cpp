@@ -190,7 +190,7 @@ void Database::fail(int code) const {
     std::string text = handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code);
     if (kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB) {
         unlink((path_ + soundMark).c_str()); // whoever opens it next looks at all of it
-        if (handle_) { // and finds the log, which may hold more than the file
+        if (handle_) {                       // and finds the log, which may hold more than the file
             sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
         }
         throw damageOf(path_, text);

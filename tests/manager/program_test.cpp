@@ -295,7 +295,8 @@ TEST_F(TheProgram, MendsAnIndexThatIsCutOrDamagedByWhoeverMeetsIt) {
         const std::string told = reply + server_->output();
         return told.find("; it is made anew from the recorded") != std::string::npos ||
                told.find("Kept were the numbers of ") != std::string::npos;
-    })) << reply << server_->output();
+    })) << reply
+        << server_->output();
     for (const std::size_t length : {50U, 30'000U}) {
         damage(length);
         expectEach({{{"activate", "Twice"}, 0, "activated Twice"},
