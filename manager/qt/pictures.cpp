@@ -19,8 +19,8 @@ namespace manager {
 namespace {
 
 QPalette darkPalette() {
-    QPalette palette;
     const QColor window(0x2b, 0x2b, 0x2e);
+    QPalette palette(QColor(0x3a, 0x3a, 0x3e), window); // its edges are made of these
     const QColor base(0x1f, 0x1f, 0x22);
     const QColor light(0xee, 0xee, 0xee);
     palette.setColor(QPalette::Window, window);
@@ -29,7 +29,6 @@ QPalette darkPalette() {
     palette.setColor(QPalette::AlternateBase, window);
     palette.setColor(QPalette::Text, light);
     palette.setColor(QPalette::PlaceholderText, QColor(0xa6, 0xa6, 0xa6));
-    palette.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
     palette.setColor(QPalette::ButtonText, light);
     palette.setColor(QPalette::ToolTipBase, window);
     palette.setColor(QPalette::ToolTipText, light);

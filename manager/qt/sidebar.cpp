@@ -55,6 +55,10 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
+        if (!index.parent().isValid()) { // a heading, which would stick to the edge
+            constexpr int margin = 5;
+            option->rect.setLeft(option->rect.left() + margin);
+        }
         const bool isHint =
             index.parent().isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
         if (index.column() == 1 || isHint) {
