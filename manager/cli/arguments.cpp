@@ -175,7 +175,7 @@ private:
             jsonless(app_, "show", "Show the library in a window", [this](const Places& places) {
                 return showCommand(places, options_.names, options_.request, options_.pictures);
             });
-        addNames(*show, "word", "What to search for, or a font file to look at");
+        addNames(*show, "word", "What to search for, or a font file or drawing to look at");
         show->add_flag("--request", options_.request,
                        "Show what may be used for the fonts of a command on standard input");
         addText(*show, "--pictures", "FOLDER", "Write pictures of the views instead",

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -143,6 +144,14 @@ DrawingFonts fontsIn(const Json& report, const std::vector<std::string>& files, 
 }
 
 } // namespace
+
+bool meansDrawing(const std::string& word) {
+    std::string ending = fs::path(word).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
+    std::error_code problem;
+    return (ending == ".svg" || ending == ".svgz") && fs::is_regular_file(word, problem);
+}
 
 DrawingFonts fontsOfDrawings(const std::vector<std::string>& files, Tally& tally) {
     const CancelBySignals cancel;

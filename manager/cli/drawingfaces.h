@@ -11,6 +11,9 @@
 
 namespace manager {
 
+/// Whether a word is the path of a file that is called as drawings are (any case): .svg, .svgz.
+[[nodiscard]] bool meansDrawing(const std::string& word);
+
 /// The fonts of drawings, each once, and in the same order the drawing in which each was met first.
 struct DrawingFonts {
     std::vector<CommandFont> fonts;

@@ -5,6 +5,7 @@
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/bringing.h"
+#include "manager/cli/drawingfaces.h"
 #include "manager/cli/fontfiles.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/onewindow.h"
@@ -234,7 +235,9 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
                           .pictures = pictures};
     std::string& search = options.request.search;
     for (const std::string& word : words) {
-        if (meansFontFile(word)) {
+        if (meansDrawing(word)) {
+            options.request.drawings.push_back(std::filesystem::absolute(word).string());
+        } else if (meansFontFile(word)) {
             options.request.files.push_back(std::filesystem::absolute(word).string());
         } else {
             search += (search.empty() ? "" : " ") + word;

@@ -19,6 +19,25 @@ constexpr AEEventClass requestClass = FourCharCode("QGLW");
 constexpr AEEventID requestId = FourCharCode("show");
 constexpr AEKeyword commandKey = FourCharCode("cmnd");
 constexpr AEKeyword filesKey = FourCharCode("file");
+constexpr AEKeyword drawingsKey = FourCharCode("draw");
+
+std::string textOf(const std::vector<std::string>& paths) {
+    std::string lines;
+    for (const std::string& path : paths) {
+        lines += joinFields({path});
+    }
+    return lines;
+}
+
+std::vector<std::string> pathsOf(const std::string& lines) {
+    std::vector<std::string> paths;
+    for (const std::string_view line : splitLines(lines)) {
+        if (auto fields = splitFields(line)) {
+            paths.push_back(std::move(fields->front()));
+        }
+    }
+    return paths;
+}
 
 OSStatus send(const WindowRequest& request) {
     OwnedDesc address;
@@ -29,13 +48,12 @@ OSStatus send(const WindowRequest& request) {
         status = AECreateAppleEvent(requestClass, requestId, &address, kAutoGenerateReturnID,
                                     kAnyTransactionID, &event);
     }
-    std::string files;
-    for (const std::string& file : request.files) {
-        files += joinFields({file});
-    }
+    const std::string files = textOf(request.files);
+    const std::string drawings = textOf(request.drawings);
     for (const auto& [key, text] :
          {std::pair(AEKeyword{keyDirectObject}, &request.search),
-          std::pair(commandKey, &request.command), std::pair(filesKey, &std::as_const(files))}) {
+          std::pair(commandKey, &request.command), std::pair(filesKey, &files),
+          std::pair(drawingsKey, &drawings)}) {
         if (status == noErr) {
             status =
                 AEPutParamPtr(&event, key, typeChar, text->data(), static_cast<Size>(text->size()));
@@ -84,14 +102,9 @@ WindowRequests::WindowRequests(std::function<void(const WindowRequest&)> take)
     : take_(std::move(take)), handler_(requestClass, requestId, handle, this) {}
 
 OSErr WindowRequests::handle(const AppleEvent* event, AppleEvent* /*reply*/, void* own) {
-    WindowRequest request{textOf(event, keyDirectObject), textOf(event, commandKey), {}};
-    const std::string files = textOf(event, filesKey);
-    for (const std::string_view line : splitLines(files)) {
-        if (auto fields = splitFields(line)) {
-            request.files.push_back(std::move(fields->front()));
-        }
-    }
-    static_cast<WindowRequests*>(own)->take_(request);
+    static_cast<WindowRequests*>(own)->take_(
+        {textOf(event, keyDirectObject), textOf(event, commandKey),
+         pathsOf(textOf(event, filesKey)), pathsOf(textOf(event, drawingsKey))});
     return noErr;
 }
 

@@ -40,14 +40,17 @@ void LibraryWindow::bring(const QStringList& paths) {
     if (!others.empty()) {
         add(others);
     }
-    if (drawings.empty()) {
-        return;
+    if (!drawings.empty()) {
+        readDrawings(drawings);
     }
+}
+
+void LibraryWindow::readDrawings(const QStringList& files) {
     statusBar()->showMessage(text(translated("Reading the drawing…")));
     deeds_.run(QStringList{QStringLiteral("read-drawings"), QStringLiteral("--json"),
                            QStringLiteral("--")} +
-                   drawings,
-               [this, drawings](const QJsonObject& read) { takeDrawings(drawings, read); });
+                   files,
+               [this, files](const QJsonObject& read) { takeDrawings(files, read); });
 }
 
 void LibraryWindow::takeDrawings(const QStringList& files, const QJsonObject& read) {

@@ -131,6 +131,12 @@ void LibraryWindow::take(const WindowRequest& request) {
         } catch (const Error& error) {
             problems_->show(askedDeed, {QString::fromUtf8(error.what())});
         }
+    } else if (!request.drawings.empty()) {
+        QStringList drawings;
+        for (const std::string& drawing : request.drawings) {
+            drawings.push_back(text(drawing));
+        }
+        readDrawings(drawings);
     } else if (!request.search.empty()) {
         isDrawingAwaited_ = false;
         sidebar_->choose({});

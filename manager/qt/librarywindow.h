@@ -115,6 +115,7 @@ private:
     void add(const QStringList& paths);
     /// Adds what was dropped, and shows what drawings among it use.
     void bring(const QStringList& paths);
+    void readDrawings(const QStringList& files);
     void takeDrawings(const QStringList& files, const QJsonObject& read);
     void showDrawing(std::vector<CommandFont> fonts, const QString& name);
     /// The containers that hold its fonts, each font once.

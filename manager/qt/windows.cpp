@@ -42,7 +42,7 @@ void Windows::open(const WindowRequest& request) {
         window.show();
         window.raise();
         window.activateWindow();
-        if (request.search.empty() && request.command.empty()) {
+        if (request.search.empty() && request.command.empty() && request.drawings.empty()) {
             return;
         }
     }

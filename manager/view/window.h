@@ -12,9 +12,10 @@ namespace manager {
 
 /// What a window is to show.
 struct WindowRequest {
-    std::string search = {};             ///< what is searched for
-    std::string command = {};            ///< of a plug-in that wants its fonts to be shown
-    std::vector<std::string> files = {}; ///< font files to look at, by absolute paths
+    std::string search = {};                ///< what is searched for
+    std::string command = {};               ///< of a plug-in that wants its fonts to be shown
+    std::vector<std::string> files = {};    ///< font files to look at, by absolute paths
+    std::vector<std::string> drawings = {}; ///< whose fonts are listed, by absolute paths
 };
 
 struct WindowOptions {

@@ -115,6 +115,21 @@ TEST_F(AWindowOfFontFiles, IsOpenedByWhoComesLaterOncePerFile) {
     EXPECT_EQ(windows_.fontFiles().size(), 2U);
     EXPECT_TRUE(awaitActive(*windows_.fontFiles()[0]));
     EXPECT_EQ(windows_.library(), nullptr);
+
+    const QString poster =
+        QString::fromStdString(write("a\tposter.SVG", R"(<svg xmlns="http://www.w3.org/2000/svg">
+            <text font-family="Nobody">x</text></svg>)"));
+    const auto titleOfFirst = [this] {
+        const FaceModel& model = windows_.library()->model();
+        return model.row(model.index(0, 0)).title.toStdString();
+    };
+    show({poster, QString::fromStdString(other_)});
+    EXPECT_EQ(windows_.fontFiles().size(), 2U);
+    ASSERT_NE(windows_.library(), nullptr);
+    EXPECT_TRUE(await([&] { return titleOfFirst() == "Nobody Regular"; })) << titleOfFirst();
+    windows_.library()->sidebar().choose({});
+    show({poster});
+    EXPECT_TRUE(await([&] { return titleOfFirst() == "Nobody Regular"; })) << titleOfFirst();
 }
 
 } // namespace
