@@ -252,6 +252,10 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
         options.request.command = readInput();
         static_cast<void>(parseCommand(options.request.command)); // a wrong one is told here
     }
+    if (!options.request.drawings.empty() && (asked || !search.empty())) {
+        warn("show lists the fonts of drawings, or what is searched or asked for, not both");
+        return exitUsage;
+    }
     chooseLanguage(sys::localeOfEnvironment()); // before the bus has threads
     if (pictures.empty()) {
         if (handOver(options.request)) {

@@ -46,6 +46,7 @@ void LibraryWindow::bring(const QStringList& paths) {
 }
 
 void LibraryWindow::readDrawings(const QStringList& files) {
+    isDrawingRead_ = false;
     statusBar()->showMessage(text(translated("Reading the drawing…")));
     deeds_.run(QStringList{QStringLiteral("read-drawings"), QStringLiteral("--json"),
                            QStringLiteral("--")} +
@@ -66,11 +67,23 @@ void LibraryWindow::takeDrawings(const QStringList& files, const QJsonObject& re
         asked.familyName = name("family");
         asked.styleName = name("style");
     }
+    isDrawingRead_ = true;
     if (!fonts.empty()) {
         showDrawing(std::move(fonts), nameOf(files));
-    } else if (read.value(QStringLiteral("problems")).toArray().isEmpty() &&
-               read.contains(QStringLiteral("fonts"))) {
+        return;
+    }
+    const bool isRead = read.value(QStringLiteral("problems")).toArray().isEmpty() &&
+                        read.contains(QStringLiteral("fonts"));
+    if (isRead) {
         tell(text(translated("The drawing needs no fonts but those that it brings along.")));
+    }
+    tellShown(isRead ? QString() : problems_->text());
+}
+
+void LibraryWindow::tellShown(const QString& problem) {
+    const bool isShown = view_ != nullptr && isDrawingRead_ && !isDrawingAwaited_;
+    if (whenShown_ && (isShown || !problem.isEmpty())) {
+        std::exchange(whenShown_, {})(problem);
     }
 }
 

@@ -245,9 +245,7 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
     problems_->show(readDeed(), {});
     offerTags();
     reader_.drop(std::move(before));
-    if (whenShown_) {
-        std::exchange(whenShown_, {})({});
-    }
+    tellShown({});
 }
 
 void LibraryWindow::showChosen() {

@@ -39,7 +39,8 @@ public:
     /// Comes to the front with what is asked for; as it is, when that is nothing.
     void open(const WindowRequest& request);
 
-    /// Calls `then` once the library is shown, or with why it cannot be.
+    /// Calls `then` once the library is shown, with the drawings that were asked for, or with why
+    /// it cannot be.
     void whenShown(std::function<void(const QString& problem)> then) {
         whenShown_ = std::move(then);
     }
@@ -118,6 +119,9 @@ private:
     void readDrawings(const QStringList& files);
     void takeDrawings(const QStringList& files, const QJsonObject& read);
     void showDrawing(std::vector<CommandFont> fonts, const QString& name);
+    /// Tells who waits for it that all is shown, or what cannot be; nothing while something is to
+    /// come.
+    void tellShown(const QString& problem);
     /// The containers that hold its fonts, each font once.
     [[nodiscard]] std::vector<std::int32_t> containersOfDrawing() const;
     void makeDrawingAction(QMenu& fonts);
@@ -136,6 +140,7 @@ private:
     std::shared_ptr<const LibraryView> view_;
     std::shared_ptr<const LibraryView> nextView_; ///< to be shown with its sets
     bool isDrawingAwaited_ = false;               ///< to be chosen once it is there
+    bool isDrawingRead_ = true;                   ///< so far as one was asked for
     Groups groups_;
     std::vector<std::string> folders_;
     LibraryReader reader_; ///< it calls the window

@@ -114,10 +114,14 @@ private:
             const Group& group = window_.groups().front();
             window_.sidebar().choose(
                 {SidebarPlace::Kind::Group, {}, GroupTitle{group.kind, group.name}.text()});
+            chooseFirst();
             save("collection");
         }
-        window_.sidebar().choose({.kind = SidebarPlace::Kind::Copies});
-        save("duplicates");
+        if (!window_.model().listing().view().copies.faces().empty()) { // else it is not offered
+            window_.sidebar().choose({.kind = SidebarPlace::Kind::Copies});
+            chooseFirst();
+            save("duplicates");
+        }
         window_.sidebar().choose({});
     }
 
@@ -125,11 +129,19 @@ private:
         window_.filters().set(FilterKind::Weight, "5");
         window_.filters().set(FilterKind::Script, "Latn");
         window_.filters().button().setChecked(true);
+        window_.finishReading();
+        chooseFirst();
         save("filters");
         window_.filters().clear();
         window_.filters().button().setChecked(false);
         window_.searchField().setText(QStringLiteral("no such font"));
         save("nothing");
+    }
+
+    void chooseFirst() {
+        const QModelIndex first = window_.model().index(0, 0);
+        window_.list().setCurrentIndex(first);
+        window_.list().setExpanded(first, true);
     }
 
     /// The first family whose sample is of that kind; the first of all when none is.

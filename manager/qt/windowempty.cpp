@@ -63,9 +63,7 @@ void LibraryWindow::fail(const QString& problem) {
                  way_->setEnabled(false);
                  read();
              });
-    if (whenShown_) {
-        std::exchange(whenShown_, {})(problem);
-    }
+    tellShown(problem);
 }
 
 void LibraryWindow::showEmpty() {
