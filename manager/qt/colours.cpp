@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/colours.h"
 
+#include <QPainter>
+#include <QStyleOptionButton>
 #include <QStyleOptionViewItem>
 
 #include <algorithm>
@@ -94,6 +96,32 @@ void ReadableStyle::polish(QPalette& palette) {
         palette.setColor(group, QPalette::PlaceholderText,
                          readable(palette.color(group, QPalette::PlaceholderText), base));
     }
+}
+
+bool ReadableStyle::isToolkits() const {
+    return baseStyle()->name() == QLatin1String("fusion");
+}
+
+void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                                  QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    // Its outline is the paper, a little darker.
+    if (element == PE_IndicatorCheckBox && isToolkits()) {
+        painter->save();
+        painter->setPen(colourOf(FaceState::Inactive, option->palette.color(QPalette::Window)));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+}
+
+QSize ReadableStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
+                                      const QSize& size, const QWidget* widget) const {
+    QSize needed = QProxyStyle::sizeFromContents(type, option, size, widget);
+    if (type == CT_PushButton && isToolkits()) {
+        needed.rwidth() = std::max(needed.width(), size.width() + 2 * option->fontMetrics.height());
+    }
+    return needed;
 }
 
 } // namespace manager

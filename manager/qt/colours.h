@@ -34,11 +34,20 @@ struct RowColours {
 [[nodiscard]] RowColours coloursOf(const QStyleOptionViewItem& option);
 
 /// The desktop's style, its palette made readable where themes neglect it: what is behind a
-/// selection is moved away from the text on it, and hints in fields from their ground.
+/// selection is moved away from the text on it, and hints in fields from their ground. The
+/// toolkit's own style, which others follow, gets boxes with an outline that can be seen, and air
+/// in buttons.
 class ReadableStyle : public QProxyStyle {
 public:
     using QProxyStyle::polish;
     void polish(QPalette& palette) override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+
+private:
+    [[nodiscard]] bool isToolkits() const;
 };
 
 } // namespace manager

@@ -55,6 +55,16 @@ void paintMark(QPainter& painter, const QRectF& area, const std::optional<FaceSt
 
 } // namespace
 
+QString belowIn(const ListRow& row, const QFontMetrics& metrics, int width) {
+    QString all = row.below();
+    if (metrics.horizontalAdvance(all) <= width) {
+        return all;
+    }
+    // Of a folder the end tells most.
+    return row.isDetailFirst ? metrics.elidedText(row.detail, Qt::ElideMiddle, width)
+                             : metrics.elidedText(row.state, Qt::ElideRight, width);
+}
+
 FaceDelegate::FaceDelegate(FaceModel& model, preview::Faces& faces, QTreeView& view)
     : QStyledItemDelegate(&view), model_(model), view_(view),
       samples_(faces, [this](Samples::Key face) {
@@ -113,7 +123,7 @@ void FaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const int letter = option.fontMetrics.averageCharWidth();
     const int wanted = model_.listing().filter().isDrawing // whose reasons are long
                            ? std::clamp(width * 3 / 5, 30 * letter, 80 * letter)
-                           : std::clamp(width * 9 / 20, 30 * letter, 48 * letter);
+                           : std::clamp(width / 2, 30 * letter, 48 * letter);
     const int names = std::min(wanted, width * 3 / 4);
     const int left = option.rect.left() + margin;
     painter->save();
@@ -151,8 +161,7 @@ void FaceDelegate::paintNames(QPainter& painter, const QStyleOptionViewItem& opt
     const int begin = static_cast<int>(size) + margin;
     const QRect below =
         QRect(area.left(), top + height, area.width(), height).adjusted(begin, 0, 0, 0);
-    painter.drawText(below, Qt::AlignLeft,
-                     option.fontMetrics.elidedText(row.below(), Qt::ElideRight, below.width()));
+    painter.drawText(below, Qt::AlignLeft, belowIn(row, option.fontMetrics, below.width()));
 }
 
 void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& option,
@@ -181,12 +190,16 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
     const double scale = painter.device()->devicePixelRatioF();
     // A family and its best face show the same line.
     const preview::SharedAnswer answer =
-        samples_.line(*row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
+        samples_.readableLine(*row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
     if (answer == nullptr) {
         return;
     }
     if (!answer->problem.empty()) {
         note(translated("cannot be drawn"));
+        return;
+    }
+    if (text_.empty() && !answer->missing.empty()) {
+        note(translated("lacks letters of its name"));
         return;
     }
     constexpr double capitals = 0.35; // half of their height

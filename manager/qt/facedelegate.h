@@ -12,6 +12,9 @@
 
 namespace manager {
 
+/// What of a row's second line fits into `width`: its lesser part goes before the other is cut.
+[[nodiscard]] QString belowIn(const ListRow& row, const QFontMetrics& metrics, int width);
+
 /// [main-thread]
 class FaceDelegate : public QStyledItemDelegate {
 public:

@@ -199,7 +199,10 @@ ListRow FaceModel::faceRow(std::size_t place) const {
         row.title = text(view.table.families()[listed.family].name) + ' ' + row.title;
         row.detail = text(choice.isExact ? translated("the font asked for")
                                          : faces::lineOf(choice.reason, translated));
-        row.isChoice = true;
+        row.isDetailFirst = true;
+    } else if (listing_.filter().isCopied) {
+        row.detail = text(folderOf(view.table.pathOf(listed)));
+        row.isDetailFirst = true;
     }
     setState(row, view.states, face);
     const auto reasons = view.states.why(listed.container);

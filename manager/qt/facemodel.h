@@ -23,11 +23,12 @@ struct ListRow {
     bool isAway = false;           ///< though it can be seen
     std::optional<FaceRow> sample; ///< the face that stands for it; nothing: there is none
     bool isFamily = false;
-    bool isChoice = false; ///< for a drawing's font; why it may do comes before its state
+    bool isDetailFirst =
+        false; ///< it matters more than the state: why a font may do, where a copy is
 
     [[nodiscard]] QString below() const {
-        return isChoice ? detail + QStringLiteral(" · ") + state
-                        : state + QStringLiteral(" · ") + detail;
+        return isDetailFirst ? detail + QStringLiteral(" · ") + state
+                             : state + QStringLiteral(" · ") + detail;
     }
 };
 

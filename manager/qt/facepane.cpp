@@ -39,6 +39,7 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     why_->setWordWrap(true);
     why_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     why_->setFocusPolicy(Qt::StrongFocus);
+    path_ = new PathLabel(this);
     folder_ = new QToolButton(this);
     folder_->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
     folder_->setAutoRaise(true);
@@ -49,8 +50,10 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
         QDesktopServices::openUrl(
             QUrl::fromLocalFile(QFileInfo(text(shown_.front().file)).absolutePath()));
     });
-    waterfall_ = new Waterfall(faces, this);
-    characters_ = new CharacterPane(faces, this);
+    // The order in which they are made is the one of Tab.
+    QLayout* const tools = makeTools(std::move(wrote));
+    look_ = new LookPanel([this] { applyLook(); }, this);
+    look_->hide();
     views_ = new QTabWidget(this);
     views_->setDocumentMode(true);
     lookButton_ = new QToolButton(this);
@@ -58,18 +61,24 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     lookButton_->setCheckable(true);
     lookButton_->setEnabled(false);
     connect(lookButton_, &QToolButton::toggled, this, [this] { readLook(); });
-    views_->setCornerWidget(lookButton_);
+    auto* const corner = new QWidget(this);
+    auto* const beside = new QHBoxLayout(corner);
+    constexpr int above = 3; // of the pages: as the tabs stand
+    beside->setContentsMargins(0, 0, 0, above);
+    beside->addWidget(lookButton_);
+    views_->setCornerWidget(corner);
+    waterfall_ = new Waterfall(faces, this);
+    characters_ = new CharacterPane(faces, this);
     views_->addTab(waterfall_, text(translated("&Text")));
     views_->addTab(characters_, text(translated("&Characters")));
     connect(views_, &QTabWidget::currentChanged, this, [this] { showCharacters(); });
     column->addWidget(title_);
-    auto* const told = new QHBoxLayout;
-    told->addWidget(why_, 1);
-    told->addWidget(folder_, 0, Qt::AlignBottom);
-    column->addLayout(told);
-    look_ = new LookPanel([this] { applyLook(); }, this);
-    look_->hide();
-    column->addLayout(makeTools(std::move(wrote)));
+    column->addWidget(why_);
+    auto* const place = new QHBoxLayout;
+    place->addWidget(path_, 1);
+    place->addWidget(folder_);
+    column->addLayout(place);
+    column->addLayout(tools);
     cut_ = new QLabel(text(translated("Only the beginning of this long text is drawn.")), this);
     cut_->setWordWrap(true);
     cut_->hide();
@@ -107,9 +116,15 @@ QLayout* FacePane::makeTools(std::function<void(const QString&)> wrote) {
 
 void FacePane::show(ChosenFaces chosen) {
     title_->setText(chosen.title);
+    title_->setVisible(!chosen.title.isEmpty());
     why_->setText(chosen.why);
     why_->setVisible(!chosen.why.isEmpty());
-    folder_->setVisible(chosen.faces.size() == 1);
+    path_->setPath(chosen.path);
+    path_->setVisible(!chosen.path.isEmpty());
+    folder_->setVisible(!chosen.path.isEmpty());
+    waterfall_->setEmptyNote(text(chosen.title.isEmpty()
+                                      ? translated("Choose a font to see it here.")
+                                      : translated("The library has no such font to show.")));
     shown_ = chosen.faces;
     showText();
     waterfall_->setFaces(std::move(chosen.faces));
@@ -190,7 +205,7 @@ void FacePane::showText() {
         words = shown_.size() < 2 ? translated("The quick brown fox jumps over the lazy dog")
                                   : translated("Hamburgefonstiv 0123456789");
     }
-    waterfall_->setText(words);
+    waterfall_->setText(words, !sample_->text().isEmpty());
 }
 
 } // namespace manager

@@ -6,6 +6,7 @@
 #include "manager/qt/characterpane.h"
 #include "manager/qt/facesource.h"
 #include "manager/qt/lookpanel.h"
+#include "manager/qt/pathlabel.h"
 #include "manager/qt/waterfall.h"
 
 #include <QComboBox>
@@ -24,7 +25,8 @@ namespace manager {
 /// What is chosen in the list.
 struct ChosenFaces {
     QString title;
-    QString why; ///< its state, its file; empty: they are several
+    QString why;  ///< its state; empty: they are several
+    QString path; ///< of its file; empty: likewise
     std::vector<ShownFace> faces;
 };
 
@@ -43,6 +45,7 @@ public:
 
     [[nodiscard]] QLineEdit& sampleField() { return *sample_; }
     [[nodiscard]] QComboBox& paperBox() { return *paper_; }
+    [[nodiscard]] PathLabel& path() { return *path_; }
     [[nodiscard]] QTabWidget& views() { return *views_; }
     [[nodiscard]] Waterfall& waterfall() { return *waterfall_; }
     [[nodiscard]] LookPanel& look() { return *look_; }
@@ -59,6 +62,7 @@ private:
 
     QLabel* title_ = nullptr;
     QLabel* why_ = nullptr;
+    PathLabel* path_ = nullptr;
     QToolButton* folder_ = nullptr; ///< opens that of the file
     QLabel* cut_ = nullptr;         ///< says that the text is too long
     QLineEdit* sample_ = nullptr;

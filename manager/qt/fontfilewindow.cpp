@@ -103,6 +103,7 @@ void FontFileWindow::makeContent() {
     column->addWidget(problems_);
     auto* const columns = new QSplitter(content_);
     list_ = new QListWidget(columns);
+    list_->setSpacing(2);
     list_->setAccessibleName(text(translated("Faces of the file")));
     list_->setFrameShape(QFrame::NoFrame);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -258,9 +259,9 @@ void FontFileWindow::showChosen() {
         const std::string& file = files_[face->file];
         shown.title = calledIn(face->face, file);
         for (const std::string& fact : factsOf(face->face)) {
-            shown.why += text(fact) + QLatin1Char('\n');
+            shown.why += (shown.why.isEmpty() ? QString() : QStringLiteral("\n")) + text(fact);
         }
-        shown.why += text(file);
+        shown.path = text(file);
         shown.faces.push_back(
             {FaceId{list_->currentRow()}, shown.title.toStdString(), file, face->face.index});
     }

@@ -286,7 +286,7 @@ void LibraryWindow::showChosen() {
         if (row.sample && !(isDrawing && row.isFamily)) {
             const ListedFace& face = table.faces()[*row.sample];
             chosen.title = text(row.isFamily ? table.families()[face.family].name : called(face));
-            chosen.why += QStringLiteral("\n") + text(table.pathOf(face));
+            chosen.path = text(table.pathOf(face));
         }
     } else if (!rows.empty()) {
         chosen.title =

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/lookpanel.h"
 
-#include "manager/qt/colours.h"
 #include "manager/qt/flowlayout.h"
 #include "manager/view/featurenames.h"
 #include "manager/view/texts.h"
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QPainter>
-#include <QProxyStyle>
 #include <QPushButton>
-#include <QStyleOption>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -29,27 +25,13 @@ QString text(const std::string& plain) {
     return QString::fromStdString(plain);
 }
 
-/// Boxes whose outline can be seen on any paper: the toolkit's own is the paper, a little darker.
-class OutlinedBoxes : public QProxyStyle {
-public:
-    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                       const QWidget* widget) const override {
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
-        if (element == PE_IndicatorCheckBox && baseStyle()->name() == QLatin1String("fusion")) {
-            painter->setPen(colourOf(FaceState::Inactive, option->palette.color(QPalette::Window)));
-            painter->setBrush(Qt::NoBrush);
-            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-        }
-    }
-};
-
 } // namespace
 
 LookPanel::LookPanel(std::function<void()> changed, QWidget* parent)
-    : QScrollArea(parent), changed_(std::move(changed)), boxes_(new OutlinedBoxes) {
-    boxes_->setParent(this);
+    : QScrollArea(parent), changed_(std::move(changed)) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::ClickFocus); // it scrolls to what Tab reaches
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     clear();
@@ -142,7 +124,24 @@ void LookPanel::offer(const faces::Face& face, const std::vector<faces::Face>& i
         addReset(*top);
     }
     setWidget(content.release()); // whole: what is not shown yet has no height
+    orderStops();
     fit();
+}
+
+// What is made anew comes last in the window.
+void LookPanel::orderStops() {
+    auto stops = widget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    // Made when it is known that there is something to reset, though it stands at the top.
+    std::stable_partition(stops.begin(), stops.end(), [this](QWidget* stop) {
+        return stop == instances_ || qobject_cast<QPushButton*>(stop) != nullptr;
+    });
+    QWidget* before = this;
+    for (QWidget* const stop : stops) {
+        if (stop->focusPolicy() != Qt::NoFocus) { // nothing can come after one that has none
+            setTabOrder(before, stop);
+            before = stop;
+        }
+    }
 }
 
 void LookPanel::addInstances(QBoxLayout& row, const std::vector<faces::Face>& instances,
@@ -208,7 +207,6 @@ void LookPanel::addFeatures(QVBoxLayout& column, const std::vector<std::string>&
     for (const std::string& tag : tags) {
         if (isChoice(tag) && !features_.contains(tag)) {
             auto* const box = new QCheckBox(text(featureName(tag)));
-            box->setStyle(boxes_);
             box->setChecked(isOnByItself(tag));
             flow->addWidget(box);
             features_.emplace(tag, box);

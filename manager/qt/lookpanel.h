@@ -63,6 +63,7 @@ private:
     void addAxis(QGridLayout& grid, const faces::Axis& axis, double own);
     void addFeatures(QVBoxLayout& column, const std::vector<std::string>& tags);
     void addReset(QBoxLayout& row);
+    void orderStops();
     void move(const Places& places);
     void tell();
     /// Has the box name the instance where the axes stand, if there is one.
@@ -72,7 +73,6 @@ private:
     void reset();
 
     std::function<void()> changed_;
-    QStyle* boxes_;
     std::map<std::string, AxisFields> axes_;
     std::map<std::string, QCheckBox*> features_;
     QComboBox* instances_ = nullptr;

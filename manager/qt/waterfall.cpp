@@ -40,8 +40,9 @@ void Waterfall::setLook(const ShownFace& face) {
     viewport()->update();
 }
 
-void Waterfall::setText(const std::string& text) {
+void Waterfall::setText(const std::string& text, bool isOwn) {
     text_ = text;
+    isOwn_ = isOwn;
     layOut();
 }
 
@@ -107,8 +108,7 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(viewport()->rect(), paper);
     if (shown_.empty()) {
         painter.setPen(label);
-        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap,
-                         QString::fromStdString(translated("Choose a font to see it here.")));
+        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyNote_);
         return;
     }
     const int offset = verticalScrollBar()->value();
@@ -132,8 +132,10 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
         }
         painter.setPen(label);
         painter.drawText(QRect(margin, top, width, labelHeight), Qt::AlignLeft, name);
-        const preview::SharedAnswer answer = samples_.line(
-            i, {face.file, face.index, text_, line.pixels, scale, face.axes, face.features});
+        const preview::FaceLine wanted{face.file, face.index, text_,        line.pixels,
+                                       scale,     face.axes,  face.features};
+        const preview::SharedAnswer answer =
+            isOwn_ ? samples_.line(i, wanted) : samples_.readableLine(i, wanted);
         const QRectF area(margin, top + labelHeight, width, line.height - labelHeight);
         if (answer == nullptr) {
             continue;

@@ -21,7 +21,10 @@ public:
     void setFaces(std::vector<ShownFace> faces);
     /// Draws the one face that is shown otherwise, at the place that is looked at.
     void setLook(const ShownFace& face);
-    void setText(const std::string& text);
+    /// `isOwn`: the user's own, which is drawn letter by letter as it is.
+    void setText(const std::string& text, bool isOwn);
+    /// What stands there while there are no faces.
+    void setEmptyNote(const QString& note) { emptyNote_ = note; }
     void setSizes(std::vector<unsigned> sizes);
     void setPaper(Paper paper);
 
@@ -42,6 +45,8 @@ private:
 
     std::vector<ShownFace> shown_;
     std::string text_;
+    bool isOwn_ = false;
+    QString emptyNote_;
     std::vector<unsigned> sizes_{12, 16, 20, 24, 32, 48, 72, 96};
     Paper paper_ = Paper::AsTheWindow;
     std::vector<Line> lines_;

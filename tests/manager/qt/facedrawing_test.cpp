@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Where a line in its face stands, and how it ends where there is no room for all of it.
+#include "manager/qt/facedelegate.h"
 #include "preview/qt/faces.h"
+#include "tests/manager/qt/windowfixture.h"
 
 #include <QColor>
 #include <QImage>
@@ -12,6 +14,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+
+using namespace manager;
 
 namespace managertest {
 
@@ -65,6 +69,46 @@ TEST(ALine, BeginsAtItsSideWhereThereIsRoom) {
             EXPECT_EQ(image.pixelColor(x, height / 2) == Qt::black, x >= begin && x < begin + width)
                 << fromTheRight << x;
         }
+    }
+}
+
+TEST(ALine, StandsInCapitalsWhereAFaceHasNoOtherLetters) {
+    application();
+    Sandbox sandbox;
+    const std::string file = sandbox.write("a.ttf", testsupport::makeFont({}));
+    preview::Faces faces;
+    int changes = 0;
+    Samples samples(faces, [&changes](Samples::Key key) { changes += key == 7 ? 1 : 100; });
+    const auto read = [&](const std::string& text) {
+        const preview::FaceLine line{file, 0, text, 24};
+        preview::SharedAnswer answer;
+        samples.clear();
+        EXPECT_TRUE(await([&] { return (answer = samples.readableLine(7, line)) != nullptr; }));
+        return *answer;
+    };
+    const preview::Answer capitals = read("LILY");
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(read("l\u0131ly").picture.pixels, capitals.picture.pixels) << "a letter is missing";
+    EXPECT_EQ(read("l\u0416\u0131").missing, U"\u0416\u0131") << "a capital is missing, too";
+    EXPECT_LT(changes, 100);
+}
+
+TEST(TheSecondLineOfARow, LosesItsLesserPartBeforeTheOtherIsCut) {
+    application();
+    const Sandbox sandbox; // its fonts
+    const QFontMetrics metrics((QFont()));
+    ListRow row;
+    row.state = "shown by the desktop";
+    row.detail = "/folder/of/copies";
+    for (const bool isDetailFirst : {false, true}) {
+        row.isDetailFirst = isDetailFirst;
+        const QString first = isDetailFirst ? row.detail : row.state;
+        const int all = metrics.horizontalAdvance(row.below());
+        EXPECT_TRUE(row.below().startsWith(first));
+        EXPECT_EQ(belowIn(row, metrics, all), row.below());
+        EXPECT_EQ(belowIn(row, metrics, all - 1), first);
+        const QString cut = belowIn(row, metrics, metrics.horizontalAdvance(first) - 1);
+        EXPECT_TRUE(cut.contains("…") && cut.endsWith("…") != isDetailFirst) << cut.toStdString();
     }
 }
 

@@ -5,9 +5,11 @@
 #include "manager/qt/lookpanel.h"
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QClipboard>
 #include <QPushButton>
 #include <QSlider>
 #include <QStyleOptionButton>
+#include <QTabBar>
 
 #include <gmock/gmock.h>
 
@@ -91,6 +93,7 @@ TEST_F(TheLookPanel, OffersNoAxisThatIsHiddenOrStandsStill) {
 }
 
 TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
+    const auto style = std::make_unique<ReadableStyle>();
     for (const bool dark : {false, true}) {
         QPalette palette;
         palette.setColor(QPalette::Window, dark ? QColor(0x2b, 0x2b, 0x2e) : Qt::white);
@@ -99,6 +102,7 @@ TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
         panel_->setPalette(palette);
         offer({"smcp"});
         QCheckBox& box = *panel_->feature("smcp");
+        box.setStyle(style.get());
         QStyleOptionButton option;
         option.initFrom(&box);
         const QRect mark = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
@@ -106,6 +110,7 @@ TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
         const QPoint edge(mark.left(), mark.center().y());
         EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Window)), 3) << dark;
         EXPECT_GE(contrastOf(image.pixelColor(edge), palette.color(QPalette::Base)), 3) << dark;
+        box.setStyle(nullptr);
     }
 }
 
@@ -120,6 +125,39 @@ public:
     std::vector<CharacterTaker> characters;
 };
 
+TEST(TheFacePane, TellsWhereAFontIsOnOneLine) {
+    application();
+    const Sandbox sandbox;
+    preview::Faces faces;
+    AwkwardSource source;
+    FacePane pane(
+        faces, source, [](const QString&) {}, nullptr);
+    pane.resize(pane.minimumSizeHint());
+    const QString path = "/" + QStringLiteral("folder/").repeated(40) + "One.ttf";
+    pane.show({"One", "inactive", path, {{FaceId{1}, "One", path.toStdString(), 0}}});
+    const QImage page = pane.grab().toImage(); // laid out
+    EXPECT_EQ(pane.width(), pane.minimumSizeHint().width());
+    EXPECT_LT(pane.width(), pane.fontMetrics().horizontalAdvance(path));
+    EXPECT_LT(pane.path().height(), 2 * pane.fontMetrics().height());
+    const QString shown = pane.path().shown();
+    EXPECT_TRUE(shown.startsWith("/folder") && shown.contains("…") && shown.endsWith("One.ttf"))
+        << shown.toStdString();
+    pane.path().actions().front()->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), path);
+
+    const QTabBar& tabs = *pane.views().tabBar();
+    const auto middle = [&pane](const QWidget& widget, const QRect& part) {
+        return widget.mapTo(&pane, part.center()).y();
+    };
+    EXPECT_NEAR(middle(tabs, tabs.tabRect(1)), middle(pane.lookButton(), pane.lookButton().rect()),
+                1);
+    pane.show({"Gone", "not in the library", {}, {}});
+    const QImage gone = pane.waterfall().grab().toImage();
+    pane.show({});
+    EXPECT_TRUE(pane.path().isHidden());
+    EXPECT_NE(pane.waterfall().grab().toImage(), gone) << "it was chosen";
+}
+
 TEST(TheFacePane, AsksAgainForWhatHasNotCome) {
     application();
     const Sandbox sandbox;
@@ -129,8 +167,10 @@ TEST(TheFacePane, AsksAgainForWhatHasNotCome) {
         faces, source, [](const QString&) {}, nullptr);
     pane.lookButton().setChecked(true);
     pane.views().setCurrentWidget(&pane.characters());
-    const ChosenFaces one{.title = {}, .why = {}, .faces = {{FaceId{1}, "One", "/nowhere", 0}}};
-    const ChosenFaces other{.title = {}, .why = {}, .faces = {{FaceId{2}, "Two", "/nowhere", 0}}};
+    const ChosenFaces one{
+        .title = {}, .why = {}, .path = {}, .faces = {{FaceId{1}, "One", "/nowhere", 0}}};
+    const ChosenFaces other{
+        .title = {}, .why = {}, .path = {}, .faces = {{FaceId{2}, "Two", "/nowhere", 0}}};
     pane.show(one);
     pane.show(one); // the first reading has failed
     ASSERT_EQ(source.looks.size(), 2U);
