@@ -60,6 +60,12 @@ QString belowIn(const ListRow& row, const QFontMetrics& metrics, int width) {
     if (metrics.horizontalAdvance(all) <= width) {
         return all;
     }
+    if (row.isDetailFirst && row.same) { // without why
+        QString brief = row.detail + QStringLiteral(" · ") + wordOf(*row.same);
+        if (metrics.horizontalAdvance(brief) <= width) {
+            return brief;
+        }
+    }
     // Of a folder the end tells most.
     return row.isDetailFirst ? metrics.elidedText(row.detail, Qt::ElideMiddle, width)
                              : metrics.elidedText(row.state, Qt::ElideRight, width);

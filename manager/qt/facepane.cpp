@@ -4,9 +4,12 @@
 #include "manager/view/texts.h"
 
 #include <QDesktopServices>
+#include <QEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QStyle>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -18,6 +21,22 @@ namespace {
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
+}
+
+/// An open folder in the colour of a button's text: the toolkit's has light edges on dark ground.
+QIcon folderIcon(const QWidget& around) {
+    constexpr int side = 16;
+    const double scale = around.devicePixelRatioF();
+    QPixmap picture(QSize(side, side) * scale);
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(around.palette().color(QPalette::ButtonText), 1.2, Qt::SolidLine,
+                        Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF({{1.5, 13}, {1.5, 3}, {6, 3}, {7.5, 5}, {13, 5}, {13, 7.5}}));
+    painter.drawPolygon(QPolygonF({{1.5, 13}, {4, 7.5}, {15, 7.5}, {12.5, 13}}));
+    return picture;
 }
 
 } // namespace
@@ -41,7 +60,7 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     why_->setFocusPolicy(Qt::StrongFocus);
     path_ = new PathLabel(this);
     folder_ = new QToolButton(this);
-    folder_->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    folder_->setIcon(folderIcon(*this));
     folder_->setAutoRaise(true);
     folder_->setAccessibleName(text(translated("Open the folder of the font")));
     folder_->setToolTip(folder_->accessibleName());
@@ -130,6 +149,13 @@ void FacePane::show(ChosenFaces chosen) {
     waterfall_->setFaces(std::move(chosen.faces));
     readLook();
     showCharacters();
+}
+
+void FacePane::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange && folder_ != nullptr) {
+        folder_->setIcon(folderIcon(*this));
+    }
+    QWidget::changeEvent(event);
 }
 
 void FacePane::showCharacters() {

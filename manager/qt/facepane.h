@@ -53,6 +53,9 @@ public:
     [[nodiscard]] QToolButton& lookButton() { return *lookButton_; }
     [[nodiscard]] CharacterPane& characters() { return *characters_; }
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QLayout* makeTools(std::function<void(const QString&)> wrote);
     void showText();

@@ -43,6 +43,11 @@ QSize LookPanel::sizeHint() const {
             std::min(neededHeight(), lines * fontMetrics().lineSpacing())};
 }
 
+// A scroll area's own has room for a bar, though there may be nothing to scroll.
+QSize LookPanel::minimumSizeHint() const {
+    return QScrollArea::minimumSizeHint().boundedTo({QWIDGETSIZE_MAX, sizeHint().height()});
+}
+
 void LookPanel::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     fit(); // the features need more lines, or less

@@ -44,6 +44,7 @@ public:
     [[nodiscard]] QComboBox* instances() const { return instances_; } ///< null: there are none
 
     [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -43,11 +43,11 @@ QPalette darkPalette() {
 /// Grabs the window once all lines that it asks for are drawn. False: it could not be written.
 template <class Window>
 bool savePicture(Window& window, const std::filesystem::path& file) {
-    QApplication::processEvents();
-    QPixmap picture = window.grab();
-    while (window.finishLines()) {
+    QPixmap picture;
+    do {
+        QApplication::processEvents(); // also what the layout before asks for
         picture = window.grab();
-    }
+    } while (window.finishLines());
     const bool isWritten = picture.save(QString::fromStdString(file.string()), "PNG");
     if (!isWritten) {
         warn(file.string() + ": cannot be written");

@@ -110,6 +110,10 @@ TEST(TheSecondLineOfARow, LosesItsLesserPartBeforeTheOtherIsCut) {
         const QString cut = belowIn(row, metrics, metrics.horizontalAdvance(first) - 1);
         EXPECT_TRUE(cut.contains("…") && cut.endsWith("…") != isDetailFirst) << cut.toStdString();
     }
+    row.same = FaceState::Active;
+    row.state = wordOf(FaceState::Active) + ": until logout";
+    EXPECT_EQ(belowIn(row, metrics, metrics.horizontalAdvance(row.below()) - 1),
+              row.detail + " · " + wordOf(FaceState::Active));
 }
 
 } // namespace

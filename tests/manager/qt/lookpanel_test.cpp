@@ -103,6 +103,7 @@ TEST_F(TheLookPanel, HasBoxesWhoseOutlinesCanBeSeen) {
         offer({"smcp"});
         QCheckBox& box = *panel_->feature("smcp");
         box.setStyle(style.get());
+        EXPECT_LE(panel_->minimumSizeHint().height(), panel_->widget()->sizeHint().height());
         QStyleOptionButton option;
         option.initFrom(&box);
         const QRect mark = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
@@ -151,6 +152,18 @@ TEST(TheFacePane, TellsWhereAFontIsOnOneLine) {
     };
     EXPECT_NEAR(middle(tabs, tabs.tabRect(1)), middle(pane.lookButton(), pane.lookButton().rect()),
                 1);
+    const QColor ground(0x2b, 0x2b, 0x2e);
+    pane.setPalette(QPalette(QColor(0x3a, 0x3a, 0x3e), ground));
+    double contrast = 0;
+    const auto* const folder = pane.findChild<QToolButton*>({}, Qt::FindDirectChildrenOnly);
+    const QImage icon = folder->icon().pixmap(16).toImage();
+    for (int y = 0; y < icon.height(); ++y) {
+        for (int x = 0; x < icon.width(); ++x) {
+            const QColor pixel = icon.pixelColor(x, y);
+            contrast = std::max(contrast, pixel.alpha() > 0xC0 ? contrastOf(pixel, ground) : 0);
+        }
+    }
+    EXPECT_GE(contrast, leastContrast);
     pane.show({"Gone", "not in the library", {}, {}});
     const QImage gone = pane.waterfall().grab().toImage();
     pane.show({});

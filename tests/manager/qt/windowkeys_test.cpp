@@ -2,6 +2,7 @@
 // The window by the keyboard alone: where Tab leads.
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QScrollBar>
 #include <QSlider>
 
 #include <gmock/gmock.h>
@@ -70,8 +71,13 @@ TEST_F(TheKeyTab, ReachesEverythingOnceInReadingOrder) {
         window_->finishReading();
         ASSERT_EQ(window_->pane().look().findChildren<QSlider*>().empty(), !isOpen);
         window_->pane().views().setCurrentIndex(isOpen ? 1 : 0);
-        static_cast<void>(window_->grab()); // laid out
-        std::map<QWidget*, QRect> areas;    // before what Tab reaches is scrolled to
+        LookPanel& look = window_->pane().look();
+        ASSERT_TRUE(await([&] { // laid out
+            static_cast<void>(window_->grab());
+            return look.isHidden() || (look.height() == look.sizeHint().height() &&
+                                       !look.verticalScrollBar()->isVisible());
+        }));
+        std::map<QWidget*, QRect> areas; // before what Tab reaches is scrolled to
         for (QWidget* const stop : stops()) {
             areas[stop] = areaOf(*stop);
         }
