@@ -2,6 +2,7 @@
 // Keeps the answers that were used last, up to a number of bytes.
 #pragma once
 
+#include "preview/fileidentity.h"
 #include "preview/request.h"
 
 #include <list>
@@ -17,22 +18,27 @@ using SharedAnswer = std::shared_ptr<const Answer>;
 class Cache {
 public:
     explicit Cache(std::size_t maximumBytes) : maximumBytes_(maximumBytes) {}
-    /// Null: there is none.
-    [[nodiscard]] SharedAnswer find(std::string_view key);
-    /// Forgets what has not been used for longest until it fits.
-    void add(const std::string& key, const SharedAnswer& answer);
+    /// Null: there is none of this file.
+    [[nodiscard]] SharedAnswer find(std::string_view key, const FileIdentity& identity);
+    /// In the place of what there was of the key. Forgets what has not been used for longest until
+    /// it fits.
+    void add(const std::string& key, const FileIdentity& identity, const SharedAnswer& answer);
 
 private:
     struct Entry {
         std::string key;
+        FileIdentity identity;
         SharedAnswer answer;
         [[nodiscard]] std::size_t bytes() const;
     };
 
+    using Entries = std::list<Entry>;
+    void forget(Entries::iterator entry);
+
     std::size_t maximumBytes_;
     std::size_t bytes_ = 0;
-    std::list<Entry> entries_; ///< last used first
-    std::unordered_map<std::string_view, std::list<Entry>::iterator> places_;
+    Entries entries_; ///< last used first
+    std::unordered_map<std::string_view, Entries::iterator> places_;
 };
 
 } // namespace preview

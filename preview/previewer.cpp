@@ -2,8 +2,6 @@
 // One request at a time goes to the process, so that the newest is never behind older ones.
 #include "preview/previewer.h"
 
-#include "preview/wire.h"
-
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
@@ -76,7 +74,7 @@ std::vector<Finished> Previewer::take() {
         receive();
     }
     if (current_ && current_->deadline <= Clock::now()) {
-        endChild();
+        dropChild();
         fail("drawing it took longer than " + std::to_string(settings_.timePerLine.count()) + " ms",
              Fault::Delay);
     }
@@ -87,92 +85,113 @@ std::vector<Finished> Previewer::take() {
     return std::exchange(finished_, {});
 }
 
-SharedAnswer Previewer::known(const Work& work) {
-    const auto dangerous = dangerous_.find(work.face);
-    if (dangerous == dangerous_.end()) {
-        return cache_.find(work.key);
+SharedAnswer Previewer::knownOfPath(const FaceKey& face) {
+    const auto dangerous = dangerous_.find(face);
+    if (dangerous == dangerous_.end() || dangerous->second.identity) {
+        return nullptr;
     }
-    if (dangerous->second.end && *dangerous->second.end <= Clock::now()) {
+    if (dangerous->second.end <= Clock::now()) {
         dangerous_.erase(dangerous);
-        return cache_.find(work.key);
+        return nullptr;
     }
     return dangerous->second.answer;
 }
 
-void Previewer::begin() {
-    auto newest = waiting_.extract(std::prev(waiting_.end()));
-    Work work{newest.key(), {}, std::move(newest.mapped()), {}, {}};
-    if (const std::string text = overstepped(work.request); !text.empty()) {
-        finished_.push_back({work.id, problem(work.request, text)});
-        return;
+SharedAnswer Previewer::knownOfFile(const Work& work) {
+    const auto dangerous = dangerous_.find(work.face());
+    if (dangerous != dangerous_.end() && dangerous->second.identity == work.identity) {
+        return dangerous->second.answer;
     }
-    const auto identity = identityOf(work.request.file);
-    if (!identity) {
-        finished_.push_back(
-            {work.id, problem(work.request, std::generic_category().message(errno))});
-        return;
-    }
-    work.face = {*identity, work.request.face};
-    work.key = encode(work.request) +
-               std::string(reinterpret_cast<const char*>(&*identity), sizeof *identity);
-    if (const SharedAnswer answer = known(work)) {
-        finished_.push_back({work.id, answer});
-        return;
-    }
-    send(std::move(work));
+    return cache_.find(work.order, *work.identity);
 }
 
-void Previewer::send(Work work) {
-    work.deadline = Clock::now() + settings_.timePerLine;
-    current_.emplace(std::move(work));
+void Previewer::begin() {
+    auto newest = waiting_.extract(std::prev(waiting_.end()));
+    current_.emplace(Work{newest.key(), std::move(newest.mapped()), {}, {}, {}});
     isCancelled_ = false;
+    Work& work = *current_;
+    if (const std::string text = overstepped(work.request); !text.empty()) {
+        finish(problem(work.request, text));
+        return;
+    }
+    if (const SharedAnswer answer = knownOfPath(work.face())) {
+        finish(answer);
+        return;
+    }
+    work.order = encode(Order{Task::Draw, work.request});
+    work.deadline = Clock::now() + settings_.timePerLine;
+    start();
+    if (child_) {
+        send(encode(Order{Task::Look, work.request}));
+    }
+}
+
+void Previewer::start() {
+    // Processes that wait for a broken disk outlive being killed; there may be a face on it in each
+    // row of a window.
+    constexpr std::size_t maximumLingering = 8;
     try {
-        if (!child_) {
+        if (!child_ && sys::Child::lingering() >= maximumLingering) {
+            fail("too many processes hang that were to draw others", Fault::Other);
+        } else if (!child_) {
             child_.emplace(settings_.program,
                            std::array{std::to_string(settings_.memory),
                                       std::to_string(settings_.processorSeconds)});
             watch(events_.get(), child_->socket());
         }
     } catch (const std::system_error& error) {
-        endChild();
+        dropChild();
         fail(std::string("it cannot be drawn: ") + error.what(), Fault::Other);
-        return;
     }
+}
+
+void Previewer::send(const std::string& order) {
     // It fits: a process that waits has taken all that was sent before.
-    const std::string message = encode(current_->request);
-    const ssize_t sent = ::send(child_->socket(), message.data(), message.size(), MSG_NOSIGNAL);
-    if (sent != static_cast<ssize_t>(message.size())) {
-        endChild();
+    const ssize_t sent = ::send(child_->socket(), order.data(), order.size(), MSG_NOSIGNAL);
+    if (sent != static_cast<ssize_t>(order.size())) {
+        dropChild();
         fail("the preview process takes no requests", Fault::Other);
     }
 }
 
 void Previewer::receive() {
     std::array<char, 65536> block{};
-    for (;;) {
+    while (child_) {
         const ssize_t count = recv(child_->socket(), block.data(), block.size(), 0);
-        if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
-            if (errno == EAGAIN) {
-                return;
-            }
+        if (count < 0 && errno == EINTR) {
             continue;
         }
+        if (count < 0 && errno == EAGAIN) {
+            return;
+        }
         if (count <= 0) {
-            const sys::Ending ending = endChild();
-            std::string how = " with status " + std::to_string(ending.status);
-            if (ending.signal != 0) {
-                how = std::string(" (") + strsignal(ending.signal) + ")";
-            }
-            fail("the preview process ended while drawing it" + how,
-                 isFault(ending.signal) ? Fault::Face : Fault::Other);
+            learnEnding();
             return;
         }
         received_.append(block.data(), static_cast<std::size_t>(count));
         understand();
-        if (!child_) {
-            return;
-        }
     }
+}
+
+void Previewer::learnEnding() {
+    if (!current_) {
+        dropChild();
+        return;
+    }
+    const std::optional<sys::Ending> ending = child_->tryEnd();
+    if (!ending) {
+        // The timer comes back to it; the closed socket would without pause.
+        isEnding_ = true;
+        epoll_ctl(events_.get(), EPOLL_CTL_DEL, child_->socket(), nullptr);
+        return;
+    }
+    std::string how = " with status " + std::to_string(ending->status);
+    if (ending->signal != 0) {
+        how = std::string(" (") + strsignal(ending->signal) + ")";
+    }
+    dropChild();
+    fail("the preview process ended while drawing it" + how,
+         isFault(ending->signal) ? Fault::Face : Fault::Other);
 }
 
 void Previewer::understand() {
@@ -181,22 +200,43 @@ void Previewer::understand() {
         (length <= maximumAnswerBody && received_.size() < lengthSize + length)) {
         return;
     }
-    std::optional<Answer> answer;
-    if (current_ && received_.size() == lengthSize + length) {
-        answer = decodeAnswer(std::string_view(received_).substr(lengthSize));
-    }
-    if (!answer) {
-        endChild();
+    const std::string message = std::exchange(received_, {});
+    const std::string_view body = std::string_view(message).substr(lengthSize);
+    if (!current_ || body.size() != length ||
+        !(current_->identity ? takeDrawing(body) : takeLook(body))) {
+        dropChild();
         fail("what the preview process said of it is no answer", Fault::Face);
-        return;
     }
-    received_.clear();
+}
+
+bool Previewer::takeLook(std::string_view body) {
+    const auto look = decodeLook(body);
+    if (!look) {
+        return false;
+    }
+    if (!look->problem.empty()) {
+        finish(std::make_shared<const Answer>(Answer{look->problem}));
+        return true;
+    }
+    current_->identity = look->identity;
+    if (const SharedAnswer answer = knownOfFile(*current_)) {
+        finish(answer);
+    } else {
+        send(current_->order);
+    }
+    return true;
+}
+
+bool Previewer::takeDrawing(std::string_view body) {
+    auto answer = decodeAnswer(body);
+    if (!answer) {
+        return false;
+    }
     const auto shared = std::make_shared<const Answer>(std::move(*answer));
-    // Else it may be of another file than the one that was asked for.
-    if (identityOf(current_->request.file) == current_->face.first) {
-        cache_.add(current_->key, shared);
-    }
+    // Of a file that has changed since the look it is found no more: the next look differs.
+    cache_.add(current_->order, *current_->identity, shared);
     finish(shared);
+    return true;
 }
 
 void Previewer::finish(const SharedAnswer& answer) {
@@ -211,20 +251,23 @@ void Previewer::fail(const std::string& why, Fault fault) {
         return; // it was idle: the next request starts another one
     }
     const SharedAnswer answer = problem(current_->request, why);
-    if (fault == Fault::Face) {
-        dangerous_.insert_or_assign(current_->face, Danger{answer, std::nullopt});
+    if (fault == Fault::Face && current_->identity) {
+        dangerous_.insert_or_assign(current_->face(), Danger{answer, current_->identity, {}});
     } else if (fault == Fault::Delay) {
-        dangerous_.insert_or_assign(current_->face,
-                                    Danger{answer, Clock::now() + settings_.timeUntilRetry});
+        dangerous_.insert_or_assign(
+            current_->face(),
+            Danger{answer, std::nullopt, Clock::now() + settings_.timeUntilRetry});
     }
     finish(answer);
 }
 
-sys::Ending Previewer::endChild() {
+void Previewer::dropChild() {
     received_.clear();
-    const sys::Ending ending = child_ ? child_->end() : sys::Ending{};
+    isEnding_ = false;
+    if (child_) {
+        child_->letGo();
+    }
     child_.reset(); // the closed socket has left the epoll
-    return ending;
 }
 
 void Previewer::setTimer() {
@@ -232,8 +275,11 @@ void Previewer::setTimer() {
     if (!current_ && !waiting_.empty()) {
         time.it_value.tv_nsec = 1; // at once
     } else if (current_) {
-        const auto left = std::max<std::chrono::nanoseconds>(current_->deadline - Clock::now(),
-                                                             std::chrono::nanoseconds(1));
+        std::chrono::nanoseconds left = current_->deadline - Clock::now();
+        if (isEnding_) {
+            left = std::min<std::chrono::nanoseconds>(left, std::chrono::milliseconds(1));
+        }
+        left = std::max(left, std::chrono::nanoseconds(1));
         const auto seconds = std::chrono::floor<std::chrono::seconds>(left);
         time.it_value.tv_sec = seconds.count();
         time.it_value.tv_nsec = (left - seconds).count();

@@ -3,12 +3,12 @@
 //
 // A window asks for what it is about to show, cancels what scrolled away, watches `descriptor()` in
 // its event loop and calls `take()` when that is readable. A font that ends the process or takes
-// too long costs the window nothing but its own picture.
+// too long costs the window nothing but its own picture. The window's thread looks at no font file
+// and waits for no process: a disk that does not answer holds up neither.
 #pragma once
 
 #include "preview/cache.h"
-#include "preview/fileidentity.h"
-#include "preview/request.h"
+#include "preview/wire.h"
 #include "system/child.h"
 
 #include <chrono>
@@ -48,7 +48,7 @@ public:
     explicit Previewer(PreviewSettings settings);
     Previewer(const Previewer&) = delete;
     Previewer& operator=(const Previewer&) = delete;
-    ~Previewer() = default;
+    ~Previewer() { dropChild(); }
 
     /// Only notes it: `take()` answers it, once, unless it is cancelled.
     [[nodiscard]] RequestId request(Request request);
@@ -62,45 +62,56 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    /// A face of a file as it is.
-    using FaceKey = std::pair<FileIdentity, std::uint32_t>;
+    /// A file and a face in it.
+    using FaceKey = std::pair<std::string, std::uint32_t>;
 
     struct Work {
         RequestId id;
-        FaceKey face;
         Request request;
-        std::string key; ///< of the cache
+        std::string order; ///< to draw it; the key of the cache
         Clock::time_point deadline;
+        std::optional<FileIdentity> identity; ///< once the process has looked
+
+        [[nodiscard]] FaceKey face() const { return {request.file, request.face}; }
     };
 
-    [[nodiscard]] SharedAnswer known(const Work& work);
+    /// What may be said before the process has looked at the file, and after.
+    [[nodiscard]] SharedAnswer knownOfPath(const FaceKey& face);
+    [[nodiscard]] SharedAnswer knownOfFile(const Work& work);
     void begin();
-    void send(Work work);
+    void start();
+    void send(const std::string& order);
     void receive();
     void understand();
+    [[nodiscard]] bool takeLook(std::string_view body);
+    [[nodiscard]] bool takeDrawing(std::string_view body);
+    void learnEnding();
     void finish(const SharedAnswer& answer);
     /// Whose fault it is that nothing was drawn.
     enum class Fault {
-        Face,  ///< it fails until its file changes
+        Face,  ///< it fails until its file changes, if that is known
         Delay, ///< it may succeed later
         Other,
     };
     void fail(const std::string& why, Fault fault);
-    sys::Ending endChild();
+    void dropChild();
     void setTimer();
 
     PreviewSettings settings_;
     sys::Descriptor events_; ///< an epoll of the timer and the child's socket
     sys::Descriptor timer_;
     std::optional<sys::Child> child_;
+    bool isEnding_ = false; ///< the child, by itself; how is not known yet
     std::map<RequestId, Request> waiting_;
     std::optional<Work> current_;
     bool isCancelled_ = false; ///< the current one; its answer is still worth keeping
     std::string received_;
-    /// What to say of faces that ended the process, or kept it too long; until when, if at all.
+    /// What to say of a face that ended the process, as long as its file is this one; or that kept
+    /// it too long, whatever its file is, up to a time.
     struct Danger {
         SharedAnswer answer;
-        std::optional<Clock::time_point> end;
+        std::optional<FileIdentity> identity;
+        Clock::time_point end;
     };
     std::map<FaceKey, Danger> dangerous_;
     Cache cache_;

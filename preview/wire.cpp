@@ -113,8 +113,10 @@ std::string overstepped(const Request& request) {
     return good ? std::string() : "the axes or features are too many or malformed";
 }
 
-std::string encode(const Request& request) {
+std::string encode(const Order& order) {
+    const Request& request = order.request;
     Writer out;
+    out.number(static_cast<std::size_t>(order.task));
     out.number(request.face);
     out.number(request.pixels);
     out.fraction(request.scale);
@@ -128,6 +130,16 @@ std::string encode(const Request& request) {
     out.number(request.features.size());
     for (const std::string& feature : request.features) {
         out.text(feature);
+    }
+    return out.message();
+}
+
+std::string encode(const Look& look) {
+    Writer out;
+    out.text(look.problem);
+    for (const std::int64_t number : look.identity) {
+        out.number(static_cast<std::uint32_t>(number));
+        out.number(static_cast<std::uint32_t>(number >> 32));
     }
     return out.message();
 }
@@ -151,9 +163,12 @@ std::size_t bodyLength(std::string_view bytes) {
     return Reader(bytes).number();
 }
 
-std::optional<Request> decodeRequest(std::string_view body) {
+std::optional<Order> decodeOrder(std::string_view body) {
     Reader in(body);
-    Request request;
+    Order order;
+    const std::uint32_t task = in.number();
+    order.task = task == 0 ? Task::Look : Task::Draw;
+    Request& request = order.request;
     request.face = in.number();
     request.pixels = in.number();
     request.scale = in.fraction();
@@ -168,10 +183,24 @@ std::optional<Request> decodeRequest(std::string_view body) {
     for (std::string& feature : request.features) {
         feature = in.text();
     }
-    if (in.failed() || !in.rest().empty() || !overstepped(request).empty()) {
+    if (in.failed() || task > 1 || !in.rest().empty() || !overstepped(request).empty()) {
         return std::nullopt;
     }
-    return request;
+    return order;
+}
+
+std::optional<Look> decodeLook(std::string_view body) {
+    Reader in(body);
+    Look look;
+    look.problem = in.text();
+    for (std::int64_t& number : look.identity) {
+        const std::uint64_t low = in.number();
+        number = static_cast<std::int64_t>(low | std::uint64_t{in.number()} << 32U);
+    }
+    if (in.failed() || !in.rest().empty()) {
+        return std::nullopt;
+    }
+    return look;
 }
 
 std::optional<Answer> decodeAnswer(std::string_view body) {

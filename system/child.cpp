@@ -10,7 +10,9 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <mutex>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace sys {
@@ -49,10 +51,21 @@ public:
     posix_spawnattr_t attributes{};
 };
 
+struct LetGo {
+    std::mutex mutex;
+    std::vector<pid_t> processes;
+};
+
+LetGo& letGoProcesses() {
+    static LetGo all;
+    return all;
+}
+
 } // namespace
 
 Child::Child(const std::filesystem::path& program, std::span<const std::string> arguments,
              Output output) {
+    static_cast<void>(lingering());
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) != 0) {
         throw std::system_error(errno, std::generic_category(), "no socket");
@@ -78,17 +91,49 @@ Child::Child(const std::filesystem::path& program, std::span<const std::string> 
     }
 }
 
-Ending Child::end() noexcept {
+std::optional<Ending> Child::wait(int options) noexcept {
     if (process_ <= 0) {
-        return {};
+        return Ending{};
     }
     kill(process_, SIGKILL); // one that is ending already keeps its own cause
     int status = 0;
-    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+    pid_t ended = 0;
+    do {
+        ended = waitpid(process_, &status, options);
+    } while (ended < 0 && errno == EINTR);
+    if (ended == 0) {
+        return std::nullopt;
     }
     process_ = -1;
     static_cast<void>(socket_.close());
     return WIFSIGNALED(status) ? Ending{WTERMSIG(status), 0} : Ending{0, WEXITSTATUS(status)};
+}
+
+Ending Child::end() noexcept {
+    return wait(0).value_or(Ending{});
+}
+
+std::optional<Ending> Child::tryEnd() noexcept {
+    return wait(WNOHANG);
+}
+
+void Child::letGo() {
+    const pid_t process = process_;
+    if (!tryEnd()) {
+        LetGo& all = letGoProcesses();
+        const std::lock_guard lock(all.mutex);
+        all.processes.push_back(process);
+        process_ = -1;
+        static_cast<void>(socket_.close());
+    }
+}
+
+std::size_t Child::lingering() {
+    LetGo& all = letGoProcesses();
+    const std::lock_guard lock(all.mutex);
+    std::erase_if(all.processes,
+                  [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; });
+    return all.processes.size();
 }
 
 void limitThisProcess(std::size_t memory) noexcept {

@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -37,10 +38,20 @@ public:
     [[nodiscard]] int socket() const noexcept { return socket_.get(); }
     /// Its number; 0 or below once it was ended.
     [[nodiscard]] pid_t process() const noexcept { return process_; }
-    /// Kills it unless it has ended by itself, and tells how it ended.
+    /// Kills it unless it has ended by itself, and tells how it ended. Blocks until it has: one
+    /// that waits for a broken disk may take forever.
     Ending end() noexcept;
+    /// The same without blocking; nothing: it is still about to end.
+    [[nodiscard]] std::optional<Ending> tryEnd() noexcept;
+    /// Kills it and waits for nothing: what the system keeps of it is taken away when another
+    /// process is started or counted.
+    void letGo();
+    /// How many of this process' were let go and have not ended yet. [any-thread]
+    [[nodiscard]] static std::size_t lingering();
 
 private:
+    std::optional<Ending> wait(int options) noexcept;
+
     Descriptor socket_;
     pid_t process_ = -1;
 };

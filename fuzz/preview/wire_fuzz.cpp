@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a request and as an answer: refused, or within the limits and the same when it is
-// sent on.
+// Any bytes as an order, a look and an answer: refused, or within the limits and the same when it
+// is sent on.
 #include "fuzz/require.h"
 #include "preview/wire.h"
 
@@ -22,12 +22,15 @@ void sendOn(const Message& message, std::string_view body, std::size_t maximum) 
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view body(reinterpret_cast<const char*>(data), size);
-    if (const auto request = decodeRequest(body)) {
-        REQUIRE(overstepped(*request).empty());
-        sendOn(*request, body, maximumRequestBody);
+    if (const auto order = decodeOrder(body)) {
+        REQUIRE(overstepped(order->request).empty());
+        sendOn(*order, body, maximumRequestBody);
     }
     if (size > maximumAnswerBody) {
         return 0;
+    }
+    if (const auto look = decodeLook(body)) {
+        sendOn(*look, body, maximumAnswerBody);
     }
     if (const auto answer = decodeAnswer(body)) {
         const Picture& picture = answer->picture;

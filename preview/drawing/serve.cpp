@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Reading whole requests, and answering also where a line took too much memory.
+// Reading whole orders, and answering also where a line took too much memory.
 #include "preview/drawing/serve.h"
 
-#include "preview/wire.h"
 #include "system/child.h"
 
 #include <sys/socket.h>
@@ -12,6 +11,7 @@
 #include <cstdio>
 #include <new>
 #include <string_view>
+#include <system_error>
 
 namespace preview {
 
@@ -58,7 +58,14 @@ bool parse(std::string_view text, Number& number) {
 
 } // namespace
 
-bool serve(int socket, unsigned seconds, const DrawFunction& draw) {
+Look lookAt(const std::string& file) {
+    if (const auto identity = identityOf(file)) {
+        return {{}, *identity};
+    }
+    return {file + ": " + std::generic_category().message(errno)};
+}
+
+bool serve(int socket, unsigned seconds, const DrawFunction& draw, const LookFunction& look) {
     std::string bytes;
     while (receive(socket, bytes, lengthSize)) {
         const std::size_t length = bodyLength(bytes);
@@ -68,19 +75,21 @@ bool serve(int socket, unsigned seconds, const DrawFunction& draw) {
         if (!receive(socket, bytes, length)) {
             break;
         }
-        const auto request = decodeRequest(bytes);
-        if (!request) {
+        const auto order = decodeOrder(bytes);
+        if (!order) {
             return false;
         }
         sys::allowProcessorTime(seconds);
-        if (!send(socket, answerTo(*request, draw))) {
+        const Request& request = order->request;
+        if (!send(socket, order->task == Task::Look ? encode(look(request.file))
+                                                    : answerTo(request, draw))) {
             break;
         }
     }
     return true;
 }
 
-int serveMain(int argc, char** argv, const DrawFunction& draw) {
+int serveMain(int argc, char** argv, const DrawFunction& draw, const LookFunction& look) {
     std::size_t memory = 0;
     unsigned seconds = 0;
     if (argc != 3 || !parse(argv[1], memory) || !parse(argv[2], seconds)) {
@@ -89,7 +98,7 @@ int serveMain(int argc, char** argv, const DrawFunction& draw) {
         return 2;
     }
     sys::limitThisProcess(memory);
-    return serve(STDIN_FILENO, seconds, draw) ? 0 : 1;
+    return serve(STDIN_FILENO, seconds, draw, look) ? 0 : 1;
 }
 
 } // namespace preview

@@ -9,11 +9,15 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 
 #include <limits>
+#include <memory>
+#include <thread>
 
 using namespace preview;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::StartsWith;
 
 namespace {
@@ -98,7 +102,9 @@ TEST_F(APreview, IsKeptUntilItsFileChangesOrTheBoundIsReached) {
     EXPECT_EQ(answer(previewer, say("a")), first) << "it was used lately";
     EXPECT_EQ(answer(previewer, say("b"))->picture.pixels, "\5") << "it was kept beyond the bound";
     folder_.write("font", "changed");
-    EXPECT_EQ(answer(previewer, say("a"))->picture.pixels, "\6");
+    const SharedAnswer changed = answer(previewer, say("a"));
+    EXPECT_EQ(changed->picture.pixels, "\6");
+    EXPECT_EQ(answer(previewer, say("a")), changed);
 }
 
 struct Misdeed {
@@ -161,6 +167,53 @@ TEST_F(APreview, IsTriedAgainWhereItTookTooLongButNotWhereItCrashed) {
     EXPECT_EQ(answer(previewer, say("draw"))->problem, crash);
     folder_.write("font", "changed");
     EXPECT_EQ(answer(previewer, say("draw"))->problem, "");
+}
+
+TEST_F(APreview, LetsItsProcessAloneLookAtAFile) {
+    Previewer previewer(awkward_);
+    const SharedAnswer there = answer(previewer, say("draw", "elsewhere"));
+    EXPECT_EQ(there->problem, "");
+    EXPECT_EQ(answer(previewer, say("draw", "elsewhere")), there);
+    EXPECT_NE(answer(previewer, say("draw", "elsewhere")), there) << "it is another one now";
+
+    PreviewSettings impatient = awkward_;
+    impatient.timePerLine = std::chrono::milliseconds(200);
+    Previewer hindered(impatient);
+    const SharedAnswer hung = answer(hindered, say("draw", "hung"));
+    EXPECT_THAT(hung->problem, EndsWith("hung: drawing it took longer than 200 ms"));
+    EXPECT_EQ(answer(hindered, say("something else", "hung")), hung) << "it was looked at again";
+}
+
+TEST_F(APreview, WaitsForNoProcessToEnd) {
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    while (sys::Child::lingering() != 0) { // those of tests before
+        std::this_thread::yield();
+    }
+    std::optional<Previewer> previewer(awkward_);
+    if (answer(*previewer, say("linger", "pipe"))->problem == "no tracing") {
+        GTEST_SKIP() << "no process can be had that does not end";
+    }
+    PreviewSettings settings = awkward_;
+    settings.timePerLine = std::chrono::seconds(10); // for it to leave in
+    previewer.emplace(settings);
+    EXPECT_EQ(answer(*previewer, say("linger and leave", "pipe"))->problem,
+              pipe + ": drawing it took longer than 10000 ms");
+    previewer.emplace(awkward_);
+    Request request = say("linger and say nonsense", "pipe");
+    std::string problem;
+    do {
+        EXPECT_EQ(sys::Child::lingering(), 2 + request.face++);
+        problem = answer(*previewer, request)->problem;
+    } while (problem == pipe + ": what the preview process said of it is no answer");
+    EXPECT_EQ(problem, pipe + ": too many processes hang that were to draw others");
+    EXPECT_EQ(sys::Child::lingering(), 8U) << "a window may have many rows";
+    // It opens as there are readers, and those that come later read until it is closed.
+    const sys::Descriptor release(open(pipe.c_str(), O_WRONLY | O_CLOEXEC));
+    while (sys::Child::lingering() != 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(answer(*previewer, say("draw"))->problem, "");
 }
 
 TEST_F(APreview, MayTakeNoMoreMemoryThanItsProcessHas) {

@@ -244,6 +244,7 @@ TEST_F(AFontChooser, SurvivesTheProcessThatDraws) {
         EXPECT_TRUE(becomes([&] { return imageOf(50) != waiting; }));
     });
     windows.reset();
+    EXPECT_TRUE(becomes([] { return sys::Child::lingering() == 0; }));
     EXPECT_THAT(children(), IsEmpty());
 }
 
