@@ -107,7 +107,7 @@ SharedAnswer Previewer::knownOfFile(const Work& work) {
 
 void Previewer::begin() {
     auto newest = waiting_.extract(std::prev(waiting_.end()));
-    current_.emplace(Work{newest.key(), std::move(newest.mapped()), {}, {}, {}});
+    current_.emplace(Work{newest.key(), std::move(newest.mapped()), {}, {}, lastId_, {}});
     isCancelled_ = false;
     Work& work = *current_;
     if (const std::string text = overstepped(work.request); !text.empty()) {
@@ -121,7 +121,12 @@ void Previewer::begin() {
     work.order = encode(Order{Task::Draw, work.request});
     work.deadline = Clock::now() + settings_.timePerLine;
     start();
-    if (child_) {
+    if (!child_) {
+        return;
+    }
+    if (work.id <= looked_.last && work.request.file == looked_.file) {
+        answerOrDraw(looked_.identity);
+    } else {
         send(encode(Order{Task::Look, work.request}));
     }
 }
@@ -218,13 +223,18 @@ bool Previewer::takeLook(std::string_view body) {
         finish(std::make_shared<const Answer>(Answer{look->problem}));
         return true;
     }
-    current_->identity = look->identity;
+    looked_ = {current_->request.file, look->identity, current_->lastAsked};
+    answerOrDraw(look->identity);
+    return true;
+}
+
+void Previewer::answerOrDraw(const FileIdentity& identity) {
+    current_->identity = identity;
     if (const SharedAnswer answer = knownOfFile(*current_)) {
         finish(answer);
     } else {
         send(current_->order);
     }
-    return true;
 }
 
 bool Previewer::takeDrawing(std::string_view body) {

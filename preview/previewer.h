@@ -70,6 +70,7 @@ private:
         Request request;
         std::string order; ///< to draw it; the key of the cache
         Clock::time_point deadline;
+        RequestId lastAsked;                  ///< when it began
         std::optional<FileIdentity> identity; ///< once the process has looked
 
         [[nodiscard]] FaceKey face() const { return {request.file, request.face}; }
@@ -84,6 +85,7 @@ private:
     void receive();
     void understand();
     [[nodiscard]] bool takeLook(std::string_view body);
+    void answerOrDraw(const FileIdentity& identity);
     [[nodiscard]] bool takeDrawing(std::string_view body);
     void learnEnding();
     void finish(const SharedAnswer& answer);
@@ -114,6 +116,12 @@ private:
         Clock::time_point end;
     };
     std::map<FaceKey, Danger> dangerous_;
+    /// The last look, as lines of a file come together: it holds for those that had been asked for.
+    struct Looked {
+        std::string file;
+        FileIdentity identity{};
+        RequestId last = 0;
+    } looked_;
     Cache cache_;
     std::vector<Finished> finished_;
     RequestId lastId_ = 0;
