@@ -30,8 +30,14 @@ Waterfall::Waterfall(preview::Faces& faces, QWidget* parent)
 }
 
 void Waterfall::setFaces(std::vector<ShownFace> faces) {
+    const auto isSame = [](const ShownFace& a, const ShownFace& b) {
+        return a.file == b.file && a.index == b.index;
+    };
+    const bool areOthers = !std::ranges::equal(faces, shown_, isSame);
     shown_ = std::move(faces);
-    verticalScrollBar()->setValue(0);
+    if (areOthers) { // else news came of those that are looked at
+        verticalScrollBar()->setValue(0);
+    }
     layOut();
 }
 

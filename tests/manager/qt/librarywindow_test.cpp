@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QToolButton>
 #include <QUrl>
@@ -360,6 +361,9 @@ TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
     list.setExpanded(window_->model().index(0, 0), true);
     const QModelIndex alpha = window_->model().index(0, 0);
     list.setCurrentIndex(window_->model().index(1, 0, alpha));
+    QScrollBar& preview = *window_->pane().waterfall().verticalScrollBar();
+    ASSERT_TRUE(await([&] { return preview.maximum() > 20; }));
+    preview.setValue(20);
     sandbox_.write("a.ttf", testsupport::makeFont({"Aaa", "Regular", "Aaa-Regular"}));
     glyphora({QStringLiteral("scan")});
     ASSERT_TRUE(await([this] { return window_->model().rowCount() == 3; }));
@@ -368,6 +372,9 @@ TEST_F(TheLibrarysWindow, FollowsOthersAndKeepsItsPlace) {
     EXPECT_EQ(list.currentIndex().row(), 1);
     glyphora({QStringLiteral("activate"), QStringLiteral("Alpha")});
     EXPECT_TRUE(awaitHeard({{1, "Alpha, 2 styles, active"}}));
+    EXPECT_EQ(preview.value(), 20);
+    list.setCurrentIndex(window_->model().index(0, 0));
+    EXPECT_TRUE(await([&] { return preview.value() == 0; }));
 }
 
 TEST_F(TheLibrarysWindow, ListsWhatADrawingMayUseAndActivatesIt) {
