@@ -167,13 +167,16 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
                     const Reason& reason, bool json) {
     const CancelBySignals cancel;
     Tally tally(json, "activated");
-    const bool forSession = reason.kind == Reason::Kind::UntilLogout;
-    const std::vector<std::string> meant = containersOfFiles(places, names, forSession, tally);
+    SessionCopies copies(places);
+    const bool isForSession = reason.kind == Reason::Kind::UntilLogout;
+    const std::vector<std::string> meant =
+        containersOfFiles(places, names, isForSession ? &copies : nullptr, tally);
     Activation activation(places);
     ContainerNames finder(
         places, activation, [&] { return openScanned(places); }, tally);
     std::vector<ContainerFonts> fonts;
     std::vector<ContainerId> ids;
+    std::vector<std::string> folders;
     std::vector<Told> told;
     for (const Container& container : finder.find(meant)) {
         checkCancelled();
@@ -190,10 +193,16 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
         fonts.push_back(wholeOf(container, {reason}, finder.library(), activation,
                                 [&]() -> const DesktopFaces& { return activation.desktopNow(); }));
         ids.push_back(container.id);
+        folders.push_back(container.folder);
         told.push_back({"activated " + called(container), toJson(container)});
     }
     const auto outcomes = doInBatches(fonts, activatedAtOnce, Work::Activate, tally,
                                       [&](auto batch) { return activation.activate(batch); });
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (activation.hasSet(ids[i])) {
+            copies.keep(folders[i]);
+        }
+    }
     tell(places, outcomes, told, tally);
     tellOthers(activation, ids, outcomes);
     if ((reason != Reason::byHand() && !tally.isEmpty()) || isAnyPostponed(outcomes)) {

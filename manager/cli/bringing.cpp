@@ -197,12 +197,10 @@ private:
         if (path = joinPath(places_.singleFonts(), place); haveEqualBytes(path, file)) {
             return path;
         }
-        for (const faces::Face& face : font.contents.faces) {
-            for (const FaceMatch& match : library_->findByPostScriptName(face.postScriptName)) {
-                std::string known = joinPath(match.folder, match.fileName);
-                if (!isForSession(known) && haveEqualBytes(known, file)) {
-                    return known;
-                }
+        for (const FaceMatch& match : findNamesakes(*library_, font.contents)) {
+            std::string known = joinPath(match.folder, match.fileName);
+            if (!isForSession(known) && haveEqualBytes(known, file)) {
+                return known;
             }
         }
         return {};

@@ -1,19 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "manager/cli/fontfiles.h"
 
-#include "manager/activation/filesteps.h"
+#include "faces/fontfile.h"
+#include "faces/namekey.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/libraryops.h"
+#include "manager/library/error.h"
 #include "manager/library/folders.h"
 #include "manager/library/fontanswer.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <utility>
 #include <variant>
 
@@ -34,15 +37,6 @@ std::vector<FontFileOutcome> readAll(const std::vector<std::string>& files) {
 bool isFile(const std::string& path) {
     std::error_code ignored;
     return fs::is_regular_file(path, ignored);
-}
-
-// A folder of its own for each, so that no two are one container that is switched as a whole.
-void copyForSession(const std::string& folder, const std::string& file) {
-    std::string own = joinPath(folder, "font-XXXXXX");
-    if (mkdtemp(own.data()) == nullptr) {
-        throw systemError(own, "cannot be made", errno);
-    }
-    cloneOrCopy(file, joinPath(own, fs::path(file).filename().string()));
 }
 
 } // namespace
@@ -104,29 +98,45 @@ std::vector<std::string> problemsOf(const std::vector<std::string>& files) {
     return problems;
 }
 
+std::vector<FaceMatch> findNamesakes(Library& library, const faces::FontFileContents& contents) {
+    std::vector<FaceMatch> found;
+    std::set<std::string> names; // of collections many faces have the same family
+    for (const faces::Face& face : contents.faces) {
+        std::vector<FaceMatch> matches;
+        if (!faces::postScriptKey(face.postScriptName).empty()) {
+            matches = library.findByPostScriptName(face.postScriptName);
+        } else if (!face.names.empty()) {
+            const std::string family = faces::nameKey(face.names.front().family);
+            if (names.insert(family).second) {
+                matches = library.findByFamily(family);
+            }
+        }
+        std::move(matches.begin(), matches.end(), std::back_inserter(found));
+    }
+    return found;
+}
+
 std::optional<FileInLibrary> findInLibrary(Library& library, const std::string& file,
                                            const faces::FontFileContents& contents) {
     std::error_code ignored;
     const std::string own = fs::canonical(file, ignored).string();
     const std::string session = sessionFolder(library.places());
     std::optional<FileInLibrary> ofSession;
-    for (const faces::Face& face : contents.faces) {
-        for (FaceMatch& match : library.findByPostScriptName(face.postScriptName)) {
-            const std::string known = joinPath(match.folder, match.fileName);
-            if (known != own && !haveEqualBytes(known, file)) {
-                continue;
-            }
-            if (session.empty() || !liesUnder(known, session)) {
-                return FileInLibrary{std::move(match), false};
-            }
-            ofSession = FileInLibrary{std::move(match), true};
+    for (FaceMatch& match : findNamesakes(library, contents)) {
+        const std::string known = joinPath(match.folder, match.fileName);
+        if (known != own && !haveEqualBytes(known, file)) {
+            continue;
         }
+        if (session.empty() || !liesUnder(known, session)) {
+            return FileInLibrary{std::move(match), false};
+        }
+        ofSession = FileInLibrary{std::move(match), true};
     }
     return ofSession;
 }
 
 std::vector<std::string> containersOfFiles(const Places& places, std::vector<std::string> names,
-                                           bool forSession, Tally& tally) {
+                                           SessionCopies* copies, Tally& tally) {
     const auto firstFile = std::stable_partition(names.begin(), names.end(), [](const auto& name) {
         return name.find('/') == std::string::npos || !isFile(name);
     });
@@ -136,23 +146,32 @@ std::vector<std::string> containersOfFiles(const Places& places, std::vector<std
         return names;
     }
     const std::vector<FontFileOutcome> outcomes = readAll(files);
-    const auto contentsOf = [&](std::size_t i) { return std::get_if<ReadFont>(&outcomes[i]); };
+    std::vector<const ReadFont*> fonts; // nullptr: what is wrong was told
     auto library = openScanned(places);
-    std::string folder;
     for (std::size_t i = 0; i < files.size(); ++i) {
-        if (contentsOf(i) == nullptr) {
-            tally.fail(std::get<FontFileProblem>(outcomes[i]).text);
-        } else if (!findInLibrary(*library, files[i], contentsOf(i)->contents)) {
-            if (!forSession) {
-                tally.fail(files[i] + ": is not in the library: add it, or activate it with "
-                                      "--until-logout");
-                continue;
+        fonts.push_back(std::get_if<ReadFont>(&outcomes[i]));
+        try {
+            if (fonts[i] == nullptr) {
+                tally.fail(std::get<FontFileProblem>(outcomes[i]).text);
+            } else if (!findInLibrary(*library, files[i], fonts[i]->contents)) {
+                if (copies == nullptr) {
+                    throw Error(files[i] + ": is not in the library: add it, or activate it with "
+                                           "--until-logout");
+                }
+                if (!faces::hasFontFileName(files[i])) { // scans would pass it over
+                    throw Error(files[i] + ": " +
+                                translated("cannot be activated: its name is not a font file's"));
+                }
+                copies->copy(files[i]);
             }
-            folder = makeSessionFolder(places);
-            copyForSession(folder, files[i]);
+        } catch (const DamagedDatabase&) {
+            throw;
+        } catch (const Error& error) {
+            fonts[i] = nullptr;
+            tally.fail(error.what());
         }
     }
-    if (!folder.empty()) {
+    if (copies != nullptr && !copies->isEmpty()) {
         library.reset();
         for (const std::string& problem : scanNow(places)) {
             tally.remark(problem);
@@ -160,10 +179,14 @@ std::vector<std::string> containersOfFiles(const Places& places, std::vector<std
         library = openScanned(places);
     }
     for (std::size_t i = 0; i < files.size(); ++i) {
-        if (const auto* const font = contentsOf(i)) {
-            if (const auto known = findInLibrary(*library, files[i], font->contents)) {
-                names.push_back(toText(known->face.container));
-            }
+        if (fonts[i] == nullptr) {
+            continue;
+        }
+        if (const auto known = findInLibrary(*library, files[i], fonts[i]->contents)) {
+            names.push_back(toText(known->face.container));
+        } else { // why, the scan has told
+            tally.fail(files[i] + ": " +
+                       translated("cannot be activated: its copy cannot be read"));
         }
     }
     return names;

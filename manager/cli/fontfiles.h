@@ -3,6 +3,7 @@
 // those that are to be active for one session without being added.
 #pragma once
 
+#include "manager/cli/sessioncopies.h"
 #include "manager/cli/tally.h"
 #include "manager/library/fontreader.h"
 #include "manager/library/library.h"
@@ -29,6 +30,11 @@ int readFontsCommand(const std::vector<std::string>& files);
 /// False, too, when one of them cannot be read.
 [[nodiscard]] bool haveEqualBytes(const std::string& a, const std::string& b);
 
+/// The faces of the library that have the PostScript name of one of these, or the family where that
+/// has none. Throws Error.
+[[nodiscard]] std::vector<FaceMatch> findNamesakes(Library& library,
+                                                   const faces::FontFileContents& contents);
+
 /// A face of the library's file that is this one, or has its bytes. Those of the library come
 /// before one that is there for the session. Throws Error.
 struct FileInLibrary {
@@ -39,10 +45,10 @@ struct FileInLibrary {
                                                          const faces::FontFileContents& contents);
 
 /// Puts the number of its container in the place of each name that means an existing font file.
-/// With `forSession` one that the library does not have is copied to a folder that goes with the
-/// session; else it fails. To be called before anything connects to the bus. Throws Error.
+/// One that the library does not have is copied, or fails where `copies` is nullptr. To be called
+/// before anything connects to the bus. Throws Error.
 [[nodiscard]] std::vector<std::string> containersOfFiles(const Places& places,
                                                          std::vector<std::string> names,
-                                                         bool forSession, Tally& tally);
+                                                         SessionCopies* copies, Tally& tally);
 
 } // namespace manager

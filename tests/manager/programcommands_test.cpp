@@ -107,35 +107,6 @@ TEST_F(TheProgram, CopiesSingleFontFilesIntoTheLibraryOnce) {
     EXPECT_FALSE(std::filesystem::exists(own + "/.incoming"));
 }
 
-TEST_F(TheProgram, ActivatesAFontFileForTheSessionAlone) {
-    const std::string runtime = sandbox_.root() + "/runtime";
-    std::filesystem::create_directory(runtime);
-    const Variable folder("XDG_RUNTIME_DIR", runtime);
-    const std::string lone = sandbox_.write("../outside/lone.ttf", makeFont({"Lone", "Bold", "L"}));
-    const std::string next = sandbox_.write("../outside/two.ttf", makeFont({"Lone", "Thin", "T"}));
-    const std::string bad = sandbox_.write("../outside/bad.otf", "bad");
-    const std::string twin =
-        sandbox_.write("../outside/twin.ttf", readBytes(sandbox_.library() + "/fonts/lato.ttf"));
-    serve();
-    expectEach({{{"add", sandbox_.library()}, 0, "added"},
-                {{"activate", lone}, 1, lone + ": is not in the library: add it"},
-                {{"activate", "--until-logout", bad}, 1, bad + ": "},
-                {{"activate", twin}, 0, "activated Lato & Co"},
-                {{"activate", "--until-logout", lone, next}, 0, "activated Lone"},
-                {{"status"}, 0, "Lone, 1 file, until logout"},
-                {{"activate", "--until-logout", lone}, 0, "activated Lone"},
-                {{"list"}, 0, runtime + "/glyphora-fonts-"},
-                {{"add", lone}, 0, "as " + sandbox_.places().singleFonts() + "/lone.ttf"},
-                {{"show", bad}, 1, bad + ": "}});
-    const auto sets = [&] {
-        return nlohmann::json::parse(glyphora({"status", "--json"}).output)["active"].size();
-    };
-    EXPECT_EQ(sets(), 3U); // each file by itself, and once
-    std::filesystem::remove_all(runtime);
-    EXPECT_EQ(glyphora({"scan"}).status, 0);
-    EXPECT_THAT(glyphora({"list"}).output, testing::Not(HasSubstr(runtime)));
-}
-
 TEST_F(TheProgram, FindsFacesTellsAllOfThemAndCopiesThem) {
     const std::string font = makeFont({"Plain/Sans", "Regular", "PlainSans"});
     const std::string namesake = makeFont({"Plain/Sans (4)", "Regular", "Namesake"});
