@@ -140,7 +140,8 @@ void Activation::putOnDisk(std::span<const ContainerFonts> containers, std::span
                 }
                 return bad;
             });
-            const SetFolders::Progress progress = folders_.begin(records[i], lost);
+            const SetFolders::Progress progress =
+                folders_.begin(records[i], lost, containers[i].ended);
             for (LostFile& file : lost) {
                 outcome.lost.insert(std::move(file.name));
                 problems.push_back(std::move(file.problem));
@@ -191,9 +192,10 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     beginChange();
     std::vector<SetRecord> records(containers.size());
     std::transform(containers.begin(), containers.end(), records.begin(), recordOf);
-    std::vector<std::vector<SetFile>> before(containers.size());
-    std::transform(records.begin(), records.end(), before.begin(),
-                   [this](const SetRecord& record) { return filesInPlace(record.id); });
+    std::vector<SetRecord> before(containers.size());
+    std::transform(records.begin(), records.end(), before.begin(), [this](const SetRecord& record) {
+        return recordInPlace(record.id).value_or(SetRecord{});
+    });
     putOnDisk(containers, records, outcomes);
 
     const auto isChanged = [](const ActivationOutcome& outcome) { return outcome.changed; };
@@ -231,7 +233,7 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
             }
             if (!invisible.empty()) {
                 takeAway(invisible, records[i], outcomes[i]);
-                outcomes[i].changed = filesInPlace(records[i].id) != before[i];
+                outcomes[i].changed = filesInPlace(records[i].id) != before[i].files;
                 reduced.push_back(folder);
                 changedFolders_.push_back(folder);
             }
@@ -243,8 +245,10 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         outcomes[i].success = outcomes[i].problems.size() == (outcomes[i].postponed ? 1U : 0U);
         if (outcomes[i].changed) {
-            outcomes[i].versions = versionsOfReplaced(before[i], records[i].files);
+            outcomes[i].versions = versionsOfReplaced(before[i].files, records[i].files);
         }
+        SetRecord now = recordInPlace(records[i].id).value_or(SetRecord{});
+        outcomes[i].reasons = changeOf(std::move(before[i].reasons), std::move(now.reasons));
         if (outcomes[i].success && !records[i].reasons.empty()) {
             known_.learn(records[i].id, records[i].reasons); // while its processes have names
         }

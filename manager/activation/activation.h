@@ -37,6 +37,7 @@ struct ContainerFonts {
     std::map<std::string, std::string> successors = {};
     /// Of one that is active nothing changes but the reasons.
     bool reasonsOnly = false;
+    std::vector<Reason> ended = {}; ///< taken from those of before
 };
 
 /// The record that its set has when all of it is in place.
@@ -57,6 +58,7 @@ struct ActivationOutcome {
     /// "1.0 -> 2.0": of the files that took the place of others, and those; empty when they are the
     /// same or not all known.
     std::string versions = {};
+    ReasonChange reasons = {}; ///< what has become of those for which it is active
 };
 
 /// That of a container of which nothing is active as it was wanted.

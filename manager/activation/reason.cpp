@@ -144,6 +144,18 @@ void addReason(std::vector<Reason>& reasons, const Reason& reason) {
     reasons.push_back(reason);
 }
 
+ReasonChange changeOf(std::vector<Reason> before, std::vector<Reason> after) {
+    removeEnded(before);
+    removeEnded(after);
+    const auto without = [](std::vector<Reason> reasons, const std::vector<Reason>& others) {
+        std::erase_if(reasons, [&](const Reason& reason) {
+            return std::find(others.begin(), others.end(), reason) != others.end();
+        });
+        return reasons;
+    };
+    return {without(after, before), without(before, after)};
+}
+
 std::string programName(std::int32_t processId) {
     return firstLine(processFolder(processId) + "/comm");
 }

@@ -59,6 +59,16 @@ void removeEnded(std::vector<Reason>& reasons);
 /// takes the old one's place.
 void addReason(std::vector<Reason>& reasons, const Reason& reason);
 
+/// What becomes of a container's reasons.
+struct ReasonChange {
+    std::vector<Reason> added = {};
+    std::vector<Reason> removed = {};
+    [[nodiscard]] bool isEmpty() const { return added.empty() && removed.empty(); }
+    bool operator==(const ReasonChange&) const = default;
+};
+/// What lies between two states, of what stands.
+[[nodiscard]] ReasonChange changeOf(std::vector<Reason> before, std::vector<Reason> after);
+
 /// For people: "by hand", "for a document of inkscape (4711)", "in use by inkscape (4711)", "until
 /// logout", "until 2026-01-31 12:00".
 [[nodiscard]] std::string describe(const Reason& reason);
@@ -70,7 +80,7 @@ void addReason(std::vector<Reason>& reasons, const Reason& reason);
 
 /// A reason's field line in a set record, with its line feed.
 [[nodiscard]] std::string reasonLine(const Reason& reason);
-/// nullopt: the fields are not those of a reason.
+/// nullopt: the fields, "reason" first, are not those of a reason.
 [[nodiscard]] std::optional<Reason> reasonOf(const std::vector<std::string>& fields);
 
 } // namespace manager

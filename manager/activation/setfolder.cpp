@@ -109,12 +109,16 @@ void SetFolders::syncPlaced() const {
     syncFolder(root_);
 }
 
-SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost) {
+SetFolders::Progress SetFolders::begin(SetRecord& wanted, std::vector<LostFile>& lost,
+                                       std::span<const Reason> ended) {
     const std::string place = folder(wanted.id);
     if (const auto current = readSetRecord(place)) {
         checkIsSetOf(place, *current, wanted);
         std::vector<Reason> reasons = current->reasons;
         removeEnded(reasons);
+        std::erase_if(reasons, [ended](const Reason& reason) {
+            return std::find(ended.begin(), ended.end(), reason) != ended.end();
+        });
         for (const Reason& reason : wanted.reasons) {
             // One by hand outlives documents.
             if (reason.kind != Reason::Kind::Document ||

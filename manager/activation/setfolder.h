@@ -44,7 +44,9 @@ public:
     /// what the set holds instead: its older copy, or nothing. When all are lost, nothing changes
     /// and `wanted` has no files or those of before. Throws Error: no folder can be had, or another
     /// container's set is in the way.
-    Progress begin(SetRecord& wanted, std::vector<LostFile>& lost);
+    /// `ended`: reasons of a set in place that it loses.
+    Progress begin(SetRecord& wanted, std::vector<LostFile>& lost,
+                   std::span<const Reason> ended = {});
     /// Syncs prepared sets to the disk, many of them in one go. Throws Error.
     void syncPrepared(std::span<const ContainerId> sets) const;
     /// Moves a prepared set into place. Throws Error.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One subcommand each; what they do stands in libraryops, activationops and server.
+// One subcommand each; what they do stands in libraryops, activationops, statusops and server.
 #include "manager/cli/arguments.h"
 
 #include "manager/cli/activationops.h"
@@ -17,6 +17,7 @@
 #include "manager/cli/searchoptions.h"
 #include "manager/cli/server.h"
 #include "manager/cli/settling.h"
+#include "manager/cli/statusops.h"
 #include "manager/cli/tally.h"
 #include "manager/library/database.h"
 #include "manager/library/error.h"
@@ -262,7 +263,12 @@ private:
                 throw CLI::ValidationError("name containers, or give --all");
             }
         });
-        // What a change leaves to a process of its own; not for people.
+        // Of a window and of changes, which they have done by processes of their own; not for
+        // people.
+        withProgress(
+            command("restore", "Take changes of reasons back", [this](const Places& places) {
+                return restoreCommand(places, options_.json);
+            }));
         addNames(*jsonless(app_, "settle", "Finish a change",
                            [this](const Places& places) {
                                return settleCommand(places, options_.names);
@@ -278,7 +284,7 @@ private:
                                        })),
                  "file", "A drawing");
         jsonless(app_, "kick", "Tell programs", [](const Places&) { return kickCommand(); });
-        for (const char* own : {"settle", "kick", "read-fonts", "read-drawings"}) {
+        for (const char* own : {"settle", "kick", "restore", "read-fonts", "read-drawings"}) {
             app_.get_subcommand(own)->group("");
         }
     }

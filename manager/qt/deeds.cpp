@@ -18,30 +18,28 @@ namespace manager {
 namespace {
 
 constexpr const char* commands[] = {"deactivate", "activate"};
-constexpr std::array cancellable = {"activate",   "add",           "collect",
-                                    "deactivate", "read-drawings", "scan"};
-constexpr const char* lists[] = {"deactivated", "activated"};
+constexpr std::array cancellable = {"activate",      "add",     "collect", "deactivate",
+                                    "read-drawings", "restore", "scan"};
 
 } // namespace
 
 /// What was switched, and would be switched back. It was done when it came.
 class SwitchDeed : public QUndoCommand {
 public:
-    SwitchDeed(Deeds& deeds, bool on, std::vector<GroupMember> members, const QString& text)
-        : QUndoCommand(text), deeds_(deeds), on_(on), members_(std::move(members)) {}
+    SwitchDeed(Deeds& deeds, std::vector<Deeds::Change> changes, const QString& text)
+        : QUndoCommand(text), deeds_(deeds), changes_(std::move(changes)) {}
 
-    void undo() override { deeds_.startSwitch(!on_, members_); }
+    void undo() override { deeds_.startChanges(true, changes_); }
     void redo() override {
         if (!std::exchange(isNew_, false)) {
-            deeds_.startSwitch(on_, members_);
+            deeds_.startChanges(false, changes_);
         }
     }
 
 private:
     Deeds& deeds_;
-    bool on_;
     bool isNew_ = true;
-    std::vector<GroupMember> members_; // a new index may give numbers anew
+    std::vector<Deeds::Change> changes_;
 };
 
 Deeds::Deeds(std::string program, LibraryReader& reader, Done done)
@@ -105,7 +103,8 @@ void Deeds::startWork(const QString& deed, LibraryReader::Work work) {
     });
 }
 
-void Deeds::start(const QStringList& arguments, Taker take, const QStringList& problems) {
+void Deeds::start(const QStringList& arguments, Taker take, const QStringList& problems,
+                  const QByteArray& input) {
     isBusy_ = true;
     auto* const process = new QProcess(this);
     running_ = process;
@@ -151,6 +150,8 @@ void Deeds::start(const QStringList& arguments, Taker take, const QStringList& p
     }
     words.prepend(QStringLiteral("--translated"));
     process->start(QString::fromStdString(program_), words);
+    process->write(input);
+    process->closeWriteChannel();
 }
 
 void Deeds::readProgress() {
@@ -177,56 +178,61 @@ void Deeds::cancel() {
 }
 
 void Deeds::change(bool on, const QStringList& containers) {
-    const int which = on ? 1 : 0;
-    run(QStringList{commands[which], "--json"} + containers, [this, on, which](const auto& done) {
-        const QJsonArray switched = done.value(QLatin1String(lists[which])).toArray();
-        if (!switched.isEmpty()) {
-            recordSwitch(on, switched);
+    run(QStringList{commands[on ? 1 : 0], "--json"} + containers, [this, on](const auto& done) {
+        const QJsonArray changes = done.value(QStringLiteral("changes")).toArray();
+        if (!changes.isEmpty()) { // else all of it was so before
+            recordSwitch(on, changes);
         }
     });
 }
 
-void Deeds::recordSwitch(bool on, const QJsonArray& switched) {
-    startWork({}, [this, on, switched](Desk& desk) -> LibraryReader::Taker {
-        std::vector<GroupMember> members;
-        for (const auto& item : switched) {
-            const ContainerId id{item.toObject().value(QStringLiteral("id")).toInt()};
+void Deeds::recordSwitch(bool on, const QJsonArray& changes) {
+    startWork({}, [this, on, changes](Desk& desk) -> LibraryReader::Taker {
+        std::vector<Change> known;
+        for (const auto& item : changes) {
+            const QJsonObject change = item.toObject();
+            const ContainerId id{change.value(QStringLiteral("id")).toInt()};
             if (const auto container = desk.library().container(id)) {
-                members.push_back(memberOf(*container));
+                known.push_back({memberOf(*container),
+                                 change.value(QStringLiteral("added")).toArray(),
+                                 change.value(QStringLiteral("removed")).toArray()});
             }
         }
-        return [this, on, members = std::move(members)] {
-            if (members.empty()) {
+        return [this, on, known = std::move(known)] {
+            if (known.empty()) {
                 return; // the library has none of them any more
             }
-            QString name = QString::fromStdString(members.front().name);
-            if (members.size() > 1) {
-                name = QString::fromStdString(translated("%1 font", "%1 fonts", members.size()));
+            QString name = QString::fromStdString(known.front().container.name);
+            if (known.size() > 1) {
+                name = QString::fromStdString(translated("%1 font", "%1 fonts", known.size()));
             }
             const std::string text = on ? translated("activate %1") : translated("deactivate %1");
-            record(new SwitchDeed(*this, on, members, undoText(text, name)));
+            record(new SwitchDeed(*this, known, undoText(text, name)));
         };
     });
 }
 
-void Deeds::startSwitch(bool on, const std::vector<GroupMember>& members) {
-    startWork({}, [this, on, members](Desk& desk) -> LibraryReader::Taker {
-        QStringList numbers;
+void Deeds::startChanges(bool back, const std::vector<Change>& changes) {
+    startWork({}, [this, back, changes](Desk& desk) -> LibraryReader::Taker {
+        QJsonArray wanted;
         QStringList problems;
-        for (const GroupMember& member : members) {
-            if (const auto id = currentNumber(desk.library(), member)) {
-                numbers.push_back(QString::number(static_cast<std::int32_t>(*id)));
+        for (const auto& [container, added, removed] : changes) {
+            if (const auto id = currentNumber(desk.library(), container)) {
+                wanted.push_back(QJsonObject{{QStringLiteral("id"), static_cast<std::int32_t>(*id)},
+                                             {QStringLiteral("added"), back ? removed : added},
+                                             {QStringLiteral("removed"), back ? added : removed}});
             } else {
                 problems.push_back(
                     QString::fromStdString(translated("%1 is not in the library any more"))
-                        .arg(QString::fromStdString(member.folder + "/" + member.name)));
+                        .arg(QString::fromStdString(container.folder + "/" + container.name)));
             }
         }
-        return [this, on, numbers, problems] {
-            if (numbers.isEmpty()) {
+        return [this, wanted, problems] {
+            if (wanted.isEmpty()) {
                 done_(problems.join(QLatin1Char('\n')), problems);
             } else {
-                start(QStringList{commands[on ? 1 : 0], "--json"} + numbers, {}, problems);
+                start({QStringLiteral("restore"), QStringLiteral("--json")}, {}, problems,
+                      QJsonDocument(wanted).toJson(QJsonDocument::Compact));
             }
         };
     });

@@ -76,12 +76,21 @@ private:
 
     void inTurn(std::function<void()> deed);
     void goOn();
+    /// What became of a container's reasons, in the words of the commands.
+    struct Change {
+        GroupMember container; ///< a new index may give numbers anew
+        QJsonArray added;
+        QJsonArray removed;
+    };
+
     // At once: it is their turn. What a Taker starts belongs to the same turn.
-    void start(const QStringList& arguments, Taker take = {}, const QStringList& problems = {});
-    /// Switches containers by the numbers that they have now.
-    void startSwitch(bool on, const std::vector<GroupMember>& members);
+    /// `input`: on its standard input.
+    void start(const QStringList& arguments, Taker take = {}, const QStringList& problems = {},
+               const QByteArray& input = {});
+    /// Makes changes, or takes them `back`.
+    void startChanges(bool back, const std::vector<Change>& changes);
     /// Keeps what was switched, to be undone in its turn.
-    void recordSwitch(bool on, const QJsonArray& switched);
+    void recordSwitch(bool on, const QJsonArray& changes);
     void startWork(const QString& deed, LibraryReader::Work work);
     void readProgress();
 

@@ -156,6 +156,13 @@ TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
     EXPECT_TRUE(outcome.postponed && !outcome.changed);
     EXPECT_THAT(outcome.problems,
                 ElementsAre(HasSubstr("(" + std::to_string(program->process()) + "); it")));
+    const Reason use = Reason::inUseBy(*markOf(program->process()));
+    EXPECT_EQ(outcome.reasons, (ReasonChange{{use}, {Reason::byHand()}}));
+    ContainerFonts again = fonts();
+    again.ended = {use};
+    EXPECT_EQ(activate(again).reasons, (ReasonChange{{Reason::byHand()}, {use}}));
+    EXPECT_THAT(reasons(), ElementsAre("by hand"));
+    EXPECT_TRUE(deactivate().postponed);
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
     EXPECT_THAT(withdrawDue(), IsEmpty());
     program.reset();

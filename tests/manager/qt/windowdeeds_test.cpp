@@ -205,6 +205,45 @@ TEST_F(TheWindowsDeeds, AreUndoneOnTheSameFontsWhateverTheirNumbersAre) {
     EXPECT_THAT(activeNames(), testing::IsEmpty());
 }
 
+TEST_F(TheWindowsDeeds, AreUndoneToWhatWasActiveBefore) {
+    glyphoraTagged();
+    glyphora({QStringLiteral("tag"), QStringLiteral("add"), QStringLiteral("mine"),
+              QStringLiteral("Alpha")});
+    open();
+    glyphora({QStringLiteral("activate"), QStringLiteral("--for"), QStringLiteral("2h"),
+              QStringLiteral("Alpha")});
+    window_->sidebar().choose({SidebarPlace::Kind::Group, {}, "tag:mine"});
+    window_->sidebar().setFocus();
+    const auto reasons = [this] {
+        std::vector<std::vector<Reason>> all;
+        for (const ActiveContainer& one :
+             Activation(sandbox_.places()).active([](const auto&) {})) {
+            all.push_back(one.reasons);
+        }
+        return all;
+    };
+    const auto before = reasons();
+    ASSERT_EQ(before.size(), 1U);
+    QTest::keyClick(&window_->sidebar(), Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(finishDeeds());
+    const auto all = reasons();
+    EXPECT_EQ(all.size(), 2U);
+    QTest::keyClick(&window_->sidebar(), Qt::Key_Backspace, Qt::ControlModifier);
+    const struct {
+        void (Deeds::*turn)();
+        std::vector<std::vector<Reason>> expected;
+    } turns[] = {{&Deeds::undo, all},
+                 {&Deeds::undo, before},
+                 {&Deeds::redo, all},
+                 {&Deeds::redo, {}},
+                 {&Deeds::undo, all}};
+    for (const auto& [turn, expected] : turns) {
+        (window_->deeds().*turn)();
+        ASSERT_TRUE(finishDeeds());
+        EXPECT_EQ(reasons(), expected) << window_->problems().text().toStdString();
+    }
+}
+
 TEST_F(TheWindowsDeeds, LeaveWhatCanBeDoneAgainWhereNothingChanges) {
     open();
     const auto beta =
@@ -220,8 +259,6 @@ TEST_F(TheWindowsDeeds, LeaveWhatCanBeDoneAgainWhereNothingChanges) {
     EXPECT_EQ(stack.index(), 1);
     EXPECT_EQ(stack.undoText(), QStringLiteral("add to Smith && Sons"));
 }
-
-} // namespace
 
 TEST_F(TheWindowsDeeds, DoNotTurnRoundWhereUndoingFails) {
     open();
@@ -245,5 +282,7 @@ TEST_F(TheWindowsDeeds, DoNotTurnRoundWhereUndoingFails) {
     window_->deeds().undo();
     EXPECT_TRUE(await([&] { return isOnly("mine"); }));
 }
+
+} // namespace
 
 } // namespace managertest
