@@ -247,8 +247,8 @@ std::vector<ActivationOutcome> Activation::activate(std::span<const ContainerFon
         if (outcomes[i].changed) {
             outcomes[i].versions = versionsOfReplaced(before[i].files, records[i].files);
         }
-        SetRecord now = recordInPlace(records[i].id).value_or(SetRecord{});
-        outcomes[i].reasons = changeOf(std::move(before[i].reasons), std::move(now.reasons));
+        outcomes[i].change =
+            changeOf(before[i], recordInPlace(records[i].id).value_or(SetRecord{}));
         if (outcomes[i].success && !records[i].reasons.empty()) {
             known_.learn(records[i].id, records[i].reasons); // while its processes have names
         }

@@ -38,6 +38,10 @@ struct ContainerFonts {
     /// Of one that is active nothing changes but the reasons.
     bool reasonsOnly = false;
     std::vector<Reason> ended = {}; ///< taken from those of before
+    /// Names of those among `files` that it is given if it does not have them; nullopt: all.
+    std::optional<std::set<std::string>> only = {};
+    /// Names of files that it loses; not to be all that it has.
+    std::set<std::string> without = {};
 };
 
 /// The record that its set has when all of it is in place.
@@ -58,7 +62,7 @@ struct ActivationOutcome {
     /// "1.0 -> 2.0": of the files that took the place of others, and those; empty when they are the
     /// same or not all known.
     std::string versions = {};
-    ReasonChange reasons = {}; ///< what has become of those for which it is active
+    SetChange change = {}; ///< of the set; that it is updated is none
 };
 
 /// That of a container of which nothing is active as it was wanted.
@@ -68,8 +72,8 @@ struct ActivationOutcome {
 struct ActiveContainer {
     ContainerId id{};
     std::string name;
-    std::size_t files = 0;
-    std::vector<Reason> reasons = {}; ///< those that stand
+    std::vector<std::string> files = {}; ///< their names, in order
+    std::vector<Reason> reasons = {};    ///< those that stand
 };
 
 /// A set that lost its last reason.

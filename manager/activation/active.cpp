@@ -15,6 +15,10 @@ namespace manager {
 
 namespace {
 
+bool isGiven(const ContainerFonts& container, const SetFile& file) {
+    return !container.only || container.only->contains(file.name);
+}
+
 /// What a set is to hold: files of those that it has, and of those that are wanted.
 class Joined {
 public:
@@ -29,11 +33,16 @@ public:
                                return !file.leaving && next != nullptr && *next != file;
                            });
     }
+    /// Whether it is to have less.
+    [[nodiscard]] bool losesAny() const {
+        return std::any_of(current_.files.begin(), current_.files.end(),
+                           [this](const SetFile& file) { return isLost(file); });
+    }
     /// With all that is there as it is, when `keepsAll`.
     std::vector<SetFile> files(bool keepsAll) {
         std::set<std::string> waiting; // for their place
         for (const SetFile& file : current_.files) {
-            if (file.leaving) {
+            if (file.leaving || isLost(file)) {
                 continue;
             }
             const SetFile* const next = nextOf(file);
@@ -46,7 +55,7 @@ public:
         }
         const bool isGivenMore = !container_.onlyIfActive && !container_.reasonsOnly;
         for (const SetFile& file : wanted_.files) {
-            if (isGivenMore && !waiting.contains(file.name)) {
+            if (isGivenMore && isGiven(container_, file) && !waiting.contains(file.name)) {
                 add(file);
             }
         }
@@ -54,6 +63,9 @@ public:
     }
 
 private:
+    [[nodiscard]] bool isLost(const SetFile& file) const {
+        return container_.without.contains(file.name);
+    }
     /// nullptr: it stays.
     [[nodiscard]] const SetFile* nextOf(const SetFile& file) const {
         if (container_.reasonsOnly) {
@@ -125,6 +137,7 @@ bool Activation::joinWithActive(const ContainerFonts& container, std::optional<M
                                 SetRecord& record, ActivationOutcome& outcome) const {
     const auto current = recordInPlace(container.id);
     if (!current) {
+        std::erase_if(record.files, [&](const SetFile& file) { return !isGiven(container, file); });
         return !container.onlyIfActive;
     }
     if (record.name.empty()) { // asked for by its number alone
@@ -133,12 +146,18 @@ bool Activation::joinWithActive(const ContainerFonts& container, std::optional<M
         return true; // that of another container: it is told
     }
     Joined joined(*current, container, record);
-    if (joined.replacesAny()) {
+    const bool losesAny = joined.losesAny();
+    if (losesAny || joined.replacesAny()) {
         if (!mappers) {
             mappers = mappersOfFilesBelow(folders_.root());
         }
         // With them as reasons, their end is told.
         const std::vector<Reason> uses = usesIn(folder(container.id), *mappers);
+        if (losesAny && !uses.empty()) {
+            outcome.problems.push_back(
+                inUseText(container.id, uses, "single files can be taken away"));
+            return false;
+        }
         record.reasons.insert(record.reasons.end(), uses.begin(), uses.end());
         outcome.postponed = !uses.empty();
         if (outcome.postponed) {
@@ -157,8 +176,12 @@ Activation::active(const std::function<void(const std::string&)>& report) const 
         try {
             if (auto record = readSetRecord(folders_.folder(id))) {
                 removeEnded(record->reasons);
-                result.push_back({id, std::move(record->name), record->files.size(),
-                                  std::move(record->reasons)});
+                ActiveContainer& container = result.emplace_back(
+                    ActiveContainer{id, std::move(record->name), {}, std::move(record->reasons)});
+                for (SetFile& file : record->files) {
+                    container.files.push_back(std::move(file.name));
+                }
+                std::sort(container.files.begin(), container.files.end());
             }
         } catch (const Error& error) {
             report(error.what());

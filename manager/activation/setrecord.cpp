@@ -98,6 +98,27 @@ bool isSetOf(const SetRecord& record, std::string_view name, std::string_view fo
     return faces::nameKey(record.name) == faces::nameKey(name) && libraryFolder(record) == folder;
 }
 
+SetChange changeOf(const SetRecord& before, const SetRecord& now) {
+    const auto namesNotIn = [](const SetRecord& set, const SetRecord& other) {
+        const FilesByName known(other);
+        std::vector<std::string> names;
+        for (const SetFile& file : set.files) {
+            const SetFile* const twin = known.find(file.name);
+            if (!file.leaving && (twin == nullptr || twin->leaving)) {
+                names.push_back(file.name);
+            }
+        }
+        return names;
+    };
+    SetChange change{changeOf(before.reasons, now.reasons), namesNotIn(now, before),
+                     namesNotIn(before, now)};
+    if (!change.addedFiles.empty() && !change.removedFiles.empty()) {
+        change.addedFiles.clear();
+        change.removedFiles.clear();
+    }
+    return change;
+}
+
 std::vector<ContainerId> setsIn(const std::string& root) {
     std::vector<ContainerId> ids;
     std::error_code code;

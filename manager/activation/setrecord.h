@@ -42,6 +42,20 @@ struct SetRecord {
     bool operator==(const SetRecord&) const = default;
 };
 
+/// What has become of a set.
+struct SetChange {
+    ReasonChange reasons = {};
+    std::vector<std::string> addedFiles = {}; ///< names, and so the others
+    std::vector<std::string> removedFiles = {};
+    [[nodiscard]] bool isEmpty() const {
+        return reasons.isEmpty() && addedFiles.empty() && removedFiles.empty();
+    }
+    bool operator==(const SetChange&) const = default;
+};
+/// What lies between two states of a set; one that has files in the place of others has no change
+/// of files.
+[[nodiscard]] SetChange changeOf(const SetRecord& before, const SetRecord& now);
+
 /// The files of a record by name. Refers to them.
 class FilesByName {
 public:

@@ -48,7 +48,7 @@ bool Activation::keepUnderPrograms(Leaving& set, const Mappers& mappers) {
     if (uses.empty()) {
         return false;
     }
-    set.outcome.reasons = changeOf(set.record->reasons, uses);
+    set.outcome.change.reasons = changeOf(set.record->reasons, uses);
     set.record->reasons = std::move(uses);
     folders_.changeReasons(*set.record);
     known_.learn(set.id, set.record->reasons);
@@ -84,7 +84,7 @@ void Activation::takeAll(std::span<Leaving> sets) {
             const bool leftBehind = !folders_.remove(*set.record);
             set.outcome.changed = true;
             set.outcome.success = true;
-            set.outcome.reasons = changeOf(std::move(set.record->reasons), {});
+            set.outcome.change = changeOf(*set.record, {});
             known_.forget(set.id);
             removed.push_back(set.id);
             folders.push_back(folder);

@@ -7,8 +7,8 @@
 #include "manager/cli/containernames.h"
 #include "manager/cli/fontfiles.h"
 #include "manager/cli/libraryops.h"
-#include "manager/cli/reasonchanges.h"
 #include "manager/cli/report.h"
+#include "manager/cli/setchanges.h"
 #include "manager/cli/switching.h"
 
 #include <algorithm>

@@ -265,10 +265,9 @@ private:
         });
         // Of a window and of changes, which they have done by processes of their own; not for
         // people.
-        withProgress(
-            command("restore", "Take changes of reasons back", [this](const Places& places) {
-                return restoreCommand(places, options_.json);
-            }));
+        withProgress(command("change", "Change sets as told", [this](const Places& places) {
+            return changeCommand(places, options_.json);
+        }));
         addNames(*jsonless(app_, "settle", "Finish a change",
                            [this](const Places& places) {
                                return settleCommand(places, options_.names);
@@ -284,7 +283,7 @@ private:
                                        })),
                  "file", "A drawing");
         jsonless(app_, "kick", "Tell programs", [](const Places&) { return kickCommand(); });
-        for (const char* own : {"settle", "kick", "restore", "read-fonts", "read-drawings"}) {
+        for (const char* own : {"settle", "kick", "change", "read-fonts", "read-drawings"}) {
             app_.get_subcommand(own)->group("");
         }
     }

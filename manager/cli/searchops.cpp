@@ -68,21 +68,23 @@ Json toJson(const FaceMatch& face, const char* state) {
             {"path", pathOf(face)}};
 }
 
-/// Whether containers are active, each looked at once.
+/// Whether faces are active; the set of each container is looked at once.
 class States {
 public:
     explicit States(const Activation& activation) : activation_(activation) {}
-    const char* of(const FaceMatch& face) {
-        const auto [entry, isNew] = active_.try_emplace(face.container);
-        if (isNew) {
-            entry->second = activation_.isActive(face.holder);
+    const char* of(const FaceMatch& face, const Container& holder) {
+        const auto [entry, isNew] = names_.try_emplace(face.container);
+        if (const auto set = isNew ? activation_.setOf(holder) : std::nullopt) {
+            for (const SetFile& file : set->files) {
+                entry->second.insert(file.name);
+            }
         }
-        return stateOf(face, entry->second);
+        return stateOf(face, entry->second.contains(face.fileName));
     }
 
 private:
     const Activation& activation_;
-    std::map<ContainerId, bool> active_;
+    std::map<ContainerId, std::set<std::string>> names_; ///< of active files
 };
 
 std::string joined(const std::vector<std::string>& texts, const char* between = " ") {
@@ -246,7 +248,7 @@ int searchCommand(const Places& places, FaceQuery query, const std::optional<std
     const auto reading = library->reading();
     States states(activation);
     const auto tell = [&](const FaceMatch& face, const std::string& differences, const Json& more) {
-        const char* state = states.of(face);
+        const char* state = states.of(face, face.holder);
         Json item = toJson(face, state);
         item.update(more);
         tally.add(lineBegin(face.container, state) + calledName(face) + differences +
@@ -290,6 +292,7 @@ int searchCommand(const Places& places, FaceQuery query, const std::optional<std
 int infoCommand(const Places& places, const std::vector<std::string>& names, bool json) {
     Tally tally(json, "faces");
     const Activation activation(places);
+    States states(activation);
     ContainerNames finder(
         places, activation, [&] { return openScanned(places); }, tally);
     for (const Container& container : finder.find(names)) {
@@ -302,14 +305,13 @@ int infoCommand(const Places& places, const std::vector<std::string>& names, boo
         if (std::any_of(faces.begin(), faces.end(), isNamed)) {
             std::erase_if(faces, [&](const FaceDetails& details) { return !isNamed(details); });
         }
-        const bool active = activation.isActive(container);
         const auto files = finder.library().files(container.id);
         for (const FaceDetails& details : faces) {
             const bool spare =
                 std::none_of(files.begin(), files.end(), [&](const LibraryFile& file) {
                     return file.path == pathOf(details.match);
                 });
-            const char* state = stateOf(details.match, active && !spare);
+            const char* state = states.of(details.match, container);
             if (spare && state == std::string_view("inactive")) {
                 state = "spare";
             }

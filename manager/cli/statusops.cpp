@@ -60,7 +60,7 @@ int statusCommand(const Places& places, bool json) {
             const auto [away, gone] = originOf(*library, container.id);
             document["active"].push_back({{"id", static_cast<std::int32_t>(container.id)},
                                           {"name", container.name},
-                                          {"files", container.files},
+                                          {"files", container.files.size()},
                                           {"reasons", reasonTexts(container)},
                                           {"away", away},
                                           {"gone", gone}});
@@ -74,7 +74,7 @@ int statusCommand(const Places& places, bool json) {
                 textOf(counts).c_str());
     std::printf("active: %s\n", counted(active.size(), "container").c_str());
     for (const ActiveContainer& container : active) {
-        std::string line = container.name + ", " + counted(container.files, "file");
+        std::string line = container.name + ", " + counted(container.files.size(), "file");
         for (const std::string& reason : reasonTexts(container)) {
             line += ", " + reason;
         }

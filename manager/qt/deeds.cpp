@@ -18,8 +18,15 @@ namespace manager {
 namespace {
 
 constexpr const char* commands[] = {"deactivate", "activate"};
-constexpr std::array cancellable = {"activate",      "add",     "collect", "deactivate",
-                                    "read-drawings", "restore", "scan"};
+constexpr std::array cancellable = {"activate",   "add",           "change", "collect",
+                                    "deactivate", "read-drawings", "scan"};
+
+/// What takes such a change back.
+QJsonObject turned(const QJsonObject& change) {
+    const QString added = QStringLiteral("added");
+    const QString removed = QStringLiteral("removed");
+    return {{added, change.value(removed)}, {removed, change.value(added)}};
+}
 
 } // namespace
 
@@ -76,8 +83,8 @@ void Deeds::redo() {
     inTurn([this] { undo_.redo(); });
 }
 
-void Deeds::run(const QStringList& arguments, Taker take) {
-    inTurn([this, arguments, take = std::move(take)] { start(arguments, take); });
+void Deeds::run(const QStringList& arguments, Taker take, const QByteArray& input) {
+    inTurn([this, arguments, take = std::move(take), input] { start(arguments, take, {}, input); });
 }
 
 void Deeds::work(const QString& deed, LibraryReader::Work work) {
@@ -178,49 +185,57 @@ void Deeds::cancel() {
 }
 
 void Deeds::change(bool on, const QStringList& containers) {
-    run(QStringList{commands[on ? 1 : 0], "--json"} + containers, [this, on](const auto& done) {
-        const QJsonArray changes = done.value(QStringLiteral("changes")).toArray();
-        if (!changes.isEmpty()) { // else all of it was so before
-            recordSwitch(on, changes);
-        }
-    });
+    run(QStringList{commands[on ? 1 : 0], "--json"} + containers, recordSwitch(on));
 }
 
-void Deeds::recordSwitch(bool on, const QJsonArray& changes) {
-    startWork({}, [this, on, changes](Desk& desk) -> LibraryReader::Taker {
-        std::vector<Change> known;
-        for (const auto& item : changes) {
-            const QJsonObject change = item.toObject();
-            const ContainerId id{change.value(QStringLiteral("id")).toInt()};
-            if (const auto container = desk.library().container(id)) {
-                known.push_back({memberOf(*container),
-                                 change.value(QStringLiteral("added")).toArray(),
-                                 change.value(QStringLiteral("removed")).toArray()});
-            }
+void Deeds::change(bool on, const QJsonArray& sets) {
+    run({QStringLiteral("change"), QStringLiteral("--json")}, recordSwitch(on),
+        QJsonDocument(sets).toJson(QJsonDocument::Compact));
+}
+
+Deeds::Taker Deeds::recordSwitch(bool on) {
+    return [this, on](const QJsonObject& done) {
+        const QJsonArray changes = done.value(QStringLiteral("changes")).toArray();
+        if (changes.isEmpty()) {
+            return; // all of it was so before
         }
-        return [this, on, known = std::move(known)] {
-            if (known.empty()) {
-                return; // the library has none of them any more
+        startWork({}, [this, on, changes](Desk& desk) -> LibraryReader::Taker {
+            std::vector<Change> known;
+            for (const auto& item : changes) {
+                const QJsonObject change = item.toObject();
+                const ContainerId id{change.value(QStringLiteral("id")).toInt()};
+                if (const auto container = desk.library().container(id)) {
+                    known.push_back({memberOf(*container),
+                                     change.value(QStringLiteral("reasons")).toObject(),
+                                     change.value(QStringLiteral("files")).toObject()});
+                }
             }
-            QString name = QString::fromStdString(known.front().container.name);
-            if (known.size() > 1) {
-                name = QString::fromStdString(translated("%1 font", "%1 fonts", known.size()));
-            }
-            const std::string text = on ? translated("activate %1") : translated("deactivate %1");
-            record(new SwitchDeed(*this, known, undoText(text, name)));
-        };
-    });
+            return [this, on, known = std::move(known)] {
+                if (known.empty()) {
+                    return; // the library has none of them any more
+                }
+                QString name = QString::fromStdString(known.front().container.name);
+                if (known.size() > 1) {
+                    name = QString::fromStdString(translated("%1 font", "%1 fonts", known.size()));
+                }
+                const std::string text =
+                    on ? translated("activate %1") : translated("deactivate %1");
+                record(new SwitchDeed(*this, known, undoText(text, name)));
+            };
+        });
+    };
 }
 
 void Deeds::startChanges(bool back, const std::vector<Change>& changes) {
     startWork({}, [this, back, changes](Desk& desk) -> LibraryReader::Taker {
         QJsonArray wanted;
         QStringList problems;
-        for (const auto& [container, added, removed] : changes) {
+        for (const auto& [container, reasons, files] : changes) {
             if (const auto id = currentNumber(desk.library(), container)) {
-                wanted.push_back(QJsonObject{{QStringLiteral("id"), static_cast<std::int32_t>(*id)},
-                                             {QStringLiteral("added"), back ? removed : added},
-                                             {QStringLiteral("removed"), back ? added : removed}});
+                wanted.push_back(
+                    QJsonObject{{QStringLiteral("id"), static_cast<std::int32_t>(*id)},
+                                {QStringLiteral("reasons"), back ? turned(reasons) : reasons},
+                                {QStringLiteral("files"), back ? turned(files) : files}});
             } else {
                 problems.push_back(
                     QString::fromStdString(translated("%1 is not in the library any more"))
@@ -231,7 +246,7 @@ void Deeds::startChanges(bool back, const std::vector<Change>& changes) {
             if (wanted.isEmpty()) {
                 done_(problems.join(QLatin1Char('\n')), problems);
             } else {
-                start({QStringLiteral("restore"), QStringLiteral("--json")}, {}, problems,
+                start({QStringLiteral("change"), QStringLiteral("--json")}, {}, problems,
                       QJsonDocument(wanted).toJson(QJsonDocument::Compact));
             }
         };

@@ -58,10 +58,13 @@ public:
     /// Activates or deactivates containers, by what the commands call them; what has come of it can
     /// be undone.
     void change(bool on, const QStringList& containers);
+    /// The same for containers and for single files of containers: `{id, active}` each, or `{id,
+    /// reasons, files}`.
+    void change(bool on, const QJsonArray& sets);
     void undo();
     void redo();
     /// Runs a command, without undo.
-    void run(const QStringList& arguments, Taker take = {});
+    void run(const QStringList& arguments, Taker take = {}, const QByteArray& input = {});
     /// Has the reader's thread do something; `deed` is its name.
     void work(const QString& deed, LibraryReader::Work work);
     /// Keeps what such work did, to be undone in its turn; to be called by what it gives. Takes it
@@ -76,11 +79,11 @@ private:
 
     void inTurn(std::function<void()> deed);
     void goOn();
-    /// What became of a container's reasons, in the words of the commands.
+    /// What became of a container's set, in the words of the commands.
     struct Change {
         GroupMember container; ///< a new index may give numbers anew
-        QJsonArray added;
-        QJsonArray removed;
+        QJsonObject reasons;
+        QJsonObject files;
     };
 
     // At once: it is their turn. What a Taker starts belongs to the same turn.
@@ -89,8 +92,8 @@ private:
                const QByteArray& input = {});
     /// Makes changes, or takes them `back`.
     void startChanges(bool back, const std::vector<Change>& changes);
-    /// Keeps what was switched, to be undone in its turn.
-    void recordSwitch(bool on, const QJsonArray& changes);
+    /// Takes what was switched, to be undone in its turn.
+    [[nodiscard]] Taker recordSwitch(bool on);
     void startWork(const QString& deed, LibraryReader::Work work);
     void readProgress();
 

@@ -205,7 +205,8 @@ ListRow FaceModel::faceRow(std::size_t place) const {
         row.isDetailFirst = true;
     }
     setState(row, view.states, face);
-    const auto reasons = view.states.why(listed.container);
+    const auto reasons =
+        view.states.isActive(face) ? view.states.why(listed.container) : std::span<const Reason>();
     for (const Reason& reason : reasons) {
         row.state +=
             (&reason == &reasons.front() ? ": " : ", ") + text(describeIn(reason, translated));

@@ -144,11 +144,11 @@ void LibraryWindow::keepOne() {
     }
     const FaceTable& table = view_->table;
     std::vector<std::int32_t> others;
-    std::vector<std::int32_t> active;
+    QStringList active;
     for (const ContainerId id : view_->copies.othersOf(table, kept)) {
         others.push_back(static_cast<std::int32_t>(id));
         if (!view_->states.why(id).empty()) {
-            active.push_back(others.back());
+            active.push_back(QString::number(others.back()));
         }
     }
     if (others.empty()) {
@@ -157,7 +157,7 @@ void LibraryWindow::keepOne() {
     }
     // Commands ask for it by name, and users may change their language: it is not translated.
     groupDeeds_.add({GroupKind::Tag, "Duplicates"}, others);
-    switchContainers(false, active);
+    switchNamed(false, active);
 }
 
 void LibraryWindow::showGroupActions() {

@@ -293,8 +293,8 @@ void LibraryWindow::showChosen() {
             text(translated("%1 font", "%1 fonts", static_cast<std::size_t>(rows.size())));
     }
     pane_->show(std::move(chosen));
-    activate_->setEnabled(!chosenContainers(false).empty());
-    deactivate_->setEnabled(!chosenContainers(true).empty());
+    activate_->setEnabled(!choice(true).isEmpty());
+    deactivate_->setEnabled(!choice(false).isEmpty());
     collect_->setEnabled(!rows.empty());
     // Of a family all copies would be kept.
     keep_->setEnabled(!rows.empty() &&

@@ -10,6 +10,7 @@
 #include "manager/qt/libraryreader.h"
 #include "manager/qt/listposition.h"
 #include "manager/qt/problemlist.h"
+#include "manager/qt/setchoice.h"
 #include "manager/qt/sidebar.h"
 #include "manager/view/window.h"
 
@@ -103,11 +104,12 @@ private:
     void setEmpty(const QString& why, const std::string& way, std::function<void()> wayOut);
     /// Tells what the reader could not do.
     void fail(const QString& problem);
-    [[nodiscard]] std::vector<std::int32_t> chosenContainers(bool active) const;
-    void switchChosen(bool on);
-    void switchContainers(bool on, const std::vector<std::int32_t>& containers);
+    /// What of the chosen rows can be switched.
+    [[nodiscard]] SetChoice choice(bool on) const;
+    void switchChosen(const SetChoice& choice);
     /// Switches what the commands know by these names.
     void switchNamed(bool on, const QStringList& containers);
+    void tellSwitching(bool on);
     void toggleChosen();
     /// Why nothing of what is chosen can be switched.
     [[nodiscard]] QString whyNotSwitched() const;

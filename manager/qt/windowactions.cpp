@@ -58,11 +58,11 @@ void LibraryWindow::makeActions() {
         search_->selectAll();
     });
     QMenu* const fonts = menuBar()->addMenu(text(translated("F&onts")));
-    activate_ =
-        fonts->addAction(text(translated("&Activate")), this, [this] { switchChosen(true); });
+    activate_ = fonts->addAction(text(translated("&Activate")), this,
+                                 [this] { switchChosen(choice(true)); });
     activate_->setShortcut(Qt::CTRL | Qt::Key_Return);
-    deactivate_ =
-        fonts->addAction(text(translated("&Deactivate")), this, [this] { switchChosen(false); });
+    deactivate_ = fonts->addAction(text(translated("&Deactivate")), this,
+                                   [this] { switchChosen(choice(false)); });
     deactivate_->setShortcut(Qt::CTRL | Qt::Key_Backspace);
     fonts->addSeparator();
     collect_ =
@@ -72,48 +72,35 @@ void LibraryWindow::makeActions() {
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-std::vector<std::int32_t> LibraryWindow::chosenContainers(bool active) const {
-    const LibraryView& view = model_.listing().view();
-    std::set<std::int32_t> containers;
-    const QModelIndexList rows = list_->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        for (const FaceRow row : model_.facesToSwitch(index)) {
-            const ListedFace& face = view.table.faces()[row];
-            const bool isActive = !view.states.why(face.container).empty();
-            const bool canBe = !face.away && !face.shownByDesktop;
-            if (active ? isActive : (!isActive && canBe)) {
-                containers.insert(static_cast<std::int32_t>(face.container));
-            }
-        }
-    }
-    return {containers.begin(), containers.end()};
+SetChoice LibraryWindow::choice(bool on) const {
+    return choiceOf(model_, list_->selectionModel()->selectedRows(), on);
 }
 
-void LibraryWindow::switchChosen(bool on) {
-    switchContainers(on, chosenContainers(!on));
-}
-
-void LibraryWindow::switchContainers(bool on, const std::vector<std::int32_t>& containers) {
-    if (containers.empty()) {
-        return;
+void LibraryWindow::switchChosen(const SetChoice& choice) {
+    if (!choice.isEmpty()) {
+        tellSwitching(choice.on);
+        deeds_.change(choice.on, choice.sets());
     }
-    QStringList numbers;
-    std::transform(containers.begin(), containers.end(), std::back_inserter(numbers),
-                   [](std::int32_t id) { return QString::number(id); });
-    switchNamed(on, numbers);
 }
 
 void LibraryWindow::switchNamed(bool on, const QStringList& containers) {
+    if (!containers.empty()) {
+        tellSwitching(on);
+        deeds_.change(on, containers);
+    }
+}
+
+void LibraryWindow::tellSwitching(bool on) {
     statusBar()->showMessage(text(on ? translated("Activating…") : translated("Deactivating…")));
-    deeds_.change(on, containers);
 }
 
 void LibraryWindow::toggleChosen() {
-    const bool canBeOn = !chosenContainers(false).empty();
-    if (canBeOn || !chosenContainers(true).empty()) {
-        switchChosen(canBeOn);
-    } else {
+    const SetChoice on = choice(true);
+    const SetChoice off = choice(false);
+    if (on.isEmpty() && off.isEmpty()) {
         tell(whyNotSwitched());
+    } else {
+        switchChosen(on.isEmpty() ? off : on);
     }
 }
 

@@ -6,17 +6,24 @@
 namespace manager {
 
 FaceStates::FaceStates(const FaceTable& table, std::span<const ActiveContainer> active) {
+    std::unordered_map<std::int32_t, const ActiveContainer*> sets;
     for (const ActiveContainer& container : active) {
         why_.emplace(static_cast<std::int32_t>(container.id), container.reasons);
+        sets.emplace(static_cast<std::int32_t>(container.id), &container);
     }
     const std::span<const ListedFace> faces = table.faces();
     states_.reserve(faces.size());
+    active_.reserve(faces.size());
     away_.reserve(faces.size());
     // Who shows a name; nobody in particular once several do.
     std::unordered_map<std::uint64_t, ContainerId> shownBy;
     constexpr ContainerId several{};
     for (const ListedFace& face : faces) {
-        const bool isActive = why_.contains(static_cast<std::int32_t>(face.container));
+        const auto set = sets.find(static_cast<std::int32_t>(face.container));
+        const bool isActive =
+            set != sets.end() &&
+            std::binary_search(set->second->files.begin(), set->second->files.end(), face.file);
+        active_.push_back(isActive);
         away_.push_back(face.away);
         states_.push_back(isActive              ? FaceState::Active
                           : face.away           ? FaceState::Away

@@ -31,6 +31,8 @@ public:
     FaceStates(const FaceTable& table, std::span<const ActiveContainer> active);
 
     [[nodiscard]] FaceState of(FaceRow row) const { return states_[row]; }
+    /// Whether its file is active, which others of its container may be without it.
+    [[nodiscard]] bool isActive(FaceRow row) const { return active_[row]; }
     /// Whether its folder is away; then the face may be active nevertheless.
     [[nodiscard]] bool isAway(FaceRow row) const { return away_[row]; }
     [[nodiscard]] bool is(FaceRow row, FaceState state) const {
@@ -40,11 +42,12 @@ public:
     [[nodiscard]] std::size_t count(FaceState state) const {
         return counts_[static_cast<std::size_t>(state)];
     }
-    /// Why a container is active; empty: it is not.
+    /// Why something of a container is active; empty: nothing is.
     [[nodiscard]] std::span<const Reason> why(ContainerId id) const;
 
 private:
     std::vector<FaceState> states_; ///< by row
+    std::vector<bool> active_;      ///< by row
     std::vector<bool> away_;        ///< by row
     std::array<std::size_t, faceStates> counts_{};
     std::unordered_map<std::int32_t, std::vector<Reason>> why_;

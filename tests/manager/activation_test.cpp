@@ -106,6 +106,34 @@ TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
     EXPECT_FALSE(activate(newer).changed);
 }
 
+TEST_F(AnActivation, TakesSingleFilesInAndAway) {
+    const auto reasons = [](const std::vector<Reason>& added) { return ReasonChange{added, {}}; };
+    ContainerFonts some = fonts();
+    some.only = {"one.ttf", "none.ttf"};
+    EXPECT_EQ(activate(some).change, (SetChange{reasons({Reason::byHand()}), {"one.ttf"}, {}}));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("One"));
+    some.only = {"two.ttf"};
+    EXPECT_EQ(activate(some).change, (SetChange{{}, {"two.ttf"}, {}}));
+    ContainerFonts less = fonts();
+    less.only.emplace();
+    less.reasons.clear();
+    less.without = {"one.ttf"};
+    {
+        const FontUser program(set() + "/two.ttf");
+        const ActivationOutcome outcome = activate(less);
+        EXPECT_FALSE(outcome.success || outcome.changed || outcome.postponed);
+        EXPECT_THAT(outcome.problems, ElementsAre(HasSubstr("; single files can be taken away")));
+        EXPECT_TRUE(outcome.change.isEmpty());
+        EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));
+    }
+    const ActivationOutcome outcome = activate(less);
+    EXPECT_TRUE(outcome.success && outcome.changed);
+    EXPECT_EQ(outcome.change, (SetChange{{}, {}, {"one.ttf"}}));
+    EXPECT_THAT(visibleFamilies(), ElementsAre("Two"));
+    EXPECT_THAT(entries(set()), ElementsAre(".glyphora-set", "two.ttf"));
+    EXPECT_EQ(deactivate().change, (SetChange{{{}, {Reason::byHand()}}, {}, {"two.ttf"}}));
+}
+
 TEST_F(AnActivation, ReplacesFilesOfOldNamesThatNobodyHasOpen) {
     ContainerFonts older = fonts();
     older.files[0].version = older.files[1].version = "1.0";

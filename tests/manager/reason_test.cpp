@@ -157,10 +157,10 @@ TEST_F(AReason, IsThatAProgramHasTheFontOpen) {
     EXPECT_THAT(outcome.problems,
                 ElementsAre(HasSubstr("(" + std::to_string(program->process()) + "); it")));
     const Reason use = Reason::inUseBy(*markOf(program->process()));
-    EXPECT_EQ(outcome.reasons, (ReasonChange{{use}, {Reason::byHand()}}));
+    EXPECT_EQ(outcome.change, (SetChange{{{use}, {Reason::byHand()}}}));
     ContainerFonts again = fonts();
     again.ended = {use};
-    EXPECT_EQ(activate(again).reasons, (ReasonChange{{Reason::byHand()}, {use}}));
+    EXPECT_EQ(activate(again).change, (SetChange{{{Reason::byHand()}, {use}}}));
     EXPECT_THAT(reasons(), ElementsAre("by hand"));
     EXPECT_TRUE(deactivate().postponed);
     EXPECT_THAT(visibleFamilies(), ElementsAre("One", "Two"));

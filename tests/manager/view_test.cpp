@@ -176,8 +176,8 @@ TEST_F(AList, TellsWhatCanBeSeenAndWhatStandsInItsWay) {
         return ContainerId{};
     };
     const Reason reason = Reason::byHand();
-    const ActiveContainer first{numberOf("Alpha", "/one"), "Alpha", 1, {reason}};
-    const ActiveContainer second{numberOf("Alpha", "/two"), "Alpha", 1, {reason}};
+    const ActiveContainer first{numberOf("Alpha", "/one"), "Alpha", {"a.ttf"}, {reason}};
+    const ActiveContainer second{numberOf("Alpha", "/two"), "Alpha", {"a.ttf"}, {reason}};
 
     read({first});
     EXPECT_EQ(view_->states.count(FaceState::Active), 1U);
@@ -188,12 +188,16 @@ TEST_F(AList, TellsWhatCanBeSeenAndWhatStandsInItsWay) {
     EXPECT_THAT(shown({.state = FaceState::Active}), ElementsAre("Alpha: Regular"));
     EXPECT_THAT(shown({.text = "be", .state = FaceState::Active}), IsEmpty());
 
+    read({{first.id, "Alpha", {"other.ttf"}, {reason}}});
+    EXPECT_EQ(stateOf("a.ttf"), FaceState::Inactive) << "as it is another file's set";
+    EXPECT_EQ(view_->states.count(FaceState::Active), 0U);
+
     read({first, second});
     EXPECT_EQ(view_->states.count(FaceState::Conflicting), 2U);
     EXPECT_EQ(stateOf("a.ttf"), FaceState::Conflicting);
 
     // What was activated before its folder was unplugged is seen on, and is both.
-    read({{numberOf("Gamma", "/away"), "Gamma", 1, {reason}}});
+    read({{numberOf("Gamma", "/away"), "Gamma", {"c.ttf"}, {reason}}});
     EXPECT_EQ(stateOf("c.ttf"), FaceState::Active);
     for (const FaceState state : {FaceState::Active, FaceState::Away}) {
         EXPECT_EQ(view_->states.count(state), 1U);

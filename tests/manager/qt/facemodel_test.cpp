@@ -46,8 +46,15 @@ protected:
         for (const Container& container : library_.containers()) {
             const std::string folder = std::filesystem::path(container.folder).filename();
             if (std::find(active.begin(), active.end(), folder) != active.end()) {
-                containers.push_back(
-                    {container.id, container.name, 1, {Reason::byHand(), Reason::untilLogout()}});
+                std::vector<std::string> files;
+                for (const LibraryFile& file : library_.files(container.id)) {
+                    files.push_back(nameOf(file.path));
+                }
+                std::sort(files.begin(), files.end());
+                containers.push_back({container.id,
+                                      container.name,
+                                      std::move(files),
+                                      {Reason::byHand(), Reason::untilLogout()}});
             }
         }
         FaceTable table(library_);

@@ -414,7 +414,7 @@ TEST_F(TheLibrarysWindow, ListsWhatADrawingMayUseAndActivatesIt) {
     window_->open(asked(font("Beta-Regular")));
     EXPECT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
     window_->open({.search = "alpha"});
-    EXPECT_EQ(heard(0), "Alpha, 3 styles, 2 active");
+    EXPECT_EQ(heard(0), "Alpha, 3 styles, 1 active");
 }
 
 TEST_F(TheLibrarysWindow, ListsADrawingThoughAReadingComesFirst) {

@@ -44,7 +44,8 @@ TEST_F(TheTraysMenu, NamesWhatIsActiveAndWhy) {
                    [&](bool kept) { done += kept ? "keep " : "leave "; }, [&] { done += "quit"; }});
     Reason session;
     session.kind = Reason::Kind::UntilLogout;
-    menu.fill(viewOf({{alpha, "Alpha", 1, {Reason::byHand(), session}}}), groups, false);
+    menu.fill(viewOf({{alpha, "Alpha", {"alpha-Bold.ttf"}, {Reason::byHand(), session}}}), groups,
+              false);
     EXPECT_THAT(rows(menu), ElementsAre("Collection \"R&&D\" x", "Alpha – by hand, until logout x",
                                         "&Open the Font Library",
                                         "&Stay here when the window is closed", "&Quit"));

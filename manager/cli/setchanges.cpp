@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "manager/cli/reasonchanges.h"
+#include "manager/cli/setchanges.h"
 
 #include "manager/library/error.h"
 #include "manager/library/fields.h"
@@ -45,23 +45,35 @@ std::vector<Reason> toReasons(const Json& list) {
 Json changesOf(std::span<const ContainerId> ids, std::span<const ActivationOutcome> outcomes) {
     Json changes = Json::array();
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        const ReasonChange& change = outcomes[i].reasons;
+        const SetChange& change = outcomes[i].change;
         if (!change.isEmpty()) {
-            changes.push_back({{"id", static_cast<std::int32_t>(ids[i])},
-                               {"added", toJson(change.added)},
-                               {"removed", toJson(change.removed)}});
+            changes.push_back(
+                {{"id", static_cast<std::int32_t>(ids[i])},
+                 {"reasons",
+                  {{"added", toJson(change.reasons.added)},
+                   {"removed", toJson(change.reasons.removed)}}},
+                 {"files", {{"added", change.addedFiles}, {"removed", change.removedFiles}}}});
         }
     }
     return changes;
 }
 
-std::vector<ContainerChange> readChanges(std::string_view text) {
-    std::vector<ContainerChange> changes;
+std::vector<WantedChange> readChanges(std::string_view text) {
+    std::vector<WantedChange> changes;
     const auto place = [&] { return "change " + std::to_string(changes.size() + 1) + ": "; };
     try {
         for (const Json& item : Json::parse(text)) {
-            changes.push_back({ContainerId{item.at("id").get<std::int32_t>()},
-                               {toReasons(item.at("added")), toReasons(item.at("removed"))}});
+            WantedChange wanted{ContainerId{item.at("id").get<std::int32_t>()}};
+            if (item.contains("active")) {
+                wanted.active = item.at("active").get<bool>();
+            } else {
+                const Json& reasons = item.at("reasons");
+                const Json& files = item.at("files");
+                wanted.change = {{toReasons(reasons.at("added")), toReasons(reasons.at("removed"))},
+                                 files.at("added").get<std::vector<std::string>>(),
+                                 files.at("removed").get<std::vector<std::string>>()};
+            }
+            changes.push_back(std::move(wanted));
         }
     } catch (const nlohmann::json::exception& error) {
         throw Error(place() + error.what());

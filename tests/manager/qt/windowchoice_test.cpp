@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// What of the chosen rows is switched: families whole, and faces apart from them.
+#include "tests/manager/qt/windowfixture.h"
+
+#include <QItemSelectionModel>
+#include <QUndoStack>
+
+using namespace manager;
+
+namespace managertest {
+
+namespace {
+
+class TheChosenRows : public TheLibrarysWindow {
+protected:
+    TheChosenRows() {
+        open();
+        window_->list().setExpanded(window_->model().index(0, 0), true);
+    }
+    [[nodiscard]] QModelIndex family(int row) const { return window_->model().index(row, 0); }
+    /// Of Alpha: Regular, Bold.
+    [[nodiscard]] QModelIndex face(int row) const {
+        return window_->model().index(row, 0, family(0));
+    }
+    void chooseRows(const QModelIndexList& rows) {
+        window_->list().clearSelection();
+        for (const QModelIndex& row : rows) {
+            window_->list().selectionModel()->setCurrentIndex(row, QItemSelectionModel::Select);
+        }
+    }
+    void switchRows(const QModelIndexList& rows, int key) {
+        chooseRows(rows);
+        press(key, Qt::ControlModifier);
+        ASSERT_TRUE(finishDeeds());
+    }
+};
+
+TEST_F(TheChosenRows, SwitchFacesApartFromTheirFamily) {
+    EXPECT_TRUE(awaitHeard({{1, "Regular, TrueType, inactive"}, {2, "Bold, TrueType, inactive"}}));
+    const auto on = Qt::Key_Return;
+    const auto off = Qt::Key_Backspace;
+    const struct {
+        QModelIndexList rows;
+        Qt::Key key;
+        std::string regular;
+        std::string bold;
+        std::string beta;
+    } steps[] = {
+        {{face(1)}, on, "inactive", "active: by hand", "inactive"},
+        {{face(0), family(1)}, on, "active: by hand", "active: by hand", "active"},
+        {{face(1), family(1)}, off, "active: by hand", "inactive", "inactive"},
+        {{family(0)}, on, "active: by hand", "active: by hand", "inactive"},
+        {{face(0), family(0)}, off, "inactive", "inactive", "inactive"},
+        {{face(0), face(1)}, on, "active: by hand", "active: by hand", "inactive"},
+        {{face(0), face(1)}, off, "inactive", "inactive", "inactive"},
+    };
+    const auto areHeard = [this](const auto& step) {
+        return awaitHeard({{1, "Regular, TrueType, " + step.regular},
+                           {2, "Bold, TrueType, " + step.bold},
+                           {3, "Beta, 1 style, " + step.beta}});
+    };
+    for (const auto& step : steps) {
+        switchRows(step.rows, step.key);
+        EXPECT_TRUE(areHeard(step));
+    }
+    EXPECT_EQ(window_->deeds().undoStack().count(), 7);
+    for (int step = 5; step >= 0; --step) {
+        press(Qt::Key_Z, Qt::ControlModifier);
+        ASSERT_TRUE(finishDeeds());
+        EXPECT_TRUE(areHeard(steps[step])) << step;
+    }
+}
+
+TEST_F(TheChosenRows, AreTurnedByWhatIsNotActiveOfThem) {
+    chooseRows({face(1)});
+    press(Qt::Key_Return);
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, 1 active"}}));
+    chooseRows({family(0)});
+    press(Qt::Key_Return);
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, active"}}));
+    press(Qt::Key_Return);
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, inactive"}}));
+}
+
+} // namespace
+
+} // namespace managertest
