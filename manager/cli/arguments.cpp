@@ -72,7 +72,8 @@ struct Options {
 
 using Action = std::function<int(const Places&)>;
 
-constexpr const char* nameHelp = "A number, name, pattern, collection:NAME or tag:NAME";
+constexpr const char* nameHelp =
+    "A number, name, pattern, collection:NAME, tag:NAME or folder:PATH";
 
 class CommandLine {
 public:

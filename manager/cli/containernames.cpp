@@ -8,6 +8,7 @@
 #include "manager/library/error.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fnmatch.h>
 #include <set>
 #include <string_view>
@@ -15,6 +16,8 @@
 namespace manager {
 
 namespace {
+
+constexpr std::string_view folderPrefix = "folder:";
 
 bool isPattern(std::string_view name) {
     return name.find_first_of("*?[") != std::string_view::npos;
@@ -37,6 +40,18 @@ std::string listed(Library& library, std::span<const ContainerId> ids) {
 }
 
 } // namespace
+
+std::string placeInLibrary(Library& library, const std::string& folder) {
+    namespace fs = std::filesystem;
+    std::string path = fs::absolute(folder).lexically_normal().string();
+    if (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
+    }
+    std::error_code code;
+    const std::string real = fs::canonical(path, code).string();
+    // A folder that is reached by a link in the library is known by that.
+    return !code && library.counts(path).files == 0 ? real : path;
+}
 
 Library& ContainerNames::library() {
     if (!library_) {
@@ -84,8 +99,8 @@ std::vector<Container> ContainerNames::find(std::span<const std::string> names) 
 }
 
 std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
-    if (const auto title = toGroupTitle(name)) {
-        return membersOf(*title);
+    if (auto set = setOf(name)) {
+        return std::move(*set);
     }
     if (const auto id = toContainerId(name)) {
         if (!library().container(*id)) {
@@ -115,6 +130,30 @@ std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
     return found;
 }
 
+std::optional<std::vector<ContainerId>> ContainerNames::setOf(const std::string& name) {
+    if (const auto title = toGroupTitle(name)) {
+        return membersOf(*title);
+    }
+    if (name.starts_with(folderPrefix)) {
+        return containersIn(name.substr(folderPrefix.size()));
+    }
+    return std::nullopt;
+}
+
+std::vector<ContainerId> ContainerNames::containersIn(const std::string& folder) {
+    const std::string place = placeInLibrary(library(), folder);
+    std::vector<ContainerId> ids;
+    for (const Container& container : library().containers()) {
+        if (liesUnder(container.folder, place)) {
+            ids.push_back(container.id);
+        }
+    }
+    if (ids.empty()) {
+        throw Error(place + ": the library has no fonts there");
+    }
+    return ids;
+}
+
 std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {
     Groups groups = readGroups(places_);
     std::vector<ContainerId> ids;
@@ -140,10 +179,10 @@ std::vector<ContainerId> ContainerNames::activeNumbersOf(const std::string& name
     if (const auto id = toContainerId(name)) {
         return {*id};
     }
-    const auto title = toGroupTitle(name);
+    const auto set = setOf(name);
     const std::string key = faces::nameKey(name);
     std::vector<ContainerId> ids;
-    if (!title) {
+    if (!set) {
         // The names on disk come first: they hold when the library has lost the container.
         for (const ActiveContainer& container : active()) {
             const std::string own = faces::nameKey(container.name);
@@ -153,12 +192,8 @@ std::vector<ContainerId> ContainerNames::activeNumbersOf(const std::string& name
         }
     }
     if (ids.empty()) {
-        std::vector<ContainerId> meant;
-        if (title) {
-            meant = membersOf(*title);
-        } else {
-            meant = library().findContainersLike(name); // a name without wildcards means itself
-        }
+        // A name without wildcards means itself.
+        const auto meant = set ? *set : library().findContainersLike(name);
         for (const ContainerId id : meant) {
             const auto container = library().container(id);
             if (container && activation_.isActive(*container)) {
@@ -166,7 +201,7 @@ std::vector<ContainerId> ContainerNames::activeNumbersOf(const std::string& name
             }
         }
     }
-    if (ids.empty() && !title) {
+    if (ids.empty() && !set) {
         throw Error(name + ": no active container of this name");
     }
     return ids;

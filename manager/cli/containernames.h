@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What people call containers on the command line: numbers, names of faces and families, patterns
-// of names, collections and tags.
+// of names, collections and tags, folders.
 #pragma once
 
 #include "manager/activation/activation.h"
@@ -16,6 +16,9 @@
 #include <vector>
 
 namespace manager {
+
+/// The folder by the path under which the library has it.
+[[nodiscard]] std::string placeInLibrary(Library& library, const std::string& folder);
 
 /// Opens the library, once it is needed.
 using LibraryOpener = std::function<std::unique_ptr<Library>()>;
@@ -43,7 +46,10 @@ private:
                  const std::function<void(const std::string& name, ContainerId id)>& take);
     [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
+    /// Those that a collection, a tag or a folder has; nullopt: the name is of none of these.
+    [[nodiscard]] std::optional<std::vector<ContainerId>> setOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);
+    [[nodiscard]] std::vector<ContainerId> containersIn(const std::string& folder);
     [[nodiscard]] const std::vector<ActiveContainer>& active();
 
     Places places_;

@@ -100,19 +100,6 @@ std::string awayText(const FaceMatch& face, std::string_view state) {
     return face.away && state == "active" ? " (away)" : "";
 }
 
-// The folder by the path under which the library has it.
-std::string placeOf(Library& library, const std::string& folder) {
-    namespace fs = std::filesystem;
-    std::string path = fs::absolute(folder).lexically_normal().string();
-    if (path.size() > 1 && path.ends_with('/')) {
-        path.pop_back();
-    }
-    std::error_code code;
-    const std::string real = fs::canonical(path, code).string();
-    // A folder that is reached by a link in the library is known by that.
-    return !code && library.counts(path).files == 0 ? real : path;
-}
-
 // Which of the things that were asked for nothing has.
 void tellUnknown(Library& library, const FaceQuery& query, Tally& tally) {
     const struct {
@@ -242,7 +229,7 @@ int searchCommand(const Places& places, FaceQuery query, const std::optional<std
     Tally tally(json, "faces");
     const auto library = openScanned(places);
     if (!query.folder.empty()) {
-        query.folder = placeOf(*library, query.folder);
+        query.folder = placeInLibrary(*library, query.folder);
     }
     const Activation activation(places);
     const auto reading = library->reading();

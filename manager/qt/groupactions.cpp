@@ -57,22 +57,29 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
     keep_->setObjectName(QStringLiteral("keep"));
     list_->addAction(keep_);
 
-    const auto add = [this](const std::string& title, const QKeySequence& key, auto deed) {
+    const auto add = [this](const std::string& title, const QKeySequence& key, auto deed,
+                            std::vector<QAction*>& actions) {
         auto* const action = new QAction(text(title), sidebar_);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetShortcut);
         connect(action, &QAction::triggered, this, deed);
         sidebar_->addAction(action);
-        ofGroup_.push_back(action);
+        actions.push_back(action);
     };
-    add(translated("&Activate All"), {}, [this] { switchGroup(true); });
-    add(translated("&Deactivate All"), {}, [this] { switchGroup(false); });
-    add(translated("&Rename"), Qt::Key_F2, [this] {
-        if (const auto title = sidebar_->group()) {
-            sidebar_->editName(*title);
-        }
-    });
-    add(translated("D&elete"), Qt::Key_Delete, [this] { unmakeGroup(); });
+    add(
+        translated("&Activate All"), {}, [this] { switchSet(true); }, ofSet_);
+    add(
+        translated("&Deactivate All"), {}, [this] { switchSet(false); }, ofSet_);
+    add(
+        translated("&Rename"), Qt::Key_F2,
+        [this] {
+            if (const auto title = sidebar_->group()) {
+                sidebar_->editName(*title);
+            }
+        },
+        ofGroup_);
+    add(
+        translated("D&elete"), Qt::Key_Delete, [this] { unmakeGroup(); }, ofGroup_);
     for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
         auto* const action = new QAction(
             text(kind == GroupKind::Tag ? translated("New &Tag") : translated("New &Collection")),
@@ -92,7 +99,7 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
                  groupDeeds_.add(title, dropped);
              }
          },
-         [this](bool on) { switchGroup(on); }});
+         [this](bool on) { switchSet(on); }});
 }
 
 void LibraryWindow::fillGroupMenu(QMenu& menu, GroupKind kind) {
@@ -122,11 +129,12 @@ void LibraryWindow::newGroup(GroupKind kind, const std::vector<std::int32_t>& co
     groupDeeds_.add({kind, name}, containers);
 }
 
-void LibraryWindow::switchGroup(bool on) {
+void LibraryWindow::switchSet(bool on) {
     const auto title = sidebar_->group();
     const Group* const group = title ? findGroup(groups_, title->kind, title->name) : nullptr;
-    if (group != nullptr && !group->members.empty()) {
-        switchNamed(on, {text(title->text())}); // whatever the numbers of its members are then
+    const bool isEmpty = title && (group == nullptr || group->members.empty());
+    if (const auto name = sidebar_->setName(); name && !isEmpty) {
+        switchNamed(on, {text(*name)}); // whatever the numbers of its members are then
     }
 }
 
@@ -170,6 +178,9 @@ void LibraryWindow::showGroupActions() {
     }
     for (QAction* const action : ofGroup_) {
         action->setEnabled(title.has_value());
+    }
+    for (QAction* const action : ofSet_) {
+        action->setEnabled(sidebar_->setName().has_value());
     }
 }
 

@@ -54,6 +54,7 @@ public:
     [[nodiscard]] FaceModel& model() { return model_; }
     [[nodiscard]] QLineEdit& searchField() { return *search_; }
     [[nodiscard]] const Groups& groups() const { return groups_; }
+    [[nodiscard]] const std::vector<std::string>& folders() const { return folders_; }
     [[nodiscard]] FilterPanel& filters() { return *filters_; }
     [[nodiscard]] Sidebar& sidebar() { return *sidebar_; }
     [[nodiscard]] Deeds& deeds() { return deeds_; }
@@ -79,7 +80,7 @@ private:
     /// A menu of the groups of a kind, and of making one, for the chosen fonts.
     void fillGroupMenu(QMenu& menu, GroupKind kind);
     void newGroup(GroupKind kind, const std::vector<std::int32_t>& containers);
-    void switchGroup(bool on);
+    void switchSet(bool on);
     void unmakeGroup();
     void keepOne();
     void showGroupActions();
@@ -171,6 +172,7 @@ private:
     QAction* makeSet_ = nullptr;    ///< of the drawing
     QString drawingName_;           ///< what its collection is called
     std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
+    std::vector<QAction*> ofSet_;   ///< or with a folder as well
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;
     QAction* collect_ = nullptr;

@@ -283,6 +283,17 @@ std::optional<GroupTitle> Sidebar::group() const {
     return place_.kind == SidebarPlace::Kind::Group ? toGroupTitle(place_.name) : std::nullopt;
 }
 
+std::optional<std::string> Sidebar::setName() const {
+    switch (place_.kind) {
+    case SidebarPlace::Kind::Group:
+        return place_.name;
+    case SidebarPlace::Kind::Folder:
+        return "folder:" + place_.name;
+    default:
+        return std::nullopt;
+    }
+}
+
 void Sidebar::editName(const GroupTitle& title) {
     toEdit_ = title;
     for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
@@ -302,7 +313,7 @@ bool Sidebar::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && toEdit_) {
         editName(GroupTitle(*toEdit_));
     }
-    if (event->type() == QEvent::ShortcutOverride && group() &&
+    if (event->type() == QEvent::ShortcutOverride && setName() &&
         switchOf(*static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
@@ -311,7 +322,7 @@ bool Sidebar::event(QEvent* event) {
 }
 
 void Sidebar::keyPressEvent(QKeyEvent* event) {
-    if (const auto on = switchOf(*event); on && group()) {
+    if (const auto on = switchOf(*event); on && setName()) {
         handlers_.switchAll(*on);
     } else {
         QTreeWidget::keyPressEvent(event);

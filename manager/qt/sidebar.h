@@ -35,11 +35,13 @@ public:
     struct Handlers {
         std::function<void(const GroupTitle& title, const std::string& name)> rename;
         std::function<void(const GroupTitle& title, const std::vector<std::int32_t>& dropped)> drop;
-        std::function<void(bool on)> switchAll; ///< of the group that is chosen
+        std::function<void(bool on)> switchAll; ///< of the set that is chosen
     };
     void setHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
     /// The group that is chosen; nullopt: none is.
     [[nodiscard]] std::optional<GroupTitle> group() const;
+    /// What the commands call the group or the folder that is chosen; nullopt: neither is.
+    [[nodiscard]] std::optional<std::string> setName() const;
     /// Lets the user write another name for a group, now or once it is shown.
     void editName(const GroupTitle& title);
 

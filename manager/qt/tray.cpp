@@ -64,6 +64,28 @@ void TrayMenu::addSets(const LibraryView& view, const Groups& groups) {
     }
 }
 
+void TrayMenu::addFolders(const LibraryView& view, const std::vector<std::string>& folders) {
+    const std::span<const std::string> places = view.table.folders();
+    std::vector<bool> isActive(places.size(), true);
+    for (const ListedFace& face : view.table.faces()) {
+        isActive[face.folder] = isActive[face.folder] && !view.states.why(face.container).empty();
+    }
+    for (const std::string& folder : folders) {
+        bool isAny = false;
+        bool isAll = true;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            if (liesUnder(places[i], folder)) {
+                isAny = true;
+                isAll = isAll && isActive[i];
+            }
+        }
+        if (isAny && isAll) {
+            addActive(text(translated("Folder \"%1\"")).arg(text(nameOf(folder))).toStdString(),
+                      text("folder:" + folder));
+        }
+    }
+}
+
 void TrayMenu::addContainers(const LibraryView& view) {
     constexpr std::size_t most = 15;
     std::set<ContainerId> met;
@@ -82,9 +104,11 @@ void TrayMenu::addContainers(const LibraryView& view) {
     }
 }
 
-void TrayMenu::fill(const LibraryView& view, const Groups& groups, bool isKept) {
+void TrayMenu::fill(const LibraryView& view, const Groups& groups,
+                    const std::vector<std::string>& folders, bool isKept) {
     clear();
     addSets(view, groups);
+    addFolders(view, folders);
     addSeparator();
     addContainers(view);
     addSeparator();
@@ -106,7 +130,8 @@ Tray::Tray(LibraryWindow& window)
              [] { QApplication::quit(); }}) {
     QApplication::setQuitOnLastWindowClosed(!KeptSetting().isOn());
     const auto fill = [this, &window] {
-        menu_.fill(window.model().listing().view(), window.groups(), KeptSetting().isOn());
+        menu_.fill(window.model().listing().view(), window.groups(), window.folders(),
+                   KeptSetting().isOn());
     };
     fill();
     QObject::connect(&menu_, &QMenu::aboutToShow, &menu_, fill);

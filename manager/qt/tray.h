@@ -17,7 +17,7 @@ namespace manager {
 
 class LibraryWindow;
 
-/// [main-thread] Its rows are the sets of which all members are active, then containers.
+/// [main-thread] Its rows are the sets and folders of which all is active, then containers.
 class TrayMenu : public QMenu {
 public:
     struct Handlers {
@@ -29,11 +29,13 @@ public:
     explicit TrayMenu(Handlers handlers) : handlers_(std::move(handlers)) {}
 
     /// Shows what is active in a view. More containers than a screen has room for are counted.
-    void fill(const LibraryView& view, const Groups& groups, bool isKept);
+    void fill(const LibraryView& view, const Groups& groups,
+              const std::vector<std::string>& folders, bool isKept);
 
 private:
     void addActive(const std::string& name, const QString& container);
     void addSets(const LibraryView& view, const Groups& groups);
+    void addFolders(const LibraryView& view, const std::vector<std::string>& folders);
     void addContainers(const LibraryView& view);
 
     Handlers handlers_;

@@ -65,6 +65,12 @@ TEST_F(TheProgram, TellsItsStateAndDeedsAndWhatIsWrongWithACommand) {
         {{"deactivate", "2", "1", "PAIR", "lato & co"},
          0,
          "deactivated pair.ttc (container 2)\ndeactivated"},
+        {{"activate", "folder:" + sandbox_.library() + "/fonts/"}, 0, "activated pair.ttc"},
+        {{"deactivate", "folder:" + sandbox_.library()}, 0, "deactivated"},
+        {{"deactivate", "folder:" + sandbox_.library()}, 0, "nothing is active"},
+        {{"activate", "folder:/"}, 0, "activated"},
+        {{"deactivate", "folder:/absent"}, 1, "glyphora: /absent: the library has no fonts there"},
+        {{"deactivate", "--all"}, 0, "deactivated"},
         {{"serve", "x"}, 2, "x"},
         {{"activate", "2"}, 0, "activated"},
     });

@@ -44,8 +44,9 @@ TEST_F(TheTraysMenu, NamesWhatIsActiveAndWhy) {
                    [&](bool kept) { done += kept ? "keep " : "leave "; }, [&] { done += "quit"; }});
     Reason session;
     session.kind = Reason::Kind::UntilLogout;
-    menu.fill(viewOf({{alpha, "Alpha", {"alpha-Bold.ttf"}, {Reason::byHand(), session}}}), groups,
-              false);
+    const std::vector<std::string> folders{sandbox_.library(), sandbox_.root() + "/empty"};
+    const ActiveContainer alphaSet{alpha, "Alpha", {"alpha-Bold.ttf"}, {Reason::byHand(), session}};
+    menu.fill(viewOf({alphaSet}), groups, folders, false);
     EXPECT_THAT(rows(menu), ElementsAre("Collection \"R&&D\" x", "Alpha – by hand, until logout x",
                                         "&Open the Font Library",
                                         "&Stay here when the window is closed", "&Quit"));
@@ -58,8 +59,14 @@ TEST_F(TheTraysMenu, NamesWhatIsActiveAndWhy) {
     }
     EXPECT_EQ(done, "open keep quit");
 
+    menu.fill(viewOf({alphaSet, {beta, "Beta", {"beta.ttf"}, {session}}}), groups, folders, false);
+    EXPECT_THAT(rows(menu), testing::IsSupersetOf({"Tag \"both\" x", "Folder \"library\" x"}));
+    menu.actions()[2]->trigger();
+    EXPECT_EQ(off,
+              QStringList(QStringLiteral("folder:") + QString::fromStdString(sandbox_.library())));
+
     chooseLanguage("de_DE");
-    menu.fill(viewOf({}), groups, true);
+    menu.fill(viewOf({}), groups, folders, true);
     chooseLanguage("en_US");
     EXPECT_THAT(rows(menu), ElementsAre("Keine Schrift ist aktiv", "Schriftbibliothek ö&ffnen",
                                         "Beim &Schließen des Fensters hier bleiben x", "&Beenden"));

@@ -2,6 +2,7 @@
 // What of the chosen rows is switched: families whole, and faces apart from them.
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QAction>
 #include <QItemSelectionModel>
 #include <QUndoStack>
 
@@ -80,6 +81,29 @@ TEST_F(TheChosenRows, AreTurnedByWhatIsNotActiveOfThem) {
     EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, active"}}));
     press(Qt::Key_Return);
     EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, inactive"}}));
+}
+
+TEST_F(TheChosenRows, AreNotWhatAFolderSwitches) {
+    const auto choosePlace = [this](const std::string& path) {
+        window_->sidebar().choose({SidebarPlace::Kind::Folder, {}, path});
+        window_->sidebar().setFocus();
+    };
+    const auto isOffered = [this](const char* text) {
+        const auto actions = window_->sidebar().actions();
+        return std::ranges::any_of(actions, [&](const QAction* action) {
+            return action->text() == QLatin1String(text) && action->isEnabled();
+        });
+    };
+    EXPECT_FALSE(isOffered("&Activate All"));
+    chooseRows({family(1)});
+    choosePlace(sandbox_.library());
+    EXPECT_TRUE(isOffered("&Activate All"));
+    EXPECT_FALSE(isOffered("&Rename"));
+    QTest::keyClick(&window_->sidebar(), Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(finishDeeds());
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, active"}, {3, "Beta, 1 style, active"}}));
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, inactive"}, {3, "Beta, 1 style, inactive"}}));
 }
 
 } // namespace
