@@ -8,9 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
-#include <system_error>
 
 namespace sys {
 
@@ -50,10 +48,7 @@ void chooseLanguage(const char* domain, const char* catalogues, const std::strin
     // Of "de_AT:de_DE" or "de_DE@euro" gettext would try parts.
     const bool plain = std::all_of(locale.begin(), locale.end(), isPartOfName);
     setenv("LANGUAGE", plain ? locale.c_str() : "en", 1); // NOLINT(concurrency-mt-unsafe)
-    std::error_code failed;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
-    const std::filesystem::path folder = program.parent_path().parent_path() / catalogues;
-    bindtextdomain(domain, folder.c_str());
+    bindtextdomain(domain, catalogueFolder(catalogues).c_str());
     bind_textdomain_codeset(domain, "UTF-8");
     textdomain(domain); // forgets what was looked up in another language
 }

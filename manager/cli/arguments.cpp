@@ -23,7 +23,6 @@
 #include "manager/library/error.h"
 #include "manager/view/texts.h"
 #include "manager/view/window.h"
-#include "system/translation.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -107,7 +106,7 @@ public:
             return exitUsage;
         }
         if (options_.translated) {
-            chooseLanguage(sys::localeOfEnvironment());
+            chooseUsersLanguage();
         }
         if (options_.progress) {
             setProgress(ProgressForm::Lines);

@@ -16,7 +16,6 @@
 #include "manager/library/folders.h"
 #include "manager/view/texts.h"
 #include "system/displays.h"
-#include "system/translation.h"
 
 #include <algorithm>
 #include <array>
@@ -256,7 +255,7 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
         warn("show lists the fonts of drawings, or what is searched or asked for, not both");
         return exitUsage;
     }
-    chooseLanguage(sys::localeOfEnvironment()); // before the bus has threads
+    chooseUsersLanguage(); // before the bus has threads
     if (pictures.empty()) {
         if (handOver(options.request)) {
             return exitSuccess;

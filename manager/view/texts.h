@@ -10,6 +10,9 @@ namespace manager {
 
 /// [main-thread] Before there are other threads; see sys::chooseLanguage.
 void chooseLanguage(const std::string& locale);
+/// [main-thread] The same for the language that the environment asks for; see
+/// sys::languageOfEnvironment.
+void chooseUsersLanguage();
 
 /// [main-thread] `text` in the language that was chosen.
 [[nodiscard]] std::string translated(const char* text);

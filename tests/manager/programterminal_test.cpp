@@ -89,6 +89,12 @@ TEST_F(TheProgram, EndsOrderlyAtTheKeysThatInterruptIt) {
     }
 }
 
+TEST_F(TheProgram, TellsProblemsInTheLanguageThatIsAskedForFirst) {
+    const testsupport::Variable languages("LANGUAGE", "fr:de_AT:en");
+    const std::string problem = "glyphora: " + sandbox_.root() + ": ist schon vorhanden;";
+    expectEach({{{"--translated", "collect", "--to", sandbox_.root(), "x"}, 1, problem}});
+}
+
 } // namespace
 
 } // namespace managertest
