@@ -205,11 +205,9 @@ ListRow FaceModel::faceRow(std::size_t place) const {
         row.isDetailFirst = true;
     }
     setState(row, view.states, face);
-    const auto reasons =
-        view.states.isActive(face) ? view.states.why(listed.container) : std::span<const Reason>();
-    for (const Reason& reason : reasons) {
-        row.state +=
-            (&reason == &reasons.front() ? ": " : ", ") + text(describeIn(reason, translated));
+    if (const std::string why = whyOf(view.states.why(listed.container));
+        view.states.isActive(face) && !why.empty()) {
+        row.state += QStringLiteral(": ") + text(why);
     }
     row.sample = face;
     return row;

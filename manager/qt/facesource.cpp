@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/facesource.h"
 
+#include "manager/view/facefacts.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace manager {
@@ -8,6 +11,20 @@ namespace manager {
 bool isInstanceOf(const faces::Face& other, std::uint32_t index) {
     constexpr std::uint32_t ofFile = 0xffff;
     return other.index > ofFile && (other.index & ofFile) == (index & ofFile);
+}
+
+bool isNamedTwice(const faces::Face& instance, const std::vector<faces::Face>& faces) {
+    return std::any_of(faces.begin(), faces.end(), [&](const faces::Face& face) {
+        return !face.axes.empty() && face.index != instance.index &&
+               isInstanceOf(instance, face.index) &&
+               nameForPeople(face) == nameForPeople(instance) &&
+               std::all_of(face.axes.begin(), face.axes.end(), [&](const faces::Axis& axis) {
+                   const auto place =
+                       std::find_if(instance.position.begin(), instance.position.end(),
+                                    [&](const auto& value) { return value.first == axis.tag; });
+                   return place == instance.position.end() || place->second == axis.initial;
+               });
+    });
 }
 
 void LibraryFaces::readFace(FaceId id, FaceTaker take) {

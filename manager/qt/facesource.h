@@ -39,5 +39,7 @@ private:
 
 /// Whether `other` is a named instance of the face at `index`, which is in the same file.
 [[nodiscard]] bool isInstanceOf(const faces::Face& other, std::uint32_t index);
+/// Whether a named instance is what its variable face is by itself, by that name.
+[[nodiscard]] bool isNamedTwice(const faces::Face& instance, const std::vector<faces::Face>& faces);
 
 } // namespace manager

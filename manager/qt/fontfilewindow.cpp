@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/fontfilewindow.h"
 
+#include "manager/qt/progressline.h"
 #include "manager/view/facefacts.h"
 #include "manager/view/texts.h"
 
+#include <QCloseEvent>
 #include <QEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -29,21 +31,6 @@ QString calledIn(const faces::Face& face, const std::string& file) {
     return name.isEmpty() ? QFileInfo(text(file)).fileName() : name;
 }
 
-/// Whether a named instance is what its variable face is by itself, by that name.
-bool isListed(const faces::Face& instance, const std::vector<faces::Face>& faces) {
-    return std::any_of(faces.begin(), faces.end(), [&](const faces::Face& face) {
-        return !face.axes.empty() && face.index != instance.index &&
-               isInstanceOf(instance, face.index) &&
-               nameForPeople(face) == nameForPeople(instance) &&
-               std::all_of(face.axes.begin(), face.axes.end(), [&](const faces::Axis& axis) {
-                   const auto place =
-                       std::find_if(instance.position.begin(), instance.position.end(),
-                                    [&](const auto& value) { return value.first == axis.tag; });
-                   return place == instance.position.end() || place->second == axis.initial;
-               });
-    });
-}
-
 QLabel* plainLabel(QWidget* parent) {
     auto* const label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
@@ -61,6 +48,7 @@ FontFileWindow::FontFileWindow(const WindowOptions& options, std::vector<std::st
       reader_(options.places,
               [this](const QString& problem) {
                   tell({problem});
+                  showStanding(); // what was begun has ended
                   if (!isRead_ && whenRead_) {
                       std::exchange(whenRead_, {})(problem);
                   }
@@ -117,6 +105,9 @@ void FontFileWindow::makeContent() {
     columns->setSizes({230, 590});
     columns->setChildrenCollapsible(false);
     column->addWidget(columns, 1);
+    progress_ = new ProgressLine([this] { deeds_.cancel(); }, content_);
+    deeds_.follow([this](const auto& progress) { progress_->show(progress); });
+    column->addWidget(progress_);
     column->addLayout(makeButtons());
 }
 
@@ -172,7 +163,7 @@ void FontFileWindow::take(const std::vector<FontFileOutcome>& outcomes) {
         }
         contents_[i] = std::get<ReadFont>(outcomes[i]).contents;
         for (const faces::Face& face : contents_[i].faces) {
-            if (isListed(face, contents_[i].faces)) {
+            if (isNamedTwice(face, contents_[i].faces)) {
                 continue;
             }
             entries_.push_back({i, face});
@@ -194,23 +185,7 @@ void FontFileWindow::readStandings() {
     const auto files = std::make_shared<const std::vector<std::string>>(files_);
     const auto contents = std::make_shared<const std::vector<faces::FontFileContents>>(contents_);
     reader_.run([this, files, contents](Desk& desk) -> LibraryReader::Taker {
-        std::vector<FileStanding> standings(files->size());
-        std::vector<std::vector<Reason>> reasons(files->size());
-        for (std::size_t i = 0; i < files->size(); ++i) {
-            standings[i].known = findInLibrary(desk.library(), (*files)[i], (*contents)[i]);
-            if (standings[i].known) {
-                const auto set = desk.activation().setOf(standings[i].known->face.holder);
-                standings[i].isActive = set.has_value();
-                reasons[i] = set ? set->reasons : std::vector<Reason>();
-            }
-        }
-        return [this, standings, reasons]() mutable {
-            for (std::size_t i = 0; i < standings.size(); ++i) {
-                for (const Reason& reason : reasons[i]) {
-                    standings[i].why +=
-                        (standings[i].why.empty() ? "" : ", ") + describeIn(reason, translated);
-                }
-            }
+        return [this, standings = manager::readStandings(desk, *files, *contents)]() mutable {
             standings_ = std::move(standings);
             isRead_ = true;
             showStanding();
@@ -277,23 +252,7 @@ void FontFileWindow::showStanding() {
     const bool isKnown = standing.known.has_value();
     const bool isOwn = isKnown && !standing.known->isForSession;
     const bool isShown = isKnown && standing.known->face.shownByDesktop;
-    std::string words;
-    if (isReady) {
-        words = isOwn ? translated("In the library, as %1")
-                      : translated("This font is not in the library.");
-    }
-    QString said = text(words);
-    if (isOwn) {
-        said = said.arg(text(joinPath(standing.known->face.folder, standing.known->face.fileName)));
-    }
-    if (isShown) {
-        said += QLatin1Char('\n') + text(translated("The desktop shows it without being asked."));
-    } else if (standing.isActive) {
-        said += QLatin1Char('\n') + (standing.why.empty()
-                                         ? text(translated("active"))
-                                         : text(translated("Active: %1")).arg(text(standing.why)));
-    }
-    standing_->setText(said);
+    standing_->setText(isReady ? wordsOf(standing) : QString());
     add_->setVisible(!isOwn);
     add_->setEnabled(isReady);
     show_->setVisible(isOwn);
@@ -331,6 +290,27 @@ void FontFileWindow::tell(const QStringList& problems) {
     const QStringList all = bad_ + problems;
     problems_->setText(all.join(QLatin1Char('\n')));
     problems_->setVisible(!all.isEmpty());
+}
+
+// Other windows do not wait for it.
+void FontFileWindow::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    leaveWhenIdle();
+}
+
+void FontFileWindow::leaveWhenIdle() {
+    deeds_.work({}, [this](Desk&) -> LibraryReader::Taker { // after all deeds
+        return [this] {
+            reader_.run([this](Desk&) -> LibraryReader::Taker { // and what they have read again
+                return [this] {
+                    if (!isVisible()) { // else it was opened once more
+                        isLeaving_ = true;
+                        deleteLater();
+                    }
+                };
+            });
+        };
+    });
 }
 
 void FontFileWindow::changeEvent(QEvent* event) {

@@ -3,10 +3,10 @@
 // be done with them. The library need not have them.
 #pragma once
 
-#include "manager/cli/fontfiles.h"
 #include "manager/qt/deeds.h"
 #include "manager/qt/facepane.h"
 #include "manager/qt/facesource.h"
+#include "manager/qt/fontfilestanding.h"
 #include "manager/qt/libraryreader.h"
 #include "manager/view/window.h"
 
@@ -20,14 +20,9 @@ class QVBoxLayout;
 
 namespace manager {
 
-/// What the library knows of a file.
-struct FileStanding {
-    std::optional<FileInLibrary> known; ///< nullopt: it has none such
-    bool isActive = false;
-    std::string why; ///< it is active; for people
-};
+class ProgressLine;
 
-/// [main-thread]
+/// [main-thread] Hides when it is closed, and deletes itself once what it began has ended.
 class FontFileWindow : public QWidget, private FaceSource {
 public:
     /// Shows a file of the library in the library's window, by what is to be searched for there.
@@ -41,6 +36,8 @@ public:
     ~FontFileWindow() override;
 
     [[nodiscard]] const std::vector<std::string>& files() const { return files_; }
+    /// Whether it is about to be deleted, and not to be shown again.
+    [[nodiscard]] bool isLeaving() const { return isLeaving_; }
     /// Whether the files, and what the library knows of them, have been read.
     [[nodiscard]] bool isRead() const { return isRead_; }
     /// Calls `then` once they have been, or with why the library cannot be read.
@@ -54,12 +51,14 @@ public:
     /// Activates for the session, or deactivates.
     [[nodiscard]] QPushButton& switchButton() { return *switch_; }
     [[nodiscard]] QPushButton& showButton() { return *show_; }
+    [[nodiscard]] ProgressLine& progress() { return *progress_; }
     /// What the window says of the chosen file's place, and of what has gone wrong.
     [[nodiscard]] QString standing() const { return standing_->text(); }
     [[nodiscard]] QString problems() const { return problems_->text(); }
 
 protected:
     void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     /// A face of one of the files.
@@ -77,6 +76,7 @@ private:
     void startReading();
     void take(const std::vector<FontFileOutcome>& outcomes);
     void readStandings();
+    void leaveWhenIdle();
     void showChosen();
     void showStanding();
     [[nodiscard]] const Entry* chosen() const;
@@ -93,11 +93,13 @@ private:
     std::vector<faces::FontFileContents> contents_; ///< of each file; empty: it is no font
     QStringList bad_;                               ///< what is wrong with the files
     bool isRead_ = false;
+    bool isLeaving_ = false;
     std::function<void(const QString&)> whenRead_;
     QWidget* content_ = nullptr;
     QListWidget* list_ = nullptr;
     FacePane* pane_ = nullptr;
     QLabel* problems_ = nullptr;
+    ProgressLine* progress_ = nullptr;
     QLabel* standing_ = nullptr;
     QPushButton* add_ = nullptr;
     QPushButton* switch_ = nullptr;

@@ -31,14 +31,6 @@ private:
                         QStringLiteral("library")};
 };
 
-std::string whyOf(std::span<const Reason> reasons) {
-    std::string why;
-    for (const Reason& reason : reasons) {
-        why += (why.empty() ? "" : ", ") + describeIn(reason, translated);
-    }
-    return why;
-}
-
 } // namespace
 
 void TrayMenu::addActive(const std::string& name, const QString& container) {

@@ -23,14 +23,14 @@ std::vector<FontFileWindow*> Windows::fontFiles() const {
 
 FontFileWindow& Windows::windowOf(const std::vector<std::string>& files) {
     std::erase_if(fontFiles_, [](const auto& window) { return window.isNull(); });
-    const auto known = std::find_if(fontFiles_.begin(), fontFiles_.end(),
-                                    [&](const auto& window) { return window->files() == files; });
+    const auto known = std::find_if(fontFiles_.begin(), fontFiles_.end(), [&](const auto& window) {
+        return !window->isLeaving() && window->files() == files;
+    });
     if (known != fontFiles_.end()) {
         return **known;
     }
     auto* const window = new FontFileWindow(
         options_, files, [this](const std::string& search) { open({.search = search}); });
-    window->setAttribute(Qt::WA_DeleteOnClose);
     fontFiles_.emplace_back(window);
     return *window;
 }

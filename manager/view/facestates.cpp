@@ -1,9 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "manager/view/facestates.h"
 
+#include "manager/view/texts.h"
+
 #include <algorithm>
 
 namespace manager {
+
+std::string whyOf(std::span<const Reason> reasons) {
+    std::string why;
+    for (const Reason& reason : reasons) {
+        why += (why.empty() ? "" : ", ") + describeIn(reason, translated);
+    }
+    return why;
+}
 
 FaceStates::FaceStates(const FaceTable& table, std::span<const ActiveContainer> active) {
     std::unordered_map<std::int32_t, const ActiveContainer*> sets;

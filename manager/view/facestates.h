@@ -24,6 +24,9 @@ enum class FaceState : std::uint8_t {
 };
 inline constexpr std::size_t faceStates = 5;
 
+/// For people, in their language: "by hand, until logout".
+[[nodiscard]] std::string whyOf(std::span<const Reason> reasons);
+
 /// [any-thread] A value that does not change once it was made.
 class FaceStates {
 public:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Font files that are opened by themselves.
 #include "manager/qt/guests.h"
+#include "manager/qt/progressline.h"
 #include "manager/qt/windows.h"
 #include "tests/manager/qt/windowfixture.h"
 
@@ -130,6 +131,38 @@ TEST_F(AWindowOfFontFiles, IsOpenedByWhoComesLaterOncePerFile) {
     windows_.library()->sidebar().choose({});
     show({poster});
     EXPECT_TRUE(await([&] { return titleOfFirst() == "Nobody Regular"; })) << titleOfFirst();
+}
+
+TEST_F(AWindowOfFontFiles, IsClosedAtOnceAndGoesWhenItsCommandHasEnded) {
+    const auto addAndClose = [this](FontFileWindow& window) {
+        press(window.addButton());
+        ASSERT_TRUE(await([&] { return window.progress().isVisible(); }));
+        window.close();
+        EXPECT_FALSE(window.isVisible());
+    };
+    const QPointer<FontFileWindow> first = &openFiles({other_});
+    const std::string second =
+        write("second.ttf", testsupport::makeFont({"Second", "Regular", "Second-Regular"}));
+    const QPointer<FontFileWindow> again = &openFiles({second});
+    std::optional<FileLock> scanning(sandbox_.places().scanLock()); // which is waited for
+    addAndClose(*first);
+    addAndClose(*again);
+    EXPECT_EQ(&openFiles({second}), again) << "as it is there still";
+    EXPECT_TRUE(first);
+    scanning.reset();
+    EXPECT_TRUE(await([&] { return first.isNull(); }));
+    EXPECT_TRUE(awaitStanding(*again, sandbox_.places().singleFonts() + "/second.ttf"));
+    EXPECT_FALSE(again->progress().isVisible());
+    EXPECT_TRUE(std::filesystem::exists(sandbox_.places().singleFonts() + "/other.ttf"));
+}
+
+TEST_F(AWindowOfFontFiles, CanBeUsedOnWhereTheLibraryCannotBeRead) {
+    FontFileWindow& window = openFiles({other_});
+    std::filesystem::remove_all(sandbox_.places().database());
+    std::filesystem::create_directory(sandbox_.places().database());
+    press(window.switchButton());
+    ASSERT_TRUE(await([&] { return !window.problems().isEmpty(); }));
+    EXPECT_TRUE(await([&] { return window.switchButton().isEnabled(); }));
 }
 
 } // namespace
