@@ -94,7 +94,10 @@ TEST_F(AnActivation, FollowsReplacedFilesOrTheWholeContainer) {
     const std::string open = sandbox_.root() + "/open";
     std::filesystem::create_hard_link(set() + "/one.ttf", open);
     const std::string bytes = readBytes(open);
-    EXPECT_EQ(activate(newer).versions, "1.0 -> 2.0");
+    const ActivationOutcome replaced = activate(newer);
+    EXPECT_EQ(replaced.versions, "1.0 -> 2.0");
+    EXPECT_TRUE(replaced.change.addedFiles.empty() && replaced.change.removedFiles.empty())
+        << "which taking it back would want of the library";
     EXPECT_THAT(visibleFamilies(), ElementsAre("One Anew", "Two"));
     EXPECT_EQ(readBytes(open), bytes);
     EXPECT_THAT(readSetRecord(set())->reasons, ElementsAre(Reason::byHand()));

@@ -2,6 +2,7 @@
 // The rows of the list: what they say, and by which face they are shown.
 #include "manager/library/update.h"
 #include "manager/qt/facemodel.h"
+#include "manager/qt/setchoice.h"
 #include "manager/view/texts.h"
 #include "tests/manager/sandbox.h"
 
@@ -41,7 +42,8 @@ protected:
         });
     }
     /// Shows the library with the containers of these folders active.
-    void show(const std::vector<std::string>& active, const std::vector<AskedFont>& drawing = {}) {
+    void show(const std::vector<std::string>& active, const std::vector<AskedFont>& drawing = {},
+              const std::optional<std::string>& only = {}) {
         std::vector<ActiveContainer> containers;
         for (const Container& container : library_.containers()) {
             const std::string folder = std::filesystem::path(container.folder).filename();
@@ -51,6 +53,9 @@ protected:
                     files.push_back(nameOf(file.path));
                 }
                 std::sort(files.begin(), files.end());
+                if (only) {
+                    files = {*only};
+                }
                 containers.push_back({container.id,
                                       container.name,
                                       std::move(files),
@@ -138,6 +143,45 @@ TEST_F(TheRows, AreShownByTheFaceThatIsNearestToTheUsual) {
     EXPECT_THAT(heard(first()), testing::Contains("Medium, TrueType, cannot be drawn, inactive"));
     show({});
     EXPECT_THAT(heard(), ElementsAre("Alpha, 3 styles, inactive"));
+}
+
+TEST_F(TheRows, AreSwitchedAsFarAsTheyCanBe) {
+    add("one/a.ttf", "Alpha", "Regular");
+    add("one/b.ttf", "Alpha", "Bold", {700, 100, faces::Slant::Upright});
+    add("away/a.ttf", "Zeta", "Regular");
+    scan();
+    std::filesystem::rename(sandbox_.library() + "/away", sandbox_.root() + "/elsewhere");
+    scan();
+    show({"one"}, {}, "a.ttf");
+    const QModelIndex regular = model_.index(0, 0, first());
+    const QModelIndex bold = model_.index(1, 0, first());
+    const QModelIndex away = model_.index(1, 0);
+    const auto container =
+        static_cast<std::int32_t>(model_.listing().view().table.faces().front().container);
+    using Files = std::map<std::int32_t, std::set<std::string>>;
+    const struct {
+        const char* what;
+        QModelIndexList rows;
+        bool on;
+        std::set<std::int32_t> containers;
+        Files files;
+    } cases[] = {
+        {"a face", {regular, bold}, true, {}, {{container, {"b.ttf"}}}},
+        {"another", {regular, bold}, false, {}, {{container, {"a.ttf"}}}},
+        {"all of a family", {first()}, true, {container}, {}},
+        {"and its face", {bold, first()}, true, {container}, {}},
+        {"what is away", {away, model_.index(0, 0, away)}, true, {}, {}},
+        {"nor off", {away}, false, {}, {}},
+    };
+    for (const auto& [what, rows, on, containers, files] : cases) {
+        const SetChoice choice = choiceOf(model_, rows, on);
+        EXPECT_EQ(choice.containers, containers) << what;
+        EXPECT_EQ(choice.files, files) << what;
+        EXPECT_EQ(choice.isEmpty(), containers.empty() && files.empty()) << what;
+    }
+    show({"one"}, {}, "former.ttf"); // which a program keeps
+    EXPECT_EQ(choiceOf(model_, {first()}, false).containers, std::set{container});
+    EXPECT_TRUE(choiceOf(model_, {model_.index(0, 0, first())}, false).isEmpty());
 }
 
 TEST_F(TheRows, SayOfADrawingsFontWhatTheDesktopShowsItself) {

@@ -134,7 +134,7 @@ TEST_F(AWindowOfFontFiles, IsOpenedByWhoComesLaterOncePerFile) {
 }
 
 TEST_F(AWindowOfFontFiles, IsClosedAtOnceAndGoesWhenItsCommandHasEnded) {
-    const auto addAndClose = [this](FontFileWindow& window) {
+    const auto addAndClose = [](FontFileWindow& window) {
         press(window.addButton());
         ASSERT_TRUE(await([&] { return window.progress().isVisible(); }));
         window.close();
