@@ -160,7 +160,9 @@ void LibraryWindow::filter() {
         if (!list_->currentIndex().isValid()) { // the best for the first font
             const QModelIndex font = model_.index(0, 0);
             const QModelIndex best = model_.index(0, 0, font);
-            list_->setCurrentIndex(best.isValid() && list_->isExpanded(font) ? best : font);
+            list_->selectionModel()->setCurrentIndex( // whatever keys are held
+                best.isValid() && list_->isExpanded(font) ? best : font,
+                QItemSelectionModel::ClearAndSelect);
         }
     }
     showEmpty();

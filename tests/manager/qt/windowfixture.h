@@ -122,7 +122,10 @@ protected:
                              [isFinished](const QJsonObject&) { *isFinished = true; });
         return await([&] { return *isFinished; });
     }
-    void choose(int row) { window_->list().setCurrentIndex(window_->model().index(row, 0)); }
+    void choose(int row) {
+        window_->list().selectionModel()->setCurrentIndex(window_->model().index(row, 0),
+                                                          QItemSelectionModel::ClearAndSelect);
+    }
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(&window_->list(), static_cast<Qt::Key>(key), modifiers);
     }
