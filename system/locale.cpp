@@ -68,10 +68,6 @@ std::string localeCode(std::string_view name) {
     return std::string(code);
 }
 
-std::string localeOfEnvironment() {
-    return localeCode(localeName());
-}
-
 std::string languageOfEnvironment(const char* domain, const char* catalogues) {
     const std::string_view locale = localeName();
     if (locale.empty() || locale == "C" || locale == "POSIX") {

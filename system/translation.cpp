@@ -37,6 +37,21 @@ private:
     locale_t before_;
 };
 
+struct ChosenLanguage {
+    bool isOurs = false; ///< LANGUAGE was set here
+    std::optional<std::string> before;
+};
+
+ChosenLanguage& chosen() {
+    static ChosenLanguage language;
+    return language;
+}
+
+std::optional<std::string> languageNow() {
+    const char* const value = std::getenv("LANGUAGE"); // NOLINT(concurrency-mt-unsafe)
+    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+}
+
 bool isPartOfName(char character) {
     return character == '_' || (character >= 'a' && character <= 'z') ||
            (character >= 'A' && character <= 'Z');
@@ -44,7 +59,14 @@ bool isPartOfName(char character) {
 
 } // namespace
 
+std::optional<std::string> userLanguage() {
+    return chosen().isOurs ? chosen().before : languageNow();
+}
+
 void chooseLanguage(const char* domain, const char* catalogues, const std::string& locale) {
+    if (!chosen().isOurs) {
+        chosen() = {true, languageNow()};
+    }
     // Of "de_AT:de_DE" or "de_DE@euro" gettext would try parts.
     const bool plain = std::all_of(locale.begin(), locale.end(), isPartOfName);
     setenv("LANGUAGE", plain ? locale.c_str() : "en", 1); // NOLINT(concurrency-mt-unsafe)

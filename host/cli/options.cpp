@@ -4,7 +4,7 @@
 
 #include "host/cli/exitstatus.h"
 #include "host/cli/sabotage.h"
-#include "system/translation.h"
+#include "host/core/translation.h"
 
 #include <CLI/CLI.hpp>
 
@@ -133,7 +133,7 @@ void suggestOpening(const std::vector<std::string>& words, std::ostream& errors)
 std::optional<Options> readOptions(int argumentCount, const char* const* arguments,
                                    std::ostream& output, std::ostream& errors, int& exitStatus) {
     Options options;
-    options.locale = sys::localeOfEnvironment();
+    options.locale = languageOfEnvironment();
     CLI::App app{"Opens drawings, with a plug-in that activates the fonts they miss."};
     app.name("glyphora-host");
     app.set_version_flag("--version", "glyphora-host " GLYPHORA_VERSION);

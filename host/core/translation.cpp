@@ -15,6 +15,10 @@ void chooseLanguage(const std::string& locale) {
     sys::chooseLanguage(domain, CATALOGUES, locale);
 }
 
+std::string languageOfEnvironment() {
+    return sys::languageOfEnvironment(domain, CATALOGUES);
+}
+
 std::string translated(const char* text) {
     return sys::translated(domain, text);
 }

@@ -12,6 +12,9 @@ namespace host {
 /// environment's LANGUAGE: call it before there are other threads.
 void chooseLanguage(const std::string& locale);
 
+/// [main-thread] Which locale's catalogue the environment asks for; see sys::languageOfEnvironment.
+[[nodiscard]] std::string languageOfEnvironment();
+
 /// [main-thread] `text` in the language that was chosen. Only windows and dialogs are translated:
 /// the report and messages of errors are English. (po/CMakeLists.txt knows this name as that which
 /// marks texts.)

@@ -9,6 +9,7 @@
 #include "manager/exchange/commandtext.h"
 #include "manager/exchange/lookup.h"
 #include "system/displays.h"
+#include "system/translation.h"
 
 #include <gio/gio.h>
 
@@ -31,6 +32,7 @@ struct Freer {
     void operator()(GError* error) const { g_error_free(error); }
     void operator()(GVariant* value) const { g_variant_unref(value); }
     void operator()(GDBusConnection* connection) const { g_object_unref(connection); }
+    void operator()(GAppLaunchContext* context) const { g_object_unref(context); }
 };
 template <class Object>
 using Held = std::unique_ptr<Object, Freer>;
@@ -101,9 +103,17 @@ bool openByPortal(const std::string& page) {
 }
 
 void open(const std::string& page) {
+    if (openByPortal(page)) {
+        return;
+    }
+    const Held<GAppLaunchContext> context(g_app_launch_context_new());
+    if (const auto language = sys::userLanguage()) {
+        g_app_launch_context_setenv(context.get(), "LANGUAGE", language->c_str());
+    } else {
+        g_app_launch_context_unsetenv(context.get(), "LANGUAGE");
+    }
     GError* failed = nullptr;
-    if (!openByPortal(page) &&
-        g_app_info_launch_default_for_uri(page.c_str(), nullptr, &failed) == 0) {
+    if (g_app_info_launch_default_for_uri(page.c_str(), context.get(), &failed) == 0) {
         const Held<GError> error(failed);
         throw Error(page + ": cannot be opened: " + failed->message);
     }

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "manager/cli/ownprocess.h"
 
+#include "system/translation.h"
+
+#include <glib.h>
+
 #include <algorithm>
 #include <csignal>
 #include <iterator>
 #include <spawn.h>
 #include <unistd.h>
 #include <vector>
-
-extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace manager {
 
@@ -31,8 +33,13 @@ int startOwn(const OwnProcess& wanted, pid_t& process) {
     if (wanted.input) {
         posix_spawn_file_actions_adddup2(&actions, *wanted.input, STDIN_FILENO);
     }
-    const int code =
-        posix_spawn(&process, "/proc/self/exe", &actions, &attributes, arguments.data(), environ);
+    char** environment = g_get_environ();
+    const std::optional<std::string> language = sys::userLanguage();
+    environment = language ? g_environ_setenv(environment, "LANGUAGE", language->c_str(), TRUE)
+                           : g_environ_unsetenv(environment, "LANGUAGE");
+    const int code = posix_spawn(&process, "/proc/self/exe", &actions, &attributes,
+                                 arguments.data(), environment);
+    g_strfreev(environment);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     return code;

@@ -15,8 +15,8 @@ struct OwnProcess {
     bool hasOwnSession = false;         ///< it does not end with this one's terminal
 };
 
-/// Starts it with all signals unblocked, for the caller to wait for. An errno value, or 0 and its
-/// number.
+/// Starts it with all signals unblocked and the user's own LANGUAGE, for the caller to wait for. An
+/// errno value, or 0 and its number.
 [[nodiscard]] int startOwn(const OwnProcess& wanted, pid_t& process);
 
 } // namespace manager

@@ -3,6 +3,7 @@
 
 #include "manager/cli/groupchange.h"
 #include "manager/qt/mnemonics.h"
+#include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 
 #include <QJsonDocument>
@@ -156,6 +157,7 @@ void Deeds::start(const QStringList& arguments, Taker take, const QStringList& p
         }
     }
     words.prepend(QStringLiteral("--translated"));
+    process->setProcessEnvironment(userEnvironment());
     process->start(QString::fromStdString(program_), words);
     process->write(input);
     process->closeWriteChannel();

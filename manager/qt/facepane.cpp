@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/facepane.h"
 
+#include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 
-#include <QDesktopServices>
 #include <QEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -65,10 +64,8 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     folder_->setAccessibleName(text(translated("Open the folder of the font")));
     folder_->setToolTip(folder_->accessibleName());
     folder_->hide();
-    connect(folder_, &QToolButton::clicked, this, [this] {
-        QDesktopServices::openUrl(
-            QUrl::fromLocalFile(QFileInfo(text(shown_.front().file)).absolutePath()));
-    });
+    connect(folder_, &QToolButton::clicked, this,
+            [this] { openFolder(QFileInfo(text(shown_.front().file)).absolutePath()); });
     // The order in which they are made is the one of Tab.
     QLayout* const tools = makeTools(std::move(wrote));
     look_ = new LookPanel([this] { applyLook(); }, this);

@@ -2,6 +2,7 @@
 #include "manager/qt/fontfilewindow.h"
 
 #include "manager/qt/progressline.h"
+#include "manager/qt/userprocess.h"
 #include "manager/view/facefacts.h"
 #include "manager/view/texts.h"
 
@@ -152,6 +153,7 @@ void FontFileWindow::startReading() {
             finish();
         }
     });
+    reading_->setProcessEnvironment(userEnvironment());
     reading_->start(text(program_), arguments);
 }
 

@@ -7,6 +7,7 @@
 #include "desktopentry.h"
 
 #include "platform/processes.h"
+#include "system/translation.h"
 
 #include <unistd.h>
 
@@ -52,6 +53,10 @@ OSErr LaunchApplication(LaunchParamBlockRec* parameters) {
         environment.reset(
             g_environ_setenv(environment.release(), "DBUS_SESSION_BUS_ADDRESS", bus.c_str(), TRUE));
     }
+    const std::optional<std::string> language = sys::userLanguage();
+    environment.reset(
+        language ? g_environ_setenv(environment.release(), "LANGUAGE", language->c_str(), TRUE)
+                 : g_environ_unsetenv(environment.release(), "LANGUAGE"));
     platform::ErrorSlot error;
     if (g_spawn_async(workingFolder, arguments.data(), environment.get(), flags, leaveSession,
                       nullptr, nullptr, error.out()) != 0) {

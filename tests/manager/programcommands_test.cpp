@@ -254,12 +254,16 @@ TEST_F(TheProgram, OpensPagesWhereFontsCanBeHad) {
     const std::string log = sandbox_.root() + "/pages";
     const Variable config("XDG_CONFIG_HOME", sandbox_.root() + "/config");
     const Variable display("DISPLAY", ":9999");
+    const Variable locale("LC_ALL", "de_DE.UTF-8");
+    const Variable language("LANGUAGE", "fr:de");
     std::filesystem::create_directories(sandbox_.places().data + "/applications");
     std::filesystem::create_directories(sandbox_.root() + "/config/glyphora");
-    writeBytes(sandbox_.places().data + "/applications/test.desktop",
-               "[Desktop Entry]\nType=Application\nName=Test\nExec=sh -c 'echo \"$0\" >>" + log +
-                   "' %u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;"
-                   "x-scheme-handler/file;\n");
+    writeBytes(
+        sandbox_.places().data + "/applications/test.desktop",
+        "[Desktop Entry]\nType=Application\nName=Test\nExec=sh -c 'echo \"$0\" \"$LANGUAGE\" >>" +
+            log +
+            "' %u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;"
+            "x-scheme-handler/file;\n");
     writeBytes(sandbox_.root() + "/config/mimeapps.list",
                "[Default Applications]\nx-scheme-handler/http=test.desktop\n"
                "x-scheme-handler/https=test.desktop\nx-scheme-handler/file=test.desktop\n");
@@ -278,8 +282,8 @@ TEST_F(TheProgram, OpensPagesWhereFontsCanBeHad) {
     const auto opened = [&](const std::string& expected) {
         return await([&] { return std::filesystem::exists(log) && readBytes(log) == expected; });
     };
-    EXPECT_EQ(glyphora({"buy", "Good-Black", "Good-Bold"}).status, 0);
-    EXPECT_TRUE(opened("https://maker.example/good\n")) << readBytes(log);
+    EXPECT_EQ(glyphora({"--translated", "buy", "Good-Black", "Good-Bold"}).status, 0);
+    EXPECT_TRUE(opened("https://maker.example/good fr:de\n")) << readBytes(log);
     std::filesystem::remove(log);
 
     writeBytes(sandbox_.root() + "/config/glyphora/glyphora.conf",
@@ -290,13 +294,13 @@ TEST_F(TheProgram, OpensPagesWhereFontsCanBeHad) {
     { // which owes a scan, and is not waited for
         const manager::FileLock scanning(sandbox_.places().scanLock());
         EXPECT_EQ(glyphora({"buy", "Good-Bold"}).status, 0);
-        EXPECT_TRUE(opened("http://shop.example/?q=Good-Bold%20font&x=y\n"));
+        EXPECT_TRUE(opened("http://shop.example/?q=Good-Bold%20font&x=y fr:de\n"));
     }
     std::filesystem::remove(log);
     serve();
     EXPECT_TRUE(
         send("<cmd>buyRequest</cmd>\n<font>\n<psName>Bad-Bold</psName>\n</font>\n</cmd>\n"));
-    EXPECT_TRUE(opened("http://shop.example/?q=Bad-Bold%20font&x=y\n"));
+    EXPECT_TRUE(opened("http://shop.example/?q=Bad-Bold%20font&x=y fr:de\n"));
     for (const char* search : {"file:///tmp/%1", "http:///%1", "http://shop.example/"}) {
         writeBytes(sandbox_.root() + "/config/glyphora/glyphora.conf",
                    std::string("[buy]\nsearch=") + search + "\n");

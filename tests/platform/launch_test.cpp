@@ -2,6 +2,7 @@
 // Texts, desktop entries by identifier, and starting what they name.
 #include "platform/launchservices.h"
 #include "platform/processes.h"
+#include "system/translation.h"
 #include "tests/support/privatebus/privatebus.h"
 #include "tests/support/temporaryfolder.h"
 
@@ -181,7 +182,7 @@ for fd in /proc/$$/fd/*; do
 done
 exec >"${0%/*}/pipe"
 printf 'word %s\n' "$@"
-printf '%s\n' "bus $DBUS_SESSION_BUS_ADDRESS" "folder $(pwd -P)" "parent $PPID" "open $open"
+printf '%s\n' "bus $DBUS_SESSION_BUS_ADDRESS" "language ${LANGUAGE-none}" "folder $(pwd -P)" "parent $PPID" "open $open"
 )sh");
     chmod(script.c_str(), 0700);
     std::filesystem::create_directory(folder / "work");
@@ -191,6 +192,8 @@ printf '%s\n' "bus $DBUS_SESSION_BUS_ADDRESS" "folder $(pwd -P)" "parent $PPID" 
                            "\" --flag %U \"two words\" %i %c %% x%fy %k\nIcon=glyph\nPath=" +
                            (folder / "work").string()));
     ASSERT_EQ(find(), path);
+    const testsupport::Variable language("LANGUAGE", "fr:de");
+    sys::chooseLanguage("any", "share/locale", "de_DE");
     ASSERT_EQ(launch(path), noErr);
 
     std::ifstream told(pipe);
@@ -201,7 +204,7 @@ printf '%s\n' "bus $DBUS_SESSION_BUS_ADDRESS" "folder $(pwd -P)" "parent $PPID" 
     const std::string noReaping = "parent " + std::to_string(getpid());
     EXPECT_THAT(lines, ElementsAre("word --flag", "word two words", "word --icon", "word glyph",
                                    "word The Launcher", "word %", "word xy", "word " + path,
-                                   "bus " + bus.address(),
+                                   "bus " + bus.address(), "language fr:de",
                                    "folder " + std::filesystem::canonical(folder / "work").string(),
                                    AllOf(StartsWith("parent "), Not(noReaping)),
                                    AllOf(StartsWith("open "), Not(HasSubstr("socket")),

@@ -53,4 +53,20 @@ TEST(TheLanguage, IsTheFirstAskedForThatThereIs) {
     EXPECT_EQ(sys::languageOfEnvironment("app", "/nowhere/at/all"), "it_IT");
 }
 
+TEST(TheLanguage, IsThatOfTheFirstVariableThatIsSet) {
+    const Variable language("LANGUAGE", std::nullopt);
+    const Variable lang("LANG", "fr_FR");
+    const Variable messages("LC_MESSAGES", "it_IT");
+    const struct {
+        const char* all;
+        const char* messages;
+        const char* chosen;
+    } cases[] = {{"de_DE.UTF-8", "it_IT", "de_DE"}, {"", "it_IT", "it_IT"}, {"", "", "fr_FR"}};
+    for (const auto& [all, ofMessages, chosen] : cases) {
+        const Variable first("LC_ALL", all);
+        const Variable second("LC_MESSAGES", ofMessages);
+        EXPECT_EQ(sys::languageOfEnvironment("app", "/nowhere/at/all"), chosen);
+    }
+}
+
 } // namespace

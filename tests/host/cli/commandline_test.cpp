@@ -31,24 +31,6 @@ TEST(ALocale, IsCutToLanguageAndCountry) {
     }
 }
 
-TEST(ALocale, IsTakenFromTheFirstVariableThatIsSet) {
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        unsetenv(name);
-    }
-    EXPECT_EQ(sys::localeOfEnvironment(), "en_US");
-    setenv("LANG", "fr_FR", 1);
-    EXPECT_EQ(sys::localeOfEnvironment(), "fr_FR");
-    setenv("LC_MESSAGES", "it_IT", 1);
-    EXPECT_EQ(sys::localeOfEnvironment(), "it_IT");
-    setenv("LC_ALL", "", 1);
-    EXPECT_EQ(sys::localeOfEnvironment(), "it_IT");
-    setenv("LC_ALL", "de_DE.UTF-8", 1);
-    EXPECT_EQ(sys::localeOfEnvironment(), "de_DE");
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        unsetenv(name);
-    }
-}
-
 class ACommandLine : public testing::Test {
 protected:
     std::optional<Options> read(std::vector<const char*> arguments) {
@@ -75,6 +57,9 @@ TEST_F(ACommandLine, IsReadInAnyOrder) {
     EXPECT_FALSE(options->keepGroups);
     EXPECT_TRUE(options->headless);
     EXPECT_EQ(options->answers, "a");
+    const testsupport::Variable locale("LC_ALL", "en_GB.UTF-8");
+    const testsupport::Variable language("LANGUAGE", "fr:de");
+    EXPECT_EQ(read({"open", "a.svg"})->locale, "de_DE");
     EXPECT_FALSE(read({"open", "--help"}));
     EXPECT_EQ(status, exitSuccess);
     EXPECT_THAT(output.str(), HasSubstr("--fail-on-missing"));
