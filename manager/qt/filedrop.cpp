@@ -47,12 +47,13 @@ bool isDrawing(const QString& path) {
         return false;
     }
     const QMimeDatabase types;
-    const auto is = [&](QMimeDatabase::MatchMode mode) {
-        const QMimeType type = types.mimeTypeForFile(path, mode);
-        return type.inherits(QStringLiteral("image/svg+xml")) ||
-               type.inherits(QStringLiteral("image/svg+xml-compressed"));
-    };
-    return is(QMimeDatabase::MatchExtension) || is(QMimeDatabase::MatchContent);
+    QMimeType type = types.mimeTypeForFile(path, QMimeDatabase::MatchExtension);
+    // Thousands of photographs need not be looked into either.
+    if (type.isDefault() || type.inherits(QStringLiteral("text/plain"))) {
+        type = types.mimeTypeForFile(path, QMimeDatabase::MatchContent);
+    }
+    return type.inherits(QStringLiteral("image/svg+xml")) ||
+           type.inherits(QStringLiteral("image/svg+xml-compressed"));
 }
 
 FileDrop::FileDrop(QWidget& window, std::function<void(const QStringList&)> dropped)
