@@ -4,12 +4,14 @@
 
 #include "manager/activation/activation.h"
 #include "manager/activation/successors.h"
+#include "manager/cli/changeplan.h"
 #include "manager/cli/containernames.h"
 #include "manager/cli/fontfiles.h"
 #include "manager/cli/libraryops.h"
 #include "manager/cli/report.h"
 #include "manager/cli/setchanges.h"
 #include "manager/cli/switching.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <map>
@@ -20,6 +22,8 @@
 namespace manager {
 
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 /// What was active when the command began, and has been taken away by the server meanwhile, is as
 /// it was to be.
@@ -41,6 +45,49 @@ void excuseThoseThatLeft(const Activation& activation,
             outcomes[i].problems.clear();
         }
     }
+}
+
+std::string partText(const std::optional<std::set<std::string>>& files) {
+    return files ? commaList(*files) + " of " : "";
+}
+
+/// Whether the library has any of the single files that are wanted; those that it lacks are told.
+bool hasAny(const ContainerFonts& wanted, const Container& container, Tally& tally) {
+    if (!wanted.only) {
+        return true;
+    }
+    std::set<std::string> missing = *wanted.only;
+    for (const LibraryFile& file : wanted.files) {
+        missing.erase(file.path.substr(file.path.rfind('/') + 1));
+    }
+    for (const std::string& name : missing) {
+        tally.fail(joinPath(container.folder, name) + ": " + translated("not in the library"));
+    }
+    return missing.size() < wanted.only->size();
+}
+
+/// Takes single files of sets away, and gives what has become of them.
+Json takeFiles(const Places& places, ContainerNames& finder, Activation& activation,
+               std::vector<ContainerId>& ids, Tally& tally) {
+    ChangePlan plan(finder.library(), activation, tally);
+    std::erase_if(ids, [&](ContainerId id) {
+        const auto only = finder.onlyFiles(id);
+        const auto container = only ? finder.library().container(id) : std::nullopt;
+        const auto set = container ? activation.setOf(*container) : std::nullopt;
+        if (set) {
+            SetChange change;
+            for (const auto& file : set->files) {
+                if (!file.leaving && only->contains(file.name)) {
+                    change.removedFiles.push_back(file.name);
+                }
+            }
+            if (!change.isEmpty()) {
+                plan.add(*container, {id, change});
+            }
+        }
+        return container.has_value();
+    });
+    return plan.carryOut(places);
 }
 
 } // namespace
@@ -65,11 +112,18 @@ int activateCommand(const Places& places, const std::vector<std::string>& names,
         if (!activation.isActive(container) && !canBecomeActive(container, tally)) {
             continue;
         }
-        fonts.push_back(wholeOf(container, {reason}, finder.library(), activation,
-                                [&]() -> const DesktopFaces& { return activation.desktopNow(); }));
+        ContainerFonts wanted =
+            wholeOf(container, {reason}, finder.library(), activation,
+                    [&]() -> const DesktopFaces& { return activation.desktopNow(); });
+        wanted.only = finder.onlyFiles(container.id);
+        if (!hasAny(wanted, container, tally)) {
+            continue;
+        }
+        told.push_back(
+            {"activated " + partText(wanted.only) + called(container), toJson(container)});
+        fonts.push_back(std::move(wanted));
         ids.push_back(container.id);
         folders.push_back(container.folder);
-        told.push_back({"activated " + called(container), toJson(container)});
     }
     const auto outcomes = doInBatches(fonts, activatedAtOnce, Work::Activate, tally,
                                       [&](auto batch) { return activation.activate(batch); });
@@ -105,6 +159,8 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
     } else {
         ids = finder.findActive(names);
     }
+    Json changes =
+        finder.isAnyPartial() ? takeFiles(places, finder, activation, ids, tally) : Json::array();
     std::vector<Told> told;
     told.reserve(ids.size());
     for (const ContainerId id : ids) {
@@ -117,7 +173,10 @@ int deactivateCommand(const Places& places, const std::vector<std::string>& name
                                 [&](auto batch) { return activation.deactivate(batch); });
     excuseThoseThatLeft(activation, active, ids, outcomes);
     tell(places, outcomes, told, tally);
-    tally.set("changes", changesOf(ids, outcomes));
+    for (Json& change : changesOf(ids, outcomes)) {
+        changes.push_back(std::move(change));
+    }
+    tally.set("changes", std::move(changes));
     tellOthers(activation, ids, outcomes);
     if (isAnyPostponed(outcomes)) {
         needServer(tally);

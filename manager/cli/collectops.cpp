@@ -19,6 +19,8 @@
 #include <cerrno>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
 #include <stdlib.h>
 
 namespace manager {
@@ -102,7 +104,8 @@ public:
     Collecting(Library& library, const fs::path& folder, Tally& tally)
         : library_(library), folder_(folder), tally_(tally) {}
 
-    void add(const Container& container) {
+    /// `only`: the names of its files that are meant; nullopt: all.
+    void add(const Container& container, const std::optional<std::set<std::string>>& only) {
         fs::path own;
         try {
             own = makeFolderFor(container, folder_);
@@ -115,6 +118,9 @@ public:
         for (const LibraryFile& file : library_.files(container.id)) {
             checkCancelled();
             const std::string name = nameOf(file.path);
+            if (only && !only->contains(name)) {
+                continue;
+            }
             std::error_code code;
             if (!fs::copy_file(file.path, own / name, code)) {
                 tally_.fail(systemError(file.path, "cannot be copied", code.value()).what());
@@ -184,7 +190,7 @@ int collectCommand(const Places& places, const std::vector<std::string>& names,
         Collecting collecting(finder.library(), folder.path(), tally);
         for (std::size_t done = 0; done < containers.size(); ++done) {
             tellProgress(Work::Copy, done, containers.size());
-            collecting.add(containers[done]);
+            collecting.add(containers[done], finder.onlyFiles(containers[done].id));
         }
         if (!collecting.isEmpty()) {
             collecting.writeList();

@@ -70,11 +70,19 @@ const std::vector<ActiveContainer>& ContainerNames::active() {
 void ContainerNames::forEach(
     std::span<const std::string> names, NumberFinder numbers,
     const std::function<void(const std::string& name, ContainerId id)>& take) {
-    std::set<ContainerId> known;
+    meant_.clear();
     for (const std::string& name : names) {
+        partial_.clear();
         try {
             for (const ContainerId id : (this->*numbers)(name)) {
-                if (known.insert(id).second) {
+                const auto part = partial_.find(id);
+                const auto [known, isNew] = meant_.emplace(id, std::set<std::string>());
+                if (part == partial_.end()) {
+                    known->second.reset();
+                } else if (known->second) {
+                    known->second->merge(part->second);
+                }
+                if (isNew) {
                     take(name, id);
                 }
             }
@@ -84,6 +92,16 @@ void ContainerNames::forEach(
             tally_.fail(error.what());
         }
     }
+}
+
+std::optional<std::set<std::string>> ContainerNames::onlyFiles(ContainerId id) const {
+    const auto known = meant_.find(id);
+    return known == meant_.end() ? std::nullopt : known->second;
+}
+
+bool ContainerNames::isAnyPartial() const {
+    return std::any_of(meant_.begin(), meant_.end(),
+                       [](const auto& container) { return container.second.has_value(); });
 }
 
 std::vector<Container> ContainerNames::find(std::span<const std::string> names) {
@@ -160,6 +178,9 @@ std::vector<ContainerId> ContainerNames::membersOf(const GroupTitle& title) {
     for (const GroupMember& member : existingGroup(groups, title).members) {
         if (const auto id = currentNumber(library(), member)) {
             ids.push_back(*id);
+            if (!member.files.empty()) {
+                partial_[*id].insert(member.files.begin(), member.files.end());
+            }
         } else {
             tally_.fail(title.text() + ": " + member.name + " of " + member.folder +
                         " is not in the library");

@@ -9,8 +9,10 @@
 #include "manager/library/library.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,17 +39,23 @@ public:
     /// itself.
     [[nodiscard]] std::vector<ContainerId> findActive(std::span<const std::string> names);
 
+    /// Of a container that was found: the names of the files that are meant; nullopt: all.
+    [[nodiscard]] std::optional<std::set<std::string>> onlyFiles(ContainerId id) const;
+    /// Whether there is one of which not all is meant.
+    [[nodiscard]] bool isAnyPartial() const;
+
     [[nodiscard]] Library& library();
 
 private:
     using NumberFinder = std::vector<ContainerId> (ContainerNames::*)(const std::string&);
-    /// Has each number that the names mean taken once.
+    /// Has each number that the names mean taken once, and keeps what of it is meant.
     void forEach(std::span<const std::string> names, NumberFinder numbers,
                  const std::function<void(const std::string& name, ContainerId id)>& take);
     [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
     /// Those that a collection, a tag or a folder has; nullopt: the name is of none of these.
     [[nodiscard]] std::optional<std::vector<ContainerId>> setOf(const std::string& name);
+    /// Puts the files of members that are not meant as a whole into `partial_`.
     [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);
     [[nodiscard]] std::vector<ContainerId> containersIn(const std::string& folder);
     [[nodiscard]] const std::vector<ActiveContainer>& active();
@@ -58,6 +66,8 @@ private:
     Tally& tally_;
     std::unique_ptr<Library> library_;
     std::optional<std::vector<ActiveContainer>> active_;
+    std::map<ContainerId, std::set<std::string>> partial_; ///< what the name at hand means
+    std::map<ContainerId, std::optional<std::set<std::string>>> meant_; ///< nullopt: all
 };
 
 } // namespace manager

@@ -53,31 +53,16 @@ int addToGroup(const Places& places, const GroupTitle& title, const GroupSources
     if (containers.empty()) {
         return tally.finish();
     }
-    std::vector<Container> added;
-    changeGroups(places, [&](Groups& groups) {
-        Group* group = findGroup(groups, title.kind, title.name);
-        if (group == nullptr) {
-            group = &groups.emplace_back(Group{title.kind, title.name, {}});
-        }
-        std::map<MemberPlace, std::size_t> known; // by place, the position
-        for (std::size_t i = 0; i < group->members.size(); ++i) {
-            known.emplace(placeOf(group->members[i]), i);
-        }
-        for (const Container& container : containers) {
-            const GroupMember member = memberOf(container);
-            const auto [place, isNew] = known.emplace(placeOf(member), group->members.size());
-            if (!isNew) {
-                group->members[place->second].id = member.id;
-                continue;
-            }
-            group->members.push_back(member);
-            added.push_back(container);
-        }
-    });
+    GroupChange change{.title = title, .isMade = true};
+    std::map<MemberPlace, const Container*> known;
+    for (const Container& container : containers) {
+        change.added.push_back(memberOf(container));
+        known.emplace(placeOf(change.added.back()), &container);
+    }
+    const GroupChange back = changeGroup(places, change);
     postSetsChanged();
-    // Told once it is written.
-    for (const Container& container : added) {
-        tally.add(title.text() + ": added", container);
+    for (const GroupMember& member : back.removed) {
+        tally.add(title.text() + ": added", *known.at(placeOf(member)));
     }
     return tally.finish("it was in there already");
 }
@@ -164,7 +149,12 @@ int listGroups(const Places& places, const GroupTitle& title, bool json) {
         const bool active = activation.isActive(container);
         Json item = toJson(container);
         item["state"] = stateOf(container, active);
-        tally.add(lineOf(container, active), std::move(item));
+        std::string line = lineOf(container, active);
+        if (!member.files.empty()) {
+            item["files"] = member.files;
+            line += ": " + commaList(member.files) + " only";
+        }
+        tally.add(line, std::move(item));
     }
     return tally.finish("there is nothing in it");
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Field lines: a header, a line of kind and name for each group, and after it a "container" line of
-// number, name, folder, file and format for each member.
+// number, name, folder, file and format for each member, and the names of the files that are meant
+// when these are not all.
 #include "manager/cli/groups.h"
 
 #include "manager/library/error.h"
@@ -36,7 +37,7 @@ bool readLine(std::string_view line, Groups& groups) {
     }
     auto& parts = *fields;
     if (parts[0] == "container") {
-        const auto id = parts.size() == 6 ? toContainerId(parts[1]) : std::nullopt;
+        const auto id = parts.size() >= 6 ? toContainerId(parts[1]) : std::nullopt;
         if (!id || groups.empty()) {
             return false;
         }
@@ -45,10 +46,14 @@ bool readLine(std::string_view line, Groups& groups) {
             return false;
         }
         groups.back().members.push_back(
-            {*id, std::move(parts[2]), std::move(parts[3]), std::move(parts[4]),
+            {*id,
+             std::move(parts[2]),
+             std::move(parts[3]),
+             std::move(parts[4]),
              format == formats.end()
                  ? std::nullopt
-                 : std::optional(static_cast<FontFormat>(format - formats.begin()))});
+                 : std::optional(static_cast<FontFormat>(format - formats.begin())),
+             {std::make_move_iterator(parts.begin() + 6), std::make_move_iterator(parts.end())}});
         return true;
     }
     const auto* const kind = std::find_if(kinds.begin(), kinds.end(), [&](GroupKind candidate) {
@@ -66,9 +71,13 @@ std::string textOf(const Groups& groups) {
     text += '\n';
     for (const Group& group : groups) {
         text += joinFields({wordOf(group.kind), group.name});
-        for (const auto& [id, name, folder, file, format] : group.members) {
-            text += joinFields({"container", toText(id), name, folder, file,
-                                format ? formats.at(static_cast<std::size_t>(*format)) : ""});
+        for (const auto& [id, name, folder, file, format, files] : group.members) {
+            const std::string number = toText(id);
+            std::vector<std::string_view> fields{
+                "container", number, name,
+                folder,      file,   format ? formats.at(static_cast<std::size_t>(*format)) : ""};
+            fields.insert(fields.end(), files.begin(), files.end());
+            text += joinFields(std::span<const std::string_view>(fields));
         }
     }
     return text;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Collections and tags: named groups of containers that a person made, in a text file of their own.
-// A member is known by name and place, since a new index may give numbers anew.
+// Collections and tags: named groups of containers, or of single files of them, that a person made,
+// in a text file of their own. A member is known by name and place, since a new index may give
+// numbers anew.
 #pragma once
 
 #include "manager/library/library.h"
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +26,7 @@ struct GroupMember {
     std::string folder;
     std::string file;
     std::optional<FontFormat> format;
+    std::set<std::string> files = {}; ///< names of those that are meant; empty: all
 };
 
 struct Group {

@@ -53,6 +53,15 @@ enum class Listing { Folders, Containers, Problems, Json };
 void printLibrary(Library& library, const Activation& activation,
                   const std::vector<std::string>& folders, Listing listing);
 
+/// "a, b".
+[[nodiscard]] std::string commaList(const auto& texts) {
+    std::string all;
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "" : ", ") + text;
+    }
+    return all;
+}
+
 /// "1 face", "2 faces".
 [[nodiscard]] std::string counted(std::integral auto number, std::string_view noun) {
     return std::to_string(number) + " " + std::string(noun) + (number == 1 ? "" : "s");

@@ -11,7 +11,7 @@ constexpr std::string_view letters = "tn\\"; ///< that stand for them after a ba
 
 } // namespace
 
-std::string joinFields(std::initializer_list<std::string_view> fields) {
+std::string joinFields(std::span<const std::string_view> fields) {
     std::string line;
     for (const std::string_view field : fields) {
         for (const char c : field) {

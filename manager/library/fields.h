@@ -7,6 +7,7 @@
 #include <charconv>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,10 @@
 namespace manager {
 
 /// One line, with its line feed.
-[[nodiscard]] std::string joinFields(std::initializer_list<std::string_view> fields);
+[[nodiscard]] std::string joinFields(std::span<const std::string_view> fields);
+[[nodiscard]] inline std::string joinFields(std::initializer_list<std::string_view> fields) {
+    return joinFields(std::span(fields.begin(), fields.size()));
+}
 
 /// The fields of a line without its line feed; at least one. nullopt: an unknown escape.
 [[nodiscard]] std::optional<std::vector<std::string>> splitFields(std::string_view line);

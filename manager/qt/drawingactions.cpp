@@ -101,21 +101,25 @@ void LibraryWindow::showDrawing(std::vector<CommandFont> fonts, const QString& n
     list_->setFocus();
 }
 
-std::vector<std::int32_t> LibraryWindow::containersOfDrawing() const {
-    std::set<std::int32_t> containers;
-    if (view_ != nullptr) {
-        for (const AskedFont& font : view_->drawing) {
-            if (!font.choices.empty() && font.choices.front().isExact) {
-                containers.insert(static_cast<std::int32_t>(font.choices.front().container));
-            }
+FontChoice LibraryWindow::fontsOfDrawing() const {
+    if (view_ == nullptr) {
+        return {};
+    }
+    std::vector<FaceRow> rows;
+    for (const AskedFont& font : view_->drawing) {
+        if (font.choices.empty() || !font.choices.front().isExact) {
+            continue;
+        }
+        if (const auto row = view_->table.rowOf(font.choices.front().face)) {
+            rows.push_back(*row);
         }
     }
-    return {containers.begin(), containers.end()};
+    return fontsOf(view_->table, rows);
 }
 
 void LibraryWindow::makeDrawingAction(QMenu& fonts) {
     makeSet_ = fonts.addAction(QString(), this, [this] {
-        groupDeeds_.add({GroupKind::Collection, drawingName_.toStdString()}, containersOfDrawing());
+        groupDeeds_.add({GroupKind::Collection, drawingName_.toStdString()}, fontsOfDrawing());
     });
     list_->addAction(makeSet_);
     sidebar_->addAction(makeSet_);
@@ -123,7 +127,7 @@ void LibraryWindow::makeDrawingAction(QMenu& fonts) {
 
 void LibraryWindow::showDrawingAction() {
     makeSet_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Drawing);
-    makeSet_->setEnabled(!containersOfDrawing().empty());
+    makeSet_->setEnabled(!fontsOfDrawing().empty());
     makeSet_->setText(text(translated("&Make Collection \"%1\""))
                           .arg(QString(drawingName_).replace('&', QStringLiteral("&&"))));
 }

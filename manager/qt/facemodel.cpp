@@ -2,9 +2,8 @@
 // An index of a family has the number 0, one of a face that of its family's place and 1.
 #include "manager/qt/facemodel.h"
 
+#include "manager/qt/fontchoice.h"
 #include "manager/view/texts.h"
-
-#include <QMimeData>
 
 #include <algorithm>
 #include <cstdlib>
@@ -286,34 +285,11 @@ Qt::ItemFlags FaceModel::flags(const QModelIndex& index) const {
 }
 
 QStringList FaceModel::mimeTypes() const {
-    return {QLatin1String(containersType)};
+    return {QLatin1String(fontsType)};
 }
 
 QMimeData* FaceModel::mimeData(const QModelIndexList& indexes) const {
-    std::set<ContainerId> containers;
-    for (const QModelIndex& index : indexes) {
-        for (const FaceRow row : facesToSwitch(index)) {
-            containers.insert(listing_.view().table.faces()[row].container);
-        }
-    }
-    QByteArray numbers;
-    for (const ContainerId id : containers) {
-        numbers += QByteArray::number(static_cast<std::int32_t>(id)) + ' ';
-    }
-    auto* const data = new QMimeData;
-    data->setData(QLatin1String(containersType), numbers);
-    return data;
-}
-
-std::vector<std::int32_t> containersIn(const QMimeData& data) {
-    std::vector<std::int32_t> containers;
-    const QList<QByteArray> numbers = data.data(QLatin1String(containersType)).split(' ');
-    for (const QByteArray& number : numbers) {
-        if (const int id = number.toInt(); id > 0) {
-            containers.push_back(id);
-        }
-    }
-    return containers;
+    return toMimeData(fontsOf(*this, indexes));
 }
 
 } // namespace manager

@@ -32,10 +32,6 @@ struct ListRow {
     }
 };
 
-/// Containers as they are dragged: their numbers, with blanks between.
-inline constexpr const char* containersType = "application/x-glyphora-containers";
-[[nodiscard]] std::vector<std::int32_t> containersIn(const QMimeData& data);
-
 [[nodiscard]] QString wordOf(FaceState state);
 
 /// [main-thread] Rows of two levels. Only whole listings come and go.

@@ -47,13 +47,15 @@ bool isDrawing(const QString& path) {
         return false;
     }
     const QMimeDatabase types;
-    QMimeType type = types.mimeTypeForFile(path, QMimeDatabase::MatchExtension);
+    const auto isSvg = [](const QMimeType& type) {
+        return type.inherits(QStringLiteral("image/svg+xml")) ||
+               type.inherits(QStringLiteral("image/svg+xml-compressed"));
+    };
+    const QMimeType named = types.mimeTypeForFile(path, QMimeDatabase::MatchExtension);
     // Thousands of photographs need not be looked into either.
-    if (type.isDefault() || type.inherits(QStringLiteral("text/plain"))) {
-        type = types.mimeTypeForFile(path, QMimeDatabase::MatchContent);
-    }
-    return type.inherits(QStringLiteral("image/svg+xml")) ||
-           type.inherits(QStringLiteral("image/svg+xml-compressed"));
+    const bool mayBe = named.isDefault() || named.inherits(QStringLiteral("text/plain"));
+    return isSvg(named) ||
+           (mayBe && isSvg(types.mimeTypeForFile(path, QMimeDatabase::MatchContent)));
 }
 
 FileDrop::FileDrop(QWidget& window, std::function<void(const QStringList&)> dropped)

@@ -44,7 +44,7 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
     }
     takeOut_ = fonts.addAction(QString(), this, [this] {
         if (const auto title = sidebar_->group()) {
-            groupDeeds_.remove(*title, chosenContainers());
+            groupDeeds_.remove(*title, chosenFonts());
         }
     });
     takeOut_->setShortcut(Qt::Key_Delete);
@@ -88,18 +88,17 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
         sidebar_->addAction(action);
     }
     sidebar_->setContextMenuPolicy(Qt::ActionsContextMenu);
-    sidebar_->setHandlers(
-        {[this](const GroupTitle& title, const std::string& name) {
-             groupDeeds_.rename(title, name);
-         },
-         [this](const GroupTitle& title, const std::vector<std::int32_t>& dropped) {
-             if (title.name.empty()) {
-                 newGroup(title.kind, dropped);
-             } else {
-                 groupDeeds_.add(title, dropped);
-             }
-         },
-         [this](bool on) { switchSet(on); }});
+    sidebar_->setHandlers({[this](const GroupTitle& title, const std::string& name) {
+                               groupDeeds_.rename(title, name);
+                           },
+                           [this](const GroupTitle& title, const FontChoice& dropped) {
+                               if (title.name.empty()) {
+                                   newGroup(title.kind, dropped);
+                               } else {
+                                   groupDeeds_.add(title, dropped);
+                               }
+                           },
+                           [this](bool on) { switchSet(on); }});
 }
 
 void LibraryWindow::fillGroupMenu(QMenu& menu, GroupKind kind) {
@@ -108,17 +107,17 @@ void LibraryWindow::fillGroupMenu(QMenu& menu, GroupKind kind) {
         if (group.kind == kind) {
             menu.addAction(inMenu(text(group.name)), this,
                            [this, title = GroupTitle{kind, group.name}] {
-                               groupDeeds_.add(title, chosenContainers());
+                               groupDeeds_.add(title, chosenFonts());
                            });
         }
     }
     menu.addSeparator();
     menu.addAction(
         text(kind == GroupKind::Tag ? translated("New &Tag") : translated("New &Collection")), this,
-        [this, kind] { newGroup(kind, chosenContainers()); });
+        [this, kind] { newGroup(kind, chosenFonts()); });
 }
 
-void LibraryWindow::newGroup(GroupKind kind, const std::vector<std::int32_t>& containers) {
+void LibraryWindow::newGroup(GroupKind kind, const FontChoice& fonts) {
     const std::string begin =
         kind == GroupKind::Tag ? translated("New tag") : translated("New collection");
     std::string name = begin;
@@ -126,7 +125,7 @@ void LibraryWindow::newGroup(GroupKind kind, const std::vector<std::int32_t>& co
         name = begin + " " + std::to_string(number);
     }
     sidebar_->editName({kind, name}); // once it is there
-    groupDeeds_.add({kind, name}, containers);
+    groupDeeds_.add({kind, name}, fonts);
 }
 
 void LibraryWindow::switchSet(bool on) {
@@ -147,16 +146,17 @@ void LibraryWindow::unmakeGroup() {
 // Nobody's files are touched: the tag tells which ones can be done without.
 void LibraryWindow::keepOne() {
     std::vector<ContainerId> kept;
-    for (const std::int32_t id : chosenContainers()) {
+    for (const auto& [id, files] : chosenFonts()) {
         kept.push_back(ContainerId{id});
     }
     const FaceTable& table = view_->table;
-    std::vector<std::int32_t> others;
+    FontChoice others;
     QStringList active;
     for (const ContainerId id : view_->copies.othersOf(table, kept)) {
-        others.push_back(static_cast<std::int32_t>(id));
+        const auto number = static_cast<std::int32_t>(id);
+        others[number]; // all of it
         if (!view_->states.why(id).empty()) {
-            active.push_back(QString::number(others.back()));
+            active.push_back(QString::number(number));
         }
     }
     if (others.empty()) {
@@ -184,16 +184,8 @@ void LibraryWindow::showGroupActions() {
     }
 }
 
-std::vector<std::int32_t> LibraryWindow::chosenContainers() const {
-    std::set<std::int32_t> containers;
-    const QModelIndexList rows = list_->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        for (const FaceRow row : model_.facesToSwitch(index)) {
-            const ListedFace& face = model_.listing().view().table.faces()[row];
-            containers.insert(static_cast<std::int32_t>(face.container));
-        }
-    }
-    return {containers.begin(), containers.end()};
+FontChoice LibraryWindow::chosenFonts() const {
+    return fontsOf(model_, list_->selectionModel()->selectedRows());
 }
 
 } // namespace manager

@@ -17,6 +17,19 @@ QString text(const std::string& plain) {
     return QString::fromStdString(plain);
 }
 
+/// The names of the files that the library has of a member.
+FilesOfMember filesIn(Desk& desk) {
+    return [&desk](const GroupMember& member) {
+        std::set<std::string> names;
+        if (const auto id = currentNumber(desk.library(), member)) {
+            for (const LibraryFile& file : desk.library().files(*id)) {
+                names.insert(file.path.substr(file.path.rfind('/') + 1));
+            }
+        }
+        return names;
+    };
+}
+
 } // namespace
 
 /// A change that was made when it came; undone and done again by turns. What could not be undone,
@@ -44,47 +57,46 @@ private:
 
 LibraryReader::Work GroupDeeds::turn(const QString& deed, const std::shared_ptr<State>& state,
                                      bool back) {
-    return [this, deed, places = places_, state, back](Desk&) -> std::function<void()> {
+    return [this, deed, places = places_, state, back](Desk& desk) -> std::function<void()> {
         if (state->isDone == back) {
-            state->next = changeGroup(places, state->next);
+            state->next = changeGroup(places, state->next, filesIn(desk));
             state->isDone = !back;
         }
         return [this, deed] { changed_(deed); };
     };
 }
 
-void GroupDeeds::begin(const std::vector<std::int32_t>& containers, Maker make,
-                       const QString& text) {
-    deeds_.work(text,
-                [this, places = places_, containers, make = std::move(make), text](Desk& desk) {
-                    std::vector<GroupMember> members;
-                    for (const std::int32_t id : containers) {
-                        if (const auto container = desk.library().container(ContainerId{id})) {
-                            members.push_back(memberOf(*container));
-                        }
-                    }
-                    GroupChange back = changeGroup(places, make(std::move(members)));
-                    return [this, back = std::move(back), text] {
-                        if (!back.isEmpty()) { // else what was undone could not be done again
-                            deeds_.record(new GroupDeed(*this, back, text));
-                        }
-                        changed_(text);
-                    };
-                });
+void GroupDeeds::begin(const FontChoice& fonts, Maker make, const QString& text) {
+    deeds_.work(text, [this, places = places_, fonts, make = std::move(make), text](Desk& desk) {
+        std::vector<GroupMember> members;
+        for (const auto& [id, files] : fonts) {
+            if (const auto container = desk.library().container(ContainerId{id})) {
+                members.push_back(memberOf(*container));
+                members.back().files = files;
+            }
+        }
+        GroupChange back = changeGroup(places, make(std::move(members)), filesIn(desk));
+        return [this, back = std::move(back), text] {
+            if (!back.isEmpty()) { // else what was undone could not be done again
+                deeds_.record(new GroupDeed(*this, back, text));
+            }
+            changed_(text);
+        };
+    });
 }
 
-void GroupDeeds::add(const GroupTitle& title, const std::vector<std::int32_t>& containers) {
+void GroupDeeds::add(const GroupTitle& title, const FontChoice& fonts) {
     begin(
-        containers,
+        fonts,
         [title](std::vector<GroupMember> members) {
             return GroupChange{.title = title, .added = std::move(members), .isMade = true};
         },
         undoText(translated("add to %1"), text(title.name)));
 }
 
-void GroupDeeds::remove(const GroupTitle& title, const std::vector<std::int32_t>& containers) {
+void GroupDeeds::remove(const GroupTitle& title, const FontChoice& fonts) {
     begin(
-        containers,
+        fonts,
         [title](std::vector<GroupMember> members) {
             return GroupChange{.title = title, .removed = std::move(members)};
         },

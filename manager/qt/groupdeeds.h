@@ -4,6 +4,7 @@
 
 #include "manager/cli/groupchange.h"
 #include "manager/qt/deeds.h"
+#include "manager/qt/fontchoice.h"
 
 #include <functional>
 #include <memory>
@@ -19,9 +20,9 @@ public:
     GroupDeeds(Places places, Deeds& deeds, std::function<void(const QString& deed)> changed)
         : places_(std::move(places)), deeds_(deeds), changed_(std::move(changed)) {}
 
-    /// Puts containers in; the group is made if need be.
-    void add(const GroupTitle& title, const std::vector<std::int32_t>& containers);
-    void remove(const GroupTitle& title, const std::vector<std::int32_t>& containers);
+    /// Puts fonts in; the group is made if need be.
+    void add(const GroupTitle& title, const FontChoice& fonts);
+    void remove(const GroupTitle& title, const FontChoice& fonts);
     void rename(const GroupTitle& title, const std::string& name);
     /// All of it goes; nothing is deactivated.
     void unmake(const GroupTitle& title);
@@ -30,8 +31,8 @@ private:
     friend class GroupDeed;
 
     using Maker = std::function<GroupChange(std::vector<GroupMember>)>;
-    /// Makes a change of the containers, which can be undone by the name of `text`.
-    void begin(const std::vector<std::int32_t>& containers, Maker make, const QString& text);
+    /// Makes a change of the fonts, which can be undone by the name of `text`.
+    void begin(const FontChoice& fonts, Maker make, const QString& text);
     /// What undoing and redoing need to know; the reader's thread's.
     struct State {
         explicit State(GroupChange back) : next(std::move(back)) {}

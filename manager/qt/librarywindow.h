@@ -79,12 +79,12 @@ private:
     void makeGroupActions(QMenu& fonts);
     /// A menu of the groups of a kind, and of making one, for the chosen fonts.
     void fillGroupMenu(QMenu& menu, GroupKind kind);
-    void newGroup(GroupKind kind, const std::vector<std::int32_t>& containers);
+    void newGroup(GroupKind kind, const FontChoice& fonts);
     void switchSet(bool on);
     void unmakeGroup();
     void keepOne();
     void showGroupActions();
-    [[nodiscard]] std::vector<std::int32_t> chosenContainers() const;
+    [[nodiscard]] FontChoice chosenFonts() const;
     QWidget* makeList();
     void read();
     /// As a deed, with progress, while the window shows what is known.
@@ -126,7 +126,7 @@ private:
     /// come.
     void tellShown(const QString& problem);
     /// The containers that hold its fonts, each font once.
-    [[nodiscard]] std::vector<std::int32_t> containersOfDrawing() const;
+    [[nodiscard]] FontChoice fontsOfDrawing() const;
     void makeDrawingAction(QMenu& fonts);
     void showDrawingAction();
     void collect();

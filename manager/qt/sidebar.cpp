@@ -2,15 +2,13 @@
 #include "manager/qt/sidebar.h"
 
 #include "manager/qt/colours.h"
-#include "manager/qt/facemodel.h"
+#include "manager/qt/groupfaces.h"
 #include "manager/view/texts.h"
 
 #include <QDragMoveEvent>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
-#include <QMimeData>
 #include <QStyledItemDelegate>
 #include <QTreeWidgetItemIterator>
 
@@ -26,15 +24,6 @@ constexpr int kindRole = Qt::UserRole + 1; ///< of what stands for a group that 
 
 QString text(const std::string& plain) {
     return QString::fromStdString(plain);
-}
-
-/// Whether a key switches on or off; nullopt: neither.
-std::optional<bool> switchOf(const QKeyEvent& key) {
-    if (key.modifiers() != Qt::ControlModifier ||
-        (key.key() != Qt::Key_Return && key.key() != Qt::Key_Backspace)) {
-        return std::nullopt;
-    }
-    return key.key() == Qt::Key_Return;
 }
 
 QString capitalised(const QString& word) {
@@ -113,14 +102,12 @@ Sidebar::Sidebar(std::function<void()> chosen, QWidget* parent)
 }
 
 void Sidebar::add(QTreeWidgetItem* section, const SidebarPlace& place, const QString& name,
-                  std::optional<std::size_t> count) {
+                  std::size_t count) {
     auto* const item = new QTreeWidgetItem(section, {name});
     item->setData(0, placeRole, static_cast<unsigned>(places_.size()));
     item->setToolTip(0, name);
-    if (count) {
-        item->setText(1, QLocale().toString(static_cast<qulonglong>(*count)));
-        item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
-    }
+    item->setText(1, QLocale().toString(static_cast<qulonglong>(count)));
+    item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
     places_.push_back(place);
     if (place == place_) {
         setCurrentItem(item);
@@ -155,14 +142,22 @@ void Sidebar::show(const LibraryView& view, const Groups& groups,
         add(library, {.kind = SidebarPlace::Kind::Copies}, text(translated("Duplicates")),
             view.copies.faces().size());
     }
+    const auto facesOfGroups = facesOf(view.table, groups);
     for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
-        addGroups(kind, groups);
+        addGroups(kind, groups, facesOfGroups);
     }
     if (!folders.empty()) {
         QTreeWidgetItem* const parent = addSection(translated("Folders"));
+        std::vector<std::size_t> counts(view.table.folders().size());
+        for (const ListedFace& face : view.table.faces()) {
+            ++counts[face.folder];
+        }
         for (const std::string& folder : folders) {
-            add(parent, {SidebarPlace::Kind::Folder, {}, folder}, text(nameOf(folder)),
-                std::nullopt);
+            std::size_t count = 0;
+            for (std::size_t i = 0; i < counts.size(); ++i) {
+                count += liesUnder(view.table.folders()[i], folder) ? counts[i] : 0;
+            }
+            add(parent, {SidebarPlace::Kind::Folder, {}, folder}, text(nameOf(folder)), count);
             parent->child(parent->childCount() - 1)->setToolTip(0, text(folder));
         }
     }
@@ -195,28 +190,6 @@ void Sidebar::followRenamed(const Groups& groups) {
     }
 }
 
-QLineEdit* Sidebar::editor() const {
-    return state() == EditingState ? qobject_cast<QLineEdit*>(indexWidget(currentIndex()))
-                                   : nullptr;
-}
-
-void Sidebar::endEdit() {
-    toEdit_.reset();
-    if (QLineEdit* const open = editor(); open != nullptr) {
-        commitData(open);
-        closeEditor(open, QAbstractItemDelegate::NoHint);
-    }
-}
-
-// A window that loses its focus, as to a menu that is just going, takes it from the editor: it
-// comes back with the window.
-void Sidebar::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
-    if (!isFilling_ && !isActiveWindow()) {
-        toEdit_ = group();
-    }
-    QTreeWidget::closeEditor(editor, hint);
-}
-
 void Sidebar::showWhole(const QTreeWidgetItem& section) {
     constexpr int blanks = 4; // around the names and the numbers
     std::array<int, 2> widths{};
@@ -241,7 +214,8 @@ QTreeWidgetItem* Sidebar::addSection(const std::string& name) {
     return item;
 }
 
-void Sidebar::addGroups(GroupKind kind, const Groups& groups) {
+void Sidebar::addGroups(GroupKind kind, const Groups& groups,
+                        std::span<const std::vector<FaceRow>> faces) {
     const bool isTag = kind == GroupKind::Tag;
     QTreeWidgetItem* const parent =
         addSection(isTag ? translated("Tags") : translated("Collections"));
@@ -249,10 +223,11 @@ void Sidebar::addGroups(GroupKind kind, const Groups& groups) {
     parent->setFlags(parent->flags() | Qt::ItemIsDropEnabled);
     parent->setToolTip(0, text(isTag ? translated("Drop fonts here to begin a new tag")
                                      : translated("Drop fonts here to begin a new collection")));
-    for (const Group& group : groups) {
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const Group& group = groups[i];
         if (group.kind == kind) {
             add(parent, {SidebarPlace::Kind::Group, {}, GroupTitle{kind, group.name}.text()},
-                text(group.name), group.members.size());
+                text(group.name), faces[i].size());
             QTreeWidgetItem* const item = parent->child(parent->childCount() - 1);
             item->setFlags(item->flags() | Qt::ItemIsEditable | Qt::ItemIsDropEnabled);
         }
@@ -292,63 +267,6 @@ std::optional<std::string> Sidebar::setName() const {
     default:
         return std::nullopt;
     }
-}
-
-void Sidebar::editName(const GroupTitle& title) {
-    toEdit_ = title;
-    for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
-        const auto target = targetOf(*item);
-        if (target && target->kind == title.kind && target->name == title.name) {
-            toEdit_.reset();
-            setCurrentItem(*item);
-            setFocus();
-            editItem(*item, 0);
-            return;
-        }
-    }
-}
-
-// The keys that switch what is chosen in the list, too.
-bool Sidebar::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate && toEdit_) {
-        editName(GroupTitle(*toEdit_));
-    }
-    if (event->type() == QEvent::ShortcutOverride && setName() &&
-        switchOf(*static_cast<QKeyEvent*>(event))) {
-        event->accept();
-        return true;
-    }
-    return QTreeWidget::event(event);
-}
-
-void Sidebar::keyPressEvent(QKeyEvent* event) {
-    if (const auto on = switchOf(*event); on && setName()) {
-        handlers_.switchAll(*on);
-    } else {
-        QTreeWidget::keyPressEvent(event);
-    }
-}
-
-QStringList Sidebar::mimeTypes() const {
-    return {QLatin1String(containersType)};
-}
-
-void Sidebar::dragMoveEvent(QDragMoveEvent* event) {
-    QTreeWidget::dragMoveEvent(event);
-    if (!targetOf(itemAt(event->position().toPoint()))) {
-        event->ignore();
-    }
-}
-
-void Sidebar::dropEvent(QDropEvent* event) {
-    const auto title = targetOf(itemAt(event->position().toPoint()));
-    const auto containers = containersIn(*event->mimeData());
-    if (title && !containers.empty()) {
-        event->acceptProposedAction();
-        handlers_.drop(*title, containers);
-    }
-    setState(NoState);
-    viewport()->update();
 }
 
 void Sidebar::choose(const SidebarPlace& place) {

@@ -3,11 +3,13 @@
 #pragma once
 
 #include "manager/cli/groups.h"
+#include "manager/qt/fontchoice.h"
 #include "manager/view/facelisting.h"
 
 #include <QTreeWidget>
 
 #include <functional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,11 +32,11 @@ class Sidebar : public QTreeWidget {
 public:
     Sidebar(std::function<void()> chosen, QWidget* parent);
 
-    /// What is done with a group that the user has renamed, or dropped containers on. A name that
+    /// What is done with a group that the user has renamed, or dropped fonts on. A name that
     /// is empty stands for one that is to be made.
     struct Handlers {
         std::function<void(const GroupTitle& title, const std::string& name)> rename;
-        std::function<void(const GroupTitle& title, const std::vector<std::int32_t>& dropped)> drop;
+        std::function<void(const GroupTitle& title, const FontChoice& dropped)> drop;
         std::function<void(bool on)> switchAll; ///< of the set that is chosen
     };
     void setHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
@@ -66,14 +68,16 @@ private:
     [[nodiscard]] QLineEdit* editor() const;
     void endEdit();
     void followRenamed(const Groups& groups);
-    void addGroups(GroupKind kind, const Groups& groups);
+    /// `faces`: of each of the groups.
+    void addGroups(GroupKind kind, const Groups& groups,
+                   std::span<const std::vector<FaceRow>> faces);
     QTreeWidgetItem* addSection(const std::string& name);
     /// Leaves the names and numbers of a section the room that they need.
     void showWhole(const QTreeWidgetItem& section);
-    /// What dropped containers would be put in; its name is empty for a new one.
+    /// What dropped fonts would be put in; its name is empty for a new one.
     [[nodiscard]] std::optional<GroupTitle> targetOf(const QTreeWidgetItem* item) const;
     void add(QTreeWidgetItem* section, const SidebarPlace& place, const QString& text,
-             std::optional<std::size_t> count);
+             std::size_t count);
 
     std::function<void()> chosen_;
     std::vector<SidebarPlace> places_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/tray.h"
 
+#include "manager/qt/groupfaces.h"
 #include "manager/qt/librarywindow.h"
 #include "manager/view/texts.h"
 
@@ -9,6 +10,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace manager {
@@ -31,6 +33,17 @@ private:
                         QStringLiteral("library")};
 };
 
+/// Whether each container has an active one among these faces.
+bool isAnyOfEachActive(const LibraryView& view, const std::vector<FaceRow>& faces) {
+    std::map<ContainerId, bool> isActive;
+    for (const FaceRow row : faces) {
+        bool& any = isActive[view.table.faces()[row].container];
+        any = any || view.states.isActive(row);
+    }
+    return !isActive.empty() && std::all_of(isActive.begin(), isActive.end(),
+                                            [](const auto& known) { return known.second; });
+}
+
 } // namespace
 
 void TrayMenu::addActive(const std::string& name, const QString& container) {
@@ -42,12 +55,10 @@ void TrayMenu::addActive(const std::string& name, const QString& container) {
 }
 
 void TrayMenu::addSets(const LibraryView& view, const Groups& groups) {
-    for (const Group& group : groups) {
-        const bool isActive =
-            !group.members.empty() &&
-            std::all_of(group.members.begin(), group.members.end(),
-                        [&](const auto& member) { return !view.states.why(member.id).empty(); });
-        if (isActive) {
+    const auto faces = facesOf(view.table, groups);
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const Group& group = groups[i];
+        if (isAnyOfEachActive(view, faces[i])) {
             const std::string kind = group.kind == GroupKind::Tag ? translated("Tag \"%1\"")
                                                                   : translated("Collection \"%1\"");
             addActive(text(kind).arg(text(group.name)).toStdString(),

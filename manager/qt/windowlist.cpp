@@ -122,6 +122,9 @@ ListFilter LibraryWindow::filterOf(const SidebarPlace& place) {
         if (group != nullptr) {
             for (const GroupMember& member : group->members) {
                 filter.among->push_back(member.id);
+                if (!member.files.empty()) {
+                    filter.parts.emplace(member.id, member.files);
+                }
             }
         }
         std::sort(filter.among->begin(), filter.among->end());

@@ -28,9 +28,7 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
     const auto& copied = view_->copies.faces();
     for (const FaceRow row : named_) {
         const ListedFace& face = table.faces()[row];
-        if ((filter_.state && !view_->states.is(row, *filter_.state)) ||
-            (filter_.among &&
-             !std::binary_search(filter_.among->begin(), filter_.among->end(), face.container)) ||
+        if ((filter_.state && !view_->states.is(row, *filter_.state)) || !isAmong(face) ||
             (filter_.isCopied && !std::binary_search(copied.begin(), copied.end(), face.id)) ||
             !passes(row)) {
             continue;
@@ -41,6 +39,17 @@ void FaceListing::show(std::shared_ptr<const LibraryView> view, ListFilter filte
         ++families_.back().count;
         faces_.push_back(row);
     }
+}
+
+bool FaceListing::isAmong(const ListedFace& face) const {
+    if (!filter_.among) {
+        return true;
+    }
+    if (!std::binary_search(filter_.among->begin(), filter_.among->end(), face.container)) {
+        return false;
+    }
+    const auto part = filter_.parts.find(face.container);
+    return part == filter_.parts.end() || part->second.contains(face.file);
 }
 
 void FaceListing::find() {

@@ -8,8 +8,10 @@
 #include "manager/view/facetable.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,7 +21,9 @@ struct ListFilter {
     std::string text = {};                              ///< as FaceTable::find() takes it
     std::optional<FaceState> state = {};                ///< none: any
     std::optional<std::vector<ContainerId>> among = {}; ///< in order
-    std::optional<FaceState> alsoState = {};            ///< and this one
+    /// Of some of these, the names of the files that are meant.
+    std::map<ContainerId, std::set<std::string>> parts = {};
+    std::optional<FaceState> alsoState = {}; ///< and this one
     std::shared_ptr<const std::vector<FaceId>> found =
         {};                 ///< by the index, in any order; null: any
     bool isCopied = false;  ///< another container has the same file
@@ -64,6 +68,7 @@ public:
 private:
     void find();
     void showDrawing();
+    [[nodiscard]] bool isAmong(const ListedFace& face) const;
     /// Whether it passes what is asked of faces at any place.
     [[nodiscard]] bool passes(FaceRow row) const {
         return (filter_.found == nullptr || isFound_[row]) &&

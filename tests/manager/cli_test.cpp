@@ -3,6 +3,7 @@
 // sets on disk tell, collections and tags.
 #include "manager/activation/setrecord.h"
 #include "manager/cli/folderwatch.h"
+#include "manager/cli/groupchange.h"
 #include "manager/cli/groups.h"
 #include "manager/cli/knownsets.h"
 #include "manager/cli/report.h"
@@ -135,6 +136,63 @@ TEST_F(AGroup, KeepsItsMembersWhenANewIndexGivesOtherNumbers) {
         EXPECT_NE(id, member.id) << "else this shows nothing";
     }
     EXPECT_EQ(groups_.front().name, "empty") << "collections come first";
+}
+
+std::string textOf(const std::vector<GroupMember>& members) {
+    std::string text;
+    for (const GroupMember& member : members) {
+        text += member.name + "(";
+        for (const std::string& file : member.files) {
+            text += file;
+        }
+        text += ") ";
+    }
+    return text;
+}
+
+TEST_F(AGroup, HasContainersOrSingleFilesOfThemAndIsAsBeforeWhenAChangeIsTakenBack) {
+    const auto some = [](const std::string& name, std::set<std::string> files) {
+        return GroupMember{ContainerId{1}, name, "/" + name, "", {}, std::move(files)};
+    };
+    const auto all = [](const GroupMember& member) {
+        return member.name == "A" ? std::set<std::string>{"a", "b", "\tc\n"}
+                                  : std::set<std::string>{"z"};
+    };
+    using Members = std::vector<GroupMember>;
+    const struct {
+        Members before;
+        Members added;
+        Members removed;
+        const char* after;
+    } cases[] = {
+        {{}, {some("A", {"b", "a"})}, {}, "A(ab) "},
+        {{some("A", {"a"})}, {some("A", {"a", "\tc\n"})}, {}, "A(\tc\na) "},
+        {{some("A", {"a"})}, {some("A", {})}, {}, "A() "},
+        {{some("A", {})}, {some("A", {"a"})}, {}, "A() "},
+        {{some("A", {})}, {some("B", {"z"}), some("B", {})}, {}, "A() B() "},
+        {{some("A", {"a", "b"}), some("B", {})}, {}, {some("A", {"b"})}, "A(a) B() "},
+        {{some("A", {"a", "b"})}, {}, {some("A", {})}, ""},
+        {{some("A", {"a", "b"})}, {}, {some("A", {"a"}), some("A", {"b"})}, ""},
+        {{some("A", {"a"})}, {}, {some("A", {"a"}), some("A", {})}, ""},
+        {{some("A", {"a"})}, {}, {some("A", {"b"})}, "A(a) "},
+        {{some("A", {})}, {}, {some("A", {"b"})}, "A(\tc\na) "},
+        {{some("A", {})}, {}, {some("A", {"d"})}, "A() "},
+        {{some("B", {})}, {}, {some("B", {"z"})}, ""},
+    };
+    const GroupTitle title{GroupKind::Tag, "two\nlines"};
+    for (const auto& [before, added, removed, after] : cases) {
+        const Groups one{{title.kind, title.name, before}};
+        changeGroups(sandbox_.places(), [&](Groups& groups) { groups = one; });
+        const auto back = changeGroup(sandbox_.places(),
+                                      {.title = title, .added = added, .removed = removed}, all);
+        const std::string given = "from " + textOf(before) + "to " + after;
+        EXPECT_EQ(textOf(group().members), after);
+        EXPECT_EQ(back.isEmpty(), textOf(before) == after) << given;
+        const auto again = changeGroup(sandbox_.places(), back, all);
+        EXPECT_EQ(textOf(group().members), textOf(before)) << given;
+        static_cast<void>(changeGroup(sandbox_.places(), again, all));
+        EXPECT_EQ(textOf(group().members), after) << given;
+    }
 }
 
 TEST_F(AGroup, IsNotChangedWhereItsFileCannotBeRead) {

@@ -146,6 +146,50 @@ TEST_F(AChangeOfSets, IsOfSingleFaces) {
     EXPECT_THAT(active(), IsEmpty());
 }
 
+TEST_F(AChangeOfSets, IsOfTheFilesThatACollectionHas) {
+    const std::string folder = sandbox_.library() + "/fonts";
+    writeBytes(sandbox_.places().own() + "/groups",
+               "glyphora-groups 1\ncollection\tjob\ncontainer\t2\tPair\t" + folder +
+                   "\t\ttruetype\tpair-Bold.ttf\ncollection\told\ncontainer\t2\tPair\t" + folder +
+                   "\t\ttruetype\tgone.ttf\tpair-Regular.ttf\n");
+    EXPECT_THAT(glyphora({"collection", "list", "job"}).output,
+                HasSubstr(folder + ": pair-Bold.ttf only\n"));
+    const struct {
+        std::vector<std::string> command;
+        int status;
+        std::vector<std::string> active;
+        std::string message;
+    } steps[] = {
+        {{"activate", "collection:job"}, 0, {"Pair: by hand, Bold"}, "activated pair-Bold.ttf of "},
+        {{"activate", "--for", "2h", "collection:old"},
+         3,
+         {"Pair: by hand until, Bold, Regular"},
+         folder + "/gone.ttf: not in the library"},
+        {{"deactivate", "collection:job", "Lato*"},
+         3,
+         {"Pair: by hand until, Regular"},
+         "Lato*: no"},
+        {{"deactivate", "collection:job"},
+         0,
+         {"Pair: by hand until, Regular"},
+         "nothing is active"},
+        {{"deactivate", "collection:old"}, 0, {}, "deactivated Pair (container 2"},
+        {{"activate", "collection:job", "Pair"}, 0, {"Pair: by hand, Bold, Regular"}, ""},
+        {{"deactivate", "Pair", "collection:job"}, 0, {}, "deactivated Pair (container 2"},
+    };
+    for (const auto& [command, status, expected, message] : steps) {
+        const Ending ending = glyphora(command);
+        EXPECT_EQ(ending.status, status) << ending.output;
+        EXPECT_THAT(ending.output, HasSubstr(message));
+        EXPECT_EQ(active(), expected) << ending.output;
+    }
+    EXPECT_EQ(glyphora({"activate", "Pair", "1"}).status, 0);
+    const Json off = changesOf({"deactivate", "collection:job", "1"});
+    EXPECT_THAT(active(), ElementsAre("Pair: by hand, Regular"));
+    takeBack(off);
+    EXPECT_THAT(active(), ElementsAre("Lato & Co: by hand, Bold", "Pair: by hand, Bold, Regular"));
+}
+
 TEST_F(AChangeOfSets, TellsWhatCannotBeDone) {
     const auto reasons = [](const std::string& added, const std::string& removed = "") {
         return R"([{"id": 1, "files": {"added": ["lato.ttf"], "removed": []}, "reasons": {"added": [)" +

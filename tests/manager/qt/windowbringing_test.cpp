@@ -120,7 +120,7 @@ TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndCollectsIt) {
     ASSERT_TRUE(await([&] { return members() == 2; })) << "Alpha, and Four which came with it";
     EXPECT_EQ(window_->groups().front().name, "poster");
 
-    window_->groupDeeds().add({GroupKind::Tag, "mine"}, {1});
+    window_->groupDeeds().add({GroupKind::Tag, "mine"}, {{1, {}}});
     window_->deeds().undo();
     choice()->trigger();
     window_->deeds().finish();

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QItemSelectionModel>
+#include <QMimeData>
 #include <QUndoStack>
 
 using namespace manager;
@@ -81,6 +82,50 @@ TEST_F(TheChosenRows, AreTurnedByWhatIsNotActiveOfThem) {
     EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, active"}}));
     press(Qt::Key_Return);
     EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, inactive"}}));
+}
+
+TEST_F(TheChosenRows, AreMembersOfATagByFacesApartFromTheirFamily) {
+    const auto choiceOf = [this](const QModelIndexList& rows) {
+        const std::unique_ptr<QMimeData> dragged(window_->model().mimeData(rows));
+        return fontsIn(*dragged);
+    };
+    const auto faces = window_->model().listing().view().table.faces();
+    const auto alpha = static_cast<std::int32_t>(faces.front().container);
+    const auto beta = static_cast<std::int32_t>(faces.back().container);
+    const FontChoice bold{{alpha, {"alpha-Bold.ttf"}}};
+    EXPECT_EQ(choiceOf({face(1), family(1)}), (FontChoice{{alpha, bold.at(alpha)}, {beta, {}}}));
+    EXPECT_EQ(choiceOf({face(1), face(0)}), (FontChoice{{alpha, {}}})) << "all that it has";
+    EXPECT_EQ(choiceOf({face(1), family(0)}), (FontChoice{{alpha, {}}}));
+
+    const GroupTitle title{GroupKind::Tag, "mine"};
+    const auto chooseTag = [&](int families, const char* count) {
+        window_->sidebar().choose({SidebarPlace::Kind::Group, {}, title.text()});
+        const auto items = window_->sidebar().findItems(QStringLiteral("mine"),
+                                                        Qt::MatchExactly | Qt::MatchRecursive);
+        EXPECT_TRUE(items.size() == 1 && items.front()->text(1) == QLatin1String(count));
+        window_->list().setFocus();
+        return await([&] { return window_->model().rowCount() == families; });
+    };
+    window_->groupDeeds().add(title, choiceOf({face(1), family(1)}));
+    ASSERT_TRUE(await([this] { return window_->groups().size() == 1; }));
+    ASSERT_TRUE(chooseTag(2, "2"));
+    QTest::keyClick(&window_->sidebar(), Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(finishDeeds());
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 1 style, active"}, {2, "Beta, 1 style, active"}}));
+    window_->sidebar().choose({});
+    EXPECT_TRUE(awaitHeard({{0, "Alpha, 2 styles, 1 active"}}));
+
+    window_->groupDeeds().add(title, choiceOf({family(0)}));
+    ASSERT_TRUE(finishDeeds());
+    ASSERT_TRUE(await([&] { return window_->groups().front().members.front().files.empty(); }));
+    ASSERT_TRUE(chooseTag(2, "3"));
+    window_->list().setExpanded(family(0), true);
+    chooseRows({face(0)});
+    press(Qt::Key_Delete);
+    ASSERT_TRUE(await([&] { return !window_->groups().front().members.front().files.empty(); }));
+    EXPECT_EQ(window_->groups().front().members.front().files, bold.at(alpha));
+    press(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(await([&] { return window_->groups().front().members.front().files.empty(); }));
 }
 
 TEST_F(TheChosenRows, AreNotWhatAFolderSwitches) {

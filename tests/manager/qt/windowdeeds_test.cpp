@@ -249,10 +249,10 @@ TEST_F(TheWindowsDeeds, LeaveWhatCanBeDoneAgainWhereNothingChanges) {
     const auto beta =
         static_cast<std::int32_t>(window_->model().listing().view().table.faces().back().container);
     const GroupTitle title{GroupKind::Tag, "Smith & Sons"};
-    window_->groupDeeds().add(title, {beta});
+    window_->groupDeeds().add(title, {{beta, {}}});
     window_->groupDeeds().rename(title, "else");
     window_->deeds().undo();
-    window_->groupDeeds().add(title, {beta}); // which it has
+    window_->groupDeeds().add(title, {{beta, {}}}); // which it has
     ASSERT_TRUE(finishDeeds());
     const QUndoStack& stack = window_->deeds().undoStack();
     EXPECT_EQ(stack.count(), 2);

@@ -52,7 +52,7 @@ TEST_F(TheWindowsProblems, StayUntilTheSameDeedSucceeds) {
     EXPECT_THAT(told(), both);
     choose(1);
     press(Qt::Key_Return, Qt::ControlModifier);
-    window_->groupDeeds().add({GroupKind::Tag, "mine"}, {1});
+    window_->groupDeeds().add({GroupKind::Tag, "mine"}, {{1, {}}});
     ASSERT_TRUE(finishDeeds());
     EXPECT_THAT(told(), both) << "other deeds that succeed";
     add(one);
