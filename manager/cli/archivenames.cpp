@@ -48,15 +48,8 @@ std::size_t endingLength(std::string_view name, const Endings& endings) {
     return longest;
 }
 
-bool isText(std::string_view name) {
-    const std::string folded = lower(name);
-    const std::string_view ending =
-        std::string_view(folded).substr(std::min(folded.rfind('.'), folded.size()));
-    const auto contains = [](const auto& list, const auto& matches) {
-        return std::any_of(list.begin(), list.end(), matches);
-    };
-    return contains(textStems, [&](auto stem) { return folded.starts_with(stem); }) &&
-           contains(textEndings, [&](auto known) { return known == ending; });
+bool isInWord(char folded) {
+    return (folded >= 'a' && folded <= 'z') || static_cast<unsigned char>(folded) >= 0x80;
 }
 
 EntryKind kindOf(std::string_view name) {
@@ -66,7 +59,7 @@ EntryKind kindOf(std::string_view name) {
     if (hasArchiveName(name) || endingLength(name, otherArchiveEndings) != 0) {
         return EntryKind::Archive;
     }
-    return isText(name) ? EntryKind::Text : EntryKind::Other;
+    return hasLicenceFileName(name) ? EntryKind::Text : EntryKind::Other;
 }
 
 std::vector<std::string_view> splitPath(std::string_view path) {
@@ -108,6 +101,21 @@ std::string problemOf(std::string_view entryName, const std::vector<std::string_
 
 bool hasArchiveName(std::string_view name) {
     return endingLength(name, archiveEndings) != 0;
+}
+
+bool hasLicenceFileName(std::string_view name) {
+    const std::string folded = lower(name);
+    const std::string_view ending =
+        std::string_view(folded).substr(std::min(folded.rfind('.'), folded.size()));
+    const auto beginsAWord = [&](std::string_view stem) {
+        std::size_t place = folded.find(stem);
+        while (place != std::string::npos && place != 0 && isInWord(folded[place - 1])) {
+            place = folded.find(stem, place + 1);
+        }
+        return place != std::string::npos;
+    };
+    return std::find(textEndings.begin(), textEndings.end(), ending) != textEndings.end() &&
+           std::any_of(textStems.begin(), textStems.end(), beginsAWord);
 }
 
 std::string folderNameOf(std::string_view archivePath) {

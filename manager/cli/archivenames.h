@@ -11,6 +11,11 @@ namespace manager {
 /// .tgz, .tar.bz2, .tbz2, .tar.xz, .txz, .tar.zst.
 [[nodiscard]] bool hasArchiveName(std::string_view name);
 
+/// Whether a file of this name (any case) tells of the licence or the makers of fonts: one of its
+/// words begins with OFL, UFL, LICENCE, LICENSE, COPYING, COPYRIGHT, README, FONTLOG, AUTHORS or
+/// EULA, and it ends in .txt, .md, .html, .htm, .pdf, .rtf or has no ending.
+[[nodiscard]] bool hasLicenceFileName(std::string_view name);
+
 /// The name of the folder for what an archive holds: its own, without endings; never empty, hidden
 /// or longer than a name may be with a number behind it.
 [[nodiscard]] std::string folderNameOf(std::string_view archivePath);

@@ -5,13 +5,15 @@
 #include "manager/activation/activation.h"
 #include "manager/activation/filesteps.h"
 #include "manager/cli/arguments.h"
+#include "manager/cli/collectedlist.h"
 #include "manager/cli/containernames.h"
 #include "manager/cli/libraryops.h"
+#include "manager/cli/licencefiles.h"
 #include "manager/cli/progress.h"
-#include "manager/cli/searchops.h"
 #include "manager/cli/tally.h"
 #include "manager/library/cancel.h"
 #include "manager/library/error.h"
+#include "manager/view/facefacts.h"
 #include "manager/view/texts.h"
 #include "system/cuttext.h"
 
@@ -22,6 +24,7 @@
 #include <optional>
 #include <set>
 #include <stdlib.h>
+#include <utility>
 
 namespace manager {
 
@@ -92,17 +95,50 @@ fs::path makeFolderFor(const Container& container, const fs::path& parent) {
     return parent / name;
 }
 
-std::string lineOf(const char* title, const std::string& text) {
-    std::string line = text;
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    return line.empty() ? line : std::string("    ") + title + ": " + line + "\n";
+/// Copies a file where nothing lies yet, also where case does not count in names. False: there is
+/// a problem, in `code`, and nothing of it is left there.
+bool copyTo(const fs::path& target, const std::string& source, std::error_code& code) {
+    if (fs::copy_file(source, target, code)) {
+        return true;
+    }
+    if (code != std::errc::file_exists) { // then it is another file's copy
+        std::error_code ignored;
+        fs::remove(target, ignored);
+    }
+    return false;
+}
+
+/// What the list needs: an index of many faces is large.
+CollectedFace listed(const FaceDetails& details) {
+    CollectedFace face{details.match.familyName + " " + details.match.styleName, {}};
+    face.facts.postScriptName = details.face.postScriptName;
+    face.facts.version = details.face.version;
+    face.facts.foundry = details.face.foundry;
+    face.facts.copyright = details.face.copyright;
+    face.facts.licence = details.face.licence;
+    face.facts.licenceLink = details.face.licenceLink;
+    face.facts.embedding = details.face.embedding;
+    return face;
+}
+
+nlohmann::ordered_json toJson(const CollectedFace& face, const FaceMatch& match) {
+    const faces::Face& facts = face.facts;
+    return {{"postScriptName", facts.postScriptName},
+            {"family", match.familyName},
+            {"style", match.styleName},
+            {"version", facts.version},
+            {"foundry", facts.foundry},
+            {"copyright", facts.copyright},
+            {"licence", facts.licence},
+            {"licenceLink", facts.licenceLink},
+            {"embedding", facts.embedding ? nlohmann::ordered_json(*facts.embedding) : nullptr},
+            {"embeddingText", embeddingWords(facts.embedding)}};
 }
 
 class Collecting {
 public:
     Collecting(Library& library, const fs::path& folder, Tally& tally)
-        : library_(library), folder_(folder), tally_(tally) {}
+        : library_(library), folder_(folder), tally_(tally), licences_(foldersOf(library)) {}
 
     /// `only`: the names of its files that are meant; nullopt: all.
     void add(const Container& container, const std::optional<std::set<std::string>>& only) {
@@ -115,6 +151,7 @@ public:
             return;
         }
         const auto faces = library_.faces(container.id);
+        std::optional<std::vector<std::string>> licences; // where a font was copied
         for (const LibraryFile& file : library_.files(container.id)) {
             checkCancelled();
             const std::string name = nameOf(file.path);
@@ -122,57 +159,74 @@ public:
                 continue;
             }
             std::error_code code;
-            if (!fs::copy_file(file.path, own / name, code)) {
+            if (!copyTo(own / name, file.path, code)) {
                 tally_.fail(systemError(file.path, "cannot be copied", code.value()).what());
-                if (code != std::errc::file_exists) { // then it is another file's copy
-                    fs::remove(own / name, code);
-                }
                 continue;
             }
-            tell(file, own.filename() / name, faces);
+            if (!licences) {
+                licences = copyLicences(container.folder, own);
+            }
+            tell(file, own.filename() / name, *licences, faces);
         }
         std::error_code ignored;
         fs::remove(own, ignored); // when nothing could be copied into it
     }
-    void writeList() const { writeFile((folder_ / "fonts.txt").string(), list_); }
-    [[nodiscard]] bool isEmpty() const { return list_.empty(); }
+    /// In the user's language, which all else in this process need not speak: the list is passed
+    /// on.
+    void writeList() const {
+        chooseUsersLanguage();
+        writeFile((folder_ / "fonts.txt").string(), textOf(files_));
+    }
+    [[nodiscard]] bool isEmpty() const { return files_.empty(); }
 
 private:
+    static std::set<std::string> foldersOf(Library& library) {
+        const std::vector<std::string> folders = library.directories();
+        return {folders.begin(), folders.end()};
+    }
+
+    /// Copies those of the fonts in `folder` to `own`. Their paths in the new folder.
+    std::vector<std::string> copyLicences(const std::string& folder, const fs::path& own) {
+        const LicenceFiles::Found found = licences_.of(folder);
+        if (!found.problem.empty()) {
+            tally_.fail(found.problem);
+        }
+        std::vector<std::string> copies;
+        for (const std::string& path : found.paths) {
+            checkCancelled();
+            const std::string name = nameOf(path);
+            std::error_code code;
+            if (copyTo(own / name, path, code)) {
+                copies.push_back(own.filename() / name);
+            } else {
+                tally_.fail(systemError(path, "cannot be copied", code.value()).what());
+            }
+        }
+        return copies;
+    }
+
     void tell(const LibraryFile& file, const fs::path& copy,
-              const std::vector<FaceDetails>& faces) {
-        list_ += copy.string() + "\n";
+              const std::vector<std::string>& licences, const std::vector<FaceDetails>& faces) {
+        CollectedFile collected{copy.string(), licences, {}};
         auto told = nlohmann::ordered_json::array();
         for (const FaceDetails& details : faces) {
-            if (joinPath(details.match.folder, details.match.fileName) != file.path) {
-                continue;
+            if (joinPath(details.match.folder, details.match.fileName) == file.path) {
+                collected.faces.push_back(listed(details));
+                told.push_back(toJson(collected.faces.back(), details.match));
             }
-            const faces::Face& face = details.face;
-            list_ += "  " + details.match.familyName + " " + details.match.styleName + "\n";
-            list_ += lineOf("PostScript name", face.postScriptName);
-            list_ += lineOf("version", face.version);
-            list_ += lineOf("foundry", face.foundry);
-            list_ += lineOf("copyright", face.copyright);
-            list_ += lineOf("licence", face.licence);
-            list_ += lineOf("licence at", face.licenceLink);
-            list_ += lineOf("embedding", embeddingText(face.embedding));
-            told.push_back({{"postScriptName", face.postScriptName},
-                            {"family", details.match.familyName},
-                            {"style", details.match.styleName},
-                            {"version", face.version},
-                            {"foundry", face.foundry},
-                            {"copyright", face.copyright},
-                            {"licence", face.licence},
-                            {"licenceLink", face.licenceLink},
-                            {"embeddingText", embeddingText(face.embedding)}});
         }
-        tally_.add("copied " + copy.string(),
-                   {{"path", copy.string()}, {"source", file.path}, {"faces", std::move(told)}});
+        files_.push_back(std::move(collected));
+        tally_.add("copied " + copy.string(), {{"path", copy.string()},
+                                               {"source", file.path},
+                                               {"licenceFiles", licences},
+                                               {"faces", std::move(told)}});
     }
 
     Library& library_;
     fs::path folder_;
     Tally& tally_;
-    std::string list_;
+    LicenceFiles licences_;
+    std::vector<CollectedFile> files_;
 };
 
 } // namespace

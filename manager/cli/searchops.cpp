@@ -8,6 +8,7 @@
 #include "manager/cli/report.h"
 #include "manager/cli/tally.h"
 #include "manager/exchange/likesearch.h"
+#include "manager/view/facefacts.h"
 
 #include <algorithm>
 #include <array>
@@ -159,7 +160,7 @@ void printDetails(const FaceDetails& details, const char* state) {
     line("copyright", face.copyright);
     line("licence", shortened(face.licence));
     line("licence at", face.licenceLink);
-    line("embedding", embeddingText(face.embedding));
+    line("embedding", embeddingWords(face.embedding));
     line("glyphs", std::to_string(face.glyphs));
     line("scripts", joined(face.scripts));
     line("languages", joined(face.languages));
@@ -171,24 +172,6 @@ void printDetails(const FaceDetails& details, const char* state) {
 }
 
 } // namespace
-
-std::string embeddingText(std::optional<std::uint16_t> flags) {
-    if (!flags) {
-        return "not told";
-    }
-    // The least restrictive of several bits holds.
-    std::string text = (*flags & 8U) != 0   ? "editable"
-                       : (*flags & 4U) != 0 ? "preview and print"
-                       : (*flags & 2U) != 0 ? "restricted: none without the owner's permission"
-                                            : "installable: anything";
-    if ((*flags & 0x100U) != 0) {
-        text += ", no subsetting";
-    }
-    if ((*flags & 0x200U) != 0) {
-        text += ", bitmaps only";
-    }
-    return text;
-}
 
 Json toJson(const FaceDetails& details, const char* state) {
     const auto& [match, face] = details;
@@ -208,7 +191,7 @@ Json toJson(const FaceDetails& details, const char* state) {
     document["licence"] = face.licence;
     document["licenceLink"] = face.licenceLink;
     document["embedding"] = face.embedding ? Json(*face.embedding) : Json(nullptr);
-    document["embeddingText"] = embeddingText(face.embedding);
+    document["embeddingText"] = embeddingWords(face.embedding);
     document["glyphs"] = face.glyphs;
     document["scripts"] = face.scripts;
     document["languages"] = face.languages;

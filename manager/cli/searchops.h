@@ -5,16 +5,12 @@
 #include "manager/library/facequery.h"
 #include "manager/library/library.h"
 
-#include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace manager {
-
-/// What a font's embedding flags (OS/2 fsType) allow, for people.
-[[nodiscard]] std::string embeddingText(std::optional<std::uint16_t> flags);
 
 /// Everything of a face, for programs. `state`: whether it is active.
 [[nodiscard]] nlohmann::ordered_json toJson(const FaceDetails& details, const char* state);

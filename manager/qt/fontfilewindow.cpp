@@ -235,7 +235,7 @@ void FontFileWindow::showChosen() {
     if (const Entry* const face = chosen()) {
         const std::string& file = files_[face->file];
         shown.title = calledIn(face->face, file);
-        for (const std::string& fact : factsOf(face->face)) {
+        for (const std::string& fact : shortFactsOf(face->face)) {
             shown.why += (shown.why.isEmpty() ? QString() : QStringLiteral("\n")) + text(fact);
         }
         shown.path = text(file);

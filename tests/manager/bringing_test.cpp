@@ -63,6 +63,8 @@ TEST(AnEntrysName, TellsWhatItIsAndWhereItIsToLie) {
         {"README-Mac.md", EntryKind::Text, "README-Mac.md", ""},
         {"license.exe", EntryKind::Other, "", ""},
         {"unlicensed.txt", EntryKind::Other, "", ""},
+        {"x/SIL Open Font License.txt", EntryKind::Text, "x/SIL Open Font License.txt", ""},
+        {"proofl_OFL-1.1.txt", EntryKind::Text, "proofl_OFL-1.1.txt", ""},
         {"a.ttf/", EntryKind::Font, "a.ttf", ""},
         {"x/more.zip", EntryKind::Archive, "x/more.zip", ""},
         {"a.ttf.gz", EntryKind::Archive, "a.ttf.gz", ""},

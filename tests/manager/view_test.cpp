@@ -3,6 +3,7 @@
 // The files are empty: what each holds is told by its name.
 #include "manager/library/update.h"
 #include "manager/view/facecopies.h"
+#include "manager/view/facefacts.h"
 #include "manager/view/facefilters.h"
 #include "manager/view/facelisting.h"
 #include "tests/manager/sandbox.h"
@@ -323,6 +324,20 @@ TEST_F(AList, KnowsWhichContainersAreCopiesOfWhatIsKept) {
                 testing::UnorderedElementsAre(containers.at("all"), containers.at("few")));
     EXPECT_THAT(othersOf("all"), ElementsAre(containers.at("few"))) << "more has Light, too";
     EXPECT_THAT(othersOf("few"), IsEmpty());
+}
+
+TEST(EmbeddingFlags, AreToldByTheLeastRestrictiveOfThem) {
+    const std::pair<std::optional<std::uint16_t>, const char*> cases[] = {
+        {std::nullopt, "the font does not tell"},
+        {0, "allowed, and it may be installed from there"},
+        {0x2, "not without permission of the owner"},
+        {0x6, "allowed to view and print documents only"},
+        {0x10C, "allowed, also in documents that are edited; only as a whole"},
+        {0x202, "not without permission of the owner; only its bitmaps"},
+    };
+    for (const auto& [flags, words] : cases) {
+        EXPECT_EQ(manager::embeddingWords(flags), words);
+    }
 }
 
 } // namespace
