@@ -18,12 +18,11 @@ namespace fs = std::filesystem;
 
 class ACollection : public TheProgram {
 protected:
-    void font(const std::string& path, const std::string& name, const std::string& licence = {}) {
-        std::vector<RawName> names;
-        for (const unsigned id : {1U, 6U}) {
-            names.push_back({.id = id, .bytes = wide(name)});
-        }
-        names.push_back({.id = 2, .bytes = wide("Regular")});
+    void font(const std::string& path, const std::string& family, const std::string& licence = {},
+              const std::string& style = "Regular") {
+        std::vector<RawName> names = {{.id = 1, .bytes = wide(family)},
+                                      {.id = 2, .bytes = wide(style)},
+                                      {.id = 6, .bytes = wide(family + style)}};
         if (!licence.empty()) {
             names.push_back({.id = 13, .bytes = wide(licence)});
         }
@@ -46,21 +45,24 @@ protected:
 TEST_F(ACollection, HasTheLicenceFilesThatLieBesideItsFonts) {
     font("../above/ttf/lone.ttf", "Lone");
     sandbox_.write("../above/OFL.txt", "of others");
-    for (const char* const name : {"a/one.ttf", "a/two.ttf"}) {
-        font(name, "One");
-    }
+    font("a/one.ttf", "One");
+    font("a/two.ttf", "One", {}, "Bold");
     font("b/Static/three.ttf", "Three");
-    font("b/Static/deep/four.ttf", "Four");
-    for (const char* const name : {"a/OFL.txt", "a/Fontlog.TXT", "a/.license.txt", "a/one.png",
-                                   "a/LICENSE.d/x", "b/OFL.txt", "OFL.txt"}) {
+    font("b/other/four.ttf", "Four");
+    font("c/otf/five.ttf", "Five");
+    for (const char* const name :
+         {"a/OFL.txt", "a/Fontlog.TXT", "a/.license.txt", "a/one.png", "a/LICENSE/x", "b/OFL.txt",
+          "OFL.txt", "c/README", "c/otf/UFL.txt"}) {
         sandbox_.write(name, name);
     }
     expectEach({{{"add", sandbox_.library(), sandbox_.root() + "/above/ttf"}, 0, "added"}});
     const auto told = nlohmann::json::parse(
-        glyphora({"collect", "--json", "--to", target_, "One", "Three", "Four", "Lone"}).output);
+        glyphora({"collect", "--json", "--to", target_, "One", "Three", "Four", "Five", "Lone"})
+            .output);
     EXPECT_THAT(collected(),
-                ElementsAre("Four/four.ttf", "Lone/lone.ttf", "One/Fontlog.TXT", "One/OFL.txt",
-                            "One/one.ttf", "Three/OFL.txt", "Three/three.ttf", "fonts.txt"));
+                ElementsAre("Five/UFL.txt", "Five/five.ttf", "Four/four.ttf", "Lone/lone.ttf",
+                            "One/Fontlog.TXT", "One/OFL.txt", "One/one.ttf", "One/two.ttf",
+                            "Three/OFL.txt", "Three/three.ttf", "fonts.txt"));
     EXPECT_EQ(readBytes(target_ + "/One/OFL.txt"), "a/OFL.txt");
     EXPECT_EQ(readBytes(target_ + "/Three/OFL.txt"), "b/OFL.txt");
     EXPECT_THAT(told["problems"], testing::IsEmpty());
