@@ -153,9 +153,10 @@ private:
     void tellNothing(const std::string& archive, std::size_t fonts, std::size_t known,
                      const std::string& twin) {
         if (known != 0) {
-            tally_.remark(archive + ": " +
-                          (known == 1 ? "its font is" : "its " + counted(known, "font") + " are") +
-                          " in the library already, as " + twin);
+            const std::string words =
+                translated("its font is in the library already, as %2",
+                           "its %1 fonts are in the library already, as %2", known);
+            tally_.remark(archive + ": " + filled(words, {"", twin}));
         } else if (fonts == 0) {
             tally_.fail(archive + ": " + translated("there is no font file in it"));
         }
@@ -164,8 +165,10 @@ private:
     void tellTaken(const std::string& archive, const std::string& target, std::size_t taken,
                    std::size_t fonts, std::size_t known) {
         if (known != 0) {
-            tally_.remark(archive + ": " + std::to_string(known) + " of its " +
-                          counted(fonts, "font") + " are in the library already");
+            const std::string words =
+                translated("%1 of its %2 fonts is in the library already",
+                           "%1 of its %2 fonts are in the library already", known);
+            tally_.remark(archive + ": " + filled(words, {"", std::to_string(fonts)}));
         }
         tally_.add("added " + archive + " as " + target + ", " + counted(taken, "font file"),
                    {{"path", target}, {"source", archive}, {"files", taken}});

@@ -19,7 +19,8 @@ int changeCommand(const Places& places, bool json) {
         if (const auto container = library->container(change.id)) {
             plan.add(*container, change);
         } else {
-            tally.fail("container " + toText(change.id) + ": " + translated("not in the library"));
+            tally.fail(filled(translated("container %1"), {toText(change.id)}) + ": " +
+                       translated("not in the library"));
         }
     }
     tally.set("changes", plan.carryOut(places));

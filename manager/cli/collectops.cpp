@@ -251,7 +251,7 @@ int collectCommand(const Places& places, const std::vector<std::string>& names,
             folder.giveName();
         }
     } catch (const Cancelled&) {
-        throw Cancelled(to + ": not made, as it was cancelled");
+        throw Cancelled(to + ": " + translated("not made, as it was cancelled"));
     } catch (const fs::filesystem_error& error) {
         throw systemError(to, "cannot be written", error.code().value());
     }

@@ -6,6 +6,7 @@
 #include "manager/cli/report.h"
 #include "manager/exchange/candidates.h"
 #include "manager/library/error.h"
+#include "manager/view/texts.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -122,7 +123,8 @@ std::vector<ContainerId> ContainerNames::numbersOf(const std::string& name) {
     }
     if (const auto id = toContainerId(name)) {
         if (!library().container(*id)) {
-            throw Error("container " + name + ": not in the library");
+            throw Error(filled(translated("container %1"), {name}) + ": " +
+                        translated("not in the library"));
         }
         return {*id};
     }

@@ -7,6 +7,7 @@
 #include "manager/cli/report.h"
 #include "manager/library/cancel.h"
 #include "manager/view/drawing.h"
+#include "manager/view/texts.h"
 #include "system/child.h"
 
 #include <algorithm>
@@ -164,7 +165,7 @@ DrawingFonts fontsOfDrawings(const std::vector<std::string>& files, Tally& tally
     try {
         return fontsIn(reportOf(taken), taken, tally);
     } catch (const Cancelled&) {
-        throw Cancelled(taken.front() + ": cancelled before it was read");
+        throw Cancelled(taken.front() + ": " + translated("cancelled before it was read"));
     } catch (const Json::exception&) {
         throw Error(taken.front() + ": cannot be read: " + reader + " tells of it in another form");
     } catch (const std::exception& error) {

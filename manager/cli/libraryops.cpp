@@ -50,7 +50,12 @@ UpdateReport scanOnce(const Places& places, bool changedAlready) {
         report = updateLibrary(*library, folders, readerLimits(), [](auto done, auto total) {
             tellProgress(Work::Read, done, total);
         });
-    } catch (const Cancelled&) { // what was read stays
+    } catch (const ScanCancelled& scan) { // what was read stays
+        postLibraryChanged();
+        throw Cancelled(filled(translated("cancelled: %1 of %2 font files were read; the next "
+                                          "scan reads the others"),
+                               {std::to_string(scan.read), std::to_string(scan.wanted)}));
+    } catch (const Cancelled&) {
         postLibraryChanged();
         throw;
     }
@@ -94,8 +99,9 @@ void tellScan(const UpdateReport& report, bool quiet, Tally& tally) {
 
 void tellUnread(const UpdateReport& report, Tally& tally) {
     for (const std::string& folder : report.unreadFolders) {
-        tally.fail(folder +
-                   ": the recorded folder is away; \"glyphora list --problems\" tells why");
+        tally.fail(folder + ": " +
+                   translated("the recorded folder is away; \"glyphora list --problems\" tells "
+                              "why"));
     }
 }
 

@@ -232,9 +232,7 @@ private:
             writePortion(Portion::Another);
         } catch (const Cancelled&) {
             writePortion(Portion::Another);
-            throw Cancelled("cancelled: " + std::to_string(next_) + " of " +
-                            std::to_string(paths_.size()) +
-                            " font files were read; the next scan reads the others");
+            throw ScanCancelled(next_, paths_.size());
         }
     }
 

@@ -2,6 +2,7 @@
 // Brings the index up to date with the folders on disk.
 #pragma once
 
+#include "manager/library/cancel.h"
 #include "manager/library/fontreader.h"
 #include "manager/library/library.h"
 
@@ -28,6 +29,16 @@ struct UpdateReport {
     [[nodiscard]] bool changed() const { return read != 0 || removed != 0 || moved || resumed; }
 };
 
+/// Some of the files were read, the next scan reads the others.
+class ScanCancelled : public Cancelled {
+public:
+    ScanCancelled(std::size_t ofFiles, std::size_t all)
+        : Cancelled("cancelled before its end"), read(ofFiles), wanted(all) {}
+
+    std::size_t read;   ///< files
+    std::size_t wanted; ///< files
+};
+
 /// [main-thread] Told now and then how many files of how many were read.
 using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
 
@@ -36,7 +47,7 @@ using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
 /// that others can read it meanwhile, and what was written stays when the process ends early.
 /// Containers keep their numbers. What lies in a folder that is away stays in the index, marked;
 /// when it is back as it was, nothing is read again. What was in the way of reading a file and may
-/// pass is tried again each time. Throws Error.
+/// pass is tried again each time. Throws Error; ScanCancelled (see checkCancelled).
 UpdateReport updateLibrary(Library& library, std::span<const std::string> folders,
                            const FontReaderLimits& limits, const UpdateProgress& progress = {},
                            const FontFileFunction& read = faces::readFontFile);

@@ -151,9 +151,13 @@ TEST_P(AnArchive, IsTakenOnceAndWholeOrNotAtAll) {
     const auto all = UnorderedElementsAre("Two.v1/two/ttf/One.ttf", "Two.v1/two/otf/One.ttf",
                                           "Two.v1/two/OFL.txt");
     std::filesystem::copy_file(archive, path("again.zip")); // known by what is in it
-    const auto told = bring({archive, path("again.zip")});
+    makeArchive(path("mixed.zip"), {{"a.ttf", font("Other")}, {"b.ttf", font("New")}});
+    const auto told = bring({archive, path("again.zip"), path("mixed.zip")});
+    std::filesystem::remove_all(sandbox_.places().singleFonts() + "/mixed");
     EXPECT_THAT(files(), all);
-    EXPECT_THAT(problems(told), HasSubstr("its 2 fonts are in the library already"));
+    EXPECT_THAT(problems(told), HasSubstr("its 2 fonts are in the library already, as " +
+                                          sandbox_.places().singleFonts() + "/Two.v1/"));
+    EXPECT_THAT(problems(told), HasSubstr("mixed.zip: 1 of its 2 fonts is in the library already"));
     EXPECT_EQ(readBytes(sandbox_.places().singleFonts() + "/Two.v1/two/otf/One.ttf"),
               font("Other"));
     EXPECT_THAT(readFolders(sandbox_.places()), ElementsAre(sandbox_.places().singleFonts()));

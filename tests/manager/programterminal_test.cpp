@@ -92,7 +92,8 @@ TEST_F(TheProgram, EndsOrderlyAtTheKeysThatInterruptIt) {
 TEST_F(TheProgram, TellsProblemsInTheLanguageThatIsAskedForFirst) {
     const testsupport::Variable languages("LANGUAGE", "fr:de_AT:en");
     const std::string problem = "glyphora: " + sandbox_.root() + ": ist schon vorhanden;";
-    expectEach({{{"--translated", "collect", "--to", sandbox_.root(), "x"}, 1, problem}});
+    expectEach({{{"--translated", "collect", "--to", sandbox_.root(), "x"}, 1, problem},
+                {{"--translated", "info", "77"}, 1, "Schrift Nr. 77: nicht in der Bibliothek"}});
 }
 
 } // namespace
