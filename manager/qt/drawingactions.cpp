@@ -127,7 +127,8 @@ void LibraryWindow::makeDrawingAction(QMenu& fonts) {
 
 void LibraryWindow::showDrawingAction() {
     makeSet_->setVisible(sidebar_->place().kind == SidebarPlace::Kind::Drawing);
-    makeSet_->setEnabled(!fontsOfDrawing().empty());
+    // Until the drawing is there, those of the one before are.
+    makeSet_->setEnabled(!isDrawingAwaited_ && !fontsOfDrawing().empty());
     makeSet_->setText(text(translated("&Make Collection \"%1\""))
                           .arg(QString(drawingName_).replace('&', QStringLiteral("&&"))));
 }

@@ -183,6 +183,10 @@ TEST_F(AChangeOfSets, IsOfTheFilesThatACollectionHas) {
         EXPECT_THAT(ending.output, HasSubstr(message));
         EXPECT_EQ(active(), expected) << ending.output;
     }
+    const Ending collected =
+        glyphora({"collect", "--to", sandbox_.root() + "/out", "collection:job"});
+    EXPECT_THAT(collected.output, HasSubstr("copied Pair/pair-Bold.ttf\n"));
+    EXPECT_FALSE(std::filesystem::exists(sandbox_.root() + "/out/Pair/pair-Regular.ttf"));
     EXPECT_EQ(glyphora({"activate", "Pair", "1"}).status, 0);
     const Json off = changesOf({"deactivate", "collection:job", "1"});
     EXPECT_THAT(active(), ElementsAre("Pair: by hand, Regular"));

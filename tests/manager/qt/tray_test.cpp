@@ -45,7 +45,8 @@ TEST_F(TheTraysMenu, NamesWhatIsActiveAndWhy) {
     Reason session;
     session.kind = Reason::Kind::UntilLogout;
     const std::vector<std::string> folders{sandbox_.library(), sandbox_.root() + "/empty"};
-    const ActiveContainer alphaSet{alpha, "Alpha", {"alpha-Bold.ttf"}, {Reason::byHand(), session}};
+    const ActiveContainer alphaSet{
+        alpha, "Alpha", {table.faces()[0].file}, {Reason::byHand(), session}};
     menu.fill(viewOf({alphaSet}), groups, folders, false);
     EXPECT_THAT(rows(menu), ElementsAre("Collection \"R&&D\" x", "Alpha – by hand, until logout x",
                                         "&Open the Font Library",

@@ -115,7 +115,12 @@ TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndCollectsIt) {
     };
     EXPECT_EQ(choice()->text(), QStringLiteral("&Make Collection \"job && co\""));
     ASSERT_TRUE(drop({poster}));
-    ASSERT_TRUE(await([&] { return choice()->text().contains(QLatin1String("\"poster\"")); }));
+    const auto isOffered = [&](const char* name) {
+        return await([&] {
+            return choice()->isEnabled() && choice()->text().contains(QLatin1String(name));
+        });
+    };
+    ASSERT_TRUE(isOffered("\"poster\""));
     choice()->trigger();
     ASSERT_TRUE(await([&] { return members() == 2; })) << "Alpha, and Four which came with it";
     EXPECT_EQ(window_->groups().front().name, "poster");
@@ -129,10 +134,20 @@ TEST_F(TheWindowBringingFonts, ListsWhatADrawingUsesAndCollectsIt) {
     window_->deeds().undo();
     EXPECT_TRUE(await([this] { return window_->groups().empty(); }));
 
+    ASSERT_TRUE(
+        drop({draw("bold.svg", R"(<text font-family="Alpha" font-weight="700">x</text>)")}));
+    ASSERT_TRUE(isOffered("\"bold\""));
+    choice()->trigger();
+    ASSERT_TRUE(await([&] { return members() == 1; }));
+    EXPECT_THAT(window_->groups().front().members.front().files,
+                testing::ElementsAre("alpha-Bold.ttf"));
+    window_->deeds().undo();
+    ASSERT_TRUE(await([this] { return window_->groups().empty(); }));
+
     const std::string embedded = draw("embedded.svg", own);
     ASSERT_TRUE(drop({embedded}));
     EXPECT_TRUE(awaitTold({"brings along"}));
-    EXPECT_EQ(window_->model().rowCount(), 4) << "the drawing of before";
+    EXPECT_EQ(window_->model().rowCount(), 1) << "the drawing of before";
     window_->sidebar().choose({});
     window_->open({});
     EXPECT_FALSE(choice()->isVisible());
