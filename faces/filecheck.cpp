@@ -2,6 +2,7 @@
 // Looks at table lists and segment lengths only.
 #include "faces/filecheck.h"
 
+#include "faces/remark.h"
 #include "system/descriptor.h"
 
 #include <cerrno>
@@ -35,10 +36,11 @@ constexpr std::array essentialTables = {
 };
 
 void checkTables(const FontBytes& bytes, std::int64_t start) {
-    const auto header = bytes.part<12>(start, "the font header");
+    const auto header = bytes.part<12>(start, marked("the font header"));
     const unsigned count = (unsigned{header[4]} << 8U) | header[5];
     for (unsigned i = 0; i < count; ++i) {
-        const auto entry = bytes.part<16>(start + 12 + std::int64_t{i} * 16, "the table list");
+        const auto entry =
+            bytes.part<16>(start + 12 + std::int64_t{i} * 16, marked("the table list"));
         if (std::find(essentialTables.begin(), essentialTables.end(), number32(entry.data())) ==
             essentialTables.end()) {
             continue;
@@ -46,9 +48,9 @@ void checkTables(const FontBytes& bytes, std::int64_t start) {
         const std::int64_t end =
             std::int64_t{number32(&entry[8])} + std::int64_t{number32(&entry[12])};
         if (end > bytes.size()) {
-            throw bytes.error("table '" + std::string(entry.begin(), entry.begin() + 4) +
-                              "' reaches byte " + std::to_string(end) + " of a file of " +
-                              std::to_string(bytes.size()) + " bytes");
+            throw bytes.error(FontFault::TableBeyondEnd,
+                              {std::string(entry.begin(), entry.begin() + 4), std::to_string(end),
+                               std::to_string(bytes.size())});
         }
     }
 }
@@ -57,13 +59,14 @@ void checkTables(const FontBytes& bytes, std::int64_t start) {
 constexpr std::uint32_t maximumFontsInCollection = 4096;
 
 void checkCollection(const FontBytes& bytes) {
-    const auto header = bytes.part<12>(0, "the collection header");
+    const auto header = bytes.part<12>(0, marked("the collection header"));
     const std::uint32_t count = number32(&header[8]);
     if (count == 0 || count > maximumFontsInCollection) {
-        throw bytes.error("a collection of " + std::to_string(count) + " fonts");
+        throw bytes.error(FontFault::CountOfFonts, {std::to_string(count)});
     }
     for (std::uint32_t i = 0; i < count; ++i) {
-        const auto offset = bytes.part<4>(12 + std::int64_t{i} * 4, "the collection header");
+        const auto offset =
+            bytes.part<4>(12 + std::int64_t{i} * 4, marked("the collection header"));
         checkTables(bytes, number32(offset.data()));
     }
 }
@@ -72,21 +75,21 @@ void checkCollection(const FontBytes& bytes) {
 void checkType1Segments(const FontBytes& bytes) {
     std::int64_t position = 0;
     for (;;) {
-        const auto start = bytes.part<2>(position, "a Type 1 segment");
+        const auto start = bytes.part<2>(position, marked("a Type 1 segment"));
         if (start[0] != 0x80) {
-            throw bytes.error("no Type 1 segment at byte " + std::to_string(position));
+            throw bytes.error(FontFault::NoSegment, {std::to_string(position)});
         }
         if (start[1] == 3) {
             return;
         }
-        const auto header = bytes.part<6>(position, "a Type 1 segment");
+        const auto header = bytes.part<6>(position, marked("a Type 1 segment"));
         const std::uint32_t length = (std::uint32_t{header[5]} << 24U) |
                                      (std::uint32_t{header[4]} << 16U) |
                                      (std::uint32_t{header[3]} << 8U) | header[2];
         position += 6 + std::int64_t{length};
         if (position > bytes.size()) {
-            throw bytes.error("a Type 1 segment reaches byte " + std::to_string(position) +
-                              " of a file of " + std::to_string(bytes.size()) + " bytes");
+            throw bytes.error(FontFault::SegmentBeyondEnd,
+                              {std::to_string(position), std::to_string(bytes.size())});
         }
         if (position == bytes.size()) {
             return; // fonts without the end mark are common
@@ -100,19 +103,21 @@ FontBytes::FontBytes(const std::string& path) : path_(path) {
     const sys::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     const auto refuse = [&] {
-        throw UnreadableNow(path + ": cannot be read: " + std::generic_category().message(errno));
+        throw UnreadableNow(
+            path + ": " +
+            textOf(FontFault::CannotBeRead, {std::generic_category().message(errno)}));
     };
     if (!file || fstat(file.get(), &status) != 0) {
         refuse();
     }
     if (!S_ISREG(status.st_mode)) {
-        throw error("not a regular file");
+        throw error(FontFault::NotRegular);
     }
     if (status.st_size == 0) {
-        throw error("an empty file");
+        throw error(FontFault::Empty);
     }
     if (status.st_size > maximumFontFileSize) {
-        throw error("larger than " + std::to_string(maximumFontFileSize >> 20) + " MiB");
+        throw error(FontFault::TooLarge, {std::to_string(maximumFontFileSize >> 20)});
     }
     const auto size = static_cast<std::size_t>(status.st_size);
     void* mapped = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.get(), 0);
@@ -130,7 +135,7 @@ FontBytes::~FontBytes() {
 }
 
 Wrapping checkWhole(const FontBytes& bytes) {
-    const auto start = bytes.part<4>(0, "the font header");
+    const auto start = bytes.part<4>(0, marked("the font header"));
     const std::uint32_t magic = number32(start.data());
     if (magic == tag("ttcf")) {
         checkCollection(bytes);
@@ -147,7 +152,7 @@ Wrapping checkWhole(const FontBytes& bytes) {
     if (start[0] == '%' && start[1] == '!') {
         return Wrapping::Single;
     }
-    throw bytes.error("not a TrueType, OpenType or Type 1 font (byte 0)");
+    throw bytes.error(FontFault::NotAFont);
 }
 
 } // namespace faces

@@ -2,14 +2,17 @@
 // A font file in memory, and the check that it is whole before anybody else looks at it.
 #pragma once
 
+#include "faces/fontfaults.h"
 #include "faces/fontfile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace faces {
 
@@ -25,16 +28,17 @@ public:
 
     [[nodiscard]] std::int64_t size() const { return static_cast<std::int64_t>(bytes_.size()); }
     [[nodiscard]] std::span<const std::uint8_t> all() const { return bytes_; }
-    [[nodiscard]] UnreadableFont error(const std::string& what) const {
-        return UnreadableFont(path_ + ": " + what);
+    [[nodiscard]] UnreadableFont error(FontFault fault,
+                                       std::initializer_list<std::string_view> values = {}) const {
+        return UnreadableFont(path_ + ": " + textOf(fault, values));
     }
 
-    /// Throws UnreadableFont when the file ends before them, inside `what`.
+    /// Throws UnreadableFont when the file ends before them, inside `what`, a marked text.
     template <std::size_t Count>
     [[nodiscard]] std::array<std::uint8_t, Count> part(std::int64_t offset,
-                                                       const std::string& what) const {
+                                                       const char* what) const {
         if (offset + static_cast<std::int64_t>(Count) > size()) {
-            throw error("ends at byte " + std::to_string(size()) + " inside " + what);
+            throw error(FontFault::EndsInside, {std::to_string(size()), what});
         }
         std::array<std::uint8_t, Count> result{};
         std::copy_n(bytes_.begin() + offset, Count, result.begin());

@@ -32,8 +32,7 @@ FontFileContents readFontFile(const std::string& path) {
     const std::string name = path.substr(path.rfind('/') + 1);
     auto faces = reader.read(bytes.all(), name.substr(0, name.rfind('.')));
     if (!faces || faces->empty()) {
-        throw bytes.error(faces ? "no face with a name, outlines and a supported format"
-                                : "FreeType finds no font in it");
+        throw bytes.error(faces ? FontFault::NoUsableFace : FontFault::UnknownToReader);
     }
     contents.faces = std::move(*faces);
     return contents;

@@ -4,6 +4,7 @@
 
 #include "manager/cli/arguments.h"
 #include "manager/cli/report.h"
+#include "manager/view/problemwords.h"
 
 #include <utility>
 
@@ -26,8 +27,9 @@ void Tally::fail(std::string_view problem) {
 }
 
 void Tally::remark(std::string_view problem) {
-    warn(problem);
-    problems_.push_back(problem);
+    const std::string words = problemInWords(problem);
+    warn(words);
+    problems_.push_back(words);
 }
 
 int Tally::finish(const char* whenEmpty) {

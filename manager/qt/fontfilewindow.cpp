@@ -4,6 +4,7 @@
 #include "manager/qt/progressline.h"
 #include "manager/qt/userprocess.h"
 #include "manager/view/facefacts.h"
+#include "manager/view/problemwords.h"
 #include "manager/view/texts.h"
 
 #include <QCloseEvent>
@@ -160,7 +161,7 @@ void FontFileWindow::startReading() {
 void FontFileWindow::take(const std::vector<FontFileOutcome>& outcomes) {
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         if (const auto* const problem = std::get_if<FontFileProblem>(&outcomes[i])) {
-            bad_.push_back(text(problem->text));
+            bad_.push_back(text(problemInWords(problem->text)));
             continue;
         }
         contents_[i] = std::get<ReadFont>(outcomes[i]).contents;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading one font file: names, technology, and what is refused.
+#include "faces/fontfaults.h"
 #include "faces/fontfile.h"
 #include "faces/namedecoder.h"
 #include "tests/support/fontmaker.h"
@@ -206,7 +207,17 @@ TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {
         const std::string text = problem(bytes);
         EXPECT_THAT(text, StartsWith(folder_.path().string() + "/font.ttf: "));
         EXPECT_THAT(text, HasSubstr(expected));
+        const auto fault = faultIn(text); // as who translates it finds it
+        ASSERT_TRUE(fault) << text;
+        EXPECT_EQ(fault->about, folder_.path().string() + "/font.ttf");
+        std::string again = fault->text;
+        for (std::size_t i = 0; i < fault->values.size(); ++i) {
+            again.replace(again.find("%" + std::to_string(i + 1)), 2, fault->values[i]);
+        }
+        EXPECT_EQ(fault->about + ": " + again, text);
     }
+    EXPECT_FALSE(faultIn("a: an empty file: b"));
+    EXPECT_FALSE(faultIn("an empty file"));
 }
 
 TEST_F(AFontFile, CutAtAnyLengthIsEitherReadOrRefused) {

@@ -92,7 +92,15 @@ TEST_F(TheProgram, EndsOrderlyAtTheKeysThatInterruptIt) {
 TEST_F(TheProgram, TellsProblemsInTheLanguageThatIsAskedForFirst) {
     const testsupport::Variable languages("LANGUAGE", "fr:de_AT:en");
     const std::string problem = "glyphora: " + sandbox_.root() + ": ist schon vorhanden;";
+    const std::string font = testsupport::makeFont({});
+    const std::string bad = sandbox_.write("bad.ttf", font.substr(0, 40));
+    const std::string cut = sandbox_.write("cut.ttf", font.substr(0, font.size() / 2));
     expectEach({{{"--translated", "collect", "--to", sandbox_.root(), "x"}, 1, problem},
+                {{"--translated", "add", sandbox_.library()},
+                 0,
+                 bad + ": endet bei Byte 40 in der Liste der Tabellen\nglyphora: " + cut +
+                     ": die Tabelle „"},
+                {{"list", "--problems"}, 0, bad + ": ends at byte 40 inside the table list"},
                 {{"--translated", "info", "77"}, 1, "Schrift Nr. 77: nicht in der Bibliothek"}});
 }
 
