@@ -218,6 +218,8 @@ TEST_F(AFontFile, IsRefusedWithItsNameAndThePlaceOfTheFault) {
     }
     EXPECT_FALSE(faultIn("a: an empty file: b"));
     EXPECT_FALSE(faultIn("an empty file"));
+    const auto named = faultIn("/a: an empty file/b: an empty file");
+    EXPECT_EQ(named ? named->about : "", "/a: an empty file/b");
 }
 
 TEST_F(AFontFile, CutAtAnyLengthIsEitherReadOrRefused) {
