@@ -2,6 +2,7 @@
 #include "manager/qt/fontfilewindow.h"
 
 #include "manager/qt/progressline.h"
+#include "manager/qt/startsize.h"
 #include "manager/qt/userprocess.h"
 #include "manager/view/facefacts.h"
 #include "manager/view/problemwords.h"
@@ -67,7 +68,7 @@ FontFileWindow::FontFileWindow(const WindowOptions& options, std::vector<std::st
          {QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)}) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
     }
-    resize(820, 660);
+    resize(startSize(*this, {820, 660}));
     showStanding();
     startReading();
 }

@@ -5,6 +5,7 @@
 #include "manager/library/folders.h"
 #include "manager/qt/filedrop.h"
 #include "manager/qt/progressline.h"
+#include "manager/qt/startsize.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
@@ -94,7 +95,7 @@ LibraryWindow::LibraryWindow(const WindowOptions& options)
     statusBar()->addPermanentWidget(count_);
     makeActions();
     new FileDrop(*this, [this](const QStringList& paths) { bring(paths); });
-    resize(1180, 720);
+    resize(startSize(*this, wantedSize));
     if (keeps_) {
         recall();
     }

@@ -37,6 +37,8 @@ public:
     LibraryWindow& operator=(const LibraryWindow&) = delete;
     ~LibraryWindow() override;
 
+    static constexpr QSize wantedSize{1180, 720}; ///< where the screen has room for it
+
     /// Comes to the front with what is asked for; as it is, when that is nothing.
     void open(const WindowRequest& request);
 

@@ -63,6 +63,7 @@ public:
     /// False: one could not be written.
     [[nodiscard]] bool take(const std::string& end) {
         end_ = end;
+        window_.resize(LibraryWindow::wantedSize); // whatever screen there is not
         const SidebarPlace begin = window_.sidebar().place();
         window_.searchField().clear();
         if (begin.kind == SidebarPlace::Kind::Drawing) {
