@@ -10,7 +10,6 @@
 #include <charconv>
 #include <cmath>
 #include <glib.h>
-#include <memory>
 #include <utility>
 
 namespace manager {
@@ -117,16 +116,6 @@ void addNumber(CLI::App& command, const std::string& name, const std::string& he
         }
         into = *number;
     });
-}
-
-std::u32string charactersOf(const std::string& text) {
-    glong length = 0;
-    const std::unique_ptr<gunichar, void (*)(gpointer)> characters(
-        g_utf8_to_ucs4(text.c_str(), -1, nullptr, &length, nullptr), g_free);
-    if (!characters) {
-        throw Error("not a text in UTF-8");
-    }
-    return {characters.get(), characters.get() + length};
 }
 
 } // namespace

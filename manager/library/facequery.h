@@ -61,4 +61,8 @@ struct FaceQuery {
     std::size_t limit = 100;
 };
 
+/// [any-thread] What FaceQuery::characters is for a text in UTF-8: line ends and their like are not
+/// asked for. Throws Error: it is none.
+[[nodiscard]] std::u32string charactersOf(const std::string& text);
+
 } // namespace manager

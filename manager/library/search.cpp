@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A query turned into one statement. Values that faces share are tested once each, not once a face.
+#include "faces/coverage.h"
 #include "faces/namekey.h"
+#include "manager/library/error.h"
 #include "manager/library/facelookup.h"
 #include "manager/library/library.h"
 #include "manager/library/packing.h"
@@ -8,6 +10,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <glib.h>
+#include <iterator>
+#include <memory>
+#include <set>
 #include <utility>
 #include <variant>
 
@@ -156,9 +162,14 @@ Conditions conditionsOf(const FaceQuery& query) {
         conditions.add("face.axes" + among(SharedKind::Axes, "instr(char(10) || value, ?)"),
                        {"\n" + tag + "\t"});
     }
-    for (const char32_t character : query.characters) {
+    if (!query.characters.empty()) { // all at once: a page of text has more than SQL can nest
+        faces::Coverage wanted;
+        for (const char32_t character :
+             std::set(query.characters.begin(), query.characters.end())) {
+            faces::addCharacter(wanted, character);
+        }
         conditions.add("face.coverage" + among(SharedKind::Coverage, "covers(value, ?)"),
-                       {static_cast<std::int64_t>(character)});
+                       {packCoverage(wanted)});
     }
     return conditions;
 }
@@ -199,12 +210,16 @@ void reaches(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
 }
 
 void covers(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
-    const auto character = static_cast<char32_t>(sqlite3_value_int64(values[1]));
     const auto coverage = unpackCoverage(textOf(values[0]));
-    const auto range =
-        std::partition_point(coverage.begin(), coverage.end(),
-                             [&](const auto& before) { return before.second < character; });
-    sqlite3_result_int(context, range != coverage.end() && range->first <= character ? 1 : 0);
+    const auto wanted = unpackCoverage(textOf(values[1]));
+    const bool all = std::all_of(wanted.begin(), wanted.end(), [&](const auto& range) {
+        char32_t character = range.first;
+        while (character <= range.second && faces::covers(coverage, character)) {
+            ++character;
+        }
+        return character > range.second;
+    });
+    sqlite3_result_int(context, all ? 1 : 0);
 }
 
 // Again and again for one connection does no harm.
@@ -217,6 +232,19 @@ void addFunctions(Database& database) {
 }
 
 } // namespace
+
+std::u32string charactersOf(const std::string& text) {
+    glong length = 0;
+    const std::unique_ptr<gunichar, void (*)(gpointer)> characters(
+        g_utf8_to_ucs4(text.c_str(), -1, nullptr, &length, nullptr), g_free);
+    if (!characters) {
+        throw Error("not a text in UTF-8");
+    }
+    std::u32string all;
+    std::copy_if(characters.get(), characters.get() + length, std::back_inserter(all),
+                 [](gunichar character) { return g_unichar_iscntrl(character) == 0; });
+    return all;
+}
 
 std::set<std::string> Library::tags(SharedKind kind) {
     const char* column = kind == SharedKind::Scripts     ? "scripts"

@@ -2,6 +2,7 @@
 #include "manager/qt/filterpanel.h"
 
 #include "manager/qt/flowlayout.h"
+#include "manager/view/featurenames.h"
 #include "manager/view/tagnames.h"
 #include "manager/view/texts.h"
 
@@ -35,6 +36,8 @@ QString nameOfTag(FilterKind kind, const std::string& tag) {
         return text(languageName(tag, locale));
     case FilterKind::Script:
         return text(scriptName(tag, locale));
+    case FilterKind::Axis:
+        return text(axisName(tag, {}));
     default:
         return text(tag);
     }

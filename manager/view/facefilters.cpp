@@ -31,8 +31,11 @@ const Kind& factsOf(FilterKind kind) {
         {FilterForm::Tag, "script", marked("Script")},
         {FilterForm::Tag, "language", marked("Language")},
         {FilterForm::Tag, "feature", marked("Feature")},
+        {FilterForm::Tag, "axis", marked("Axis")},
+        {FilterForm::Text, "characters", marked("Characters")},
         {FilterForm::Text, "foundry", marked("Foundry")},
         {FilterForm::Text, "licence", marked("Licence")},
+        {FilterForm::Text, "version", marked("Version")},
         {FilterForm::Flag, "variable", marked("Variable")},
         {FilterForm::Flag, "monospaced", marked("Fixed width")},
         {FilterForm::Flag, "colour", marked("In colour")},
@@ -149,11 +152,20 @@ void narrow(FaceQuery& query, FilterKind kind, const std::string& value) {
     case FilterKind::Feature:
         query.features = {value};
         break;
+    case FilterKind::Axis:
+        query.axes = {value};
+        break;
+    case FilterKind::Characters:
+        query.characters = charactersOf(value);
+        break;
     case FilterKind::Foundry:
         query.foundry = value;
         break;
     case FilterKind::Licence:
         query.licence = value;
+        break;
+    case FilterKind::Version:
+        query.version = value;
         break;
     case FilterKind::Variable:
         query.variable = true;
@@ -210,7 +222,8 @@ std::vector<std::string> filterChoices(FilterKind kind) {
 FilterTags readFilterTags(Library& library) {
     return {{FilterKind::Script, library.tags(SharedKind::Scripts)},
             {FilterKind::Language, library.tags(SharedKind::Languages)},
-            {FilterKind::Feature, library.tags(SharedKind::Features)}};
+            {FilterKind::Feature, library.tags(SharedKind::Features)},
+            {FilterKind::Axis, library.tags(SharedKind::Axes)}};
 }
 
 std::optional<FaceQuery> queryOf(const FilterValues& values) {

@@ -25,18 +25,22 @@ enum class FilterKind : std::uint8_t {
     Script,
     Language,
     Feature,
+    Axis,
+    Characters,
     Foundry,
     Licence,
+    Version,
     Variable,
     Monospaced,
     Colour,
     Embeddable,
 };
 inline constexpr std::array allFilterKinds{
-    FilterKind::State,      FilterKind::Class,   FilterKind::Weight,    FilterKind::Width,
-    FilterKind::Slant,      FilterKind::Format,  FilterKind::Script,    FilterKind::Language,
-    FilterKind::Feature,    FilterKind::Foundry, FilterKind::Licence,   FilterKind::Variable,
-    FilterKind::Monospaced, FilterKind::Colour,  FilterKind::Embeddable};
+    FilterKind::State,   FilterKind::Class,     FilterKind::Weight,     FilterKind::Width,
+    FilterKind::Slant,   FilterKind::Format,    FilterKind::Script,     FilterKind::Language,
+    FilterKind::Feature, FilterKind::Axis,      FilterKind::Characters, FilterKind::Foundry,
+    FilterKind::Licence, FilterKind::Version,   FilterKind::Variable,   FilterKind::Monospaced,
+    FilterKind::Colour,  FilterKind::Embeddable};
 
 /// What a filter's values are like.
 enum class FilterForm : std::uint8_t {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <numeric>
 
 using namespace manager;
 using namespace managertest;
@@ -78,6 +79,13 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
         {"axes", [](Query& q) { q.axes = {"GRAD"}; }, full},
         {"characters", [](Query& q) { q.characters = U"a~"; }, full},
         {"no characters", [](Query& q) { q.characters = U"[A"; }, full},
+        {"characters in any order, again", [](Query& q) { q.characters = U"b~aab"; }, full},
+        {"thousands of characters",
+         [](Query& q) {
+             q.characters.resize(5000);
+             std::iota(q.characters.begin(), q.characters.end(), U'a');
+         },
+         none},
         {"folder", [](Query& q) { q.folder = "/nowhere"; }, none},
         {"page", [](Query& q) { q.offset = 1; }, light},
     };

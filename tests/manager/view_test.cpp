@@ -264,6 +264,8 @@ TEST_F(AList, IsNarrowedByWhatTheIndexKnows) {
         face.licence = "free";
         face.embedding = 0;
         face.axes = {{"wght", "Weight", 200, 300, 400}};
+        face.coverage = {{U'ß', U'ß'}, {U'ö', U'ö'}};
+        face.version = "2.001";
         face.monospaced = face.colour = true;
     }
     add("bold.ttf", "Beta", "Bold", 700);
@@ -280,13 +282,15 @@ TEST_F(AList, IsNarrowedByWhatTheIndexKnows) {
         return shown({.alsoState = manager::stateOf(values)});
     };
     const std::map<FilterKind, std::pair<const char*, const char*>> ofAlphaOnly = {
-        {FilterKind::Class, {"2", "0"}},        {FilterKind::Weight, {"1", "6"}},
-        {FilterKind::Width, {"0", "2"}},        {FilterKind::Slant, {"1", "2"}},
-        {FilterKind::Format, {"2", "0"}},       {FilterKind::Script, {"Latn", "Cyrl"}},
-        {FilterKind::Language, {"de", "d"}},    {FilterKind::Feature, {"smcp", "liga"}},
-        {FilterKind::Foundry, {"y & c", "x"}},  {FilterKind::Licence, {"Free", "x"}},
-        {FilterKind::Variable, {"1", nullptr}}, {FilterKind::Monospaced, {"1", nullptr}},
-        {FilterKind::Colour, {"1", nullptr}},   {FilterKind::Embeddable, {"1", nullptr}}};
+        {FilterKind::Class, {"2", "0"}},          {FilterKind::Weight, {"1", "6"}},
+        {FilterKind::Width, {"0", "2"}},          {FilterKind::Slant, {"1", "2"}},
+        {FilterKind::Format, {"2", "0"}},         {FilterKind::Script, {"Latn", "Cyrl"}},
+        {FilterKind::Language, {"de", "d"}},      {FilterKind::Feature, {"smcp", "liga"}},
+        {FilterKind::Axis, {"wght", "wdth"}},     {FilterKind::Characters, {"öß\nö", "ßA"}},
+        {FilterKind::Version, {"2.0", "0"}},      {FilterKind::Foundry, {"y & c", "x"}},
+        {FilterKind::Licence, {"Free", "x"}},     {FilterKind::Variable, {"1", nullptr}},
+        {FilterKind::Monospaced, {"1", nullptr}}, {FilterKind::Colour, {"1", nullptr}},
+        {FilterKind::Embeddable, {"1", nullptr}}};
     for (const auto& [kind, values] : ofAlphaOnly) {
         EXPECT_THAT(narrowed({{kind, values.first}}), ElementsAre("Alpha: Light")) << titleOf(kind);
         if (values.second != nullptr) {

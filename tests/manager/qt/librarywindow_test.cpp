@@ -95,6 +95,9 @@ TEST_F(TheLibrarysWindow, LeavesAnOpenListOfAFilterAlone) {
     EXPECT_TRUE(box.view()->isVisible());
     box.hidePopup();
     EXPECT_TRUE(await([&] { return box.count() == 4; }));
+    filters.offer({{FilterKind::Axis, {"wght"}}});
+    EXPECT_EQ(static_cast<QComboBox&>(*filters.field(FilterKind::Axis)).itemText(1),
+              QStringLiteral("Weight (wght)"));
 }
 
 TEST_F(TheLibrarysWindow, SpeaksTheLanguageOfItsUser) {
