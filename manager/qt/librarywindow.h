@@ -137,6 +137,8 @@ private:
     /// In passing.
     void tell(const QString& text);
     void showCount();
+    /// What a screen reader is to tell of what has changed while the focus stays where it is.
+    void letHear(const QString& text);
 
     Places places_;
     bool keeps_; ///< how it is left

@@ -165,6 +165,7 @@ void LibraryWindow::collect() {
 
 void LibraryWindow::tell(const QString& text) {
     statusBar()->showMessage(text);
+    letHear(text);
 }
 
 } // namespace manager

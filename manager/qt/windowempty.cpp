@@ -30,6 +30,7 @@ QWidget* LibraryWindow::makeEmpty() {
     empty_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     empty_->setMargin(24);
     way_ = new QPushButton(page);
+    way_->setObjectName(QStringLiteral("way"));
     connect(way_, &QPushButton::clicked, this, [this] {
         if (const auto deed = wayOut_) { // it may set another one
             deed();
@@ -46,6 +47,7 @@ void LibraryWindow::setEmpty(const QString& why, const std::string& way,
                              std::function<void()> wayOut) {
     empty_->setText(why);
     way_->setText(text(way));
+    way_->setAccessibleDescription(why);
     way_->setVisible(wayOut != nullptr);
     way_->setEnabled(true);
     wayOut_ = std::move(wayOut);
@@ -63,6 +65,7 @@ void LibraryWindow::fail(const QString& problem) {
                  way_->setEnabled(false);
                  read();
              });
+    letHear(empty_->text());
     tellShown(problem);
 }
 

@@ -232,6 +232,15 @@ void LibraryWindow::showCount() {
                                    translated("%1 candidate", "%1 candidates", faces)
                              : translated("%1 family", "%1 families", families) + ", " +
                                    translated("%1 style", "%1 styles", faces)));
+    letHear(model_.rowCount() == 0 ? empty_->text() : count_->text());
+}
+
+void LibraryWindow::letHear(const QString& text) {
+    // A screen reader tells it of the one that has the focus.
+    for (QWidget* const widget : {static_cast<QWidget*>(search_), static_cast<QWidget*>(sidebar_),
+                                  static_cast<QWidget*>(list_)}) {
+        widget->setAccessibleDescription(text);
+    }
 }
 
 } // namespace manager

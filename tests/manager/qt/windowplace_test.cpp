@@ -2,6 +2,7 @@
 // The window while others change the library: nobody is torn from where he is.
 #include "tests/manager/qt/windowfixture.h"
 
+#include <QPushButton>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -74,6 +75,28 @@ TEST_F(TheLibrarysWindow, KeepsADrawingsFontsAsTheyWereLeftWhenNewsCome) {
     window_->sidebar().choose({.kind = SidebarPlace::Kind::Drawing});
     EXPECT_FALSE(list.isExpanded(window_->model().index(0, 0)));
     EXPECT_TRUE(list.isExpanded(thin()));
+}
+
+TEST_F(TheLibrarysWindow, LetsHearHowManyAreFoundAndWhyNoneAreWhereTheFocusIs) {
+    open();
+    const auto isHeard = [](QWidget& widget, const char* text) {
+        return await([&] {
+            return QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Description) ==
+                   QLatin1String(text);
+        });
+    };
+    EXPECT_TRUE(isHeard(window_->list(), "2 families, 3 styles"));
+    window_->searchField().setText(QStringLiteral("beta"));
+    EXPECT_TRUE(isHeard(window_->searchField(), "1 family, 1 style"));
+    window_->searchField().setText(QStringLiteral("betax"));
+    EXPECT_TRUE(isHeard(window_->searchField(), "No font has this in its names."));
+    EXPECT_TRUE(isHeard(*window_->findChild<QPushButton*>(QStringLiteral("way")),
+                        "No font has this in its names."));
+    window_->searchField().clear();
+    window_->sidebar().choose({SidebarPlace::Kind::State, FaceState::Away, {}});
+    EXPECT_TRUE(isHeard(window_->sidebar(), "There is no font here."));
+    window_->sidebar().choose({});
+    EXPECT_TRUE(isHeard(window_->list(), "2 families, 3 styles"));
 }
 
 } // namespace
