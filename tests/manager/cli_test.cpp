@@ -150,7 +150,7 @@ std::string textOf(const std::vector<GroupMember>& members) {
     return text;
 }
 
-TEST_F(AGroup, HasContainersOrSingleFilesOfThemAndIsAsBeforeWhenAChangeIsTakenBack) {
+TEST_F(AGroup, HasContainersOrSingleFilesAndIsAsBeforeWhatIsTakenBack) {
     const auto some = [](const std::string& name, std::set<std::string> files) {
         return GroupMember{ContainerId{1}, name, "/" + name, "", {}, std::move(files)};
     };

@@ -76,6 +76,7 @@ protected:
     void open(const manager::WindowRequest& request = {}) {
         window_ = std::make_unique<manager::LibraryWindow>(
             manager::WindowOptions{sandbox_.places(), GLYPHORA_PROGRAM, request});
+        window_->resize(manager::LibraryWindow::wantedSize); // the screen is small
         window_->show();
         ASSERT_TRUE(awaitActive(*window_));
         ASSERT_TRUE(await([this] { return window_->model().rowCount() != 0; }));

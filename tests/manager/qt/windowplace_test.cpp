@@ -77,7 +77,7 @@ TEST_F(TheLibrarysWindow, KeepsADrawingsFontsAsTheyWereLeftWhenNewsCome) {
     EXPECT_TRUE(list.isExpanded(thin()));
 }
 
-TEST_F(TheLibrarysWindow, LetsHearHowManyAreFoundAndWhyNoneAreWhereTheFocusIs) {
+TEST_F(TheLibrarysWindow, LetsHearWhereTheFocusIsWhatWasFound) {
     open();
     const auto isHeard = [](QWidget& widget, const char* text) {
         return await([&] {
