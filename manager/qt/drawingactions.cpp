@@ -93,7 +93,7 @@ void LibraryWindow::showDrawing(std::vector<CommandFont> fonts, const QString& n
     if (!isDrawingAwaited_) {
         sidebar_->choose({});
     }
-    reader_.setDrawing(std::move(fonts));
+    drawingNumber_ = reader_.setDrawing(std::move(fonts));
     collapsed_.clear();
     read();
     filters_->clear(); // they would hide what is asked for

@@ -65,9 +65,10 @@ void LibraryReader::finish() {
     QCoreApplication::sendPostedEvents(this, QEvent::User);
 }
 
-void LibraryReader::setDrawing(std::vector<CommandFont> fonts) {
+unsigned LibraryReader::setDrawing(std::vector<CommandFont> fonts) {
     const std::lock_guard lock(mutex_);
     drawing_ = std::move(fonts);
+    return ++drawingNumber_;
 }
 
 void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)> take) {
@@ -79,10 +80,12 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
     }
     run([this, take = std::move(take)](Desk& desk) -> Taker {
         std::vector<CommandFont> fonts;
+        unsigned number = 0;
         {
             const std::lock_guard lock(mutex_);
             isReadWaiting_ = false; // news from now on are not in it
             fonts = drawing_;
+            number = drawingNumber_;
         }
         FaceTable table(desk.library());
         const auto active = desk.activation().active([](const std::string&) {});
@@ -93,7 +96,7 @@ void LibraryReader::read(std::function<void(std::shared_ptr<const LibraryView>)>
         }
         FaceCopies copies(table, desk.library().duplicates());
         auto view = std::make_shared<const LibraryView>(LibraryView{
-            std::move(table), std::move(states), std::move(drawing), std::move(copies)});
+            std::move(table), std::move(states), std::move(drawing), std::move(copies), number});
         return [take, view = std::move(view)] { take(view); };
     });
 }

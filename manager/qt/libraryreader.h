@@ -54,8 +54,9 @@ public:
     void runNext(Work work);
     /// Waits until all that was asked for is done and taken.
     void finish();
-    /// Has every reading from now on find what there is for these fonts.
-    void setDrawing(std::vector<CommandFont> fonts);
+    /// Has every reading from now on find what there is for these fonts. The number of the drawing
+    /// that these readings have.
+    unsigned setDrawing(std::vector<CommandFont> fonts);
     /// Reads all of the library. Asked for again before that begins, it is read once.
     void read(std::function<void(std::shared_ptr<const LibraryView>)> take);
     /// Frees a view in the thread, as that takes long of a large one.
@@ -80,6 +81,7 @@ private:
     std::deque<Work> waiting_;
     std::deque<Taker> done_;
     std::vector<CommandFont> drawing_;
+    unsigned drawingNumber_ = 0;
     bool isReadWaiting_ = false;
     std::atomic<unsigned> newestQuery_ = 0;
     bool ends_ = false;

@@ -234,8 +234,9 @@ void LibraryWindow::takeSets(Groups groups, std::vector<std::string> folders) {
         return;
     }
     sidebar_->show(*view_, groups_, folders_);
-    // Not before: a reading that was under way brings a library without it.
-    if (!view_->drawing.empty() && std::exchange(isDrawingAwaited_, false)) {
+    // Not before: a reading that was under way brings a library without it, or with another one.
+    if (view_->drawingNumber == drawingNumber_ && !view_->drawing.empty() &&
+        std::exchange(isDrawingAwaited_, false)) {
         list_->selectionModel()->clear(); // the best for it is chosen
         sidebar_->choose({.kind = SidebarPlace::Kind::Drawing});
     }

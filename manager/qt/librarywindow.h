@@ -146,6 +146,7 @@ private:
     FaceModel model_;
     std::shared_ptr<const LibraryView> view_;
     std::shared_ptr<const LibraryView> nextView_; ///< to be shown with its sets
+    unsigned drawingNumber_ = 0;                  ///< of the one asked for last
     bool isDrawingAwaited_ = false;               ///< to be chosen once it is there
     bool isDrawingRead_ = true;                   ///< so far as one was asked for
     Groups groups_;

@@ -37,6 +37,7 @@ struct LibraryView {
     FaceStates states;
     std::vector<AskedFont> drawing = {}; ///< of the one that asked last
     FaceCopies copies = {};
+    unsigned drawingNumber = 0; ///< which of those that have asked it was
 };
 
 /// A family's faces that are shown, or a drawing's font with what may be used for it.
