@@ -9,7 +9,7 @@ namespace preview {
 std::size_t Cache::Entry::bytes() const {
     constexpr std::size_t housekeeping = 300; // of list, table and allocator, about
     return key.size() + answer->picture.pixels.size() + answer->problem.size() +
-           answer->missing.size() * sizeof(char32_t) + housekeeping;
+           answer->missing.size() * sizeof(char32_t) + answer->drawn.size() + housekeeping;
 }
 
 SharedAnswer Cache::find(std::string_view key, const FileIdentity& identity) {

@@ -24,8 +24,11 @@ struct Request {
     std::vector<AxisValue> axes = {};
     std::vector<std::string> features = {}; ///< "smcp", "liga=0"
     std::string text = {};                  ///< UTF-8
-    std::uint32_t pixels = 24;              ///< the em's height
-    double scale = 1;                       ///< of the screen: a picture is this much larger
+    /// Where the face lacks a character of `text`, the first of these that it has whole is drawn.
+    std::vector<std::string> others = {};
+    bool orOwn = false;        ///< and where it has none, characters that it has
+    std::uint32_t pixels = 24; ///< the em's height
+    double scale = 1;          ///< of the screen: a picture is this much larger
 };
 
 enum class PixelForm : std::uint8_t {
@@ -44,7 +47,8 @@ struct Picture {
 struct Answer {
     std::string problem = {};    ///< "PATH: ..."; empty: there is a picture
     Picture picture = {};        ///< a line too long for the limits is cut at its right
-    std::u32string missing = {}; ///< each character that the face lacks, once
+    std::u32string missing = {}; ///< each character of the text that the face lacks, once
+    std::string drawn = {};      ///< the text that is in the picture
 };
 
 inline constexpr std::uint32_t maximumPixels = 256;
@@ -53,6 +57,7 @@ inline constexpr double maximumScale = 4;
 inline constexpr double maximumAxisValue = 32767; ///< and its negative
 inline constexpr std::size_t maximumPath = 4096;
 inline constexpr std::size_t maximumText = 4096;
+inline constexpr std::size_t maximumOthers = 4;
 inline constexpr std::size_t maximumAxes = 64;
 inline constexpr std::size_t maximumFeatures = 64;
 inline constexpr std::size_t maximumFeature = 64;

@@ -2,6 +2,7 @@
 // Writing messages, and reading them with every length checked against what is there.
 #include "preview/wire.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace preview {
@@ -95,14 +96,16 @@ std::string overstepped(const Request& request) {
         request.file.find('\0') != std::string::npos) {
         return "the path is empty, too long or has a null";
     }
-    if (request.text.size() > maximumText) {
+    const auto isLong = [](const std::string& text) { return text.size() > maximumText; };
+    if (isLong(request.text) || std::any_of(request.others.begin(), request.others.end(), isLong)) {
         return "the text is longer than " + std::to_string(maximumText) + " bytes";
     }
     if (!isWithin(request.pixels, 1, maximumPixels) ||
         !isWithin(request.scale, minimumScale, maximumScale)) {
         return "the size is none that can be drawn";
     }
-    bool good = request.axes.size() <= maximumAxes && request.features.size() <= maximumFeatures;
+    bool good = request.others.size() <= maximumOthers && request.axes.size() <= maximumAxes &&
+                request.features.size() <= maximumFeatures;
     for (const AxisValue& axis : request.axes) {
         good = good && axis.tag.size() == tagSize &&
                isWithin(axis.value, -maximumAxisValue, maximumAxisValue);
@@ -110,7 +113,7 @@ std::string overstepped(const Request& request) {
     for (const std::string& feature : request.features) {
         good = good && feature.size() <= maximumFeature;
     }
-    return good ? std::string() : "the axes or features are too many or malformed";
+    return good ? std::string() : "the axes, features or texts are too many or malformed";
 }
 
 std::string encode(const Order& order) {
@@ -122,6 +125,11 @@ std::string encode(const Order& order) {
     out.fraction(request.scale);
     out.text(request.file);
     out.text(request.text);
+    out.number(request.others.size());
+    for (const std::string& other : request.others) {
+        out.text(other);
+    }
+    out.number(request.orOwn ? 1U : 0U);
     out.number(request.axes.size());
     for (const AxisValue& axis : request.axes) {
         out.raw(axis.tag);
@@ -155,6 +163,7 @@ std::string encode(const Answer& answer) {
     for (const char32_t c : answer.missing) {
         out.number(c);
     }
+    out.text(answer.drawn);
     out.raw(answer.picture.pixels);
     return out.message();
 }
@@ -174,6 +183,12 @@ std::optional<Order> decodeOrder(std::string_view body) {
     request.scale = in.fraction();
     request.file = in.text();
     request.text = in.text();
+    request.others.resize(in.count(maximumOthers));
+    for (std::string& other : request.others) {
+        other = in.text();
+    }
+    const std::uint32_t orOwn = in.number();
+    request.orOwn = orOwn == 1;
     request.axes.resize(in.count(maximumAxes));
     for (AxisValue& axis : request.axes) {
         axis.tag = in.raw(tagSize);
@@ -183,7 +198,8 @@ std::optional<Order> decodeOrder(std::string_view body) {
     for (std::string& feature : request.features) {
         feature = in.text();
     }
-    if (in.failed() || task > 1 || !in.rest().empty() || !overstepped(request).empty()) {
+    if (in.failed() || task > 1 || orOwn > 1 || !in.rest().empty() ||
+        !overstepped(request).empty()) {
         return std::nullopt;
     }
     return order;
@@ -216,6 +232,7 @@ std::optional<Answer> decodeAnswer(std::string_view body) {
     for (char32_t& c : answer.missing) {
         c = in.number();
     }
+    answer.drawn = in.text();
     answer.picture.pixels = in.rest();
     if (in.failed() || form > 1 || !isWhole(answer.picture)) {
         return std::nullopt;

@@ -3,10 +3,11 @@
 //
 // A message is the length of its body, then the body. Numbers are little-endian, 32 bits, those
 // with fractions in 1/65536. A text is its length and its bytes.
-//   order:   task, face, pixels, scale, file, text, count of axes (tag as four bytes, value),
-//            count of features (text)
+//   order:   task, face, pixels, scale, file, text, count of other texts (text), own characters
+//            (1 or 0), count of axes (tag as four bytes, value), count of features (text)
 //   look:    problem, the five numbers of an identity, each as its lower and its higher half
-//   answer:  form, width, height, baseline, problem, count of missing characters, these, the pixels
+//   answer:  form, width, height, baseline, problem, count of missing characters, these, the text
+//            that was drawn, the pixels
 // An order to look is answered by a look, one to draw by an answer.
 #pragma once
 

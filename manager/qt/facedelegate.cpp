@@ -192,11 +192,14 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
         note(translated("its folder is away"));
         return;
     }
-    const std::string text = text_.empty() ? table.families()[face.family].name : text_;
-    const double scale = painter.device()->devicePixelRatioF();
+    const bool isOwn = !text_.empty();
+    preview::FaceLine line{table.pathOf(face), face.index,
+                           isOwn ? text_ : table.families()[face.family].name, pixels_,
+                           painter.device()->devicePixelRatioF()};
+    line.others = {QString::fromStdString(line.text).toUpper().toStdString()};
+    line.orOwn = !isOwn;
     // A family and its best face show the same line.
-    const preview::SharedAnswer answer =
-        samples_.readableLine(*row.sample, {table.pathOf(face), face.index, text, pixels_, scale});
+    const preview::SharedAnswer answer = samples_.line(*row.sample, line);
     if (answer == nullptr) {
         return;
     }
@@ -204,15 +207,11 @@ void FaceDelegate::paintSample(QPainter& painter, const QStyleOptionViewItem& op
         note(translated("cannot be drawn"));
         return;
     }
-    if (text_.empty() && !answer->missing.empty()) {
-        note(translated("lacks letters of its name"));
-        return;
-    }
     constexpr double capitals = 0.35; // half of their height
-    preview::drawFace(
-        painter, answer->picture, scale,
-        {QRectF(area), area.height() / 2.0 + capitals * pixels_, preview::runsFromTheRight(text)},
-        colours.text);
+    preview::drawFace(painter, answer->picture, line.scale,
+                      {QRectF(area), area.height() / 2.0 + capitals * pixels_,
+                       preview::runsFromTheRight(answer->drawn)},
+                      colours.text);
 }
 
 } // namespace manager

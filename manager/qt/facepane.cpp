@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/facepane.h"
 
+#include "faces/remark.h"
 #include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 
@@ -223,12 +224,16 @@ void FacePane::applyLook() {
 }
 
 void FacePane::showText() {
-    std::string words = sample_->text().toStdString();
-    if (words.empty()) {
-        words = shown_.size() < 2 ? translated("The quick brown fox jumps over the lazy dog")
-                                  : translated("Hamburgefonstiv 0123456789");
+    if (const std::string own = sample_->text().toStdString(); !own.empty()) {
+        waterfall_->setText(own);
+    } else if (shown_.size() < 2) {
+        constexpr const char* english =
+            faces::marked("The quick brown fox jumps over the lazy dog");
+        const std::string words = translated(english);
+        waterfall_->setSampleTexts({words, text(words).toUpper().toStdString(), english});
+    } else {
+        waterfall_->setSampleTexts({translated("Hamburgefonstiv 0123456789")});
     }
-    waterfall_->setText(words, !sample_->text().isEmpty());
 }
 
 } // namespace manager

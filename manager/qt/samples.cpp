@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/samples.h"
 
-#include <QString>
-
 #include <utility>
 
 namespace manager {
-
-namespace {
-
-constexpr Samples::Key inCapitals = Samples::Key{1} << 63U; ///< beside the line itself
-
-} // namespace
 
 preview::SharedAnswer Samples::line(Key key, const preview::FaceLine& line) {
     Line& known = lines_[key];
@@ -30,19 +22,14 @@ preview::SharedAnswer Samples::line(Key key, const preview::FaceLine& line) {
         Line& asked = lines_[key];
         asked.asked = 0;
         asked.answer = answer;
-        changed_(key & ~inCapitals);
+        changed_(key);
     });
     return known.answer;
 }
 
-preview::SharedAnswer Samples::readableLine(Key key, preview::FaceLine line) {
-    preview::SharedAnswer written = this->line(key, line);
-    if (written == nullptr || written->missing.empty()) {
-        return written;
-    }
-    line.text = QString::fromStdString(line.text).toUpper().toStdString();
-    preview::SharedAnswer capitals = this->line(key | inCapitals, line);
-    return capitals == nullptr || capitals->missing.empty() ? capitals : written;
+std::string Samples::drawn(Key key) const {
+    const auto line = lines_.find(key);
+    return line != lines_.end() && line->second.answer != nullptr ? line->second.answer->drawn : "";
 }
 
 bool Samples::isFailed(Key key) const {
@@ -58,7 +45,7 @@ void Samples::keep(const std::function<bool(Key)>& isSeen) {
     const bool tooMany = lines_.size() > many;
     std::erase_if(lines_, [&](const auto& entry) {
         const Line& line = entry.second;
-        if ((line.asked == 0 && !tooMany) || isSeen(entry.first & ~inCapitals)) {
+        if ((line.asked == 0 && !tooMany) || isSeen(entry.first)) {
             return false;
         }
         faces_.cancel(line.asked);

@@ -13,7 +13,7 @@ namespace manager {
 /// [main-thread] Lines by a number that their user gives them.
 class Samples {
 public:
-    using Key = std::uint64_t; ///< below 2^63
+    using Key = std::uint64_t;
 
     /// `changed` is called from the loop when the line of a key has come.
     Samples(preview::Faces& faces, std::function<void(Key)> changed)
@@ -25,8 +25,8 @@ public:
     /// The line, where it has come; else it is asked for and null is given, or what came before
     /// where only axes and features differ.
     [[nodiscard]] preview::SharedAnswer line(Key key, const preview::FaceLine& line);
-    /// The same; in capitals where the face has these, but not all of the letters.
-    [[nodiscard]] preview::SharedAnswer readableLine(Key key, preview::FaceLine line);
+    /// What is in the picture of a line that has come; empty: none has.
+    [[nodiscard]] std::string drawn(Key key) const;
     /// Whether a line has come that cannot be drawn.
     [[nodiscard]] bool isFailed(Key key) const;
     /// Cancels those that are waited for and not seen any more.

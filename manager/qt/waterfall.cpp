@@ -46,9 +46,18 @@ void Waterfall::setLook(const ShownFace& face) {
     viewport()->update();
 }
 
-void Waterfall::setText(const std::string& text, bool isOwn) {
+void Waterfall::setText(const std::string& text) {
     text_ = text;
-    isOwn_ = isOwn;
+    others_.clear();
+    isOwn_ = true;
+    layOut();
+}
+
+void Waterfall::setSampleTexts(std::vector<std::string> texts) {
+    text_ = texts.front();
+    texts.erase(texts.begin());
+    others_ = std::move(texts);
+    isOwn_ = false;
     layOut();
 }
 
@@ -90,11 +99,15 @@ void Waterfall::describe() {
         names += (names.empty() ? "" : ", ") + face.name;
     }
     std::string outcome;
+    std::string drawn = text_;
     for (std::size_t i = 0; i < lines_.size() && outcome.empty(); ++i) {
         outcome = samples_.isFailed(i) ? ", " + translated("cannot be drawn") : "";
+        if (const std::string come = samples_.drawn(i); drawn == text_ && !come.empty()) {
+            drawn = come;
+        }
     }
     setAccessibleName(QString::fromStdString(translated("Preview")));
-    setAccessibleDescription(QString::fromStdString(names + ": " + text_ + outcome));
+    setAccessibleDescription(QString::fromStdString(names + ": " + drawn + outcome));
 }
 
 void Waterfall::resizeEvent(QResizeEvent* /*event*/) {
@@ -138,10 +151,9 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
         }
         painter.setPen(label);
         painter.drawText(QRect(margin, top, width, labelHeight), Qt::AlignLeft, name);
-        const preview::FaceLine wanted{face.file, face.index, text_,        line.pixels,
-                                       scale,     face.axes,  face.features};
         const preview::SharedAnswer answer =
-            isOwn_ ? samples_.line(i, wanted) : samples_.readableLine(i, wanted);
+            samples_.line(i, {face.file, face.index, text_, line.pixels, scale, face.axes,
+                              face.features, others_, !isOwn_});
         const QRectF area(margin, top + labelHeight, width, line.height - labelHeight);
         if (answer == nullptr) {
             continue;
@@ -152,7 +164,8 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
             continue;
         }
         preview::drawFace(painter, answer->picture, scale,
-                          {area, baselines * line.pixels, preview::runsFromTheRight(text_)}, ink);
+                          {area, baselines * line.pixels, preview::runsFromTheRight(answer->drawn)},
+                          ink);
     }
 }
 

@@ -21,8 +21,10 @@ public:
     void setFaces(std::vector<ShownFace> faces);
     /// Draws the one face that is shown otherwise, at the place that is looked at.
     void setLook(const ShownFace& face);
-    /// `isOwn`: the user's own, which is drawn letter by letter as it is.
-    void setText(const std::string& text, bool isOwn);
+    /// The user's own, which is drawn letter by letter as it is.
+    void setText(const std::string& text);
+    /// The first of these that a face has whole, else characters that it has; at least one.
+    void setSampleTexts(std::vector<std::string> texts);
     /// What stands there while there are no faces.
     void setEmptyNote(const QString& note) { emptyNote_ = note; }
     void setSizes(std::vector<unsigned> sizes);
@@ -45,6 +47,7 @@ private:
 
     std::vector<ShownFace> shown_;
     std::string text_;
+    std::vector<std::string> others_;
     bool isOwn_ = false;
     QString emptyNote_;
     std::vector<unsigned> sizes_{12, 16, 20, 24, 32, 48, 72, 96};

@@ -3,7 +3,7 @@
 #include "preview/drawing/draw.h"
 
 #include "preview/drawing/canvas.h"
-#include "preview/drawing/shape.h"
+#include "preview/drawing/readable.h"
 
 #include FT_GLYPH_H
 
@@ -124,7 +124,7 @@ Answer Drawer::draw(const Request& request) {
             face_.emplace(library_.get(), request);
         }
         face_->set(request);
-        ShapedLine line = shape(*face_, request);
+        auto [text, line] = readable(*face_, request);
         const std::vector<LoadedGlyph> glyphs = load(*face_, line);
         const double scale = face_->strikeScale();
         const Frame frame =
@@ -136,6 +136,7 @@ Answer Drawer::draw(const Request& request) {
         }
         answer.picture = std::move(canvas).picture(frame.top);
         answer.missing = std::move(line.missing);
+        answer.drawn = std::move(text);
     } catch (const FontError& problem) {
         answer.problem = problem.what();
     }

@@ -43,6 +43,10 @@ Faces::Id Faces::ask(const FaceLine& line, Arrived arrived) {
     request.axes = line.axes;
     request.features = line.features;
     request.text = sys::cutText(line.text, maximumText);
+    for (const std::string& other : line.others) {
+        request.others.emplace_back(sys::cutText(other, maximumText));
+    }
+    request.orOwn = line.orOwn;
     request.pixels = line.pixels;
     request.scale = std::clamp(line.scale, minimumScale, maximumScale);
     const Id id = previewer_->request(std::move(request));

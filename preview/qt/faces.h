@@ -29,6 +29,8 @@ struct FaceLine {
     double scale = 1;    ///< of the screen
     std::vector<AxisValue> axes = {};
     std::vector<std::string> features = {};
+    std::vector<std::string> others = {}; ///< as in Request, and so the next
+    bool orOwn = false;
     bool operator==(const FaceLine&) const = default;
 };
 

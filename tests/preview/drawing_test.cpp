@@ -45,6 +45,31 @@ std::size_t inkOf(const Picture& picture) {
         std::ranges::count_if(picture.pixels, [](char c) { return c != '\0'; }));
 }
 
+TEST_F(ALine, IsOfTheFirstTextThatTheFaceHasOrOfItsOwnCharacters) {
+    const std::string lacked = "a\u6f22b";
+    const struct {
+        std::string text;
+        std::vector<std::string> others;
+        bool orOwn;
+        std::string drawn;
+    } cases[] = {
+        {"ab", {"cd"}, true, "ab"},
+        {lacked, {}, false, lacked},
+        {lacked, {lacked}, false, lacked},
+        {lacked, {"\u5b57", "Hamburg", "x"}, true, "Hamburg"},
+        {lacked, {"\u5b57"}, true, "ABCDEFGHIJKL"},
+    };
+    for (const auto& [text, others, orOwn, drawn] : cases) {
+        const Answer answer =
+            draw({.file = dejaVu, .text = text, .others = others, .orOwn = orOwn});
+        EXPECT_EQ(answer.drawn, drawn);
+        EXPECT_EQ(answer.missing, text == lacked ? U"\u6f22" : U"");
+        if (drawn != lacked) {
+            EXPECT_EQ(answer.picture.pixels, dejaVuPicture(drawn).pixels);
+        }
+    }
+}
+
 TEST_F(ALine, HasInkAndGrowsWithItsSizeAndScale) {
     const Picture small = dejaVuPicture("Hamburg");
     const Picture large = picture({.file = dejaVu, .text = "Hamburg", .pixels = 48});

@@ -242,11 +242,13 @@ TEST_F(APreview, IsRefusedWhereNothingCanBeDrawn) {
     const double none = std::numeric_limits<double>::quiet_NaN();
     const std::vector<std::pair<Request, std::string>> refused = {
         {{.file = font_, .text = std::string(maximumText + 1, 'x')}, "the text is longer"},
+        {{.file = font_, .others = {std::string(maximumText + 1, 'x')}}, "the text is longer"},
+        {{.file = font_, .others = {maximumOthers + 1, "x"}}, "the axes, features"},
         {{.file = font_, .pixels = 0}, "the size is none"},
         {{.file = font_, .scale = none}, "the size is none"},
-        {{.file = font_, .axes = {{"wght", none}}}, "the axes or features"},
-        {{.file = font_, .axes = {{"wg", 1}}}, "the axes or features"},
-        {{.file = font_, .features = {maximumFeatures + 1, "kern"}}, "the axes or features"},
+        {{.file = font_, .axes = {{"wght", none}}}, "the axes, features"},
+        {{.file = font_, .axes = {{"wg", 1}}}, "the axes, features"},
+        {{.file = font_, .features = {maximumFeatures + 1, "kern"}}, "the axes, features"},
         {{.file = "/nowhere"}, "No such file or directory"},
     };
     Previewer previewer(awkward_);

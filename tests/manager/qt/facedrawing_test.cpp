@@ -80,10 +80,11 @@ TEST(ALine, StandsInCapitalsWhereAFaceHasNoOtherLetters) {
     int changes = 0;
     Samples samples(faces, [&changes](Samples::Key key) { changes += key == 7 ? 1 : 100; });
     const auto read = [&](const std::string& text) {
-        const preview::FaceLine line{file, 0, text, 24};
+        preview::FaceLine line{file, 0, text, 24};
+        line.others = {QString::fromStdString(text).toUpper().toStdString()};
         preview::SharedAnswer answer;
         samples.clear();
-        EXPECT_TRUE(await([&] { return (answer = samples.readableLine(7, line)) != nullptr; }));
+        EXPECT_TRUE(await([&] { return (answer = samples.line(7, line)) != nullptr; }));
         return *answer;
     };
     const preview::Answer capitals = read("LILY");
