@@ -6,6 +6,7 @@
 #include "manager/view/texts.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
 namespace manager {
@@ -41,6 +42,8 @@ std::string paragraph(const std::string& title, std::string_view words) {
 } // namespace
 
 std::string textOf(const std::vector<CollectedFile>& files) {
+    constexpr std::size_t paragraphs = 200;   // bytes: longer ones are not repeated
+    std::map<std::string, std::string> known; // by a text, the file where it is told
     std::string text;
     for (const CollectedFile& file : files) {
         text += printable(file.path) + "\n";
@@ -52,7 +55,13 @@ std::string textOf(const std::vector<CollectedFile>& files) {
         for (const CollectedFace& face : file.faces) {
             text += "  " + printable(face.name) + "\n";
             for (const FaceFact& fact : factsOf(face.facts)) {
-                text += paragraph(fact.title, fact.words);
+                std::string words = fact.words;
+                if (words.size() >= paragraphs) {
+                    const auto [place, isNew] = known.emplace(words, printable(file.path));
+                    words =
+                        isNew ? words : filled(translated("the same as of %1"), {place->second});
+                }
+                text += paragraph(fact.title, words);
             }
         }
     }

@@ -102,14 +102,16 @@ TEST_F(ACollection, SaysInTheUsersLanguageWhatFontsSayOfLicences) {
     const std::string words(400, 'x');
     font("a/long.ttf", "Long", "First\r\n\n" + words + "\rlast\n");
     font("a/none.ttf", "None");
+    font("a/other.ttf", "Other", "First\r\n\n" + words + "\rlast\n");
     expectEach({{{"add", sandbox_.library()}, 0, "added"}});
     const Variable language("LANGUAGE", "de");
     expectEach({
-        {{"collect", "--to", target_, "Long", "None"}, 0, "copied Long/long.ttf"},
+        {{"collect", "--to", target_, "Long", "None", "Other"}, 0, "copied Long/long.ttf"},
         {{"collect", "--to", target_, "Long"}, 1, "is there already"},
     });
     EXPECT_THAT(list(), HasSubstr("    Lizenz: First\n\n      " + words + "\n      last\n"));
     EXPECT_THAT(list(), HasSubstr("    Lizenz: die Datei nennt keine\n    Einbetten: "));
+    EXPECT_THAT(list(), HasSubstr("    Lizenz: wie bei Long/long.ttf\n"));
     EXPECT_THAT(list(), Not(HasSubstr("Licence")));
     const auto told = nlohmann::json::parse(
         glyphora({"--translated", "collect", "--json", "--to", target_ + "2", "Long"}).output);
