@@ -2,6 +2,7 @@
 // Recording folders and scanning them.
 #include "manager/cli/libraryops.h"
 
+#include "faces/fontfile.h"
 #include "manager/cli/announce.h"
 #include "manager/cli/arguments.h"
 #include "manager/cli/bringing.h"
@@ -244,6 +245,8 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
             options.request.drawings.push_back(std::filesystem::absolute(word).string());
         } else if (meansFontFile(word)) {
             options.request.files.push_back(std::filesystem::absolute(word).string());
+        } else if (faces::hasFontFileName(word)) {
+            throw Error(word + ": there is no such file");
         } else {
             search += (search.empty() ? "" : " ") + word;
         }

@@ -58,13 +58,18 @@ bool savePicture(Window& window, const std::filesystem::path& file) {
 class Pictures {
 public:
     Pictures(LibraryWindow& window, std::filesystem::path folder)
-        : window_(window), folder_(std::move(folder)) {}
+        : window_(window), folder_(std::move(folder)), words_(window.searchField().text()) {}
 
     /// False: one could not be written.
     [[nodiscard]] bool take(const std::string& end) {
         end_ = end;
         window_.resize(LibraryWindow::wantedSize); // whatever screen there is not
         const SidebarPlace begin = window_.sidebar().place();
+        if (!words_.isEmpty()) {
+            window_.searchField().setText(words_);
+            chooseFirst();
+            save("search");
+        }
         window_.searchField().clear();
         if (begin.kind == SidebarPlace::Kind::Drawing) {
             save("drawing");
@@ -166,6 +171,7 @@ private:
 
     LibraryWindow& window_;
     std::filesystem::path folder_;
+    QString words_; ///< that are searched for at first
     std::string end_;
     bool failed_ = false;
 };

@@ -227,11 +227,16 @@ void LibraryWindow::showCount() {
     const FaceListing& listing = model_.listing();
     const std::size_t families = listing.families().size();
     const std::size_t faces = listing.faces().size();
-    count_->setText(text(listing.filter().isDrawing
-                             ? translated("%1 font", "%1 fonts", families) + ", " +
-                                   translated("%1 candidate", "%1 candidates", faces)
-                             : translated("%1 family", "%1 families", families) + ", " +
-                                   translated("%1 style", "%1 styles", faces)));
+    if (listing.filter().isDrawing) {
+        constexpr int most = 300; // pixels of the drawing's name
+        const QString name = count_->fontMetrics().elidedText(drawingName_, Qt::ElideMiddle, most);
+        count_->setText((name.isEmpty() ? name : name + QStringLiteral(": ")) +
+                        text(translated("%1 font", "%1 fonts", families) + ", " +
+                             translated("%1 candidate", "%1 candidates", faces)));
+    } else {
+        count_->setText(text(translated("%1 family", "%1 families", families) + ", " +
+                             translated("%1 style", "%1 styles", faces)));
+    }
     letHear(model_.rowCount() == 0 ? empty_->text() : count_->text());
 }
 

@@ -62,7 +62,8 @@ TEST_F(AFontFileForTheSession, IsThereForItAlone) {
                 {{"activate", "--until-logout", lone_}, 0, "activated Lone"},
                 {{"list"}, 0, runtime_ + "/glyphora-fonts-"},
                 {{"add", lone_}, 0, "as " + sandbox_.places().singleFonts() + "/lone.ttf"},
-                {{"show", bad}, 1, bad + ": "}});
+                {{"show", bad}, 1, bad + ": "},
+                {{"show", "nosuch.TTF"}, 1, "nosuch.TTF: there is no such file"}});
     const auto sets = [&] {
         return nlohmann::json::parse(glyphora({"status", "--json"}).output)["active"].size();
     };

@@ -66,6 +66,14 @@ TEST_F(PicturesOfTheWindow, ShowTheDrawingThatIsNamed) {
     }
 }
 
+TEST_F(PicturesOfTheWindow, ShowWhatIsSearchedFor) {
+    const Ending ending = show(toFolder_ + QStringList{QStringLiteral("alpha")});
+    EXPECT_EQ(ending.status, 0) << ending.problems;
+    EXPECT_FALSE(picture("search-dark").isNull());
+    EXPECT_NE(picture("search"), picture("library"));
+    EXPECT_NE(picture("search"), picture("nothing"));
+}
+
 TEST_F(PicturesOfTheWindow, TellOfADrawingThatCannotBeShown) {
     const std::string own = draw("own.svg", "serif");
     EXPECT_EQ(show(toFolder_ + QStringList{QString::fromStdString(own)}).status, 0);
