@@ -75,10 +75,17 @@ void addRange(Conditions& conditions, const char* column, const char* axis,
     if (!range) {
         return;
     }
+    // A variable font is found by those of its instances that are so, or, where it has none, by the
+    // first of them: who looks for bold faces is not to be shown all the others.
     const std::string name(column);
-    conditions.add(name + " BETWEEN ? AND ? OR face.axes" +
-                       among(SharedKind::Axes, "reaches(value, ?, ?, ?)"),
-                   {range->from, range->to, std::string(axis), range->from, range->to});
+    conditions.add("face." + name + " BETWEEN ? AND ? OR (face.axes" +
+                       among(SharedKind::Axes, "reaches(value, ?, ?, ?)") +
+                       " AND NOT EXISTS (SELECT 1 FROM face AS other WHERE other.file = face.file"
+                       " AND other.number & 65535 = face.number & 65535"
+                       " AND (other.number < face.number OR other." +
+                       name + " BETWEEN ? AND ?)))",
+                   {range->from, range->to, std::string(axis), range->from, range->to, range->from,
+                    range->to});
 }
 
 void addTags(Conditions& conditions, const std::string& column, SharedKind kind,
@@ -143,8 +150,8 @@ Conditions conditionsOf(const FaceQuery& query) {
     Conditions conditions;
     addPlace(conditions, query);
     addTexts(conditions, query);
-    addRange(conditions, "face.weight", "wght", query.weight);
-    addRange(conditions, "face.width", "wdth", query.width);
+    addRange(conditions, "weight", "wght", query.weight);
+    addRange(conditions, "width", "wdth", query.width);
     addOneOf(conditions, "face.slant", query.slants);
     addOneOf(conditions, "face.technology", query.technologies);
     addOneOf(conditions, "face.classification", query.classifications);

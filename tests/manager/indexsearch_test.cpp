@@ -2,6 +2,7 @@
 // What is found in the index, what is counted there, and indexes of older schemas.
 #include "manager/library/database.h"
 #include "tests/manager/indexfixture.h"
+#include "tests/support/fontmaker.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -96,6 +97,34 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
             EXPECT_EQ(found(query), expected) << name << of;
         }
         goBackTo(4);
+    }
+}
+
+TEST_F(AnIndex, FindsInstancesOfAVariableFontElseTheFontWhoseAxisReaches) {
+    using Recipe = testsupport::FontRecipe;
+    for (const auto& [file, recipe] :
+         {std::pair{"v.ttf", Recipe{.family = "V", .instances = {"Medium", "Demi", "Bold"}}},
+          std::pair{"plain.ttf", Recipe{.family = "Plain", .weight = 700}}}) {
+        sandbox_.write(file, testsupport::makeFont(recipe));
+    }
+    updateLibrary(*library_, std::vector{root_}, FontReaderLimits{});
+    const struct {
+        Range weights;
+        std::vector<std::string> found;
+    } cases[] = {
+        {{600, 700}, {"Plain Regular", "V Bold", "V Demi"}},
+        {{350, 450}, {"V Regular"}},
+        {{850, 900}, {"V Regular"}},
+        {{901, 950}, {}},
+    };
+    for (const auto& [weights, expected] : cases) {
+        FaceQuery query;
+        query.weight = weights;
+        std::vector<std::string> names;
+        for (const FaceMatch& face : library_->search(query).faces) {
+            names.push_back(face.familyName + " " + face.styleName);
+        }
+        EXPECT_THAT(names, testing::UnorderedElementsAreArray(expected)) << weights.from;
     }
 }
 
