@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/charactergrid.h"
 
+#include "manager/qt/text.h"
 #include "manager/view/characters.h"
 #include "manager/view/texts.h"
 
@@ -38,10 +39,6 @@ public:
 private:
     CharacterGrid& grid_;
 };
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 } // namespace
 

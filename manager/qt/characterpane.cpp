@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/characterpane.h"
 
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QItemSelectionModel>
@@ -10,14 +11,6 @@
 #include <utility>
 
 namespace manager {
-
-namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
-
-} // namespace
 
 CharacterPane::CharacterPane(preview::Faces& faces, QWidget* parent) : QWidget(parent) {
     auto* const column = new QVBoxLayout(this);

@@ -2,6 +2,7 @@
 // Drawings in the window: dropped on it, what they use is listed, and can be made a collection.
 #include "manager/qt/filedrop.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QAction>
@@ -17,10 +18,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 /// What a collection of their fonts is called.
 QString nameOf(const QStringList& drawings) {

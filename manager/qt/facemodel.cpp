@@ -3,6 +3,7 @@
 #include "manager/qt/facemodel.h"
 
 #include "manager/qt/fontchoice.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <algorithm>
@@ -13,10 +14,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 QString technologyText(faces::Technology technology) {
     switch (technology) {

@@ -2,6 +2,7 @@
 #include "manager/qt/facepane.h"
 
 #include "faces/remark.h"
+#include "manager/qt/text.h"
 #include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 
@@ -18,10 +19,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 /// An open folder in the colour of a button's text: the toolkit's has light edges on dark ground.
 QIcon folderIcon(const QWidget& around) {

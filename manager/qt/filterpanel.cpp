@@ -2,6 +2,7 @@
 #include "manager/qt/filterpanel.h"
 
 #include "manager/qt/flowlayout.h"
+#include "manager/qt/text.h"
 #include "manager/view/featurenames.h"
 #include "manager/view/tagnames.h"
 #include "manager/view/texts.h"
@@ -23,10 +24,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 QString nameOfTag(FilterKind kind, const std::string& tag) {
     // TRANSLATORS: the code of your language

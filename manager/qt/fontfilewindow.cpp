@@ -3,6 +3,7 @@
 
 #include "manager/qt/progressline.h"
 #include "manager/qt/startsize.h"
+#include "manager/qt/text.h"
 #include "manager/qt/userprocess.h"
 #include "manager/view/facefacts.h"
 #include "manager/view/problemwords.h"
@@ -23,10 +24,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 /// Its name, or its file's where it has none.
 QString calledIn(const faces::Face& face, const std::string& file) {

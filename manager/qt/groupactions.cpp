@@ -4,6 +4,7 @@
 #include "manager/qt/librarywindow.h"
 
 #include "manager/qt/mnemonics.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QAction>
@@ -13,14 +14,6 @@
 #include <set>
 
 namespace manager {
-
-namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
-
-} // namespace
 
 void LibraryWindow::makeGroupActions(QMenu& fonts) {
     fonts.addSeparator();

@@ -2,6 +2,7 @@
 #include "manager/qt/groupdeeds.h"
 
 #include "manager/qt/mnemonics.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QUndoCommand>
@@ -12,10 +13,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 /// The names of the files that the library has of a member.
 FilesOfMember filesIn(Desk& desk) {

@@ -6,6 +6,7 @@
 #include "manager/qt/filedrop.h"
 #include "manager/qt/progressline.h"
 #include "manager/qt/startsize.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
@@ -23,10 +24,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 // What can go wrong but is no command.
 const auto askedDeed = QStringLiteral("asked");

@@ -2,6 +2,7 @@
 #include "manager/qt/lookpanel.h"
 
 #include "manager/qt/flowlayout.h"
+#include "manager/qt/text.h"
 #include "manager/view/featurenames.h"
 #include "manager/view/texts.h"
 
@@ -20,10 +21,6 @@ namespace manager {
 namespace {
 
 constexpr int steps = 100; ///< of a slider in one of the axis' units
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 } // namespace
 

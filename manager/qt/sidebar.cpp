@@ -3,6 +3,7 @@
 
 #include "manager/qt/colours.h"
 #include "manager/qt/groupfaces.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QDragMoveEvent>
@@ -21,10 +22,6 @@ namespace {
 
 constexpr int placeRole = Qt::UserRole;
 constexpr int kindRole = Qt::UserRole + 1; ///< of what stands for a group that is to be made
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 QString capitalised(const QString& word) {
     return word.isEmpty() ? word : word.left(1).toUpper() + word.mid(1);

@@ -3,6 +3,7 @@
 
 #include "manager/qt/groupfaces.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QApplication>
@@ -16,10 +17,6 @@
 namespace manager {
 
 namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 /// Of the window's own file, whatever the program that shows it is called.
 class KeptSetting {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What can be done in the window.
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 
 #include "manager/view/texts.h"
 
@@ -17,14 +18,6 @@
 #include <utility>
 
 namespace manager {
-
-namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
-
-} // namespace
 
 void LibraryWindow::makeActions() {
     QMenu* const file = menuBar()->addMenu(text(translated("&Library")));

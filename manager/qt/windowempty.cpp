@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What stands in the list's place while it is empty: why, and what to do.
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QStackedWidget>
@@ -9,14 +10,6 @@
 #include <utility>
 
 namespace manager {
-
-namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
-
-} // namespace
 
 QWidget* LibraryWindow::makeEmpty() {
     auto* const page = new QWidget(this);

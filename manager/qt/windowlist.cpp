@@ -2,6 +2,7 @@
 // The list, and what narrows it.
 #include "manager/library/folders.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QHBoxLayout>
@@ -14,14 +15,6 @@
 #include <utility>
 
 namespace manager {
-
-namespace {
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
-
-} // namespace
 
 QWidget* LibraryWindow::makeList() {
     auto* const middle = new QWidget(this);

@@ -3,6 +3,7 @@
 // version, is passed over.
 #include "manager/cli/report.h"
 #include "manager/qt/librarywindow.h"
+#include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
 #include <QComboBox>
@@ -19,10 +20,6 @@ namespace {
 
 constexpr std::array places{"all", "drawing", "state", "copies", "group", "folder"}; ///< by kind
 constexpr std::size_t mostExpanded = 1000;
-
-QString text(const std::string& plain) {
-    return QString::fromStdString(plain);
-}
 
 QString key(const char* name) {
     return QLatin1String(name);
