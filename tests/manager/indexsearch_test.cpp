@@ -100,7 +100,7 @@ TEST_F(AnIndex, FindsFacesByEachCondition) {
     }
 }
 
-TEST_F(AnIndex, FindsInstancesOfAVariableFontElseTheFontWhoseAxisReaches) {
+TEST_F(AnIndex, FindsInstancesOfAVariableFontOrTheFont) {
     using Recipe = testsupport::FontRecipe;
     for (const auto& [file, recipe] :
          {std::pair{"v.ttf", Recipe{.family = "V", .instances = {"Medium", "Demi", "Bold"}}},
