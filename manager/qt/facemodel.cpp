@@ -188,7 +188,9 @@ ListRow FaceModel::faceRow(std::size_t place) const {
     row.title = text(listed.style);
     row.detail = technologyText(listed.technology);
     if (listed.variable) {
-        row.detail += text(translated(", variable"));
+        constexpr std::uint32_t ofFile = 0xffff; // above it the instance, from 1
+        row.detail +=
+            text(listed.index > ofFile ? translated(", named instance") : translated(", variable"));
     }
     if (isDrawing()) {
         const AskedFont::Choice& choice = listing_.choice(place);
