@@ -11,6 +11,7 @@
 #include "manager/cli/report.h"
 #include "manager/cli/setchanges.h"
 #include "manager/cli/switching.h"
+#include "manager/library/places.h"
 #include "manager/view/texts.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ bool hasAny(const ContainerFonts& wanted, const Container& container, Tally& tal
     }
     std::set<std::string> missing = *wanted.only;
     for (const LibraryFile& file : wanted.files) {
-        missing.erase(file.path.substr(file.path.rfind('/') + 1));
+        missing.erase(nameOf(file.path));
     }
     for (const std::string& name : missing) {
         tally.fail(joinPath(container.folder, name) + ": " + translated("not in the library"));

@@ -34,7 +34,7 @@ std::optional<FaceDetails> findOnDesktop(const faces::Wanted& wanted) {
             match.familyName = face.names.front().family;
             match.styleName = face.names.front().style;
             match.folder = folderOf(files[position]);
-            match.fileName = files[position].substr(files[position].rfind('/') + 1);
+            match.fileName = nameOf(files[position]);
             match.style = face.style;
             match.names = face.names;
             match.fullNames = face.fullNames;

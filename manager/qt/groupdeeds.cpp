@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manager/qt/groupdeeds.h"
 
+#include "manager/library/places.h"
 #include "manager/qt/mnemonics.h"
 #include "manager/qt/text.h"
 #include "manager/view/texts.h"
@@ -20,7 +21,7 @@ FilesOfMember filesIn(Desk& desk) {
         std::set<std::string> names;
         if (const auto id = currentNumber(desk.library(), member)) {
             for (const LibraryFile& file : desk.library().files(*id)) {
-                names.insert(file.path.substr(file.path.rfind('/') + 1));
+                names.insert(nameOf(file.path));
             }
         }
         return names;
