@@ -19,6 +19,7 @@ namespace manager {
 namespace {
 
 constexpr std::string_view folderPrefix = "folder:";
+constexpr std::string_view filePrefix = "file:";
 
 bool isPattern(std::string_view name) {
     return name.find_first_of("*?[") != std::string_view::npos;
@@ -157,7 +158,26 @@ std::optional<std::vector<ContainerId>> ContainerNames::setOf(const std::string&
     if (name.starts_with(folderPrefix)) {
         return containersIn(name.substr(folderPrefix.size()));
     }
+    if (name.starts_with(filePrefix)) {
+        return containerOfFile(name.substr(filePrefix.size()));
+    }
     return std::nullopt;
+}
+
+std::vector<ContainerId> ContainerNames::containerOfFile(const std::string& file) {
+    namespace fs = std::filesystem;
+    fs::path path = fs::absolute(file).lexically_normal();
+    auto id = library().containerOfFile(path);
+    if (!id) { // the library may know the folder by another path
+        std::error_code code;
+        path = fs::canonical(path.parent_path(), code) / path.filename();
+        id = code ? id : library().containerOfFile(path);
+    }
+    if (!id) {
+        throw Error(file + ": " + translated("not in the library"));
+    }
+    partial_[*id].insert(path.filename());
+    return {*id};
 }
 
 std::vector<ContainerId> ContainerNames::containersIn(const std::string& folder) {

@@ -53,11 +53,12 @@ private:
                  const std::function<void(const std::string& name, ContainerId id)>& take);
     [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
-    /// Those that a collection, a tag or a folder has; nullopt: the name is of none of these.
+    /// Those that a collection, a tag, a folder or a file has; nullopt: the name is of none of these.
     [[nodiscard]] std::optional<std::vector<ContainerId>> setOf(const std::string& name);
     /// Puts the files of members that are not meant as a whole into `partial_`.
     [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);
     [[nodiscard]] std::vector<ContainerId> containersIn(const std::string& folder);
+    [[nodiscard]] std::vector<ContainerId> containerOfFile(const std::string& file);
     [[nodiscard]] const std::vector<ActiveContainer>& active();
 
     Places places_;

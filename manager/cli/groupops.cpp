@@ -16,9 +16,9 @@
 #include <algorithm>
 #include <fnmatch.h>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 
 namespace manager {
 
@@ -26,12 +26,18 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::vector<Container> containersOf(const Places& places, const std::vector<std::string>& names,
-                                    Tally& tally) {
+/// What the names mean.
+std::vector<GroupMember> membersOf(const Places& places, const std::vector<std::string>& names,
+                                   Tally& tally) {
     const Activation activation(places);
-    return ContainerNames(
-               places, activation, [&] { return openScanned(places); }, tally)
-        .find(names);
+    ContainerNames finder(
+        places, activation, [&] { return openScanned(places); }, tally);
+    std::vector<GroupMember> members;
+    for (const Container& container : finder.find(names)) {
+        members.push_back(memberOf(container));
+        members.back().files = finder.onlyFiles(container.id).value_or(std::set<std::string>());
+    }
+    return members;
 }
 
 } // namespace
@@ -42,27 +48,22 @@ int addToGroup(const Places& places, const GroupTitle& title, const GroupSources
         throw Error("a " + std::string(wordOf(title.kind)) + " needs a name");
     }
     Tally tally(json, "added");
-    std::vector<Container> containers;
+    GroupChange change{.title = title, .isMade = true};
     if (!sources.names.empty()) {
-        containers = containersOf(places, sources.names, tally);
+        change.added = membersOf(places, sources.names, tally);
     }
     if (!sources.drawings.empty()) {
         const auto used = containersOfDrawings(places, sources.drawings, tally);
-        containers.insert(containers.end(), used.begin(), used.end());
+        std::transform(used.begin(), used.end(), std::back_inserter(change.added), memberOf);
     }
-    if (containers.empty()) {
+    if (change.added.empty()) {
         return tally.finish();
-    }
-    GroupChange change{.title = title, .isMade = true};
-    std::map<MemberPlace, const Container*> known;
-    for (const Container& container : containers) {
-        change.added.push_back(memberOf(container));
-        known.emplace(placeOf(change.added.back()), &container);
     }
     const GroupChange back = changeGroup(places, change);
     postSetsChanged();
     for (const GroupMember& member : back.removed) {
-        tally.add(title.text() + ": added", *known.at(placeOf(member)));
+        const std::string files = member.files.empty() ? "" : " " + commaList(member.files) + " of";
+        tally.add(title.text() + ": added" + files, containerOf(member));
     }
     return tally.finish("it was in there already");
 }

@@ -117,6 +117,18 @@ std::vector<LibraryFile> Library::files(ContainerId id) {
     return files;
 }
 
+std::optional<ContainerId> Library::containerOfFile(const std::string& path) {
+    Statement statement(database_, "SELECT file.container FROM directory "
+                                   "JOIN file ON file.directory = directory.id "
+                                   "WHERE directory.path = ? AND file.name = ? "
+                                   "AND file.container IS NOT NULL");
+    const std::string folder = folderOf(path);
+    const std::string name = nameOf(path);
+    statement.bind(1, folder).bind(2, name);
+    return statement.step() ? std::optional(static_cast<ContainerId>(statement.number(0)))
+                            : std::nullopt;
+}
+
 std::vector<Container> Library::containers() {
     Statement statement(database_, allContainers);
     std::vector<Container> result;

@@ -2,6 +2,7 @@
 #include "manager/qt/fontchoice.h"
 
 #include "manager/library/fields.h"
+#include "manager/qt/text.h"
 
 #include <optional>
 #include <vector>
@@ -56,6 +57,26 @@ FontChoice fontsOf(const FaceModel& model, const QModelIndexList& rows) {
         choice[container].clear();
     }
     return choice;
+}
+
+QStringList toWords(const FontChoice& fonts, const FaceTable& table) {
+    QStringList words;
+    for (const auto& [container, files] : fonts) {
+        if (files.empty()) {
+            words.push_back(QString::number(container));
+        }
+    }
+    std::set<std::string> paths; // a file may have several faces
+    for (const ListedFace& face : table.faces()) {
+        const auto chosen = fonts.find(static_cast<std::int32_t>(face.container));
+        if (chosen != fonts.end() && chosen->second.contains(face.file)) {
+            paths.insert(table.pathOf(face));
+        }
+    }
+    for (const std::string& path : paths) {
+        words.push_back(QStringLiteral("file:") + text(path));
+    }
+    return words;
 }
 
 QMimeData* toMimeData(const FontChoice& fonts) {

@@ -6,6 +6,7 @@
 #include "manager/qt/facemodel.h"
 
 #include <QMimeData>
+#include <QStringList>
 
 #include <cstdint>
 #include <map>
@@ -22,6 +23,9 @@ using FontChoice = std::map<std::int32_t, std::set<std::string>>;
 [[nodiscard]] FontChoice fontsOf(const FaceTable& table, std::span<const FaceRow> faces);
 /// The fonts of these rows.
 [[nodiscard]] FontChoice fontsOf(const FaceModel& model, const QModelIndexList& rows);
+
+/// What the commands call them: whole containers by number, other fonts by their files.
+[[nodiscard]] QStringList toWords(const FontChoice& fonts, const FaceTable& table);
 
 /// What dragged ones are: a line of fields for each container, its number first.
 inline constexpr const char* fontsType = "application/x-glyphora-fonts";

@@ -123,16 +123,7 @@ void LibraryWindow::add(const QStringList& paths) {
 }
 
 void LibraryWindow::collect() {
-    QStringList fonts;
-    const LibraryView& view = model_.listing().view();
-    const QModelIndexList rows = list_->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        for (const FaceRow row : model_.facesToSwitch(index)) {
-            fonts.push_back(
-                QString::number(static_cast<std::int32_t>(view.table.faces()[row].container)));
-        }
-    }
-    fonts.removeDuplicates();
+    const QStringList fonts = toWords(chosenFonts(), model_.listing().view().table);
     // The command makes the folder, and refuses one that is there.
     const QString folder =
         QFileDialog::getSaveFileName(this, text(translated("Copy the fonts to a new folder")),

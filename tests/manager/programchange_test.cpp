@@ -77,6 +77,20 @@ protected:
         }
         return lines;
     }
+    struct Step {
+        std::vector<std::string> command;
+        int status;
+        std::vector<std::string> active; ///< after it
+        std::string message;
+    };
+    void expectSteps(const std::vector<Step>& steps) {
+        for (const auto& [command, status, expected, message] : steps) {
+            const Ending ending = glyphora(command);
+            EXPECT_EQ(ending.status, status) << ending.output;
+            EXPECT_THAT(ending.output, HasSubstr(message));
+            EXPECT_EQ(active(), expected) << ending.output;
+        }
+    }
 
     std::string runtime_ = sandbox_.root() + "/runtime";
     bool isMade_ = std::filesystem::create_directory(runtime_);
@@ -154,12 +168,7 @@ TEST_F(AChangeOfSets, IsOfTheFilesThatACollectionHas) {
                    "\t\ttruetype\tgone.ttf\tpair-Regular.ttf\n");
     EXPECT_THAT(glyphora({"collection", "list", "job"}).output,
                 HasSubstr(folder + ": pair-Bold.ttf only\n"));
-    const struct {
-        std::vector<std::string> command;
-        int status;
-        std::vector<std::string> active;
-        std::string message;
-    } steps[] = {
+    expectSteps({
         {{"activate", "collection:job"}, 0, {"Pair: by hand, Bold"}, "activated pair-Bold.ttf of "},
         {{"activate", "--for", "2h", "collection:old"},
          3,
@@ -176,13 +185,7 @@ TEST_F(AChangeOfSets, IsOfTheFilesThatACollectionHas) {
         {{"deactivate", "collection:old"}, 0, {}, "deactivated Pair (container 2"},
         {{"activate", "collection:job", "Pair"}, 0, {"Pair: by hand, Bold, Regular"}, ""},
         {{"deactivate", "Pair", "collection:job"}, 0, {}, "deactivated Pair (container 2"},
-    };
-    for (const auto& [command, status, expected, message] : steps) {
-        const Ending ending = glyphora(command);
-        EXPECT_EQ(ending.status, status) << ending.output;
-        EXPECT_THAT(ending.output, HasSubstr(message));
-        EXPECT_EQ(active(), expected) << ending.output;
-    }
+    });
     const Ending collected =
         glyphora({"collect", "--to", sandbox_.root() + "/out", "collection:job"});
     EXPECT_THAT(collected.output, HasSubstr("copied Pair/pair-Bold.ttf\n"));
@@ -192,6 +195,23 @@ TEST_F(AChangeOfSets, IsOfTheFilesThatACollectionHas) {
     EXPECT_THAT(active(), ElementsAre("Pair: by hand, Regular"));
     takeBack(off);
     EXPECT_THAT(active(), ElementsAre("Lato & Co: by hand, Bold", "Pair: by hand, Bold, Regular"));
+}
+
+TEST_F(AChangeOfSets, IsOfFilesOfTheLibraryThatAreNamed) {
+    const std::string file = "file:" + sandbox_.library() + "/fonts/pair-Bold.ttf";
+    std::filesystem::create_symlink(sandbox_.library() + "/fonts", sandbox_.root() + "/link");
+    const std::string linked = "file:" + sandbox_.root() + "/link/pair-Bold.ttf";
+    const std::string none = "file:" + sandbox_.library() + "/none.ttf";
+    expectSteps({
+        {{"activate", file, none}, 3, {"Pair: by hand, Bold"}, "/none.ttf: not in the library"},
+        {{"activate", "Pair"}, 0, {"Pair: by hand, Bold, Regular"}, "activated Pair (container 2"},
+        {{"deactivate", linked}, 0, {"Pair: by hand, Regular"}, ""},
+        {{"collection", "add", "job", linked, none},
+         3,
+         {"Pair: by hand, Regular"},
+         "collection:job: added pair-Bold.ttf of Pair (container 2, "},
+        {{"activate", "collection:job"}, 0, {"Pair: by hand, Bold, Regular"}, "pair-Bold.ttf of "},
+    });
 }
 
 TEST_F(AChangeOfSets, TellsWhatCannotBeDone) {

@@ -96,6 +96,11 @@ TEST_F(TheChosenRows, AreMembersOfATagByFacesApartFromTheirFamily) {
     EXPECT_EQ(choiceOf({face(1), family(1)}), (FontChoice{{alpha, bold.at(alpha)}, {beta, {}}}));
     EXPECT_EQ(choiceOf({face(1), face(0)}), (FontChoice{{alpha, {}}})) << "all that it has";
     EXPECT_EQ(choiceOf({face(1), family(0)}), (FontChoice{{alpha, {}}}));
+    EXPECT_EQ(
+        toWords({{alpha, bold.at(alpha)}, {beta, {}}}, window_->model().listing().view().table),
+        QStringList({QString::number(beta),
+                     QStringLiteral("file:") +
+                         QString::fromStdString(sandbox_.library() + "/alpha-Bold.ttf")}));
 
     const GroupTitle title{GroupKind::Tag, "mine"};
     const auto chooseTag = [&](int families, const char* count) {
