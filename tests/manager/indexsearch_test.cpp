@@ -107,14 +107,17 @@ TEST_F(AnIndex, FindsInstancesOfAVariableFontOrTheFont) {
           std::pair{"plain.ttf", Recipe{.family = "Plain", .weight = 700}}}) {
         sandbox_.write(file, testsupport::makeFont(recipe));
     }
+    sandbox_.write("two.ttc", testsupport::makeCollection(
+                                  {Recipe{.family = "First", .instances = {"Medium", "Demi"}},
+                                   Recipe{.family = "Second", .instances = {"Light"}}}));
     updateLibrary(*library_, std::vector{root_}, FontReaderLimits{});
     const struct {
         Range weights;
         std::vector<std::string> found;
     } cases[] = {
-        {{600, 700}, {"Plain Regular", "V Bold", "V Demi"}},
-        {{350, 450}, {"V Regular"}},
-        {{850, 900}, {"V Regular"}},
+        {{600, 700}, {"First Demi", "Plain Regular", "Second Regular", "V Bold", "V Demi"}},
+        {{350, 450}, {"First Regular", "Second Regular", "V Regular"}},
+        {{850, 900}, {"First Regular", "Second Regular", "V Regular"}},
         {{901, 950}, {}},
     };
     for (const auto& [weights, expected] : cases) {
