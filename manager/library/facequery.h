@@ -32,7 +32,7 @@ struct FaceQuery {
     std::optional<std::int32_t> container;
     std::optional<std::vector<FaceId>> among; ///< one of these
 
-    std::optional<Range> weight; ///< of a variable font any weight that its axis reaches
+    std::optional<Range> weight; ///< of a variable font without instances what its axis reaches
     std::optional<Range> width;
     std::vector<faces::Slant> slants; ///< one of these; and so for the next two
     std::vector<faces::Technology> technologies;
