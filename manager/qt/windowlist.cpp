@@ -5,6 +5,7 @@
 #include "manager/qt/text.h"
 #include "manager/view/texts.h"
 
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -16,6 +17,36 @@
 
 namespace manager {
 
+namespace {
+
+/// Where the keyboard comes to it something is chosen: what the next keys act on.
+class FontList : public QTreeView {
+public:
+    using QTreeView::QTreeView;
+
+    void take() {
+        setFocus();
+        choose();
+    }
+
+protected:
+    void focusInEvent(QFocusEvent* event) override {
+        QTreeView::focusInEvent(event);
+        if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+            choose();
+        }
+    }
+
+private:
+    void choose() {
+        if (!selectionModel()->hasSelection()) {
+            setCurrentIndex(currentIndex().isValid() ? currentIndex() : model()->index(0, 0));
+        }
+    }
+};
+
+} // namespace
+
 QWidget* LibraryWindow::makeList() {
     auto* const middle = new QWidget(this);
     auto* const column = new QVBoxLayout(middle);
@@ -25,10 +56,14 @@ QWidget* LibraryWindow::makeList() {
     search_->setAccessibleName(text(translated("Search fonts")));
     search_->setClearButtonEnabled(true);
     connect(search_, &QLineEdit::textChanged, this, [this] { filter(); });
-    connect(search_, &QLineEdit::returnPressed, this, [this] { list_->setFocus(); });
     filters_ = new FilterPanel([this] { findByFilters(); }, middle);
     connect(&filters_->button(), &QToolButton::toggled, this, [this] { offerTags(); });
-    list_ = new QTreeView(middle);
+    auto* const list = new FontList(middle);
+    list_ = list;
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Down}) {
+        connect(new QShortcut(key, search_, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, list, &FontList::take);
+    }
     list_->setModel(&model_);
     list_->setHeaderHidden(true);
     list_->setUniformRowHeights(true);

@@ -94,4 +94,38 @@ TEST_F(TheKeyTab, ReachesEverythingOnceInReadingOrder) {
     }
 }
 
+TEST_F(TheKeyTab, AndThoseThatEndASearchChooseWhatTheNextKeysActOn) {
+    open();
+    QTreeView& list = window_->list();
+    const auto chosen = [&] {
+        QStringList rows;
+        for (const QModelIndex& index : list.selectionModel()->selectedRows()) {
+            rows.push_back(
+                index.data(Qt::AccessibleTextRole).toString().section(QLatin1Char(','), 0, 0));
+        }
+        return rows.join(QLatin1Char(' ')).toStdString();
+    };
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Down, Qt::Key_Tab}) {
+        SCOPED_TRACE(key);
+        const auto go = [&] {
+            QTest::keyClick(&window_->searchField(), key);
+            if (key == Qt::Key_Tab) { // the filters' button comes first
+                QTest::keyClick(QApplication::focusWidget(), key);
+            }
+            EXPECT_EQ(QApplication::focusWidget(), &list);
+        };
+        window_->searchField().setFocus();
+        QTest::keyClicks(&window_->searchField(), QStringLiteral("beta"));
+        ASSERT_TRUE(await([this] { return window_->model().rowCount() == 1; }));
+        list.selectionModel()->clear();
+        go();
+        EXPECT_EQ(chosen(), "Beta");
+        window_->searchField().setFocus();
+        window_->searchField().clear();
+        ASSERT_TRUE(await([this] { return window_->model().rowCount() == 2; }));
+        go();
+        EXPECT_EQ(chosen(), "Beta") << "which was";
+    }
+}
+
 } // namespace
