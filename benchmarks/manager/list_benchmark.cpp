@@ -109,4 +109,22 @@ void filterFaceListByState(benchmark::State& state) {
 }
 BENCHMARK(filterFaceListByState)->Unit(benchmark::kMillisecond);
 
+// What a filter of the index takes of the reader's thread.
+void askIndex(benchmark::State& state) {
+    FaceQuery query;
+    if (state.range(0) == 0) {
+        query.weight = Range{650, 750};
+    } else {
+        query.characters = charactersOf("A quick brown fox, 0123456789");
+    }
+    static_cast<void>(benchmarks::scannedStage());
+    Library library(benchmarks::scannedStage().world.places());
+    std::size_t found = 0;
+    for (auto _ : state) {
+        found = library.familyKeys(query).size();
+    }
+    state.counters["found"] = static_cast<double>(found);
+}
+BENCHMARK(askIndex)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+
 } // namespace

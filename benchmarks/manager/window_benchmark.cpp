@@ -5,6 +5,8 @@
 // is the window's own.
 #include "benchmarks/manager/stage.h"
 #include "manager/cli/announce.h"
+#include "manager/cli/groupchange.h"
+#include "manager/qt/groupfaces.h"
 #include "manager/qt/librarywindow.h"
 #include "tests/support/privatebus/privatebus.h"
 
@@ -196,6 +198,26 @@ void scrollAndType(benchmark::State& state) {
     state.counters["worstMsOfWork"] = deliveries.heaviest * 1000;
 }
 BENCHMARK(scrollAndType)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// The numbers beside so many collections, each with the same share of the library.
+void countCollections(benchmark::State& state) {
+    Library library(benchmarks::scannedStage().world.places());
+    const FaceTable table(library);
+    Groups groups;
+    constexpr std::size_t share = 500; // containers
+    const auto containers = library.containers();
+    for (std::size_t i = 0; i < static_cast<std::size_t>(state.range(0)); ++i) {
+        Group group{GroupKind::Collection, std::to_string(i), {}};
+        for (std::size_t k = 0; k < share; ++k) {
+            group.members.push_back(memberOf(containers[(i * share + k) % containers.size()]));
+        }
+        groups.push_back(std::move(group));
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(facesOf(table, groups));
+    }
+}
+BENCHMARK(countCollections)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

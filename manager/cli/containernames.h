@@ -53,7 +53,8 @@ private:
                  const std::function<void(const std::string& name, ContainerId id)>& take);
     [[nodiscard]] std::vector<ContainerId> numbersOf(const std::string& name);
     [[nodiscard]] std::vector<ContainerId> activeNumbersOf(const std::string& name);
-    /// Those that a collection, a tag, a folder or a file has; nullopt: the name is of none of these.
+    /// Those that a collection, a tag, a folder or a file has; nullopt: the name is of none of
+    /// these.
     [[nodiscard]] std::optional<std::vector<ContainerId>> setOf(const std::string& name);
     /// Puts the files of members that are not meant as a whole into `partial_`.
     [[nodiscard]] std::vector<ContainerId> membersOf(const GroupTitle& title);

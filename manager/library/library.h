@@ -175,7 +175,8 @@ public:
     [[nodiscard]] std::optional<Container> container(ContainerId id);
     /// The files that show each of its faces once: spares are left out.
     [[nodiscard]] std::vector<LibraryFile> files(ContainerId id);
-    /// The container of the font file at this path, spare or not; nullopt: it is none of the library.
+    /// The container of the font file at this path, spare or not; nullopt: it is none of the
+    /// library.
     [[nodiscard]] std::optional<ContainerId> containerOfFile(const std::string& path);
     /// All that have fonts, by name.
     [[nodiscard]] std::vector<Container> containers();
