@@ -20,13 +20,19 @@ protected:
         world_.setEnvironment("QT_QPA_PLATFORM", "xcb");
     }
 
-    /// Waits for the window first. Its keys come from the server, as those of a keyboard do.
+    /// Waits for the window first. Its keys come from the server, as those of a keyboard do. The
+    /// manager's window may take the focus meanwhile, which xdotool would then await for ever.
     void press(const std::string& title, const std::vector<std::string>& keys) const {
         std::vector<std::string> words{
-            "xdotool",     "search", "--sync", "--onlyvisible", "--name", title,
-            "windowfocus", "--sync", "key",    "--window",      "0"};
+            "timeout",       "5",        "xdotool", "search",      "--sync",
+            "--onlyvisible", "--name",   title,     "windowfocus", "--sync",
+            "key",           "--window", "0"};
         words.insert(words.end(), keys.begin(), keys.end());
-        const Outcome pressed = world_.run(words);
+        constexpr int ofTimeout = 124;
+        Outcome pressed;
+        do {
+            pressed = world_.run(words);
+        } while (pressed.status == ofTimeout);
         EXPECT_EQ(pressed.status, 0) << pressed.errors;
     }
     void awaitEndOf(const std::string& title) const {
