@@ -48,9 +48,11 @@ UpdateReport scanOnce(const Places& places, bool changedAlready) {
     const std::vector<std::string> folders = readFolders(places);
     UpdateReport report;
     try {
-        report = updateLibrary(*library, folders, readerLimits(), [](auto done, auto total) {
-            tellProgress(Work::Read, done, total);
-        });
+        report = updateLibrary(
+            *library, folders, readerLimits(),
+            [](UpdateStep step, std::size_t done, std::size_t total) {
+                tellProgress(step == UpdateStep::Read ? Work::Read : Work::Compare, done, total);
+            });
     } catch (const ScanCancelled& scan) { // what was read stays
         postLibraryChanged();
         throw Cancelled(filled(translated("cancelled: %1 of %2 font files were read; the next "
@@ -243,6 +245,8 @@ int showCommand(const Places& places, const std::vector<std::string>& words, boo
     for (const std::string& word : words) {
         if (meansDrawing(word)) {
             options.request.drawings.push_back(std::filesystem::absolute(word).string());
+        } else if (word.find('/') != std::string::npos && std::filesystem::is_directory(word)) {
+            throw Error(word + ": is a folder; \"glyphora add\" takes it into the library");
         } else if (meansFontFile(word)) {
             options.request.files.push_back(std::filesystem::absolute(word).string());
         } else if (faces::hasFontFileName(word)) {

@@ -15,9 +15,9 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds interval{100};
 constexpr std::chrono::seconds patience{1};
 
-constexpr std::array words = {"unpack", "read", "copy", "activate", "deactivate"};
-constexpr std::array texts = {"files unpacked", "font files read", "fonts copied",
-                              "containers activated", "containers deactivated"};
+constexpr std::array words = {"unpack", "read", "compare", "copy", "activate", "deactivate"};
+constexpr std::array texts = {"files unpacked", "font files read",      "files compared",
+                              "fonts copied",   "containers activated", "containers deactivated"};
 
 ProgressForm form = ProgressForm::None;
 Clock::time_point next;

@@ -15,7 +15,7 @@ enum class ProgressForm : std::uint8_t {
 };
 
 /// What a command is at.
-enum class Work : std::uint8_t { Unpack, Read, Copy, Activate, Deactivate };
+enum class Work : std::uint8_t { Unpack, Read, Compare, Copy, Activate, Deactivate };
 
 // [main-thread] Of the process, as its standard error is.
 

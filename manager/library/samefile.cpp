@@ -2,6 +2,7 @@
 // Digests, and what is told from them.
 #include "manager/library/samefile.h"
 
+#include "manager/library/cancel.h"
 #include "manager/library/places.h"
 #include "manager/library/walk.h"
 
@@ -77,7 +78,8 @@ bool haveSameBytes(const FaceMatch& a, const FaceMatch& b) {
     return met.isNew(a) && !met.isNew(b);
 }
 
-void digestAlike(Database& database) {
+void digestAlike(Database& database,
+                 const std::function<void(std::size_t done, std::size_t total)>& progress) {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds portionTime{700}; // what a process that is ended may lose
     Statement write(database, "UPDATE file SET whole = ? WHERE id = ?");
@@ -92,7 +94,15 @@ void digestAlike(Database& database) {
         portion.clear();
         begun = Clock::now();
     };
-    for (const Alike& file : alikeWithoutDigest(database)) {
+    const std::vector<Alike> files = alikeWithoutDigest(database);
+    for (const Alike& file : files) {
+        progress(static_cast<std::size_t>(&file - files.data()), files.size());
+        try {
+            checkCancelled();
+        } catch (const Cancelled&) {
+            writePortion();
+            throw;
+        }
         std::string digest = digestOf(file.path);
         try {
             if (!digest.empty() && stampOf(file.path) == file.stamp) {

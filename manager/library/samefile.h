@@ -4,6 +4,7 @@
 
 #include "manager/library/library.h"
 
+#include <functional>
 #include <string>
 #include <unordered_set>
 
@@ -22,7 +23,10 @@ private:
 [[nodiscard]] bool haveSameBytes(const FaceMatch& a, const FaceMatch& b);
 
 /// Reads the files that may be copies of others and were not yet read as a whole, and writes their
-/// digests to the index. Those that cannot be read count as no copies. Throws Error.
-void digestAlike(Database& database);
+/// digests to the index. Those that cannot be read count as no copies. `progress` is told of each
+/// file how many of how many were read before. Throws Error, and Cancelled (see checkCancelled)
+/// with what was read written.
+void digestAlike(Database& database,
+                 const std::function<void(std::size_t done, std::size_t total)>& progress);
 
 } // namespace manager

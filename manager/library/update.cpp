@@ -64,7 +64,11 @@ public:
         lastPortion_ = Clock::now();
         readFiles(limits, read);
         if (report_.changed() || library_.isScanOwed()) {
-            digestAlike(library_.database());
+            digestAlike(library_.database(), [this](std::size_t done, std::size_t total) {
+                if (progress_) {
+                    progress_(UpdateStep::Compare, done, total);
+                }
+            });
         }
         writePortion(Portion::Last);
         library_.vouch();
@@ -270,7 +274,7 @@ private:
         }
         transaction.commit();
         if (progress_ && !portion_.empty()) {
-            progress_(next_, paths_.size());
+            progress_(UpdateStep::Read, next_, paths_.size());
         }
         portion_.clear();
     }

@@ -39,8 +39,10 @@ public:
     std::size_t wanted; ///< files
 };
 
-/// [main-thread] Told now and then how many files of how many were read.
-using UpdateProgress = std::function<void(std::size_t done, std::size_t total)>;
+/// What a scan does with files.
+enum class UpdateStep : std::uint8_t { Read, Compare };
+/// [main-thread] Told now and then with how many files of how many it was done.
+using UpdateProgress = std::function<void(UpdateStep step, std::size_t done, std::size_t total)>;
 
 /// Walks the folders and reads what is new or changed (see readFontFiles for where it may be
 /// called). The folder of the active fonts is passed over. The index is written in portions, so

@@ -17,6 +17,9 @@ std::string textOf(const QString& work) {
     if (work == QLatin1String("unpack")) {
         return translated("Unpacking the archive…");
     }
+    if (work == QLatin1String("compare")) {
+        return translated("Looking for duplicates…");
+    }
     if (work == QLatin1String("copy") || work == QLatin1String("collect")) {
         return translated("Copying the fonts…");
     }

@@ -116,7 +116,11 @@ TEST_F(AnIndex, TellsWhichFilesAreOneFont) {
     add("e/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
     add("f/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "2");
     add("g/x.ttf", plainFace("X", "Regular"), std::string(100'000, 'x') + "1");
-    const auto end = [](std::size_t /*done*/, std::size_t /*total*/) { throw Error("ended"); };
+    const auto end = [](UpdateStep step, std::size_t /*done*/, std::size_t /*total*/) {
+        if (step == UpdateStep::Read) {
+            throw Error("ended");
+        }
+    };
     EXPECT_THROW(scan(end), Error);
     EXPECT_TRUE(scan().changed()) << "there is something to be told still";
     EXPECT_FALSE(scan().changed());

@@ -142,6 +142,38 @@ TEST_F(ALibrary, KeepsWhatACancelledScanHasRead) {
     EXPECT_EQ(library_->counts("/").files, count);
 }
 
+TEST_F(ALibrary, GoesOnToCompareFilesWhereACancelledScanEnded) {
+    for (const char* const name : {"a.ttf", "b/a.ttf", "c/a.ttf"}) {
+        sandbox_.write(name, makeFont({}));
+    }
+    const auto sizeOfSets = [this] {
+        std::vector<std::size_t> sizes;
+        for (const auto& copies : library_->duplicates()) {
+            sizes.push_back(copies.size());
+        }
+        return sizes;
+    };
+    std::vector<std::size_t> told;
+    const auto cancelAtLast = [&](UpdateStep step, std::size_t done, std::size_t total) {
+        if (step == UpdateStep::Compare) {
+            told.push_back(done);
+            if (done + 1 == total) {
+                std::raise(SIGTERM);
+            }
+        }
+    };
+    {
+        const CancelBySignals cancel;
+        EXPECT_THROW(updateLibrary(*library_, std::vector{sandbox_.library()}, {}, cancelAtLast),
+                     Cancelled);
+    }
+    EXPECT_THAT(told, ElementsAre(0, 1, 2));
+    EXPECT_THAT(sizeOfSets(), ElementsAre(2)) << "what was read is kept";
+    EXPECT_TRUE(scan().changed());
+    EXPECT_THAT(sizeOfSets(), ElementsAre(3));
+    EXPECT_FALSE(scan().changed());
+}
+
 TEST_F(ALibrary, KeepsWhatTheWalkCouldNotLookAt) {
     const std::string link = sandbox_.library() + "/link.ttf";
     std::filesystem::create_symlink("nothing.ttf", link);

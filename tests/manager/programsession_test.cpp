@@ -63,7 +63,8 @@ TEST_F(AFontFileForTheSession, IsThereForItAlone) {
                 {{"list"}, 0, runtime_ + "/glyphora-fonts-"},
                 {{"add", lone_}, 0, "as " + sandbox_.places().singleFonts() + "/lone.ttf"},
                 {{"show", bad}, 1, bad + ": "},
-                {{"show", "nosuch.TTF"}, 1, "nosuch.TTF: there is no such file"}});
+                {{"show", "nosuch.TTF"}, 1, "nosuch.TTF: there is no such file"},
+                {{"show", sandbox_.library()}, 1, sandbox_.library() + ": is a folder; "}});
     const auto sets = [&] {
         return nlohmann::json::parse(glyphora({"status", "--json"}).output)["active"].size();
     };
