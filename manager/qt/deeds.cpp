@@ -6,6 +6,7 @@
 #include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QUndoCommand>
@@ -48,6 +49,31 @@ private:
     Deeds& deeds_;
     bool isNew_ = true;
     std::vector<Deeds::Change> changes_;
+};
+
+/// A folder that was taken out of the library.
+class FolderDeed : public QUndoCommand {
+public:
+    FolderDeed(Deeds& deeds, const QString& folder)
+        : QUndoCommand(undoText(translated("remove %1"), QFileInfo(folder).fileName())),
+          deeds_(deeds), folder_(folder) {}
+
+    void undo() override { run("add"); }
+    void redo() override {
+        if (!std::exchange(isNew_, false)) {
+            run("remove");
+        }
+    }
+
+private:
+    void run(const char* command) {
+        deeds_.start(
+            {QLatin1String(command), QStringLiteral("--json"), QStringLiteral("--"), folder_});
+    }
+
+    Deeds& deeds_;
+    bool isNew_ = true;
+    QString folder_;
 };
 
 Deeds::Deeds(std::string program, LibraryReader& reader, Done done)
@@ -193,6 +219,15 @@ void Deeds::change(bool on, const QStringList& containers) {
 void Deeds::change(bool on, const QJsonArray& sets) {
     run({QStringLiteral("change"), QStringLiteral("--json")}, recordSwitch(on),
         QJsonDocument(sets).toJson(QJsonDocument::Compact));
+}
+
+void Deeds::removeFolder(const QString& folder) {
+    run({QStringLiteral("remove"), QStringLiteral("--json"), QStringLiteral("--"), folder},
+        [this, folder](const QJsonObject& done) {
+            if (!done.value(QStringLiteral("removed")).toArray().isEmpty()) {
+                record(new FolderDeed(*this, folder));
+            }
+        });
 }
 
 Deeds::Taker Deeds::recordSwitch(bool on) {

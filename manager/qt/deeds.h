@@ -61,6 +61,8 @@ public:
     /// The same for containers and for single files of containers: `{id, active}` each, or `{id,
     /// reasons, files}`.
     void change(bool on, const QJsonArray& sets);
+    /// Takes a folder out of the library, which can be undone.
+    void removeFolder(const QString& folder);
     void undo();
     void redo();
     /// Runs a command, without undo.
@@ -75,6 +77,7 @@ public:
 
 private:
     friend class SwitchDeed;
+    friend class FolderDeed;
     friend class GroupDeed;
 
     void inTurn(std::function<void()> deed);

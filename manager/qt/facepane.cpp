@@ -86,6 +86,14 @@ FacePane::FacePane(preview::Faces& faces, FaceSource& source,
     views_->addTab(waterfall_, text(translated("&Text")));
     views_->addTab(characters_, text(translated("&Characters")));
     connect(views_, &QTabWidget::currentChanged, this, [this] { showCharacters(); });
+    for (QWidget* const head : {static_cast<QWidget*>(title_), static_cast<QWidget*>(why_),
+                                static_cast<QWidget*>(path_), static_cast<QWidget*>(folder_)}) {
+        // What is below stays where it is while letters are typed that choose and unchoose.
+        QSizePolicy policy = head->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        head->setSizePolicy(policy);
+        head->setMinimumHeight(head->fontMetrics().height());
+    }
     column->addWidget(title_);
     column->addWidget(why_);
     auto* const place = new QHBoxLayout;

@@ -73,6 +73,9 @@ void LibraryWindow::makeGroupActions(QMenu& fonts) {
         ofGroup_);
     add(
         translated("D&elete"), Qt::Key_Delete, [this] { unmakeGroup(); }, ofGroup_);
+    add(
+        translated("Remove from the &Library"), Qt::Key_Delete,
+        [this] { deeds_.removeFolder(text(sidebar_->place().name)); }, ofFolder_);
     for (const GroupKind kind : {GroupKind::Collection, GroupKind::Tag}) {
         auto* const action = new QAction(
             text(kind == GroupKind::Tag ? translated("New &Tag") : translated("New &Collection")),
@@ -171,6 +174,9 @@ void LibraryWindow::showGroupActions() {
     }
     for (QAction* const action : ofGroup_) {
         action->setEnabled(title.has_value());
+    }
+    for (QAction* const action : ofFolder_) {
+        action->setEnabled(sidebar_->place().kind == SidebarPlace::Kind::Folder);
     }
     for (QAction* const action : ofSet_) {
         action->setEnabled(sidebar_->setName().has_value());

@@ -288,8 +288,10 @@ void LibraryWindow::showChosen() {
             chosen.path = text(table.pathOf(face));
         }
     } else if (!rows.empty()) {
-        chosen.title =
-            text(translated("%1 font", "%1 fonts", static_cast<std::size_t>(rows.size())));
+        const bool areCompared = !isDrawing && chosen.faces.size() < FacePane::most;
+        const std::size_t fonts =
+            areCompared ? chosen.faces.size() : static_cast<std::size_t>(rows.size());
+        chosen.title = text(translated("%1 font", "%1 fonts", fonts));
     }
     pane_->show(std::move(chosen));
     activate_->setEnabled(!choice(true).isEmpty());

@@ -178,6 +178,7 @@ private:
     QString drawingName_;           ///< what its collection is called
     std::vector<QAction*> ofGroup_; ///< what can be done with a group that is chosen
     std::vector<QAction*> ofSet_;   ///< or with a folder as well
+    std::vector<QAction*> ofFolder_;
     QAction* activate_ = nullptr;
     QAction* deactivate_ = nullptr;
     QAction* collect_ = nullptr;

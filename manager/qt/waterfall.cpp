@@ -150,7 +150,8 @@ void Waterfall::paintEvent(QPaintEvent* /*event*/) {
             name += QStringLiteral("  ") + QString::fromStdString(face.name);
         }
         painter.setPen(label);
-        painter.drawText(QRect(margin, top, width, labelHeight), Qt::AlignLeft, name);
+        painter.drawText(QRect(margin, top, width, labelHeight), Qt::AlignLeft,
+                         fontMetrics().elidedText(name, Qt::ElideMiddle, width));
         const preview::SharedAnswer answer =
             samples_.line(i, {face.file, face.index, text_, line.pixels, scale, face.axes,
                               face.features, others_, !isOwn_});

@@ -119,7 +119,14 @@ void LibraryWindow::addFiles() {
 void LibraryWindow::add(const QStringList& paths) {
     statusBar()->showMessage(text(translated("Reading the fonts…")));
     deeds_.run(QStringList{QStringLiteral("add"), QStringLiteral("--json"), QStringLiteral("--")} +
-               paths);
+                   paths,
+               [this](const QJsonObject& done) {
+                   const QJsonObject scan = done.value(QStringLiteral("scan")).toObject();
+                   if (const auto read = scan.value(QStringLiteral("read")).toInteger(); read > 0) {
+                       tell(text(translated("%1 font file added", "%1 font files added",
+                                            static_cast<std::size_t>(read))));
+                   }
+               });
 }
 
 void LibraryWindow::collect() {

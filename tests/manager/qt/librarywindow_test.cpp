@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -208,6 +209,9 @@ TEST_F(TheLibrarysWindow, ComparesEachFaceOnceAndTellsNamesakesApart) {
         EXPECT_THAT(names, testing::HasSubstr(", " + name + ","));
     }
     EXPECT_EQ(std::count(names.begin(), names.end(), ','), 6) << names;
+    const auto labels = window_->pane().findChildren<QLabel*>();
+    EXPECT_TRUE(std::ranges::any_of(
+        labels, [](const QLabel* label) { return label->text() == QLatin1String("5 fonts"); }));
 }
 
 TEST_F(TheLibrarysWindow, AddsFoldersAndFilesThatAreDroppedAnywhereInIt) {
@@ -236,6 +240,7 @@ TEST_F(TheLibrarysWindow, AddsFoldersAndFilesThatAreDroppedAnywhereInIt) {
     };
     EXPECT_TRUE(drop({url(folder), url(single)}));
     EXPECT_TRUE(await([this] { return window_->model().rowCount() == 4; }));
+    EXPECT_TRUE(awaitTold({"2 font files added"}));
     EXPECT_TRUE(std::filesystem::exists(single));
 }
 

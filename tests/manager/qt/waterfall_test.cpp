@@ -14,7 +14,7 @@ namespace managertest {
 
 namespace {
 
-TEST(AWaterfall, ShowsWhatAFaceHasInPlaceOfSamplesButTheUsersTextAsItIs) {
+TEST(AWaterfall, ShowsWhatAFaceHasButTheUsersTextAsItIs) {
     application();
     Sandbox sandbox;
     preview::Faces faces;

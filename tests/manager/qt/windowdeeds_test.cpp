@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What is done in the window: in which order, to which fonts, and what is kept of it.
+#include "manager/library/folders.h"
 #include "manager/view/texts.h"
 #include "tests/manager/qt/windowfixture.h"
 
@@ -154,6 +155,30 @@ TEST_F(TheWindowsDeeds, CollectWhatIsChosenIntoAFolderForOutput) {
         }
     }
     EXPECT_THAT(fonts, testing::ElementsAre("beta.ttf"));
+}
+
+TEST_F(TheWindowsDeeds, TakeAFolderOutOfTheLibraryAndUndoIt) {
+    open();
+    Sidebar& sidebar = window_->sidebar();
+    const SidebarPlace folder{SidebarPlace::Kind::Folder, {}, sandbox_.library()};
+    const auto haveRows = [this](int count) {
+        return await([&] { return window_->model().rowCount() == count; });
+    };
+    sidebar.choose({});
+    sidebar.setFocus();
+    QTest::keyClick(&sidebar, Qt::Key_Delete);
+    sidebar.choose(folder);
+    QTest::keyClick(&sidebar, Qt::Key_Delete);
+    EXPECT_TRUE(haveRows(0));
+    EXPECT_TRUE(readFolders(sandbox_.places()).empty());
+    EXPECT_EQ(window_->deeds().undoStack().count(), 1) << "of what is no folder";
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(haveRows(2));
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(haveRows(0));
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(haveRows(2));
+    EXPECT_TRUE(finishDeeds());
 }
 
 TEST_F(TheWindowsDeeds, ReachTheMembersOfASetWhateverTheirNumbersAre) {
