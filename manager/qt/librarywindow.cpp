@@ -7,11 +7,13 @@
 #include "manager/qt/progressline.h"
 #include "manager/qt/startsize.h"
 #include "manager/qt/text.h"
+#include "manager/qt/userprocess.h"
 #include "manager/view/texts.h"
 #include "platform/notify.h"
 
 #include <QCloseEvent>
 #include <QEventLoop>
+#include <QProcess>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -119,6 +121,25 @@ LibraryWindow::~LibraryWindow() {
     for (const int token : changes_) {
         notify_cancel(token);
     }
+}
+
+void LibraryWindow::needServer(const std::string& program) {
+    reader_.run([program](Desk& /*desk*/) -> LibraryReader::Taker {
+        if (findServer() || startServer()) {
+            return {};
+        }
+        return [program] {
+            QProcess server;
+            server.setProgram(text(program));
+            server.setArguments({QStringLiteral("serve")});
+            server.setProcessEnvironment(userEnvironment());
+            for (const auto channel :
+                 {&QProcess::setStandardOutputFile, &QProcess::setStandardErrorFile}) {
+                (server.*channel)(QProcess::nullDevice(), QIODevice::WriteOnly);
+            }
+            server.startDetached(); // it stays, as one that the bus starts
+        };
+    });
 }
 
 void LibraryWindow::take(const WindowRequest& request) {

@@ -42,6 +42,10 @@ public:
     /// Comes to the front with what is asked for; as it is, when that is nothing.
     void open(const WindowRequest& request);
 
+    /// Has a server run, which watches the folders that are shown: by the bus where it is
+    /// installed, else `program`, this one.
+    void needServer(const std::string& program);
+
     /// Calls `then` once the library is shown, with the drawings that were asked for, or with why
     /// it cannot be.
     void whenShown(std::function<void(const QString& problem)> then) {

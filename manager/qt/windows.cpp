@@ -51,6 +51,9 @@ void Windows::open(const WindowRequest& request) {
         options.request = request;
         library_ = std::make_unique<LibraryWindow>(options);
         library_->show();
+        if (options_.pictures.empty()) {
+            library_->needServer(options_.program);
+        }
     } else {
         library_->open(request);
     }

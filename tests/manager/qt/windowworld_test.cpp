@@ -83,6 +83,20 @@ TEST_F(TheWindowsWorld, WorksOnWhenItsServerIsKilledAndWithTheNextOne) {
     EXPECT_EQ(window_->list().currentIndex().row(), 1);
 }
 
+TEST_F(TheWindowsWorld, HasAServerThatWatchesItsFolders) {
+    open();
+    window_->needServer(GLYPHORA_PROGRAM);
+    ASSERT_TRUE(await([] { return findServer().has_value(); }));
+    const pid_t server = *findServer();
+    sandbox_.write("gamma.ttf", testsupport::makeFont({"Gamma", "Regular", "Gamma-Regular"}));
+    EXPECT_TRUE(await([this] { return window_->model().rowCount() == 3; }));
+    window_->needServer("/bin/false"); // there is one
+    window_->finishReading();
+    EXPECT_EQ(findServer(), server);
+    EXPECT_EQ(kill(server, SIGTERM), 0);
+    EXPECT_TRUE(await([] { return !findServer(); }));
+}
+
 TEST_F(TheWindowsWorld, TellsWhyItsLibraryCannotBeReadAndTriesAgain) {
     const std::string file = sandbox_.places().database();
     const std::string whole = readBytes(file);
