@@ -113,6 +113,11 @@ void CharacterGrid::setFace(const ShownFace& face) {
     viewport()->update();
 }
 
+void CharacterGrid::tryAgain() {
+    samples_.forgetFailed();
+    viewport()->update();
+}
+
 void CharacterGrid::setPaper(Paper paper) {
     paper_ = paper;
     colour();

@@ -45,6 +45,8 @@ public:
     CharacterGrid(preview::Faces& faces, std::function<void(char32_t)> copied, QWidget* parent);
 
     void setFace(const ShownFace& face);
+    /// Draws what could not be drawn, as news has come: the file may be back.
+    void tryAgain();
     void setPaper(Paper paper);
     /// The keyboard is at `current` then, where it is one of them.
     void show(std::vector<char32_t> characters, std::optional<char32_t> current);

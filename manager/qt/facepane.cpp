@@ -176,6 +176,7 @@ void FacePane::showCharacters() {
     const ShownFace& face = shown_.front();
     awaited_ = face.id;
     if (lettered_ == face.id) {
+        characters_->grid().tryAgain();
         return;
     }
     source_.readCharacters(face.id, [this, face](std::shared_ptr<const Characters> characters) {

@@ -53,6 +53,12 @@ void Samples::keep(const std::function<bool(Key)>& isSeen) {
     });
 }
 
+void Samples::forgetFailed() {
+    std::erase_if(lines_, [](const auto& entry) {
+        return entry.second.answer != nullptr && !entry.second.answer->problem.empty();
+    });
+}
+
 void Samples::clear() {
     keep([](Key) { return false; });
     lines_.clear();

@@ -31,6 +31,8 @@ public:
     [[nodiscard]] bool isFailed(Key key) const;
     /// Cancels those that are waited for and not seen any more.
     void keep(const std::function<bool(Key)>& isSeen);
+    /// Has those that cannot be drawn asked for again: their file may be back.
+    void forgetFailed();
     void clear();
 
 private:

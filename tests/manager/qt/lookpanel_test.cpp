@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The axes and features that a face is drawn with.
+#include "faces/coverage.h"
 #include "manager/qt/colours.h"
 #include "manager/qt/facepane.h"
 #include "manager/qt/lookpanel.h"
@@ -199,6 +200,34 @@ TEST(TheFacePane, AsksAgainForWhatHasNotCome) {
     pane.show(one);
     source.looks[2]({}, {}); // of the other, too late
     EXPECT_NE(pane.look().feature("smcp"), nullptr);
+}
+
+TEST(TheFacePane, DrawsCharactersOfAFontThatIsBack) {
+    application();
+    Sandbox sandbox;
+    preview::Faces faces;
+    AwkwardSource source;
+    FacePane pane(
+        faces, source, [](const QString&) {}, nullptr);
+    pane.views().setCurrentWidget(&pane.characters());
+    const ChosenFaces one{.title = {},
+                          .why = {},
+                          .path = {},
+                          .faces = {{FaceId{1}, "One", sandbox.library() + "/a.ttf", 0}}};
+    pane.show(one);
+    faces::Coverage coverage;
+    faces::addCharacter(coverage, U'L');
+    source.characters.back()(std::make_shared<const Characters>(coverage));
+    const auto grab = [&pane] { return pane.characters().grid().grab().toImage(); };
+    const QImage asked = grab();
+    ASSERT_TRUE(await([&] { return grab() != asked; }));
+    const QImage crossed = grab();
+    sandbox.write("a.ttf", testsupport::makeFont({}));
+    pane.show(one); // as news has it
+    EXPECT_TRUE(await([&] {
+        const QImage now = grab();
+        return now != crossed && now != asked;
+    }));
 }
 
 } // namespace
